@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Installs every Debian 12 package that building and testing needs. Asks nothing; does nothing when all are there.
+set -euo pipefail
+
+packages=(
+  g++ clang cmake ninja-build                      # compilers and build
+  clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
+  libboost-log1.81-dev                             # brings the Boost 1.81 headers as well
+  nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
+  libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$state" = installed ] || missing+=("$package")
+done
+[ "${#missing[@]}" -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
