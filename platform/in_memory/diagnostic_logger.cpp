@@ -1,0 +1,113 @@
+#include "platform/diagnostic_logger.hpp"
+
+#include <boost/log/core.hpp>
+#include <boost/log/keywords/channel.hpp>
+#include <boost/log/keywords/severity.hpp>
+#include <boost/log/sources/record_ostream.hpp>
+#include <boost/log/sources/severity_channel_logger.hpp>
+#include <map>
+#include <mutex>
+
+// Boost.Log is slow to compile; nothing outside this file includes it.
+namespace foundation::log {
+
+namespace {
+
+/// The enabled levels by channel, and the loggers to tell when they change.
+struct Channels {
+  std::mutex mutex;
+  std::map<std::string, unsigned> levels;
+  std::multimap<std::string, basic_diagnostic_logger<char>*> loggers;
+
+  static Channels& instance() {
+    static Channels channels;
+    return channels;
+  }
+};
+
+}  // namespace
+
+/// The Boost.Log source: records carry the attributes "Severity" (int) and "Channel" (std::string).
+/// It locks itself while the severity is set and the record is opened, and at no other time.
+template <class CharT>
+class basic_diagnostic_logger<CharT>::Source {
+ public:
+  explicit Source(const std::string& name)
+      : channel(name), logger(boost::log::keywords::channel = name) {}
+
+  std::string channel;
+  boost::log::sources::severity_channel_logger_mt<int, std::string> logger;
+};
+
+template <class CharT>
+struct basic_diagnostic_logger<CharT>::Record::Draft {
+  explicit Draft(boost::log::record&& opened) : record(std::move(opened)), out(record) {}
+
+  boost::log::record record;
+  boost::log::record_ostream out;
+};
+
+template <class CharT>
+basic_diagnostic_logger<CharT>::basic_diagnostic_logger(const std::basic_string<CharT>& channel)
+    : source_(std::make_unique<Source>(channel)) {
+  Channels& channels = Channels::instance();
+  const std::lock_guard lock(channels.mutex);
+  const auto level = channels.levels.find(channel);
+  if (level != channels.levels.end()) enableLevels(level->second);
+  channels.loggers.emplace(channel, this);
+}
+
+template <class CharT>
+basic_diagnostic_logger<CharT>::~basic_diagnostic_logger() {
+  Channels& channels = Channels::instance();
+  const std::lock_guard lock(channels.mutex);
+  auto [position, end] = channels.loggers.equal_range(source_->channel);
+  while (position != end && position->second != this) ++position;
+  if (position != end) channels.loggers.erase(position);
+}
+
+template <class CharT>
+auto basic_diagnostic_logger<CharT>::openRecord(unsigned severity) -> Record {
+  if (!boost::log::core::get()->get_logging_enabled()) return {};
+  boost::log::record opened =
+      source_->logger.open_record(boost::log::keywords::severity = static_cast<int>(severity));
+  if (!opened) return {};
+  return Record(std::make_unique<typename Record::Draft>(std::move(opened)));
+}
+
+template <class CharT>
+basic_diagnostic_logger<CharT>::Record::Record() noexcept = default;
+template <class CharT>
+basic_diagnostic_logger<CharT>::Record::Record(Record&&) noexcept = default;
+template <class CharT>
+auto basic_diagnostic_logger<CharT>::Record::operator=(Record&&) noexcept -> Record& = default;
+template <class CharT>
+basic_diagnostic_logger<CharT>::Record::~Record() = default;
+
+template <class CharT>
+basic_diagnostic_logger<CharT>::Record::Record(std::unique_ptr<Draft> draft) noexcept
+    : draft_(std::move(draft)) {}
+
+template <class CharT>
+std::basic_ostream<CharT>& basic_diagnostic_logger<CharT>::Record::stream() {
+  return draft_->out.stream();
+}
+
+template <class CharT>
+void basic_diagnostic_logger<CharT>::Record::push() {
+  const std::unique_ptr<Draft> finished = std::move(draft_);
+  finished->out.flush();
+  boost::log::core::get()->push_record(std::move(finished->record));
+}
+
+template class basic_diagnostic_logger<char>;
+
+void setEnabledLevels(const std::string& channel, unsigned flags) {
+  Channels& channels = Channels::instance();
+  const std::lock_guard lock(channels.mutex);
+  channels.levels[channel] = flags;
+  auto [position, end] = channels.loggers.equal_range(channel);
+  for (; position != end; ++position) position->second->enableLevels(flags);
+}
+
+}  // namespace foundation::log

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what the platform offers across shared-object borders.
+#define TARN_PLATFORM_API __attribute__((visibility("default")))
