@@ -1,0 +1,16 @@
+#pragma once
+
+#include "messages/messages.hpp"
+#include "platform/exception.hpp"
+
+namespace tarn {
+
+/// Throws the exception that carries `msg`. A handler may name its concrete type
+/// `foundation::core::except::Exception<Msg, std::exception, void>`, `IMsgIDException` or
+/// `std::exception`. Nothing is logged.
+template <class Msg>
+[[noreturn]] void reportException(const Msg& msg) {
+  throw foundation::core::except::Exception<Msg, std::exception, void>(msg);
+}
+
+}  // namespace tarn

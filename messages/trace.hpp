@@ -1,0 +1,42 @@
+#pragma once
+
+#include <ostream>
+
+#include "platform/diagnostic_logger.hpp"
+
+/// Tracing of the path finder's reasoning on the one diagnostic logger
+/// "tarn::evolution::pathfinder".
+namespace tarn::evolution::diagnostics {
+
+/// Severities in use; each is also the value of its flag among the logger's enabled levels.
+enum class TraceLevel : unsigned {
+  Reasoning = 4,   ///< hop collection, step generation and path search
+  CacheStore = 8,  ///< what enters the path cache
+};
+
+/// Constructed when the library is loaded, destroyed at process exit.
+extern foundation::log::basic_diagnostic_logger<char> logger;
+
+/// Writes one record whose text `writeText(std::ostream&)` forms.
+///
+/// When the level is off this costs one load and one bit test and `writeText` is not called. When
+/// it throws, the record is dropped and the exception goes on to the caller.
+template <class WriteText>
+void trace(TraceLevel level, const WriteText& writeText) {
+  const auto severity = static_cast<unsigned>(level);
+  if ((logger.enabledLevels() & severity) == 0) [[likely]]
+    return;
+  if (auto record = logger.openRecord(severity)) {
+    writeText(record.stream());
+    record.push();
+  }
+}
+
+/// Writes one record at `TraceLevel::Reasoning` that holds only `value` as its stream operator
+/// prints it.
+template <class Value>
+void traceValue(const Value& value) {
+  trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << value; });
+}
+
+}  // namespace tarn::evolution::diagnostics
