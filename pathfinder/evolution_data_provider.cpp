@@ -1,0 +1,7 @@
+#include "pathfinder/evolution_data_provider.hpp"
+
+namespace tarn::evolution {
+
+EvolutionDataProvider::~EvolutionDataProvider() = default;
+
+}  // namespace tarn::evolution

@@ -1,0 +1,137 @@
+#include "pathfinder/exhaustive_search.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <ostream>
+#include <queue>
+#include <unordered_map>
+#include <utility>
+
+#include "messages/trace.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using diagnostics::trace;
+using diagnostics::TraceLevel;
+using diagnostics::traceValue;
+
+namespace {
+
+/// A baseline that has been reached, by the lightest way known when it was added.
+struct Reached {
+  std::uint64_t weight;
+  VersionBaseline baseline;
+  const Reached* parent;  ///< null for a source
+  LockstepHop hops;       ///< from the parent's baseline to this one
+};
+
+/// Hashes a baseline by the identity of its linked metamodels, whatever their order in the map.
+/// Cheaper than hashing names, and exactly as fine as baseline equality.
+struct IdentityHash {
+  std::size_t operator()(const VersionBaseline* baseline) const noexcept {
+    std::size_t result = 0;
+    for (const auto& [name, linked] : baseline->metamodels) {
+      result ^= reinterpret_cast<std::uintptr_t>(linked.get()) * 0x9e3779b97f4a7c15U;
+    }
+    return result ^ (result >> 32);
+  }
+};
+
+struct SameBaseline {
+  bool operator()(const VersionBaseline* left, const VersionBaseline* right) const {
+    return *left == *right;
+  }
+};
+
+/// The baselines reached so far, to be taken by weight and, within one weight, in the order of
+/// addition.
+class Frontier {
+ public:
+  /// Adds a baseline, unless it stands here already at no greater weight. One that is taken never
+  /// comes back: steps have no negative weight.
+  void add(Reached reached) {
+    const auto known = cheapest_.find(&reached.baseline);
+    if (known == cheapest_.end()) {
+      const Reached& added = append(std::move(reached));
+      cheapest_.emplace(&added.baseline, &added);
+    } else if (reached.weight < known->second->weight) {
+      known->second = &append(std::move(reached));
+    }
+  }
+
+  /// The next baseline; null when there is none left.
+  const Reached* take() {
+    while (!waiting_.empty()) {
+      const Waiting next = waiting_.top();
+      waiting_.pop();
+      if (cheapest_.at(&next.entry->baseline) == next.entry) return next.entry;
+    }
+    return nullptr;
+  }
+
+ private:
+  struct Waiting {
+    std::uint64_t weight;
+    std::size_t sequence;
+    const Reached* entry;
+
+    bool operator>(const Waiting& other) const {
+      return std::pair(weight, sequence) > std::pair(other.weight, other.sequence);
+    }
+  };
+
+  const Reached& append(Reached&& reached) {
+    const Reached& added = entries_.emplace_back(std::move(reached));
+    waiting_.push({added.weight, entries_.size(), &added});
+    return added;
+  }
+
+  std::deque<Reached> entries_;  // never moved: the parents and keys below point into it
+  std::priority_queue<Waiting, std::vector<Waiting>, std::greater<>> waiting_;
+  std::unordered_map<const VersionBaseline*, const Reached*, IdentityHash, SameBaseline> cheapest_;
+};
+
+std::vector<BaselineHop> pathTo(const Reached& end) {
+  std::vector<const Reached*> backwards;
+  for (const Reached* entry = &end; entry->parent != nullptr; entry = entry->parent) {
+    backwards.push_back(entry);
+  }
+  std::vector<BaselineHop> path;
+  path.reserve(backwards.size());
+  for (auto entry = backwards.rbegin(); entry != backwards.rend(); ++entry) {
+    path.emplace_back((*entry)->parent->baseline, (*entry)->baseline, (*entry)->hops);
+  }
+  return path;
+}
+
+}  // namespace
+
+std::optional<FoundPath> searchExhaustively(VersionRepository& repository,
+                                            const std::vector<VersionBaseline>& sources,
+                                            const std::vector<VersionBaseline>& targets,
+                                            VersionRepository::Direction direction) {
+  Frontier frontier;
+  for (const VersionBaseline& source : sources) frontier.add({0, source, nullptr, {}});
+  while (const Reached* current = frontier.take()) {
+    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+      out << "Trying unvisited baseline with least weight: " << current->baseline;
+    });
+    const auto target = std::find_if(
+        targets.begin(), targets.end(),
+        [&](const VersionBaseline& candidate) { return current->baseline.includes(candidate); });
+    if (target != targets.end()) {
+      traceValue("Reached target");
+      return FoundPath{pathTo(*current), &*target};
+    }
+    for (BaselineHop& step : repository.getStepsFrom(current->baseline, direction)) {
+      const std::uint64_t weight = current->weight + repository.getWeight(step.hops);
+      frontier.add({weight, std::move(step.to), current, std::move(step.hops)});
+    }
+  }
+  traceValue("Exhausted search");
+  return std::nullopt;
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,56 @@
+#include "pathfinder/hop_collection.hpp"
+
+#include <cassert>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+#include "messages/trace.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using diagnostics::trace;
+using diagnostics::TraceLevel;
+
+namespace {
+
+[[noreturn]] void reportUnknownTarget(const Hop& hop) {
+  assert(false && "the repository offers a hop to a version that it cannot return");
+  std::ostringstream text;
+  text << "The repository offers a hop to version " << hop.to << " of metamodel \""
+       << fl::i18n::ustring_to_utf8(hop.name) << "\" but cannot return that version.";
+  throw std::logic_error(text.str());
+}
+
+bool goesAgainst(VersionRepository::Direction direction, const Metamodel& current, const Hop& hop,
+                 VersionRepository& repository) {
+  const std::optional<Metamodel> target = repository.getMetamodel(hop.name, hop.to);
+  if (!target) reportUnknownTarget(hop);
+  return VersionRepository::areDirectionsInconsistent(direction,
+                                                      repository.getDirection(current, *target));
+}
+
+}  // namespace
+
+void collectHops(VersionRepository& repository, VersionRepository::Direction direction,
+                 const std::u16string& name, const LinkedMetamodel& linked, HopChoices& choices) {
+  const Metamodel& current = linked;
+  std::vector<Hop> hops;
+  repository.findHops(name, current.version, hops);
+  trace(TraceLevel::Reasoning,
+        [&](std::ostream& out) { out << "Found " << hops.size() << " hops from " << current; });
+  if (direction != VersionRepository::Unknown) {
+    std::erase_if(hops,
+                  [&](const Hop& hop) { return goesAgainst(direction, current, hop, repository); });
+    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+      out << "Retained " << hops.size() << " hops after direction filtering";
+    });
+  }
+  const std::uint64_t radix = hops.size() + 1;
+  choices.byName.push_back({name, std::move(hops)});
+  choices.permutationCount *= radix;
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,34 @@
+#include "pathfinder/target_baseline.hpp"
+
+#include <utility>
+
+#include "pathfinder/name_order.hpp"
+#include "pathfinder/selection_combination.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+std::vector<VersionBaseline> findTargetBaselines(VersionRepository& repository,
+                                                 const VersionBaseline& baseline,
+                                                 const LockstepHop& hops) {
+  if (hops.empty()) return {};
+  std::vector<Metamodel> targets;
+  targets.reserve(hops.size());  // the selection points into it
+  // The map's order decides what is linked first. Filled in name order, it depends on nothing but
+  // the content asked about.
+  std::unordered_map<std::u16string, const Metamodel*> selection;
+  for (const auto* entry : inNameOrder(hops)) {
+    std::optional<Metamodel> target = repository.getMetamodel(entry->first, entry->second.to);
+    if (!target) return {};
+    targets.push_back(*std::move(target));
+    selection.emplace(entry->first, &targets.back());
+  }
+  for (const auto* entry : inNameOrder(baseline.metamodels)) {
+    selection.emplace(entry->first, entry->second.get());
+  }
+  std::vector<SelectedMetamodel> inMapOrder;
+  inMapOrder.reserve(selection.size());
+  for (const auto& [name, metamodel] : selection) inMapOrder.push_back({&name, metamodel});
+  return combineMetamodels(repository, inMapOrder);
+}
+
+}  // namespace tarn::evolution::pathfinder

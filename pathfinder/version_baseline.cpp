@@ -1,0 +1,103 @@
+#include "pathfinder/version_baseline.hpp"
+
+#include <algorithm>
+#include <ostream>
+
+#include "pathfinder/baseline_combination.hpp"
+#include "pathfinder/class_test.hpp"
+#include "pathfinder/hashing.hpp"
+#include "pathfinder/standard_types.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+std::optional<VersionBaseline> VersionBaseline::create(
+    const std::vector<std::shared_ptr<LinkedMetamodel>>& metamodels) {
+  VersionBaseline result;
+  for (const auto& metamodel : metamodels) {
+    if (!result.tryEmplace(metamodel)) return std::nullopt;
+    for (const auto& [name, linked] : metamodel->linkedMetamodels) {
+      if (!result.tryEmplace(linked)) return std::nullopt;
+    }
+  }
+  return result;
+}
+
+std::vector<VersionBaseline> VersionBaseline::combine(
+    const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+        alternatives) {
+  std::vector<Alternatives> inMapOrder;
+  inMapOrder.reserve(alternatives.size());
+  for (const auto& [name, candidates] : alternatives) inMapOrder.push_back({&name, &candidates});
+  return combineInOrder(inMapOrder);
+}
+
+bool VersionBaseline::tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel) {
+  const auto present = metamodels.find(metamodel->name);
+  if (present != metamodels.end()) return present->second == metamodel;
+  const auto& links = metamodel->linkedMetamodels;
+  const bool fits = std::all_of(links.begin(), links.end(), [this](const auto& link) {
+    const auto held = metamodels.find(link.first);
+    return held == metamodels.end() || held->second == link.second;
+  });
+  if (!fits) return false;
+  metamodels.try_emplace(metamodel->name, metamodel);
+  for (const auto& [name, linked] : links) metamodels.try_emplace(name, linked);
+  return true;
+}
+
+bool VersionBaseline::includes(const VersionBaseline& other) const {
+  return std::all_of(other.metamodels.begin(), other.metamodels.end(), [this](const auto& entry) {
+    const auto held = metamodels.find(entry.first);
+    return held == metamodels.end() ? entry.second == nullptr : held->second == entry.second;
+  });
+}
+
+bool VersionBaseline::operator==(const VersionBaseline& other) const {
+  return metamodels == other.metamodels;
+}
+
+tarn::meta::Type VersionBaseline::findType(const std::u16string& qualifiedName) const {
+  for (const auto& [name, metamodel] : metamodels) {
+    if (tarn::meta::Type found = metamodel->findTypeInMetamodelOnly(qualifiedName)) return found;
+  }
+  return lookupStandardType(qualifiedName);
+}
+
+tarn::meta::Class VersionBaseline::findClass(const std::u16string& qualifiedName) const {
+  return asClass(findType(qualifiedName));
+}
+
+std::vector<tarn::meta::Type> VersionBaseline::fetchSubclasses(const tarn::meta::Type& base) const {
+  std::vector<tarn::meta::Type> result;
+  for (const auto& [name, metamodel] : metamodels) {
+    metamodel->fecthSubclassesInMetamodelOnly(base, result);
+  }
+  return result;
+}
+
+tarn::meta::Type VersionBaseline::lookupStandardType(const std::u16string& qualifiedName) {
+  return findStandardType(qualifiedName);
+}
+
+std::ostream& operator<<(std::ostream& out, const VersionBaseline& baseline) {
+  out << "Baseline {";
+  const char* separator = "";
+  for (const auto& [name, metamodel] : baseline.metamodels) {
+    out << separator << static_cast<const Metamodel&>(*metamodel);
+    separator = ", ";
+  }
+  return out << "}";
+}
+
+}  // namespace tarn::evolution::pathfinder
+
+std::size_t std::hash<tarn::evolution::pathfinder::VersionBaseline>::operator()(
+    const tarn::evolution::pathfinder::VersionBaseline& baseline) const noexcept {
+  using namespace tarn::evolution::pathfinder;
+  std::size_t seed = 0;
+  for (const auto& [name, metamodel] : baseline.metamodels) {
+    seed = mixHash(seed, std::hash<std::u16string>()(name));
+    seed = mixHash(seed, hashNameAndVersion(metamodel->name, metamodel->version));
+  }
+  return seed;
+}

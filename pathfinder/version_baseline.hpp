@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "pathfinder/linked_metamodel.hpp"
+#include "platform/meta_types.hpp"
+#include "tarn_evolution_pathfinder_export.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A consistent selection of metamodel versions: at most one linked metamodel for each name, closed
+/// under their links.
+///
+/// Baselines are the nodes of the path search. They are plain values, one hash map of shared
+/// pointers, and are compared by the identity of the linked metamodels that they hold: two linked
+/// metamodels with equal descriptors are different selections.
+///
+/// Built by `create`, `tryEmplace` and `combine`, a baseline holds each linked metamodel under its
+/// own name together with all its links, and no null pointer.
+class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
+ public:
+  /// The baseline of `metamodels` and all that they link; empty when they disagree.
+  static std::optional<VersionBaseline> create(
+      const std::vector<std::shared_ptr<LinkedMetamodel>>& metamodels);
+
+  /// Every consistent baseline that picks one alternative for each name.
+  ///
+  /// A pick that an earlier pick's links have already brought in counts only when it is among its
+  /// name's alternatives. Alternatives agree by identity; version ranges are not looked at. The
+  /// result is in mixed-radix order, the name that the map yields first being the most significant
+  /// digit. No names give no baseline. Cost: (surviving partial baselines) x (alternatives), name
+  /// by name.
+  static std::vector<VersionBaseline> combine(
+      const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+          alternatives);
+
+  /// Adds a linked metamodel with its links; returns false, and changes nothing, when the baseline
+  /// holds another linked metamodel under one of their names.
+  bool tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel);
+
+  /// Whether every entry of `other` stands here with the very same pointer. A null entry of `other`
+  /// is met by an absent one.
+  bool includes(const VersionBaseline& other) const;
+
+  /// The same names with the very same pointers.
+  bool operator==(const VersionBaseline& other) const;
+
+  /// The type that a qualified name denotes in this selection: one registered for a selected
+  /// metamodel, or else a standard type; empty when there is none.
+  tarn::meta::Type findType(const std::u16string& qualifiedName) const;
+
+  /// As `findType`; empty as well when the type is not a class.
+  tarn::meta::Class findClass(const std::u16string& qualifiedName) const;
+
+  /// The registered types of all selected metamodels that are subclasses of `base`.
+  std::vector<tarn::meta::Type> fetchSubclasses(const tarn::meta::Type& base) const;
+
+  /// The framework's standard type of that name: a primitive type, a model root class or another
+  /// type of the framework's own meta package; empty when there is none.
+  ///
+  /// Fills the framework's empty `StandardTypes` handles on the way, without a lock: first calls
+  /// must not run on two threads at once.
+  static tarn::meta::Type lookupStandardType(const std::u16string& qualifiedName);
+
+  std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>> metamodels;
+};
+
+/// Writes "Baseline {name@version, name@version, ...}" in the order of the map.
+TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& operator<<(std::ostream& out,
+                                                          const VersionBaseline& baseline);
+
+}  // namespace tarn::evolution::pathfinder
+
+/// Hashes names and versions in the order in which the map yields its entries: equal baselines that
+/// were filled in another order may hash differently. For a key that must not depend on that order,
+/// take `VersionRepository::KeyHasherVersionBaselineUnordered`.
+template <>
+struct TARN_EVOLUTION_PATHFINDER_EXPORT std::hash<tarn::evolution::pathfinder::VersionBaseline> {
+  std::size_t operator()(
+      const tarn::evolution::pathfinder::VersionBaseline& baseline) const noexcept;
+};

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "pathfinder/semver.hpp"
+#include "tarn_evolution_pathfinder_export.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A metamodel's version: a semantic version, or a text that is compared and matched only as a
+/// whole.
+///
+/// The semantic version 1.0.0 and the text "1.0.0" are different identifiers.
+class TARN_EVOLUTION_PATHFINDER_EXPORT VersionId {
+ public:
+  VersionId() = default;  ///< the semantic version 0.0.0
+  VersionId(const SemVer& version) : value_(version) {}
+  VersionId(std::u16string text) : value_(std::move(text)) {}
+  VersionId(const char16_t* text) : value_(std::u16string(text)) {}
+
+  bool isSemVer() const noexcept { return value_.index() == 0; }
+
+  /// The semantic version; throws std::bad_variant_access on a text.
+  const SemVer& getSemVer() const { return std::get<SemVer>(value_); }
+
+  /// The text; throws std::bad_variant_access on a semantic version.
+  const std::u16string& getText() const { return std::get<std::u16string>(value_); }
+
+  const std::variant<SemVer, std::u16string>& value() const noexcept { return value_; }
+
+  /// Same alternative and equal value.
+  bool operator==(const VersionId& other) const;
+
+ private:
+  std::variant<SemVer, std::u16string> value_;
+};
+
+/// Writes a semantic version as "major.minor.patch", a text as its UTF-8 bytes without decoration.
+TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& operator<<(std::ostream& out, const VersionId& id);
+
+/// The versions that satisfy a dependency: a half-open range of semantic versions, or one text.
+class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRange {
+ public:
+  VersionRange() = default;  ///< the empty range [0.0.0, 0.0.0)
+  VersionRange(const SemVerRange& range) : value_(range) {}
+  VersionRange(std::u16string text) : value_(std::move(text)) {}
+  VersionRange(const char16_t* text) : value_(std::u16string(text)) {}
+
+  /// The narrowest range that includes exactly `id`. The patch of the upper bound wraps: the range
+  /// of a version with the largest patch is empty.
+  static VersionRange singleVersion(const VersionId& id);
+
+  bool isSemVerRange() const noexcept { return value_.index() == 0; }
+
+  /// The semantic range; throws std::bad_variant_access on a text.
+  const SemVerRange& getSemVerRange() const { return std::get<SemVerRange>(value_); }
+
+  /// The text; throws std::bad_variant_access on a semantic range.
+  const std::u16string& getText() const { return std::get<std::u16string>(value_); }
+
+  const std::variant<SemVerRange, std::u16string>& value() const noexcept { return value_; }
+
+  /// Whether `id` lies in the range; never across the alternatives, however the text reads.
+  bool includes(const VersionId& id) const;
+
+  /// Narrows this range to what it shares with `other`. Different texts leave [0.0.0, 0.0.0).
+  ///
+  /// The mixed cases differ on purpose: a text range narrowed by a semantic range [L, U) becomes
+  /// the empty range [L, L); a semantic range narrowed by a text becomes [0.0.0, 0.0.0) and
+  /// std::bad_variant_access is thrown.
+  void intersect(const VersionRange& other);
+
+  /// A copy of this range, narrowed by `intersect`; throws what that throws.
+  VersionRange intersection(const VersionRange& other) const;
+
+  /// Same alternative and equal value.
+  bool operator==(const VersionRange& other) const;
+
+ private:
+  std::variant<SemVerRange, std::u16string> value_;
+};
+
+/// Writes a semantic range as "[lower, upper)", a text as its UTF-8 bytes without decoration.
+TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& operator<<(std::ostream& out,
+                                                          const VersionRange& range);
+
+}  // namespace tarn::evolution::pathfinder

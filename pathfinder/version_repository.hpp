@@ -1,0 +1,252 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "pathfinder/hop.hpp"
+#include "pathfinder/linked_metamodel.hpp"
+#include "pathfinder/metamodel.hpp"
+#include "pathfinder/version_baseline.hpp"
+#include "pathfinder/version_id.hpp"
+#include "tarn_evolution_pathfinder_export.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A catalogue of metamodels and hops, and the path finder over it.
+///
+/// An application derives from this class, answers `findMetamodels` and `findHops` (and, where it
+/// needs to, the three hooks), and asks: `findPath` for the way from one selection of versions to
+/// another, or one of the operations that it is made of.
+///
+/// **What it keeps.** Linked metamodels, one list for each descriptor, are made on first demand and
+/// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
+/// `invalidatePathfindingCache` is called. The application's answers must be stable: a metamodel
+/// that has been linked is not asked for again, while hops are asked for afresh in every search.
+/// Dependencies must be free of cycles: linking one would never end.
+///
+/// **Equal questions, equal answers.** Wherever an order decides (which of several paths of equal
+/// weight is returned, the list of steps, the list of baselines), it is a function of the content
+/// asked about: ascending UTF-16 order of names, then the application's order of versions and hops.
+///
+/// **Threads.** Everything runs on the caller's thread. Operations that may link metamodels
+/// (`getLinkedMetamodels`, `createLinkedMetamodels`, `combine`, `createTargetBaseline`,
+/// `getStepsFrom`, and `findPath` unless the path cache or the overload itself answers) must not
+/// run on two threads at once on one repository. Questions that the path cache answers, and
+/// `invalidatePathfindingCache`, may run on any number of threads.
+///
+/// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
+/// any exception the repository answers correctly: what was linked completely stays, nothing
+/// half-made does, and no path of the failed search is kept. Besides what is said at each
+/// operation, std::bad_alloc may leave any of them.
+class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
+ public:
+  /// Which way a move between versions goes. As the direction asked for, `Unknown` means any.
+  enum Direction : std::int32_t { Equal = 0, Forward = 1, Backward = 2, Unknown = 3 };
+
+  /// Hash of a baseline that does not depend on the order in which its map was filled: names and
+  /// versions by exclusive or. Baselines that differ only in which variant of a metamodel they hold
+  /// collide.
+  struct TARN_EVOLUTION_PATHFINDER_EXPORT KeyHasherVersionBaselineUnordered {
+    std::size_t operator()(const VersionBaseline& baseline) const noexcept;
+  };
+
+  VersionRepository();
+  VersionRepository(const VersionRepository&) = delete;
+  VersionRepository& operator=(const VersionRepository&) = delete;
+
+  /// @name For the application to implement
+  /// Called on the thread of the operation that needs the answer, never with a lock of the
+  /// repository held. An implementation may call the repository's own operations.
+  /// @{
+
+  virtual ~VersionRepository();
+
+  /// The semantic version that a text version of a metamodel stands for, if any. With none, which
+  /// is the default, a text version satisfies no semantic range and counts as older than every
+  /// semantic version.
+  virtual std::optional<SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
+                                                    const std::u16string& versionText);
+
+  /// The metamodel of that name and version, if there is one.
+  ///
+  /// By default the first one that `findMetamodels` lists for the single version; a text version
+  /// that has a semantic equivalent is looked up by the equivalent.
+  virtual std::optional<Metamodel> getMetamodel(const std::u16string& name,
+                                                const VersionId& version);
+
+  /// Appends to `result`, which is passed empty, every metamodel of that name whose version lies in
+  /// `range`, in the preferred order. Nothing appended: nothing matches. The order decides which
+  /// linked metamodels come first, and so which of several equal paths is found.
+  virtual void findMetamodels(const std::u16string& name, const VersionRange& range,
+                              std::vector<Metamodel>& result) = 0;
+
+  /// Appends to `result`, which is passed empty, every hop that moves metamodel `name` away from
+  /// version `from`, in either direction. `getMetamodel` must find the target of each of them. The
+  /// order decides which of several equal paths is found.
+  virtual void findHops(const std::u16string& name, const VersionId& from,
+                        std::vector<Hop>& result) = 0;
+
+  /// Called once for every new linked metamodel, after its dependencies are linked and before
+  /// anybody else sees it: the place to register its types and packages (see `accessTag`). When it
+  /// throws, nothing is kept for that metamodel. By default does nothing.
+  virtual void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked);
+
+  /// @}
+  /// @name Paths
+  /// @{
+
+  /// The least-weight path from any of `from` to a baseline that includes any of `to`, every step
+  /// going in `direction` or in none.
+  ///
+  /// Absent: there is no path. Present and empty: a source includes a target. Otherwise the steps
+  /// in the order of application; each step's `to` is the next one's `from`.
+  ///
+  /// A path found before is returned from the cache, for the first pair of `from` and `to` in list
+  /// order that has one, whatever the direction and before anything else is looked at. Weights are
+  /// those of `getWeight`; among paths of equal weight, the one whose baselines were reached first.
+  ///
+  /// Cost: a cached path takes two hash look-ups per pair. A search takes, for every baseline
+  /// nearer than the target, the steps out of it: see `getStepsFrom`.
+  ///
+  /// Throws what `getStepsFrom` throws, also when another step would have reached a target, and
+  /// std::system_error when the path cache cannot be locked.
+  std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
+                                                   const std::vector<VersionBaseline>& to,
+                                                   Direction direction);
+
+  /// The path between two baselines, in the direction from one to the other (`computeDirection`).
+  /// Present and empty, without a search, when `from` includes `to`.
+  std::optional<std::vector<BaselineHop>> findPath(const VersionBaseline& from,
+                                                   const VersionBaseline& to);
+
+  /// The path between two selections of one version for each name. Present and empty, without a
+  /// search, when the selections are equal; absent when either cannot be combined into a baseline.
+  /// The direction is that between the first baselines of each. Throws what `combine` throws as
+  /// well.
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::unordered_map<std::u16string, VersionId>& from,
+      const std::unordered_map<std::u16string, VersionId>& to);
+
+  /// The path from any of some baselines to a selection. Present and empty, without a search, when
+  /// a baseline of the selection equals a source; absent when there is none. The direction is that
+  /// between the first baselines of each. Throws what `combine` throws as well.
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::vector<VersionBaseline>& from,
+      const std::unordered_map<std::u16string, VersionId>& to);
+
+  /// The weight of one step: 1,000,000,000 for each expensive hop; one for each other hop, and one
+  /// more if there is any other hop. So moving in lockstep weighs less than moving one after the
+  /// other, and an expensive hop is taken only where every way without it is longer than any met in
+  /// practice.
+  unsigned long getWeight(const std::unordered_map<std::u16string, Hop>& hops) const;
+
+  /// Forgets every path found. Waits for look-ups in progress, not for searches: a search that runs
+  /// stores its path afterwards.
+  void invalidatePathfindingCache();
+
+  /// @}
+  /// @name Steps
+  /// @{
+
+  /// Every step that leaves `from` in `direction`: every non-empty choice of at most one hop for
+  /// each metamodel, once for each baseline that `createTargetBaseline` finds for it.
+  ///
+  /// Choices are listed as mixed-radix numbers, the first name in ascending order being the least
+  /// significant digit, a digit 0 leaving the metamodel where it is and a digit d taking its d-th
+  /// hop. Nothing is removed: different choices that lead to one baseline are different steps.
+  ///
+  /// Cost: the number of choices, which is the product over all metamodels of (hops + 1), for time;
+  /// room for as many steps is reserved before the first is tried.
+  ///
+  /// Throws std::length_error when the number of choices is beyond any list,
+  /// ConflictingDependencies when the target of a choice cannot be linked, and std::logic_error (in
+  /// debug builds: an assertion fails) when `getMetamodel` does not find the target of a hop that
+  /// `findHops` offers.
+  std::vector<BaselineHop> getStepsFrom(const VersionBaseline& from, Direction direction);
+
+  /// The consistent baselines that the hops lead to from `baseline`, the metamodels that no hop
+  /// moves keeping their versions; in the order of `combine`. Empty when there are no hops, when a
+  /// target is unknown, or when the targets cannot stand together. Throws ConflictingDependencies
+  /// when a target cannot be linked.
+  std::vector<VersionBaseline> createTargetBaseline(
+      const VersionBaseline& baseline, const std::unordered_map<std::u16string, Hop>& hops);
+
+  /// @}
+  /// @name Selections and linked metamodels
+  /// @{
+
+  /// Every consistent baseline that realises a selection of one version for each name, the first
+  /// name in ascending order being the most significant digit. Empty when there is none, or for no
+  /// names.
+  ///
+  /// Throws InvalidFamilyVersion for a version that the application does not know and
+  /// ConflictingDependencies for one that cannot be linked, whichever the selection's map yields
+  /// first.
+  std::vector<VersionBaseline> combine(
+      const std::unordered_map<std::u16string, VersionId>& selection);
+
+  /// The same for a selection of descriptors. The keys are taken as names as they stand.
+  std::vector<VersionBaseline> combine(
+      const std::unordered_map<std::u16string, Metamodel>& selection);
+
+  /// The linked metamodels of a descriptor, one for each consistent choice of dependencies, created
+  /// on first demand. The list stays valid and unchanged for the repository's lifetime. Throws
+  /// ConflictingDependencies when there is no consistent choice.
+  const std::vector<std::shared_ptr<LinkedMetamodel>>& getLinkedMetamodels(
+      const Metamodel& metamodel);
+
+  /// The same for the metamodel that `getMetamodel` finds; throws ConflictingDependencies when it
+  /// finds none.
+  const std::vector<std::shared_ptr<LinkedMetamodel>>& getLinkedMetamodels(
+      const std::u16string& name, const VersionId& version);
+
+  /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
+  /// path found. A list kept before stays. Normally reached through `getLinkedMetamodels`.
+  ///
+  /// Choices are made as if digit by digit: of two dependencies of one name the first one's
+  /// candidates are linked. Cost: at most the product of the numbers of candidates of each
+  /// dependency.
+  void createLinkedMetamodels(const Metamodel& metamodel);
+
+  /// @}
+  /// @name Versions and directions
+  /// @{
+
+  /// Whether the metamodel's version, or the semantic equivalent of its text version, lies in
+  /// `range`.
+  bool includes(const VersionRange& range, const Metamodel& metamodel);
+
+  /// The metamodel's semantic version, or the equivalent of its text version, if there is one.
+  std::optional<SemVer> extractSemVer(const Metamodel& metamodel);
+
+  /// True when one of the two is `Forward` and the other `Backward`.
+  static bool areDirectionsInconsistent(Direction a, Direction b);
+
+  /// The name of the value; empty for a number that is none.
+  static std::string getDirectionString(Direction direction);
+
+  /// The direction from one version of a metamodel to another. A version without a semantic
+  /// equivalent counts as older than any that has one; between two such versions it is `Unknown`.
+  Direction getDirection(const Metamodel& from, const Metamodel& to);
+
+  /// The common direction of all metamodels that both baselines hold. `Unknown` when some go
+  /// forward and others backward, or when none moves; never `Equal`.
+  Direction computeDirection(const VersionBaseline& from, const VersionBaseline& to);
+
+  /// @}
+
+ protected:
+  /// The pass key with which `loadMetamodel` fills a new linked metamodel.
+  static LinkedMetamodel::AccessTag accessTag() { return {}; }
+
+ private:
+  struct Caches;
+  std::unique_ptr<Caches> caches_;
+};
+
+}  // namespace tarn::evolution::pathfinder
