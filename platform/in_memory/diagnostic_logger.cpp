@@ -1,12 +1,18 @@
 #include "platform/diagnostic_logger.hpp"
 
+#include <boost/log/attributes/value_extraction.hpp>
 #include <boost/log/core.hpp>
 #include <boost/log/keywords/channel.hpp>
 #include <boost/log/keywords/severity.hpp>
+#include <boost/log/sinks/basic_sink_backend.hpp>
+#include <boost/log/sinks/sync_frontend.hpp>
 #include <boost/log/sources/record_ostream.hpp>
 #include <boost/log/sources/severity_channel_logger.hpp>
+#include <boost/make_shared.hpp>
 #include <map>
 #include <mutex>
+
+#include "platform/in_memory/record_sink.hpp"
 
 // Boost.Log is slow to compile; nothing outside this file includes it.
 namespace foundation::log {
@@ -25,7 +31,34 @@ struct Channels {
   }
 };
 
+template <class Value>
+Value attribute(const boost::log::record_view& record, const char* name) {
+  const auto found = boost::log::extract<Value>(name, record);
+  return found ? found.get() : Value();
+}
+
+class CallbackBackend
+    : public boost::log::sinks::basic_sink_backend<boost::log::sinks::synchronized_feeding> {
+ public:
+  explicit CallbackBackend(std::function<void(const in_memory::RecordView&)> show)
+      : show_(std::move(show)) {}
+
+  void consume(const boost::log::record_view& record) {
+    show_({attribute<int>(record, "Severity"), attribute<std::string>(record, "Channel"),
+           attribute<std::string>(record, "Message")});
+  }
+
+ private:
+  std::function<void(const in_memory::RecordView&)> show_;
+};
+
 }  // namespace
+
+void in_memory::addRecordSink(std::function<void(const RecordView&)> show) {
+  using Sink = boost::log::sinks::synchronous_sink<CallbackBackend>;
+  boost::log::core::get()->add_sink(
+      boost::make_shared<Sink>(boost::make_shared<CallbackBackend>(std::move(show))));
+}
 
 /// The Boost.Log source: records carry the attributes "Severity" (int) and "Channel" (std::string).
 /// It locks itself while the severity is set and the record is opened, and at no other time.

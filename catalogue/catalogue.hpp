@@ -1,0 +1,62 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "catalogue/catalogue_index.hpp"
+#include "pathfinder/hop.hpp"
+#include "pathfinder/metamodel.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// One version of one metamodel in a catalogue.
+struct CatalogueMetamodel {
+  pathfinder::Metamodel descriptor;
+
+  /// What a text version stands for among the semantic versions, if anything.
+  std::optional<pathfinder::SemVer> equivalent;
+};
+
+/// One version for each name.
+using Selection = std::unordered_map<std::u16string, pathfinder::VersionId>;
+
+/// A question that a catalogue comes with: how to get from one selection to another.
+struct Question {
+  Selection from;
+  Selection to;
+};
+
+/// What a catalogue consists of. The order of metamodels and of hops is the order of every answer.
+struct CatalogueContent {
+  std::vector<CatalogueMetamodel> metamodels;
+  std::vector<pathfinder::Hop> hops;
+  std::optional<Question> question;
+};
+
+/// A closed, sound set of metamodels and hops. A value; never changed once made.
+///
+/// Sound: no version stands twice; no two text versions of a metamodel share a semantic equivalent;
+/// every dependency names a metamodel that has a version, and every hop leads between two versions
+/// that are there; no version depends, directly or through others, on itself. Ranges may be empty
+/// or match nothing: what depends on them cannot be linked, which is for the path finder to say.
+class TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue {
+ public:
+  /// Throws CatalogueError, with JSON pointers for places, for the first thing found to be unsound.
+  explicit Catalogue(CatalogueContent content);
+
+  const std::vector<CatalogueMetamodel>& metamodels() const noexcept { return content_.metamodels; }
+  const std::vector<pathfinder::Hop>& hops() const noexcept { return content_.hops; }
+  const std::optional<Question>& question() const noexcept { return content_.question; }
+
+  /// Look-ups by name and version; positions refer to `metamodels()` and `hops()`.
+  const CatalogueIndex& index() const noexcept { return index_; }
+
+ private:
+  CatalogueContent content_;
+  CatalogueIndex index_;
+};
+
+}  // namespace tarn::evolution::catalogue

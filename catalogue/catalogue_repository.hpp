@@ -1,0 +1,29 @@
+#pragma once
+
+#include "catalogue/catalogue.hpp"
+#include "pathfinder/version_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// A repository whose metamodels and hops are those of a catalogue, in the catalogue's order.
+///
+/// A text version that has a semantic equivalent is answered wherever the equivalent is asked for.
+class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public pathfinder::VersionRepository {
+ public:
+  explicit CatalogueRepository(Catalogue catalogue);
+
+  const Catalogue& catalogue() const noexcept { return catalogue_; }
+
+  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
+                                                        const std::u16string& versionText) override;
+  void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
+                      std::vector<pathfinder::Metamodel>& result) override;
+  void findHops(const std::u16string& name, const pathfinder::VersionId& from,
+                std::vector<pathfinder::Hop>& result) override;
+
+ private:
+  Catalogue catalogue_;
+};
+
+}  // namespace tarn::evolution::catalogue

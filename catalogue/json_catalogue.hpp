@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+
+#include "catalogue/catalogue.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Reads a catalogue from JSON:
+///
+///     {"metamodels": [{"name", "version", "dependencies": [{"name", "range"}], "semver"}],
+///      "hops":       [{"name", "from", "to", "expensive"}],
+///      "question":   {"from": {name: version}, "to": {name: version}}}
+///
+/// All values are texts but "expensive", which is true or false, and "range", which is either a
+/// pair of semantic versions [lower, upper) or one version. "semver", the semantic equivalent of a
+/// text version, and "question" may be left out. A version that does not read as a semantic version
+/// is a text version.
+///
+/// Throws CatalogueError when the text is not JSON or not of this form, or when the catalogue is
+/// unsound (see `Catalogue`).
+TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(std::istream& in);
+
+/// The same from a file, which a CatalogueError then names; it is also thrown when the file cannot
+/// be read.
+TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(const std::filesystem::path& file);
+
+}  // namespace tarn::evolution::catalogue

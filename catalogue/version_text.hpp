@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "pathfinder/version_id.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+/// Versions as people write them. Everything here throws std::invalid_argument, with a reason to
+/// show, for a text that is empty, not UTF-8 or holds a NUL, and for a semantic version with a
+/// component beyond 64 bits.
+namespace tarn::evolution::catalogue {
+
+/// A semantic version where the text is one, otherwise a text version.
+TARN_EVOLUTION_CATALOGUE_EXPORT pathfinder::VersionId parseVersion(const std::string& utf8);
+
+/// A semantic version; throws std::invalid_argument as well when the text is none.
+TARN_EVOLUTION_CATALOGUE_EXPORT pathfinder::SemVer parseSemVer(const std::string& utf8);
+
+/// A metamodel name.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::u16string parseName(const std::string& utf8);
+
+/// The range from `lower` up to but without `upper`; throws std::invalid_argument as well when it
+/// is reversed.
+TARN_EVOLUTION_CATALOGUE_EXPORT pathfinder::VersionRange parseRange(const std::string& lower,
+                                                                    const std::string& upper);
+
+}  // namespace tarn::evolution::catalogue
