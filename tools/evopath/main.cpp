@@ -41,11 +41,12 @@ CLI::App* addPathCommand(CLI::App& program, evopath::PathOptions& options) {
 int main(int argc, char** argv) {
   CLI::App program("Finds paths between versions of metamodels that depend on one another",
                    "evopath");
-  program.require_subcommand(1);
+  program.require_subcommand(0, 1);  // with none, what stands in its place is named
   evopath::PathOptions pathOptions;
   addPathCommand(program, pathOptions);
   try {
     program.parse(argc, argv);
+    if (program.get_subcommands().empty()) throw CLI::RequiredError("A command");
     return evopath::runPath(pathOptions);
   } catch (const CLI::ParseError& error) {
     return program.exit(error) == 0 ? 0 : evopath::badInput;
