@@ -14,7 +14,8 @@ class Catalogue : public VersionRepository {
     }
   }
 
-  void findHops(const std::u16string& name, const VersionId& from, std::vector<Hop>& result) override {
+  void findHops(const std::u16string& name, const VersionId& from,
+                std::vector<Hop>& result) override {
     for (const Hop& hop : hops_) {
       if (hop.name == name && hop.from == from) result.push_back(hop);
     }

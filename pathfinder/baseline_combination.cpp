@@ -8,7 +8,7 @@ namespace tarn::evolution::pathfinder {
 namespace {
 
 /// One baseline for each candidate of the first name.
-std::vector<VersionBaseline> begin(const Alternatives& first) {
+std::vector<VersionBaseline> startWith(const Alternatives& first) {
   std::vector<VersionBaseline> result;
   result.reserve(first.candidates->size());
   for (const auto& candidate : *first.candidates) {
@@ -19,7 +19,7 @@ std::vector<VersionBaseline> begin(const Alternatives& first) {
 }
 
 /// Appends to `result` every way to give `baseline` one of the alternatives.
-void extend(VersionBaseline& baseline, const Alternatives& alternatives,
+void extend(VersionBaseline&& baseline, const Alternatives& alternatives,
             std::vector<VersionBaseline>& result) {
   const auto& candidates = *alternatives.candidates;
   const auto held = baseline.metamodels.find(*alternatives.name);
@@ -39,12 +39,12 @@ void extend(VersionBaseline& baseline, const Alternatives& alternatives,
 
 std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives) {
   if (alternatives.empty()) return {};
-  std::vector<VersionBaseline> partial = begin(alternatives.front());
+  std::vector<VersionBaseline> partial = startWith(alternatives.front());
   for (auto next = alternatives.begin() + 1; next != alternatives.end() && !partial.empty();
        ++next) {
     std::vector<VersionBaseline> extended;
     extended.reserve(partial.size());
-    for (VersionBaseline& baseline : partial) extend(baseline, *next, extended);
+    for (VersionBaseline& baseline : partial) extend(std::move(baseline), *next, extended);
     partial = std::move(extended);
   }
   return partial;

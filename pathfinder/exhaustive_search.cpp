@@ -28,7 +28,7 @@ struct Reached {
 };
 
 /// Hashes a baseline by the identity of its linked metamodels, whatever their order in the map.
-/// Cheaper than hashing names, and exactly as fine as baseline equality.
+/// Cheaper than hashing names, and it tells variants of one metamodel apart.
 struct IdentityHash {
   std::size_t operator()(const VersionBaseline* baseline) const noexcept {
     std::size_t result = 0;

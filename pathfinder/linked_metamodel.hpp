@@ -29,13 +29,14 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
    private:
     friend class LinkedMetamodel;
     friend class VersionRepository;
-    AccessTag() {}  // not defaulted, or braces would make one anywhere
+    AccessTag() = default;
   };
 
   /// A linked metamodel without types, packages or links.
   LinkedMetamodel(const AccessTag& tag, const Metamodel& metamodel);
   LinkedMetamodel(const LinkedMetamodel&) = delete;
   LinkedMetamodel& operator=(const LinkedMetamodel&) = delete;
+  bool operator==(const LinkedMetamodel&) const = delete;  ///< compare pointers
 
   /// Registers a type under its qualified name; the first registration under a name wins.
   void registerType(const AccessTag& tag, const tarn::meta::Type& type);

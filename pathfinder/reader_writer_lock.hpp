@@ -42,7 +42,7 @@ class ReaderWriterLock {
 
  private:
   static void throwOn(int error) {
-    if (error != 0) throw std::system_error(error, std::system_category(), "path cache lock");
+    if (error != 0) throw std::system_error(error, std::generic_category(), "path cache lock");
   }
 
   pthread_rwlock_t lock_ = PTHREAD_RWLOCK_INITIALIZER;

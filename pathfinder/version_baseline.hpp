@@ -26,7 +26,7 @@ namespace tarn::evolution::pathfinder {
 /// own name together with all its links, and no null pointer.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
  public:
-  /// The baseline of `metamodels` and all that they link; empty when they disagree.
+  /// The baseline of `metamodels` and all that they link; no value when they disagree.
   static std::optional<VersionBaseline> create(
       const std::vector<std::shared_ptr<LinkedMetamodel>>& metamodels);
 
@@ -53,7 +53,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   bool operator==(const VersionBaseline& other) const;
 
   /// The type that a qualified name denotes in this selection: one registered for a selected
-  /// metamodel, or else a standard type; empty when there is none.
+  /// metamodel, or else a standard type (see `lookupStandardType` for threads); empty when there is
+  /// none.
   tarn::meta::Type findType(const std::u16string& qualifiedName) const;
 
   /// As `findType`; empty as well when the type is not a class.
@@ -65,8 +66,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   /// The framework's standard type of that name: a primitive type, a model root class or another
   /// type of the framework's own meta package; empty when there is none.
   ///
-  /// Fills the framework's empty `StandardTypes` handles on the way, without a lock: first calls
-  /// must not run on two threads at once.
+  /// Fills the framework's `StandardTypes` handles that it finds empty on the way, without a lock.
+  /// Until all are filled, calls must not overlap; looking up any name that is no primitive type's
+  /// fills all.
   static tarn::meta::Type lookupStandardType(const std::u16string& qualifiedName);
 
   std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>> metamodels;

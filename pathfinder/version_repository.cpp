@@ -35,8 +35,7 @@ VersionRepository::VersionRepository() : caches_(std::make_unique<Caches>()) {}
 
 VersionRepository::~VersionRepository() = default;
 
-// ---- hooks
-// -------------------------------------------------------------------------------------------
+// Hooks.
 
 std::optional<SemVer> VersionRepository::getEquivalentSemVer(
     const std::u16string& /*metamodelName*/, const std::u16string& /*versionText*/) {
@@ -59,8 +58,7 @@ std::optional<Metamodel> VersionRepository::getMetamodel(const std::u16string& n
 
 void VersionRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& /*linked*/) {}
 
-// ---- paths and steps
-// ---------------------------------------------------------------------------------
+// Paths and steps.
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from, const std::vector<VersionBaseline>& to,
@@ -121,8 +119,7 @@ std::vector<VersionBaseline> VersionRepository::createTargetBaseline(
   return findTargetBaselines(*this, baseline, hops);
 }
 
-// ---- selections and linked metamodels
-// ----------------------------------------------------------------
+// Selections and linked metamodels.
 
 std::vector<VersionBaseline> VersionRepository::combine(
     const std::unordered_map<std::u16string, VersionId>& selection) {
@@ -161,8 +158,7 @@ void VersionRepository::createLinkedMetamodels(const Metamodel& metamodel) {
   invalidatePathfindingCache();
 }
 
-// ---- versions and directions
-// -------------------------------------------------------------------------
+// Versions and directions.
 
 bool VersionRepository::includes(const VersionRange& range, const Metamodel& metamodel) {
   if (range.includes(metamodel.version)) return true;

@@ -30,22 +30,27 @@ namespace tarn::evolution::pathfinder {
 /// Dependencies must be free of cycles: linking one would never end.
 ///
 /// **Equal questions, equal answers.** Wherever an order decides (which of several paths of equal
-/// weight is returned, the list of steps, the list of baselines), it is a function of the content
-/// asked about: ascending UTF-16 order of names, then the application's order of versions and hops.
+/// weight is returned, the list of steps, the list of baselines), it is a function of the
+/// content asked about: ascending UTF-16 order of names, then the application's order of versions
+/// and hops. The linked metamodels of one descriptor stand in an order fixed by its list of
+/// dependencies.
 ///
-/// **Threads.** Everything runs on the caller's thread. Operations that may link metamodels
-/// (`getLinkedMetamodels`, `createLinkedMetamodels`, `combine`, `createTargetBaseline`,
-/// `getStepsFrom`, and `findPath` unless the path cache or the overload itself answers) must not
-/// run on two threads at once on one repository. Questions that the path cache answers, and
-/// `invalidatePathfindingCache`, may run on any number of threads.
+/// **Threads.** Everything runs on the caller's thread. Operations that may link metamodels must
+/// not run on two threads at once on one repository: `getLinkedMetamodels`,
+/// `createLinkedMetamodels`, `combine`, `createTargetBaseline`, `getStepsFrom`, and `findPath`,
+/// except that any number of threads may at the same time ask for paths between baselines that the
+/// path cache answers, and call `invalidatePathfindingCache`. Asking for paths of selections
+/// combines them first and is no exception.
 ///
 /// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
 /// any exception the repository answers correctly: what was linked completely stays, nothing
 /// half-made does, and no path of the failed search is kept. Besides what is said at each
-/// operation, std::bad_alloc may leave any of them.
+/// operation, std::bad_alloc may leave any of them, and std::system_error, when the path cache
+/// cannot be locked, any that asks it, stores in it or empties it, as linking does.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
  public:
-  /// Which way a move between versions goes. As the direction asked for, `Unknown` means any.
+  /// Which way a move between versions goes. As the direction asked for, `Forward` excludes hops
+  /// that go backward and `Backward` those that go forward; the others exclude nothing.
   enum Direction : std::int32_t { Equal = 0, Forward = 1, Backward = 2, Unknown = 3 };
 
   /// Hash of a baseline that does not depend on the order in which its map was filled: names and
@@ -61,7 +66,10 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
 
   /// @name For the application to implement
   /// Called on the thread of the operation that needs the answer, never with a lock of the
-  /// repository held. An implementation may call the repository's own operations.
+  /// repository held. An implementation may call the repository's own operations, but none that
+  /// leads back to the same question, which would never end: `findMetamodels` must not ask
+  /// `getMetamodel`, nor `loadMetamodel` for the linked metamodels of the descriptor that is being
+  /// linked.
   /// @{
 
   virtual ~VersionRepository();
@@ -100,8 +108,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// @name Paths
   /// @{
 
-  /// The least-weight path from any of `from` to a baseline that includes any of `to`, every step
-  /// going in `direction` or in none.
+  /// The least-weight path from any of `from` to a baseline that includes any of `to`, no hop going
+  /// against `direction`.
   ///
   /// Absent: there is no path. Present and empty: a source includes a target. Otherwise the steps
   /// in the order of application; each step's `to` is the next one's `from`.
@@ -110,11 +118,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// order that has one, whatever the direction and before anything else is looked at. Weights are
   /// those of `getWeight`; among paths of equal weight, the one whose baselines were reached first.
   ///
-  /// Cost: a cached path takes two hash look-ups per pair. A search takes, for every baseline
-  /// nearer than the target, the steps out of it: see `getStepsFrom`.
+  /// Cost: asking the cache takes a hash look-up for each source and one for each target of a
+  /// source that it knows. A search takes the steps out of every baseline that is reached before a
+  /// target is: see `getStepsFrom`.
   ///
-  /// Throws what `getStepsFrom` throws, also when another step would have reached a target, and
-  /// std::system_error when the path cache cannot be locked.
+  /// Throws what `getStepsFrom` throws, also when another step would have reached a target.
   std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
                                                    const std::vector<VersionBaseline>& to,
                                                    Direction direction);
@@ -164,9 +172,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// room for as many steps is reserved before the first is tried.
   ///
   /// Throws std::length_error when the number of choices is beyond any list,
-  /// ConflictingDependencies when the target of a choice cannot be linked, and std::logic_error (in
-  /// debug builds: an assertion fails) when `getMetamodel` does not find the target of a hop that
-  /// `findHops` offers.
+  /// ConflictingDependencies when  /// the target of a choice cannot be linked, and, when
+  /// `direction` is not `Unknown`, std::logic_error (in debug builds an assertion fails) for a hop
+  /// whose target `getMetamodel` does not find.
   std::vector<BaselineHop> getStepsFrom(const VersionBaseline& from, Direction direction);
 
   /// The consistent baselines that the hops lead to from `baseline`, the metamodels that no hop
@@ -206,11 +214,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
       const std::u16string& name, const VersionId& version);
 
   /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
-  /// path found. A list kept before stays. Normally reached through `getLinkedMetamodels`.
+  /// path found. Normally reached through `getLinkedMetamodels`. When there is a list already, that
+  /// one stays; the new one is passed to `loadMetamodel` all the same and then dropped.
   ///
-  /// Choices are made as if digit by digit: of two dependencies of one name the first one's
-  /// candidates are linked. Cost: at most the product of the numbers of candidates of each
-  /// dependency.
+  /// Of two dependencies of one name, the candidates of both are linked, and those of the first are
+  /// chosen from. Throws ConflictingDependencies when there is no consistent choice. Cost: at most
+  /// the product, over the dependencies, of the numbers of linked metamodels of their candidates.
   void createLinkedMetamodels(const Metamodel& metamodel);
 
   /// @}

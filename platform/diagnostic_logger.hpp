@@ -68,8 +68,4 @@ class basic_diagnostic_logger<CharT>::Record {
 
 extern template class TARN_PLATFORM_API basic_diagnostic_logger<char>;
 
-/// Sets the enabled levels of the logger named `channel`, now if it exists and otherwise as soon as
-/// it is constructed. `flags` is the sum of the severities wanted.
-TARN_PLATFORM_API void setEnabledLevels(const std::string& channel, unsigned flags);
-
 }  // namespace foundation::log

@@ -3,6 +3,7 @@
 #include <boost/exception/exception.hpp>
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "platform/message_id.hpp"
 #include "platform/visibility.hpp"

@@ -74,9 +74,9 @@ TEST_F(LinkedMetamodelTypes, FirstRegistrationUnderANameWins) {
   EXPECT_EQ(a->findTypeInMetamodelOnly(u"a.Shape"), first);
   EXPECT_FALSE(a->findTypeInMetamodelOnly(u"a.Other"));
 
-  const Package package = store.addPackage(u"a", u"a/1");
+  const Package package = store.makePackage(u"a", u"a/1");
   a->registerPackage(tag, package);
-  a->registerPackage(tag, store.addPackage(u"a", u"a/2"));
+  a->registerPackage(tag, store.makePackage(u"a", u"a/2"));
   EXPECT_EQ(a->findPackageInMetamodelOnly(u"a"), package);
 }
 
@@ -109,7 +109,7 @@ TEST_F(LinkedMetamodelTypes, CollectsSubclassesOfItsOwnTypes) {
 
 TEST_F(LinkedMetamodelTypes, CloneSharesContentAndEveryHandleIsCounted) {
   const Class shape = store.addClass(u"a.Shape");
-  const Package package = store.addPackage(u"a", u"a/1");
+  const Package package = store.makePackage(u"a", u"a/1");
   const std::size_t before = shape->refCount();
   const auto b = make(u"B", v(1));
   a->linkMetamodel(b);

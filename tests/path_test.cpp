@@ -11,7 +11,6 @@ using Selection = std::unordered_map<std::u16string, VersionId>;
 
 constexpr auto forward = VersionRepository::Forward;
 constexpr auto backward = VersionRepository::Backward;
-constexpr auto anyDirection = VersionRepository::Unknown;
 
 bool contains(const Lines& lines, const std::string& line) {
   return std::find(lines.begin(), lines.end(), line) != lines.end();

@@ -90,7 +90,7 @@ TEST_F(TypeLookup, RootClassesGoByTwoNamesEach) {
 TEST_F(TypeLookup, FrameworkTypesMustBeKnownAndInTheMetaPackage) {
   const Class known = store.addClass(u"tarn.meta.Known", store.metaPackage());
   const Class unseparated = store.addClass(u"tarnish", store.metaPackage());
-  store.addClass(u"tarn.Elsewhere", store.addPackage(u"tarn", u"tarn/other"));
+  store.addClass(u"tarn.Elsewhere", store.makePackage(u"tarn", u"tarn/other"));
   store.addClass(u"tarn.Homeless");
   store.addClass(u"other.Type", store.metaPackage());
   bool loaded = false;

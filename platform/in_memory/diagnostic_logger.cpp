@@ -12,7 +12,7 @@
 #include <map>
 #include <mutex>
 
-#include "platform/in_memory/record_sink.hpp"
+#include "platform/in_memory/logging.hpp"
 
 // Boost.Log is slow to compile; nothing outside this file includes it.
 namespace foundation::log {
@@ -135,7 +135,7 @@ void basic_diagnostic_logger<CharT>::Record::push() {
 
 template class basic_diagnostic_logger<char>;
 
-void setEnabledLevels(const std::string& channel, unsigned flags) {
+void in_memory::setEnabledLevels(const std::string& channel, unsigned flags) {
   Channels& channels = Channels::instance();
   const std::lock_guard lock(channels.mutex);
   channels.levels[channel] = flags;

@@ -8,7 +8,8 @@
 namespace instrument::in_memory {
 
 /// Told of every event while it is registered. Calls come on the thread of the event, possibly on
-/// several at once.
+/// several at once. An event that runs while the listener is added or removed, or while its handle
+/// is enabled or disabled, is told of in part.
 class TARN_PLATFORM_API Listener {
  public:
   virtual ~Listener();

@@ -16,9 +16,9 @@ struct Texts {
   std::mutex mutex;
   std::map<TextKey, std::string> byKey{
       {{"tarn_evo:messages", "ConflictingDependencies"},
-       "The dependencies of the metamodels cannot all be satisfied together, or one of the "
-       "metamodels "
-       "needed is missing."},
+       "The dependencies of the metamodels cannot all be satisfied, or a metamodel that is needed "
+       "is "
+       "missing."},
       {{"tarn_evo:messages", "InvalidFamilyVersion"},
        "There is no version %1 of metamodel \"%2\"."},
   };
@@ -58,7 +58,10 @@ std::string fillIn(const std::string& text, const std::vector<MessageArgument>& 
 
 std::string withoutText(const BaseMsgID& message) {
   std::string result = message.catalogue + "/" + message.key;
-  for (const MessageArgument& argument : message.args) result += " " + argumentText(argument);
+  for (const MessageArgument& argument : message.args) {
+    result += ' ';
+    result += argumentText(argument);
+  }
   return result;
 }
 

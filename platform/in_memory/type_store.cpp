@@ -64,8 +64,23 @@ constexpr const char16_t* standardPrimitiveNames[] = {
 }  // namespace
 
 struct TypeStore::Content {
-  mutable std::mutex mutex;
-  Package metaPackage{new StoredPackage(u"tarn.meta", u"tarn/meta")};
+  Content() {
+    const std::u16string prefix = u"tarn.meta.";
+    for (const char16_t* name : standardPrimitiveNames) {
+      addStandard(Type(new StoredPrimitiveType(prefix + name, metaPackage)));
+    }
+    for (const char16_t* name : {u"Model", u"ModelElement"}) {
+      addStandard(Class(new StoredClass(prefix + name, metaPackage, {})));
+    }
+    types = standardTypes;
+  }
+
+  void addStandard(const Type& type) { standardTypes.emplace(type->getQualifiedName(), type); }
+
+  const Package metaPackage{new StoredPackage(u"tarn.meta", u"tarn/meta")};
+  std::unordered_map<std::u16string, Type> standardTypes;
+
+  mutable std::mutex mutex;  // guards what follows
   std::unordered_map<std::u16string, Type> types;
   std::unordered_map<std::u16string, std::function<void(TypeStore&)>> loadables;
 };
@@ -85,7 +100,7 @@ Package TypeStore::metaPackage() const {
   return content_->metaPackage;
 }
 
-Package TypeStore::addPackage(const std::u16string& qualifiedName, const std::u16string& uri) {
+Package TypeStore::makePackage(const std::u16string& qualifiedName, const std::u16string& uri) {
   return Package(new StoredPackage(qualifiedName, uri));
 }
 
@@ -112,16 +127,9 @@ void TypeStore::addLoadable(const std::u16string& qualifiedName,
 }
 
 void TypeStore::reset() {
-  {
-    const std::lock_guard lock(content_->mutex);
-    content_->types.clear();
-    content_->loadables.clear();
-  }
-  const std::u16string prefix = u"tarn.meta.";
-  for (const char16_t* name : standardPrimitiveNames)
-    addPrimitiveType(prefix + name, metaPackage());
-  addClass(prefix + u"Model", metaPackage());
-  addClass(prefix + u"ModelElement", metaPackage());
+  const std::lock_guard lock(content_->mutex);
+  content_->types = content_->standardTypes;
+  content_->loadables.clear();
 }
 
 Type TypeStore::find(const std::u16string& qualifiedName) const {
@@ -137,8 +145,7 @@ Type TypeStore::findOrLoad(const std::u16string& qualifiedName) {
     const std::lock_guard lock(content_->mutex);
     const auto loadable = content_->loadables.find(qualifiedName);
     if (loadable == content_->loadables.end()) return {};
-    load = std::move(loadable->second);
-    content_->loadables.erase(loadable);
+    load = loadable->second;
   }
   load(*this);
   return find(qualifiedName);

@@ -26,7 +26,8 @@ class TARN_PLATFORM_API TypeStore {
   /// The framework's own package.
   Package metaPackage() const;
 
-  Package addPackage(const std::u16string& qualifiedName, const std::u16string& uri);
+  /// A new package, for types to be owned by.
+  Package makePackage(const std::u16string& qualifiedName, const std::u16string& uri);
 
   /// Adds a class and makes it known under its name, in place of a type of that name added before.
   Class addClass(const std::u16string& qualifiedName, const Package& owner = {},
@@ -35,11 +36,13 @@ class TARN_PLATFORM_API TypeStore {
   /// Adds a primitive type and makes it known under its name, in place of one added before.
   PrimitiveType addPrimitiveType(const std::u16string& qualifiedName, const Package& owner = {});
 
-  /// Runs `load` the first time that `MetaRegistry::getType` is asked for `qualifiedName` while no
-  /// type of that name is known; `load` is expected to add it. It runs without any lock held.
+  /// Runs `load` whenever `MetaRegistry::getType` is asked for `qualifiedName` while no type of
+  /// that name is known; `load` is expected to add it. It runs without any lock held, on two
+  /// threads at once if both ask.
   void addLoadable(const std::u16string& qualifiedName, std::function<void(TypeStore&)> load);
 
-  /// Forgets everything but the standard content. Handles held elsewhere stay valid.
+  /// Forgets everything but the standard content, which is the same as ever. Handles held elsewhere
+  /// stay valid.
   void reset();
 
   /// The type known under `qualifiedName`; empty when there is none.

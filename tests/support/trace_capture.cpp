@@ -10,7 +10,7 @@
 #include <sstream>
 #include <utility>
 
-#include "platform/diagnostic_logger.hpp"
+#include "platform/in_memory/logging.hpp"
 
 namespace test {
 
@@ -31,11 +31,11 @@ TraceCapture::TraceCapture(unsigned levels) : sink_(std::make_unique<Sink>()) {
   sink_->frontend->set_formatter(expressions::stream << expressions::attr<int>("Severity") << " "
                                                      << expressions::smessage);
   boost::log::core::get()->add_sink(sink_->frontend);
-  foundation::log::setEnabledLevels(channelName, levels);
+  foundation::log::in_memory::setEnabledLevels(channelName, levels);
 }
 
 TraceCapture::~TraceCapture() {
-  foundation::log::setEnabledLevels(channelName, 0);
+  foundation::log::in_memory::setEnabledLevels(channelName, 0);
   boost::log::core::get()->remove_sink(sink_->frontend);
 }
 

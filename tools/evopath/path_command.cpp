@@ -6,8 +6,7 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "path_report.hpp"
-#include "platform/diagnostic_logger.hpp"
-#include "platform/in_memory/record_sink.hpp"
+#include "platform/in_memory/logging.hpp"
 #include "selection_argument.hpp"
 
 namespace evopath {
@@ -23,7 +22,7 @@ void traceToStandardError() {
       [](const foundation::log::in_memory::RecordView& record) {
         std::cerr << record.channel << " [" << record.severity << "] " << record.text << "\n";
       });
-  foundation::log::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
+  foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
 }
 
 Question findQuestion(const PathOptions& options, const Catalogue& catalogue) {

@@ -7,6 +7,10 @@
 
 namespace foundation::log::in_memory {
 
+/// Sets the enabled levels of the logger named `channel`, now if it exists and otherwise as soon as
+/// it is constructed. `flags` is the sum of the severities wanted. May be called from any thread.
+TARN_PLATFORM_API void setEnabledLevels(const std::string& channel, unsigned flags);
+
 /// One diagnostic record, as long as the call that shows it lasts.
 struct RecordView {
   int severity;
