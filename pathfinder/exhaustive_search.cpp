@@ -94,14 +94,15 @@ class Frontier {
 };
 
 std::vector<BaselineHop> pathTo(const Reached& end) {
-  std::vector<const Reached*> backwards;
+  std::vector<const Reached*> entries;
   for (const Reached* entry = &end; entry->parent != nullptr; entry = entry->parent) {
-    backwards.push_back(entry);
+    entries.push_back(entry);
   }
+  std::reverse(entries.begin(), entries.end());
   std::vector<BaselineHop> path;
-  path.reserve(backwards.size());
-  for (auto entry = backwards.rbegin(); entry != backwards.rend(); ++entry) {
-    path.emplace_back((*entry)->parent->baseline, (*entry)->baseline, (*entry)->hops);
+  path.reserve(entries.size());
+  for (const Reached* entry : entries) {
+    path.emplace_back(entry->parent->baseline, entry->baseline, entry->hops);
   }
   return path;
 }

@@ -45,7 +45,7 @@ class Handle {
   explicit Handle(Impl* impl) noexcept : impl_(impl) { addRef(); }
   Handle(const Handle& other) noexcept : impl_(other.impl_) { addRef(); }
   Handle(Handle&& other) noexcept : impl_(std::exchange(other.impl_, nullptr)) {}
-  ~Handle() { removeRef(); }
+  ~Handle() { removeRef(); }  // NOLINT(clang-analyzer-cplusplus.NewDelete): it does not count along
 
   Handle& operator=(Handle other) noexcept {
     std::swap(impl_, other.impl_);
@@ -67,7 +67,7 @@ class Handle {
 
   /// Removes a reference from the object, or does nothing when empty.
   void removeRef() const noexcept {
-    if (impl_ != nullptr) impl_->removeRef();
+    if (impl_ != nullptr) impl_->removeRef();  // NOLINT(clang-analyzer-cplusplus.NewDelete)
   }
 
  private:

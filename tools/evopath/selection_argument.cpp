@@ -29,7 +29,9 @@ Selection parseSelection(const std::string& option, const std::vector<std::strin
     try {
       addTo(selection, argument);
     } catch (const std::invalid_argument& error) {
-      throw std::invalid_argument(option + " " + argument + ": " + error.what());
+      std::string place = option;
+      place.append(" ").append(argument).append(": ");
+      throw std::invalid_argument(place + error.what());
     }
   }
   return selection;
