@@ -1,37 +1,61 @@
 #include "pathfinder/baseline_combination.hpp"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
+using Candidates = std::vector<std::shared_ptr<LinkedMetamodel>>;
+
 /// One baseline for each candidate of the first name.
-std::vector<VersionBaseline> startWith(const Alternatives& first) {
+std::vector<VersionBaseline> startWith(const Candidates& candidates, std::size_t names) {
   std::vector<VersionBaseline> result;
-  result.reserve(first.candidates->size());
-  for (const auto& candidate : *first.candidates) {
-    if (auto baseline = VersionBaseline::create({candidate}))
-      result.push_back(*std::move(baseline));
+  result.reserve(candidates.size());
+  for (const auto& candidate : candidates) {
+    auto baseline = VersionBaseline::create({candidate});
+    if (!baseline) continue;
+    baseline->metamodels.reserve(names);
+    result.push_back(*std::move(baseline));
   }
   return result;
 }
 
-/// Appends to `result` every way to give `baseline` one of the alternatives.
-void extend(VersionBaseline&& baseline, const Alternatives& alternatives,
-            std::vector<VersionBaseline>& result) {
-  const auto& candidates = *alternatives.candidates;
-  const auto held = baseline.metamodels.find(*alternatives.name);
-  if (held != baseline.metamodels.end() && held->second) {
-    const bool admitted =
-        std::find(candidates.begin(), candidates.end(), held->second) != candidates.end();
-    if (admitted) result.push_back(std::move(baseline));
-    return;
+/// Membership of one name's candidates: by scanning as long as they are few, by hash when they are
+/// many.
+class CandidateSet {
+ public:
+  explicit CandidateSet(const Candidates& candidates) : candidates_(candidates) {
+    if (candidates.size() > fewCandidates) {
+      for (const auto& candidate : candidates) hashed_.insert(candidate.get());
+    }
   }
-  for (const auto& candidate : candidates) {
-    VersionBaseline extended = baseline;
-    if (extended.tryEmplace(candidate)) result.push_back(std::move(extended));
+
+  bool contains(const std::shared_ptr<LinkedMetamodel>& candidate) const {
+    if (!hashed_.empty()) return hashed_.contains(candidate.get());
+    return std::find(candidates_.begin(), candidates_.end(), candidate) != candidates_.end();
+  }
+
+ private:
+  static constexpr std::size_t fewCandidates = 8;
+
+  const Candidates& candidates_;
+  std::unordered_set<const LinkedMetamodel*> hashed_;
+};
+
+/// Appends to `result` every way to give `baseline`, which is used up, one of the candidates.
+void extend(VersionBaseline&& baseline, const Candidates& candidates,
+            std::vector<VersionBaseline>& result) {
+  for (std::size_t i = 0; i < candidates.size(); ++i) {
+    const bool isLast = i + 1 == candidates.size();
+    if (isLast) {
+      if (baseline.tryEmplace(candidates[i])) result.push_back(std::move(baseline));
+    } else if (baseline.admits(candidates[i])) {
+      result.push_back(baseline);
+      result.back().tryEmplace(candidates[i]);
+    }
   }
 }
 
@@ -39,12 +63,21 @@ void extend(VersionBaseline&& baseline, const Alternatives& alternatives,
 
 std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives) {
   if (alternatives.empty()) return {};
-  std::vector<VersionBaseline> partial = startWith(alternatives.front());
+  std::vector<VersionBaseline> partial =
+      startWith(*alternatives.front().candidates, alternatives.size());
   for (auto next = alternatives.begin() + 1; next != alternatives.end() && !partial.empty();
        ++next) {
+    const CandidateSet candidates(*next->candidates);
     std::vector<VersionBaseline> extended;
     extended.reserve(partial.size());
-    for (VersionBaseline& baseline : partial) extend(std::move(baseline), *next, extended);
+    for (VersionBaseline& baseline : partial) {
+      const auto held = baseline.metamodels.find(*next->name);
+      if (held == baseline.metamodels.end() || !held->second) {
+        extend(std::move(baseline), *next->candidates, extended);
+      } else if (candidates.contains(held->second)) {
+        extended.push_back(std::move(baseline));
+      }
+    }
     partial = std::move(extended);
   }
   return partial;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "messages/trace.hpp"
+#include "pathfinder/step_generation.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -109,30 +110,28 @@ std::vector<BaselineHop> pathTo(const Reached& end) {
 
 }  // namespace
 
-std::optional<FoundPath> searchExhaustively(VersionRepository& repository,
-                                            const std::vector<VersionBaseline>& sources,
-                                            const std::vector<VersionBaseline>& targets,
-                                            VersionRepository::Direction direction) {
+SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t budget) {
   Frontier frontier;
-  for (const VersionBaseline& source : sources) frontier.add({0, source, nullptr, {}});
+  for (const VersionBaseline& source : question.sources) frontier.add({0, source, nullptr, {}});
   while (const Reached* current = frontier.take()) {
     trace(TraceLevel::Reasoning, [&](std::ostream& out) {
       out << "Trying unvisited baseline with least weight: " << current->baseline;
     });
-    const auto target = std::find_if(
-        targets.begin(), targets.end(),
-        [&](const VersionBaseline& candidate) { return current->baseline.includes(candidate); });
-    if (target != targets.end()) {
+    if (const VersionBaseline* target = question.targetIn(current->baseline)) {
       traceValue("Reached target");
-      return FoundPath{pathTo(*current), &*target};
+      return {SearchAnswer::Verdict::Found, pathTo(*current), target};
     }
-    for (BaselineHop& step : repository.getStepsFrom(current->baseline, direction)) {
-      const std::uint64_t weight = current->weight + repository.getWeight(step.hops);
+    StepGeneration generation(question.repository, current->baseline, question.direction);
+    if (generation.combinationCount() > budget)
+      return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+    if (budget != unlimitedBudget) budget -= generation.combinationCount();
+    for (BaselineHop& step : generation.run()) {
+      const std::uint64_t weight = current->weight + question.repository.getWeight(step.hops);
       frontier.add({weight, std::move(step.to), current, std::move(step.hops)});
     }
   }
   traceValue("Exhausted search");
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace tarn::evolution::pathfinder

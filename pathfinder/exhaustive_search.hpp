@@ -1,24 +1,21 @@
 #pragma once
 
-#include <optional>
-#include <vector>
+#include <cstdint>
+#include <limits>
 
-#include "pathfinder/version_repository.hpp"
+#include "pathfinder/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-/// A path that a search found, and the element of the target list that its last baseline includes.
-struct FoundPath {
-  std::vector<BaselineHop> steps;  ///< empty when a source includes the target
-  const VersionBaseline* target;
-};
+inline constexpr std::uint64_t unlimitedBudget = std::numeric_limits<std::uint64_t>::max();
 
 /// The search that defines the answer: takes the lightest baseline not yet visited, tries every
 /// step that leaves it, and stops at the first baseline that includes a target. Among baselines of
 /// equal weight it takes the one that was reached first.
-std::optional<FoundPath> searchExhaustively(VersionRepository& repository,
-                                            const std::vector<VersionBaseline>& sources,
-                                            const std::vector<VersionBaseline>& targets,
-                                            VersionRepository::Direction direction);
+///
+/// Leaves the question unsettled when the steps out of the next baseline would take the number of
+/// combinations tried past `budget`. Without a limit, settles every question that it can finish.
+SearchAnswer searchExhaustively(const SearchQuestion& question,
+                                std::uint64_t budget = unlimitedBudget);
 
 }  // namespace tarn::evolution::pathfinder

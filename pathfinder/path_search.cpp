@@ -6,6 +6,7 @@
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
 #include "pathfinder/exhaustive_search.hpp"
+#include "pathfinder/goal_directed_search.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -28,6 +29,14 @@ void traceQuestion(const std::vector<VersionBaseline>& sources,
   });
 }
 
+/// Asks one engine after the other until one settles the question.
+SearchAnswer search(const SearchQuestion& question) {
+  SearchAnswer answer = searchExhaustively(question, combinationBudget);
+  if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchGoalDirected(question);
+  if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchExhaustively(question);
+  return answer;
+}
+
 }  // namespace
 
 std::optional<std::vector<BaselineHop>> answerPathQuestion(
@@ -38,10 +47,10 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(
   const diagnostics::ScopedEvent event(handle);
   traceQuestion(sources, targets, direction);
   if (auto cached = cache.find(sources, targets)) return cached;
-  std::optional<FoundPath> found = searchExhaustively(repository, sources, targets, direction);
-  if (!found) return std::nullopt;
-  if (!found->steps.empty()) cache.store(found->steps, *found->target);
-  return std::move(found->steps);
+  SearchAnswer answer = search({repository, sources, targets, direction});
+  if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
+  if (!answer.steps.empty()) cache.store(answer.steps, *answer.target);
+  return std::move(answer.steps);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -7,6 +8,11 @@
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
+
+/// How many combinations of hops the exhaustive search may try before the goal-directed search
+/// takes over. Questions that take no more are settled as cheaply as they can be; beyond, the
+/// number of combinations grows exponentially with the number of metamodels.
+inline constexpr std::uint64_t combinationBudget = 2000;
 
 /// `VersionRepository::findPath` for lists of baselines: asks the cache, searches, and stores what
 /// the search found.

@@ -1,9 +1,10 @@
 #include "pathfinder/step_generation.hpp"
 
+#include <limits>
 #include <ostream>
+#include <utility>
 
 #include "messages/trace.hpp"
-#include "pathfinder/hop_collection.hpp"
 #include "pathfinder/name_order.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -13,16 +14,6 @@ using diagnostics::TraceLevel;
 using diagnostics::traceValue;
 
 namespace {
-
-HopChoices collectAllHops(VersionRepository& repository, const VersionBaseline& from,
-                          VersionRepository::Direction direction) {
-  HopChoices choices;
-  choices.byName.reserve(from.metamodels.size());
-  for (const auto* entry : inNameOrder(from.metamodels)) {
-    collectHops(repository, direction, entry->first, *entry->second, choices);
-  }
-  return choices;
-}
 
 /// The hops of a combination index read as a mixed-radix number, the first name its least
 /// significant digit.
@@ -37,13 +28,60 @@ LockstepHop decodeCombination(std::uint64_t index, const HopChoices& choices) {
   return combination;
 }
 
-/// Appends one step for each baseline that the combination leads to.
-void attempt(VersionRepository& repository, const VersionBaseline& from,
-             const LockstepHop& combination, std::vector<BaselineHop>& steps) {
+}  // namespace
+
+StepGeneration::StepGeneration(VersionRepository& repository, const VersionBaseline& from,
+                               VersionRepository::Direction direction)
+    : repository_(repository), from_(from) {
+  trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from_; });
+  choices_.byName.reserve(from_.metamodels.size());
+  for (const auto* entry : inNameOrder(from_.metamodels)) {
+    collectHops(repository_, direction, entry->first, *entry->second, choices_);
+  }
+}
+
+std::uint64_t StepGeneration::combinationCount() const {
+  std::uint64_t permutations = 1;
+  for (const MetamodelHops& choice : choices_.byName) {
+    if (__builtin_mul_overflow(permutations, choice.hops.size() + 1, &permutations)) {
+      return std::numeric_limits<std::uint64_t>::max();
+    }
+  }
+  return permutations - 1;
+}
+
+std::vector<BaselineHop> StepGeneration::run() {
+  steps_.reserve(permutationCount());
+  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+    out << "count of possible hop permutations=" << permutationCount();
+  });
+  for (std::uint64_t index = 1; index < permutationCount(); ++index) {
+    attempt(decodeCombination(index, choices_));
+  }
+  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+    out << "getStepsFrom " << from_ << " RETURNS " << steps_.size() << " items:";
+  });
+  for (const BaselineHop& step : steps_) traceValue(step.to);
+  return std::move(steps_);
+}
+
+/// Adds one step for each baseline that the combination leads to.
+void StepGeneration::attempt(const LockstepHop& combination) {
+  traceAttempt(combination);
+  const std::vector<VersionBaseline> candidates =
+      repository_.createTargetBaseline(from_, combination);
+  for (const VersionBaseline& candidate : candidates) {
+    steps_.emplace_back(from_, candidate, combination);
+  }
+  traceCandidates(candidates);
+}
+
+void traceAttempt(const LockstepHop& combination) {
   trace(TraceLevel::Reasoning,
         [&](std::ostream& out) { out << "Attempting " << dumpLockstepHop(combination); });
-  const std::vector<VersionBaseline> candidates =
-      repository.createTargetBaseline(from, combination);
+}
+
+void traceCandidates(const std::vector<VersionBaseline>& candidates) {
   if (candidates.empty()) {
     traceValue("\tConflict found while creating target baseline, Ignored");
     return;
@@ -52,31 +90,9 @@ void attempt(VersionRepository& repository, const VersionBaseline& from,
     out << "\tHop produced " << candidates.size() << " candidates:";
   });
   for (const VersionBaseline& candidate : candidates) {
-    steps.emplace_back(from, candidate, combination);
     trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "\t\t" << candidate; });
   }
   traceValue("\tEnd of list of hops");
-}
-
-}  // namespace
-
-std::vector<BaselineHop> generateSteps(VersionRepository& repository, const VersionBaseline& from,
-                                       VersionRepository::Direction direction) {
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from; });
-  const HopChoices choices = collectAllHops(repository, from, direction);
-  std::vector<BaselineHop> steps;
-  steps.reserve(choices.permutationCount);
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-    out << "count of possible hop permutations=" << choices.permutationCount;
-  });
-  for (std::uint64_t index = 1; index < choices.permutationCount; ++index) {
-    attempt(repository, from, decodeCombination(index, choices), steps);
-  }
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-    out << "getStepsFrom " << from << " RETURNS " << steps.size() << " items:";
-  });
-  for (const BaselineHop& step : steps) traceValue(step.to);
-  return steps;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -31,17 +31,22 @@ std::vector<VersionBaseline> VersionBaseline::combine(
   return combineInOrder(inMapOrder);
 }
 
-bool VersionBaseline::tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel) {
+bool VersionBaseline::admits(const std::shared_ptr<LinkedMetamodel>& metamodel) const {
   const auto present = metamodels.find(metamodel->name);
   if (present != metamodels.end()) return present->second == metamodel;
   const auto& links = metamodel->linkedMetamodels;
-  const bool fits = std::all_of(links.begin(), links.end(), [this](const auto& link) {
+  return std::all_of(links.begin(), links.end(), [this](const auto& link) {
     const auto held = metamodels.find(link.first);
     return held == metamodels.end() || held->second == link.second;
   });
-  if (!fits) return false;
-  metamodels.try_emplace(metamodel->name, metamodel);
-  for (const auto& [name, linked] : links) metamodels.try_emplace(name, linked);
+}
+
+bool VersionBaseline::tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel) {
+  if (!admits(metamodel)) return false;
+  const bool isNew = metamodels.try_emplace(metamodel->name, metamodel).second;
+  if (!isNew) return true;
+  for (const auto& [name, linked] : metamodel->linkedMetamodels)
+    metamodels.try_emplace(name, linked);
   return true;
 }
 

@@ -41,6 +41,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
       const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
           alternatives);
 
+  /// Whether `tryEmplace` would add the linked metamodel, or finds it here already.
+  bool admits(const std::shared_ptr<LinkedMetamodel>& metamodel) const;
+
   /// Adds a linked metamodel with its links; returns false, and changes nothing, when the baseline
   /// holds another linked metamodel under one of their names.
   bool tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel);

@@ -11,6 +11,7 @@
 #include "pathfinder/path_search.hpp"
 #include "pathfinder/selection_combination.hpp"
 #include "pathfinder/step_generation.hpp"
+#include "pathfinder/step_weight.hpp"
 #include "pathfinder/target_baseline.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -98,11 +99,9 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
 
 unsigned long VersionRepository::getWeight(
     const std::unordered_map<std::u16string, Hop>& hops) const {
-  constexpr unsigned long expensiveWeight = 1'000'000'000;
-  const auto expensive = static_cast<unsigned long>(std::count_if(
-      hops.begin(), hops.end(), [](const auto& entry) { return entry.second.expensive; }));
-  const unsigned long ordinary = hops.size() - expensive;
-  return expensive * expensiveWeight + (ordinary > 0 ? ordinary + 1 : 0);
+  std::uint64_t hopWeights = 0;
+  for (const auto& [name, hop] : hops) hopWeights += hopWeight(hop.expensive);
+  return stepWeight(hopWeights);
 }
 
 void VersionRepository::invalidatePathfindingCache() {
@@ -111,7 +110,7 @@ void VersionRepository::invalidatePathfindingCache() {
 
 std::vector<BaselineHop> VersionRepository::getStepsFrom(const VersionBaseline& from,
                                                          Direction direction) {
-  return generateSteps(*this, from, direction);
+  return StepGeneration(*this, from, direction).run();
 }
 
 std::vector<VersionBaseline> VersionRepository::createTargetBaseline(

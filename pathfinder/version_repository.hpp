@@ -118,11 +118,18 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// order that has one, whatever the direction and before anything else is looked at. Weights are
   /// those of `getWeight`; among paths of equal weight, the one whose baselines were reached first.
   ///
-  /// Cost: asking the cache takes a hash look-up for each source and one for each target of a
-  /// source that it knows. A search takes the steps out of every baseline that is reached before a
-  /// target is: see `getStepsFrom`.
+  /// Asking the cache takes a hash look-up for each source and one for each target of a source that
+  /// it knows. A search first tries the steps out of every baseline that is reached before a target
+  /// is, as `getStepsFrom` lists them, as long as that takes at most 2,000 choices of hops in all.
+  /// What it settles so, it settles in full: every choice tried, every target linked, and what any
+  /// of that throws reaches the caller, also when another step would have reached a target.
   ///
-  /// Throws what `getStepsFrom` throws, also when another step would have reached a target.
+  /// Beyond, a second search gives the same answer in time that follows metamodels x versions on
+  /// most catalogues (planning with constraints is in the question, and some catalogues stay
+  /// exponential). It asks the application once for each version that can lie on a path, and links
+  /// only these: reachable from a source and, for a name that every target mentions, able to reach
+  /// a target. So a version off every path need not be linkable. Sources that are not consistent
+  /// baselines of the repository's own linked metamodels are left to the first search.
   std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
                                                    const std::vector<VersionBaseline>& to,
                                                    Direction direction);

@@ -1,0 +1,232 @@
+#include "pathfinder/backward_plan.hpp"
+
+#include <algorithm>
+#include <queue>
+
+#include "pathfinder/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A* from the targets back to the sources. Nodes are steps in formation; the key of a node is the
+/// least total that it can lead to, then the step weights decided so far and the heaviest possible
+/// before them.
+class PlanSearch {
+ public:
+  PlanSearch(const StepFormation::Ground& ground, const std::vector<VersionSelection>& sources)
+      : ground_(ground), sources_(sources.begin(), sources.end()) {
+    for (VersionIndex version = 0; version < ground.space.versions.size(); ++version) {
+      for (const SearchSpace::Move& move : ground.space.versions[version].moves) {
+        into_.push_back({move.target, {version, hopWeight(move.expensive)}});
+      }
+    }
+    // Equal hops are one option: which of them is taken is decided when the plan is carried out.
+    std::sort(into_.begin(), into_.end());
+    into_.erase(std::unique(into_.begin(), into_.end()), into_.end());
+  }
+
+  std::optional<BackwardPlan> run(const std::vector<VersionSelection>& targets) {
+    for (const VersionSelection& target : targets) beginAt(target);
+    while (!waiting_.empty()) {
+      const std::shared_ptr<Node> node = waiting_.top();
+      waiting_.pop();
+      if (best_ && isWorseThanBest(*node)) break;
+      if (!node->stage->formation.isComplete(node->partial)) {
+        node->stage->formation.branch(node->partial, [&](StepFormation::Partial&& partial) {
+          push(node->stage, std::move(partial));
+        });
+      } else {
+        complete(*node);
+      }
+    }
+    if (!best_) return std::nullopt;
+    plan_.weights_ = std::move(best_->weights);
+    return std::move(plan_);
+  }
+
+ private:
+  using Option = StepFormation::Option;
+
+  /// A hop, by the version that it leads to.
+  struct Arrival {
+    VersionIndex at;
+    Option by;
+
+    auto operator<=>(const Arrival&) const = default;
+  };
+
+  /// A selection from which steps back are formed, with what is decided after it.
+  struct Stage {
+    StepFormation formation;
+    const VersionSelection* after;  // null for the formation of a last selection
+    std::uint64_t total;
+    WeightSequence weights;
+  };
+
+  struct Node {
+    std::uint64_t total;
+    WeightSequence weights;  // decided, then the heaviest possible
+    std::uint64_t sequence;
+    std::shared_ptr<const Stage> stage;
+    StepFormation::Partial partial;
+  };
+
+  /// Orders the queue: the best key first, among equal keys the one added last.
+  struct IsAfter {
+    bool operator()(const std::shared_ptr<Node>& left, const std::shared_ptr<Node>& right) const {
+      if (left->total != right->total) return left->total > right->total;
+      if (left->weights != right->weights) return comesFirst(right->weights, left->weights);
+      return left->sequence < right->sequence;
+    }
+  };
+
+  void beginAt(const VersionSelection& target) {
+    StepFormation formation(ground_, false);
+    for (NameIndex name = 0; name < target.size(); ++name) {
+      const SearchSpace::Name& range = ground_.space.names[name];
+      const bool isFree = target[name] == SearchSpace::none;
+      const VersionIndex first = isFree ? range.first : target[name];
+      const VersionIndex end = isFree ? range.end : target[name] + 1;
+      for (VersionIndex version = first; version < end; ++version) formation.addOption({version});
+      formation.endName();
+    }
+    open({std::move(formation), nullptr, 0, {}});
+  }
+
+  void stepBackFrom(const VersionSelection& selection, std::uint64_t total,
+                    const WeightSequence& weights) {
+    StepFormation formation(ground_, true);
+    for (const VersionIndex version : selection) {
+      auto hop = std::lower_bound(into_.begin(), into_.end(), Arrival{version, {}});
+      for (; hop != into_.end() && hop->at == version; ++hop) formation.addOption(hop->by);
+      formation.addOption({version});
+      const SearchSpace::Version& held = ground_.space.versions[version];
+      const VersionIndex absent = ground_.space.names[held.name].absent;
+      if (held.isEntry && absent != SearchSpace::none) formation.addOption({absent});
+      formation.endName();
+    }
+    open({std::move(formation), &selection, total, weights});
+  }
+
+  void open(Stage stage) {
+    const auto shared = std::make_shared<const Stage>(std::move(stage));
+    StepFormation::Partial partial = shared->formation.begin();
+    if (shared->formation.settle(partial)) push(shared, std::move(partial));
+  }
+
+  void push(const std::shared_ptr<const Stage>& stage, StepFormation::Partial partial) {
+    if (!stage->formation.findBound(partial, bound_)) return;
+    auto node = std::make_shared<Node>();
+    node->total = stage->total + bound_.total;
+    node->weights.reserve(stage->weights.size() + bound_.weights.size());
+    node->weights = stage->weights;
+    node->weights.insert(node->weights.end(), bound_.weights.begin(), bound_.weights.end());
+    node->sequence = ++added_;
+    node->stage = stage;
+    node->partial = std::move(partial);
+    waiting_.push(std::move(node));
+  }
+
+  bool isWorseThanBest(const Node& node) const {
+    if (node.total != best_->total) return node.total > best_->total;
+    return comesFirst(best_->weights, node.weights);
+  }
+
+  /// A step is formed: the selection before it is reached.
+  void complete(const Node& node) {
+    const Stage& stage = *node.stage;
+    const std::vector<Option> chosen = stage.formation.chosen(node.partial);
+    VersionSelection selection;
+    BackwardPlan::Step step{{}, stage.after};
+    std::uint64_t total = stage.total;
+    WeightSequence weights = stage.weights;
+    for (const Option& option : chosen) {
+      selection.push_back(option.before);
+      step.hops.push_back(option.hop);
+    }
+    if (stage.after != nullptr) {
+      std::uint64_t hopWeights = 0;
+      for (const std::uint64_t hop : step.hops) hopWeights += hop;
+      if (hopWeights == 0 || !isBroughtIn(selection, *stage.after)) return;
+      total += stepWeight(hopWeights);
+      weights.push_back(stepWeight(hopWeights));
+    }
+    reach(std::move(selection), total, std::move(weights), std::move(step));
+  }
+
+  void reach(VersionSelection selection, std::uint64_t total, WeightSequence weights,
+             BackwardPlan::Step step) {
+    const auto [entry, isNew] = plan_.continuations_.try_emplace(std::move(selection));
+    BackwardPlan::Continuation& known = entry->second;
+    // The guess may improve on the way, so a later arrival can be the better one.
+    const bool isBetter = isNew || total < known.total ||
+                          (total == known.total && comesFirst(weights, known.weights));
+    if (isBetter) {
+      known = {total, weights, {}};
+      noteSource(entry->first, known);
+      stepBackFrom(entry->first, total, weights);
+    }
+    if (step.after != nullptr && known.total == total && known.weights == weights) {
+      known.steps.insert(std::move(step));
+    }
+  }
+
+  void noteSource(const VersionSelection& selection, const BackwardPlan::Continuation& reached) {
+    if (!sources_.contains(selection)) return;
+    const bool isBetter =
+        !best_ || reached.total < best_->total ||
+        (reached.total == best_->total && comesFirst(reached.weights, best_->weights));
+    if (isBetter) best_ = PlanBound{reached.total, reached.weights};
+  }
+
+  /// Whether every name that the step adds is linked by a name that was held before it.
+  bool isBroughtIn(const VersionSelection& before, const VersionSelection& after) const {
+    std::set<NameIndex> added;
+    for (NameIndex name = 0; name < before.size(); ++name) {
+      if (isAdded(before, after, name)) added.insert(name);
+    }
+    for (NameIndex name = 0; name < before.size() && !added.empty(); ++name) {
+      if (ground_.space.isAbsent(before[name])) continue;
+      const SearchSpace::Version& version = ground_.space.versions[after[name]];
+      for (std::size_t i = 0; i < version.linked->size(); ++i) {
+        const auto& closure = ground_.space.variants[version.firstVariant + i].closure;
+        if (!matches(closure, after)) continue;
+        for (const SearchSpace::Link& link : closure) added.erase(link.name);
+      }
+    }
+    return added.empty();
+  }
+
+  bool isAdded(const VersionSelection& before, const VersionSelection& after,
+               NameIndex name) const {
+    return ground_.space.isAbsent(before[name]) && !ground_.space.isAbsent(after[name]);
+  }
+
+  bool matches(const std::vector<SearchSpace::Link>& closure,
+               const VersionSelection& selection) const {
+    return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
+      return ground_.space.variants[link.variant].version == selection[link.name];
+    });
+  }
+
+  const StepFormation::Ground& ground_;
+  std::set<VersionSelection> sources_;
+  std::vector<Arrival> into_;  // ascending
+  std::priority_queue<std::shared_ptr<Node>, std::vector<std::shared_ptr<Node>>, IsAfter> waiting_;
+  std::uint64_t added_ = 0;
+  PlanBound bound_;  // of the node being added; kept for its memory
+  std::optional<PlanBound> best_;
+  BackwardPlan plan_;
+};
+
+std::optional<BackwardPlan> BackwardPlan::make(const StepFormation::Ground& ground,
+                                               const std::vector<VersionSelection>& sources,
+                                               const std::vector<VersionSelection>& targets) {
+  return PlanSearch(ground, sources).run(targets);
+}
+
+const BackwardPlan::Continuation* BackwardPlan::from(const VersionSelection& selection) const {
+  const auto found = continuations_.find(selection);
+  return found == continuations_.end() ? nullptr : &found->second;
+}
+
+}  // namespace tarn::evolution::pathfinder

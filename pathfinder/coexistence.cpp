@@ -1,0 +1,266 @@
+#include "pathfinder/coexistence.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+using Closure = std::vector<SearchSpace::Link>;
+
+using Projection = std::vector<VariantIndex>;
+
+/// The variant that a closure holds under a name; `none` when it holds none.
+VariantIndex heldUnder(const Closure& closure, NameIndex name) {
+  const auto found = std::lower_bound(
+      closure.begin(), closure.end(), name,
+      [](const SearchSpace::Link& link, NameIndex wanted) { return link.name < wanted; });
+  return found != closure.end() && found->name == name ? found->variant : SearchSpace::none;
+}
+
+bool agree(const Projection& left, const Projection& right) {
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    if (left[i] != right[i] && left[i] != SearchSpace::none && right[i] != SearchSpace::none) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool anyAgree(const std::vector<Projection>& left, const std::vector<Projection>& right) {
+  return std::any_of(left.begin(), left.end(), [&](const Projection& one) {
+    return std::any_of(right.begin(), right.end(),
+                       [&](const Projection& other) { return agree(one, other); });
+  });
+}
+
+/// The different projections of a version's closures that hold nothing under `without`.
+std::vector<Projection> project(const SearchSpace& space, VersionIndex index, NameIndex without,
+                                const std::vector<NameIndex>& shared) {
+  const SearchSpace::Version& version = space.versions[index];
+  std::vector<Projection> result;
+  for (std::size_t i = 0; i < version.linked->size(); ++i) {
+    const Closure& closure = space.variants[version.firstVariant + i].closure;
+    if (heldUnder(closure, without) != SearchSpace::none) continue;
+    Projection projection;
+    projection.reserve(shared.size());
+    for (const NameIndex name : shared) projection.push_back(heldUnder(closure, name));
+    result.push_back(std::move(projection));
+  }
+  std::sort(result.begin(), result.end());
+  result.erase(std::unique(result.begin(), result.end()), result.end());
+  return result;
+}
+
+}  // namespace
+
+Coexistence::Coexistence(const SearchSpace& space) : space_(space) {
+  surveyClosures();
+  findNeighbours();
+  layOutRows();
+  for (NameIndex name = 0; name < space_.names.size(); ++name) {
+    for (const NameIndex neighbour : neighbours_[name]) {
+      if (name < neighbour) fillRows(name, neighbour);
+    }
+  }
+}
+
+void Coexistence::surveyClosures() {
+  holdings_.resize(space_.names.size());
+  std::vector<std::size_t> closuresHolding(space_.names.size());
+  for (NameIndex name = 0; name < space_.names.size(); ++name) {
+    Holdings& holdings = holdings_[name];
+    std::size_t closures = 0;
+    for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
+      if (space_.isAbsent(index)) continue;
+      const SearchSpace::Version& version = space_.versions[index];
+      holdings.isSingle &= version.linked->size() == 1;
+      for (std::size_t i = 0; i < version.linked->size(); ++i, ++closures) {
+        for (const SearchSpace::Link& link : space_.variants[version.firstVariant + i].closure) {
+          if (closuresHolding[link.name]++ == 0) holdings.any.push_back(link.name);
+        }
+      }
+    }
+    if (closures == 0) holdings.any.push_back(name);
+    std::sort(holdings.any.begin(), holdings.any.end());
+    for (const NameIndex held : holdings.any) {
+      if (closuresHolding[held] == closures) holdings.always.push_back(held);
+      closuresHolding[held] = 0;
+    }
+  }
+}
+
+void Coexistence::findNeighbours() {
+  const std::size_t count = space_.names.size();
+  std::vector<std::vector<NameIndex>> holders(count);
+  for (NameIndex name = 0; name < count; ++name) {
+    for (const NameIndex held : holdings_[name].any) holders[held].push_back(name);
+  }
+  neighbours_.resize(count);
+  std::vector<NameIndex> lastSeenBy(count, SearchSpace::none);
+  for (NameIndex name = 0; name < count; ++name) {
+    for (const NameIndex held : holdings_[name].any) {
+      for (const NameIndex other : holders[held]) {
+        if (other <= name || std::exchange(lastSeenBy[other], name) == name) continue;
+        if (followsFromThird(name, other)) continue;
+        neighbours_[name].push_back(other);
+        neighbours_[other].push_back(name);
+      }
+    }
+  }
+  for (auto& neighbours : neighbours_) std::sort(neighbours.begin(), neighbours.end());
+}
+
+bool Coexistence::holds(NameIndex holder, NameIndex held) const {
+  const auto& any = holdings_[holder].any;
+  return std::binary_search(any.begin(), any.end(), held);
+}
+
+bool Coexistence::alwaysHolds(NameIndex holder, NameIndex held) const {
+  const auto& always = holdings_[holder].always;
+  return std::binary_search(always.begin(), always.end(), held);
+}
+
+std::vector<NameIndex> Coexistence::sharedNames(NameIndex left, NameIndex right) const {
+  std::vector<NameIndex> shared;
+  std::set_intersection(holdings_[left].any.begin(), holdings_[left].any.end(),
+                        holdings_[right].any.begin(), holdings_[right].any.end(),
+                        std::back_inserter(shared));
+  return shared;
+}
+
+/// Whether versions of the two names can stand together whenever each can stand beside the same
+/// version of a third name.
+bool Coexistence::followsFromThird(NameIndex left, NameIndex right) const {
+  const bool leftHolds = holds(left, right);
+  const bool rightHolds = holds(right, left);
+  if (leftHolds || rightHolds) {
+    const NameIndex holder = leftHolds ? left : right;
+    const NameIndex held = leftHolds ? right : left;
+    // Between the two: whatever holds the one holds the third, whatever holds the third holds the
+    // other.
+    const auto& always = holdings_[holder].always;
+    return std::any_of(always.rbegin(), always.rend(), [&](NameIndex third) {
+      return third != holder && third != held && holdings_[third].isSingle &&
+             alwaysHolds(third, held);
+    });
+  }
+  const std::vector<NameIndex> shared = sharedNames(left, right);
+  return std::any_of(shared.begin(), shared.end(),
+                     [&](NameIndex third) { return followsFrom(third, left, right, shared); });
+}
+
+/// Below the two: all that they share comes with the third, of which each version has one closure
+/// only.
+bool Coexistence::followsFrom(NameIndex third, NameIndex left, NameIndex right,
+                              const std::vector<NameIndex>& shared) const {
+  if (!holdings_[third].isSingle) return false;
+  if (shared.size() == 1) return true;
+  const auto& any = holdings_[third].any;
+  return alwaysHolds(left, third) && alwaysHolds(right, third) &&
+         std::includes(any.begin(), any.end(), shared.begin(), shared.end());
+}
+
+void Coexistence::layOutRows() {
+  rowOffset_.resize(space_.names.size());
+  rowStart_.resize(space_.versions.size());
+  std::size_t end = 0;
+  for (NameIndex name = 0; name < space_.names.size(); ++name) {
+    std::size_t size = 0;
+    for (const NameIndex neighbour : neighbours_[name]) {
+      rowOffset_[name].push_back(size);
+      size += words(neighbour);
+    }
+    for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
+         ++version) {
+      rowStart_[version] = end;
+      end += size;
+    }
+  }
+  rows_.resize(end);
+}
+
+VersionBits* Coexistence::mutableRow(VersionIndex version, NameIndex neighbour) {
+  const NameIndex name = space_.versions[version].name;
+  const auto& all = neighbours_[name];
+  const auto slot = std::lower_bound(all.begin(), all.end(), neighbour) - all.begin();
+  return &rows_[rowStart_[version] + rowOffset_[name][static_cast<std::size_t>(slot)]];
+}
+
+void Coexistence::admit(VersionIndex left, VersionIndex right) {
+  const auto set = [this](VersionIndex version, VersionIndex other) {
+    const NameIndex otherName = space_.versions[other].name;
+    const VersionIndex rank = other - space_.names[otherName].first;
+    mutableRow(version, otherName)[rank / 64] |= VersionBits{1} << (rank % 64);
+  };
+  set(left, right);
+  set(right, left);
+}
+
+void Coexistence::fillRows(NameIndex name, NameIndex neighbour) {
+  admitLinked(name, neighbour);
+  admitLinked(neighbour, name);
+  admitAgreeing(name, neighbour);
+}
+
+/// A version that links a variant of the other name agrees with it in all: its closure holds the
+/// variant's.
+void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
+  for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
+       ++version) {
+    if (space_.isAbsent(version)) continue;
+    for (std::size_t i = 0; i < space_.versions[version].linked->size(); ++i) {
+      const Closure& closure = space_.variants[space_.versions[version].firstVariant + i].closure;
+      const VariantIndex held = heldUnder(closure, linked);
+      if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
+      admit(version, space_.variants[held].version);
+    }
+  }
+}
+
+/// Closures of which neither holds the other's name agree when they do on what both hold.
+void Coexistence::admitAgreeing(NameIndex left, NameIndex right) {
+  if (!anyWithout(left, right) || !anyWithout(right, left)) return;
+  const std::vector<NameIndex> shared = sharedNames(left, right);
+  const auto leftProjections = projectAll(left, right, shared);
+  const auto rightProjections = projectAll(right, left, shared);
+  for (std::size_t i = 0; i < leftProjections.size(); ++i) {
+    for (std::size_t j = 0; j < rightProjections.size(); ++j) {
+      if (anyAgree(leftProjections[i], rightProjections[j])) {
+        admit(space_.names[left].first + static_cast<VersionIndex>(i),
+              space_.names[right].first + static_cast<VersionIndex>(j));
+      }
+    }
+  }
+}
+
+/// Whether some version of a name has a closure that does not hold `other`.
+bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
+  for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
+    if (space_.isAbsent(index)) return true;
+    const SearchSpace::Version& version = space_.versions[index];
+    for (std::size_t i = 0; i < version.linked->size(); ++i) {
+      const Closure& closure = space_.variants[version.firstVariant + i].closure;
+      if (heldUnder(closure, other) == SearchSpace::none) return true;
+    }
+  }
+  return false;
+}
+
+std::vector<std::vector<Coexistence::Projection>> Coexistence::projectAll(
+    NameIndex name, NameIndex without, const std::vector<NameIndex>& shared) const {
+  std::vector<std::vector<Projection>> result;
+  for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
+       ++version) {
+    if (space_.isAbsent(version)) {
+      result.push_back({Projection(shared.size(), SearchSpace::none)});
+    } else {
+      result.push_back(project(space_, version, without, shared));
+    }
+  }
+  return result;
+}
+
+}  // namespace tarn::evolution::pathfinder

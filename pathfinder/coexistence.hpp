@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "pathfinder/search_space.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A set of the versions of one name, or a row of them: a bit each, in words of 64.
+using VersionBits = std::uint64_t;
+
+/// Which two versions of different names can stand together in a baseline.
+///
+/// They can when some linked metamodel of the one agrees with some linked metamodel of the other on
+/// every name that both hold. "Absent" disagrees with whatever holds the name. Kept are only pairs
+/// of names that have something to say, the neighbours: names whose closures share nothing always
+/// can stand together, and for many others it follows from what each of them has with a third (see
+/// `followsFrom`).
+///
+/// Memory is one bit row for each version and neighbour of its name.
+class Coexistence {
+ public:
+  explicit Coexistence(const SearchSpace& space);
+
+  /// The names that a name may disagree with, ascending.
+  const std::vector<NameIndex>& neighbours(NameIndex name) const { return neighbours_[name]; }
+
+  /// The versions of the i-th neighbour of the version's name that can stand beside it.
+  const VersionBits* row(VersionIndex version, std::size_t neighbour) const {
+    return &rows_[rowStart_[version] + rowOffset_[space_.versions[version].name][neighbour]];
+  }
+
+  /// How many words a set of the name's versions takes.
+  std::size_t words(NameIndex name) const {
+    return (space_.names[name].end - space_.names[name].first + 63) / 64;
+  }
+
+ private:
+  /// The variants that a closure holds under the names that two names share, `none` where it holds
+  /// none.
+  using Projection = std::vector<VariantIndex>;
+
+  void surveyClosures();
+  void findNeighbours();
+  bool followsFromThird(NameIndex left, NameIndex right) const;
+  bool followsFrom(NameIndex third, NameIndex left, NameIndex right,
+                   const std::vector<NameIndex>& shared) const;
+  bool alwaysHolds(NameIndex holder, NameIndex held) const;
+  bool holds(NameIndex holder, NameIndex held) const;
+  std::vector<NameIndex> sharedNames(NameIndex left, NameIndex right) const;
+
+  void layOutRows();
+  void fillRows(NameIndex name, NameIndex neighbour);
+  void admitLinked(NameIndex linking, NameIndex linked);
+  void admitAgreeing(NameIndex left, NameIndex right);
+  bool anyWithout(NameIndex name, NameIndex other) const;
+  std::vector<std::vector<Projection>> projectAll(NameIndex name, NameIndex without,
+                                                  const std::vector<NameIndex>& shared) const;
+  void admit(VersionIndex left, VersionIndex right);
+  VersionBits* mutableRow(VersionIndex version, NameIndex neighbour);
+
+  /// What the closures of a name's versions hold.
+  struct Holdings {
+    std::vector<NameIndex> any;     ///< names in some closure, ascending; its own among them
+    std::vector<NameIndex> always;  ///< names in every closure, ascending; its own among them
+    bool isSingle = true;           ///< whether every version has just one linked metamodel
+  };
+
+  const SearchSpace& space_;
+  std::vector<Holdings> holdings_;
+  std::vector<std::vector<NameIndex>> neighbours_;
+  std::vector<std::vector<std::size_t>> rowOffset_;  // of each neighbour, within a version's rows
+  std::vector<std::size_t> rowStart_;                // of each version
+  std::vector<VersionBits> rows_;
+};
+
+}  // namespace tarn::evolution::pathfinder

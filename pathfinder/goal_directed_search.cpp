@@ -1,0 +1,210 @@
+#include "pathfinder/goal_directed_search.hpp"
+
+#include <algorithm>
+#include <map>
+#include <ostream>
+#include <set>
+#include <utility>
+
+#include "messages/trace.hpp"
+#include "pathfinder/backward_plan.hpp"
+#include "pathfinder/baseline_combination.hpp"
+#include "pathfinder/coexistence.hpp"
+#include "pathfinder/hop_collection.hpp"
+#include "pathfinder/outlook.hpp"
+#include "pathfinder/space_survey.hpp"
+#include "pathfinder/step_generation.hpp"
+#include "pathfinder/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using diagnostics::trace;
+using diagnostics::TraceLevel;
+using diagnostics::traceValue;
+
+namespace {
+
+/// Walks the best plans forward over real baselines: depth first, steps in the order of their
+/// combination index, so that the first way through is the path.
+class Realisation {
+ public:
+  Realisation(const SearchQuestion& question, const SearchSpace& space, const BackwardPlan& plan)
+      : question_(question), space_(space), plan_(plan) {}
+
+  SearchAnswer run() {
+    for (const VersionBaseline& source : question_.sources) {
+      if (goOn(source, plan_.weights().size())) {
+        std::reverse(answer_.steps.begin(), answer_.steps.end());
+        answer_.verdict = SearchAnswer::Verdict::Found;
+        return std::move(answer_);
+      }
+    }
+    return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+  }
+
+ private:
+  /// A combination's place among all that leave a baseline: for each name, the last one first, the
+  /// place of its hop counted from one, or 0.
+  using Digits = std::vector<std::uint32_t>;
+
+  /// Goes on from a baseline by the plans that have as many steps left; adds the steps of the first
+  /// way that leads to a target, last step first.
+  bool goOn(const VersionBaseline& baseline, std::size_t stepsLeft) {
+    if (const VersionBaseline* target = question_.targetIn(baseline)) {
+      answer_.target = target;
+      return stepsLeft == 0;
+    }
+    const VersionSelection selection = space_.selectionOf(baseline);
+    const BackwardPlan::Continuation* planned = plan_.from(selection);
+    if (planned == nullptr || !isBestWithStepsLeft(*planned, stepsLeft)) return false;
+    if (hasFailed(baseline, stepsLeft)) return false;
+    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+      out << "Trying unvisited baseline with least weight: " << baseline;
+    });
+    reportLostHops(baseline, selection);
+    for (const auto& [digits, afters] : order(*planned, selection)) {
+      if (attempt(baseline, selection, digits, afters, stepsLeft)) return true;
+    }
+    failed_[stepsLeft].push_back(baseline);
+    return false;
+  }
+
+  /// Whether what is planned from here on has the step weights with which the best plans end.
+  bool isBestWithStepsLeft(const BackwardPlan::Continuation& planned, std::size_t stepsLeft) const {
+    return stepsLeft > 0 && planned.weights.size() == stepsLeft &&
+           std::equal(planned.weights.begin(), planned.weights.end(), plan_.weights().begin());
+  }
+
+  bool hasFailed(const VersionBaseline& baseline, std::size_t stepsLeft) {
+    const auto& failed = failed_[stepsLeft];
+    return std::find(failed.begin(), failed.end(), baseline) != failed.end();
+  }
+
+  /// A hop whose target was missing is reported as soon as a baseline that offers it is processed.
+  void reportLostHops(const VersionBaseline& baseline, const VersionSelection& selection) const {
+    for (const VersionIndex index : selection) {
+      if (!space_.versions[index].losesHop) continue;
+      const std::u16string& name = space_.names[space_.versions[index].name].text;
+      HopChoices choices;
+      collectHops(question_.repository, question_.direction, name, *baseline.metamodels.at(name),
+                  choices);
+    }
+  }
+
+  /// The combinations that the planned steps stand for, by their place, and where each may lead.
+  std::map<Digits, std::set<VersionSelection>> order(const BackwardPlan::Continuation& planned,
+                                                     const VersionSelection& selection) const {
+    std::map<Digits, std::set<VersionSelection>> result;
+    for (const BackwardPlan::Step& step : planned.steps) {
+      Digits digits;
+      for (std::size_t name = selection.size(); name-- > 0;) {
+        digits.push_back(placeOf(selection[name], step.hops[name], (*step.after)[name]));
+      }
+      result[digits].insert(*step.after);
+    }
+    return result;
+  }
+
+  /// The place, counted from one, of the first hop of this weight to that version; 0 for no hop. Of
+  /// several equal hops the first decides: the others lead to the same baselines.
+  std::uint32_t placeOf(VersionIndex version, std::uint64_t hop, VersionIndex after) const {
+    if (hop == 0) return 0;
+    const auto& moves = space_.versions[version].moves;
+    const auto move =
+        std::find_if(moves.begin(), moves.end(), [&](const SearchSpace::Move& candidate) {
+          return candidate.target == after && hopWeight(candidate.expensive) == hop;
+        });
+    return move->place + 1;
+  }
+
+  bool attempt(const VersionBaseline& baseline, const VersionSelection& selection,
+               const Digits& digits, const std::set<VersionSelection>& afters,
+               std::size_t stepsLeft) {
+    LockstepHop combination;
+    std::vector<Alternatives> alternatives;
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      if (space_.isAbsent(selection[name])) continue;
+      const SearchSpace::Version* version = &space_.versions[selection[name]];
+      const std::uint32_t digit = digits[selection.size() - 1 - name];
+      if (digit != 0) {
+        combination.emplace(space_.names[name].text, version->hops[digit - 1]);
+        version = &space_.versions[targetOf(*version, digit - 1)];
+      }
+      alternatives.push_back({&space_.names[name].text, version->linked});
+    }
+    traceAttempt(combination);
+    const std::vector<VersionBaseline> candidates = combineInOrder(alternatives);
+    traceCandidates(candidates);
+    for (const VersionBaseline& candidate : candidates) {
+      if (!afters.contains(space_.selectionOf(candidate))) continue;
+      if (!goOn(candidate, stepsLeft - 1)) continue;
+      answer_.steps.emplace_back(baseline, candidate, combination);
+      return true;
+    }
+    return false;
+  }
+
+  static VersionIndex targetOf(const SearchSpace::Version& version, std::uint32_t place) {
+    return std::find_if(version.moves.begin(), version.moves.end(),
+                        [&](const SearchSpace::Move& move) { return move.place == place; })
+        ->target;
+  }
+
+  const SearchQuestion& question_;
+  const SearchSpace& space_;
+  const BackwardPlan& plan_;
+  SearchAnswer answer_;
+  std::map<std::size_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
+};
+
+/// The selections that targets admit: `none` for a name that a target leaves free. A target that
+/// holds what is not in the space cannot be reached.
+std::vector<VersionSelection> admittedSelections(const SearchSpace& space,
+                                                 const std::vector<VersionBaseline>& targets) {
+  std::vector<VersionSelection> result;
+  for (const VersionBaseline& target : targets) {
+    VersionSelection selection = space.selectionOf(target);
+    if (selection.empty()) continue;
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      if (selection[name] == space.names[name].absent) selection[name] = SearchSpace::none;
+    }
+    result.push_back(std::move(selection));
+  }
+  return result;
+}
+
+/// The selections of the sources that a path can start from: those whose versions are all in the
+/// space.
+std::vector<VersionSelection> startingSelections(const SearchSpace& space,
+                                                 const std::vector<VersionBaseline>& sources) {
+  std::vector<VersionSelection> result;
+  for (const VersionBaseline& source : sources) {
+    VersionSelection selection = space.selectionOf(source);
+    const bool isComplete = !selection.empty() && std::find(selection.begin(), selection.end(),
+                                                            SearchSpace::none) == selection.end();
+    if (isComplete) result.push_back(std::move(selection));
+  }
+  return result;
+}
+
+}  // namespace
+
+SearchAnswer searchGoalDirected(const SearchQuestion& question) {
+  const std::optional<SearchSpace> space = surveySearchSpace(question);
+  if (!space) return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+  const auto sources = startingSelections(*space, question.sources);
+  const Coexistence coexistence(*space);
+  const std::vector<Outlook> outlooks = computeOutlooks(*space, coexistence, sources);
+  const StepFormation::Ground ground{*space, coexistence, outlooks};
+  const auto plan =
+      BackwardPlan::make(ground, sources, admittedSelections(*space, question.targets));
+  if (!plan) {
+    traceValue("Exhausted search");
+    return {};
+  }
+  SearchAnswer answer = Realisation(question, *space, *plan).run();
+  if (answer.verdict == SearchAnswer::Verdict::Found) traceValue("Reached target");
+  return answer;
+}
+
+}  // namespace tarn::evolution::pathfinder

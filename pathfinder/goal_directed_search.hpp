@@ -1,0 +1,17 @@
+#pragma once
+
+#include "pathfinder/search_question.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// The search that scales: plans backward over selections of versions, without looking at linked
+/// metamodels, and carries the best plans out forward over real baselines, in the order in which
+/// the exhaustive search would have met them. Finds the same path as that one does.
+///
+/// Asks the application once for each version that can lie on a path, and links just these. Leaves
+/// the question unsettled when a source is not a consistent baseline of the repository's own
+/// making, or when no plan can be carried out: planning looks at two versions at a time, and three
+/// can be in conflict of which every two agree.
+SearchAnswer searchGoalDirected(const SearchQuestion& question);
+
+}  // namespace tarn::evolution::pathfinder

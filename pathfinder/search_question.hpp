@@ -1,0 +1,34 @@
+#pragma once
+
+#include <vector>
+
+#include "pathfinder/version_repository.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// What every search engine is asked. Refers to the caller's lists.
+struct SearchQuestion {
+  VersionRepository& repository;
+  const std::vector<VersionBaseline>& sources;
+  const std::vector<VersionBaseline>& targets;
+  VersionRepository::Direction direction;
+
+  /// The first target, in list order, that the baseline includes; null when there is none.
+  const VersionBaseline* targetIn(const VersionBaseline& baseline) const;
+};
+
+/// What a search engine answers.
+struct SearchAnswer {
+  enum class Verdict {
+    Found,      ///< this is the path
+    NoPath,     ///< there is none
+    Unsettled,  ///< the engine cannot tell; another one has to
+  };
+
+  Verdict verdict = Verdict::NoPath;
+  std::vector<BaselineHop> steps;  ///< when found; empty when a source includes the target
+  const VersionBaseline* target =
+      nullptr;  ///< when found: the target that the last baseline includes
+};
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "pathfinder/hop.hpp"
+#include "pathfinder/metamodel.hpp"
+#include "pathfinder/version_baseline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using NameIndex = std::uint32_t;
+using VersionIndex = std::uint32_t;
+using VariantIndex = std::uint32_t;
+
+/// One version for each name of a search space.
+using VersionSelection = std::vector<VersionIndex>;
+
+/// The versions that can lie on a path, with the hops between them, as small integers.
+///
+/// A version is a descriptor, not a version number: what the application returns for a hop's target
+/// may carry another number, and several descriptors may share one. Names, and the versions of each
+/// name, are numbered consecutively; names ascend. A name that some source does not hold has one
+/// version more, "absent", which it has until a link brings it in. Made by `surveySearchSpace`;
+/// read-only.
+struct SearchSpace {
+  static constexpr std::uint32_t none = ~std::uint32_t{0};
+
+  /// A hop to another version of the space.
+  struct Move {
+    VersionIndex target;
+    bool expensive;
+    std::uint32_t place;  ///< among the hops of the version it leaves, from zero
+  };
+
+  struct Version {
+    NameIndex name;
+    const Metamodel* descriptor = nullptr;  ///< null for "absent"
+    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked = nullptr;
+    VariantIndex firstVariant = 0;  ///< its linked metamodels are variants from here on, in order
+    std::vector<Hop> hops;          ///< those that do not go against the direction, in order
+    std::vector<Move> moves;        ///< those of the hops that lead to a version of the space
+    bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
+    bool isEntry = false;   ///< whether a link can bring this version in
+  };
+
+  /// A linked metamodel that another one links.
+  struct Link {
+    NameIndex name;
+    VariantIndex variant;
+  };
+
+  struct Variant {
+    VersionIndex version = none;  ///< `none` when that version is not in the space
+    std::vector<Link> closure;    ///< itself and all that it links, by ascending name
+  };
+
+  struct Name {
+    std::u16string text;
+    VersionIndex first;          ///< its versions are those from here ...
+    VersionIndex end;            ///< ... up to but without this one
+    VersionIndex absent = none;  ///< the last of them, when some source does not hold the name
+  };
+
+  bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
+
+  /// For each name the version that the baseline holds, or "absent", or `none` where the name has
+  /// no such version. Empty when the baseline holds what is not in the space at all.
+  VersionSelection selectionOf(const VersionBaseline& baseline) const;
+
+  std::vector<Name> names;
+  std::vector<Version> versions;
+  std::vector<Variant> variants;
+  std::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf;
+  std::deque<Metamodel> descriptors;  ///< what versions point to
+};
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,336 @@
+#include "pathfinder/space_survey.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+#include "messages/report_exception.hpp"
+#include "pathfinder/hashing.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+using LinkedMetamodels = std::vector<std::shared_ptr<LinkedMetamodel>>;
+using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
+                                                     std::exception, void>;
+
+struct VersionIdHash {
+  std::size_t operator()(const VersionId& version) const noexcept { return hashVersion(version); }
+};
+
+struct DraftName;
+
+/// A version while the space is surveyed.
+struct Draft {
+  DraftName* name;
+  const Metamodel* descriptor;
+  std::vector<Hop> hops;
+  std::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
+  const LinkedMetamodels* linked = nullptr;               // null until linked, or if it cannot be
+  bool linkTried = false;
+  bool losesHop = false;
+  bool isEntered = false;
+  bool leadsToTarget = false;
+  bool entriesTaken = false;  // whether what its links bring in was entered
+  bool isEntry = false;
+  VersionIndex index = SearchSpace::none;
+};
+
+struct DraftName {
+  std::u16string text;
+  std::size_t sources = 0;                // that hold the name
+  std::vector<const Metamodel*> targets;  // what the targets hold under the name
+  std::vector<Draft*> versions;           // in the order in which they were met
+  std::unordered_map<VersionId, Draft*, VersionIdHash> answers;  // of getMetamodel; null: none
+  std::unordered_multimap<VersionId, Draft*, VersionIdHash> byVersion;
+  NameIndex index = SearchSpace::none;
+};
+
+class SpaceSurvey {
+ public:
+  explicit SpaceSurvey(const SearchQuestion& question) : question_(question) {}
+
+  std::optional<SearchSpace> run() {
+    for (const VersionBaseline& target : question_.targets) enterTarget(target);
+    for (const VersionBaseline& source : question_.sources) {
+      if (!enterSource(source)) return std::nullopt;
+    }
+    while (!unasked_.empty()) {
+      askForHops();
+      if (misnamed_) return std::nullopt;
+      markWhatLeadsToTargets();
+      linkWhatIsOfUse();
+    }
+    return build();
+  }
+
+ private:
+  DraftName& nameOf(const std::u16string& text) {
+    const auto [entry, isNew] = names_.try_emplace(text);
+    if (isNew) entry->second.text = text;
+    return entry->second;
+  }
+
+  /// The version of this very descriptor, which is kept if it is new.
+  template <class Descriptor>
+  Draft& draftOf(DraftName& name, Descriptor&& descriptor) {
+    const auto [begin, end] = name.byVersion.equal_range(descriptor.version);
+    for (auto known = begin; known != end; ++known) {
+      if (*known->second->descriptor == descriptor) return *known->second;
+    }
+    space_.descriptors.push_back(std::forward<Descriptor>(descriptor));
+    Draft& draft = drafts_.emplace_back();
+    draft.name = &name;
+    draft.descriptor = &space_.descriptors.back();
+    name.byVersion.emplace(draft.descriptor->version, &draft);
+    return draft;
+  }
+
+  /// Takes a version that is within reach into the space.
+  void enter(Draft& draft) {
+    if (std::exchange(draft.isEntered, true)) return;
+    draft.name->versions.push_back(&draft);
+    unasked_.push_back(&draft);
+  }
+
+  void enterTarget(const VersionBaseline& target) {
+    for (const auto& [name, linked] : target.metamodels) {
+      if (linked) nameOf(name).targets.push_back(linked.get());
+    }
+  }
+
+  bool enterSource(const VersionBaseline& source) {
+    return std::all_of(source.metamodels.begin(), source.metamodels.end(), [&](const auto& entry) {
+      const auto& [key, linked] = entry;
+      if (!linked || linked->name != key || !holdsLinksOf(source, *linked)) return false;
+      DraftName& name = nameOf(key);
+      ++name.sources;
+      Draft& draft = draftOf(name, static_cast<const Metamodel&>(*linked));
+      enter(draft);
+      link(draft);
+      return draft.linked != nullptr &&
+             std::find(draft.linked->begin(), draft.linked->end(), linked) != draft.linked->end();
+    });
+  }
+
+  static bool holdsLinksOf(const VersionBaseline& source, const LinkedMetamodel& linked) {
+    return std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
+                       [&](const auto& link) {
+                         const auto held = source.metamodels.find(link.first);
+                         return held != source.metamodels.end() && held->second == link.second;
+                       });
+  }
+
+  void askForHops() {
+    while (!unasked_.empty()) {
+      Draft& draft = *unasked_.back();
+      unasked_.pop_back();
+      question_.repository.findHops(draft.name->text, draft.descriptor->version, draft.hops);
+      if (question_.direction != VersionRepository::Unknown) dropHopsAgainstDirection(draft);
+      for (std::uint32_t place = 0; place < draft.hops.size(); ++place) {
+        Draft* target = lookUp(*draft.name, draft.hops[place].to);
+        if (target == nullptr) continue;
+        enter(*target);
+        draft.targets.emplace_back(place, target);
+      }
+    }
+  }
+
+  /// The version that a hop of this name leads to; null when the application has none.
+  Draft* lookUp(DraftName& name, const VersionId& version) {
+    const auto [answer, isNew] = name.answers.try_emplace(version, nullptr);
+    if (!isNew) return answer->second;
+    std::optional<Metamodel> found = question_.repository.getMetamodel(name.text, version);
+    if (!found) return nullptr;
+    if (found->name != name.text) {
+      misnamed_ = true;
+      return nullptr;
+    }
+    return answer->second = &draftOf(name, *std::move(found));
+  }
+
+  void dropHopsAgainstDirection(Draft& draft) {
+    std::erase_if(draft.hops, [&](const Hop& hop) {
+      // Hop collection looks the target up under the hop's own name, which may differ from the key.
+      std::optional<Metamodel> other;
+      const Metamodel* target = nullptr;
+      if (hop.name == draft.name->text) {
+        const Draft* known = lookUp(*draft.name, hop.to);
+        if (known != nullptr) target = known->descriptor;
+      } else if ((other = question_.repository.getMetamodel(hop.name, hop.to))) {
+        target = &*other;
+      }
+      if (target == nullptr) {
+        draft.losesHop = true;
+        return true;
+      }
+      return VersionRepository::areDirectionsInconsistent(
+          question_.direction, question_.repository.getDirection(*draft.descriptor, *target));
+    });
+  }
+
+  bool isMentionedByEveryTarget(const DraftName& name) const {
+    return name.targets.size() == question_.targets.size();
+  }
+
+  void markWhatLeadsToTargets() {
+    for (auto& [text, name] : names_) {
+      if (!isMentionedByEveryTarget(name)) continue;
+      for (const Metamodel* target : name.targets) {
+        for (Draft* draft : name.versions) draft->leadsToTarget |= *draft->descriptor == *target;
+      }
+      spreadBackwards(name);
+    }
+  }
+
+  static void spreadBackwards(DraftName& name) {
+    for (bool changed = true; changed;) {
+      changed = false;
+      // Versions are met from the sources on, so most are marked in the first round.
+      for (auto draft = name.versions.rbegin(); draft != name.versions.rend(); ++draft) {
+        if ((*draft)->leadsToTarget) continue;
+        (*draft)->leadsToTarget =
+            std::any_of((*draft)->targets.begin(), (*draft)->targets.end(),
+                        [](const auto& target) { return target.second->leadsToTarget; });
+        changed |= (*draft)->leadsToTarget;
+      }
+    }
+  }
+
+  bool isOfUse(const Draft& draft) const {
+    return draft.leadsToTarget || !isMentionedByEveryTarget(*draft.name);
+  }
+
+  /// Links versions that can lie on a path, and enters those that their links bring in.
+  void linkWhatIsOfUse() {
+    for (std::size_t i = 0; i < drafts_.size(); ++i) {  // new drafts may be added on the way
+      Draft& draft = drafts_[i];
+      if (!draft.isEntered || !isOfUse(draft) || draft.entriesTaken) continue;
+      link(draft);
+      draft.entriesTaken = true;
+      if (draft.linked == nullptr) continue;
+      for (const auto& variant : *draft.linked) enterLinks(*variant);
+    }
+  }
+
+  void link(Draft& draft) {
+    if (std::exchange(draft.linkTried, true)) return;
+    try {
+      draft.linked = &question_.repository.getLinkedMetamodels(*draft.descriptor);
+    } catch (const Conflict&) {
+      // It can never be held. An attempt to hold it, should there be one, reports the conflict.
+    }
+  }
+
+  void enterLinks(const LinkedMetamodel& variant) {
+    for (const auto& [text, linked] : variant.linkedMetamodels) {
+      if (!linksSeen_.insert(linked.get()).second) continue;
+      DraftName& name = nameOf(text);
+      if (name.sources == question_.sources.size())
+        continue;  // held from the start: only hops move it
+      Draft& entry = draftOf(name, static_cast<const Metamodel&>(*linked));
+      entry.isEntry = true;
+      enter(entry);
+    }
+  }
+
+  std::optional<SearchSpace> build() {
+    std::vector<DraftName*> ordered;
+    for (auto& [text, name] : names_) {
+      if (!name.versions.empty()) ordered.push_back(&name);
+    }
+    std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
+      return left->text < right->text;
+    });
+    for (DraftName* name : ordered) addName(*name);
+    for (Draft& draft : drafts_) addMoves(draft);
+    for (const Draft& draft : drafts_) addClosures(draft);
+    return std::move(space_);
+  }
+
+  void addName(DraftName& name) {
+    name.index = static_cast<NameIndex>(space_.names.size());
+    const auto first = static_cast<VersionIndex>(space_.versions.size());
+    for (Draft* draft : name.versions) {
+      if (draft->linked == nullptr || !isOfUse(*draft)) continue;
+      draft->index = static_cast<VersionIndex>(space_.versions.size());
+      SearchSpace::Version& version = space_.versions.emplace_back();
+      version.name = name.index;
+      version.descriptor = draft->descriptor;
+      version.linked = draft->linked;
+      version.firstVariant = static_cast<VariantIndex>(space_.variants.size());
+      version.hops = std::move(draft->hops);
+      version.losesHop = draft->losesHop;
+      version.isEntry = draft->isEntry;
+      for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
+    }
+    SearchSpace::Name& added = space_.names.emplace_back();
+    added.text = name.text;
+    added.first = first;
+    if (name.sources < question_.sources.size()) {
+      added.absent = static_cast<VersionIndex>(space_.versions.size());
+      space_.versions.emplace_back().name = name.index;
+    }
+    added.end = static_cast<VersionIndex>(space_.versions.size());
+  }
+
+  VariantIndex addVariant(const LinkedMetamodel* linked, VersionIndex version) {
+    const auto index = static_cast<VariantIndex>(space_.variants.size());
+    space_.variants.emplace_back().version = version;
+    space_.variantOf.emplace(linked, index);
+    return index;
+  }
+
+  void addMoves(Draft& draft) {
+    if (draft.index == SearchSpace::none) return;
+    SearchSpace::Version& version = space_.versions[draft.index];
+    for (const auto& [place, target] : draft.targets) {
+      if (target->index == SearchSpace::none) continue;
+      version.moves.push_back({target->index, version.hops[place].expensive, place});
+    }
+  }
+
+  void addClosures(const Draft& draft) {
+    if (draft.index == SearchSpace::none) return;
+    VariantIndex variant = space_.versions[draft.index].firstVariant;
+    for (const auto& linked : *draft.linked) {
+      std::vector<SearchSpace::Link> closure;
+      closure.reserve(linked->linkedMetamodels.size() + 1);
+      closure.push_back({draft.name->index, variant});
+      for (const auto& [text, link] : linked->linkedMetamodels)
+        closure.push_back(linkTo(text, link.get()));
+      std::sort(closure.begin(), closure.end(),
+                [](const auto& left, const auto& right) { return left.name < right.name; });
+      space_.variants[variant++].closure = std::move(closure);
+    }
+  }
+
+  SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {
+    const auto known = space_.variantOf.find(linked);
+    if (known != space_.variantOf.end()) {
+      const VersionIndex version = space_.variants[known->second].version;
+      if (version != SearchSpace::none) return {space_.versions[version].name, known->second};
+      return {nameOf(text).index, known->second};
+    }
+    return {nameOf(text).index, addVariant(linked, SearchSpace::none)};
+  }
+
+  const SearchQuestion& question_;
+  SearchSpace space_;
+  std::unordered_map<std::u16string, DraftName> names_;
+  std::deque<Draft> drafts_;
+  std::vector<Draft*> unasked_;
+  std::unordered_set<const LinkedMetamodel*> linksSeen_;
+  bool misnamed_ = false;
+};
+
+}  // namespace
+
+std::optional<SearchSpace> surveySearchSpace(const SearchQuestion& question) {
+  return SpaceSurvey(question).run();
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+
+#include "pathfinder/search_question.hpp"
+#include "pathfinder/search_space.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// Asks the application, once for each version, for all that can lie on a path: versions within
+/// reach of the sources by hops and by what links bring in, their hops, and their linked
+/// metamodels.
+///
+/// Left out are versions that cannot be linked and, for a name that every target mentions, versions
+/// from which no hops lead to a target's: no path holds them. The latter are not linked either.
+///
+/// No value when a source is not a consistent baseline of the repository's own linked metamodels,
+/// or when the application answers a name with a metamodel of another name: such questions have no
+/// space.
+std::optional<SearchSpace> surveySearchSpace(const SearchQuestion& question);
+
+}  // namespace tarn::evolution::pathfinder

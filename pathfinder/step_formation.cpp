@@ -1,0 +1,255 @@
+#include "pathfinder/step_formation.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "pathfinder/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+bool isBetter(const PlanBound& left, const PlanBound& right) {
+  if (left.total != right.total) return left.total < right.total;
+  return comesFirst(left.weights, right.weights);
+}
+
+}  // namespace
+
+bool comesFirst(const WeightSequence& left, const WeightSequence& right) {
+  const auto [l, r] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+  if (l == left.end() || r == right.end()) return r != right.end();
+  return *l > *r;
+}
+
+void StepFormation::addOption(const Option& option) {
+  const Outlook& outlook = ground_.outlooks[option.before];
+  if (!outlook.arrives) return;
+  candidates_.push_back({option, option.hop + outlook.distance, &outlook});
+  hasExpensiveHop_ |= option.hop == hopWeight(true);
+  retreatLength_ = std::max(retreatLength_, outlook.retreat.size());
+}
+
+void StepFormation::endName() {
+  const std::size_t first = names_.empty() ? 0 : names_.back().end;
+  std::sort(candidates_.begin() + static_cast<std::ptrdiff_t>(first), candidates_.end(),
+            [](const Candidate& left, const Candidate& right) {
+              if (left.least != right.least) return left.least < right.least;
+              if (left.option.hop != right.option.hop) return left.option.hop > right.option.hop;
+              return left.outlook->retreat > right.outlook->retreat;
+            });
+  names_.push_back({first, candidates_.size()});
+  openWords_ = (candidates_.size() + 63) / 64;
+}
+
+StepFormation::Partial StepFormation::begin() const {
+  Partial partial;
+  partial.words.resize(openWords_ + 2 * retreatLength_);
+  std::fill_n(partial.words.begin(), openWords_, ~std::uint64_t{0});
+  for (const Row& row : names_) partial.steps = std::max(partial.steps, fewestSteps(partial, row));
+  recount(partial);
+  return partial;
+}
+
+std::uint32_t StepFormation::fewestSteps(const Partial& partial, const Row& row) const {
+  std::uint32_t fewest = ~std::uint32_t{0};
+  for (std::size_t i = row.first; i < row.end; ++i) {
+    if (isOpen(partial, i)) fewest = std::min(fewest, candidates_[i].outlook->ordinarySteps);
+  }
+  return row.first == row.end ? 0 : fewest;
+}
+
+/// Adds a name's best options to the sums.
+void StepFormation::count(Partial& partial, const Row& row) const {
+  const Candidate* cheapest = best(partial, row, ~std::uint32_t{0}, true);
+  if (cheapest != nullptr) partial.leastEver += cheapest->least;
+  const auto add = [&](Sum& sum, std::size_t retreats, bool withOrdinaryHop) {
+    const Candidate* candidate = best(partial, row, partial.steps, withOrdinaryHop);
+    if (candidate == nullptr) {
+      ++sum.unmet;
+      return;
+    }
+    sum.least += candidate->least;
+    sum.hops += candidate->option.hop;
+    for (const std::uint64_t weight : candidate->outlook->retreat)
+      partial.words[retreats++] += weight;
+  };
+  add(partial.resting, restingRetreats(), false);
+  add(partial.moving, movingRetreats(), true);
+}
+
+/// Takes a name's best options out of the sums.
+void StepFormation::discount(Partial& partial, const Row& row) const {
+  const Candidate* cheapest = best(partial, row, ~std::uint32_t{0}, true);
+  if (cheapest != nullptr) partial.leastEver -= cheapest->least;
+  const auto subtract = [&](Sum& sum, std::size_t retreats, bool withOrdinaryHop) {
+    const Candidate* candidate = best(partial, row, partial.steps, withOrdinaryHop);
+    if (candidate == nullptr) {
+      --sum.unmet;
+      return;
+    }
+    sum.least -= candidate->least;
+    sum.hops -= candidate->option.hop;
+    for (const std::uint64_t weight : candidate->outlook->retreat)
+      partial.words[retreats++] -= weight;
+  };
+  subtract(partial.resting, restingRetreats(), false);
+  subtract(partial.moving, movingRetreats(), true);
+}
+
+void StepFormation::recount(Partial& partial) const {
+  partial.leastEver = 0;
+  partial.resting = {};
+  partial.moving = {};
+  std::fill(partial.words.begin() + static_cast<std::ptrdiff_t>(openWords_), partial.words.end(),
+            0);
+  for (const Row& row : names_) count(partial, row);
+}
+
+bool StepFormation::settle(Partial& partial) const {
+  for (; partial.next < names_.size(); ++partial.next) {
+    const Row& row = names_[partial.next];
+    std::size_t open = 0;
+    std::size_t last = 0;
+    for (std::size_t candidate = row.first; candidate < row.end && open < 2; ++candidate) {
+      if (!isOpen(partial, candidate)) continue;
+      ++open;
+      last = candidate;
+    }
+    if (open == 0) return false;
+    if (open > 1) return true;
+    if (!decide(partial, last)) return false;
+  }
+  return true;
+}
+
+/// Closes the name's other candidates and those of later names that cannot stand beside this one;
+/// false when one of them has none left.
+bool StepFormation::decide(Partial& partial, std::size_t candidate) const {
+  const VersionIndex version = candidates_[candidate].option.before;
+  const NameIndex name = ground_.space.versions[version].name;
+  std::uint32_t steps = partial.steps;
+  const auto narrow = [&](const Row& row, const auto& isKept) {
+    bool anyClosed = false;
+    for (std::size_t i = row.first; i < row.end; ++i) {
+      if (!isOpen(partial, i) || isKept(i)) continue;
+      if (!std::exchange(anyClosed, true)) discount(partial, row);
+      close(partial, i);
+    }
+    if (!anyClosed) return true;
+    const std::uint32_t fewest = fewestSteps(partial, row);
+    if (fewest == ~std::uint32_t{0}) return false;
+    steps = std::max(steps, fewest);
+    count(partial, row);
+    return true;
+  };
+  narrow(names_[name], [&](std::size_t other) { return other == candidate; });
+  const auto& neighbours = ground_.coexistence.neighbours(name);
+  for (std::size_t i = 0; i < neighbours.size(); ++i) {
+    if (neighbours[i] < name) continue;
+    const VersionBits* admitted = ground_.coexistence.row(version, i);
+    const VersionIndex first = ground_.space.names[neighbours[i]].first;
+    const bool anyLeft = narrow(names_[neighbours[i]], [&](std::size_t other) {
+      const VersionIndex rank = candidates_[other].option.before - first;
+      return (admitted[rank / 64] >> (rank % 64) & 1) != 0;
+    });
+    if (!anyLeft) return false;
+  }
+  if (steps > partial.steps) {
+    partial.steps = steps;
+    recount(partial);
+  }
+  return true;
+}
+
+const StepFormation::Candidate* StepFormation::best(const Partial& partial, const Row& row,
+                                                    std::uint32_t steps,
+                                                    bool withOrdinaryHop) const {
+  for (std::size_t i = row.first; i < row.end; ++i) {
+    const Candidate& candidate = candidates_[i];
+    if (!isOpen(partial, i) || candidate.outlook->ordinarySteps > steps) continue;
+    if (withOrdinaryHop || candidate.option.hop != hopWeight(false)) return &candidate;
+  }
+  return nullptr;
+}
+
+void StepFormation::setBound(PlanBound& bound, const Sum& sum, const std::uint64_t* retreats,
+                             std::uint32_t steps, bool withOrdinaryHop) const {
+  bound.total = sum.least + steps + (withOrdinaryHop ? 1 : 0);
+  bound.weights.clear();
+  if (isStep_) bound.weights.push_back(stepWeight(sum.hops));
+  std::uint32_t ordinarySteps = steps;
+  for (std::size_t i = 0; i < retreatLength_ && retreats[i] > 0; ++i) {
+    const bool isOrdinary = ordinarySteps > 0 && ordinaryPart(retreats[i]) > 0;
+    bound.weights.push_back(isOrdinary ? stepWeight(retreats[i]) : retreats[i]);
+    if (isOrdinary) --ordinarySteps;
+  }
+}
+
+bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
+  const Sum& sum = isStep_ ? partial.moving : partial.resting;
+  // More steps before could only help if the cheapest options of all were not among the usable. A
+  // step without an ordinary hop could only be the heavier one by its expensive hops.
+  if (sum.unmet > 0 || sum.least > partial.leastEver || (isStep_ && hasExpensiveHop_)) {
+    return findBoundByTrial(partial, bound);
+  }
+  const std::size_t retreats = isStep_ ? movingRetreats() : restingRetreats();
+  setBound(bound, sum, &partial.words[retreats], partial.steps, isStep_);
+  if (!isStep_ || partial.resting.unmet > 0) return true;
+  PlanBound resting;
+  setBound(resting, partial.resting, &partial.words[restingRetreats()], partial.steps, false);
+  if (isBetter(resting, bound)) bound = std::move(resting);
+  return true;
+}
+
+/// The bound, by looking at every number of steps before that could be the best.
+bool StepFormation::findBoundByTrial(const Partial& partial, PlanBound& bound) const {
+  std::uint32_t most = 0;
+  for (std::size_t i = 0; i < candidates_.size(); ++i) {
+    if (isOpen(partial, i)) most = std::max(most, candidates_[i].outlook->ordinarySteps);
+  }
+  bool isFound = false;
+  PlanBound tried;
+  WeightSequence retreats;
+  for (const bool withOrdinaryHop : {false, true}) {
+    if (withOrdinaryHop && !isStep_) continue;
+    for (std::uint32_t steps = partial.steps; steps <= most; ++steps) {
+      if (isFound && partial.leastEver + steps + (withOrdinaryHop ? 1 : 0) > bound.total) break;
+      Sum sum;
+      if (!sumUp(partial, steps, withOrdinaryHop, sum, retreats)) continue;
+      setBound(tried, sum, retreats.data(), steps, withOrdinaryHop);
+      if (!isFound || isBetter(tried, bound)) std::swap(bound, tried);
+      isFound = true;
+    }
+  }
+  return isFound;
+}
+
+/// Sums the best options up; false when some name has none for that number of steps.
+bool StepFormation::sumUp(const Partial& partial, std::uint32_t steps, bool withOrdinaryHop,
+                          Sum& sum, WeightSequence& retreats) const {
+  retreats.assign(retreatLength_, 0);
+  for (const Row& row : names_) {
+    const Candidate* candidate = best(partial, row, steps, withOrdinaryHop);
+    if (candidate == nullptr) return false;
+    sum.least += candidate->least;
+    sum.hops += candidate->option.hop;
+    const WeightSequence& retreat = candidate->outlook->retreat;
+    for (std::size_t i = 0; i < retreat.size(); ++i) retreats[i] += retreat[i];
+  }
+  return true;
+}
+
+std::vector<StepFormation::Option> StepFormation::chosen(const Partial& partial) const {
+  std::vector<Option> result;
+  for (const Row& row : names_) {
+    for (std::size_t i = row.first; i < row.end; ++i) {
+      if (!isOpen(partial, i)) continue;
+      result.push_back(candidates_[i].option);
+      break;
+    }
+  }
+  return result;
+}
+
+}  // namespace tarn::evolution::pathfinder

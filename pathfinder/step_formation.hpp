@@ -1,0 +1,157 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/coexistence.hpp"
+#include "pathfinder/outlook.hpp"
+#include "pathfinder/search_space.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// Step weights from the last step of a path back.
+using WeightSequence = std::vector<std::uint64_t>;
+
+/// Whether, of two plans of one total, the one with these step weights comes first: the one that is
+/// heavier where they first differ, or that ends there.
+bool comesFirst(const WeightSequence& left, const WeightSequence& right);
+
+/// An optimistic guess at what a way back to the sources costs.
+struct PlanBound {
+  std::uint64_t total = 0;
+  WeightSequence weights;  ///< the heaviest possible first
+};
+
+/// The ways to go one step back from a selection, formed name by name: there are exponentially
+/// many, and a step of which some names are decided already tells what the others can still do.
+///
+/// Each name has options: to stay where it is, to come over one of the hops that lead to its
+/// version, or, if a link can bring the version in, to have been absent. The formation of a last
+/// selection, after which there is no step, has the versions that a target admits for options.
+class StepFormation {
+ public:
+  struct Option {
+    VersionIndex before = 0;
+    std::uint64_t hop = 0;  ///< the hop's weight; 0 for no hop
+
+    auto operator<=>(const Option&) const = default;
+  };
+
+  /// The best options of all names together, for some number of steps before.
+  struct Sum {
+    std::uint64_t least = 0;  ///< hops and distances
+    std::uint64_t hops = 0;
+    std::uint32_t unmet = 0;  ///< names that have no option for that number of steps
+  };
+
+  /// A step of which the names before `next` are decided. An option is open while it can stand
+  /// beside the options decided.
+  struct Partial {
+    NameIndex next = 0;
+
+    // Kept up to date so that a bound need not look at every name again.
+    std::uint32_t steps =
+        0;  ///< with an ordinary hop, before this one: the fewest that every name needs
+    std::uint64_t leastEver = 0;  ///< of the options, for any number of steps before
+    Sum resting;                  ///< for `steps` before, without an ordinary hop in this one
+    Sum moving;                   ///< for `steps` before, with an ordinary hop in this one
+
+    /// The open options, a bit each; then the retreats that `resting` sums up, entry by entry; then
+    /// those of `moving`. In one piece, because there are many partial steps.
+    std::vector<std::uint64_t> words;
+  };
+
+  /// What all formations of one search share.
+  struct Ground {
+    const SearchSpace& space;
+    const Coexistence& coexistence;
+    const std::vector<Outlook>& outlooks;
+  };
+
+  /// Without names yet. `isStep` is false for the formation of a last selection.
+  StepFormation(const Ground& ground, bool isStep) : ground_(ground), isStep_(isStep) {}
+
+  /// Gives the name that is being added an option, unless it can never be held.
+  void addOption(const Option& option);
+
+  /// Ends the name that is being added; names are added in ascending order.
+  void endName();
+
+  /// Everything open.
+  Partial begin() const;
+
+  /// Decides the next names as long as they have one option each; false when a name has none left.
+  bool settle(Partial& partial) const;
+
+  bool isComplete(const Partial& partial) const { return partial.next == names_.size(); }
+
+  /// Calls `visit(Partial&&)` with the partial steps that decide the next name, one for each of its
+  /// open options.
+  template <class Visit>
+  void branch(const Partial& partial, const Visit& visit) const {
+    const Row& row = names_[partial.next];
+    for (std::size_t candidate = row.first; candidate < row.end; ++candidate) {
+      if (!isOpen(partial, candidate)) continue;
+      Partial narrowed = partial;
+      if (!decide(narrowed, candidate)) continue;
+      ++narrowed.next;
+      if (settle(narrowed)) visit(std::move(narrowed));
+    }
+  }
+
+  /// Finds the least total of the step and all before it, and the heaviest weights among those of
+  /// that total; false when a name has no option that leads back to a source. `bound` is
+  /// overwritten.
+  bool findBound(const Partial& partial, PlanBound& bound) const;
+
+  /// The option of each name of a complete step.
+  std::vector<Option> chosen(const Partial& partial) const;
+
+ private:
+  struct Candidate {
+    Option option;
+    std::uint64_t least;  // the hop and the distance before it
+    const Outlook* outlook;
+  };
+
+  /// A name's candidates, the best first: least weight, then heaviest hop, then heaviest retreat.
+  struct Row {
+    std::size_t first;
+    std::size_t end;
+  };
+
+  bool isOpen(const Partial& partial, std::size_t candidate) const {
+    return (partial.words[candidate / 64] >> (candidate % 64) & 1) != 0;
+  }
+  void close(Partial& partial, std::size_t candidate) const {
+    partial.words[candidate / 64] &= ~(std::uint64_t{1} << (candidate % 64));
+  }
+  bool decide(Partial& partial, std::size_t candidate) const;
+  std::uint32_t fewestSteps(const Partial& partial, const Row& row) const;
+  const Candidate* best(const Partial& partial, const Row& row, std::uint32_t steps,
+                        bool withOrdinaryHop) const;
+
+  std::size_t restingRetreats() const { return openWords_; }
+  std::size_t movingRetreats() const { return openWords_ + retreatLength_; }
+  void count(Partial& partial, const Row& row) const;
+  void discount(Partial& partial, const Row& row) const;
+  void recount(Partial& partial) const;
+
+  void setBound(PlanBound& bound, const Sum& sum, const std::uint64_t* retreats,
+                std::uint32_t steps, bool withOrdinaryHop) const;
+  bool findBoundByTrial(const Partial& partial, PlanBound& bound) const;
+  bool sumUp(const Partial& partial, std::uint32_t steps, bool withOrdinaryHop, Sum& sum,
+             WeightSequence& retreats) const;
+
+  const Ground& ground_;
+  bool isStep_;
+  bool hasExpensiveHop_ = false;
+  std::size_t openWords_ = 0;
+  std::size_t retreatLength_ = 0;  // of the longest
+  std::vector<Row> names_;
+  std::vector<Candidate> candidates_;
+};
+
+}  // namespace tarn::evolution::pathfinder
