@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <queue>
+#include <span>
 
 #include "pathfinder/step_weight.hpp"
 
@@ -30,7 +31,10 @@ class PlanSearch {
       const std::shared_ptr<Node> node = waiting_.top();
       waiting_.pop();
       if (best_ && isWorseThanBest(*node)) break;
-      if (!node->stage->formation.isComplete(node->partial)) {
+      if (node->partial.isRough) {
+        node->stage->formation.refine(node->partial);
+        push(node->stage, std::move(node->partial));
+      } else if (!node->stage->formation.isComplete(node->partial)) {
         node->stage->formation.branch(node->partial, [&](StepFormation::Partial&& partial) {
           push(node->stage, std::move(partial));
         });
@@ -201,7 +205,7 @@ class PlanSearch {
     return ground_.space.isAbsent(before[name]) && !ground_.space.isAbsent(after[name]);
   }
 
-  bool matches(const std::vector<SearchSpace::Link>& closure,
+  bool matches(std::span<const SearchSpace::Link> closure,
                const VersionSelection& selection) const {
     return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
       return ground_.space.variants[link.variant].version == selection[link.name];

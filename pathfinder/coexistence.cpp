@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <utility>
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
-using Closure = std::vector<SearchSpace::Link>;
+using Closure = std::span<const SearchSpace::Link>;
 
 using Projection = std::vector<VariantIndex>;
 
@@ -42,7 +43,7 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
   const SearchSpace::Version& version = space.versions[index];
   std::vector<Projection> result;
   for (std::size_t i = 0; i < version.linked->size(); ++i) {
-    const Closure& closure = space.variants[version.firstVariant + i].closure;
+    const Closure closure = space.variants[version.firstVariant + i].closure;
     if (heldUnder(closure, without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
@@ -212,7 +213,7 @@ void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
        ++version) {
     if (space_.isAbsent(version)) continue;
     for (std::size_t i = 0; i < space_.versions[version].linked->size(); ++i) {
-      const Closure& closure = space_.variants[space_.versions[version].firstVariant + i].closure;
+      const Closure closure = space_.variants[space_.versions[version].firstVariant + i].closure;
       const VariantIndex held = heldUnder(closure, linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);
@@ -242,7 +243,7 @@ bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
     if (space_.isAbsent(index)) return true;
     const SearchSpace::Version& version = space_.versions[index];
     for (std::size_t i = 0; i < version.linked->size(); ++i) {
-      const Closure& closure = space_.variants[version.firstVariant + i].closure;
+      const Closure closure = space_.variants[version.firstVariant + i].closure;
       if (heldUnder(closure, other) == SearchSpace::none) return true;
     }
   }

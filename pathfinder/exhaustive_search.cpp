@@ -121,7 +121,7 @@ SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t bu
       traceValue("Reached target");
       return {SearchAnswer::Verdict::Found, pathTo(*current), target};
     }
-    StepGeneration generation(question.repository, current->baseline, question.direction);
+    StepGeneration generation(question.repository, current->baseline, question.direction, budget);
     if (generation.combinationCount() > budget)
       return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
     if (budget != unlimitedBudget) budget -= generation.combinationCount();

@@ -1,13 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 
 #include "pathfinder/search_question.hpp"
+#include "pathfinder/step_generation.hpp"
 
 namespace tarn::evolution::pathfinder {
-
-inline constexpr std::uint64_t unlimitedBudget = std::numeric_limits<std::uint64_t>::max();
 
 /// The search that defines the answer: takes the lightest baseline not yet visited, tries every
 /// step that leaves it, and stops at the first baseline that includes a target. Among baselines of

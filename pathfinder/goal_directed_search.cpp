@@ -194,7 +194,7 @@ SearchAnswer searchGoalDirected(const SearchQuestion& question) {
   if (!space) return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
   const auto sources = startingSelections(*space, question.sources);
   const Coexistence coexistence(*space);
-  const std::vector<Outlook> outlooks = computeOutlooks(*space, coexistence, sources);
+  const Outlooks outlooks = computeOutlooks(*space, coexistence, sources);
   const StepFormation::Ground ground{*space, coexistence, outlooks};
   const auto plan =
       BackwardPlan::make(ground, sources, admittedSelections(*space, question.targets));

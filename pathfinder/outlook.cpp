@@ -1,9 +1,7 @@
 #include "pathfinder/outlook.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
-#include <queue>
 #include <utility>
 
 #include "pathfinder/step_weight.hpp"
@@ -14,37 +12,54 @@ namespace {
 
 constexpr std::uint64_t unreached = std::numeric_limits<std::uint64_t>::max();
 
-/// A set of versions of all names, each name's in words of its own.
-class VersionSet {
- public:
-  VersionSet(const SearchSpace& space, const Coexistence& coexistence) : space_(&space) {
-    std::size_t words = 0;
+/// Where each version's bit stands in a set: each name's versions in words of their own.
+struct SetLayout {
+  SetLayout(const SearchSpace& space, const Coexistence& coexistence) {
+    places.reserve(space.versions.size());
+    starts.reserve(space.names.size());
     for (NameIndex name = 0; name < space.names.size(); ++name) {
-      start_.push_back(words);
+      starts.push_back(words);
+      for (std::size_t rank = 0; rank < space.names[name].end - space.names[name].first; ++rank) {
+        places.push_back({words + rank / 64, VersionBits{1} << (rank % 64)});
+      }
       words += coexistence.words(name);
     }
-    bits_.resize(words);
   }
 
-  VersionBits* of(NameIndex name) { return &bits_[start_[name]]; }
+  struct Place {
+    std::size_t word;
+    VersionBits mask;
+  };
 
-  bool contains(VersionIndex version) const { return (bits_[word(version)] & mask(version)) != 0; }
-  void insert(VersionIndex version) { bits_[word(version)] |= mask(version); }
-  void erase(VersionIndex version) { bits_[word(version)] &= ~mask(version); }
+  std::size_t words = 0;
+  std::vector<Place> places;        // by version
+  std::vector<std::size_t> starts;  // by name
+};
+
+/// A set of versions of all names.
+class VersionSet {
+ public:
+  explicit VersionSet(const SetLayout& layout) : layout_(&layout), bits_(layout.words) {}
+
+  const VersionBits* of(NameIndex name) const { return &bits_[layout_->starts[name]]; }
+
+  bool contains(VersionIndex version) const {
+    const SetLayout::Place& place = layout_->places[version];
+    return (bits_[place.word] & place.mask) != 0;
+  }
+  void insert(VersionIndex version) {
+    const SetLayout::Place& place = layout_->places[version];
+    bits_[place.word] |= place.mask;
+  }
+  void erase(VersionIndex version) {
+    const SetLayout::Place& place = layout_->places[version];
+    bits_[place.word] &= ~place.mask;
+  }
 
   bool operator==(const VersionSet& other) const { return bits_ == other.bits_; }
 
  private:
-  VersionIndex rank(VersionIndex version) const {
-    return version - space_->names[space_->versions[version].name].first;
-  }
-  std::size_t word(VersionIndex version) const {
-    return start_[space_->versions[version].name] + rank(version) / 64;
-  }
-  VersionBits mask(VersionIndex version) const { return VersionBits{1} << (rank(version) % 64); }
-
-  const SearchSpace* space_;
-  std::vector<std::size_t> start_;  // of each name's words
+  const SetLayout* layout_;
   std::vector<VersionBits> bits_;
 };
 
@@ -56,13 +71,14 @@ class OutlookComputation {
         coexistence_(coexistence),
         outlooks_(space.versions.size()),
         distances_(space.versions.size(), unreached),
-        starts_(space, coexistence) {
+        layout_(space, coexistence),
+        starts_(layout_) {
     for (const VersionSelection& source : sources) {
       for (const VersionIndex version : source) starts_.insert(version);
     }
   }
 
-  std::vector<Outlook> run() {
+  Outlooks run() {
     for (const SearchSpace::Name& name : space_.names) measureDistances(name);
     measureArrivals();
     for (const SearchSpace::Name& name : space_.names) measureRetreats(name);
@@ -70,6 +86,8 @@ class OutlookComputation {
   }
 
  private:
+  using Waiting = std::pair<std::uint64_t, VersionIndex>;  // distance, version
+
   bool startsAbsent(const SearchSpace::Name& name) const {
     return name.absent != SearchSpace::none && starts_.contains(name.absent);
   }
@@ -79,20 +97,22 @@ class OutlookComputation {
     return starts_.contains(version) || (startsAbsent(name) && space_.versions[version].isEntry);
   }
 
+  /// Dijkstra's algorithm, over the versions of one name.
   void measureDistances(const SearchSpace::Name& name) {
-    using Entry = std::pair<std::uint64_t, VersionIndex>;
-    std::priority_queue<Entry, std::vector<Entry>, std::greater<>> waiting;
+    const auto isFarther = [](const Waiting& left, const Waiting& right) { return left > right; };
     const auto reach = [&](VersionIndex version, std::uint64_t distance) {
       if (distance >= distances_[version]) return;
       distances_[version] = distance;
-      waiting.emplace(distance, version);
+      waiting_.emplace_back(distance, version);
+      std::push_heap(waiting_.begin(), waiting_.end(), isFarther);
     };
     for (VersionIndex version = name.first; version < name.end; ++version) {
       if (isStart(name, version)) reach(version, 0);
     }
-    while (!waiting.empty()) {
-      const auto [distance, version] = waiting.top();
-      waiting.pop();
+    while (!waiting_.empty()) {
+      const auto [distance, version] = waiting_.front();
+      std::pop_heap(waiting_.begin(), waiting_.end(), isFarther);
+      waiting_.pop_back();
       if (distance > distances_[version]) continue;
       for (const SearchSpace::Move& move : space_.versions[version].moves) {
         reach(move.target, distance + hopWeight(move.expensive));
@@ -102,7 +122,7 @@ class OutlookComputation {
 
   /// Level by level, one for each step with an ordinary hop: what can be held after that many.
   void measureArrivals() {
-    VersionSet held(space_, coexistence_);
+    VersionSet held(layout_);
     for (std::uint32_t level = 0;; ++level) {
       VersionSet grown = held;
       if (level == 0) {
@@ -188,7 +208,7 @@ class OutlookComputation {
     return anyStruck;
   }
 
-  bool isLonely(VersionIndex version, VersionSet& grown) const {
+  bool isLonely(VersionIndex version, const VersionSet& grown) const {
     const auto& neighbours = coexistence_.neighbours(space_.versions[version].name);
     for (std::size_t i = 0; i < neighbours.size(); ++i) {
       const VersionBits* row = coexistence_.row(version, i);
@@ -202,42 +222,60 @@ class OutlookComputation {
   }
 
   void measureRetreats(const SearchSpace::Name& name) {
-    std::vector<VersionIndex> byDistance;
+    byDistance_.clear();
     for (VersionIndex version = name.first; version < name.end; ++version) {
-      if (distances_[version] != unreached) byDistance.push_back(version);
+      if (distances_[version] != unreached) byDistance_.push_back(version);
     }
-    std::sort(byDistance.begin(), byDistance.end(), [this](VersionIndex left, VersionIndex right) {
-      return distances_[left] < distances_[right];
-    });
-    for (const VersionIndex version : byDistance) {
+    std::sort(byDistance_.begin(), byDistance_.end(),
+              [this](VersionIndex left, VersionIndex right) {
+                return distances_[left] < distances_[right];
+              });
+    for (const VersionIndex version : byDistance_) {
       for (const SearchSpace::Move& move : space_.versions[version].moves) {
         const std::uint64_t weight = hopWeight(move.expensive);
         if (distances_[move.target] == distances_[version] + weight) {
-          offerRetreat(move.target, weight, outlooks_[version].retreat);
+          offerRetreat(move.target, weight, version);
         }
       }
     }
   }
 
-  void offerRetreat(VersionIndex version, std::uint64_t weight,
-                    const std::vector<std::uint64_t>& rest) {
-    std::vector<std::uint64_t> offered{weight};
-    offered.insert(offered.end(), rest.begin(), rest.end());
-    std::vector<std::uint64_t>& best = outlooks_[version].retreat;
-    if (best < offered) best = std::move(offered);
+  void offerRetreat(VersionIndex version, std::uint64_t hop, VersionIndex to) {
+    Outlook& outlook = outlooks_[version];
+    const bool isHeavier = hop != outlook.retreatHop
+                               ? hop > outlook.retreatHop
+                               : hasHeavierRetreat(outlooks_, to, outlook.retreatTo);
+    if (!isHeavier) return;
+    outlook.retreatHop = hop;
+    outlook.retreatTo = to;
+    outlook.retreatLength = outlooks_[to].retreatLength + 1;
   }
 
   const SearchSpace& space_;
   const Coexistence& coexistence_;
-  std::vector<Outlook> outlooks_;
+  Outlooks outlooks_;
   std::vector<std::uint64_t> distances_;
+  const SetLayout layout_;
   VersionSet starts_;
+
+  // Kept for their memory.
+  std::vector<Waiting> waiting_;
+  std::vector<VersionIndex> byDistance_;
 };
 
 }  // namespace
 
-std::vector<Outlook> computeOutlooks(const SearchSpace& space, const Coexistence& coexistence,
-                                     const std::vector<VersionSelection>& sources) {
+bool hasHeavierRetreat(const Outlooks& outlooks, VersionIndex left, VersionIndex right) {
+  while (outlooks[left].retreatHop == outlooks[right].retreatHop) {
+    if (outlooks[left].retreatHop == 0) return false;
+    left = outlooks[left].retreatTo;
+    right = outlooks[right].retreatTo;
+  }
+  return outlooks[left].retreatHop > outlooks[right].retreatHop;
+}
+
+Outlooks computeOutlooks(const SearchSpace& space, const Coexistence& coexistence,
+                         const std::vector<VersionSelection>& sources) {
   return OutlookComputation(space, coexistence, sources).run();
 }
 

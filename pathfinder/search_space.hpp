@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -43,7 +44,7 @@ struct SearchSpace {
     const std::vector<std::shared_ptr<LinkedMetamodel>>* linked = nullptr;
     VariantIndex firstVariant = 0;  ///< its linked metamodels are variants from here on, in order
     std::vector<Hop> hops;          ///< those that do not go against the direction, in order
-    std::vector<Move> moves;        ///< those of the hops that lead to a version of the space
+    std::span<const Move> moves;    ///< those of the hops that lead to a version of the space
     bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
     bool isEntry = false;   ///< whether a link can bring this version in
   };
@@ -55,8 +56,8 @@ struct SearchSpace {
   };
 
   struct Variant {
-    VersionIndex version = none;  ///< `none` when that version is not in the space
-    std::vector<Link> closure;    ///< itself and all that it links, by ascending name
+    VersionIndex version = none;    ///< `none` when that version is not in the space
+    std::span<const Link> closure;  ///< itself and all that it links, by ascending name
   };
 
   struct Name {
@@ -76,7 +77,11 @@ struct SearchSpace {
   std::vector<Version> versions;
   std::vector<Variant> variants;
   std::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf;
-  std::deque<Metamodel> descriptors;  ///< what versions point to
+
+  // What versions and variants point to.
+  std::deque<Metamodel> descriptors;
+  std::vector<Move> moves;
+  std::vector<Link> links;
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -39,13 +39,51 @@ struct Draft {
   VersionIndex index = SearchSpace::none;
 };
 
+/// Versions of one name by their version numbers: scanned while they are few, hashed when they are
+/// many.
+template <class Value>
+class ByVersion {
+ public:
+  /// Calls `isWanted(value)` for the values under a version until it returns true; null when none
+  /// does.
+  template <class IsWanted>
+  Value* find(const VersionId& version, const IsWanted& isWanted) {
+    if (values_.size() <= fewValues) {
+      for (auto& [key, value] : values_) {
+        if (key == version && isWanted(value)) return &value;
+      }
+      return nullptr;
+    }
+    const auto [begin, end] = places_.equal_range(version);
+    for (auto place = begin; place != end; ++place) {
+      Value& value = values_[place->second].second;
+      if (isWanted(value)) return &value;
+    }
+    return nullptr;
+  }
+
+  void add(const VersionId& version, Value value) {
+    values_.emplace_back(version, value);
+    if (values_.size() <= fewValues) return;
+    for (std::size_t i = places_.size(); i < values_.size(); ++i)
+      places_.emplace(values_[i].first, i);
+  }
+
+ private:
+  static constexpr std::size_t fewValues = 8;
+
+  std::vector<std::pair<VersionId, Value>> values_;
+  std::unordered_multimap<VersionId, std::size_t, VersionIdHash>
+      places_;  // filled once they are many
+};
+
 struct DraftName {
   std::u16string text;
   std::size_t sources = 0;                // that hold the name
   std::vector<const Metamodel*> targets;  // what the targets hold under the name
   std::vector<Draft*> versions;           // in the order in which they were met
-  std::unordered_map<VersionId, Draft*, VersionIdHash> answers;  // of getMetamodel; null: none
-  std::unordered_multimap<VersionId, Draft*, VersionIdHash> byVersion;
+  ByVersion<Draft*> answers;              // of getMetamodel; null: none
+  ByVersion<Draft*> byVersion;            // of descriptors
   NameIndex index = SearchSpace::none;
 };
 
@@ -77,15 +115,14 @@ class SpaceSurvey {
   /// The version of this very descriptor, which is kept if it is new.
   template <class Descriptor>
   Draft& draftOf(DraftName& name, Descriptor&& descriptor) {
-    const auto [begin, end] = name.byVersion.equal_range(descriptor.version);
-    for (auto known = begin; known != end; ++known) {
-      if (*known->second->descriptor == descriptor) return *known->second;
-    }
+    Draft** known = name.byVersion.find(
+        descriptor.version, [&](const Draft* draft) { return *draft->descriptor == descriptor; });
+    if (known != nullptr) return **known;
     space_.descriptors.push_back(std::forward<Descriptor>(descriptor));
     Draft& draft = drafts_.emplace_back();
     draft.name = &name;
     draft.descriptor = &space_.descriptors.back();
-    name.byVersion.emplace(draft.descriptor->version, &draft);
+    name.byVersion.add(draft.descriptor->version, &draft);
     return draft;
   }
 
@@ -141,15 +178,19 @@ class SpaceSurvey {
 
   /// The version that a hop of this name leads to; null when the application has none.
   Draft* lookUp(DraftName& name, const VersionId& version) {
-    const auto [answer, isNew] = name.answers.try_emplace(version, nullptr);
-    if (!isNew) return answer->second;
+    Draft** answer = name.answers.find(version, [](const Draft*) { return true; });
+    if (answer != nullptr) return *answer;
+    Draft* draft = ask(name, version);
+    name.answers.add(version, draft);
+    return draft;
+  }
+
+  Draft* ask(DraftName& name, const VersionId& version) {
     std::optional<Metamodel> found = question_.repository.getMetamodel(name.text, version);
     if (!found) return nullptr;
-    if (found->name != name.text) {
-      misnamed_ = true;
-      return nullptr;
-    }
-    return answer->second = &draftOf(name, *std::move(found));
+    if (found->name == name.text) return &draftOf(name, *std::move(found));
+    misnamed_ = true;
+    return nullptr;
   }
 
   void dropHopsAgainstDirection(Draft& draft) {
@@ -246,8 +287,8 @@ class SpaceSurvey {
       return left->text < right->text;
     });
     for (DraftName* name : ordered) addName(*name);
-    for (Draft& draft : drafts_) addMoves(draft);
-    for (const Draft& draft : drafts_) addClosures(draft);
+    addMoves();
+    addClosures();
     return std::move(space_);
   }
 
@@ -284,28 +325,44 @@ class SpaceSurvey {
     return index;
   }
 
-  void addMoves(Draft& draft) {
-    if (draft.index == SearchSpace::none) return;
-    SearchSpace::Version& version = space_.versions[draft.index];
-    for (const auto& [place, target] : draft.targets) {
-      if (target->index == SearchSpace::none) continue;
-      version.moves.push_back({target->index, version.hops[place].expensive, place});
+  void addMoves() {
+    std::size_t count = 0;
+    for (const Draft& draft : drafts_) count += draft.targets.size();
+    space_.moves.reserve(count);  // versions point into it
+    for (const Draft& draft : drafts_) {
+      if (draft.index == SearchSpace::none) continue;
+      SearchSpace::Version& version = space_.versions[draft.index];
+      const std::size_t first = space_.moves.size();
+      for (const auto& [place, target] : draft.targets) {
+        if (target->index == SearchSpace::none) continue;
+        space_.moves.push_back({target->index, version.hops[place].expensive, place});
+      }
+      version.moves = std::span(space_.moves).subspan(first);
     }
   }
 
-  void addClosures(const Draft& draft) {
-    if (draft.index == SearchSpace::none) return;
-    VariantIndex variant = space_.versions[draft.index].firstVariant;
-    for (const auto& linked : *draft.linked) {
-      std::vector<SearchSpace::Link> closure;
-      closure.reserve(linked->linkedMetamodels.size() + 1);
-      closure.push_back({draft.name->index, variant});
-      for (const auto& [text, link] : linked->linkedMetamodels)
-        closure.push_back(linkTo(text, link.get()));
-      std::sort(closure.begin(), closure.end(),
-                [](const auto& left, const auto& right) { return left.name < right.name; });
-      space_.variants[variant++].closure = std::move(closure);
+  void addClosures() {
+    std::size_t count = 0;
+    for (const auto& [linked, variant] : space_.variantOf)
+      count += linked->linkedMetamodels.size() + 1;
+    space_.links.reserve(count);  // variants point into it
+    for (const Draft& draft : drafts_) {
+      if (draft.index == SearchSpace::none) continue;
+      VariantIndex variant = space_.versions[draft.index].firstVariant;
+      for (const auto& linked : *draft.linked) addClosure(variant++, *linked);
     }
+  }
+
+  void addClosure(VariantIndex variant, const LinkedMetamodel& linked) {
+    const std::size_t first = space_.links.size();
+    space_.links.push_back({space_.versions[space_.variants[variant].version].name, variant});
+    for (const auto& [text, link] : linked.linkedMetamodels) {
+      space_.links.push_back(linkTo(text, link.get()));
+    }
+    const auto closure = std::span(space_.links).subspan(first);
+    std::sort(closure.begin(), closure.end(),
+              [](const auto& left, const auto& right) { return left.name < right.name; });
+    space_.variants[variant].closure = closure;
   }
 
   SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {

@@ -1,6 +1,7 @@
 #include "pathfinder/step_formation.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "pathfinder/step_weight.hpp"
@@ -27,16 +28,16 @@ void StepFormation::addOption(const Option& option) {
   if (!outlook.arrives) return;
   candidates_.push_back({option, option.hop + outlook.distance, &outlook});
   hasExpensiveHop_ |= option.hop == hopWeight(true);
-  retreatLength_ = std::max(retreatLength_, outlook.retreat.size());
+  retreatLength_ = std::max<std::size_t>(retreatLength_, outlook.retreatLength);
 }
 
 void StepFormation::endName() {
   const std::size_t first = names_.empty() ? 0 : names_.back().end;
   std::sort(candidates_.begin() + static_cast<std::ptrdiff_t>(first), candidates_.end(),
-            [](const Candidate& left, const Candidate& right) {
+            [this](const Candidate& left, const Candidate& right) {
               if (left.least != right.least) return left.least < right.least;
               if (left.option.hop != right.option.hop) return left.option.hop > right.option.hop;
-              return left.outlook->retreat > right.outlook->retreat;
+              return hasHeavierRetreat(ground_.outlooks, left.option.before, right.option.before);
             });
   names_.push_back({first, candidates_.size()});
   openWords_ = (candidates_.size() + 63) / 64;
@@ -71,8 +72,8 @@ void StepFormation::count(Partial& partial, const Row& row) const {
     }
     sum.least += candidate->least;
     sum.hops += candidate->option.hop;
-    for (const std::uint64_t weight : candidate->outlook->retreat)
-      partial.words[retreats++] += weight;
+    visitRetreat(ground_.outlooks, candidate->option.before,
+                 [&](std::uint64_t weight) { partial.words[retreats++] += weight; });
   };
   add(partial.resting, restingRetreats(), false);
   add(partial.moving, movingRetreats(), true);
@@ -90,8 +91,8 @@ void StepFormation::discount(Partial& partial, const Row& row) const {
     }
     sum.least -= candidate->least;
     sum.hops -= candidate->option.hop;
-    for (const std::uint64_t weight : candidate->outlook->retreat)
-      partial.words[retreats++] -= weight;
+    visitRetreat(ground_.outlooks, candidate->option.before,
+                 [&](std::uint64_t weight) { partial.words[retreats++] -= weight; });
   };
   subtract(partial.resting, restingRetreats(), false);
   subtract(partial.moving, movingRetreats(), true);
@@ -157,7 +158,8 @@ bool StepFormation::decide(Partial& partial, std::size_t candidate) const {
   }
   if (steps > partial.steps) {
     partial.steps = steps;
-    recount(partial);
+    partial.isRough = true;
+    if (!isStep_ || hasExpensiveHop_) refine(partial);
   }
   return true;
 }
@@ -186,7 +188,18 @@ void StepFormation::setBound(PlanBound& bound, const Sum& sum, const std::uint64
   }
 }
 
+void StepFormation::refine(Partial& partial) const {
+  recount(partial);
+  partial.isRough = false;
+}
+
 bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
+  if (partial.isRough) {
+    // Without any hop in this step; with one, the total is greater by one.
+    bound.total = partial.leastEver + partial.steps;
+    bound.weights = {0, std::numeric_limits<std::uint64_t>::max()};
+    return true;
+  }
   const Sum& sum = isStep_ ? partial.moving : partial.resting;
   // More steps before could only help if the cheapest options of all were not among the usable. A
   // step without an ordinary hop could only be the heavier one by its expensive hops.
@@ -194,10 +207,11 @@ bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
     return findBoundByTrial(partial, bound);
   }
   const std::size_t retreats = isStep_ ? movingRetreats() : restingRetreats();
-  setBound(bound, sum, &partial.words[retreats], partial.steps, isStep_);
+  setBound(bound, sum, partial.words.data() + retreats, partial.steps, isStep_);
   if (!isStep_ || partial.resting.unmet > 0) return true;
   PlanBound resting;
-  setBound(resting, partial.resting, &partial.words[restingRetreats()], partial.steps, false);
+  setBound(resting, partial.resting, partial.words.data() + restingRetreats(), partial.steps,
+           false);
   if (isBetter(resting, bound)) bound = std::move(resting);
   return true;
 }
@@ -234,8 +248,9 @@ bool StepFormation::sumUp(const Partial& partial, std::uint32_t steps, bool with
     if (candidate == nullptr) return false;
     sum.least += candidate->least;
     sum.hops += candidate->option.hop;
-    const WeightSequence& retreat = candidate->outlook->retreat;
-    for (std::size_t i = 0; i < retreat.size(); ++i) retreats[i] += retreat[i];
+    std::size_t i = 0;
+    visitRetreat(ground_.outlooks, candidate->option.before,
+                 [&](std::uint64_t weight) { retreats[i++] += weight; });
   }
   return true;
 }

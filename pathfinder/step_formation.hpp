@@ -51,6 +51,10 @@ class StepFormation {
   struct Partial {
     NameIndex next = 0;
 
+    /// Whether the sums below are out of date. The bound of such a step is good enough to put it in
+    /// its place among others; most of them are never looked at again.
+    bool isRough = false;
+
     // Kept up to date so that a bound need not look at every name again.
     std::uint32_t steps =
         0;  ///< with an ordinary hop, before this one: the fewest that every name needs
@@ -67,7 +71,7 @@ class StepFormation {
   struct Ground {
     const SearchSpace& space;
     const Coexistence& coexistence;
-    const std::vector<Outlook>& outlooks;
+    const Outlooks& outlooks;
   };
 
   /// Without names yet. `isStep` is false for the formation of a last selection.
@@ -105,6 +109,9 @@ class StepFormation {
   /// that total; false when a name has no option that leads back to a source. `bound` is
   /// overwritten.
   bool findBound(const Partial& partial, PlanBound& bound) const;
+
+  /// Brings a rough step's sums up to date, so that its bound is as good as can be.
+  void refine(Partial& partial) const;
 
   /// The option of each name of a complete step.
   std::vector<Option> chosen(const Partial& partial) const;

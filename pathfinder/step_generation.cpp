@@ -31,31 +31,29 @@ LockstepHop decodeCombination(std::uint64_t index, const HopChoices& choices) {
 }  // namespace
 
 StepGeneration::StepGeneration(VersionRepository& repository, const VersionBaseline& from,
-                               VersionRepository::Direction direction)
+                               VersionRepository::Direction direction, std::uint64_t budget)
     : repository_(repository), from_(from) {
   trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from_; });
   choices_.byName.reserve(from_.metamodels.size());
   for (const auto* entry : inNameOrder(from_.metamodels)) {
     collectHops(repository_, direction, entry->first, *entry->second, choices_);
-  }
-}
-
-std::uint64_t StepGeneration::combinationCount() const {
-  std::uint64_t permutations = 1;
-  for (const MetamodelHops& choice : choices_.byName) {
-    if (__builtin_mul_overflow(permutations, choice.hops.size() + 1, &permutations)) {
-      return std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t radix = choices_.byName.back().hops.size() + 1;
+    if (__builtin_mul_overflow(permutations_, radix, &permutations_)) {
+      permutations_ = std::numeric_limits<std::uint64_t>::max();
     }
+    if (combinationCount() > budget) return;
   }
-  return permutations - 1;
 }
 
-std::vector<BaselineHop> StepGeneration::run() {
-  steps_.reserve(permutationCount());
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-    out << "count of possible hop permutations=" << permutationCount();
-  });
-  for (std::uint64_t index = 1; index < permutationCount(); ++index) {
+std::vector<BaselineHop> StepGeneration::runReserved() {
+  steps_.reserve(choices_.permutationCount);
+  return tryAll(choices_.permutationCount);
+}
+
+std::vector<BaselineHop> StepGeneration::tryAll(std::uint64_t permutations) {
+  trace(TraceLevel::Reasoning,
+        [&](std::ostream& out) { out << "count of possible hop permutations=" << permutations; });
+  for (std::uint64_t index = 1; index < permutations; ++index) {
     attempt(decodeCombination(index, choices_));
   }
   trace(TraceLevel::Reasoning, [&](std::ostream& out) {

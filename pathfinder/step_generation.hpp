@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "pathfinder/hop_collection.hpp"
@@ -8,29 +9,36 @@
 
 namespace tarn::evolution::pathfinder {
 
+/// No limit on the number of combinations.
+inline constexpr std::uint64_t unlimitedBudget = std::numeric_limits<std::uint64_t>::max();
+
 /// The steps that leave one baseline in a direction: `VersionRepository::getStepsFrom` in two
 /// halves, so that a search can look at the number of combinations before it tries them.
 class StepGeneration {
  public:
-  /// Asks for the hops.
+  /// Asks for the hops of one metamodel after the other, until there are more combinations than
+  /// `budget` admits.
   StepGeneration(VersionRepository& repository, const VersionBaseline& from,
-                 VersionRepository::Direction direction);
-
-  /// In how many ways each metamodel can take one of its hops or none; wraps at 64 bits.
-  std::uint64_t permutationCount() const { return choices_.permutationCount; }
+                 VersionRepository::Direction direction, std::uint64_t budget = unlimitedBudget);
 
   /// How many combinations there are to try; the largest number when there are more.
-  std::uint64_t combinationCount() const;
+  std::uint64_t combinationCount() const { return permutations_ - 1; }
 
-  /// Tries every combination. Room for as many steps as there are permutations is reserved first.
-  std::vector<BaselineHop> run();
+  /// Tries every combination. Only for a count within the budget.
+  std::vector<BaselineHop> run() { return tryAll(permutations_); }
+
+  /// The same, but the number of permutations is taken modulo 2^64, and room for as many steps is
+  /// reserved first: throws std::length_error when that is beyond any list.
+  std::vector<BaselineHop> runReserved();
 
  private:
+  std::vector<BaselineHop> tryAll(std::uint64_t permutations);
   void attempt(const LockstepHop& combination);
 
   VersionRepository& repository_;
   const VersionBaseline& from_;
   HopChoices choices_;
+  std::uint64_t permutations_ = 1;  // as in choices_, but stopping at the largest number
   std::vector<BaselineHop> steps_;
 };
 

@@ -110,7 +110,7 @@ void VersionRepository::invalidatePathfindingCache() {
 
 std::vector<BaselineHop> VersionRepository::getStepsFrom(const VersionBaseline& from,
                                                          Direction direction) {
-  return StepGeneration(*this, from, direction).run();
+  return StepGeneration(*this, from, direction).runReserved();
 }
 
 std::vector<VersionBaseline> VersionRepository::createTargetBaseline(
