@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <boost/exception/get_error_info.hpp>
 #include <cerrno>
+#include <memory>
 #include <mutex>
-#include <shared_mutex>
 #include <system_error>
 
+#include "messages/report_exception.hpp"
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
 #include "pathfinder/reader_writer_lock.hpp"
@@ -15,47 +18,38 @@
 namespace test {
 namespace {
 
-using Selection = std::unordered_map<std::u16string, VersionId>;
+using namespace foundation::core::except;
+using Conflict = Exception<tarn_evo::messages::ConflictingDependencies, std::exception, void>;
+using Unknown = Exception<tarn_evo::messages::InvalidFamilyVersion, std::exception, void>;
+using tarn::evolution::diagnostics::ScopedEvent;
+using tarn::evolution::diagnostics::trace;
+using tarn::evolution::diagnostics::TraceLevel;
+using Lines = std::vector<std::string>;
 
-/// A question whose search meets every callback: text versions, links, several steps.
-class CallbackFailures : public testing::Test {
- protected:
-  static std::unique_ptr<TestRepository> makeRepository() {
-    auto repository = std::make_unique<TestRepository>();
-    repository->add(u"A", u"first");
-    repository->addEquivalent(u"A", u"first", v(1));
-    repository->add(u"A", v(2));
-    repository->add(u"A", v(3));
-    repository->addHop(u"A", u"first", v(2));
-    repository->addHop(u"A", v(2), v(3));
-    repository->add(u"B", v(1), {{u"A", between(1, 3)}});
-    repository->add(u"B", v(2), {{u"A", between(3, 4)}});
-    repository->addHop(u"B", v(1), v(2));
-    return repository;
-  }
-
-  static std::optional<std::vector<BaselineHop>> ask(TestRepository& repository) {
-    return repository.findPath(Selection{{u"A", u"first"}, {u"B", v(1)}}, Selection{{u"B", v(2)}});
-  }
-};
-
-TEST_F(CallbackFailures, ReachTheCallerAndLeaveTheRepositoryWhole) {
-  const auto fresh = makeRepository();
-  const std::string expected = describe(ask(*fresh));
-  const std::size_t calls = fresh->calls.size();
-  ASSERT_GT(calls, 30U);
+TEST(CallbackFailures, ReachTheCallerAndLeaveTheRepositoryWhole) {
+  // The search meets every callback: text versions, links, several steps.
+  const std::string catalogue = "Afirst~1 A2 A3 Afirst>2 A2>3 B1:A[1,3) B2:A[3,4) B1>2";
+  const auto ask = [](TestRepository& repository) {
+    return describe(repository.findPath(selection("Afirst B1"), selection("B2")));
+  };
+  TestRepository fresh(catalogue);
+  const std::string expected = ask(fresh);
+  EXPECT_EQ(expected, "Afirst>2 => A2 B1\nA2>3 B1>2 => A3 B2\n");
   for (const char* operation :
        {"getEquivalentSemVer", "getMetamodel", "findMetamodels", "findHops", "loadMetamodel"}) {
-    EXPECT_FALSE(fresh->callsOf(operation).empty()) << operation;
+    EXPECT_NE(fresh.callsOf(operation), "") << operation;
   }
-  for (std::size_t k = 1; k <= calls; ++k) {
-    SCOPED_TRACE("call " + std::to_string(k) + ": " + fresh->calls[k - 1]);
-    const auto repository = makeRepository();
-    repository->failAtCall = k;
-    EXPECT_THROW(ask(*repository), CallbackFailure);
-    TraceCapture trace(4);
-    EXPECT_EQ(describe(ask(*repository)), expected);
-    for (const std::string& record : trace.take()) EXPECT_NE(record, "4 Found Path in cache");
+  for (const std::string& call : fresh.calls) {
+    const auto k = &call - fresh.calls.data() + 1;
+    SCOPED_TRACE("call " + std::to_string(k) + ": " + call);
+    TestRepository repository(catalogue);
+    auto left = k;
+    repository.onCall = [&left](const std::string&) {
+      if (--left == 0) throw CallbackFailure();
+    };
+    EXPECT_THROW(ask(repository), CallbackFailure);
+    const Lines records = traceOf(4, [&] { EXPECT_EQ(ask(repository), expected); });
+    EXPECT_EQ(std::count(records.begin(), records.end(), "4 Found Path in cache"), 0);
   }
 }
 
@@ -64,141 +58,125 @@ class EventLog : public instrument::in_memory::Listener {
   void started(const instrument::Handle& handle, instrument::EventId event,
                instrument::TimePoint /*time*/) override {
     events.push_back("start " + handle.name());
-    open.push_back(event);
+    last = event;
   }
   void stopped(const instrument::Handle& handle, instrument::EventId event,
                instrument::TimePoint /*time*/) noexcept override {
-    events.push_back("stop " + handle.name());
-    std::erase(open, event);
+    events.push_back((event == last ? "stop " : "stop another ") + handle.name());
   }
 
-  std::vector<std::string> events;
-  std::vector<instrument::EventId> open;
+  Lines events;
+  instrument::EventId last{};
 };
 
-class Instrumentation : public testing::Test {
- protected:
-  Instrumentation() { instrument::in_memory::addListener(log); }
-  ~Instrumentation() override { instrument::in_memory::removeListener(log); }
-
-  const std::shared_ptr<EventLog> log = std::make_shared<EventLog>();
-  const std::vector<std::string> startAndStop{"start VersionRepository::findPath",
-                                              "stop VersionRepository::findPath"};
-};
-
-TEST_F(Instrumentation, EventIsStoppedOnEveryWayOut) {
-  TestRepository repository;
-  repository.addLine(u"A", 3);
-  const VersionBaseline from = repository.baseline({{u"A", v(1)}});
-  const VersionBaseline to = repository.baseline({{u"A", v(3)}});
-  repository.failAtCall = 1;
-  EXPECT_THROW(repository.findPath(from, to), CallbackFailure);
-  EXPECT_EQ(log->events, startAndStop);
-  for (const auto& [target, what] : {std::pair(to, "search"), std::pair(to, "cache hit")}) {
+TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
+  const auto log = std::make_shared<EventLog>();
+  instrument::in_memory::addListener(log);
+  const auto eventsOf = [&](const std::function<void()>& action) {
     log->events.clear();
-    repository.findPath(from, target);
-    EXPECT_EQ(log->events, startAndStop) << what;
-  }
-  log->events.clear();
-  repository.findPath(from, from);
-  EXPECT_TRUE(log->events.empty()) << "nothing to do: the core is not reached";
-  EXPECT_TRUE(log->open.empty());
-}
-
-TEST_F(Instrumentation, DisabledHandleStartsNoEvent) {
-  instrument::Handle& handle = instrument::controls.getHandle("test event");
-  handle.enable(false);
-  { const tarn::evolution::diagnostics::ScopedEvent event(handle); }
-  EXPECT_TRUE(log->events.empty());
-  handle.enable(true);
-  {
-    const tarn::evolution::diagnostics::ScopedEvent event(handle);
-    handle.enable(false);
-  }
-  EXPECT_EQ(log->events, std::vector<std::string>{"start test event"}) << "disabled while it ran";
-}
-
-TEST(Trace, FormsNoTextWhenTheLevelIsOff) {
-  using tarn::evolution::diagnostics::trace;
-  using tarn::evolution::diagnostics::TraceLevel;
-  const auto mustNotRun = [](std::ostream&) { FAIL() << "text was formed"; };
-  trace(TraceLevel::Reasoning, mustNotRun);
-  TraceCapture capture(8);
-  trace(TraceLevel::Reasoning, mustNotRun);
-  trace(TraceLevel::CacheStore, [](std::ostream& out) { out << "stored"; });
-  EXPECT_EQ(capture.take(), std::vector<std::string>{"8 stored"});
-}
-
-TEST(Trace, DropsARecordWhoseTextThrows) {
-  using tarn::evolution::diagnostics::trace;
-  using tarn::evolution::diagnostics::TraceLevel;
-  TraceCapture capture(4);
-  EXPECT_THROW(trace(TraceLevel::Reasoning,
-                     [](std::ostream& out) {
-                       out << "half a record";
-                       throw CallbackFailure();
-                     }),
-               CallbackFailure);
-  // While another exception is on its way, a record that forms without a new one is written.
-  struct TracingDestructor {
-    ~TracingDestructor() {
-      trace(TraceLevel::Reasoning, [](std::ostream& out) { out << "unwinding"; });
-    }
+    action();
+    return log->events;
   };
-  try {
-    const TracingDestructor tracing;
-    throw CallbackFailure();
-  } catch (const CallbackFailure&) {
-  }
-  EXPECT_EQ(capture.take(), std::vector<std::string>{"4 unwinding"});
+  const Lines startAndStop{"start VersionRepository::findPath", "stop VersionRepository::findPath"};
+  TestRepository repository("A1..3");
+  const VersionBaseline a1 = repository.baseline("A1");
+  const auto search = [&] { repository.path("A1", "A3"); };
+  repository.onCall = [](const std::string& call) {
+    if (call.starts_with("findHops")) throw CallbackFailure();
+  };
+  EXPECT_EQ(eventsOf([&] { EXPECT_THROW(search(), CallbackFailure); }), startAndStop);
+  repository.onCall = nullptr;
+  EXPECT_EQ(eventsOf(search), startAndStop);
+  EXPECT_EQ(eventsOf(search), startAndStop) << "answered from the cache";
+  EXPECT_EQ(eventsOf([&] { repository.findPath(a1, a1); }), Lines()) << "nothing to do";
+
+  instrument::Handle& handle = instrument::controls.getHandle("test");
+  const auto disableWhileItRuns = [&] {
+    const ScopedEvent event(handle);
+    handle.enable(false);
+  };
+  EXPECT_EQ(eventsOf(disableWhileItRuns), Lines{"start test"});
+  EXPECT_EQ(eventsOf(disableWhileItRuns), Lines()) << "disabled before";
+  instrument::in_memory::removeListener(log);
 }
 
-/// Lock calls that fail as told before they succeed.
-struct FailingCalls {
-  static inline int readersTooMany = 0;
-  static inline int error = 0;
-  static inline int locked = 0;
+TEST(Trace, FormsNoTextWhenTheLevelIsOffAndDropsARecordWhoseTextThrows) {
+  const auto mustNotRun = [](std::ostream&) { FAIL() << "text was formed"; };
+  const auto failing = [](std::ostream& out) {
+    out << "half a record";
+    throw CallbackFailure();
+  };
+  trace(TraceLevel::Reasoning, mustNotRun);
+  const Lines records = traceOf(8, [&] {
+    trace(TraceLevel::Reasoning, mustNotRun);
+    EXPECT_THROW(trace(TraceLevel::CacheStore, failing), CallbackFailure);
+    trace(TraceLevel::CacheStore, [](std::ostream& out) { out << "stored"; });
+  });
+  EXPECT_EQ(records, Lines{"8 stored"});
+}
 
-  static int lockShared(pthread_rwlock_t* /*lock*/) {
-    if (readersTooMany > 0) return --readersTooMany, EAGAIN;
-    return lockExclusive(nullptr);
-  }
+/// Lock calls that fail as told, and then succeed.
+struct FailingCalls {
+  static inline std::vector<int> errors;  // of the calls to come, the last one first
+
   static int lockExclusive(pthread_rwlock_t* /*lock*/) {
-    if (error == 0) ++locked;
+    if (errors.empty()) return 0;
+    const int error = errors.back();
+    errors.pop_back();
     return error;
   }
-  static void unlock(pthread_rwlock_t* /*lock*/) { --locked; }
+  static int lockShared(pthread_rwlock_t* lock) { return lockExclusive(lock); }
+  static void unlock(pthread_rwlock_t* /*lock*/) {}
 };
 
 TEST(ReaderWriterLock, WaitsOutTooManyReadersAndReportsDeadlock) {
-  using tarn::evolution::pathfinder::ReaderWriterLock;
   ReaderWriterLock<FailingCalls> lock;
-  FailingCalls::readersTooMany = 3;
-  {
-    const std::shared_lock shared(lock);
-    EXPECT_EQ(FailingCalls::readersTooMany, 0);
-    EXPECT_EQ(FailingCalls::locked, 1);
+  FailingCalls::errors = {EAGAIN, EAGAIN};
+  EXPECT_NO_THROW(lock.lock_shared());
+  EXPECT_TRUE(FailingCalls::errors.empty());
+  FailingCalls::errors = {EDEADLK, EDEADLK, EAGAIN};
+  EXPECT_THROW(lock.lock_shared(), std::system_error);
+  try {
+    lock.lock();
+    FAIL() << "no exception";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
   }
-  FailingCalls::error = EDEADLK;
-  const auto codeOf = [](const auto& acquire) {
-    try {
-      acquire();
-    } catch (const std::system_error& error) {
-      return error.code();
-    }
-    return std::error_code();
-  };
-  EXPECT_EQ(codeOf([&] { const std::shared_lock held(lock); }),
-            std::errc::resource_deadlock_would_occur);
-  EXPECT_EQ(codeOf([&] { const std::unique_lock held(lock); }),
-            std::errc::resource_deadlock_would_occur);
-  EXPECT_EQ(FailingCalls::locked, 0);
+  ReaderWriterLock<> real;
+  const std::unique_lock held(real);
+  EXPECT_THROW(real.lock_shared(), std::system_error);
 }
 
-TEST(ReaderWriterLock, RealDeadlockIsReported) {
-  tarn::evolution::pathfinder::ReaderWriterLock<> lock;
-  const std::unique_lock held(lock);
-  EXPECT_THROW(lock.lock_shared(), std::system_error);
+TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {
+  const tarn_evo::messages::ConflictingDependencies message;
+  EXPECT_EQ(message.catalogue, "tarn_evo:messages");
+  EXPECT_EQ(message.key, "ConflictingDependencies");
+  EXPECT_TRUE(message.args.empty());
+  EXPECT_NE(std::string(Conflict(message).what()).find("dependencies"), std::string::npos);
+  EXPECT_THROW(tarn::reportException(message), Conflict);
+  EXPECT_THROW(tarn::reportException(message), IMsgIDException);
+  EXPECT_THROW(tarn::reportException(message), std::exception);
+  EXPECT_THROW(tarn::reportException(message), boost::exception);
+}
+
+TEST(Messages, CloneAndRethrowKeepTypeAndContent) {
+  const Unknown original(
+      tarn_evo::messages::InvalidFamilyVersion(std::u16string(u"Fr\u00fchling %1"), u"\u00c4"));
+  const std::unique_ptr<IException> copy(original.clone());
+  try {
+    copy->rethrow();
+    FAIL() << "no exception";
+  } catch (const Unknown& caught) {
+    EXPECT_NE(&caught, copy.get());
+    EXPECT_EQ(caught.GetBaseMsgIDObj().args, original.GetBaseMsgIDObj().args);
+    EXPECT_EQ(caught.GetID(), "tarn_evo:messages/InvalidFamilyVersion");
+    EXPECT_STREQ(caught.what(),
+                 "There is no version Fr\xc3\xbchling %1 of metamodel \"\xc3\x84\".");
+    EXPECT_EQ(caught.GetUnicodeMessageTxt(),
+              u"There is no version Fr\u00fchling %1 of metamodel \"\u00c4\".");
+    EXPECT_EQ(boost::get_error_info<boost::throw_line>(caught), nullptr);
+    EXPECT_EQ(boost::get_error_info<boost::throw_file>(caught), nullptr);
+  }
 }
 
 }  // namespace

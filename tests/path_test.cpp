@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
@@ -7,254 +11,183 @@ namespace test {
 namespace {
 
 using Lines = std::vector<std::string>;
-using Selection = std::unordered_map<std::u16string, VersionId>;
+using Baselines = std::vector<VersionBaseline>;
 
-constexpr auto forward = VersionRepository::Forward;
-constexpr auto backward = VersionRepository::Backward;
-
-bool contains(const Lines& lines, const std::string& line) {
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
+constexpr const char* reached = "4 Reached target";
+constexpr const char* exhausted = "4 Exhausted search";
 
 TEST(Weight, ChargesExpensiveHopsAndOnePerOrdinaryStep) {
-  const TestRepository repository;
-  const auto weight = [&](int ordinary, int expensive) {
-    LockstepHop hops;
-    for (int i = 0; i < ordinary + expensive; ++i) {
-      const std::u16string name(static_cast<std::size_t>(i) + 1, u'x');
-      hops.emplace(name, Hop(name, v(1), v(2), i >= ordinary));
-    }
-    return repository.getWeight(hops);
+  const TestRepository repository("A1>2! B1>2! C1>2! D1>2! E1>2! F1>2 G1>2 H1>2");
+  LockstepHop hops;
+  std::string weights = std::to_string(repository.getWeight(hops));
+  for (const Hop& hop : repository.hops) {
+    hops.emplace(hop.name, hop);
+    weights += " " + std::to_string(repository.getWeight(hops));
+  }
+  EXPECT_EQ(weights,
+            "0 1000000000 2000000000 3000000000 4000000000 5000000000 "
+            "5000000002 5000000003 5000000004");
+}
+
+TEST(FindPath, BetweenSelections) {
+  using std::string;
+  const std::tuple<string, string, string, string> cases[] = {
+      // Lockstep beats single steps, and ordinary hops beat expensive ones. B could move in any of
+      // the steps: the lighter baselines are reached first.
+      {"A1..4 B1..2 A1>4!", "A1 B1", "A4 B2", "A1>2 => A2 B1\nA2>3 => A3 B1\nA3>4 B1>2 => A4 B2\n"},
+      {"A1..2 A3 A2>3!", "A1", "A3", "A1>2 => A2\nA2>3! => A3\n"},
+      // The direction is that between the first baselines: back and up again is no way down.
+      {"A1..3 A3>1", "A3", "A1", "A3>1 => A1\n"},
+      {"A1..3 A3>1", "A3", "A2", "none"},
+      // Selections that cannot be combined.
+      {"B1..2 A1:B2", "A1 B1", "A1 B1", ""},
+      {"B1..2 A1:B2", "A1 B1", "B2", "none"},
+      {"B1..2 A1:B2", "B1", "A1 B1", "none"},
   };
-  EXPECT_EQ(weight(0, 0), 0U);
-  EXPECT_EQ(weight(1, 0), 2U);
-  EXPECT_EQ(weight(2, 0), 3U);
-  EXPECT_EQ(weight(0, 1), 1'000'000'000U);
-  EXPECT_EQ(weight(0, 7), 7'000'000'000U);
-  EXPECT_EQ(weight(3, 2), 2'000'000'004U);
-}
-
-TEST(FindPath, LockstepBeatsSingleStepsAndOrdinaryBeatsExpensive) {
-  TestRepository repository;
-  repository.addLine(u"A", 4);
-  repository.addLine(u"B", 2);
-  repository.addHop(u"A", v(1), v(4), true);
-  EXPECT_EQ(describe(repository.findPath(Selection{{u"A", v(1)}, {u"B", v(1)}},
-                                         Selection{{u"A", v(4)}, {u"B", v(2)}})),
-            "A@1.0.0->2.0.0 => A@2.0.0 B@1.0.0\n"
-            "A@2.0.0->3.0.0 => A@3.0.0 B@1.0.0\n"
-            "A@3.0.0->4.0.0 B@1.0.0->2.0.0 => A@4.0.0 B@2.0.0\n")
-      << "B could move in any of the steps: the lighter baselines are reached first";
-}
-
-TEST(FindPath, TakesTheExpensiveHopWhereNothingElseLeads) {
-  TestRepository repository;
-  repository.addLine(u"A", 2);
-  repository.add(u"A", v(3));
-  repository.addHop(u"A", v(2), v(3), true);
-  EXPECT_EQ(describe(repository.findPath(Selection{{u"A", v(1)}}, Selection{{u"A", v(3)}})),
-            "A@1.0.0->2.0.0 => A@2.0.0\nA@2.0.0->3.0.0! => A@3.0.0\n");
+  for (const auto& [catalogue, from, to, expected] : cases) {
+    TestRepository repository(catalogue);
+    EXPECT_EQ(describe(repository.findPath(selection(from), selection(to))), expected)
+        << catalogue << ": " << from << " to " << to;
+    EXPECT_EQ(repository.calls.empty(), from == to) << "equal selections are not even looked up";
+  }
 }
 
 TEST(FindPath, TellsNothingToDoFromNoPath) {
-  TestRepository repository;
-  repository.addLine(u"A", 2);
-  repository.addLine(u"B", 2);
-  const VersionBaseline a1 = repository.baseline({{u"A", v(1)}});
-  const VersionBaseline b1 = repository.baseline({{u"B", v(1)}});
-  const VersionBaseline a1b1 = repository.baseline({{u"A", v(1)}, {u"B", v(1)}});
-  TraceCapture trace(4);
-  EXPECT_EQ(describe(repository.findPath(a1b1, a1)), "");
-  EXPECT_TRUE(trace.take().empty()) << "answered without a search";
-  EXPECT_EQ(describe(repository.findPath({a1b1}, {a1}, forward)), "");
-  EXPECT_TRUE(contains(trace.take(), "4 Reached target"));
-  EXPECT_EQ(describe(repository.findPath({}, {a1}, forward)), "none");
-  EXPECT_TRUE(contains(trace.take(), "4 Exhausted search"));
-  EXPECT_EQ(describe(repository.findPath({a1}, {}, forward)), "none");
-  EXPECT_EQ(describe(repository.findPath(a1, b1)), "none");
-  EXPECT_EQ(describe(repository.findPath({repository.baseline({{u"A", v(2)}})}, {a1}, forward)),
-            "none");
+  TestRepository repository("A1..2 B1..2");
+  const Baselines a1 = repository.baselines("A1");
+  const Baselines a1b1 = repository.baselines("A1 B1");
+  const Baselines both = repository.baselines("A1 B1, A1");
+  const std::tuple<std::function<std::string()>, std::string, std::string> cases[] = {
+      // Answered without a search: inclusion in the one baseline, equality to one of several.
+      {[&] { return describe(repository.findPath(a1b1[0], a1[0])); }, "", ""},
+      {[&] { return describe(repository.findPath(both, selection("A1"))); }, "", ""},
+      {[&] { return describe(repository.findPath(a1b1, selection("A1"))); }, "", reached},
+      {[&] { return describe(repository.findPath(Baselines(), selection("A1"))); }, "none",
+       exhausted},
+      {[&] { return repository.path("A1 B1", "A1"); }, "", reached},
+      {[&] { return repository.path("", "A1"); }, "none", exhausted},
+      {[&] { return repository.path("A1", ""); }, "none", exhausted},
+      {[&] { return repository.path("A2", "A1"); }, "none", exhausted},
+      {[&] { return repository.path("A1", "B1"); }, "none", exhausted},
+      {[&] { return repository.path("A1 B1", "A2"); }, "A1>2 => A2 B1\n", reached},
+  };
+  for (const auto& [ask, found, lastRecord] : cases) {
+    const Lines records = traceOf(4, [&, &ask = ask, &found = found] { EXPECT_EQ(ask(), found); });
+    EXPECT_EQ(records.empty() ? "" : records.back(), lastRecord);
+  }
 }
 
-TEST(FindPath, SelectionsAreComparedCombinedAndSearched) {
-  TestRepository repository;
-  repository.addLine(u"B", 2);
-  repository.add(u"A", v(1), {{u"B", between(2, 3)}});
-  const Selection torn{{u"A", v(1)}, {u"B", v(1)}};
-  repository.calls.clear();
-  EXPECT_EQ(describe(repository.findPath(torn, torn)), "");
-  EXPECT_TRUE(repository.calls.empty()) << "equal selections are not even looked up";
-  EXPECT_EQ(describe(repository.findPath(torn, Selection{{u"B", v(2)}})), "none");
-  EXPECT_EQ(describe(repository.findPath(Selection{{u"B", v(1)}}, torn)), "none");
-  EXPECT_EQ(describe(repository.findPath(Selection{}, Selection{{u"B", v(2)}})), "none");
-}
-
-TEST(FindPath, BaselinesToSelectionAnswersOnEqualityOnly) {
-  TestRepository repository;
-  repository.addLine(u"A", 2);
-  repository.addLine(u"B", 2);
-  const VersionBaseline a1 = repository.baseline({{u"A", v(1)}});
-  const VersionBaseline a1b1 = repository.baseline({{u"A", v(1)}, {u"B", v(1)}});
-  TraceCapture trace(4);
-  EXPECT_EQ(describe(repository.findPath(std::vector{a1b1, a1}, Selection{{u"A", v(1)}})), "");
-  EXPECT_TRUE(trace.take().empty());
-  EXPECT_EQ(describe(repository.findPath(std::vector{a1b1}, Selection{{u"A", v(1)}})), "");
-  EXPECT_TRUE(contains(trace.take(), "4 Reached target")) << "inclusion is left to the search";
-  EXPECT_EQ(describe(repository.findPath(std::vector{a1b1}, Selection{{u"A", v(2)}})),
-            "A@1.0.0->2.0.0 => A@2.0.0 B@1.0.0\n");
-  EXPECT_EQ(describe(repository.findPath(std::vector<VersionBaseline>(), Selection{{u"A", v(2)}})),
-            "none");
-}
-
-TEST(FindPath, DirectionIsThatBetweenTheFirstBaselines) {
-  TestRepository repository;
-  repository.addLine(u"A", 3);
-  repository.addHop(u"A", v(3), v(1));
-  EXPECT_EQ(describe(repository.findPath(Selection{{u"A", v(3)}}, Selection{{u"A", v(1)}})),
-            "A@3.0.0->1.0.0 => A@1.0.0\n");
-  EXPECT_EQ(describe(repository.findPath(Selection{{u"A", v(3)}}, Selection{{u"A", v(2)}})), "none")
-      << "going back to 1 and up again is no way down";
+TEST(FindPath, SearchLinksTheTargetsOfProcessedBaselinesOnly) {
+  TestRepository repository("A1..5");
+  repository.path("A1", "A3");
+  EXPECT_EQ(repository.callsOf("loadMetamodel"), "A2");
 }
 
 class PathCacheTest : public testing::Test {
  protected:
-  PathCacheTest() {
-    repository.addLine(u"S", 5);
-    for (std::uint64_t number = 5; number > 1; --number) {
-      repository.addHop(u"S", v(number), v(number - 1));
-    }
-    for (std::uint64_t number = 1; number <= 5; ++number) {
-      s.push_back(repository.baseline({{u"S", v(number)}}));
-    }
+  /// Whether a path that is not empty is answered without any call.
+  bool isKept(const std::string& from, const std::string& to) {
+    return !repository.path(from, to).empty() && repository.calls.empty();
   }
 
-  TestRepository repository;
-  std::vector<VersionBaseline> s{VersionBaseline()};  // s[n] holds S at n.0.0
+  TestRepository repository{"S1..5 S5>4 S4>3 S3>2 S2>1 T1..2"};
+  const Baselines linked = repository.baselines("S1, S2, S3, S4, S5");
 };
 
 TEST_F(PathCacheTest, AnswersTheSameQuestionWithoutAnyCall) {
-  const auto found = repository.findPath({s[1]}, {s[3]}, forward);
-  repository.calls.clear();
-  TraceCapture trace(4 | 8);
-  EXPECT_EQ(describe(repository.findPath({s[1]}, {s[3]}, forward)), describe(found));
-  EXPECT_TRUE(repository.calls.empty());
-  EXPECT_EQ(trace.take(), (Lines{"4 Finding path from one of:", "4 Baseline {S@1.0.0}",
-                                 "4 TO one of:", "4 Baseline {S@3.0.0}", "4 End of list",
-                                 "4 Direction is Forward", "4 Found Path in cache",
-                                 "4 Baseline {S@2.0.0}", "4 Baseline {S@3.0.0}"}));
+  EXPECT_FALSE(isKept("S1", "S3"));
+  EXPECT_TRUE(isKept("S1", "S3"));
+  const std::string found = repository.path("S1", "S3");
+  EXPECT_EQ(found, "S1>2 => S2\nS2>3 => S3\n");
+  EXPECT_EQ(repository.path("S1", "S3", backward), found) << "whatever direction is asked";
+  EXPECT_EQ(repository.path("S1", "S2", backward), "none");
   repository.invalidatePathfindingCache();
-  EXPECT_EQ(describe(repository.findPath({s[1]}, {s[3]}, forward)), describe(found));
-  EXPECT_FALSE(repository.calls.empty());
+  EXPECT_FALSE(isKept("S1", "S3"));
 }
 
 TEST_F(PathCacheTest, IsLookedUpBeforeTheTargetTestAndForTheFirstPairInListOrder) {
-  const auto longPath = repository.findPath({s[1]}, {s[5]}, forward);
-  const auto shortPath = repository.findPath({s[4]}, {s[5]}, forward);
-  EXPECT_EQ(describe(repository.findPath({s[5], s[1]}, {s[5]}, forward)), describe(longPath));
-  EXPECT_EQ(describe(repository.findPath({s[1], s[4]}, {s[5]}, forward)), describe(longPath));
-  EXPECT_EQ(describe(repository.findPath({s[4], s[1]}, {s[2], s[5]}, forward)),
-            describe(shortPath));
-  EXPECT_EQ(describe(repository.findPath({s[5], s[2]}, {s[5]}, forward)), "");
+  const std::string longPath = repository.path("S1", "S5");
+  const std::string shortPath = repository.path("S4", "S5");
+  const std::string pathDown = repository.path("S4", "S3", backward);
+  EXPECT_EQ(repository.path("S5, S1", "S5"), longPath);
+  EXPECT_EQ(repository.path("S1, S4", "S5"), longPath);
+  EXPECT_EQ(repository.path("S4, S1", "S2, S5"), shortPath);
+  EXPECT_EQ(repository.path("S4", "S5, S3"), shortPath);
+  EXPECT_EQ(repository.path("S4", "S3, S5"), pathDown);
+  EXPECT_EQ(repository.path("S5, S2", "S5"), "");
 }
 
-TEST_F(PathCacheTest, IgnoresTheDirectionAsked) {
-  const auto found = repository.findPath({s[1]}, {s[2]}, forward);
-  EXPECT_EQ(describe(repository.findPath({s[1]}, {s[2]}, backward)), describe(found));
-  EXPECT_EQ(describe(repository.findPath({s[1]}, {s[3]}, backward)), "none");
-}
-
-TEST_F(PathCacheTest, KeepsTheTargetAskedForAsKey) {
-  repository.addLine(u"T", 2);
-  const VersionBaseline s1t1 = repository.baseline({{u"S", v(1)}, {u"T", v(1)}});
-  const auto found = repository.findPath({s1t1}, {s[2]}, forward);
-  EXPECT_EQ(describe(found), "S@1.0.0->2.0.0 => S@2.0.0 T@1.0.0\n");
-  repository.calls.clear();
-  repository.findPath({s1t1}, {s[2]}, forward);
-  EXPECT_TRUE(repository.calls.empty());
-  repository.findPath({s1t1}, {found->back().to}, forward);
-  EXPECT_FALSE(repository.calls.empty()) << "the baseline reached is another key";
-}
-
-TEST_F(PathCacheTest, KeepsNeitherFailuresNorEmptyPaths) {
-  for (const auto& [from, to] : {std::pair(s[1], VersionBaseline()), std::pair(s[5], s[4])}) {
-    repository.calls.clear();
-    TraceCapture trace(8);
-    repository.findPath({from}, {to}, forward);
-    EXPECT_TRUE(trace.take().empty());
-    TraceCapture again(4);
-    repository.findPath({from}, {to}, forward);
-    EXPECT_FALSE(contains(again.take(), "4 Found Path in cache"));
+TEST_F(PathCacheTest, KeepsTheTargetAskedForAsKeyAndNeitherFailuresNorEmptyPaths) {
+  EXPECT_EQ(repository.path("S1 T1", "S2"), "S1>2 => S2 T1\n");
+  EXPECT_TRUE(isKept("S1 T1", "S2"));
+  EXPECT_FALSE(isKept("S1 T1", "S2 T1")) << "the baseline reached is another key";
+  const Lines records = traceOf(4 | 8, [&] {
+    for (const char* from : {"S1 T1", "S1 T1", "S5", "S5"}) repository.path(from, "S1");
+  });
+  for (const std::string& record : records) {
+    EXPECT_TRUE(record[0] == '4' && record != "4 Found Path in cache") << record;
   }
 }
 
-TEST_F(PathCacheTest, IsEmptiedWhenAMetamodelIsLinked) {
-  repository.findPath({s[1]}, {s[2]}, forward);
-  repository.add(u"T", v(1));
-  repository.only(u"S", v(1));
-  repository.calls.clear();
-  repository.findPath({s[1]}, {s[2]}, forward);
-  EXPECT_TRUE(repository.calls.empty()) << "linked before: nothing new";
-  repository.only(u"T", v(1));
-  repository.findPath({s[1]}, {s[2]}, forward);
-  EXPECT_FALSE(repository.calls.empty());
-}
-
-TEST_F(PathCacheTest, IsEmptiedInTheMiddleOfASearchThatLinks) {
-  repository.findPath({s[1]}, {s[2]}, forward);
-  repository.addLine(u"T", 2);
-  const VersionBaseline t1 = repository.baseline({{u"T", v(1)}});
-  repository.findPath({s[1]}, {s[2]}, forward);
-  repository.findPath({t1}, {VersionBaseline(), s[1]}, forward);  // reached at once: nothing linked
-  repository.calls.clear();
-  repository.findPath({s[1]}, {s[2]}, forward);
-  EXPECT_TRUE(repository.calls.empty());
-  EXPECT_EQ(describe(repository.findPath({t1}, {s[1]}, forward)), "none");  // links T@2.0.0
-  repository.calls.clear();
-  repository.findPath({s[1]}, {s[2]}, forward);
-  EXPECT_FALSE(repository.calls.empty());
+TEST_F(PathCacheTest, IsEmptiedWhenAMetamodelIsLinkedAlsoInTheMiddleOfASearch) {
+  repository.path("S1", "S2");
+  repository.baseline("S1");
+  EXPECT_TRUE(isKept("S1", "S2")) << "linked before: nothing new";
+  repository.baseline("T1");
+  EXPECT_FALSE(isKept("S1", "S2"));
+  EXPECT_TRUE(isKept("S1", "S2"));
+  EXPECT_EQ(repository.path("T1", "S1"), "none");  // links T2
+  EXPECT_FALSE(isKept("S1", "S2"));
 }
 
 TEST_F(PathCacheTest, StoreRecordsHaveALevelOfTheirOwn) {
-  const Lines stored{"8 Emplace Path to cache:", "8 Baseline {S@1.0.0}",
-                     "8 \t-> Baseline {S@2.0.0}", "8 \t-> Baseline {S@3.0.0}", "8 END OF PATH"};
-  {
-    TraceCapture trace(8);
-    repository.findPath({s[1]}, {s[3]}, forward);
-    EXPECT_EQ(trace.take(), stored);
-  }
+  const auto ask = [this] { repository.path("S1", "S3"); };
+  Lines stored{"8 Emplace Path to cache:", "8 Baseline {S@1.0.0}", "8 \t-> Baseline {S@2.0.0}",
+               "8 \t-> Baseline {S@3.0.0}", "8 END OF PATH"};
+  EXPECT_EQ(traceOf(8, ask), stored);
+  EXPECT_EQ(traceOf(4 | 8, ask), (Lines{"4 Finding path from one of:", "4 Baseline {S@1.0.0}",
+                                        "4 TO one of:", "4 Baseline {S@3.0.0}", "4 End of list",
+                                        "4 Direction is Forward", "4 Found Path in cache",
+                                        "4 Baseline {S@2.0.0}", "4 Baseline {S@3.0.0}"}));
   repository.invalidatePathfindingCache();
   // While the search below runs, another one stores the same path: the records are written all the
   // same.
   bool asked = false;
   repository.onCall = [&](const std::string& call) {
-    if (call != "findHops S@2.0.0" || std::exchange(asked, true)) return;
-    repository.findPath({s[1]}, {s[3]}, forward);
+    if (call == "findHops S2" && !std::exchange(asked, true)) ask();
   };
-  TraceCapture trace(8);
-  const auto path = repository.findPath({s[1]}, {s[3]}, forward);
-  Lines twice = stored;
-  twice.insert(twice.end(), stored.begin(), stored.end());
-  EXPECT_EQ(trace.take(), twice);
-  EXPECT_EQ(path->size(), 2U);
-}
+  const Lines once = stored;
+  stored.insert(stored.end(), once.begin(), once.end());
+  EXPECT_EQ(traceOf(8, ask), stored);
 
-TEST_F(PathCacheTest, DuplicateSourcesAreProcessedOnce) {
-  TraceCapture trace(4);
-  repository.findPath({s[4], s[4]}, {s[1]}, forward);
-  const Lines records = trace.take();
+  const Lines records = traceOf(4, [&] { repository.path("S4, S4", "S1"); });
   EXPECT_EQ(std::count(records.begin(), records.end(),
                        "4 Trying unvisited baseline with least weight: Baseline {S@4.0.0}"),
             1);
 }
 
-TEST(FindPath, SearchLinksTheTargetsOfProcessedBaselinesOnly) {
-  TestRepository repository;
-  repository.addLine(u"A", 5);
-  const VersionBaseline from = repository.baseline({{u"A", v(1)}});
-  const VersionBaseline to = repository.baseline({{u"A", v(3)}});
-  repository.calls.clear();
-  repository.findPath(from, to);
-  EXPECT_EQ(repository.callsOf("loadMetamodel"), Lines{"A@2.0.0"});
+TEST(Concurrency, CachedQuestionsWhilePathsAreForgotten) {
+  TestRepository repository("S1..4");
+  const Baselines s = repository.baselines("S1, S2, S3, S4");
+  repository.isNoting = false;
+  std::atomic<int> asking{2};
+  std::atomic<int> wrong{0};
+  const auto ask = [&](std::size_t from) {
+    for (int i = 0; i < 2000; ++i) {
+      const Path path = repository.findPath({s[from]}, {s[3]}, forward);
+      if (!path || path->size() != 3 - from) ++wrong;
+    }
+    --asking;
+  };
+  std::thread first(ask, 0);
+  std::thread second(ask, 1);
+  while (asking > 0) {
+    repository.invalidatePathfindingCache();
+    std::this_thread::yield();
+  }
+  first.join();
+  second.join();
+  EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace

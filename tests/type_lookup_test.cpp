@@ -10,117 +10,131 @@ namespace test {
 namespace {
 
 using tarn::meta::Class;
-using tarn::meta::StandardTypes;
+using tarn::meta::Package;
 using tarn::meta::Type;
 using tarn::meta::in_memory::TypeStore;
+using Standard = tarn::meta::StandardTypes;
 
 tarn::meta::PrimitiveType* const handles[] = {
-    &StandardTypes::stringMeta,
-    &StandardTypes::integerMeta,
-    &StandardTypes::integer8Meta,
-    &StandardTypes::integer16Meta,
-    &StandardTypes::integer64Meta,
-    &StandardTypes::realMeta,
-    &StandardTypes::booleanMeta,
-    &StandardTypes::unlimitedNaturalMeta,
-    &StandardTypes::uinteger8Meta,
-    &StandardTypes::uinteger16Meta,
-    &StandardTypes::uinteger64Meta,
-    &StandardTypes::uuidMeta,
-    &StandardTypes::dateTimeMeta,
-    &StandardTypes::stdstringMeta,
-    &StandardTypes::qvArrayMeta,
-    &StandardTypes::jsonValueMeta,
-    &StandardTypes::stringToStringMapMeta,
-};
+    &Standard::stringMeta,     &Standard::integerMeta,          &Standard::integer8Meta,
+    &Standard::integer16Meta,  &Standard::integer64Meta,        &Standard::realMeta,
+    &Standard::booleanMeta,    &Standard::unlimitedNaturalMeta, &Standard::uinteger8Meta,
+    &Standard::uinteger16Meta, &Standard::uinteger64Meta,       &Standard::uuidMeta,
+    &Standard::dateTimeMeta,   &Standard::stdstringMeta,        &Standard::qvArrayMeta,
+    &Standard::jsonValueMeta,  &Standard::stringToStringMapMeta};
 
 class TypeLookup : public testing::Test {
  protected:
-  TypeLookup() { forget(); }
-  ~TypeLookup() override { forget(); }
-
-  void forget() {
+  ~TypeLookup() override {
     store.reset();
     for (auto* handle : handles) *handle = {};
   }
 
-  /// How many handles, from the first on, are filled.
-  static std::size_t filled() {
-    const auto end = std::find_if(std::begin(handles), std::end(handles),
-                                  [](const auto* handle) { return !*handle; });
-    EXPECT_TRUE(std::all_of(end, std::end(handles), [](const auto* handle) { return !*handle; }));
-    return static_cast<std::size_t>(end - std::begin(handles));
+  /// Which handles are filled, in order: "110".
+  static std::string filled() {
+    std::string result;
+    for (const auto* handle : handles) result += *handle ? '1' : '0';
+    return result;
   }
 
   TypeStore& store = TypeStore::instance();
+  const LinkedMetamodel::AccessTag tag = TestRepository::accessTag();
+  TestRepository repository{"A1:B1 B1"};
+  const std::shared_ptr<LinkedMetamodel> a = repository.getLinkedMetamodels(u"A", v(1)).front();
 };
 
 TEST_F(TypeLookup, FillsStandardHandlesLazilyUpToTheMatch) {
-  const struct {
-    std::u16string name;
-    std::size_t filledAfter;
-  } cases[] = {{u"tarn.meta.Integer8", 3},
-               {u"tarn.meta.String", 3},
-               {u"tarn.meta.UUID", 12},
-               {u"tarn.meta.StringToStringMap", 17}};
-  for (const auto& [name, filledAfter] : cases) {
+  const std::pair<std::u16string, std::size_t> cases[] = {{u"tarn.meta.Integer8", 3},
+                                                          {u"tarn.meta.String", 3},
+                                                          {u"tarn.meta.UUID", 12},
+                                                          {u"tarn.meta.StringToStringMap", 17}};
+  for (const auto& [name, count] : cases) {
     const Type found = VersionBaseline::lookupStandardType(name);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->getQualifiedName(), name);
-    EXPECT_EQ(filled(), filledAfter);
+    EXPECT_EQ(filled(), std::string(count, '1') + std::string(17 - count, '0'));
   }
-}
-
-TEST_F(TypeLookup, AMatchIsAnsweredByTheRegistryAndNotByTheHandle) {
-  VersionBaseline::lookupStandardType(u"tarn.meta.String");
   const auto replacement = store.addPrimitiveType(u"tarn.meta.String", store.metaPackage());
   EXPECT_EQ(VersionBaseline::lookupStandardType(u"tarn.meta.String"), replacement);
-  EXPECT_FALSE(StandardTypes::stringMeta == replacement);
-}
-
-TEST_F(TypeLookup, RootClassesGoByTwoNamesEach) {
-  for (const auto* name : {u"tarn.Model", u"tarn.meta.Model"}) {
-    EXPECT_EQ(VersionBaseline::lookupStandardType(name), tarn::Model::metaClass());
-  }
-  for (const auto* name : {u"tarn.ModelElement", u"tarn.meta.ModelElement"}) {
-    EXPECT_EQ(VersionBaseline::lookupStandardType(name), tarn::ModelElement::metaClass());
-  }
+  EXPECT_FALSE(Standard::stringMeta == replacement) << "a filled handle stays as it is";
 }
 
 TEST_F(TypeLookup, FrameworkTypesMustBeKnownAndInTheMetaPackage) {
-  const Class known = store.addClass(u"tarn.meta.Known", store.metaPackage());
   const Class unseparated = store.addClass(u"tarnish", store.metaPackage());
   store.addClass(u"tarn.Elsewhere", store.makePackage(u"tarn", u"tarn/other"));
   store.addClass(u"tarn.Homeless");
   store.addClass(u"other.Type", store.metaPackage());
   bool loaded = false;
   store.addLoadable(u"tarn.meta.Late", [&](TypeStore&) { loaded = true; });
-
-  EXPECT_EQ(VersionBaseline::lookupStandardType(u"tarn.meta.Known"), known);
   EXPECT_EQ(VersionBaseline::lookupStandardType(u"tarnish"), unseparated);
   for (const auto* name : {u"tarn.Elsewhere", u"tarn.Homeless", u"other.Type", u"tarn.meta.Late",
                            u"tar", u"", u"tarn.meta.Missing"}) {
     EXPECT_FALSE(VersionBaseline::lookupStandardType(name));
   }
   EXPECT_FALSE(loaded);
+  for (const auto* package : {u"tarn.", u"tarn.meta."}) {
+    const auto inPackage = [&](const char16_t* name) {
+      return VersionBaseline::lookupStandardType(std::u16string(package) + name);
+    };
+    EXPECT_EQ(inPackage(u"Model"), tarn::Model::metaClass());
+    EXPECT_EQ(inPackage(u"ModelElement"), tarn::ModelElement::metaClass());
+  }
 }
 
-TEST_F(TypeLookup, BaselineTypesComeBeforeStandardTypes) {
-  TestRepository repository;
-  repository.add(u"A", v(1));
-  const auto a = repository.only(u"A", v(1));
-  const Class base = store.addClass(u"a.Base");
+TEST_F(TypeLookup, LooksInTheMetamodelThenOneLevelDeepThenAmongStandardTypes) {
+  const Class base = store.addClass(u"b.Base");
   const Class own = store.addClass(u"tarn.meta.String", {}, {base});
+  const Class other = store.addClass(u"b.Other");
   store.reset();
-  a->registerType(TestRepository::accessTag(), own);
-  const VersionBaseline baseline = repository.baseline({{u"A", v(1)}});
-  EXPECT_EQ(baseline.findType(u"tarn.meta.String"), own);
+  a->registerType(tag, own);
+  a->registerType(tag, store.addClass(u"tarn.meta.String"));
+  a->linkedMetamodels.at(u"B")->registerType(tag, other);
+  a->linkedMetamodels.at(u"B")->registerType(tag, store.addPrimitiveType(u"b.Length"));
+  EXPECT_EQ(a->findTypeInMetamodelOnly(u"tarn.meta.String"), own) << "the first registration wins";
+  EXPECT_FALSE(a->findTypeInMetamodelOnly(u"b.Other"));
+  EXPECT_EQ(a->findClass(u"b.Other"), other);
+  EXPECT_TRUE(a->findType(u"b.Length"));
+  EXPECT_FALSE(a->findClass(u"b.Length")) << "not a class";
+  EXPECT_FALSE(a->findType(u"tarn.meta.Integer"));
+
+  const VersionBaseline baseline = repository.baseline("A1");
   EXPECT_EQ(baseline.findClass(u"tarn.meta.String"), own);
-  EXPECT_EQ(filled(), 0U) << "no standard type was asked for";
+  EXPECT_EQ(filled(), std::string(17, '0')) << "no standard type was asked for";
   EXPECT_TRUE(baseline.findType(u"tarn.meta.Integer"));
   EXPECT_FALSE(baseline.findClass(u"tarn.meta.Integer")) << "a primitive type is no class";
   EXPECT_EQ(baseline.fetchSubclasses(base), std::vector<Type>{own});
-  EXPECT_TRUE(VersionBaseline().fetchSubclasses(base).empty());
+  std::vector<Type> out{base};
+  a->fecthSubclassesInMetamodelOnly(base, out);
+  EXPECT_EQ(out, (std::vector<Type>{base, own})) << "what was there stays";
+}
+
+TEST_F(TypeLookup, CloneSharesContentAndEveryHandleIsCounted) {
+  const Class shape = store.addClass(u"a.Shape");
+  const Package package = store.makePackage(u"a", u"a/1");
+  const std::size_t before = shape->refCount();
+  a->registerType(tag, shape);
+  a->registerPackage(tag, package);
+  a->registerPackage(tag, store.makePackage(u"a", u"a/2"));
+  a->setMetamodelPackage(tag, package);
+  {
+    const auto copy = a->clone();
+    EXPECT_NE(copy, a);
+    EXPECT_EQ(copy->linkedMetamodels, a->linkedMetamodels);
+    EXPECT_EQ(copy->findType(u"a.Shape"), shape);
+    EXPECT_EQ(copy->findPackageInMetamodelOnly(u"a"), package);
+    EXPECT_EQ(copy->getMetamodelPackage(), package);
+    EXPECT_EQ(shape->refCount(), before + 2);
+    EXPECT_EQ(package->refCount(), 5U);
+  }
+  Type copy = shape;
+  const Type moved = std::move(copy);
+  EXPECT_FALSE(copy);  // NOLINT(bugprone-use-after-move): a moved-from handle is empty
+  copy = moved;
+  EXPECT_EQ(shape->refCount(), before + 3);
+  copy = Type();
+  copy.addRef();
+  copy.removeRef();  // neither does anything: the handle is empty
+  EXPECT_EQ(shape->refCount(), before + 2);
 }
 
 }  // namespace

@@ -1,117 +1,120 @@
 #include "support/random_question.hpp"
 
 #include <algorithm>
-#include <random>
 
 #include "platform/exception.hpp"
 
 namespace test {
 
-namespace {
-
-using Random = std::mt19937;
-
-bool chance(Random& random, unsigned percent) {
-  return random() % 100 < percent;
+RandomQuestion::RandomQuestion(unsigned seed, Shape shape) : random_(seed) {
+  if (shape == Web) {
+    weave(static_cast<char>('B' + upTo(4)));
+  } else {
+    make(static_cast<char>('B' + upTo(3)));
+  }
 }
 
-std::uint64_t upTo(Random& random, std::uint64_t last) {
-  return 1 + random() % last;
-}
-
-std::u16string nameOf(std::size_t i) {
-  return std::u16string(1, static_cast<char16_t>(u'A' + i));
-}
-
-/// Version n of a metamodel, now and then as a text; even texts have n.0.0 for an equivalent.
-VersionId versionOf(std::uint64_t n, bool isText) {
-  if (!isText) return v(n);
-  return std::u16string(u"text ") + static_cast<char16_t>(u'0' + n);
-}
-
-class Builder {
- public:
-  Builder(Random& random, TestRepository& repository) : random_(random), repository_(repository) {
-    const std::size_t names = 2 + random_() % 3;
-    for (std::size_t i = 0; i < names; ++i) addVersions(i);
-    for (std::size_t i = 0; i < names; ++i) addHops(i);
-  }
-
-  std::size_t names() const { return versions_.size(); }
-  const std::vector<VersionId>& versions(std::size_t i) const { return versions_[i]; }
-
- private:
-  void addVersions(std::size_t i) {
-    const std::uint64_t last = upTo(random_, 4);
-    std::vector<VersionId>& versions = versions_.emplace_back();
-    for (std::uint64_t n = 1; n <= last; ++n) {
-      const VersionId version = versionOf(n, chance(random_, 10));
-      if (!version.isSemVer() && n % 2 == 0) {
-        repository_.addEquivalent(nameOf(i), version.getText(), v(n));
-      }
-      repository_.add(nameOf(i), version, dependenciesOf(i));
-      versions.push_back(version);
-    }
-  }
-
-  std::vector<Dependency> dependenciesOf(std::size_t i) {
-    std::vector<Dependency> result;
-    for (std::size_t j = 0; j < i; ++j) {
-      if (!chance(random_, 35)) continue;
-      const std::uint64_t lower = upTo(random_, versions_[j].size());
-      const VersionId& single = versions_[j][lower - 1];
-      result.push_back({nameOf(j), single.isSemVer() || chance(random_, 50)
-                                       ? between(lower, lower + upTo(random_, 3))
-                                       : VersionRange::singleVersion(single)});
-    }
-    return result;
-  }
-
-  void addHops(std::size_t i) {
-    const std::vector<VersionId>& versions = versions_[i];
-    for (std::size_t from = 0; from < versions.size(); ++from) {
-      for (std::size_t to = 0; to < versions.size(); ++to) {
-        if (from == to || !(to == from + 1 || chance(random_, to > from ? 25 : 15))) continue;
-        repository_.addHop(nameOf(i), versions[from], versions[to], chance(random_, 15));
-        if (chance(random_, 8)) {
-          repository_.addHop(nameOf(i), versions[from], versions[to], chance(random_, 50));
-        }
-      }
-    }
-  }
-
-  Random& random_;
-  TestRepository& repository_;
-  std::vector<std::vector<VersionId>> versions_;
-};
-
-/// Some baselines of a selection that gives each name, with a probability, the version at one end.
-std::vector<VersionBaseline> end(Random& random, TestRepository& repository, const Builder& built,
-                                 bool last, unsigned percent) {
-  std::unordered_map<std::u16string, VersionId> selection;
-  for (std::size_t i = 0; i < built.names(); ++i) {
-    if (!chance(random, percent) && !(i + 1 == built.names() && selection.empty())) continue;
-    const auto& versions = built.versions(i);
-    selection.emplace(nameOf(i), last ? versions.back() : versions.front());
-  }
-  std::vector<VersionBaseline> baselines = repository.combine(selection);
-  std::shuffle(baselines.begin(), baselines.end(), random);
-  if (baselines.size() > 4) baselines.resize(4);
-  return baselines;
-}
-
-}  // namespace
-
-RandomQuestion::RandomQuestion(unsigned seed) {
-  Random random(seed);
-  const Builder built(random, *repository);
+void RandomQuestion::ask(const std::string& from, const std::string& to) {
+  repository.add(catalogue);
   try {
-    sources = end(random, *repository, built, false, chance(random, 50) ? 100 : 60);
-    targets = end(random, *repository, built, true, chance(random, 50) ? 100 : 60);
+    sources = repository.baselines(from);
+    targets = repository.baselines(to);
   } catch (const foundation::core::except::IMsgIDException&) {
-    sources.clear();  // a version at the ends cannot be linked: a question without sources
+    sources.clear();
   }
-  direction = chance(random, 60) ? VersionRepository::Forward : VersionRepository::Unknown;
+}
+
+void RandomQuestion::make(char end) {
+  std::string from;
+  std::string to;
+  for (char name = 'A'; name < end; ++name) {
+    addVersions(name, upTo(4));
+    if (chance(80)) from += std::string{' ', name} + versions_[name].front();
+    if (chance(80)) to += std::string{' ', name} + versions_[name].back();
+  }
+  direction = chance(60) ? forward : anyDirection;
+  ask(from, to);
+}
+
+void RandomQuestion::addVersions(char name, std::size_t last) {
+  std::vector<std::string>& versions = versions_[name];
+  for (std::size_t n = 1; n <= last; ++n) {
+    const std::string number = std::to_string(n);
+    const bool isText = chance(10);
+    versions.push_back((isText ? "text" : "") + number);
+    catalogue +=
+        std::string{' ', name} + versions.back() + (isText && n % 2 == 0 ? "~" + number : "");
+    char separator = ':';
+    for (char needed = 'A'; needed < name; ++needed) {
+      if (!chance(35)) continue;
+      catalogue += std::string{separator, needed} + someRange(versions_[needed]);
+      separator = '+';
+    }
+  }
+  for (const auto& before : versions) {
+    for (const auto& after : versions) {
+      if (&before == &after || (&before + 1 != &after && !chance(20))) continue;
+      for (int copies = chance(8) ? 2 : 1; copies > 0; --copies) {
+        catalogue += std::string{' ', name} + before + ">" + after + (chance(15) ? "!" : "");
+      }
+    }
+  }
+}
+
+std::string RandomQuestion::someRange(const std::vector<std::string>& versions) {
+  const std::size_t lower = upTo(versions.size());
+  const std::string& single = versions[lower - 1];
+  if (single.starts_with("text") && chance(50)) return single;
+  return "[" + std::to_string(lower) + "," + std::to_string(lower + upTo(3)) + ")";
+}
+
+/// Lets some of the metamodels move in each of a few epochs, and has versions need what they stood
+/// beside.
+void RandomQuestion::weave(char end) {
+  std::vector<std::map<char, std::size_t>> epochs(1);
+  for (char name = 'A'; name < end; ++name) epochs[0][name] = 1;
+  for (std::size_t left = 2 + upTo(3); left > 0; --left) {
+    epochs.push_back(epochs.back());
+    for (auto& [name, version] : epochs.back()) version += chance(50) ? 1 : 0;
+  }
+  std::string from;
+  std::string to;
+  for (const auto& [name, last] : epochs.back()) {
+    for (std::size_t version = 1; version <= last; ++version) weaveVersion(name, version, epochs);
+    for (std::size_t version = 1; version < last; ++version) {
+      const std::string hop = std::string{' ', name} + std::to_string(version) + ">";
+      catalogue += hop + std::to_string(version + 1) + (chance(20) ? "!" : "");
+      if (chance(10)) catalogue += hop + std::to_string(version + 1) + (chance(50) ? "!" : "");
+      if (version + 2 <= last && chance(35)) {
+        catalogue += hop + std::to_string(version + 2) + (chance(50) ? "!" : "");
+      }
+    }
+    from += std::string{' ', name, '1'};
+    if (chance(90)) to += std::string{' ', name} + std::to_string(last);
+  }
+  direction = chance(80) ? forward : anyDirection;
+  ask(from, to);
+}
+
+void RandomQuestion::weaveVersion(char name, std::size_t version,
+                                  const std::vector<std::map<char, std::size_t>>& epochs) {
+  catalogue += std::string{' ', name} + std::to_string(version);
+  char separator = ':';
+  for (char needed = 'A'; needed < name; ++needed) {
+    if (!chance(45)) continue;
+    std::size_t lower = ~std::size_t{0};
+    std::size_t upper = 0;
+    for (const auto& epoch : epochs) {
+      if (epoch.at(name) != version) continue;
+      lower = std::min(lower, epoch.at(needed));
+      upper = std::max(upper, epoch.at(needed) + 1);
+    }
+    if (chance(25) && lower > 1) --lower;
+    if (chance(25)) ++upper;
+    catalogue += std::string{separator, needed} + "[" + std::to_string(lower) + "," +
+                 std::to_string(upper) + ")";
+    separator = '+';
+  }
 }
 
 }  // namespace test

@@ -1,6 +1,8 @@
 #include "support/test_repository.hpp"
 
-#include <stdexcept>
+#include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "platform/text.hpp"
 
@@ -8,105 +10,154 @@ namespace test {
 
 namespace {
 
-std::string nameAndVersion(const std::u16string& name, const VersionId& version) {
-  return printed(Metamodel(name, version, {}));
+std::u16string nameIn(const std::string& item) {
+  return std::u16string(1, static_cast<char16_t>(item[0]));
+}
+
+/// What stands in `text` after `mark`, up to one of `ends`; empty when there is no mark.
+std::string after(const std::string& text, const std::string& mark, const char* ends = "") {
+  const std::size_t found = text.find(mark);
+  if (found == std::string::npos) return {};
+  const std::size_t begin = found + mark.size();
+  return text.substr(begin, text.find_first_of(ends, begin) - begin);
+}
+
+Dependency dependency(const std::string& item) {
+  const std::string lower = after(item, "[", ",");
+  if (lower.empty()) return {nameIn(item), VersionRange::singleVersion(version(item.substr(1)))};
+  const std::string upper = after(item, ",", ")");
+  return {nameIn(item), SemVerRange{version(lower).getSemVer(), version(upper).getSemVer()}};
+}
+
+std::vector<std::string> split(const std::string& text, char separator) {
+  std::vector<std::string> result;
+  std::istringstream items(text);
+  for (std::string item; std::getline(items, item, separator);) result.push_back(item);
+  return result;
+}
+
+std::string brief(const VersionId& version) {
+  std::string text = printed(version);
+  if (text.ends_with(".0.0")) text.resize(text.size() - 4);
+  return text;
+}
+
+std::string brief(const std::u16string& name, const VersionId& version) {
+  return fl::i18n::ustring_to_utf8(name) + brief(version);
 }
 
 }  // namespace
 
-Metamodel TestRepository::add(const std::u16string& name, const VersionId& version,
-                              const std::vector<Dependency>& dependencies) {
-  return metamodels_.emplace_back(name, version, dependencies);
+VersionId version(const std::string& text) {
+  const std::u16string wide(text.begin(), text.end());
+  if (const auto semantic = SemVer::parse(wide)) return *semantic;
+  if (const auto major = SemVer::parse(wide + u".0")) return *major;
+  return wide;
 }
 
-void TestRepository::addHop(const std::u16string& name, const VersionId& from, const VersionId& to,
-                            bool expensive) {
-  hops_.emplace_back(name, from, to, expensive);
+Selection selection(const std::string& text) {
+  Selection result;
+  std::istringstream items(text);
+  for (std::string item; items >> item;) result.emplace(nameIn(item), version(item.substr(1)));
+  return result;
 }
 
-void TestRepository::addEquivalent(const std::u16string& name, const std::u16string& text,
-                                   const SemVer& version) {
-  equivalents_[{name, text}] = version;
+void TestRepository::add(const std::string& content) {
+  std::istringstream items(content);
+  for (std::string item; items >> item;) {
+    const std::u16string name = nameIn(item);
+    const VersionId id = version(item.substr(1, item.find_first_of("~:>") - 1));
+    if (const std::string last = after(item, ".."); !last.empty()) {
+      for (std::uint64_t n = std::stoull(item.substr(1)); n <= std::stoull(last); ++n) {
+        metamodels.emplace_back(name, v(n), std::vector<Dependency>());
+        if (n < std::stoull(last)) hops.emplace_back(name, v(n), v(n + 1), false);
+      }
+    } else if (const std::string to = after(item, ">", "!"); !to.empty()) {
+      hops.emplace_back(name, id, version(to), item.back() == '!');
+    } else {
+      const std::string equivalent = after(item, "~", ":");
+      if (!equivalent.empty()) equivalents[{name, id.getText()}] = version(equivalent).getSemVer();
+      Metamodel& added = metamodels.emplace_back(name, id, std::vector<Dependency>());
+      for (const auto& needed : split(after(item, ":"), '+')) {
+        added.dependencies.push_back(dependency(needed));
+      }
+    }
+  }
 }
 
-void TestRepository::addLine(const std::u16string& name, std::uint64_t last) {
-  for (std::uint64_t number = 1; number <= last; ++number) add(name, v(number));
-  for (std::uint64_t number = 1; number < last; ++number) addHop(name, v(number), v(number + 1));
+std::vector<VersionBaseline> TestRepository::baselines(const std::string& selections) {
+  std::vector<VersionBaseline> result;
+  for (const std::string& selected : split(selections, ',')) {
+    for (const auto& baseline : combine(selection(selected))) result.push_back(baseline);
+  }
+  return result;
 }
 
-std::shared_ptr<LinkedMetamodel> TestRepository::only(const std::u16string& name,
-                                                      const VersionId& version) {
-  const auto& linked = getLinkedMetamodels(name, version);
-  if (linked.size() != 1) throw std::logic_error("not exactly one linked metamodel");
-  return linked.front();
+std::string TestRepository::path(const std::string& from, const std::string& to,
+                                 Direction direction) {
+  const std::vector<VersionBaseline> sources = baselines(from);
+  const std::vector<VersionBaseline> targets = baselines(to);
+  calls.clear();
+  return describe(findPath(sources, targets, direction));
 }
 
-VersionBaseline TestRepository::baseline(
-    const std::unordered_map<std::u16string, VersionId>& selection) {
-  std::vector<VersionBaseline> baselines = combine(selection);
-  if (baselines.size() != 1) throw std::logic_error("not exactly one baseline");
-  return baselines.front();
+std::string TestRepository::steps(const std::string& from, Direction direction) {
+  const VersionBaseline baseline = this->baseline(from);
+  calls.clear();
+  return describe(getStepsFrom(baseline, direction));
 }
 
 std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& name,
                                                           const std::u16string& text) {
-  note("getEquivalentSemVer", nameAndVersion(name, text));
-  const auto found = equivalents_.find({name, text});
-  if (found == equivalents_.end()) return std::nullopt;
+  note("getEquivalentSemVer " + brief(name, text));
+  const auto found = equivalents.find({name, text});
+  if (found == equivalents.end()) return std::nullopt;
   return found->second;
 }
 
 std::optional<Metamodel> TestRepository::getMetamodel(const std::u16string& name,
                                                       const VersionId& version) {
-  note("getMetamodel", nameAndVersion(name, version));
+  note("getMetamodel " + brief(name, version));
   return VersionRepository::getMetamodel(name, version);
 }
 
 void TestRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
                                     std::vector<Metamodel>& result) {
-  note("findMetamodels", fl::i18n::ustring_to_utf8(name) + " " + printed(range));
-  for (const Metamodel& metamodel : metamodels_) {
+  note("findMetamodels " + fl::i18n::ustring_to_utf8(name) + printed(range));
+  for (const Metamodel& metamodel : metamodels) {
     if (metamodel.name == name && includes(range, metamodel)) result.push_back(metamodel);
   }
 }
 
 void TestRepository::findHops(const std::u16string& name, const VersionId& from,
                               std::vector<Hop>& result) {
-  note("findHops", nameAndVersion(name, from));
-  for (const Hop& hop : hops_) {
+  note("findHops " + brief(name, from));
+  for (const Hop& hop : hops) {
     if (hop.name == name && hop.from == from) result.push_back(hop);
   }
 }
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
-  note("loadMetamodel", printed<Metamodel>(*linked));
+  note("loadMetamodel " + brief(linked->name, linked->version));
+  loaded.push_back(linked);
 }
 
-std::vector<std::string> TestRepository::callsOf(const std::string& operation) const {
-  std::vector<std::string> result;
-  for (const std::string& call : calls) {
-    if (call.starts_with(operation + " ")) result.push_back(call.substr(operation.size() + 1));
-  }
-  return result;
-}
-
-void TestRepository::note(const std::string& operation, const std::string& subject) {
-  calls.push_back(operation + " " + subject);
-  if (onCall) onCall(calls.back());
-  if (failAtCall > 0 && --failAtCall == 0) throw CallbackFailure();
-}
-
-std::string describe(const std::optional<std::vector<BaselineHop>>& path) {
-  if (!path) return "none";
+std::string TestRepository::callsOf(const std::string& operation) const {
   std::string result;
-  for (const BaselineHop& step : *path) {
-    for (const auto& [name, hop] :
-         std::map<std::u16string, Hop>(step.hops.begin(), step.hops.end())) {
-      result +=
-          nameAndVersion(name, hop.from) + "->" + printed(hop.to) + (hop.expensive ? "! " : " ");
-    }
-    result += "=> " + describe(step.to) + "\n";
+  for (const std::string& call : calls) {
+    if (call.starts_with(operation + " ")) result += call.substr(operation.size());
   }
+  return result.empty() ? result : result.substr(1);
+}
+
+void TestRepository::note(const std::string& call) {
+  if (isNoting) calls.push_back(call);
+  if (onCall) onCall(call);
+}
+
+std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamodel) {
+  std::vector<Hop> result;
+  repository.findHops(metamodel.name, metamodel.version, result);
   return result;
 }
 
@@ -114,9 +165,50 @@ std::string describe(const VersionBaseline& baseline) {
   std::string result;
   for (const auto& [name, linked] :
        std::map(baseline.metamodels.begin(), baseline.metamodels.end())) {
-    result += (result.empty() ? "" : " ") + printed<Metamodel>(*linked);
+    result += (result.empty() ? "" : " ") + brief(name, linked->version);
   }
   return result;
+}
+
+std::string describe(const std::vector<VersionBaseline>& baselines) {
+  std::string result;
+  for (const VersionBaseline& baseline : baselines) {
+    result += (result.empty() ? "" : ", ") + describe(baseline);
+  }
+  return result;
+}
+
+std::string describe(const Path& path) {
+  if (!path) return "none";
+  std::string result;
+  for (const BaselineHop& step : *path) {
+    for (const auto& [name, hop] : std::map(step.hops.begin(), step.hops.end())) {
+      result += brief(name, hop.from) + ">" + brief(hop.to) + (hop.expensive ? "! " : " ");
+    }
+    result += "=> " + describe(step.to) + "\n";
+  }
+  return result;
+}
+
+void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path) {
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const auto& [from, to, hops] = path[i];
+    EXPECT_TRUE(i == 0 || from == path[i - 1].to);
+    for (const auto& [name, before] : from.metamodels) {
+      const auto hop = hops.find(name);
+      EXPECT_EQ(to.metamodels.at(name)->version,
+                hop == hops.end() ? before->version : hop->second.to);
+      if (hop == hops.end()) continue;
+      const std::vector<Hop> offered = hopsFrom(repository, *before);
+      EXPECT_NE(std::find(offered.begin(), offered.end(), hop->second), offered.end());
+    }
+    for (const auto& [name, linked] : to.metamodels) {
+      for (const auto& [needed, range] : linked->dependencies) {
+        const auto held = to.metamodels.find(needed);
+        EXPECT_TRUE(held != to.metamodels.end() && repository.includes(range, *held->second)) << to;
+      }
+    }
+  }
 }
 
 }  // namespace test

@@ -12,6 +12,13 @@ namespace test {
 
 using namespace tarn::evolution::pathfinder;
 
+using Selection = std::unordered_map<std::u16string, VersionId>;
+using Path = std::optional<std::vector<BaselineHop>>;
+
+constexpr auto forward = VersionRepository::Forward;
+constexpr auto backward = VersionRepository::Backward;
+constexpr auto anyDirection = VersionRepository::Unknown;
+
 /// Version n.0.0.
 inline SemVer v(std::uint64_t number) {
   return {number, 0, 0};
@@ -22,26 +29,37 @@ inline VersionRange between(std::uint64_t lower, std::uint64_t upper) {
   return SemVerRange{v(lower), v(upper)};
 }
 
+/// "2" is 2.0.0, "2.5" is 2.5.0, and what does not begin with a digit is a text version.
+VersionId version(const std::string& text);
+
+/// "A1 Bspring": one version for each name.
+Selection selection(const std::string& text);
+
 /// Thrown by a TestRepository that was told to fail.
 struct CallbackFailure {};
 
 /// A repository that is filled in code, notes every call that it gets, and can fail at any of them.
 class TestRepository : public VersionRepository {
  public:
-  Metamodel add(const std::u16string& name, const VersionId& version,
-                const std::vector<Dependency>& dependencies = {});
-  void addHop(const std::u16string& name, const VersionId& from, const VersionId& to,
-              bool expensive = false);
-  void addEquivalent(const std::u16string& name, const std::u16string& text, const SemVer& version);
+  explicit TestRepository(const std::string& content) { add(content); }
 
-  /// Adds the metamodel at versions 1.0.0 to last.0.0, with hops from each to the next.
-  void addLine(const std::u16string& name, std::uint64_t last);
+  /// Adds metamodels, whose names are single letters, and hops, with blanks between them:
+  ///
+  ///     A1                    metamodel A at version 1.0.0
+  ///     A1..4                 A at versions 1.0.0 to 4.0.0, with hops from each to the next
+  ///     Aspring~1.2           A at a text version, for which 1.2.0 is the semantic equivalent
+  ///     B2:A[1,3)+C1+Dspring  B at 2.0.0, with a range of A, one version of C and one of D
+  ///     A1>3  A1>3!           a hop of A from 1.0.0 to 3.0.0, and an expensive one
+  void add(const std::string& content);
 
-  /// Any of the linked metamodels of a version that has just one.
-  std::shared_ptr<LinkedMetamodel> only(const std::u16string& name, const VersionId& version);
+  /// All baselines of some selections, which commas separate: "A1 B1, A2". The first one.
+  std::vector<VersionBaseline> baselines(const std::string& selections);
+  VersionBaseline baseline(const std::string& selected) { return baselines(selected).at(0); }
 
-  /// The baseline of a selection that has just one.
-  VersionBaseline baseline(const std::unordered_map<std::u16string, VersionId>& selection);
+  /// What leads from any of some baselines to any of others, as `describe` writes it. Clears
+  /// `calls` before it asks.
+  std::string path(const std::string& from, const std::string& to, Direction direction = Forward);
+  std::string steps(const std::string& from, Direction direction = Forward);
 
   std::optional<SemVer> getEquivalentSemVer(const std::u16string& name,
                                             const std::u16string& text) override;
@@ -53,35 +71,47 @@ class TestRepository : public VersionRepository {
                 std::vector<Hop>& result) override;
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override;
 
-  /// What was called since this list was last cleared: "findHops A@1.0.0", "loadMetamodel B@2.0.0".
+  std::vector<Metamodel> metamodels;
+  std::vector<Hop> hops;
+  std::map<std::pair<std::u16string, std::u16string>, SemVer> equivalents;
+
+  /// What was called since this list was last cleared: "findHops A1", "loadMetamodel B2".
   std::vector<std::string> calls;
 
-  /// The calls among `calls` of one operation, without its name.
-  std::vector<std::string> callsOf(const std::string& operation) const;
+  /// The calls among `calls` of one operation, without its name: "A1 B2".
+  std::string callsOf(const std::string& operation) const;
 
   /// Called from every callback, with its text, after it is noted.
   std::function<void(const std::string&)> onCall;
 
-  /// When positive: counts down at every callback, which throws CallbackFailure when it gets to
-  /// zero.
-  std::size_t failAtCall = 0;
+  /// Whether calls are noted. Without it, several threads may ask at once.
+  bool isNoting = true;
+
+  /// Everything that `loadMetamodel` was given.
+  std::vector<std::shared_ptr<LinkedMetamodel>> loaded;
 
   using VersionRepository::accessTag;
 
  private:
-  void note(const std::string& operation, const std::string& subject);
-
-  std::vector<Metamodel> metamodels_;
-  std::vector<Hop> hops_;
-  std::map<std::pair<std::u16string, std::u16string>, SemVer> equivalents_;
+  void note(const std::string& call);
 };
 
-/// The steps as text, one per line: "A@1.0.0->2.0.0! B@1.0.0->2.0.0 => A@2.0.0 B@2.0.0", an
-/// exclamation mark after an expensive hop, names ascending. "none" for an absent path.
-std::string describe(const std::optional<std::vector<BaselineHop>>& path);
+/// The hops that the repository offers from there.
+std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamodel);
 
-/// The metamodels of a baseline by ascending name: "A@1.0.0 B@2.0.0".
+/// The metamodels of a baseline by ascending name: "A1 B2.5.0 Cspring".
 std::string describe(const VersionBaseline& baseline);
+
+/// The same for each of several: "A1 B1, A1 B2".
+std::string describe(const std::vector<VersionBaseline>& baselines);
+
+/// The steps, one per line, with hops by ascending name: "A1>2! B1>2 => A2 B2 C1". "none" for an
+/// absent path.
+std::string describe(const Path& path);
+
+/// Checks that each step starts where the one before ended, takes hops that are offered, moves what
+/// they move and nothing else, and ends with every dependency met.
+void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path);
 
 /// What a value's stream operator writes.
 template <class Value>

@@ -1,26 +1,14 @@
 #pragma once
 
-#include <memory>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace test {
 
-/// Enables levels of the path finder's diagnostic logger and collects its records, through an
-/// ordinary Boost.Log sink, for as long as it lives.
-class TraceCapture {
- public:
-  explicit TraceCapture(unsigned levels);
-  ~TraceCapture();
-  TraceCapture(const TraceCapture&) = delete;
-  TraceCapture& operator=(const TraceCapture&) = delete;
-
-  /// The records so far, each as "severity text"; forgets them.
-  std::vector<std::string> take();
-
- private:
-  struct Sink;
-  std::unique_ptr<Sink> sink_;
-};
+/// The records, each as "severity text", that the path finder's diagnostic logger writes with
+/// `levels` enabled while `action`, which must not throw, runs. Seen through an ordinary Boost.Log
+/// sink.
+std::vector<std::string> traceOf(unsigned levels, const std::function<void()>& action);
 
 }  // namespace test

@@ -1,0 +1,152 @@
+// Asks both search engines the same questions.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <iostream>
+
+#include "pathfinder/exhaustive_search.hpp"
+#include "pathfinder/goal_directed_search.hpp"
+#include "platform/exception.hpp"
+#include "support/random_question.hpp"
+
+namespace test {
+namespace {
+
+using Verdict = SearchAnswer::Verdict;
+
+/// How many random questions to ask of each shape; TARN_DIFFERENTIAL_CASES asks for another number.
+unsigned numberOfQuestions() {
+  const char* wanted = std::getenv("TARN_DIFFERENTIAL_CASES");
+  return wanted == nullptr ? 2000 : static_cast<unsigned>(std::stoul(wanted));
+}
+
+/// What the two answers have in common with others of their kind.
+struct Tally {
+  std::size_t paths = 0;
+  std::size_t longPaths = 0;
+  std::size_t absences = 0;
+  std::size_t unsettled = 0;
+};
+
+void expectSame(const SearchAnswer& expected, const SearchAnswer& found) {
+  ASSERT_EQ(found.verdict, expected.verdict);
+  EXPECT_EQ(found.target, expected.target);
+  EXPECT_EQ(describe(Path(found.steps)), describe(Path(expected.steps)));
+  for (std::size_t i = 0; i < std::min(found.steps.size(), expected.steps.size()); ++i) {
+    EXPECT_EQ(found.steps[i].from, expected.steps[i].from);
+    EXPECT_EQ(found.steps[i].to, expected.steps[i].to) << "other variants of the same versions";
+  }
+}
+
+void compare(RandomQuestion& question, Tally& tally) {
+  if (question.sources.empty() || question.targets.empty()) return;
+  const SearchQuestion asked{question.repository, question.sources, question.targets,
+                             question.direction};
+  SearchAnswer expected;
+  try {
+    expected = searchExhaustively(asked);
+  } catch (const foundation::core::except::IMsgIDException&) {
+    return;  // it met a version that cannot be linked, which may lie off every path
+  }
+  const SearchAnswer found = searchGoalDirected(asked);
+  if (found.verdict == Verdict::Unsettled) {
+    ++tally.unsettled;
+    return;
+  }
+  expectSame(expected, found);
+  if (expected.verdict == Verdict::NoPath) ++tally.absences;
+  if (expected.verdict == Verdict::Found) ++tally.paths;
+  if (expected.steps.size() >= 3) ++tally.longPaths;
+}
+
+TEST(Engines, AgreeOnRandomQuestions) {
+  Tally tally;
+  for (unsigned seed = 1; seed <= numberOfQuestions() && !HasFailure(); ++seed) {
+    for (const auto shape : {RandomQuestion::Loose, RandomQuestion::Web}) {
+      RandomQuestion question(seed, shape);
+      SCOPED_TRACE("seed " + std::to_string(seed) + ":" + question.catalogue);
+      compare(question, tally);
+    }
+  }
+  std::cout << tally.paths << " paths, " << tally.longPaths
+            << " of them of three steps or more, and " << tally.absences << " absences agree; "
+            << tally.unsettled << " were left unsettled\n";
+  EXPECT_GE(tally.longPaths * 3, tally.paths);
+  EXPECT_GE(tally.absences * 10, tally.paths + tally.absences);
+  EXPECT_EQ(tally.unsettled, 0U);
+}
+
+TEST(Engines, AgreeOnQuestionsMadeToMislead) {
+  const struct {
+    const char* catalogue;
+    const char* from;
+    const char* to;
+    std::size_t steps;  // ~0: no path
+  } cases[] = {
+      {"A1..2 B1..4 C1..5 D1..3", "A1 B1 C1 D1", "A2 B4 C5 D3", 4},
+      {"A1..3 B1:A1 B2:A2 B3:A3 B1>2 B2>3 C1:B1 C2:B2 C3:B3 C1>2 C2>3", "C1", "C3", 2},
+      {"A1..5 B1..4 C1:A[1,2) C2:A[2,6) C1>2", "A1 B1 C1", "A5 B4 C2", 4},
+      {"A1..4 B1:A[1,4) B2:A[2,5) B1>2 C1:A[1,4) C2:A[2,5) C1>2", "B1 C1 A1", "A4 B2 C2", 3},
+      // Neither version of C can stand beside A's middle one.
+      {"A1..3 B1..4 C1:A1 C2:A3 C1>2", "A1 B1 C1", "A3 B4 C2", ~std::size_t{0}},
+      // Several targets, the nearest neither first nor last; one that is included already.
+      {"A1..4 B1..4", "A1 B1", "A4 B1, A2 B2, A1 B4", 1},
+      {"A1..4 B1..4", "A1 B1", "A4 B4, B1", 0},
+      {"A1 A2 A3 A1>2! A2>3! B1 B2 B1>2!", "A1 B1", "A3 B2", 2},
+      // The way that costs A least takes more steps than a dearer one.
+      {"A1..5 A1>5! A1>3! B1..2", "A1 B1", "A5 B2", 4},
+      {"A1..4 A1>4! B1:A1 B2:A4 B1>2", "A1 B1", "A4 B2", 1},
+      // Round about, and through a version that only another metamodel's way forces.
+      {"A1 A2 A3 A1>2 A2>1 A2>3 B1:A[1,3) B2:A2 B3:A1 B4:A[1,4) B1>2 B2>3 B3>4", "A1 B1", "A3 B4",
+       4},
+      // Two hops of one kind, and two that differ in price only.
+      {"A1 A2 A1>2! A1>2 A1>2 B1..2", "A1 B1", "A2 B2", 1},
+      // Names that links bring in: chosen among several versions, then moved; and one that none
+      // brings in.
+      {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
+      {"A1..2 Z1", "A1", "A2 Z1", ~std::size_t{0}},
+  };
+  for (const auto& [catalogue, from, to, steps] : cases) {
+    SCOPED_TRACE(std::string(catalogue) + ": " + from + " to " + to);
+    TestRepository repository(catalogue);
+    const auto sources = repository.baselines(from);
+    const auto targets = repository.baselines(to);
+    const SearchQuestion asked{repository, sources, targets, anyDirection};
+    const SearchAnswer expected = searchExhaustively(asked);
+    EXPECT_EQ(expected.verdict == Verdict::Found ? expected.steps.size() : ~std::size_t{0}, steps);
+    expectSame(expected, searchGoalDirected(asked));
+  }
+}
+
+/// Metamodels A to Z and a to z, each at 1.0.0 to 3.0.0, and what there is besides.
+TestRepository wideRepository(const std::string& more) {
+  std::string content;
+  for (char name = 'A'; name <= 'z'; ++name) {
+    if (std::isalpha(name) != 0) content += std::string{' ', name} + "1..3";
+  }
+  return TestRepository(content + more);
+}
+
+TEST(Engines, LargeQuestionIsAnsweredAndMayHaveUnlinkableVersionsOffItsPaths) {
+  // 3.0.0 to 4.0.0 leads past every target, and 4.0.0 cannot be linked.
+  TestRepository repository = wideRepository(" A4:Z9 A3>4");
+  std::string from;
+  std::string to;
+  for (char name = 'A'; name <= 'z'; ++name) {
+    if (std::isalpha(name) == 0) continue;
+    from += std::string{' ', name} + "1";
+    to += std::string{' ', name} + "3";
+  }
+  const VersionBaseline source = repository.baseline(from);
+  repository.calls.clear();
+  const Path path = repository.findPath(source, repository.baseline(to));
+  ASSERT_TRUE(path);
+  expectLegal(repository, *path);
+  EXPECT_EQ(path->size(), 2U);
+  EXPECT_EQ(path->at(0).hops.size(), 52U);
+  EXPECT_EQ(repository.callsOf("loadMetamodel").find("A4"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace test
