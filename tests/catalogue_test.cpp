@@ -57,21 +57,20 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
   const auto range = [&](const std::string& value) {
     return document("{'dependencies': [{'name': 'A', 'range': " + value + "}]}");
   };
+  const std::string hop = "{'name': 'A', 'from': '1.0', 'to': '1.0', 'expensive': 1}";
   const std::string metamodel = "/metamodels/0";
   const std::string dependency = "/metamodels/0/dependencies/0";
   const std::pair<std::string, std::string> cases[] = {
       {"", "not JSON: parse error at line 1, column 1"},
       {"{'metamodels':\n  [}", "not JSON: parse error at line 2, column 4"},
-      {"{'metamodels': '\xff'}", "not JSON: parse error at line 1"},
-      {document("") + "x", "not JSON: parse error at line 1"},
+      {document("'\xff'"), "not JSON: parse error at line 1"},
       {"[]", "must be an object, not an array"},
       {"{'hops': []}", "the field 'metamodels' is missing"},
       {"{'metamodels': []}", "the field 'hops' is missing"},
       {"{'metamodels': {}, 'hops': []}", "/metamodels: must be an array, not an object"},
       {document("", "", ", 'hop': []"), "there is no field 'hop' here"},
       {document("7"), metamodel + ": must be an object, not a number"},
-      {document("{'dependencies': [], 'name': 'A'}"),
-       metamodel + ": the field 'version' is missing"},
+      {document("{'dependencies': []}"), metamodel + ": the field 'name' is missing"},
       {version("1.2"), metamodel + "/version: must be a text, not a number"},
       {version("'1.0', 'version': '2.0'"), metamodel + ": the field 'version' stands twice"},
       {document("", "{'name': null, 'name': null}"), "/hops/0: the field 'name' stands twice"},
@@ -85,8 +84,7 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
       {range("['1.0', 'z']"), dependency + "/range: 'z' is not a semantic version"},
       {range("[1, 2]"), dependency + "/range/0: must be a text, not a number"},
       {range("['2.0', '1.9.9']"), dependency + "/range: the range [2.0, 1.9.9) is reversed"},
-      {document("", "{'name': 'A', 'from': '1.0', 'to': '1.0', 'expensive': 1}"),
-       "/hops/0/expensive: must be true or false, not a number"},
+      {document("", hop), "/hops/0/expensive: must be true or false, not a number"},
       {document("", "", ", 'question': {'from': {}}"), "/question: the field 'to' is missing"},
       {document("", "", ", 'question': {'from': {'a/b': 1}, 'to': {}}"),
        "/question/from/a~1b: must be a text, not a number"},
@@ -95,8 +93,6 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
     const std::string error = errorOf([&json = json] { read(json); });
     EXPECT_EQ(error.substr(0, expected.size()), quoted(expected)) << json;
   }
-  EXPECT_EQ(errorOf([] { readJsonCatalogue(std::filesystem::path("/no/catalogue.json")); }),
-            "/no/catalogue.json: cannot be opened: No such file or directory");
   EXPECT_THROW(readJsonCatalogue(std::filesystem::path("/")), CatalogueError);
 }
 
@@ -176,11 +172,10 @@ TEST(CatalogueRepository, AnswersAsAScanOfTheListsWould) {
   }
   CatalogueRepository repository{Catalogue(contentOf(plain))};
   const auto expectSame = [&](const std::u16string& name, const VersionRange& range) {
-    std::vector<Metamodel> found;
-    std::vector<Metamodel> expected;
-    repository.findMetamodels(name, range, found);
-    plain.findMetamodels(name, range, expected);
-    EXPECT_EQ(found, expected) << range;
+    std::vector<Metamodel> found[2];
+    plain.findMetamodels(name, range, found[0]);
+    repository.findMetamodels(name, range, found[1]);
+    EXPECT_EQ(found[0], found[1]) << range;
   };
   const auto bound = [&] { return SemVer{random() % 5, random() % 5, random() % 2}; };
   for (int i = 0; i < 300; ++i) expectSame(u"A", SemVerRange{bound(), bound()});

@@ -103,7 +103,6 @@ TEST_F(Evopath, SaysWhatIsWrong) {
       {"path small.json --question", 2, "small.json: the catalogue has no question"},
       {"path missing.json --question", 2, "missing.json: cannot be opened: No such file"},
       {"path broken.json --question", 2, "broken.json: not JSON: parse error at line 2, column 16"},
-      {"path", 2, "catalogue"},
       {"", 2, "A command is required"},
       {"path --help", 0, "Example: evopath path"},
   };

