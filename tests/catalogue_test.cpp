@@ -70,7 +70,7 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
       {"{'metamodels': {}, 'hops': []}", "/metamodels: must be an array, not an object"},
       {document("", "", ", 'hop': []"), "there is no field 'hop' here"},
       {document("7"), metamodel + ": must be an object, not a number"},
-      {document("{'dependencies': []}"), metamodel + ": the field 'name' is missing"},
+      {document("{}"), metamodel + ": the field 'dependencies' is missing"},
       {version("1.2"), metamodel + "/version: must be a text, not a number"},
       {version("'1.0', 'version': '2.0'"), metamodel + ": the field 'version' stands twice"},
       {document("", "{'name': null, 'name': null}"), "/hops/0: the field 'name' stands twice"},
