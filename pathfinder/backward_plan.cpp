@@ -154,10 +154,10 @@ class PlanSearch {
       total += stepWeight(hopWeights);
       weights.push_back(stepWeight(hopWeights));
     }
-    reach(std::move(selection), total, std::move(weights), std::move(step));
+    reach(std::move(selection), total, weights, std::move(step));
   }
 
-  void reach(VersionSelection selection, std::uint64_t total, WeightSequence weights,
+  void reach(VersionSelection selection, std::uint64_t total, const WeightSequence& weights,
              BackwardPlan::Step step) {
     const auto [entry, isNew] = plan_.continuations_.try_emplace(std::move(selection));
     BackwardPlan::Continuation& known = entry->second;

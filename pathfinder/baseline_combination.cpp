@@ -48,15 +48,13 @@ class CandidateSet {
 /// Appends to `result` every way to give `baseline`, which is used up, one of the candidates.
 void extend(VersionBaseline&& baseline, const Candidates& candidates,
             std::vector<VersionBaseline>& result) {
-  for (std::size_t i = 0; i < candidates.size(); ++i) {
-    const bool isLast = i + 1 == candidates.size();
-    if (isLast) {
-      if (baseline.tryEmplace(candidates[i])) result.push_back(std::move(baseline));
-    } else if (baseline.admits(candidates[i])) {
-      result.push_back(baseline);
-      result.back().tryEmplace(candidates[i]);
-    }
+  if (candidates.empty()) return;
+  for (auto candidate = candidates.begin(); candidate != candidates.end() - 1; ++candidate) {
+    if (!baseline.admits(*candidate)) continue;
+    result.push_back(baseline);
+    result.back().tryEmplace(*candidate);
   }
+  if (baseline.tryEmplace(candidates.back())) result.push_back(std::move(baseline));
 }
 
 }  // namespace

@@ -30,11 +30,11 @@ struct Draft {
   std::vector<Hop> hops;
   std::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
   const LinkedMetamodels* linked = nullptr;               // null until linked, or if it cannot be
-  bool linkTried = false;
+  bool isLinkTried = false;
   bool losesHop = false;
   bool isEntered = false;
   bool leadsToTarget = false;
-  bool entriesTaken = false;  // whether what its links bring in was entered
+  bool areLinksEntered = false;
   bool isEntry = false;
   VersionIndex index = SearchSpace::none;
 };
@@ -231,12 +231,13 @@ class SpaceSurvey {
     for (bool changed = true; changed;) {
       changed = false;
       // Versions are met from the sources on, so most are marked in the first round.
-      for (auto draft = name.versions.rbegin(); draft != name.versions.rend(); ++draft) {
-        if ((*draft)->leadsToTarget) continue;
-        (*draft)->leadsToTarget =
-            std::any_of((*draft)->targets.begin(), (*draft)->targets.end(),
+      for (std::size_t i = name.versions.size(); i-- > 0;) {
+        Draft& draft = *name.versions[i];
+        if (draft.leadsToTarget) continue;
+        draft.leadsToTarget =
+            std::any_of(draft.targets.begin(), draft.targets.end(),
                         [](const auto& target) { return target.second->leadsToTarget; });
-        changed |= (*draft)->leadsToTarget;
+        changed |= draft.leadsToTarget;
       }
     }
   }
@@ -247,18 +248,19 @@ class SpaceSurvey {
 
   /// Links versions that can lie on a path, and enters those that their links bring in.
   void linkWhatIsOfUse() {
-    for (std::size_t i = 0; i < drafts_.size(); ++i) {  // new drafts may be added on the way
+    // New drafts may be added on the way.
+    for (std::size_t i = 0; i < drafts_.size(); ++i) {  // NOLINT(modernize-loop-convert)
       Draft& draft = drafts_[i];
-      if (!draft.isEntered || !isOfUse(draft) || draft.entriesTaken) continue;
+      if (!draft.isEntered || !isOfUse(draft) || draft.areLinksEntered) continue;
       link(draft);
-      draft.entriesTaken = true;
+      draft.areLinksEntered = true;
       if (draft.linked == nullptr) continue;
       for (const auto& variant : *draft.linked) enterLinks(*variant);
     }
   }
 
   void link(Draft& draft) {
-    if (std::exchange(draft.linkTried, true)) return;
+    if (std::exchange(draft.isLinkTried, true)) return;
     try {
       draft.linked = &question_.repository.getLinkedMetamodels(*draft.descriptor);
     } catch (const Conflict&) {
