@@ -47,7 +47,7 @@ class BruteForce {
       for (std::size_t i = 0; i < way.steps.size(); ++i) {
         Hops path = way.path;
         path.push_back(way.steps[i]);
-        Rank rank{way.rank[0] + weightOf(path.back().hops)};
+        Rank rank{way.rank[0] + question_.repository.getWeight(path.back().hops)};
         rank.insert(rank.end(), way.rank.begin(), way.rank.end());
         rank.push_back(i);
         isBetter |= offer(path.back().to, rank, path);
@@ -73,12 +73,6 @@ class BruteForce {
       answerRank_ = rank;
     }
     return true;
-  }
-
-  static std::uint64_t weightOf(const LockstepHop& hops) {
-    const auto expensive = static_cast<std::uint64_t>(std::count_if(
-        hops.begin(), hops.end(), [](const auto& entry) { return entry.second.expensive; }));
-    return expensive * 1'000'000'000 + (expensive == hops.size() ? 0 : hops.size() - expensive + 1);
   }
 
   /// Every choice of hops, the first name changing fastest, with every baseline that it leads to.

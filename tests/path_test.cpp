@@ -53,17 +53,21 @@ TEST(FindPath, BetweenSelections) {
 }
 
 TEST(FindPath, TellsNothingToDoFromNoPath) {
-  TestRepository repository("A1..2 B1..2");
-  const Baselines a1 = repository.baselines("A1");
+  TestRepository repository("A1..3 A3>1 B1..2");
+  const Baselines a = repository.baselines("A1, A2, A3");
+  const Baselines downFirst = repository.baselines("A3, A1");
+  const auto path = [&](const auto&... ends) { return describe(repository.findPath(ends...)); };
   const Baselines a1b1 = repository.baselines("A1 B1");
   const Baselines both = repository.baselines("A1 B1, A1");
   const std::tuple<std::function<std::string()>, std::string, std::string> cases[] = {
       // Answered without a search: inclusion in the one baseline, equality to one of several.
-      {[&] { return describe(repository.findPath(a1b1[0], a1[0])); }, "", ""},
-      {[&] { return describe(repository.findPath(both, selection("A1"))); }, "", ""},
-      {[&] { return describe(repository.findPath(a1b1, selection("A1"))); }, "", reached},
-      {[&] { return describe(repository.findPath(Baselines(), selection("A1"))); }, "none",
-       exhausted},
+      {[&] { return path(a1b1[0], a[0]); }, "", ""},
+      {[&] { return path(both, selection("A1")); }, "", ""},
+      {[&] { return path(a1b1, selection("A1")); }, "", reached},
+      {[&] { return path(Baselines(), selection("A1")); }, "none", exhausted},
+      // The direction is that between the first baselines: back and up again is no way down.
+      {[&] { return path(a[2], a[1]); }, "none", exhausted},
+      {[&] { return path(downFirst, selection("A2")); }, "none", exhausted},
       {[&] { return repository.path("A1 B1", "A1"); }, "", reached},
       {[&] { return repository.path("", "A1"); }, "none", exhausted},
       {[&] { return repository.path("A1", ""); }, "none", exhausted},
@@ -108,6 +112,7 @@ TEST_F(PathCacheTest, AnswersTheSameQuestionWithoutAnyCall) {
 TEST_F(PathCacheTest, IsLookedUpBeforeTheTargetTestAndForTheFirstPairInListOrder) {
   const std::string longPath = repository.path("S1", "S5");
   const std::string shortPath = repository.path("S4", "S5");
+  repository.path("S1", "S2");
   const std::string pathDown = repository.path("S4", "S3", backward);
   EXPECT_EQ(repository.path("S5, S1", "S5"), longPath);
   EXPECT_EQ(repository.path("S1, S4", "S5"), longPath);
@@ -150,15 +155,18 @@ TEST_F(PathCacheTest, StoreRecordsHaveALevelOfTheirOwn) {
                                         "4 Direction is Forward", "4 Found Path in cache",
                                         "4 Baseline {S@2.0.0}", "4 Baseline {S@3.0.0}"}));
   repository.invalidatePathfindingCache();
-  // While the search below runs, another one stores the same path: the records are written all the
-  // same.
+  // While the search below runs, another one finds a new way and stores it. That one stays, and
+  // the records are written all the same.
   bool asked = false;
   repository.onCall = [&](const std::string& call) {
-    if (call == "findHops S2" && !std::exchange(asked, true)) ask();
+    if (call != "findHops S2" || std::exchange(asked, true)) return;
+    repository.add("S1>3");
+    ask();
   };
-  const Lines once = stored;
-  stored.insert(stored.end(), once.begin(), once.end());
+  stored.insert(stored.begin(), {"8 Emplace Path to cache:", "8 Baseline {S@1.0.0}",
+                                 "8 \t-> Baseline {S@3.0.0}", "8 END OF PATH"});
   EXPECT_EQ(traceOf(8, ask), stored);
+  EXPECT_EQ(repository.path("S1", "S3"), "S1>3 => S3\n");
 
   const Lines records = traceOf(4, [&] { repository.path("S4, S4", "S1"); });
   EXPECT_EQ(std::count(records.begin(), records.end(),
