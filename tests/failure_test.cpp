@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <system_error>
 
 #include "messages/report_exception.hpp"
@@ -27,30 +28,34 @@ using tarn::evolution::diagnostics::trace;
 using tarn::evolution::diagnostics::TraceLevel;
 using Lines = std::vector<std::string>;
 
-/// Asks a question once for each callback that it takes, with just that callback failing, and then
-/// again.
+using Ask = std::function<std::string(TestRepository&)>;
+
+/// Asks with the k-th callback failing, and then again.
+void failOnce(TestRepository& repository, std::size_t k, const Ask& ask,
+              const std::string& expected) {
+  repository.onCall = [&k](const std::string&) {
+    if (--k == 0) throw CallbackFailure();
+  };
+  EXPECT_THROW(ask(repository), CallbackFailure);
+  const Lines records = traceOf(4, [&] { EXPECT_EQ(ask(repository), expected); });
+  EXPECT_EQ(std::count(records.begin(), records.end(), "4 Found Path in cache"), 0);
+}
+
+/// Asks a question once for each callback that it takes, with just that callback failing.
 void failAtEachCallback(const std::string& catalogue, const std::string& from,
                         const std::string& to) {
-  const auto ask = [&](TestRepository& repository) {
+  const Ask ask = [&](TestRepository& repository) {
     return describe(repository.findPath(selection(from), selection(to)));
   };
   TestRepository fresh(catalogue);
   const std::string expected = ask(fresh);
-  EXPECT_NE(expected, "none");
-  for (const char* operation :
-       {"getEquivalentSemVer", "getMetamodel", "findMetamodels", "findHops", "loadMetamodel"}) {
-    EXPECT_NE(fresh.callsOf(operation), "") << operation;
-  }
+  std::set<std::string> callbacks;
+  for (const std::string& call : fresh.calls) callbacks.insert(call.substr(0, call.find(' ')));
+  EXPECT_TRUE(expected != "none" && callbacks.size() == 5U);
   for (std::size_t k = 1; k <= fresh.calls.size(); ++k) {
     SCOPED_TRACE("call " + std::to_string(k) + ": " + fresh.calls[k - 1]);
     TestRepository repository(catalogue);
-    auto left = k;
-    repository.onCall = [&left](const std::string&) {
-      if (--left == 0) throw CallbackFailure();
-    };
-    EXPECT_THROW(ask(repository), CallbackFailure);
-    const Lines records = traceOf(4, [&] { EXPECT_EQ(ask(repository), expected); });
-    EXPECT_EQ(std::count(records.begin(), records.end(), "4 Found Path in cache"), 0);
+    failOnce(repository, k, ask, expected);
   }
 }
 

@@ -54,8 +54,9 @@ void RandomQuestion::addVersions(char name, std::size_t last) {
   for (const auto& before : versions) {
     for (const auto& after : versions) {
       if (&before == &after || (&before + 1 != &after && !chance(20))) continue;
+      const std::string hop = std::string{' ', name}.append(before).append(">").append(after);
       for (int copies = chance(8) ? 2 : 1; copies > 0; --copies) {
-        catalogue += std::string{' ', name} + before + ">" + after + (chance(15) ? "!" : "");
+        catalogue += hop + (chance(15) ? "!" : "");
       }
     }
   }
