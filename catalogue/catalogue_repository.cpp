@@ -1,5 +1,6 @@
 #include "catalogue/catalogue_repository.hpp"
 
+#include <set>
 #include <utility>
 
 namespace tarn::evolution::catalogue {
@@ -26,6 +27,34 @@ void CatalogueRepository::findHops(const std::u16string& name, const pathfinder:
   for (const auto position : catalogue_.index().hopsFrom(name, from)) {
     result.push_back(catalogue_.hops()[position]);
   }
+}
+
+std::vector<std::u16string> CatalogueRepository::listNames() {
+  std::set<std::u16string> names;
+  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
+    names.insert(metamodel.descriptor.name);
+  }
+  return {names.begin(), names.end()};
+}
+
+std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
+  std::vector<CatalogueMetamodel> result;
+  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
+    if (metamodel.descriptor.name == name) result.push_back(metamodel);
+  }
+  return result;
+}
+
+std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string& name) {
+  std::vector<pathfinder::Hop> result;
+  for (const pathfinder::Hop& hop : catalogue_.hops()) {
+    if (hop.name == name) result.push_back(hop);
+  }
+  return result;
+}
+
+std::optional<Question> CatalogueRepository::getQuestion() {
+  return catalogue_.question();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "catalogue/browsable_repository.hpp"
 #include "catalogue/catalogue.hpp"
-#include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -9,7 +9,7 @@ namespace tarn::evolution::catalogue {
 /// A repository whose metamodels and hops are those of a catalogue, in the catalogue's order.
 ///
 /// A text version that has a semantic equivalent is answered wherever the equivalent is asked for.
-class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public pathfinder::VersionRepository {
+class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepository {
  public:
   explicit CatalogueRepository(Catalogue catalogue);
 
@@ -21,6 +21,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public pathfinder::V
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
+
+  std::vector<std::u16string> listNames() override;
+  std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
+  std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
+  std::optional<Question> getQuestion() override;
 
  private:
   Catalogue catalogue_;

@@ -1,21 +1,23 @@
-#include "path_command.hpp"
-
 #include <iostream>
-#include <stdexcept>
+#include <memory>
 
-#include "catalogue/catalogue_repository.hpp"
-#include "catalogue/json_catalogue.hpp"
+#include "catalogue/open_catalogue.hpp"
+#include "command.hpp"
 #include "path_report.hpp"
 #include "platform/in_memory/logging.hpp"
-#include "selection_argument.hpp"
+#include "question_options.hpp"
 
 namespace evopath {
 
-using tarn::evolution::catalogue::Catalogue;
-using tarn::evolution::catalogue::CatalogueRepository;
+using tarn::evolution::catalogue::BrowsableRepository;
 using tarn::evolution::catalogue::Question;
 
 namespace {
+
+struct PathOptions : QuestionOptions {
+  bool json = false;
+  bool trace = false;
+};
 
 void traceToStandardError() {
   foundation::log::in_memory::addRecordSink(
@@ -25,17 +27,7 @@ void traceToStandardError() {
   foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
 }
 
-Question findQuestion(const PathOptions& options, const Catalogue& catalogue) {
-  if (!options.question) {
-    return {parseSelection("--from", options.from), parseSelection("--to", options.to)};
-  }
-  if (!catalogue.question()) {
-    throw std::invalid_argument(options.catalogue.string() + ": the catalogue has no question");
-  }
-  return *catalogue.question();
-}
-
-PathReport answer(CatalogueRepository& repository, const Question& question) {
+PathReport answer(BrowsableRepository& repository, const Question& question) {
   if (const auto path = repository.findPath(question.from, question.to)) {
     return reportPath(repository, *path);
   }
@@ -48,16 +40,28 @@ PathReport answer(CatalogueRepository& repository, const Question& question) {
   return reportNoPath("no sequence of steps leads there.");
 }
 
-}  // namespace
-
 ExitStatus runPath(const PathOptions& options) {
   if (options.trace) traceToStandardError();
-  Catalogue catalogue = tarn::evolution::catalogue::readJsonCatalogue(options.catalogue);
-  const Question question = findQuestion(options, catalogue);
-  CatalogueRepository repository(std::move(catalogue));
-  const PathReport report = answer(repository, question);
+  const auto repository = tarn::evolution::catalogue::openCatalogue(options.catalogue);
+  const PathReport report = answer(*repository, options.ask(*repository));
   (options.json ? printJson : printText)(report, std::cout);
   return report.found ? found : noPath;
+}
+
+}  // namespace
+
+void addPathCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<PathOptions>();
+  CLI::App* path =
+      program.add_subcommand("path", "Find the least-weight path between two selections");
+  options->addTo(*path);
+  path->add_flag("--json", options->json, "Print the answer as JSON");
+  path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");
+  path->footer(
+      "Exit status: 0 a path was found, 1 there is none, 2 bad usage or input.\n"
+      "Example: evopath path data/operators.json --from cert-manager=1.12.1 --to "
+      "cert-manager=1.14.2");
+  path->callback([options, &action] { action = [options] { return runPath(*options); }; });
 }
 
 }  // namespace evopath

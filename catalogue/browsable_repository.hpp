@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "catalogue/catalogue.hpp"
+#include "pathfinder/version_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// A repository that can also list what it holds, as the tools need that explain, check and draw.
+class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::VersionRepository {
+ public:
+  /// The names of all metamodels, ascending.
+  virtual std::vector<std::u16string> listNames() = 0;
+
+  /// The versions of a metamodel, in the catalogue's order; none for an unknown name.
+  virtual std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) = 0;
+
+  /// The hops of a metamodel, in the catalogue's order; none for an unknown name.
+  virtual std::vector<pathfinder::Hop> listHops(const std::u16string& name) = 0;
+
+  /// The question that the catalogue comes with, if any.
+  virtual std::optional<Question> getQuestion() = 0;
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,12 @@
+#include "catalogue/open_catalogue.hpp"
+
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/json_catalogue.hpp"
+
+namespace tarn::evolution::catalogue {
+
+std::unique_ptr<BrowsableRepository> openCatalogue(const std::filesystem::path& file) {
+  return std::make_unique<CatalogueRepository>(readJsonCatalogue(file));
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "catalogue/browsable_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The repository of a catalogue file, whatever its form. Throws CatalogueError, which names the
+/// file, when it cannot be read or is unsound.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::unique_ptr<BrowsableRepository> openCatalogue(
+    const std::filesystem::path& file);
+
+}  // namespace tarn::evolution::catalogue

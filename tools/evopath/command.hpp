@@ -1,0 +1,19 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "exit_status.hpp"
+
+namespace evopath {
+
+/// What a command does once the command line has been read; throws for bad input.
+using Action = std::function<ExitStatus()>;
+
+/// Adds a command, with its options, to the program; if it is the one given, `action` becomes what
+/// it does.
+using AddCommand = void (*)(CLI::App& program, Action& action);
+
+void addPathCommand(CLI::App& program, Action& action);
+
+}  // namespace evopath
