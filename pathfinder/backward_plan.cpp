@@ -4,6 +4,8 @@
 #include <queue>
 #include <span>
 
+#include "pathfinder/deferral.hpp"
+#include "pathfinder/incoming_hops.hpp"
 #include "pathfinder/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -14,16 +16,10 @@ namespace tarn::evolution::pathfinder {
 class PlanSearch {
  public:
   PlanSearch(const StepFormation::Ground& ground, const std::vector<VersionSelection>& sources)
-      : ground_(ground), sources_(sources.begin(), sources.end()) {
-    for (VersionIndex version = 0; version < ground.space.versions.size(); ++version) {
-      for (const SearchSpace::Move& move : ground.space.versions[version].moves) {
-        into_.push_back({move.target, {version, hopWeight(move.expensive)}});
-      }
-    }
-    // Equal hops are one option: which of them is taken is decided when the plan is carried out.
-    std::sort(into_.begin(), into_.end());
-    into_.erase(std::unique(into_.begin(), into_.end()), into_.end());
-  }
+      : ground_(ground),
+        sources_(sources.begin(), sources.end()),
+        incoming_(ground.space, ground.outlooks),
+        deferral_(ground.space, ground.coexistence, incoming_, sources) {}
 
   std::optional<BackwardPlan> run(const std::vector<VersionSelection>& targets) {
     for (const VersionSelection& target : targets) beginAt(target);
@@ -49,14 +45,6 @@ class PlanSearch {
 
  private:
   using Option = StepFormation::Option;
-
-  /// A hop, by the version that it leads to.
-  struct Arrival {
-    VersionIndex at;
-    Option by;
-
-    auto operator<=>(const Arrival&) const = default;
-  };
 
   /// A selection from which steps back are formed, with what is decided after it.
   struct Stage {
@@ -84,7 +72,7 @@ class PlanSearch {
   };
 
   void beginAt(const VersionSelection& target) {
-    StepFormation formation(ground_, false);
+    StepFormation formation(ground_, StepFormation::Kind::LastSelection);
     for (NameIndex name = 0; name < target.size(); ++name) {
       const SearchSpace::Name& range = ground_.space.names[name];
       const bool isFree = target[name] == SearchSpace::none;
@@ -98,11 +86,22 @@ class PlanSearch {
 
   void stepBackFrom(const VersionSelection& selection, std::uint64_t total,
                     const WeightSequence& weights) {
-    StepFormation formation(ground_, true);
+    const bool mayRest = std::any_of(selection.begin(), selection.end(), [this](VersionIndex held) {
+      const auto hops = incoming_.into(held);
+      return std::any_of(hops.begin(), hops.end(),
+                         [](const IncomingHop& hop) { return hop.weight == hopWeight(true); });
+    });
+    StepFormation formation(
+        ground_, mayRest ? StepFormation::Kind::Step : StepFormation::Kind::StepWithOrdinaryHop);
     for (const VersionIndex version : selection) {
-      auto hop = std::lower_bound(into_.begin(), into_.end(), Arrival{version, {}});
-      for (; hop != into_.end() && hop->at == version; ++hop) formation.addOption(hop->by);
-      formation.addOption({version});
+      for (const IncomingHop& hop : incoming_.into(version)) {
+        formation.addOption({hop.before, hop.weight});
+      }
+      const Deferral::Stay stay = deferral_.stayAt(version, selection);
+      if (stay == Deferral::Stay::Always) formation.addOption({version});
+      if (stay == Deferral::Stay::WithoutOrdinaryHop && mayRest) {
+        formation.addOption({version, 0, true});
+      }
       const SearchSpace::Version& held = ground_.space.versions[version];
       const VersionIndex absent = ground_.space.names[held.name].absent;
       if (held.isEntry && absent != SearchSpace::none) formation.addOption({absent});
@@ -139,6 +138,7 @@ class PlanSearch {
   void complete(const Node& node) {
     const Stage& stage = *node.stage;
     const std::vector<Option> chosen = stage.formation.chosen(node.partial);
+    if (chosen.empty()) return;
     VersionSelection selection;
     BackwardPlan::Step step{{}, stage.after};
     std::uint64_t total = stage.total;
@@ -150,7 +150,7 @@ class PlanSearch {
     if (stage.after != nullptr) {
       std::uint64_t hopWeights = 0;
       for (const std::uint64_t hop : step.hops) hopWeights += hop;
-      if (hopWeights == 0 || !isBroughtIn(selection, *stage.after)) return;
+      if (!isBroughtIn(selection, *stage.after)) return;
       total += stepWeight(hopWeights);
       weights.push_back(stepWeight(hopWeights));
     }
@@ -214,7 +214,8 @@ class PlanSearch {
 
   const StepFormation::Ground& ground_;
   std::set<VersionSelection> sources_;
-  std::vector<Arrival> into_;  // ascending
+  const IncomingHops incoming_;
+  const Deferral deferral_;
   std::priority_queue<std::shared_ptr<Node>, std::vector<std::shared_ptr<Node>>, IsAfter> waiting_;
   std::uint64_t added_ = 0;
   PlanBound bound_;  // of the node being added; kept for its memory

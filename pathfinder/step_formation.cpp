@@ -23,11 +23,15 @@ bool comesFirst(const WeightSequence& left, const WeightSequence& right) {
   return *l > *r;
 }
 
+StepFormation::StepFormation(const Ground& ground, Kind kind) : ground_(ground), kind_(kind) {
+  names_.reserve(ground.space.names.size());
+  candidates_.reserve(2 * ground.space.names.size());
+}
+
 void StepFormation::addOption(const Option& option) {
   const Outlook& outlook = ground_.outlooks[option.before];
   if (!outlook.arrives) return;
   candidates_.push_back({option, option.hop + outlook.distance, &outlook});
-  hasExpensiveHop_ |= option.hop == hopWeight(true);
   retreatLength_ = std::max<std::size_t>(retreatLength_, outlook.retreatLength);
 }
 
@@ -45,7 +49,7 @@ void StepFormation::endName() {
 
 StepFormation::Partial StepFormation::begin() const {
   Partial partial;
-  partial.words.resize(openWords_ + 2 * retreatLength_);
+  partial.words.resize(openWords_ + retreatLength_);
   std::fill_n(partial.words.begin(), openWords_, ~std::uint64_t{0});
   for (const Row& row : names_) partial.steps = std::max(partial.steps, fewestSteps(partial, row));
   recount(partial);
@@ -62,46 +66,37 @@ std::uint32_t StepFormation::fewestSteps(const Partial& partial, const Row& row)
 
 /// Adds a name's best options to the sums.
 void StepFormation::count(Partial& partial, const Row& row) const {
-  const Candidate* cheapest = best(partial, row, ~std::uint32_t{0}, true);
-  if (cheapest != nullptr) partial.leastEver += cheapest->least;
-  const auto add = [&](Sum& sum, std::size_t retreats, bool withOrdinaryHop) {
-    const Candidate* candidate = best(partial, row, partial.steps, withOrdinaryHop);
-    if (candidate == nullptr) {
-      ++sum.unmet;
-      return;
-    }
-    sum.least += candidate->least;
-    sum.hops += candidate->option.hop;
-    visitRetreat(ground_.outlooks, candidate->option.before,
-                 [&](std::uint64_t weight) { partial.words[retreats++] += weight; });
-  };
-  add(partial.resting, restingRetreats(), false);
-  add(partial.moving, movingRetreats(), true);
+  partial.leastEver += leastOf(partial, row);
+  const Candidate* candidate = best(partial, row, partial.steps, isStep());
+  if (candidate == nullptr) {
+    ++partial.sum.unmet;
+    return;
+  }
+  partial.sum.least += candidate->least;
+  partial.sum.hops += candidate->option.hop;
+  std::uint64_t* retreats = &partial.words[openWords_];
+  visitRetreat(ground_.outlooks, candidate->option.before,
+               [&](std::uint64_t weight) { *retreats++ += weight; });
 }
 
 /// Takes a name's best options out of the sums.
 void StepFormation::discount(Partial& partial, const Row& row) const {
-  const Candidate* cheapest = best(partial, row, ~std::uint32_t{0}, true);
-  if (cheapest != nullptr) partial.leastEver -= cheapest->least;
-  const auto subtract = [&](Sum& sum, std::size_t retreats, bool withOrdinaryHop) {
-    const Candidate* candidate = best(partial, row, partial.steps, withOrdinaryHop);
-    if (candidate == nullptr) {
-      --sum.unmet;
-      return;
-    }
-    sum.least -= candidate->least;
-    sum.hops -= candidate->option.hop;
-    visitRetreat(ground_.outlooks, candidate->option.before,
-                 [&](std::uint64_t weight) { partial.words[retreats++] -= weight; });
-  };
-  subtract(partial.resting, restingRetreats(), false);
-  subtract(partial.moving, movingRetreats(), true);
+  partial.leastEver -= leastOf(partial, row);
+  const Candidate* candidate = best(partial, row, partial.steps, isStep());
+  if (candidate == nullptr) {
+    --partial.sum.unmet;
+    return;
+  }
+  partial.sum.least -= candidate->least;
+  partial.sum.hops -= candidate->option.hop;
+  std::uint64_t* retreats = &partial.words[openWords_];
+  visitRetreat(ground_.outlooks, candidate->option.before,
+               [&](std::uint64_t weight) { *retreats++ -= weight; });
 }
 
 void StepFormation::recount(Partial& partial) const {
   partial.leastEver = 0;
-  partial.resting = {};
-  partial.moving = {};
+  partial.sum = {};
   std::fill(partial.words.begin() + static_cast<std::ptrdiff_t>(openWords_), partial.words.end(),
             0);
   for (const Row& row : names_) count(partial, row);
@@ -159,9 +154,17 @@ bool StepFormation::decide(Partial& partial, std::size_t candidate) const {
   if (steps > partial.steps) {
     partial.steps = steps;
     partial.isRough = true;
-    if (!isStep_ || hasExpensiveHop_) refine(partial);
+    if (kind_ != Kind::StepWithOrdinaryHop) refine(partial);
   }
   return true;
+}
+
+/// The least weight of an option, for any number of steps before.
+std::uint64_t StepFormation::leastOf(const Partial& partial, const Row& row) const {
+  for (std::size_t i = row.first; i < row.end; ++i) {
+    if (isOpen(partial, i)) return candidates_[i].least;
+  }
+  return 0;
 }
 
 const StepFormation::Candidate* StepFormation::best(const Partial& partial, const Row& row,
@@ -170,7 +173,9 @@ const StepFormation::Candidate* StepFormation::best(const Partial& partial, cons
   for (std::size_t i = row.first; i < row.end; ++i) {
     const Candidate& candidate = candidates_[i];
     if (!isOpen(partial, i) || candidate.outlook->ordinarySteps > steps) continue;
-    if (withOrdinaryHop || candidate.option.hop != hopWeight(false)) return &candidate;
+    const bool isFit = withOrdinaryHop ? !candidate.option.withoutOrdinaryHop
+                                       : candidate.option.hop != hopWeight(false);
+    if (isFit) return &candidate;
   }
   return nullptr;
 }
@@ -179,7 +184,7 @@ void StepFormation::setBound(PlanBound& bound, const Sum& sum, const std::uint64
                              std::uint32_t steps, bool withOrdinaryHop) const {
   bound.total = sum.least + steps + (withOrdinaryHop ? 1 : 0);
   bound.weights.clear();
-  if (isStep_) bound.weights.push_back(stepWeight(sum.hops));
+  if (isStep()) bound.weights.push_back(stepWeight(sum.hops));
   std::uint32_t ordinarySteps = steps;
   for (std::size_t i = 0; i < retreatLength_ && retreats[i] > 0; ++i) {
     const bool isOrdinary = ordinarySteps > 0 && ordinaryPart(retreats[i]) > 0;
@@ -195,24 +200,14 @@ void StepFormation::refine(Partial& partial) const {
 
 bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
   if (partial.isRough) {
-    // Without any hop in this step; with one, the total is greater by one.
-    bound.total = partial.leastEver + partial.steps;
-    bound.weights = {0, std::numeric_limits<std::uint64_t>::max()};
+    bound.total = partial.leastEver + partial.steps + 1;
+    bound.weights = {std::numeric_limits<std::uint64_t>::max()};
     return true;
   }
-  const Sum& sum = isStep_ ? partial.moving : partial.resting;
-  // More steps before could only help if the cheapest options of all were not among the usable. A
-  // step without an ordinary hop could only be the heavier one by its expensive hops.
-  if (sum.unmet > 0 || sum.least > partial.leastEver || (isStep_ && hasExpensiveHop_)) {
-    return findBoundByTrial(partial, bound);
-  }
-  const std::size_t retreats = isStep_ ? movingRetreats() : restingRetreats();
-  setBound(bound, sum, partial.words.data() + retreats, partial.steps, isStep_);
-  if (!isStep_ || partial.resting.unmet > 0) return true;
-  PlanBound resting;
-  setBound(resting, partial.resting, partial.words.data() + restingRetreats(), partial.steps,
-           false);
-  if (isBetter(resting, bound)) bound = std::move(resting);
+  // More steps before could only help if the cheapest options of all were not among the usable.
+  const bool isSettled = partial.sum.unmet == 0 && partial.sum.least == partial.leastEver;
+  if (!isSettled || kind_ == Kind::Step) return findBoundByTrial(partial, bound);
+  setBound(bound, partial.sum, &partial.words[openWords_], partial.steps, isStep());
   return true;
 }
 
@@ -226,7 +221,7 @@ bool StepFormation::findBoundByTrial(const Partial& partial, PlanBound& bound) c
   PlanBound tried;
   WeightSequence retreats;
   for (const bool withOrdinaryHop : {false, true}) {
-    if (withOrdinaryHop && !isStep_) continue;
+    if (withOrdinaryHop ? !isStep() : kind_ == Kind::StepWithOrdinaryHop) continue;
     for (std::uint32_t steps = partial.steps; steps <= most; ++steps) {
       if (isFound && partial.leastEver + steps + (withOrdinaryHop ? 1 : 0) > bound.total) break;
       Sum sum;
@@ -257,13 +252,18 @@ bool StepFormation::sumUp(const Partial& partial, std::uint32_t steps, bool with
 
 std::vector<StepFormation::Option> StepFormation::chosen(const Partial& partial) const {
   std::vector<Option> result;
+  result.reserve(names_.size());
+  std::uint64_t hops = 0;
+  bool mayHaveOrdinaryHop = true;
   for (const Row& row : names_) {
-    for (std::size_t i = row.first; i < row.end; ++i) {
-      if (!isOpen(partial, i)) continue;
-      result.push_back(candidates_[i].option);
-      break;
-    }
+    std::size_t i = row.first;
+    while (!isOpen(partial, i)) ++i;
+    result.push_back(candidates_[i].option);
+    hops += result.back().hop;
+    mayHaveOrdinaryHop &= !result.back().withoutOrdinaryHop;
   }
+  const bool isStepMade = hops > 0 && (mayHaveOrdinaryHop || ordinaryPart(hops) == 0);
+  if (isStep() && !isStepMade) result.clear();
   return result;
 }
 

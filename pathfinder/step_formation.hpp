@@ -30,13 +30,14 @@ struct PlanBound {
 /// Each name has options: to stay where it is, to come over one of the hops that lead to its
 /// version, or, if a link can bring the version in, to have been absent. The formation of a last
 /// selection, after which there is no step, has the versions that a target admits for options.
+///
+/// A step has an ordinary hop or, if there is an expensive one, may do without.
 class StepFormation {
  public:
   struct Option {
     VersionIndex before = 0;
-    std::uint64_t hop = 0;  ///< the hop's weight; 0 for no hop
-
-    auto operator<=>(const Option&) const = default;
+    std::uint64_t hop = 0;            ///< the hop's weight; 0 for no hop
+    bool withoutOrdinaryHop = false;  ///< only for a step that has none
   };
 
   /// The best options of all names together, for some number of steps before.
@@ -59,11 +60,10 @@ class StepFormation {
     std::uint32_t steps =
         0;  ///< with an ordinary hop, before this one: the fewest that every name needs
     std::uint64_t leastEver = 0;  ///< of the options, for any number of steps before
-    Sum resting;                  ///< for `steps` before, without an ordinary hop in this one
-    Sum moving;                   ///< for `steps` before, with an ordinary hop in this one
+    Sum sum;                      ///< for `steps` before, with an ordinary hop in a step
 
-    /// The open options, a bit each; then the retreats that `resting` sums up, entry by entry; then
-    /// those of `moving`. In one piece, because there are many partial steps.
+    /// The open options, a bit each, and the retreats of the sum, entry by entry. In one piece,
+    /// because there are many partial steps.
     std::vector<std::uint64_t> words;
   };
 
@@ -74,10 +74,17 @@ class StepFormation {
     const Outlooks& outlooks;
   };
 
-  /// Without names yet. `isStep` is false for the formation of a last selection.
-  StepFormation(const Ground& ground, bool isStep) : ground_(ground), isStep_(isStep) {}
+  /// What is formed.
+  enum class Kind {
+    LastSelection,
+    Step,                 ///< with an ordinary hop, or without
+    StepWithOrdinaryHop,  ///< there are no others to choose from
+  };
 
-  /// Gives the name that is being added an option, unless it can never be held.
+  /// Without names yet.
+  StepFormation(const Ground& ground, Kind kind);
+
+  /// Gives the name that is being added an option, unless it leads to where no path goes.
   void addOption(const Option& option);
 
   /// Ends the name that is being added; names are added in ascending order.
@@ -113,7 +120,7 @@ class StepFormation {
   /// Brings a rough step's sums up to date, so that its bound is as good as can be.
   void refine(Partial& partial) const;
 
-  /// The option of each name of a complete step.
+  /// The option of each name of a complete step; none when these make no step.
   std::vector<Option> chosen(const Partial& partial) const;
 
  private:
@@ -137,11 +144,11 @@ class StepFormation {
   }
   bool decide(Partial& partial, std::size_t candidate) const;
   std::uint32_t fewestSteps(const Partial& partial, const Row& row) const;
+  bool isStep() const { return kind_ != Kind::LastSelection; }
+  std::uint64_t leastOf(const Partial& partial, const Row& row) const;
   const Candidate* best(const Partial& partial, const Row& row, std::uint32_t steps,
                         bool withOrdinaryHop) const;
 
-  std::size_t restingRetreats() const { return openWords_; }
-  std::size_t movingRetreats() const { return openWords_ + retreatLength_; }
   void count(Partial& partial, const Row& row) const;
   void discount(Partial& partial, const Row& row) const;
   void recount(Partial& partial) const;
@@ -153,8 +160,7 @@ class StepFormation {
              WeightSequence& retreats) const;
 
   const Ground& ground_;
-  bool isStep_;
-  bool hasExpensiveHop_ = false;
+  const Kind kind_;
   std::size_t openWords_ = 0;
   std::size_t retreatLength_ = 0;  // of the longest
   std::vector<Row> names_;

@@ -1,0 +1,28 @@
+#include "pathfinder/incoming_hops.hpp"
+
+#include <algorithm>
+
+#include "pathfinder/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+IncomingHops::IncomingHops(const SearchSpace& space, const Outlooks& outlooks) {
+  hops_.reserve(space.moves.size());
+  for (VersionIndex before = 0; before < space.versions.size(); ++before) {
+    if (!outlooks[before].arrives) continue;
+    for (const SearchSpace::Move& move : space.versions[before].moves) {
+      hops_.push_back({move.target, before, hopWeight(move.expensive)});
+    }
+  }
+  std::sort(hops_.begin(), hops_.end());
+  hops_.erase(std::unique(hops_.begin(), hops_.end()), hops_.end());
+  starts_.reserve(space.versions.size() + 1);
+  std::size_t next = 0;
+  for (VersionIndex version = 0; version < space.versions.size(); ++version) {
+    starts_.push_back(next);
+    while (next < hops_.size() && hops_[next].target == version) ++next;
+  }
+  starts_.push_back(next);
+}
+
+}  // namespace tarn::evolution::pathfinder
