@@ -57,6 +57,34 @@ void extend(VersionBaseline&& baseline, const Candidates& candidates,
   if (baseline.tryEmplace(candidates.back())) result.push_back(std::move(baseline));
 }
 
+/// Gives the baseline the only candidate of a name, with its links; false, and the baseline is
+/// spoilt, when it holds another linked metamodel under one of their names.
+bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>& candidate) {
+  const auto [own, isNew] = baseline.metamodels.try_emplace(candidate->name, candidate);
+  if (!isNew) return own->second == candidate;
+  const auto& links = candidate->linkedMetamodels;
+  return std::all_of(links.begin(), links.end(), [&](const auto& link) {
+    const auto [held, isAdded] = baseline.metamodels.try_emplace(link.first, link.second);
+    return isAdded || held->second == link.second;
+  });
+}
+
+/// Gives each baseline the only candidate of a name; drops those that disagree with it.
+void keepComplete(std::vector<VersionBaseline>& partial,
+                  const std::shared_ptr<LinkedMetamodel>& candidate) {
+  auto kept = partial.begin();
+  for (auto baseline = partial.begin(); baseline != partial.end(); ++baseline) {
+    if (!complete(*baseline, candidate)) continue;
+    if (kept != baseline) *kept = std::move(*baseline);
+    ++kept;
+  }
+  partial.erase(kept, partial.end());
+}
+
+bool hasOnlyCandidate(const Alternatives& name) {
+  return name.candidates->size() == 1 && name.candidates->front()->name == *name.name;
+}
+
 }  // namespace
 
 std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives) {
@@ -65,6 +93,10 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
       startWith(*alternatives.front().candidates, alternatives.size());
   for (auto next = alternatives.begin() + 1; next != alternatives.end() && !partial.empty();
        ++next) {
+    if (hasOnlyCandidate(*next)) {
+      keepComplete(partial, next->candidates->front());
+      continue;
+    }
     const CandidateSet candidates(*next->candidates);
     std::vector<VersionBaseline> extended;
     extended.reserve(partial.size());

@@ -68,10 +68,22 @@ Coexistence::Coexistence(const SearchSpace& space) : space_(space) {
   }
 }
 
+/// Which names link others or are linked.
+std::vector<bool> Coexistence::linkedNames() const {
+  std::vector<bool> isLinked(space_.names.size());
+  for (const SearchSpace::Variant& variant : space_.variants) {
+    if (variant.closure.size() <= 1) continue;
+    for (const SearchSpace::Link& link : variant.closure) isLinked[link.name] = true;
+  }
+  return isLinked;
+}
+
 void Coexistence::surveyClosures() {
   holdings_.resize(space_.names.size());
   std::vector<std::size_t> closuresHolding(space_.names.size());
+  const std::vector<bool> isLinked = linkedNames();
   for (NameIndex name = 0; name < space_.names.size(); ++name) {
+    if (!isLinked[name]) continue;
     Holdings& holdings = holdings_[name];
     std::size_t closures = 0;
     for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {

@@ -41,6 +41,7 @@ class Coexistence {
   /// none.
   using Projection = std::vector<VariantIndex>;
 
+  std::vector<bool> linkedNames() const;
   void surveyClosures();
   void findNeighbours();
   bool followsFromThird(NameIndex left, NameIndex right) const;
@@ -60,7 +61,7 @@ class Coexistence {
   void admit(VersionIndex left, VersionIndex right);
   VersionBits* mutableRow(VersionIndex version, NameIndex neighbour);
 
-  /// What the closures of a name's versions hold.
+  /// What the closures of a name's versions hold; empty for a name that has no links at all.
   struct Holdings {
     std::vector<NameIndex> any;     ///< names in some closure, ascending; its own among them
     std::vector<NameIndex> always;  ///< names in every closure, ascending; its own among them

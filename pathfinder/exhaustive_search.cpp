@@ -23,7 +23,7 @@ namespace {
 /// A baseline that has been reached, by the lightest way known when it was added.
 struct Reached {
   std::uint64_t weight;
-  VersionBaseline baseline;
+  const VersionBaseline* baseline;
   const Reached* parent;  ///< null for a source
   LockstepHop hops;       ///< from the parent's baseline to this one
 };
@@ -50,16 +50,15 @@ struct SameBaseline {
 /// addition.
 class Frontier {
  public:
-  /// Adds a baseline, unless it stands here already at no greater weight. One that is taken never
-  /// comes back: steps have no negative weight.
-  void add(Reached reached) {
-    const auto known = cheapest_.find(&reached.baseline);
-    if (known == cheapest_.end()) {
-      const Reached& added = append(std::move(reached));
-      cheapest_.emplace(&added.baseline, &added);
-    } else if (reached.weight < known->second->weight) {
-      known->second = &append(std::move(reached));
-    }
+  /// Adds a baseline to start from, which must outlive the frontier.
+  void addSource(const VersionBaseline& source) { add(0, source, nullptr, {}); }
+
+  /// Adds what a step leads to.
+  void addAfter(const Reached& parent, std::uint64_t stepWeight, BaselineHop&& step) {
+    const std::uint64_t weight = parent.weight + stepWeight;
+    const auto known = cheapest_.find(&step.to);
+    if (known != cheapest_.end() && known->second->weight <= weight) return;
+    add(weight, baselines_.emplace_back(std::move(step.to)), &parent, std::move(step.hops));
   }
 
   /// The next baseline; null when there is none left.
@@ -67,7 +66,7 @@ class Frontier {
     while (!waiting_.empty()) {
       const Waiting next = waiting_.top();
       waiting_.pop();
-      if (cheapest_.at(&next.entry->baseline) == next.entry) return next.entry;
+      if (cheapest_.at(next.entry->baseline) == next.entry) return next.entry;
     }
     return nullptr;
   }
@@ -83,13 +82,19 @@ class Frontier {
     }
   };
 
-  const Reached& append(Reached&& reached) {
-    const Reached& added = entries_.emplace_back(std::move(reached));
-    waiting_.push({added.weight, entries_.size(), &added});
-    return added;
+  /// Adds a baseline, unless it stands here already at no greater weight. One that is taken never
+  /// comes back: steps have no negative weight.
+  void add(std::uint64_t weight, const VersionBaseline& baseline, const Reached* parent,
+           LockstepHop&& hops) {
+    const auto [known, isNew] = cheapest_.try_emplace(&baseline);
+    if (!isNew && known->second->weight <= weight) return;
+    known->second = &entries_.emplace_back(Reached{weight, &baseline, parent, std::move(hops)});
+    waiting_.push({weight, entries_.size(), known->second});
   }
 
-  std::deque<Reached> entries_;  // never moved: the parents and keys below point into it
+  // Never moved: what is below points into them.
+  std::deque<VersionBaseline> baselines_;
+  std::deque<Reached> entries_;
   std::priority_queue<Waiting, std::vector<Waiting>, std::greater<>> waiting_;
   std::unordered_map<const VersionBaseline*, const Reached*, IdentityHash, SameBaseline> cheapest_;
 };
@@ -103,7 +108,7 @@ std::vector<BaselineHop> pathTo(const Reached& end) {
   std::vector<BaselineHop> path;
   path.reserve(entries.size());
   for (const Reached* entry : entries) {
-    path.emplace_back(entry->parent->baseline, entry->baseline, entry->hops);
+    path.emplace_back(*entry->parent->baseline, *entry->baseline, entry->hops);
   }
   return path;
 }
@@ -112,22 +117,21 @@ std::vector<BaselineHop> pathTo(const Reached& end) {
 
 SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t budget) {
   Frontier frontier;
-  for (const VersionBaseline& source : question.sources) frontier.add({0, source, nullptr, {}});
+  for (const VersionBaseline& source : question.sources) frontier.addSource(source);
   while (const Reached* current = frontier.take()) {
     trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-      out << "Trying unvisited baseline with least weight: " << current->baseline;
+      out << "Trying unvisited baseline with least weight: " << *current->baseline;
     });
-    if (const VersionBaseline* target = question.targetIn(current->baseline)) {
+    if (const VersionBaseline* target = question.targetIn(*current->baseline)) {
       traceValue("Reached target");
       return {SearchAnswer::Verdict::Found, pathTo(*current), target};
     }
-    StepGeneration generation(question.repository, current->baseline, question.direction, budget);
+    StepGeneration generation(question.repository, *current->baseline, question.direction, budget);
     if (generation.combinationCount() > budget)
       return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
     if (budget != unlimitedBudget) budget -= generation.combinationCount();
     for (BaselineHop& step : generation.run()) {
-      const std::uint64_t weight = current->weight + question.repository.getWeight(step.hops);
-      frontier.add({weight, std::move(step.to), current, std::move(step.hops)});
+      frontier.addAfter(*current, question.repository.getWeight(step.hops), std::move(step));
     }
   }
   traceValue("Exhausted search");

@@ -28,12 +28,14 @@ namespace {
 /// combination index, so that the first way through is the path.
 class Realisation {
  public:
-  Realisation(const SearchQuestion& question, const SearchSpace& space, const BackwardPlan& plan)
-      : question_(question), space_(space), plan_(plan) {}
+  Realisation(const SearchQuestion& question, const SearchSpace& space,
+              const std::vector<VersionSelection>& targets, const BackwardPlan& plan)
+      : question_(question), space_(space), targets_(targets), plan_(plan) {}
 
   SearchAnswer run() {
+    answer_.steps.reserve(plan_.weights().size());
     for (const VersionBaseline& source : question_.sources) {
-      if (goOn(source, plan_.weights().size())) {
+      if (goOn(source, space_.selectionOf(source), plan_.weights().size())) {
         std::reverse(answer_.steps.begin(), answer_.steps.end());
         answer_.verdict = SearchAnswer::Verdict::Found;
         return std::move(answer_);
@@ -49,12 +51,12 @@ class Realisation {
 
   /// Goes on from a baseline by the plans that have as many steps left; adds the steps of the first
   /// way that leads to a target, last step first.
-  bool goOn(const VersionBaseline& baseline, std::size_t stepsLeft) {
-    if (const VersionBaseline* target = question_.targetIn(baseline)) {
+  bool goOn(const VersionBaseline& baseline, const VersionSelection& selection,
+            std::size_t stepsLeft) {
+    if (const VersionBaseline* target = targetIn(baseline, selection)) {
       answer_.target = target;
       return stepsLeft == 0;
     }
-    const VersionSelection selection = space_.selectionOf(baseline);
     const BackwardPlan::Continuation* planned = plan_.from(selection);
     if (planned == nullptr || !isBestWithStepsLeft(*planned, stepsLeft)) return false;
     if (hasFailed(baseline, stepsLeft)) return false;
@@ -67,6 +69,18 @@ class Realisation {
     }
     failed_[stepsLeft].push_back(baseline);
     return false;
+  }
+
+  const VersionBaseline* targetIn(const VersionBaseline& baseline,
+                                  const VersionSelection& selection) const {
+    const bool mayBe =
+        std::any_of(targets_.begin(), targets_.end(), [&](const VersionSelection& target) {
+          return std::equal(target.begin(), target.end(), selection.begin(), selection.end(),
+                            [](VersionIndex wanted, VersionIndex held) {
+                              return wanted == held || wanted == SearchSpace::none;
+                            });
+        });
+    return mayBe ? question_.targetIn(baseline) : nullptr;
   }
 
   /// Whether what is planned from here on has the step weights with which the best plans end.
@@ -122,6 +136,7 @@ class Realisation {
                std::size_t stepsLeft) {
     LockstepHop combination;
     std::vector<Alternatives> alternatives;
+    alternatives.reserve(selection.size());
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (space_.isAbsent(selection[name])) continue;
       const SearchSpace::Version* version = &space_.versions[selection[name]];
@@ -133,12 +148,12 @@ class Realisation {
       alternatives.push_back({&space_.names[name].text, version->linked});
     }
     traceAttempt(combination);
-    const std::vector<VersionBaseline> candidates = combineInOrder(alternatives);
+    std::vector<VersionBaseline> candidates = combineInOrder(alternatives);
     traceCandidates(candidates);
-    for (const VersionBaseline& candidate : candidates) {
-      if (!afters.contains(space_.selectionOf(candidate))) continue;
-      if (!goOn(candidate, stepsLeft - 1)) continue;
-      answer_.steps.emplace_back(baseline, candidate, combination);
+    for (VersionBaseline& candidate : candidates) {
+      const VersionSelection after = space_.selectionOf(candidate);
+      if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
+      answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
       return true;
     }
     return false;
@@ -152,6 +167,7 @@ class Realisation {
 
   const SearchQuestion& question_;
   const SearchSpace& space_;
+  const std::vector<VersionSelection>& targets_;
   const BackwardPlan& plan_;
   SearchAnswer answer_;
   std::map<std::size_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
@@ -196,13 +212,13 @@ SearchAnswer searchGoalDirected(const SearchQuestion& question) {
   const Coexistence coexistence(*space);
   const Outlooks outlooks = computeOutlooks(*space, coexistence, sources);
   const StepFormation::Ground ground{*space, coexistence, outlooks};
-  const auto plan =
-      BackwardPlan::make(ground, sources, admittedSelections(*space, question.targets));
+  const auto targets = admittedSelections(*space, question.targets);
+  const auto plan = BackwardPlan::make(ground, sources, targets);
   if (!plan) {
     traceValue("Exhausted search");
     return {};
   }
-  SearchAnswer answer = Realisation(question, *space, *plan).run();
+  SearchAnswer answer = Realisation(question, *space, targets, *plan).run();
   if (answer.verdict == SearchAnswer::Verdict::Found) traceValue("Reached target");
   return answer;
 }

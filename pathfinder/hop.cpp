@@ -42,4 +42,8 @@ BaselineHop::BaselineHop(const VersionBaseline& before, const VersionBaseline& a
                          const LockstepHop& lockstepHop)
     : from(before), to(after), hops(lockstepHop) {}
 
+BaselineHop::BaselineHop(const VersionBaseline& before, VersionBaseline&& after,
+                         LockstepHop&& lockstep)
+    : from(before), to(std::move(after)), hops(std::move(lockstep)) {}
+
 }  // namespace tarn::evolution::pathfinder

@@ -42,6 +42,7 @@ TARN_EVOLUTION_PATHFINDER_EXPORT std::string dumpLockstepHop(const LockstepHop& 
 /// A plain value. Copies are deep, but for the linked metamodels, which the baselines share.
 struct TARN_EVOLUTION_PATHFINDER_EXPORT BaselineHop {
   BaselineHop(const VersionBaseline& from, const VersionBaseline& to, const LockstepHop& hops);
+  BaselineHop(const VersionBaseline& from, VersionBaseline&& to, LockstepHop&& hops);
 
   VersionBaseline from;
   VersionBaseline to;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 #include <utility>
 
 #include "pathfinder/step_weight.hpp"
@@ -55,8 +56,6 @@ class VersionSet {
     const SetLayout::Place& place = layout_->places[version];
     bits_[place.word] &= ~place.mask;
   }
-
-  bool operator==(const VersionSet& other) const { return bits_ == other.bits_; }
 
  private:
   const SetLayout* layout_;
@@ -122,97 +121,115 @@ class OutlookComputation {
 
   /// Level by level, one for each step with an ordinary hop: what can be held after that many.
   void measureArrivals() {
-    VersionSet held(layout_);
-    for (std::uint32_t level = 0;; ++level) {
-      VersionSet grown = held;
-      if (level == 0) {
-        grown = starts_;
-      } else {
-        growByOrdinaryHops(held, grown);
-      }
-      growByEntries(grown);
-      growByExpensiveHops(grown);
-      strikeLonely(grown);
-      for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
-        if (grown.contains(version)) noteArrival(version, level);
-      }
-      if (level > 0 && grown == held) return;
-      held = std::move(grown);
+    VersionSet held = starts_;
+    std::vector<VersionIndex> added;
+    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+      if (starts_.contains(version)) added.push_back(version);
+    }
+    std::vector<VersionIndex> struck;
+    for (std::uint32_t level = 0; !added.empty(); ++level) {
+      growWithoutOrdinaryHops(held, added);
+      strikeLonely(held, added);
+      // What had no partner yet may have one after another step.
+      const auto firstStruck = std::stable_partition(
+          added.begin(), added.end(), [&](VersionIndex version) { return held.contains(version); });
+      struck.assign(firstStruck, added.end());
+      added.erase(firstStruck, added.end());
+      for (const VersionIndex version : added) noteArrival(version, level);
+      added = growByOrdinaryHops(held, added, struck);
     }
   }
 
   void noteArrival(VersionIndex version, std::uint32_t level) {
     Outlook& outlook = outlooks_[version];
-    if (std::exchange(outlook.arrives, true)) return;
+    outlook.arrives = true;
     outlook.distance = distances_[version];
     const std::uint64_t ordinaryHops = ordinaryPart(outlook.distance);
     outlook.ordinarySteps = std::max(level, static_cast<std::uint32_t>(ordinaryHops));
   }
 
-  void growByOrdinaryHops(const VersionSet& held, VersionSet& grown) const {
-    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
-      if (!held.contains(version)) continue;
+  /// Adds what the versions added last lead to, and again what was struck; none when nothing new
+  /// has come that could make a difference.
+  std::vector<VersionIndex> growByOrdinaryHops(VersionSet& held,
+                                               const std::vector<VersionIndex>& fresh,
+                                               const std::vector<VersionIndex>& struck) const {
+    std::vector<VersionIndex> added;
+    if (fresh.empty()) return added;
+    const auto add = [&](VersionIndex version) {
+      if (held.contains(version)) return;
+      held.insert(version);
+      added.push_back(version);
+    };
+    for (const VersionIndex version : fresh) {
       for (const SearchSpace::Move& move : space_.versions[version].moves) {
-        if (!move.expensive) grown.insert(move.target);
+        if (!move.expensive) add(move.target);
       }
     }
+    for (const VersionIndex version : struck) add(version);
+    return added;
   }
 
-  void growByEntries(VersionSet& grown) const {
-    for (const SearchSpace::Name& name : space_.names) {
-      if (name.absent == SearchSpace::none || !grown.contains(name.absent)) continue;
+  /// Adds, and lists, what the listed versions lead to by expensive hops and as entries.
+  void growWithoutOrdinaryHops(VersionSet& held, std::vector<VersionIndex>& added) const {
+    const auto add = [&](VersionIndex version) {
+      if (held.contains(version)) return;
+      held.insert(version);
+      added.push_back(version);
+    };
+    // The list grows on the way.
+    for (std::size_t i = 0; i < added.size(); ++i) {
+      for (const SearchSpace::Move& move : space_.versions[added[i]].moves) {
+        if (move.expensive) add(move.target);
+      }
+      if (!space_.isAbsent(added[i])) continue;
+      const SearchSpace::Name& name = space_.names[space_.versions[added[i]].name];
       for (VersionIndex version = name.first; version < name.end; ++version) {
-        if (space_.versions[version].isEntry) grown.insert(version);
-      }
-    }
-  }
-
-  void growByExpensiveHops(VersionSet& grown) const {
-    std::vector<VersionIndex> open;
-    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
-      if (grown.contains(version)) open.push_back(version);
-    }
-    while (!open.empty()) {
-      const VersionIndex version = open.back();
-      open.pop_back();
-      for (const SearchSpace::Move& move : space_.versions[version].moves) {
-        if (!move.expensive || grown.contains(move.target)) continue;
-        grown.insert(move.target);
-        open.push_back(move.target);
+        if (space_.versions[version].isEntry) add(version);
       }
     }
   }
 
   /// Strikes versions beside which no version of some other name can stand, until there is none.
-  void strikeLonely(VersionSet& grown) const {
-    std::vector<bool> isOpen(space_.names.size(), true);
+  /// Only those that were added can be such: what was there before has its partners.
+  void strikeLonely(VersionSet& held, std::vector<VersionIndex>& added) const {
+    std::sort(added.begin(), added.end());
+    std::vector<bool> isOpen(space_.names.size());
+    for (const VersionIndex version : added) isOpen[space_.versions[version].name] = true;
     for (bool anyOpen = true; std::exchange(anyOpen, false);) {
-      for (NameIndex name = 0; name < space_.names.size(); ++name) {
-        if (!isOpen[name]) continue;
-        isOpen[name] = false;
-        if (!strikeLonely(name, grown)) continue;
-        anyOpen = true;
-        for (const NameIndex neighbour : coexistence_.neighbours(name)) isOpen[neighbour] = true;
+      for (auto begin = added.begin(); begin != added.end();) {
+        const NameIndex name = space_.versions[*begin].name;
+        const auto end = std::find_if(begin, added.end(), [&](VersionIndex version) {
+          return space_.versions[version].name != name;
+        });
+        if (isOpen[name]) {
+          isOpen[name] = false;
+          if (strikeLonely({begin, end}, held)) {
+            anyOpen = true;
+            for (const NameIndex neighbour : coexistence_.neighbours(name)) {
+              isOpen[neighbour] = true;
+            }
+          }
+        }
+        begin = end;
       }
     }
   }
 
-  bool strikeLonely(NameIndex name, VersionSet& grown) const {
+  bool strikeLonely(std::span<const VersionIndex> added, VersionSet& held) const {
     bool anyStruck = false;
-    for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
-         ++version) {
-      if (!grown.contains(version) || !isLonely(version, grown)) continue;
-      grown.erase(version);
+    for (const VersionIndex version : added) {
+      if (!held.contains(version) || !isLonely(version, held)) continue;
+      held.erase(version);
       anyStruck = true;
     }
     return anyStruck;
   }
 
-  bool isLonely(VersionIndex version, const VersionSet& grown) const {
+  bool isLonely(VersionIndex version, const VersionSet& held) const {
     const auto& neighbours = coexistence_.neighbours(space_.versions[version].name);
     for (std::size_t i = 0; i < neighbours.size(); ++i) {
       const VersionBits* row = coexistence_.row(version, i);
-      const VersionBits* present = grown.of(neighbours[i]);
+      const VersionBits* present = held.of(neighbours[i]);
       const std::size_t words = coexistence_.words(neighbours[i]);
       VersionBits common = 0;
       for (std::size_t word = 0; word < words; ++word) common |= row[word] & present[word];

@@ -19,6 +19,18 @@ void traceHit(const std::vector<BaselineHop>& path) {
   for (const BaselineHop& step : path) traceValue(step.to);
 }
 
+template <class Steps>
+std::vector<BaselineHop> makePath(const VersionBaseline& source, const Steps& steps) {
+  std::vector<BaselineHop> path;
+  path.reserve(steps.size());
+  const VersionBaseline* from = &source;
+  for (const auto& [hops, to] : steps) {
+    path.emplace_back(*from, to, hops);
+    from = &to;
+  }
+  return path;
+}
+
 void traceStore(const std::vector<BaselineHop>& path) {
   constexpr TraceLevel level = TraceLevel::CacheStore;
   trace(level, [](std::ostream& out) { out << "Emplace Path to cache:"; });
@@ -34,13 +46,12 @@ void traceStore(const std::vector<BaselineHop>& path) {
 std::optional<std::vector<BaselineHop>> PathCache::find(
     const std::vector<VersionBaseline>& sources, const std::vector<VersionBaseline>& targets) {
   const std::shared_lock lock(cacheLock_);
-  const std::vector<BaselineHop>* path = lookUp(sources, targets);
-  if (path == nullptr) return std::nullopt;
-  traceHit(*path);
-  return *path;
+  auto path = lookUp(sources, targets);
+  if (path) traceHit(*path);
+  return path;
 }
 
-const std::vector<BaselineHop>* PathCache::lookUp(
+std::optional<std::vector<BaselineHop>> PathCache::lookUp(
     const std::vector<VersionBaseline>& sources,
     const std::vector<VersionBaseline>& targets) const {
   for (const VersionBaseline& source : sources) {
@@ -48,15 +59,18 @@ const std::vector<BaselineHop>* PathCache::lookUp(
     if (outer == pathCache_.end()) continue;
     for (const VersionBaseline& target : targets) {
       const auto inner = outer->second.find(target);
-      if (inner != outer->second.end()) return &inner->second;
+      if (inner != outer->second.end()) return makePath(source, inner->second);
     }
   }
-  return nullptr;
+  return std::nullopt;
 }
 
 void PathCache::store(const std::vector<BaselineHop>& path, const VersionBaseline& target) {
   const std::unique_lock lock(cacheLock_);
-  pathCache_[path.front().from].try_emplace(target, path);
+  Steps steps;
+  steps.reserve(path.size());
+  for (const BaselineHop& step : path) steps.push_back({step.hops, step.to});
+  pathCache_[path.front().from].try_emplace(target, std::move(steps));
   traceStore(path);
 }
 

@@ -27,14 +27,22 @@ class PathCache {
   void clear();
 
  private:
+  struct Step {
+    LockstepHop hops;
+    VersionBaseline to;
+  };
+
   template <class Value>
   using ByBaseline = std::unordered_map<VersionBaseline, Value,
                                         VersionRepository::KeyHasherVersionBaselineUnordered>;
 
-  const std::vector<BaselineHop>* lookUp(const std::vector<VersionBaseline>& sources,
-                                         const std::vector<VersionBaseline>& targets) const;
+  /// A path without the baseline that it starts from.
+  using Steps = std::vector<Step>;
 
-  ByBaseline<ByBaseline<std::vector<BaselineHop>>> pathCache_;
+  std::optional<std::vector<BaselineHop>> lookUp(const std::vector<VersionBaseline>& sources,
+                                                 const std::vector<VersionBaseline>& targets) const;
+
+  ByBaseline<ByBaseline<Steps>> pathCache_;
   ReaderWriterLock<> cacheLock_;  // guards pathCache_ and nothing else
 };
 

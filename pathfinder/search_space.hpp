@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -76,10 +77,15 @@ struct SearchSpace {
   std::vector<Name> names;
   std::vector<Version> versions;
   std::vector<Variant> variants;
-  std::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf;
+
+  /// What the containers of many small parts below are made in.
+  std::unique_ptr<std::pmr::monotonic_buffer_resource> memory =
+      std::make_unique<std::pmr::monotonic_buffer_resource>();
+
+  std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{memory.get()};
 
   // What versions and variants point to.
-  std::deque<Metamodel> descriptors;
+  std::pmr::deque<Metamodel> descriptors{memory.get()};
   std::vector<Move> moves;
   std::vector<Link> links;
 };

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <deque>
+#include <memory_resource>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -25,11 +28,17 @@ struct DraftName;
 
 /// A version while the space is surveyed.
 struct Draft {
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  Draft(DraftName& draftName, const Metamodel& metamodel, const allocator_type& memory)
+      : name(&draftName), descriptor(&metamodel), targets(memory) {}
+
   DraftName* name;
   const Metamodel* descriptor;
   std::vector<Hop> hops;
-  std::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
-  const LinkedMetamodels* linked = nullptr;               // null until linked, or if it cannot be
+  std::pmr::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
+  const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
+  bool isAnswer = false;  // what getMetamodel returned when asked for just this version
   bool isLinkTried = false;
   bool losesHop = false;
   bool isEntered = false;
@@ -39,51 +48,57 @@ struct Draft {
   VersionIndex index = SearchSpace::none;
 };
 
-/// Versions of one name by their version numbers: scanned while they are few, hashed when they are
-/// many.
-template <class Value>
-class ByVersion {
+/// Versions of one name: scanned while they are few, hashed when they are many.
+class DraftsByVersion {
  public:
-  /// Calls `isWanted(value)` for the values under a version until it returns true; null when none
-  /// does.
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  explicit DraftsByVersion(const allocator_type& memory) : drafts_(memory), places_(memory) {}
+
+  /// The first draft of that version for which `isWanted(draft)`; null when there is none.
   template <class IsWanted>
-  Value* find(const VersionId& version, const IsWanted& isWanted) {
-    if (values_.size() <= fewValues) {
-      for (auto& [key, value] : values_) {
-        if (key == version && isWanted(value)) return &value;
+  Draft* find(const VersionId& version, const IsWanted& isWanted) const {
+    if (drafts_.size() <= fewDrafts) {
+      for (Draft* draft : drafts_) {
+        if (draft->descriptor->version == version && isWanted(*draft)) return draft;
       }
       return nullptr;
     }
     const auto [begin, end] = places_.equal_range(version);
     for (auto place = begin; place != end; ++place) {
-      Value& value = values_[place->second].second;
-      if (isWanted(value)) return &value;
+      if (isWanted(*place->second)) return place->second;
     }
     return nullptr;
   }
 
-  void add(const VersionId& version, Value value) {
-    values_.emplace_back(version, value);
-    if (values_.size() <= fewValues) return;
-    for (std::size_t i = places_.size(); i < values_.size(); ++i)
-      places_.emplace(values_[i].first, i);
+  void add(Draft& draft) {
+    drafts_.push_back(&draft);
+    if (drafts_.size() <= fewDrafts) return;
+    for (std::size_t i = places_.size(); i < drafts_.size(); ++i) {
+      places_.emplace(drafts_[i]->descriptor->version, drafts_[i]);
+    }
   }
 
  private:
-  static constexpr std::size_t fewValues = 8;
+  static constexpr std::size_t fewDrafts = 8;
 
-  std::vector<std::pair<VersionId, Value>> values_;
-  std::unordered_multimap<VersionId, std::size_t, VersionIdHash>
-      places_;  // filled once they are many
+  std::pmr::vector<Draft*> drafts_;
+  std::pmr::unordered_multimap<VersionId, Draft*, VersionIdHash> places_;  // once they are many
 };
 
 struct DraftName {
-  std::u16string text;
-  std::size_t sources = 0;                // that hold the name
-  std::vector<const Metamodel*> targets;  // what the targets hold under the name
-  std::vector<Draft*> versions;           // in the order in which they were met
-  ByVersion<Draft*> answers;              // of getMetamodel; null: none
-  ByVersion<Draft*> byVersion;            // of descriptors
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  DraftName(const std::u16string& nameText, const allocator_type& memory)
+      : text(&nameText), targets(memory), versions(memory), byVersion(memory), answers(memory) {}
+
+  const std::u16string* text;
+  std::size_t sources = 0;                     // that hold the name
+  std::pmr::vector<const Metamodel*> targets;  // what the targets hold under the name
+  std::pmr::vector<Draft*> versions;           // in the order in which they were met
+  DraftsByVersion byVersion;
+  std::pmr::unordered_map<VersionId, Draft*, VersionIdHash>
+      answers;  // of getMetamodel, that are no answer with just the version asked for; null: none
   NameIndex index = SearchSpace::none;
 };
 
@@ -106,23 +121,32 @@ class SpaceSurvey {
   }
 
  private:
+  /// `text` must outlive the survey.
   DraftName& nameOf(const std::u16string& text) {
-    const auto [entry, isNew] = names_.try_emplace(text);
-    if (isNew) entry->second.text = text;
-    return entry->second;
+    return names_.try_emplace(text, text).first->second;
   }
 
-  /// The version of this very descriptor, which is kept if it is new.
-  template <class Descriptor>
-  Draft& draftOf(DraftName& name, Descriptor&& descriptor) {
-    Draft** known = name.byVersion.find(
-        descriptor.version, [&](const Draft* draft) { return *draft->descriptor == descriptor; });
-    if (known != nullptr) return **known;
-    space_.descriptors.push_back(std::forward<Descriptor>(descriptor));
-    Draft& draft = drafts_.emplace_back();
-    draft.name = &name;
-    draft.descriptor = &space_.descriptors.back();
-    name.byVersion.add(draft.descriptor->version, &draft);
+  Draft* known(const DraftName& name, const Metamodel& descriptor) const {
+    return name.byVersion.find(descriptor.version, [&](const Draft& draft) {
+      return draft.descriptor == &descriptor || *draft.descriptor == descriptor;
+    });
+  }
+
+  /// The version of a descriptor that lasts as long as the space.
+  Draft& draftOf(DraftName& name, const Metamodel& descriptor) {
+    Draft* draft = known(name, descriptor);
+    return draft != nullptr ? *draft : addDraft(name, descriptor);
+  }
+
+  Draft& draftOf(DraftName& name, Metamodel&& descriptor) {
+    Draft* draft = known(name, descriptor);
+    if (draft != nullptr) return *draft;
+    return addDraft(name, space_.descriptors.emplace_back(std::move(descriptor)));
+  }
+
+  Draft& addDraft(DraftName& name, const Metamodel& descriptor) {
+    Draft& draft = drafts_.emplace_back(name, descriptor);
+    name.byVersion.add(draft);
     return draft;
   }
 
@@ -165,11 +189,12 @@ class SpaceSurvey {
     while (!unasked_.empty()) {
       Draft& draft = *unasked_.back();
       unasked_.pop_back();
-      question_.repository.findHops(draft.name->text, draft.descriptor->version, draft.hops);
+      question_.repository.findHops(*draft.name->text, draft.descriptor->version, draft.hops);
       if (question_.direction != VersionRepository::Unknown) dropHopsAgainstDirection(draft);
       for (std::uint32_t place = 0; place < draft.hops.size(); ++place) {
         Draft* target = lookUp(*draft.name, draft.hops[place].to);
         if (target == nullptr) continue;
+        if (leadsAwayFromTargets(*target)) continue;
         enter(*target);
         draft.targets.emplace_back(place, target);
       }
@@ -178,19 +203,40 @@ class SpaceSurvey {
 
   /// The version that a hop of this name leads to; null when the application has none.
   Draft* lookUp(DraftName& name, const VersionId& version) {
-    Draft** answer = name.answers.find(version, [](const Draft*) { return true; });
-    if (answer != nullptr) return *answer;
+    Draft* answer = name.byVersion.find(version, [](const Draft& draft) { return draft.isAnswer; });
+    if (answer != nullptr) return answer;
+    if (!name.answers.empty()) {
+      const auto known = name.answers.find(version);
+      if (known != name.answers.end()) return known->second;
+    }
     Draft* draft = ask(name, version);
-    name.answers.add(version, draft);
+    if (draft != nullptr && draft->descriptor->version == version) {
+      draft->isAnswer = true;
+    } else {
+      name.answers.emplace(version, draft);
+    }
     return draft;
   }
 
   Draft* ask(DraftName& name, const VersionId& version) {
-    std::optional<Metamodel> found = question_.repository.getMetamodel(name.text, version);
+    std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, version);
     if (!found) return nullptr;
-    if (found->name == name.text) return &draftOf(name, *std::move(found));
+    if (found->name == *name.text) return &draftOf(name, *std::move(found));
     misnamed_ = true;
     return nullptr;
+  }
+
+  /// Whether no hops in the direction asked for can lead from a version to what a target holds:
+  /// hops that do not go against a direction never lead back behind where they began.
+  bool leadsAwayFromTargets(const Draft& draft) const {
+    const DraftName& name = *draft.name;
+    if (question_.direction == VersionRepository::Unknown || !isMentionedByEveryTarget(name)) {
+      return false;
+    }
+    return std::all_of(name.targets.begin(), name.targets.end(), [&](const Metamodel* target) {
+      return VersionRepository::areDirectionsInconsistent(
+          question_.direction, question_.repository.getDirection(*draft.descriptor, *target));
+    });
   }
 
   void dropHopsAgainstDirection(Draft& draft) {
@@ -198,7 +244,7 @@ class SpaceSurvey {
       // Hop collection looks the target up under the hop's own name, which may differ from the key.
       std::optional<Metamodel> other;
       const Metamodel* target = nullptr;
-      if (hop.name == draft.name->text) {
+      if (hop.name == *draft.name->text) {
         const Draft* known = lookUp(*draft.name, hop.to);
         if (known != nullptr) target = known->descriptor;
       } else if ((other = question_.repository.getMetamodel(hop.name, hop.to))) {
@@ -281,12 +327,16 @@ class SpaceSurvey {
   }
 
   std::optional<SearchSpace> build() {
+    space_.names.reserve(names_.size());
+    space_.versions.reserve(drafts_.size() + names_.size());
+    space_.variants.reserve(drafts_.size());
+    space_.variantOf.reserve(drafts_.size());
     std::vector<DraftName*> ordered;
     for (auto& [text, name] : names_) {
       if (!name.versions.empty()) ordered.push_back(&name);
     }
     std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
-      return left->text < right->text;
+      return *left->text < *right->text;
     });
     for (DraftName* name : ordered) addName(*name);
     addMoves();
@@ -311,7 +361,7 @@ class SpaceSurvey {
       for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
     }
     SearchSpace::Name& added = space_.names.emplace_back();
-    added.text = name.text;
+    added.text = *name.text;
     added.first = first;
     if (name.sources < question_.sources.size()) {
       added.absent = static_cast<VersionIndex>(space_.versions.size());
@@ -379,10 +429,11 @@ class SpaceSurvey {
 
   const SearchQuestion& question_;
   SearchSpace space_;
-  std::unordered_map<std::u16string, DraftName> names_;
-  std::deque<Draft> drafts_;
-  std::vector<Draft*> unasked_;
-  std::unordered_set<const LinkedMetamodel*> linksSeen_;
+  std::pmr::monotonic_buffer_resource memory_;
+  std::pmr::unordered_map<std::u16string_view, DraftName> names_{&memory_};
+  std::pmr::deque<Draft> drafts_{&memory_};
+  std::pmr::vector<Draft*> unasked_{&memory_};
+  std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&memory_};
   bool misnamed_ = false;
 };
 
