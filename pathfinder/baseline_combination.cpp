@@ -48,13 +48,19 @@ class CandidateSet {
 /// Appends to `result` every way to give `baseline`, which is used up, one of the candidates.
 void extend(VersionBaseline&& baseline, const Candidates& candidates,
             std::vector<VersionBaseline>& result) {
-  if (candidates.empty()) return;
-  for (auto candidate = candidates.begin(); candidate != candidates.end() - 1; ++candidate) {
-    if (!baseline.admits(*candidate)) continue;
-    result.push_back(baseline);
+  const auto isAdmitted = [&](const auto& candidate) { return baseline.admits(candidate); };
+  auto candidate = std::find_if(candidates.begin(), candidates.end(), isAdmitted);
+  while (candidate != candidates.end()) {
+    const auto next = std::find_if(candidate + 1, candidates.end(), isAdmitted);
+    // Only what another candidate is given as well need be copied.
+    if (next == candidates.end()) {
+      result.push_back(std::move(baseline));
+    } else {
+      result.push_back(baseline);
+    }
     result.back().tryEmplace(*candidate);
+    candidate = next;
   }
-  if (baseline.tryEmplace(candidates.back())) result.push_back(std::move(baseline));
 }
 
 /// Gives the baseline the only candidate of a name, with its links; false, and the baseline is

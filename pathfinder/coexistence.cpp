@@ -114,9 +114,15 @@ void Coexistence::findNeighbours() {
   neighbours_.resize(count);
   std::vector<NameIndex> lastSeenBy(count, SearchSpace::none);
   for (NameIndex name = 0; name < count; ++name) {
+    std::size_t unseen = count - name - 1;
     for (const NameIndex held : holdings_[name].any) {
-      for (const NameIndex other : holders[held]) {
-        if (other <= name || std::exchange(lastSeenBy[other], name) == name) continue;
+      if (unseen == 0) break;
+      const auto& all = holders[held];
+      for (auto later = std::upper_bound(all.begin(), all.end(), name); later != all.end();
+           ++later) {
+        const NameIndex other = *later;
+        if (std::exchange(lastSeenBy[other], name) == name) continue;
+        --unseen;
         if (followsFromThird(name, other)) continue;
         neighbours_[name].push_back(other);
         neighbours_[other].push_back(name);
@@ -144,6 +150,12 @@ std::vector<NameIndex> Coexistence::sharedNames(NameIndex left, NameIndex right)
   return shared;
 }
 
+/// The name that a name links, when there is just one.
+NameIndex Coexistence::linkedBy(NameIndex name) const {
+  const auto& any = holdings_[name].any;
+  return any.front() == name ? any.back() : any.front();
+}
+
 /// Whether versions of the two names can stand together whenever each can stand beside the same
 /// version of a third name.
 bool Coexistence::followsFromThird(NameIndex left, NameIndex right) const {
@@ -159,6 +171,9 @@ bool Coexistence::followsFromThird(NameIndex left, NameIndex right) const {
       return third != holder && third != held && holdings_[third].isSingle &&
              alwaysHolds(third, held);
     });
+  }
+  if (holdings_[left].any.size() == 2 && holdings_[right].any.size() == 2) {
+    return holdings_[linkedBy(left)].isSingle;  // there is nothing else that they could share
   }
   const std::vector<NameIndex> shared = sharedNames(left, right);
   return std::any_of(shared.begin(), shared.end(),

@@ -44,6 +44,7 @@ class Coexistence {
   std::vector<bool> linkedNames() const;
   void surveyClosures();
   void findNeighbours();
+  NameIndex linkedBy(NameIndex name) const;
   bool followsFromThird(NameIndex left, NameIndex right) const;
   bool followsFrom(NameIndex third, NameIndex left, NameIndex right,
                    const std::vector<NameIndex>& shared) const;
