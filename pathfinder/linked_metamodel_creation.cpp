@@ -1,138 +1,101 @@
 #include "pathfinder/linked_metamodel_creation.hpp"
 
 #include <algorithm>
-#include <string>
-#include <unordered_map>
+#include <sstream>
+#include <stdexcept>
 #include <utility>
-
-#include "messages/report_exception.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
-using LinkedMetamodels = std::vector<std::shared_ptr<LinkedMetamodel>>;
-
-/// Every linked metamodel that satisfies the dependency, in the application's order of candidates.
-LinkedMetamodels findOptions(VersionRepository& repository, const Dependency& dependency) {
-  std::vector<Metamodel> candidates;
-  repository.findMetamodels(dependency.name, dependency.range, candidates);
-  LinkedMetamodels options;
-  for (const Metamodel& candidate : candidates) {
-    const LinkedMetamodels& variants = repository.getLinkedMetamodels(candidate);
-    options.insert(options.end(), variants.begin(), variants.end());
-  }
-  return options;
-}
-
-/// What a linked metamodel links under a name; null when it links nothing.
-const LinkedMetamodel* linkedUnder(const LinkedMetamodel& holder, const std::u16string& name) {
-  const auto found = holder.linkedMetamodels.find(name);
-  return found == holder.linkedMetamodels.end() ? nullptr : found->second.get();
-}
-
-/// Whether the partial result can link the option.
-bool admits(const LinkedMetamodel& partial, const std::shared_ptr<LinkedMetamodel>& option) {
-  const LinkedMetamodel* own = linkedUnder(partial, option->name);
-  if (own != nullptr) return own == option.get();
-  const auto& links = option->linkedMetamodels;
-  return std::all_of(links.begin(), links.end(), [&](const auto& link) {
-    const LinkedMetamodel* held = linkedUnder(partial, link.first);
-    return held == nullptr || held == link.second.get();
-  });
-}
-
-/// Partial results by what they link under names that all of them link, so that the few which can
-/// link an option need not be sought among the many.
-class PartialResults {
- public:
-  using Places = std::vector<std::size_t>;
-
-  explicit PartialResults(const LinkedMetamodels& partialResults) : all_(partialResults.size()) {
-    for (std::size_t place = 0; place < all_.size(); ++place) all_[place] = place;
-    if (all_.size() == 1) return;
-    for (const auto& [name, linked] : partialResults.front()->linkedMetamodels) {
-      addName(name, partialResults);
-    }
-  }
-
-  /// A list, in ascending order, that has all partial results which can link the option.
-  const Places& near(const LinkedMetamodel& option) const {
-    const Places* fewest = &sharing(option.name, &option, all_);
-    for (const auto& [name, linked] : option.linkedMetamodels) {
-      fewest = &sharing(name, linked.get(), *fewest);
-    }
-    return *fewest;
-  }
-
- private:
-  using ByLinked = std::unordered_map<const LinkedMetamodel*, Places>;
-
-  void addName(const std::u16string& name, const LinkedMetamodels& partialResults) {
-    ByLinked places;
-    for (std::size_t place = 0; place < partialResults.size(); ++place) {
-      const LinkedMetamodel* linked = linkedUnder(*partialResults[place], name);
-      if (linked == nullptr) return;
-      places[linked].push_back(place);
-    }
-    byName_.emplace(name, std::move(places));
-  }
-
-  /// Those of all that link just `linked` under the name, if they are fewer than `others` and every
-  /// one links the name.
-  const Places& sharing(const std::u16string& name, const LinkedMetamodel* linked,
-                        const Places& others) const {
-    static const Places none;
-    const auto places = byName_.find(name);
-    if (places == byName_.end()) return others;
-    const auto found = places->second.find(linked);
-    if (found == places->second.end()) return none;
-    return found->second.size() < others.size() ? found->second : others;
-  }
-
-  Places all_;
-  std::unordered_map<std::u16string, ByLinked> byName_;
-};
-
-/// Links the one option to each partial result, without those that conflict.
-LinkedMetamodels linkOnly(LinkedMetamodels&& partialResults,
-                          const std::shared_ptr<LinkedMetamodel>& option) {
-  std::erase_if(partialResults, [&](const auto& partial) { return !admits(*partial, option); });
-  for (const auto& partial : partialResults) partial->linkMetamodel(option);
-  return std::move(partialResults);
-}
-
-/// A copy of each partial result linked to each option, options first, without those that conflict.
-LinkedMetamodels linkEach(const LinkedMetamodels& partialResults, const LinkedMetamodels& options) {
-  LinkedMetamodels results;
-  const PartialResults index(partialResults);
-  for (const auto& option : options) {
-    for (const std::size_t place : index.near(*option)) {
-      const LinkedMetamodel& partial = *partialResults[place];
-      if (!admits(partial, option)) continue;
-      results.push_back(partial.clone());
-      results.back()->linkMetamodel(option);
-    }
-  }
-  return results;
+void append(LinkedMetamodels& options, const LinkedMetamodels& variants) {
+  options.insert(options.end(), variants.begin(), variants.end());
 }
 
 }  // namespace
 
-std::vector<std::shared_ptr<LinkedMetamodel>> linkDependencies(
-    VersionRepository& repository, const std::shared_ptr<LinkedMetamodel>& root) {
-  std::unordered_map<std::u16string, LinkedMetamodels> optionsByName;
-  for (const Dependency& dependency : root->dependencies) {
-    optionsByName.try_emplace(dependency.name, findOptions(repository, dependency));
+const LinkedMetamodels& LinkedMetamodelCreation::create(const Metamodel& metamodel) {
+  if (metamodel.dependencies.empty()) return finish(metamodel, {});
+  begin(metamodel);
+  while (true) {
+    if (const Metamodel* next = nextUnlinked(pending_.back())) {
+      begin(*next);
+      continue;
+    }
+    const Pending done = std::move(pending_.back());
+    pending_.pop_back();
+    watched_ = std::min(watched_, pending_.size());
+    const LinkedMetamodels& list = finish(*done.metamodel, done.optionsByName);
+    if (pending_.empty()) return list;
+    append(pending_.back().options, list);
+    ++pending_.back().candidate;
   }
-  LinkedMetamodels partialResults{root};
-  for (const auto& [name, options] : optionsByName) {
-    partialResults = options.size() == 1 ? linkOnly(std::move(partialResults), options.front())
-                                         : linkEach(partialResults, options);
-    if (partialResults.empty())
-      tarn::reportException(tarn_evo::messages::ConflictingDependencies());
+}
+
+void LinkedMetamodelCreation::begin(const Metamodel& metamodel) {
+  pending_.emplace_back().metamodel = &metamodel;
+  watchForCycle();
+}
+
+/// Gathers options until a candidate is met that has not been linked; null when all are gathered.
+const Metamodel* LinkedMetamodelCreation::nextUnlinked(Pending& pending) {
+  const std::vector<Dependency>& dependencies = pending.metamodel->dependencies;
+  for (; pending.dependency < dependencies.size(); ++pending.dependency) {
+    const Dependency& dependency = dependencies[pending.dependency];
+    if (!std::exchange(pending.isAsked, true)) {
+      repository_.findMetamodels(dependency.name, dependency.range, pending.candidates);
+    }
+    for (; pending.candidate < pending.candidates.size(); ++pending.candidate) {
+      const Metamodel& candidate = pending.candidates[pending.candidate];
+      const LinkedMetamodels* linked = cache_.find(candidate);
+      if (linked == nullptr && candidate.dependencies.empty()) linked = &finish(candidate, {});
+      if (linked == nullptr) return &candidate;
+      append(pending.options, *linked);
+    }
+    pending.optionsByName.try_emplace(dependency.name, std::move(pending.options));
+    pending.options.clear();
+    pending.candidates.clear();
+    pending.candidate = 0;
+    pending.isAsked = false;
   }
-  return partialResults;
+  return nullptr;
+}
+
+const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamodel,
+                                                        const OptionsByName& optionsByName) {
+  LinkedMetamodels results =
+      linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
+  for (const auto& linked : results) repository_.loadMetamodel(linked);
+  const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results));
+  repository_.invalidatePathfindingCache();
+  return kept;
+}
+
+void LinkedMetamodelCreation::watchForCycle() {
+  const std::size_t last = pending_.size() - 1;
+  if (watched_ < last && *pending_[watched_].metamodel == *pending_[last].metamodel) reportCycle();
+  if (++begunSince_ < patience_) return;
+  watched_ = last;
+  begunSince_ = 0;
+  patience_ *= 2;
+}
+
+/// Names the metamodels from the first on that comes again.
+void LinkedMetamodelCreation::reportCycle() const {
+  const auto isSame = [](const Pending& left, const Pending& right) {
+    return *left.metamodel == *right.metamodel;
+  };
+  const auto again = std::find_if(pending_.rbegin() + 1, pending_.rend(), [&](const auto& before) {
+    return isSame(before, pending_.back());
+  });
+  const auto length = again - pending_.rbegin();
+  auto first = pending_.begin();
+  while (!isSame(*first, first[length])) ++first;
+  std::ostringstream text;
+  text << "Metamodels depend on one another in a cycle: " << *first->metamodel;
+  for (auto next = first; next != first + length; ++next) text << " needs " << *next[1].metamodel;
+  throw std::logic_error(text.str());
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,17 +1,60 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <vector>
 
+#include "pathfinder/linked_metamodel_cache.hpp"
+#include "pathfinder/option_linking.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-/// Links `root`, which has no links yet, in every consistent way: one linked metamodel for each
-/// choice of dependencies that agree. The candidates of all dependencies are linked first, those of
-/// a dependency whose name came before as well. Throws ConflictingDependencies when there is no
-/// consistent choice.
-std::vector<std::shared_ptr<LinkedMetamodel>> linkDependencies(
-    VersionRepository& repository, const std::shared_ptr<LinkedMetamodel>& root);
+/// Creates the linked metamodels of a descriptor, after those of the candidates of its dependencies
+/// that have none yet, and so on, depth first: the candidates of one dependency after the other,
+/// those of a dependency whose name came before as well.
+///
+/// However long the chain of dependencies, it takes no more stack. No lock is held while the
+/// application is called.
+class LinkedMetamodelCreation {
+ public:
+  LinkedMetamodelCreation(VersionRepository& repository, LinkedMetamodelCache& cache,
+                          const LinkedMetamodel::AccessTag& tag)
+      : repository_(repository), cache_(cache), tag_(tag) {}
+
+  /// The list that is kept: when another thread was faster, or the descriptor had a list before,
+  /// not the one created. Throws ConflictingDependencies when there is no consistent choice of
+  /// dependencies, and std::logic_error, which names them, when descriptors depend on one another
+  /// in a cycle.
+  const LinkedMetamodels& create(const Metamodel& metamodel);
+
+ private:
+  /// A descriptor whose dependencies are being linked.
+  struct Pending {
+    const Metamodel* metamodel;
+    std::size_t dependency = 0;         // that is being linked
+    bool isAsked = false;               // for the candidates of that dependency
+    std::vector<Metamodel> candidates;  // of that dependency
+    std::size_t candidate = 0;          // whose linked metamodels are wanted next
+    LinkedMetamodels options;           // of the candidates before
+    OptionsByName optionsByName;        // of the dependencies before
+  };
+
+  void begin(const Metamodel& metamodel);
+  const Metamodel* nextUnlinked(Pending& pending);
+  const LinkedMetamodels& finish(const Metamodel& metamodel, const OptionsByName& optionsByName);
+  void watchForCycle();
+  [[noreturn]] void reportCycle() const;
+
+  VersionRepository& repository_;
+  LinkedMetamodelCache& cache_;
+  const LinkedMetamodel::AccessTag& tag_;
+  std::vector<Pending> pending_;  // each needs the next one
+
+  // Going round a cycle, the descriptor watched comes again, if only it is replaced more and more
+  // rarely.
+  std::size_t watched_ = 0;  // among those pending
+  std::size_t begunSince_ = 0;
+  std::size_t patience_ = 1;
+};
 
 }  // namespace tarn::evolution::pathfinder

@@ -17,8 +17,7 @@
 namespace tarn::evolution::pathfinder {
 
 struct VersionRepository::Caches {
-  /// Only ever added to: lists are handed out by reference.
-  std::unordered_map<Metamodel, std::vector<std::shared_ptr<LinkedMetamodel>>> linkedMetamodelCache;
+  LinkedMetamodelCache linkedMetamodelCache;
   PathCache pathCache;
 };
 
@@ -135,11 +134,9 @@ std::vector<VersionBaseline> VersionRepository::combine(
 
 const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinkedMetamodels(
     const Metamodel& metamodel) {
-  const auto& cache = caches_->linkedMetamodelCache;
-  const auto known = cache.find(metamodel);
-  if (known != cache.end()) return known->second;
-  createLinkedMetamodels(metamodel);
-  return cache.at(metamodel);
+  LinkedMetamodelCache& cache = caches_->linkedMetamodelCache;
+  if (const LinkedMetamodels* known = cache.find(metamodel)) return *known;
+  return LinkedMetamodelCreation(*this, cache, accessTag()).create(metamodel);
 }
 
 const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinkedMetamodels(
@@ -150,11 +147,7 @@ const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinke
 }
 
 void VersionRepository::createLinkedMetamodels(const Metamodel& metamodel) {
-  const auto root = std::make_shared<LinkedMetamodel>(accessTag(), metamodel);
-  std::vector<std::shared_ptr<LinkedMetamodel>> results = linkDependencies(*this, root);
-  for (const auto& linked : results) loadMetamodel(linked);
-  caches_->linkedMetamodelCache.try_emplace(metamodel, std::move(results));
-  invalidatePathfindingCache();
+  LinkedMetamodelCreation(*this, caches_->linkedMetamodelCache, accessTag()).create(metamodel);
 }
 
 // Versions and directions.

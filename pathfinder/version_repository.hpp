@@ -27,7 +27,8 @@ namespace tarn::evolution::pathfinder {
 /// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
 /// `invalidatePathfindingCache` is called. The application's answers must be stable: a metamodel
 /// that has been linked is not asked for again, while hops are asked for afresh in every search.
-/// Dependencies must be free of cycles: linking one would never end.
+/// Dependencies must be free of cycles; linking one throws std::logic_error, which names its
+/// metamodels.
 ///
 /// **Equal questions, equal answers.** Wherever an order decides (which of several paths of equal
 /// weight is returned, the list of steps, the list of baselines), it is a function of the
@@ -35,12 +36,12 @@ namespace tarn::evolution::pathfinder {
 /// and hops. The linked metamodels of one descriptor stand in an order fixed by its list of
 /// dependencies.
 ///
-/// **Threads.** Everything runs on the caller's thread. Operations that may link metamodels must
-/// not run on two threads at once on one repository: `getLinkedMetamodels`,
-/// `createLinkedMetamodels`, `combine`, `createTargetBaseline`, `getStepsFrom`, and `findPath`,
-/// except that any number of threads may at the same time ask for paths between baselines that the
-/// path cache answers, and call `invalidatePathfindingCache`. Asking for paths of selections
-/// combines them first and is no exception.
+/// **Threads.** Everything runs on the caller's thread. Any number of threads may call any
+/// operations of one repository at once, also from within the application's own operations, which
+/// must then bear being called at once themselves. No lock is held while one of these runs. All
+/// callers get one and the same list of linked metamodels for a descriptor, for ever: when two
+/// threads link it at once, one of the two lists is dropped, after both were passed to
+/// `loadMetamodel`. Looking up what is linked takes no lock.
 ///
 /// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
 /// any exception the repository answers correctly: what was linked completely stays, nothing
@@ -179,7 +180,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// room for as many steps is reserved before the first is tried.
   ///
   /// Throws std::length_error when the number of choices is beyond any list,
-  /// ConflictingDependencies when  /// the target of a choice cannot be linked, and, when
+  /// ConflictingDependencies when the target of a choice cannot be linked, and, when
   /// `direction` is not `Unknown`, std::logic_error (in debug builds an assertion fails) for a hop
   /// whose target `getMetamodel` does not find.
   std::vector<BaselineHop> getStepsFrom(const VersionBaseline& from, Direction direction);

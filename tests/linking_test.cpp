@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+
 #include <algorithm>
+#include <functional>
 
 #include "messages/report_exception.hpp"
 #include "support/test_repository.hpp"
@@ -54,6 +57,63 @@ TEST(Linking, ConflictsAreReportedAndWhatWasLinkedStays) {
   repository.calls.clear();
   EXPECT_EQ(describe(repository.baselines("B1")), "B1 D1");
   EXPECT_EQ(repository.callsOf("loadMetamodel"), "");
+}
+
+TEST(Linking, CyclesAreNamed) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"A1:A1", "A@1.0.0 needs A@1.0.0"},
+      {"A1:B1+C1 B1 C1:D1 D1:B1+E1 E1:C1", "C@1.0.0 needs D@1.0.0 needs E@1.0.0 needs C@1.0.0"},
+      {"A1:B1 B1:C1 C1:D1 D1:E1 E1:F1 F1:F2 F2:F3 F3:F2", "F@2.0.0 needs F@3.0.0 needs F@2.0.0"},
+  };
+  for (const auto& [content, cycle] : cases) {
+    TestRepository repository(content);
+    try {
+      repository.baselines("A1");
+      ADD_FAILURE() << content;
+    } catch (const std::logic_error& error) {
+      EXPECT_EQ(error.what(), std::string("Metamodels depend on one another in a cycle: ") + cycle);
+    }
+  }
+}
+
+/// Runs on a thread that has 128 KiB of stack.
+void runOnSmallStack(std::function<void()> work) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 128 * 1024);
+  pthread_t thread;
+  const auto start = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+TEST(Linking, LongChainsAndManyDependenciesTakeNoStack) {
+  constexpr std::size_t count = 2000;
+  TestRepository chain("");
+  TestRepository fan("");
+  std::vector<Dependency> all;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::u16string name(1, static_cast<char16_t>(0x4000 + i));
+    const Dependency one{name, VersionRange::singleVersion(v(1))};
+    chain.metamodels.emplace_back(
+        name, v(1), all.empty() ? std::vector<Dependency>() : std::vector{all.back()});
+    fan.metamodels.emplace_back(name, v(1), std::vector<Dependency>());
+    all.push_back(one);
+  }
+  fan.metamodels.emplace_back(u"fan", v(1), all);
+  for (TestRepository* repository : {&chain, &fan}) {
+    repository->isNoting = false;
+    runOnSmallStack([&] {
+      const Metamodel& root = repository->metamodels.back();
+      const auto& variants = repository->getLinkedMetamodels(root);
+      EXPECT_EQ(variants.size(), 1U);
+      EXPECT_EQ(variants.front()->linkedMetamodels.size(), repository->metamodels.size() - 1);
+    });
+  }
 }
 
 TEST(Linking, SecondDependencyOfANameIsLinkedButNotChosen) {

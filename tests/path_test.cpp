@@ -198,5 +198,34 @@ TEST(Concurrency, CachedQuestionsWhilePathsAreForgotten) {
   EXPECT_EQ(wrong, 0);
 }
 
+TEST(Concurrency, EverythingAtOnceGivesEveryoneTheSameLists) {
+  constexpr int threadCount = 4;
+  for (int round = 0; round < 20; ++round) {
+    TestRepository repository(
+        "C1..3 B1:C[1,3) B2:C[2,4) B1>2 A1:B1 A2:B[1,3) A1>2 D1:A[1,3) D2:A2+C3 D1>2");
+    repository.isNoting = false;
+    std::vector<std::vector<std::shared_ptr<LinkedMetamodel>>> seen(threadCount);
+    std::vector<std::string> paths(threadCount);
+    const auto work = [&](int index) {
+      const Path path = repository.findPath(selection("A1 B1 C1 D1"), selection("C3 D2"));
+      paths[static_cast<std::size_t>(index)] = describe(path);
+      repository.invalidatePathfindingCache();
+      for (const Metamodel& metamodel : repository.metamodels) {
+        const auto& variants = repository.getLinkedMetamodels(metamodel);
+        auto& mine = seen[static_cast<std::size_t>(index)];
+        mine.insert(mine.end(), variants.begin(), variants.end());
+      }
+    };
+    std::vector<std::thread> threads;
+    for (int index = 0; index < threadCount; ++index) threads.emplace_back(work, index);
+    for (std::thread& thread : threads) thread.join();
+    for (int index = 1; index < threadCount; ++index) {
+      EXPECT_EQ(seen[static_cast<std::size_t>(index)], seen[0]);
+      EXPECT_EQ(paths[static_cast<std::size_t>(index)], paths[0]);
+    }
+    EXPECT_NE(paths[0], "none");
+  }
+}
+
 }  // namespace
 }  // namespace test

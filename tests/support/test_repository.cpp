@@ -139,7 +139,7 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
   note("loadMetamodel " + brief(linked->name, linked->version));
-  loaded.push_back(linked);
+  if (isNoting) loaded.push_back(linked);
 }
 
 std::string TestRepository::callsOf(const std::string& operation) const {

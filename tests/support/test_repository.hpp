@@ -84,7 +84,7 @@ class TestRepository : public VersionRepository {
   /// Called from every callback, with its text, after it is noted.
   std::function<void(const std::string&)> onCall;
 
-  /// Whether calls are noted. Without it, several threads may ask at once.
+  /// Whether calls, and what is loaded, are noted. Without it, several threads may ask at once.
   bool isNoting = true;
 
   /// Everything that `loadMetamodel` was given.
