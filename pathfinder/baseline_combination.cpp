@@ -70,6 +70,7 @@ bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>&
   if (!isNew) return own->second == candidate;
   const auto& links = candidate->linkedMetamodels;
   return std::all_of(links.begin(), links.end(), [&](const auto& link) {
+    if (link.first == candidate->name) return true;  // stands back behind the candidate itself
     const auto [held, isAdded] = baseline.metamodels.try_emplace(link.first, link.second);
     return isAdded || held->second == link.second;
   });

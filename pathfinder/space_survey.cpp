@@ -113,10 +113,11 @@ class SpaceSurvey {
     }
     while (!unasked_.empty()) {
       askForHops();
-      if (misnamed_) return std::nullopt;
+      if (isUnfit_) return std::nullopt;
       markWhatLeadsToTargets();
       linkWhatIsOfUse();
     }
+    if (isUnfit_) return std::nullopt;
     return build();
   }
 
@@ -222,7 +223,7 @@ class SpaceSurvey {
     std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, version);
     if (!found) return nullptr;
     if (found->name == *name.text) return &draftOf(name, *std::move(found));
-    misnamed_ = true;
+    isUnfit_ = true;
     return nullptr;
   }
 
@@ -301,7 +302,10 @@ class SpaceSurvey {
       link(draft);
       draft.areLinksEntered = true;
       if (draft.linked == nullptr) continue;
-      for (const auto& variant : *draft.linked) enterLinks(*variant);
+      for (const auto& variant : *draft.linked) {
+        isUnfit_ |= variant->linkedMetamodels.contains(variant->name);
+        enterLinks(*variant);
+      }
     }
   }
 
@@ -434,7 +438,7 @@ class SpaceSurvey {
   std::pmr::deque<Draft> drafts_{&memory_};
   std::pmr::vector<Draft*> unasked_{&memory_};
   std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&memory_};
-  bool misnamed_ = false;
+  bool isUnfit_ = false;
 };
 
 }  // namespace

@@ -15,8 +15,8 @@ namespace tarn::evolution::pathfinder {
 /// from which no hops lead to a target's: no path holds them. The latter are not linked either.
 ///
 /// No value when a source is not a consistent baseline of the repository's own linked metamodels,
-/// or when the application answers a name with a metamodel of another name: such questions have no
-/// space.
+/// when the application answers a name with a metamodel of another name, or when a metamodel links
+/// another version of itself: such questions have no space.
 std::optional<SearchSpace> surveySearchSpace(const SearchQuestion& question);
 
 }  // namespace tarn::evolution::pathfinder
