@@ -5,6 +5,7 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_stream.hpp"
+#include "catalogue/json_writer.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -36,6 +37,14 @@ Catalogue readJsonCatalogue(const std::filesystem::path& file) {
   } catch (const CatalogueError& error) {
     throw error.inFile(file.string());
   }
+}
+
+void writeJsonCatalogue(const CatalogueContent& content, std::ostream& out) {
+  JsonCatalogueWriter writer(out);
+  for (const CatalogueMetamodel& metamodel : content.metamodels) writer.addMetamodel(metamodel);
+  for (const pathfinder::Hop& hop : content.hops) writer.addHop(hop);
+  if (content.question) writer.setQuestion(*content.question);
+  writer.finish();
 }
 
 }  // namespace tarn::evolution::catalogue

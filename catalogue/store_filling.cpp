@@ -5,6 +5,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_stream.hpp"
 #include "catalogue/progress_sink.hpp"
+#include "catalogue/sqlite_open.hpp"
 #include "catalogue/sqlite_rows.hpp"
 #include "catalogue/sqlite_validation.hpp"
 
@@ -44,6 +45,9 @@ double sizeOf(std::istream& in) {
 StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
                       const StoreProgress& progress) {
   try {
+    if (isSqliteFile(json)) {
+      throw CatalogueError("", "is a SQLite database, not a JSON catalogue");
+    }
     std::ifstream in = openForReading(json);
     const double size = sizeOf(in);
     FillingSink writer(store);
