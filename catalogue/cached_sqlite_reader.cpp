@@ -1,6 +1,7 @@
 #include "catalogue/cached_sqlite_reader.hpp"
 
 #include <algorithm>
+#include <sstream>
 
 #include "catalogue/unsoundness.hpp"
 
@@ -61,8 +62,21 @@ CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name
   const std::u16string key = keyOf(name, version);
   if (Hops cached = hops_.find(key)) return cached;
   auto found = reader_.hopsFrom(name, version);
+  for (const pathfinder::Hop& hop : found) {
+    if (hasVersion(name, hop.to)) continue;
+    std::ostringstream reason;
+    reason << hop << " leads to no version";
+    database_.failDamaged("table hops", reason.str());
+  }
   const std::size_t weight = 1 + found.size();
   return hops_.add(key, std::move(found), weight);
+}
+
+bool CachedSqliteReader::hasVersion(const std::u16string& name, const VersionId& version) {
+  const Metamodels found = lookUp(name, VersionRange::singleVersion(version));
+  if (found->empty() || version.isSemVer()) return !found->empty();
+  const auto& equivalent = found->front().metamodel.equivalent;  // which a text is looked up by
+  return !equivalent || !lookUp(name, VersionRange::singleVersion(*equivalent))->empty();
 }
 
 CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& name,

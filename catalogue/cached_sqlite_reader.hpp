@@ -24,6 +24,8 @@ class CachedSqliteReader {
   /// Throws CatalogueError when there is a cycle.
   Metamodels metamodelsIn(const std::u16string& name, const pathfinder::VersionRange& range);
 
+  /// Throws CatalogueError when a hop leads to a version that `VersionRepository::getMetamodel`
+  /// would not find.
   Hops hopsFrom(const std::u16string& name, const pathfinder::VersionId& version);
 
   /// The reader itself, for what is not remembered.
@@ -38,6 +40,7 @@ class CachedSqliteReader {
   };
 
   Metamodels lookUp(const std::u16string& name, const pathfinder::VersionRange& range);
+  bool hasVersion(const std::u16string& name, const pathfinder::VersionId& version);
   void expectNoCycle(const Metamodels& candidates);
   void enterCandidate(const Metamodels& candidates);
   [[noreturn]] void failForCycle(std::int64_t position) const;

@@ -69,7 +69,7 @@ void SqliteDatabase::openForReading() {
     run("PRAGMA query_only = ON");
     number("SELECT count(*) FROM sqlite_schema");
   } catch (const CatalogueError&) {
-    const int code = handle_ ? sqlite3_errcode(handle_.get()) : SQLITE_CANTOPEN;
+    const int code = handle_ ? sqlite3_errcode(handle_.get()) & 0xff : SQLITE_CANTOPEN;
     const bool isUnwritable = code == SQLITE_CANTOPEN || code == SQLITE_READONLY;
     std::filesystem::path writtenAhead = file_;
     writtenAhead += "-wal";

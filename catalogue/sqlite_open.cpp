@@ -38,10 +38,14 @@ bool isIntact(SqliteDatabase& database) {
 }
 
 void expectSqlite(const std::filesystem::path& file) {
-  if (isSqliteFile(file)) return;
   std::error_code error;
-  if (std::filesystem::status(file, error).type() == std::filesystem::file_type::regular) {
+  if (!std::filesystem::is_regular_file(file, error)) return;  // SQLite says why it cannot be read
+  if (!isSqliteFile(file)) {
     throw CatalogueError("", "is not a catalogue store: it is not a SQLite database")
+        .inFile(file.string());
+  }
+  if (std::filesystem::file_size(file, error) < headerSize) {
+    throw CatalogueError("", "the store is damaged: it ends within its header")
         .inFile(file.string());
   }
 }

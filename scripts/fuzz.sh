@@ -13,6 +13,6 @@ cmake --build --preset fuzz --target fuzz_json fuzz_sqlite
 for form in json sqlite; do
   mkdir -p "build/fuzz/corpus/$form"
   "build/fuzz/fuzz/fuzz_$form" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=131072 \
-    -dict="fuzz/$form.dict" -artifact_prefix="build/fuzz/$form-" -print_final_stats=1 -verbosity=0 \
+    -dict="fuzz/$form.dict" -artifact_prefix="build/fuzz/$form-" -print_final_stats=1 -verbosity=0 -print_funcs=0 \
     "build/fuzz/corpus/$form" "fuzz/corpus/$form"
 done

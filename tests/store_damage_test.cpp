@@ -52,6 +52,7 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
           "INSERT INTO dependencies SELECT 0, 0, id, NULL, zeroblob(24), CAST(x'02' || "
           "zeroblob(23) AS BLOB) "
           "FROM names WHERE name = 'B'");
+  changed("hop to nowhere", "INSERT INTO hops SELECT NULL, name, version, 'x', 0 FROM metamodels");
   const std::string bytes = read("good.store");
   write("short", bytes.substr(0, 50));
   write("half", bytes.substr(0, bytes.size() / 8192 * 4096));
@@ -60,8 +61,8 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
       {"newer", "is a store of form 2, newer than form 1, the last that this program knows"},
       {"formless", "the store is damaged: it is of no known form"},
       {"tableless", "the store is damaged: it has no hops"},
-      {"other table", "the store is damaged: it has no hops_by_source"},
-      {"short", "is not a catalogue store: file is not a database"},
+      {"other table", "the store is damaged: hops is not as it should be"},
+      {"short", "the store is damaged: it ends within its header"},
       {"half", "the store is damaged: database disk image is malformed"},
   };
   for (const auto& [name, expected] : cases) {
@@ -78,6 +79,12 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
                        }),
       "table metamodels, row 0: the store is damaged: the dependencies form a cycle: "
       "A@1.0.0 -> B@1.0.0 -> A@1.0.0");
+  EXPECT_EQ(catalogueErrorOf(path("hop to nowhere"),
+                             [&] {
+                               std::vector<Hop> found;
+                               openCatalogue(path("hop to nowhere"))->findHops(u"A", v(1), found);
+                             }),
+            "table hops: the store is damaged: Hop {A@1.0.0->x} leads to no version");
   EXPECT_EQ(catalogueErrorOf(path("good.json"),
                              [&] {
                                removeFromStore(path("good.json"), {{u"A", {}}});

@@ -9,6 +9,8 @@
 
 namespace evopath {
 
+using namespace tarn::evolution::catalogue;
+
 namespace {
 
 struct AddOptions {
@@ -17,9 +19,9 @@ struct AddOptions {
 };
 
 ExitStatus runAdd(const AddOptions& options) {
-  ProgressBar bar("Adding");
-  const auto counts =
-      tarn::evolution::catalogue::addToStore(options.store, options.addition, bar.progress());
+  const auto counts = withProgressBar("Adding", [&](const StoreProgress& progress) {
+    return addToStore(options.store, options.addition, progress);
+  });
   std::cout << "Added " << describeCounts(counts) << ".\n";
   return found;
 }

@@ -9,6 +9,8 @@
 
 namespace evopath {
 
+using namespace tarn::evolution::catalogue;
+
 namespace {
 
 struct ExportOptions {
@@ -17,9 +19,9 @@ struct ExportOptions {
 };
 
 ExitStatus runExport(const ExportOptions& options) {
-  ProgressBar bar("Exporting");
-  const auto counts =
-      tarn::evolution::catalogue::exportCatalogue(options.store, options.catalogue, bar.progress());
+  const auto counts = withProgressBar("Exporting", [&](const StoreProgress& progress) {
+    return exportCatalogue(options.store, options.catalogue, progress);
+  });
   std::cout << "Exported " << describeCounts(counts) << ".\n";
   return found;
 }

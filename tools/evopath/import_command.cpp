@@ -9,6 +9,8 @@
 
 namespace evopath {
 
+using namespace tarn::evolution::catalogue;
+
 namespace {
 
 struct ImportOptions {
@@ -17,9 +19,9 @@ struct ImportOptions {
 };
 
 ExitStatus runImport(const ImportOptions& options) {
-  ProgressBar bar("Importing");
-  const auto counts =
-      tarn::evolution::catalogue::importCatalogue(options.catalogue, options.store, bar.progress());
+  const auto counts = withProgressBar("Importing", [&](const StoreProgress& progress) {
+    return importCatalogue(options.catalogue, options.store, progress);
+  });
   std::cout << "Imported " << describeCounts(counts) << ".\n";
   return found;
 }

@@ -32,4 +32,11 @@ class ProgressBar {
   void (*formerHandler_)(int);
 };
 
+/// What the operation, which takes a progress function, returns; with a bar while it runs.
+template <class Operation>
+auto withProgressBar(const std::string& title, const Operation& operation) {
+  ProgressBar bar(title);
+  return operation(bar.progress());
+}
+
 }  // namespace evopath
