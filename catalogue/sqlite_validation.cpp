@@ -91,7 +91,8 @@ class Validation {
     const auto first = std::min_element(
         errors_.begin(), errors_.end(),
         [](const auto& left, const auto& right) { return left.first < right.first; });
-    if (first != errors_.end()) throw first->second;
+    if (first == errors_.end()) return;
+    throw CatalogueError(first->second.place(), first->second.reason());
   }
 
   void collectRepeated() {

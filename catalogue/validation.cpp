@@ -64,6 +64,7 @@ void checkCycles(const CatalogueContent& content, const CatalogueIndex& index) {
   const std::vector<Position> positions = findDependencyCycle(content.metamodels, index);
   if (positions.empty()) return;
   std::vector<pathfinder::Metamodel> cycle;
+  cycle.reserve(positions.size());
   for (const Position position : positions) {
     cycle.push_back(content.metamodels[position].descriptor);
   }

@@ -25,7 +25,7 @@ ProgressBar::ProgressBar(const std::string& title)
 
 ProgressBar::~ProgressBar() {
   if (isShown_ && percent_ >= 0) std::cerr << "\r\033[K" << std::flush;
-  std::signal(SIGINT, formerHandler_);
+  static_cast<void>(std::signal(SIGINT, formerHandler_));
 }
 
 tarn::evolution::catalogue::StoreProgress ProgressBar::progress() {
