@@ -10,7 +10,7 @@ using tarn::evolution::catalogue::BrowsableRepository;
 using tarn::evolution::catalogue::Question;
 
 void QuestionOptions::addTo(CLI::App& command) {
-  command.add_option("catalogue", catalogue, "The catalogue, a JSON file")->required();
+  command.add_option("catalogue", catalogue, "The catalogue, a JSON file or a store")->required();
   auto* fromOption = command.add_option("--from", from, "The versions to start from")
                          ->type_name("NAME=VERSION[,...]")
                          ->delimiter(',');
