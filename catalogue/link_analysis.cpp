@@ -17,6 +17,7 @@ LinkAnalysis::LinkAnalysis(const DraftIndex& index, const DependencyComponents& 
       components_(components),
       graph_(graph),
       solver_(index),
+      witnesses_(index),
       budget_(budget),
       states_(index.slotCount(), State::Linkable),
       culprits_(graph.end(), nothing) {
@@ -33,7 +34,7 @@ void LinkAnalysis::visit(DependencyRangeGraph::Node node) {
   if (states_[slot] == State::Unsatisfied || states_[slot] == State::Clashing) {
     culprits_[node] = slot;
   } else if (states_[slot] == State::SelfExcluding) {
-    solver_.exclude(slot);
+    solver_.setExcluded(slot, true);
   }
 }
 
@@ -42,15 +43,25 @@ LinkAnalysis::State LinkAnalysis::decide(Slot slot) {
   if (culprits_[graph_.nodeOf(slot)] != nothing) return State::Blocked;
   if (isUnsatisfied(slot)) return State::Unsatisfied;
   if (index_.dependenciesBegin(slot) == index_.dependenciesEnd(slot)) return State::Linkable;
-  std::uint64_t share = this->share();
+  if (witnesses_.cover(slot)) return State::Linkable;
+  std::uint64_t share = std::min(budget_, budgetOfOne);
   budget_ -= share;
-  const LinkSolver::Outcome together = solver_.solve({slot}, share);
-  const LinkSolver::Outcome alone =
-      together == LinkSolver::Outcome::Clashing ? solver_.solveDependencies(slot, share) : together;
+  const State result = search(slot, share);
   budget_ += share;
-  if (together == LinkSolver::Outcome::Consistent) return State::Linkable;
-  if (alone == LinkSolver::Outcome::Consistent) return State::SelfExcluding;
-  return alone == LinkSolver::Outcome::Clashing ? State::Clashing : State::Undecided;
+  return result;
+}
+
+LinkAnalysis::State LinkAnalysis::search(Slot slot, std::uint64_t& share) {
+  LinkSolver::Outcome outcome = solver_.solve({slot}, share);
+  if (outcome == LinkSolver::Outcome::Consistent) {
+    witnesses_.add(solver_.found());
+    return State::Linkable;
+  }
+  if (outcome == LinkSolver::Outcome::Clashing) {
+    outcome = solver_.solveDependencies(slot, share);
+    if (outcome == LinkSolver::Outcome::Consistent) return State::SelfExcluding;
+  }
+  return outcome == LinkSolver::Outcome::Clashing ? State::Clashing : State::Undecided;
 }
 
 bool LinkAnalysis::isUnsatisfied(Slot slot) const {
@@ -61,17 +72,15 @@ bool LinkAnalysis::isUnsatisfied(Slot slot) const {
                      });
 }
 
-std::uint64_t LinkAnalysis::share() const {
-  return std::min(budget_, budgetOfOne);
-}
-
 LinkAnalysis::Reason LinkAnalysis::reason() const {
   return {solver_.clash(), solver_.choices()};
 }
 
 LinkAnalysis::Reason LinkAnalysis::explain(Slot slot) {
   std::uint64_t budget = budgetOfOne;
+  solver_.setExcluded(slot, false);
   solver_.solve({slot}, budget);
+  solver_.setExcluded(slot, states_[slot] == State::SelfExcluding);
   return reason();
 }
 

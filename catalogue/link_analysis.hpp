@@ -5,6 +5,7 @@
 
 #include "catalogue/dependency_components.hpp"
 #include "catalogue/link_solver.hpp"
+#include "catalogue/link_witness.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -49,14 +50,15 @@ class LinkAnalysis {
  private:
   void visit(DependencyRangeGraph::Node node);
   State decide(Slot slot);
+  State search(Slot slot, std::uint64_t& share);
   bool isUnsatisfied(Slot slot) const;
-  std::uint64_t share() const;
   Reason reason() const;
 
   const DraftIndex& index_;
   const DependencyComponents& components_;
   const DependencyRangeGraph& graph_;
   LinkSolver solver_;
+  LinkWitnesses witnesses_;
   std::uint64_t budget_;
   std::vector<State> states_;
   std::vector<Slot>

@@ -37,6 +37,12 @@ LinkSolver::Outcome LinkSolver::solveDependencies(Slot slot, std::uint64_t& budg
   return outcome;
 }
 
+std::vector<Slot> LinkSolver::found() {
+  std::vector<Slot> result;
+  for (const NameNumber name : required_) result.push_back(domain(name).taken);
+  return result;
+}
+
 void LinkSolver::start(std::uint64_t budget) {
   ++generation_;
   work_ = 0;

@@ -37,8 +37,8 @@ class LinkSolver {
 
   explicit LinkSolver(const DraftIndex& index);
 
-  /// No choice may hold this version any more.
-  void exclude(Slot slot) { isExcluded_[slot] = true; }
+  /// Whether no choice may hold this version, which is not so at first.
+  void setExcluded(Slot slot, bool isExcluded) { isExcluded_[slot] = isExcluded; }
 
   /// Whether all of these versions can stand together. Undecided when that takes more than `budget`
   /// requirements looked at; what it took is subtracted from `budget`.
@@ -46,6 +46,9 @@ class LinkSolver {
 
   /// Whether the dependencies of a version can be met, were it not for its own name.
   Outcome solveDependencies(Slot slot, std::uint64_t& budget);
+
+  /// When consistent: the versions that were found to stand together.
+  std::vector<Slot> found();
 
   /// After a clash: the first one met of which every choice of versions has one, if it is between
   /// two requirements.
