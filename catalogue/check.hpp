@@ -12,7 +12,7 @@ namespace tarn::evolution::catalogue {
 /// How much work a check may do to decide which versions can be linked, a question that can take
 /// time exponential in the number of names. One unit is one requirement looked at.
 struct CheckLimits {
-  std::uint64_t linkWork = 20'000'000;
+  std::uint64_t linkWork = 40'000'000;
 };
 
 /// Everything that is found in a catalogue, in the order of the file; what reading it found is part

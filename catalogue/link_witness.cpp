@@ -50,7 +50,7 @@ bool LinkWitnesses::cover(Slot slot) {
     const SlotInterval candidates = dependency->candidates;
     if (candidates.empty()) continue;
     const Slot middle = candidates.begin + (candidates.end - candidates.begin) / 2;
-    for (const Slot candidate : {candidates.end - 1, middle, candidates.begin}) {
+    for (const Slot candidate : {middle, candidates.end - 1, candidates.begin}) {
       const std::uint32_t number = setOf(candidate);
       if (number == nothing || !covers(sets_[number], slot)) continue;
       if (sets_[number].try_emplace(index_.nameOf(slot), slot).second) ++held_;
