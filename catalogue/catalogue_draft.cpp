@@ -2,16 +2,27 @@
 
 namespace tarn::evolution::catalogue {
 
+using Form = CatalogueDraft::Form;
+
 namespace {
 
-std::string rowText(CatalogueDraft::Form form, const std::string& list, std::size_t number) {
+std::string rowText(Form form, const std::string& list, std::size_t number) {
   const std::string text = std::to_string(number);
-  return form == CatalogueDraft::Form::Json ? "/" + list + "/" + text : list + " row " + text;
+  return form == Form::Json ? "/" + list + "/" + text : "table " + list + ", row " + text;
 }
 
-std::string fieldText(CatalogueDraft::Form form, const std::string& field) {
-  if (field.empty()) return {};
-  return (form == CatalogueDraft::Form::Json ? "/" : ", column ") + field;
+/// The column of a field of the JSON form; empty for what is not one column of the row.
+std::string columnOf(const std::string& field) {
+  if (field == "semver") return "equivalent";
+  if (field == "from") return "source";
+  if (field == "to") return "target";
+  return field == "name" || field == "version" ? field : "";
+}
+
+std::string fieldText(Form form, const std::string& field) {
+  if (form == Form::Json) return field.empty() ? "" : "/" + field;
+  const std::string column = columnOf(field);
+  return column.empty() ? "" : ", column " + column;
 }
 
 }  // namespace
@@ -22,9 +33,12 @@ Place CatalogueDraft::placeOf(const MetamodelRow& row, const std::string& field)
 
 Place CatalogueDraft::placeOf(const MetamodelRow& row, const DependencyRow& dependency,
                               const std::string& field) const {
-  const std::string owner = form == Form::Json ? rowText(form, "metamodels", row.number) : "";
-  return {owner + rowText(form, "dependencies", dependency.number) + fieldText(form, field),
-          dependency.order};
+  const std::string number = std::to_string(dependency.number);
+  const std::string text =
+      form == Form::Json
+          ? rowText(form, "metamodels", row.number) + "/dependencies/" + number
+          : "table dependencies, metamodel " + std::to_string(row.number) + ", ordinal " + number;
+  return {text + fieldText(form, field), dependency.order};
 }
 
 Place CatalogueDraft::placeOf(const HopRow& row, const std::string& field) const {

@@ -14,7 +14,7 @@ namespace tarn::evolution::catalogue {
 
 /// What could be read of a dependency. A part that is absent could not, which is a finding already.
 struct DependencyRow {
-  std::size_t number;   ///< in the list of its metamodel, or in its table
+  std::size_t number;   ///< among those of its metamodel
   std::uint64_t order;  ///< see Place
   std::optional<std::u16string> name;
   std::optional<pathfinder::VersionRange> range;
@@ -22,7 +22,7 @@ struct DependencyRow {
 
 /// What could be read of one version of a metamodel.
 struct MetamodelRow {
-  std::size_t number;
+  std::size_t number;  ///< in its list, or the position in its table
   std::uint64_t order;
   std::optional<std::u16string> name;
   std::optional<pathfinder::VersionId> version;
@@ -59,7 +59,7 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueDraft {
   enum class Form { Json, Tables };
 
   Form form = Form::Json;
-  bool isReadable = true;  ///< when not, there is one finding and nothing else
+  bool isReadable = true;  ///< when not, reading ended early, and only `findings` has a meaning
   std::vector<MetamodelRow> metamodels;
   std::vector<HopRow> hops;
   std::optional<SelectionDraft> questionFrom;

@@ -17,7 +17,7 @@ struct CodeEntry {
 
 constexpr CodeEntry codeTable[] = {
     {FindingCode::NotJson, Severity::Error, "not-json", "the file is not JSON"},
-    {FindingCode::NotSqlite, Severity::Error, "not-sqlite", "the database cannot be read"},
+    {FindingCode::DamagedStore, Severity::Error, "damaged-store", "the store is damaged"},
     {FindingCode::WrongType, Severity::Error, "wrong-type", "values of a wrong type"},
     {FindingCode::MissingField, Severity::Error, "missing-field", "fields that are missing"},
     {FindingCode::UnknownField, Severity::Error, "unknown-field", "fields without meaning"},

@@ -20,7 +20,7 @@ enum class Severity {
 enum class FindingCode {
   // Errors in reading.
   NotJson,         ///< the text is not JSON; nothing else is said of such a file
-  NotSqlite,       ///< the file is not a readable catalogue database; likewise
+  DamagedStore,    ///< what SQLite itself finds wrong with a store
   WrongType,       ///< a value of another type than the one that belongs there
   MissingField,    ///< a field that must be there is not
   UnknownField,    ///< a field that has no meaning

@@ -1,15 +1,14 @@
 #include "catalogue/json_draft.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <fstream>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_pieces.hpp"
+#include "catalogue/json_stream.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -288,15 +287,12 @@ CatalogueDraft readJsonDraft(std::istream& in) {
 }
 
 CatalogueDraft readJsonDraft(const std::filesystem::path& file) {
-  if (std::filesystem::is_directory(file)) {
-    throw CatalogueError("", "is a directory, not a file").inFile(file.string());
+  try {
+    std::ifstream in = openForReading(file);
+    return readJsonDraft(in);
+  } catch (const CatalogueError& error) {
+    throw error.inFile(file.string());
   }
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
-    const std::string reason = std::generic_category().message(errno);
-    throw CatalogueError("", "cannot be opened: " + reason).inFile(file.string());
-  }
-  return readJsonDraft(in);
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -172,6 +172,7 @@ bool LinkSolver::tryNext() {
   const Slot first = domain(decision.name).left.begin;
   while (decision.next > first) {
     const Slot slot = --decision.next;
+    ++work_;
     if (isExcluded_[slot]) continue;
     conflict_.clear();
     return take(decision.name, slot, level) && takeForced();

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "catalogue/check.hpp"
-#include "catalogue/json_draft.hpp"
+#include "catalogue/open_draft.hpp"
 #include "check_report.hpp"
 #include "command.hpp"
 
@@ -31,13 +31,11 @@ ExitStatus statusOf(const std::vector<Finding>& findings) {
 }
 
 ExitStatus runCheck(const CheckOptions& options) {
-  CheckReport report{options.catalogue.string(), {}};
-  report.findings = check(tarn::evolution::catalogue::readJsonDraft(options.catalogue));
-  const ExitStatus status = statusOf(report.findings);
-  std::erase_if(report.findings,
-                [&](const Finding& finding) { return severityOf(finding.code) < options.least; });
+  const CheckReport report{options.catalogue.string(),
+                           check(tarn::evolution::catalogue::readDraft(options.catalogue)),
+                           options.least};
   (options.json ? printJson : printText)(report, std::cout);
-  return status;
+  return statusOf(report.findings);
 }
 
 }  // namespace
@@ -45,10 +43,9 @@ ExitStatus runCheck(const CheckOptions& options) {
 void addCheckCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* check = program.add_subcommand("check", "Find all that is wrong with a catalogue");
-  check->add_option("catalogue", options->catalogue, "The catalogue, a JSON file")->required();
-  check
-      ->add_option("--severity", options->least,
-                   "Leave out what is less than this; the exit status stays the same")
+  check->add_option("catalogue", options->catalogue, "The catalogue, a JSON file or a store")
+      ->required();
+  check->add_option("--severity", options->least, "Only count what is less than this")
       ->type_name("error|warning|note")
       ->transform(CLI::Transformer(std::map<std::string, Severity>{{"error", Severity::Error},
                                                                    {"warning", Severity::Warning},

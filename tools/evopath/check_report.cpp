@@ -45,7 +45,7 @@ void printText(const CheckReport& report, std::ostream& out) {
   for (const Finding& finding : report.findings) groups[finding.code].push_back(&finding);
   for (const Severity severity : gravestFirst) {
     for (const auto& [code, group] : groups) {
-      if (severityOf(code) == severity) printGroup(code, group, out);
+      if (severityOf(code) == severity && severity >= report.least) printGroup(code, group, out);
     }
   }
   out << report.catalogue << ": ";
@@ -60,8 +60,13 @@ void printText(const CheckReport& report, std::ostream& out) {
 
 void printJson(const CheckReport& report, std::ostream& out) {
   using nlohmann::ordered_json;
-  ordered_json document{{"catalogue", report.catalogue}, {"findings", ordered_json::array()}};
+  ordered_json document{{"catalogue", report.catalogue}};
+  for (const Severity severity : gravestFirst) {
+    document[nameOf(severity) + "s"] = countOf(report, severity);
+  }
+  document["findings"] = ordered_json::array();
   for (const Finding& finding : report.findings) {
+    if (severityOf(finding.code) < report.least) continue;
     ordered_json related = ordered_json::array();
     for (const auto& place : finding.related) related.push_back(place.text);
     document["findings"].push_back({{"code", identifierOf(finding.code)},
@@ -69,9 +74,6 @@ void printJson(const CheckReport& report, std::ostream& out) {
                                     {"place", finding.place.text},
                                     {"message", finding.message},
                                     {"related", related}});
-  }
-  for (const Severity severity : gravestFirst) {
-    document[nameOf(severity) + "s"] = countOf(report, severity);
   }
   out << document.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }

@@ -12,6 +12,7 @@ namespace evopath {
 struct CheckReport {
   std::string catalogue;
   std::vector<tarn::evolution::catalogue::Finding> findings;
+  tarn::evolution::catalogue::Severity least;  ///< what is less is counted only
 };
 
 /// Grouped by what was found, the gravest first, and ending with a line of numbers.
