@@ -82,6 +82,7 @@ Finding findingAt(const DraftIndex& index, FindingCode code, const std::vector<S
 
 std::vector<std::string> versionsOf(const DraftIndex& index, const std::vector<Slot>& slots) {
   std::vector<std::string> versions;
+  versions.reserve(slots.size());
   for (const Slot slot : slots) versions.push_back(printed(*index.row(slot).version));
   return versions;
 }

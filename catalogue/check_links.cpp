@@ -9,6 +9,7 @@ namespace {
 
 std::vector<std::string> described(const DraftIndex& index, const std::vector<Slot>& slots) {
   std::vector<std::string> result;
+  result.reserve(slots.size());
   for (const Slot slot : slots) result.push_back(index.describe(slot));
   return result;
 }

@@ -37,7 +37,7 @@ std::size_t DependencyRangeGraph::edgeCount(Node node) const {
 }
 
 Node DependencyRangeGraph::edge(Node node, std::size_t number) const {
-  if (!isVersion(node)) return static_cast<Node>(2 * node + number);
+  if (!isVersion(node)) return 2 * node + static_cast<Node>(number);
   return targets_[targetStart_[slotOf(node)] + number];
 }
 

@@ -80,8 +80,9 @@ TEST_F(StoreCheck, FindsRowsThatCannotStandThere) {
        "unknown-question-version table question_versions, side to, name B\n"},
       {"UPDATE names SET name = '' WHERE name = 'C'",
        "bad-name table dependencies, metamodel 4, ordinal 1, column name\n"
-       "bad-name table metamodels, row 6, column name\nbad-name table metamodels, row 7, column "
-       "name\n"},
+       "bad-name table metamodels, row 6, column name\n"
+       "bad-name table metamodels, row 7, column name\n"
+       "bad-name table hops, row 2, column name\n"},
       {"UPDATE metamodels SET equivalent = " + seven + " WHERE position = 7",
        "bad-equivalent table metamodels, row 7, column equivalent\n"},
       {"UPDATE dependencies SET lower = " + seven + " WHERE ordinal = 0 AND metamodel = 4",
