@@ -16,7 +16,9 @@ struct CheckLimits {
 };
 
 /// Everything that is found in a catalogue, in the order of the file; what reading it found is part
-/// of it. There is an error among the findings exactly when loading refuses the catalogue.
+/// of it. There is an error among the findings exactly when loading refuses the catalogue. (A
+/// store, which is not read as a whole when it is opened, has errors where importing the same
+/// content would be refused.)
 ///
 /// Takes time and memory nearly linear in versions, dependencies and hops, but for the work that
 /// `limits` bounds. Throws nothing but std::bad_alloc.
