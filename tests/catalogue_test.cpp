@@ -7,6 +7,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "support/catalogue_json.hpp"
 #include "support/store_folder.hpp"
 #include "support/test_repository.hpp"
 
@@ -82,6 +83,7 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
   for (const auto& [json, expected] : cases) {
     const std::string error = errorOf([&json = json] { read(json); });
     EXPECT_EQ(error.substr(0, expected.size()), quoted(expected)) << json;
+    EXPECT_TRUE(hasError(findingsIn(quoted(json)))) << json;
   }
   EXPECT_THROW(readJsonCatalogue(std::filesystem::path("/")), CatalogueError);
 }
@@ -132,6 +134,7 @@ TEST(Catalogue, RefusesWhatIsUnsoundAndSaysWhere) {
   for (const auto& [content, expected] : cases) {
     TestRepository repository(content);
     EXPECT_EQ(errorOf([&] { Catalogue{contentOf(repository)}; }), quoted(expected)) << content;
+    EXPECT_EQ(hasError(findingsIn(toJson(repository).dump())), expected != "no error") << content;
   }
 }
 

@@ -10,6 +10,8 @@
 namespace test {
 namespace {
 
+using namespace std::string_literals;
+
 /// Runs evopath in a folder of its own that holds "small.json".
 class Evopath : public testing::Test {
  protected:
@@ -81,6 +83,41 @@ TEST_F(Evopath, ShowsItsReasoningOnStandardError) {
               std::string::npos)
         << reasoning;
   }
+}
+
+TEST_F(Evopath, ChecksCatalogues) {
+  write("doubtful.json", R"({"metamodels": [
+      {"name": "A", "version": "1.0", "dependencies": [{"name": "B", "range": ["2.0", "3.0"]}]},
+      {"name": "A", "version": "2.0", "dependencies": []},
+      {"name": "B", "version": "1.0", "dependencies": [{"name": "B", "range": ["2.0", "2.0"]}]}],
+    "hops": []})");
+  const std::string note =
+      "note no-hops: metamodels without hops\n"
+      "  /metamodels/0  none of the 2 versions of \"A\" has a hop\n";
+  const std::string warnings =
+      "warning empty-range: ranges that no version can lie in\n"
+      "  /metamodels/2/dependencies/0/range  B@1.0.0 depends on \"B\" [2.0.0, 2.0.0), a range that "
+      "no version can lie in\n"
+      "warning unsatisfied-dependency: dependencies that no version satisfies\n"
+      "  /metamodels/0/dependencies/0/range  A@1.0.0 depends on \"B\" [2.0.0, 3.0.0), which no "
+      "version in the catalogue satisfies\n";
+  EXPECT_EQ(run("check doubtful.json"),
+            std::pair(1, warnings + note + "doubtful.json: 0 errors, 2 warnings, 1 note\n"));
+  EXPECT_EQ(run("check doubtful.json --severity warning"),
+            std::pair(1, warnings + "doubtful.json: 0 errors, 2 warnings, 1 note\n"));
+  EXPECT_EQ(run("check small.json"), std::pair(0, "small.json: 0 errors, 0 warnings, 0 notes\n"s));
+  write("broken.json", "{\n\"hops\": [], \"metamodels\": [{]}");
+  auto [status, output] = run("check broken.json --json");
+  EXPECT_EQ(status, 2);
+  std::erase_if(output, [](char character) { return character == ' ' || character == '\n'; });
+  EXPECT_TRUE(output.starts_with(
+      R"({"catalogue":"broken.json","errors":1,"warnings":0,"notes":0,"findings":[{"code":"not-json",)"
+      R"("severity":"error","place":"","message":"notJSON:parseerroratline2,column29)"))
+      << output;
+  EXPECT_TRUE(output.ends_with(R"("related":[]}]})"));
+  EXPECT_EQ(run("check missing.json 2>&1").second,
+            "evopath: missing.json: cannot be opened: No such file or directory\n");
+  EXPECT_EQ(run("check small.json --severity all 2>/dev/null").first, 2);
 }
 
 TEST_F(Evopath, SaysWhatIsWrong) {

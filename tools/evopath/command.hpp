@@ -17,6 +17,7 @@ using AddCommand = void (*)(CLI::App& program, Action& action);
 void addAddCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
 void addImportCommand(CLI::App& program, Action& action);
+void addCheckCommand(CLI::App& program, Action& action);
 void addPathCommand(CLI::App& program, Action& action);
 void addRemoveCommand(CLI::App& program, Action& action);
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace tarn::evolution::catalogue {
+
+/// A value as it stands in a JSON text. Unlike in a parsed document, fields keep their order, and
+/// one that stands twice is there twice.
+struct JsonValue {
+  enum class Kind { Null, Boolean, Number, Text, Array, Object };
+
+  Kind kind = Kind::Null;
+  std::uint64_t order = 0;          ///< of its beginning, ascending through the text
+  std::string key;                  ///< of a field
+  std::string text;                 ///< of a text
+  std::vector<JsonValue> children;  ///< elements of an array, fields of an object
+
+  /// "an object", "a number" and so on.
+  std::string kindText() const;
+};
+
+/// Receives a document whose root is an object, piece by piece.
+class JsonPieceReceiver {
+ public:
+  virtual ~JsonPieceReceiver() = default;
+
+  /// An element of an array that is a field of the root.
+  virtual void receiveElement(const std::string& field, std::size_t index, JsonValue value) = 0;
+
+  /// A field of the root, after its elements if it is an array, which it then comes without.
+  virtual void receiveField(JsonValue value) = 0;
+
+  /// A root that is no object, without its content.
+  virtual void receiveOtherRoot(JsonValue value) = 0;
+};
+
+/// Reads a JSON text and passes its pieces on; memory is that of the largest piece. Values nested
+/// deeper below the root than any catalogue has them are passed on without what they hold.
+///
+/// Returns why the text is not JSON, with line and column; empty when it is.
+std::string readJsonPieces(std::istream& in, JsonPieceReceiver& receiver);
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/check.hpp"
+#include "catalogue/open_draft.hpp"
+#include "catalogue/sqlite_database.hpp"
+#include "catalogue/store_transfer.hpp"
+#include "support/catalogue_json.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+
+/// A folder of its own that holds "small.json" and, made of it, "small.db".
+class StoreCheck : public testing::Test {
+ protected:
+  StoreCheck() {
+    std::filesystem::create_directories(folder_);
+    TestRepository repository("A1..3 Ax~1.5 B1:A[1,3)+C1 B2:Ax C1..2 B1>2 Ax>2");
+    nlohmann::ordered_json document = toJson(repository);
+    document["question"] = {{"from", selectionJson("A1 B1")}, {"to", selectionJson("B2")}};
+    std::ofstream(folder_ / "small.json") << document;
+    renew();
+  }
+  ~StoreCheck() override { std::filesystem::remove_all(folder_); }
+
+  void renew() const {
+    std::filesystem::remove(store_);
+    importCatalogue(folder_ / "small.json", store_);
+  }
+
+  /// What is found after these statements, run without regard to what the schema demands.
+  std::string findingsAfter(const std::string& statements) const {
+    renew();
+    SqliteDatabase database(store_, SqliteDatabase::Access::Edit);
+    database.run("PRAGMA foreign_keys = OFF; PRAGMA ignore_check_constraints = ON");
+    database.run(statements.c_str());
+    std::string result;
+    for (const Finding& finding : check(readDraft(store_))) {
+      if (severityOf(finding.code) == Severity::Note) continue;
+      result += identifierOf(finding.code) + " " + finding.place.text + "\n";
+    }
+    return result;
+  }
+
+  const std::filesystem::path folder_ =
+      std::filesystem::temp_directory_path() / ("check_store_" + std::to_string(getpid()));
+  const std::filesystem::path store_ = folder_ / "small.db";
+};
+
+TEST_F(StoreCheck, FindsInAStoreWhatItFindsInJson) {
+  importCatalogue(CATALOGUE_FILE, store_);
+  const std::vector<Finding> inJson = check(readDraft(CATALOGUE_FILE));
+  const std::vector<Finding> inStore = check(readDraft(store_));
+  ASSERT_EQ(inStore.size(), inJson.size());
+  for (std::size_t i = 0; i < inJson.size(); ++i) {
+    EXPECT_EQ(inStore[i].code, inJson[i].code);
+    EXPECT_EQ(inStore[i].message, inJson[i].message);
+    EXPECT_EQ(inStore[i].related.size(), inJson[i].related.size());
+  }
+}
+
+TEST_F(StoreCheck, FindsRowsThatCannotStandThere) {
+  const std::string seven = "X'" + std::string(48, '7') + "'";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {"UPDATE metamodels SET name = 99 WHERE position = 6",
+       "unsatisfied-dependency table dependencies, metamodel 4, ordinal 1\n"
+       "orphan-row table metamodels, row 6, column name\n"
+       "unknown-hop-version table hops, row 2, column source\n"
+       "inconsistent-question table question_versions, side from\n"},
+      {"DELETE FROM metamodels WHERE position = 5; DELETE FROM hops",
+       "orphan-row table dependencies, metamodel 5, ordinal 0\n"
+       "unknown-question-version table question_versions, side to, name B\n"},
+      {"UPDATE names SET name = '' WHERE name = 'C'",
+       "bad-name table dependencies, metamodel 4, ordinal 1, column name\n"
+       "bad-name table metamodels, row 6, column name\n"
+       "bad-name table metamodels, row 7, column name\n"
+       "bad-name table hops, row 2, column name\n"},
+      {"UPDATE metamodels SET equivalent = " + seven + " WHERE position = 7",
+       "bad-equivalent table metamodels, row 7, column equivalent\n"},
+      {"UPDATE dependencies SET lower = " + seven + " WHERE ordinal = 0 AND metamodel = 4",
+       "bad-range table dependencies, metamodel 4, ordinal 0\n"},
+      {"UPDATE hops SET target = 'nowhere' WHERE position = 3",
+       "unknown-hop-version table hops, row 3, column target\n"},
+      {"INSERT INTO metamodels (position, name, version) SELECT 90, name, version FROM metamodels "
+       "WHERE position = 3",
+       "duplicate-version table metamodels, row 90\n"},
+      {"INSERT INTO hops SELECT position + 90, name, target, source, expensive FROM hops; DELETE "
+       "FROM "
+       "question",
+       ""},
+  };
+  for (const auto& [statements, expected] : cases) {
+    EXPECT_EQ(findingsAfter(statements), expected) << statements;
+  }
+  EXPECT_TRUE(findingsAfter("UPDATE hops SET source = 7 WHERE position = 0")
+                  .starts_with("damaged-store \nbad-version table hops, row 0, column source\n"));
+}
+
+TEST_F(StoreCheck, SurvivesDamageAnywhere) {
+  std::string intact;
+  {
+    std::ifstream in(store_, std::ios::binary);
+    intact.assign(std::istreambuf_iterator<char>(in), {});
+  }
+  int found = 0;
+  for (std::size_t at = 100; at < intact.size(); at += 331) {
+    std::string damaged = intact;
+    std::fill_n(damaged.begin() + static_cast<std::ptrdiff_t>(at), 8, '\xa5');
+    std::ofstream(store_, std::ios::binary) << damaged;
+    try {
+      found += hasError(check(readDraft(store_))) ? 1 : 0;
+    } catch (const CatalogueError&) {
+      ++found;
+    }
+  }
+  EXPECT_GT(found, 10);
+}
+
+}  // namespace
+}  // namespace test

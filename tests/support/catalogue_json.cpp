@@ -1,0 +1,68 @@
+#include "support/catalogue_json.hpp"
+
+#include <algorithm>
+
+#include "catalogue/json_draft.hpp"
+#include "platform/text.hpp"
+
+namespace test {
+
+using nlohmann::ordered_json;
+using namespace tarn::evolution::catalogue;
+
+namespace {
+
+ordered_json rangeJson(const VersionRange& range) {
+  if (!range.isSemVerRange()) return printed(range);
+  const auto& [lower, upper] = range.getSemVerRange();
+  return {printed(lower), printed(upper)};
+}
+
+}  // namespace
+
+ordered_json toJson(TestRepository& repository) {
+  ordered_json metamodels = ordered_json::array();
+  for (const Metamodel& metamodel : repository.metamodels) {
+    ordered_json dependencies = ordered_json::array();
+    for (const auto& [name, range] : metamodel.dependencies) {
+      dependencies.push_back(
+          {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeJson(range)}});
+    }
+    metamodels.push_back({{"name", fl::i18n::ustring_to_utf8(metamodel.name)},
+                          {"version", printed(metamodel.version)},
+                          {"dependencies", dependencies}});
+    if (metamodel.version.isSemVer()) continue;
+    if (const auto equivalent = repository.extractSemVer(metamodel)) {
+      metamodels.back()["semver"] = printed(*equivalent);
+    }
+  }
+  ordered_json hops = ordered_json::array();
+  for (const Hop& hop : repository.hops) {
+    hops.push_back({{"name", fl::i18n::ustring_to_utf8(hop.name)},
+                    {"from", printed(hop.from)},
+                    {"to", printed(hop.to)},
+                    {"expensive", hop.expensive}});
+  }
+  return {{"metamodels", metamodels}, {"hops", hops}};
+}
+
+ordered_json selectionJson(const std::string& selected) {
+  ordered_json result = ordered_json::object();
+  for (const auto& [name, version] : selection(selected)) {
+    result[fl::i18n::ustring_to_utf8(name)] = printed(version);
+  }
+  return result;
+}
+
+std::vector<Finding> findingsIn(const std::string& json, const CheckLimits& limits) {
+  std::istringstream in(json);
+  return check(readJsonDraft(in), limits);
+}
+
+bool hasError(const std::vector<Finding>& findings) {
+  return std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+    return severityOf(finding.code) == Severity::Error;
+  });
+}
+
+}  // namespace test

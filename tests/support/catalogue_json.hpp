@@ -1,0 +1,23 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "catalogue/check.hpp"
+#include "support/test_repository.hpp"
+
+namespace test {
+
+/// What the repository holds, as a JSON catalogue without a question.
+nlohmann::ordered_json toJson(TestRepository& repository);
+
+/// One side of a question: "A1 Bspring".
+nlohmann::ordered_json selectionJson(const std::string& selected);
+
+/// Everything that is found in a JSON text.
+std::vector<tarn::evolution::catalogue::Finding> findingsIn(
+    const std::string& json, const tarn::evolution::catalogue::CheckLimits& limits = {});
+
+bool hasError(const std::vector<tarn::evolution::catalogue::Finding>& findings);
+
+}  // namespace test

@@ -1,0 +1,62 @@
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "catalogue/check.hpp"
+#include "catalogue/open_draft.hpp"
+#include "check_report.hpp"
+#include "command.hpp"
+
+namespace evopath {
+
+using tarn::evolution::catalogue::Finding;
+using tarn::evolution::catalogue::Severity;
+using tarn::evolution::catalogue::severityOf;
+
+namespace {
+
+struct CheckOptions {
+  std::filesystem::path catalogue;
+  Severity least = Severity::Note;
+  bool json = false;
+};
+
+ExitStatus statusOf(const std::vector<Finding>& findings) {
+  Severity worst = Severity::Note;
+  for (const Finding& finding : findings) worst = std::max(worst, severityOf(finding.code));
+  if (worst == Severity::Error) return badInput;
+  return worst == Severity::Warning ? doubtful : sound;
+}
+
+ExitStatus runCheck(const CheckOptions& options) {
+  const CheckReport report{options.catalogue.string(),
+                           check(tarn::evolution::catalogue::readDraft(options.catalogue)),
+                           options.least};
+  (options.json ? printJson : printText)(report, std::cout);
+  return statusOf(report.findings);
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<CheckOptions>();
+  CLI::App* check = program.add_subcommand("check", "Find all that is wrong with a catalogue");
+  check->add_option("catalogue", options->catalogue, "The catalogue, a JSON file or a store")
+      ->required();
+  check->add_option("--severity", options->least, "Only count what is less than this")
+      ->type_name("error|warning|note")
+      ->transform(CLI::Transformer(std::map<std::string, Severity>{{"error", Severity::Error},
+                                                                   {"warning", Severity::Warning},
+                                                                   {"note", Severity::Note}})
+                      .description(""));
+  check->add_flag("--json", options->json, "Print the findings as JSON");
+  check->footer(
+      "Exit status: 0 nothing worse than notes, 1 warnings, 2 errors, for which other commands\n"
+      "refuse the catalogue, or bad usage.\n"
+      "Example: evopath check data/operators.json --severity warning");
+  check->callback([options, &action] { action = [options] { return runCheck(*options); }; });
+}
+
+}  // namespace evopath
