@@ -16,7 +16,9 @@ struct Requirement {
   /// stands for one of the versions that the dependency before it admits. Never empty.
   std::vector<NamedVersion> chain;
 
-  /// Of the contested metamodel. None: the chain is that metamodel itself, as it was selected.
+  std::u16string name;  ///< of the metamodel that is required
+
+  /// None: the chain is that metamodel itself, as it was selected.
   std::optional<pathfinder::VersionRange> range;
 };
 

@@ -62,13 +62,14 @@ const Dependency* dependencyOn(const Metamodel& metamodel, const std::u16string&
 
 /// The shortest chain of dependencies from a candidate to what requires `contested`.
 Requirement requirementOf(const Linked& candidate, const std::u16string& contested) {
-  if (candidate->name == contested) return {{{contested, candidate->version}}, std::nullopt};
+  if (candidate->name == contested)
+    return {{{contested, candidate->version}}, contested, std::nullopt};
   std::map<const LinkedMetamodel*, const LinkedMetamodel*> parents{{candidate.get(), nullptr}};
   std::deque<const LinkedMetamodel*> waiting{candidate.get()};
   for (; !waiting.empty(); waiting.pop_front()) {
     const LinkedMetamodel* current = waiting.front();
     if (const Dependency* dependency = dependencyOn(*current, contested)) {
-      Requirement result{{}, dependency->range};
+      Requirement result{{}, contested, dependency->range};
       for (; current != nullptr; current = parents.at(current)) {
         result.chain.insert(result.chain.begin(), {current->name, current->version});
       }
@@ -79,7 +80,7 @@ Requirement requirementOf(const Linked& candidate, const std::u16string& contest
       if (next != nullptr && parents.emplace(next, current).second) waiting.push_back(next);
     }
   }
-  return {{{candidate->name, candidate->version}}, std::nullopt};
+  return {{{candidate->name, candidate->version}}, contested, std::nullopt};
 }
 
 bool isSameRequirement(const Requirement& left, const Requirement& right) {
@@ -131,9 +132,8 @@ bool disagreeOn(const std::vector<Candidates>& parties, const std::u16string& na
       continue;
     }
     std::erase_if(common, [&](const LinkedMetamodel* linked) {
-      return std::none_of(held.begin(), held.end(), [&](const LinkedMetamodel* other) {
-        return isSame(*linked, *other);
-      });
+      return std::none_of(held.begin(), held.end(),
+                          [&](const LinkedMetamodel* other) { return isSame(*linked, *other); });
     });
   }
   return common.empty();

@@ -16,6 +16,7 @@ using pathfinder::BaselineHop;
 using pathfinder::Hop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
 using pathfinder::VersionRepository;
 
 namespace {
@@ -49,12 +50,12 @@ class Explaining {
     }
     auto inconsistency = findInconsistency(inquiry_, QuestionSide::To, goals);
     std::vector<VersionBaseline> sources = inquiry_.repository().combine(question_.from);
-    const std::vector<VersionBaseline> targets =
-        inconsistency ? std::vector<VersionBaseline>() : inquiry_.repository().combine(question_.to);
-    const Direction direction = targets.empty()
-                                    ? commonDirection(sources.front(), goals)
-                                    : inquiry_.repository().computeDirection(sources.front(),
-                                                                             targets.front());
+    const std::vector<VersionBaseline> targets = inconsistency
+                                                     ? std::vector<VersionBaseline>()
+                                                     : inquiry_.repository().combine(question_.to);
+    const Direction direction =
+        targets.empty() ? commonDirection(sources.front(), goals)
+                        : inquiry_.repository().computeDirection(sources.front(), targets.front());
     if (!targets.empty()) {
       if (auto path = inquiry_.findPath(sources, targets, direction)) {
         reportPath(*std::move(path));
@@ -108,17 +109,22 @@ class Explaining {
   }
 
   void explainImpassable(const PosedQuestion& posed, const std::vector<VersionBaseline>& targets) {
-    MissingChains missing{findMissingChains(posed)};
-    const bool mayBeDirection = std::none_of(
-        missing.chains.begin(), missing.chains.end(),
-        [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
+    MissingChains missing{posed.direction, findMissingChains(posed)};
+    const bool mayBeDirection =
+        std::none_of(missing.chains.begin(), missing.chains.end(),
+                     [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
     if (mayBeDirection && posed.direction != Direction::Unknown) {
       if (auto path = inquiry_.findPath(posed.sources, targets, Direction::Unknown)) {
-        result_.reason = reportAgainst(posed.direction, *std::move(path));
+        AgainstDirection reason = reportAgainst(posed.direction, *std::move(path));
+        for (const Hop& hop : reason.against) noteWithoutOrder(hop);
+        result_.reason = std::move(reason);
         return;
       }
     }
     if (!missing.chains.empty()) {
+      for (const MissingChain& chain : missing.chains) {
+        for (const Hop& hop : chain.chainInAnyDirection) noteWithoutOrder(hop);
+      }
       result_.reason = std::move(missing);
       return;
     }
@@ -126,6 +132,16 @@ class Explaining {
     inquiry_.allow(budget_ / 2);
     result_.reason = explainBlocking(posed);
     spent_ = inquiry_.questions() - before;
+  }
+
+  void noteWithoutOrder(const Hop& hop) {
+    for (const VersionId* version : {&hop.from, &hop.to}) {
+      if (version->isSemVer()) continue;
+      if (inquiry_.content().getEquivalentSemVer(hop.name, version->getText())) continue;
+      const NamedVersion named{hop.name, *version};
+      auto& known = result_.withoutOrder;
+      if (std::find(known.begin(), known.end(), named) == known.end()) known.push_back(named);
+    }
   }
 
   AgainstDirection reportAgainst(Direction direction, Path path) {
@@ -152,8 +168,7 @@ class Explaining {
 
 }  // namespace
 
-Explanation explain(BrowsableRepository& repository, const Question& question,
-                    std::size_t budget) {
+Explanation explain(BrowsableRepository& repository, const Question& question, std::size_t budget) {
   return Explaining(repository, question, budget).run();
 }
 

@@ -27,7 +27,8 @@ struct PathBesideUnlinkable {
 };
 
 /// One side of the question is no consistent selection: some of its versions cannot be linked, or
-/// else they cannot stand together, for which the clash is one reason of perhaps several.
+/// those that can cannot stand together, for which the clash is one reason of perhaps several. With
+/// neither of both the selection is empty.
 struct InconsistentSelection {
   QuestionSide side;
   std::vector<Unlinkable> unlinkable;
@@ -50,6 +51,10 @@ struct MissingChain {
   std::vector<pathfinder::VersionId> reached;  ///< from the starts, these among them; ascending
   std::vector<pathfinder::VersionId> leading;  ///< to the target, this among them; ascending
 
+  /// Of `reached` and `leading` the two between which the gap is narrowest, going in the direction
+  /// if that can be: a hop between them would close it. Empty when there are no starts.
+  std::optional<pathfinder::Hop> missingHop;
+
   /// A chain from a start to the target if hops against the direction counted; else empty.
   std::vector<pathfinder::Hop> chainInAnyDirection;
 
@@ -58,7 +63,8 @@ struct MissingChain {
 };
 
 struct MissingChains {
-  std::vector<MissingChain> chains;  ///< by ascending name
+  pathfinder::VersionRepository::Direction direction;  ///< in which hops count
+  std::vector<MissingChain> chains;                    ///< by ascending name
 };
 
 /// A path exists when hops in both directions count, but not in the question's direction, which is
@@ -127,6 +133,10 @@ struct Explanation {
   /// The targets of hops within reach that cannot be linked. When not empty, `findPath` may throw
   /// ConflictingDependencies; the explanation disregards those hops.
   std::vector<Unlinkable> unlinkable;
+
+  /// Text versions without semantic equivalent at an end of the hops against the direction that the
+  /// reason names. They count as older than all others; an equivalent could set the hop right.
+  std::vector<NamedVersion> withoutOrder;
 
   /// None when there is a path and when there is no consistent source to start from.
   std::optional<NearestBaseline> nearest;

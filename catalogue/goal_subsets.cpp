@@ -63,7 +63,8 @@ class SubsetSearch {
     }
     for (std::size_t size = 0; size <= all_.size(); ++size) {
       std::vector<Names> reachable;
-      if (!tryGivingUp(size, reachable)) return reachable.empty() ? grow() : withoutProof(reachable);
+      if (!tryGivingUp(size, reachable))
+        return reachable.empty() ? grow() : withoutProof(reachable);
       if (!reachable.empty()) return {std::move(reachable), true};
     }
     return {{Names()}, true};

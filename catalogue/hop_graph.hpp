@@ -39,8 +39,8 @@ class HopGraph {
 
   /// A shortest chain from one of the starts to `target` of hops in any direction; empty when there
   /// is none.
-  std::vector<pathfinder::Hop> chainInAnyDirection(
-      const std::vector<pathfinder::VersionId>& starts, const pathfinder::VersionId& target) const;
+  std::vector<pathfinder::Hop> chainInAnyDirection(const std::vector<pathfinder::VersionId>& starts,
+                                                   const pathfinder::VersionId& target) const;
 
  private:
   void addEdge(Inquiry& inquiry, const pathfinder::Hop& hop, Direction direction);

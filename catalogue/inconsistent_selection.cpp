@@ -30,9 +30,9 @@ std::vector<std::size_t> aroundPosition(std::size_t position, std::size_t size) 
 NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
                            const Metamodel& party) {
   const HopGraph graph(inquiry, party.name, Direction::Unknown);
-  const auto replaced = std::find_if(
-      candidates.begin(), candidates.end(),
-      [&](const Candidates& candidate) { return candidate.name == party.name; });
+  const auto replaced =
+      std::find_if(candidates.begin(), candidates.end(),
+                   [&](const Candidates& candidate) { return candidate.name == party.name; });
   std::vector<std::size_t> fitting;
   std::size_t tried = 0;
   for (const std::size_t position :

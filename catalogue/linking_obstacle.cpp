@@ -45,13 +45,13 @@ pathfinder::VersionId nearTo(const pathfinder::VersionRange& range) {
 
 /// Says what a party of a clash between dependencies requires from their owner's point of view.
 void prependOwner(const Metamodel& owner, Clash& clash) {
-  for (auto& [chain, range] : clash.requirements) {
+  for (auto& [chain, name, range] : clash.requirements) {
     if (range) {
       chain.insert(chain.begin(), {owner.name, owner.version});
       continue;
     }
     for (const Dependency& dependency : decisiveDependencies(owner)) {
-      if (dependency.name == chain.back().name) range = dependency.range;
+      if (dependency.name == name) range = dependency.range;
     }
     chain = {{owner.name, owner.version}};
   }

@@ -44,6 +44,28 @@ std::vector<NamedVersion> findDependents(BrowsableRepository& content, const Hop
   return result;
 }
 
+/// The shortest way over the gap, by the number of versions between; of equal ones the first.
+std::optional<pathfinder::Hop> findMissingHop(
+    const std::u16string& name, const HopGraph& graph, const std::vector<bool>& isReached,
+    const std::vector<std::optional<std::size_t>>& hopsLeft, Direction direction) {
+  const std::size_t size = graph.versions().size();
+  std::size_t narrowest = 2 * size;
+  std::optional<pathfinder::Hop> result;
+  for (HopGraph::Vertex from = 0; from < size; ++from) {
+    if (!isReached[from]) continue;
+    for (HopGraph::Vertex to = 0; to < size; ++to) {
+      if (!hopsLeft[to]) continue;
+      const bool isForward = from < to;
+      const bool isAgainst = direction == (isForward ? Direction::Backward : Direction::Forward);
+      const std::size_t width = (isForward ? to - from : from - to) + (isAgainst ? size : 0);
+      if (width >= narrowest) continue;
+      narrowest = width;
+      result.emplace(name, graph.versions()[from].version, graph.versions()[to].version, false);
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 std::vector<MissingChain> findMissingChains(const PosedQuestion& question) {
@@ -55,8 +77,8 @@ std::vector<MissingChain> findMissingChains(const PosedQuestion& question) {
     const auto target = graph.find(goal.version);
     if (target && isReached[*target]) continue;
     const auto hopsLeft = graph.hopsTo(goal.version);
-    MissingChain missing{{name, goal.version}, {}, !question.newcomers.contains(name), {}, {}, {},
-                         {}};
+    MissingChain missing{
+        {name, goal.version}, {}, !question.newcomers.contains(name), {}, {}, std::nullopt, {}, {}};
     missing.starts = versionsWhere(graph, [&](HopGraph::Vertex vertex) {
       const VersionId& version = graph.versions()[vertex].version;
       return std::find(starts.begin(), starts.end(), version) != starts.end();
@@ -64,6 +86,7 @@ std::vector<MissingChain> findMissingChains(const PosedQuestion& question) {
     missing.reached = versionsWhere(graph, [&](auto vertex) { return bool{isReached[vertex]}; });
     missing.leading =
         versionsWhere(graph, [&](auto vertex) { return hopsLeft[vertex].has_value(); });
+    missing.missingHop = findMissingHop(name, graph, isReached, hopsLeft, question.direction);
     missing.chainInAnyDirection = graph.chainInAnyDirection(starts, goal.version);
     if (starts.empty()) {
       missing.dependents = findDependents(question.inquiry->content(), graph, goal);

@@ -61,8 +61,7 @@ class Reach {
       repository_.findMetamodels(dependency.name, dependency.range, candidates);
       for (const Metamodel& candidate : candidates) {
         std::vector<VersionId>& known = broughtIn_[candidate.name];
-        const bool isNew =
-            std::find(known.begin(), known.end(), candidate.version) == known.end();
+        const bool isNew = std::find(known.begin(), known.end(), candidate.version) == known.end();
         if (isNew) known.push_back(candidate.version);
         enter(candidate);
       }

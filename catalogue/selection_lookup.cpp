@@ -65,9 +65,8 @@ std::vector<VersionId> neighbours(const SemVer& version,
   }
   std::stable_sort(ordered.begin(), ordered.end(),
                    [](const auto& left, const auto& right) { return left.first < right.first; });
-  const auto above = std::partition_point(ordered.begin(), ordered.end(), [&](const auto& entry) {
-    return entry.first < version;
-  });
+  const auto above = std::partition_point(ordered.begin(), ordered.end(),
+                                          [&](const auto& entry) { return entry.first < version; });
   const auto reach = [](auto distance) {
     return std::min<std::ptrdiff_t>(distance, mostNeighbours);
   };

@@ -5,11 +5,10 @@
 
 #include "catalogue/browsable_repository.hpp"
 #include "catalogue/named_version.hpp"
+#include "catalogue/question_side.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
-
-enum class QuestionSide { From, To };
 
 /// A name or version of a question that the repository does not know.
 struct UnknownEntry {

@@ -14,6 +14,7 @@ using Action = std::function<ExitStatus()>;
 /// it does.
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
+void addExplainCommand(CLI::App& program, Action& action);
 void addPathCommand(CLI::App& program, Action& action);
 
 }  // namespace evopath
