@@ -284,19 +284,4 @@ Catalogue readJsonCatalogue(const std::filesystem::path& file) {
   }
 }
 
-Selection readJsonSelection(const std::filesystem::path& file, QuestionSide side) {
-  try {
-    std::ifstream in = open(file);
-    const json document = parseJson(in);
-    const auto metamodels = document.find("metamodels");
-    const bool isCatalogue = metamodels != document.end() && metamodels->is_array();
-    if (!isCatalogue) return readSelection(Value(document, ""));
-    const auto question = readContent(Value(document, "")).question;
-    if (!question) throw CatalogueError("", "the catalogue has no question");
-    return side == QuestionSide::From ? question->from : question->to;
-  } catch (const CatalogueError& error) {
-    throw error.inFile(file.string());
-  }
-}
-
 }  // namespace tarn::evolution::catalogue

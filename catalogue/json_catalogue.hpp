@@ -4,7 +4,6 @@
 #include <iosfwd>
 
 #include "catalogue/catalogue.hpp"
-#include "catalogue/question_side.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -27,11 +26,5 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(std::istream& in);
 /// The same from a file, which a CatalogueError then names; it is also thrown when the file cannot
 /// be read.
 TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(const std::filesystem::path& file);
-
-/// Reads a selection from a JSON file: {name: version}, or one side of the question of a catalogue
-/// in the form above, which need not be sound. Throws CatalogueError, which names the file, when it
-/// cannot be read, is of another form, or has no question.
-TARN_EVOLUTION_CATALOGUE_EXPORT Selection readJsonSelection(const std::filesystem::path& file,
-                                                            QuestionSide side);
 
 }  // namespace tarn::evolution::catalogue

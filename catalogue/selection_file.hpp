@@ -9,9 +9,8 @@
 namespace tarn::evolution::catalogue {
 
 /// Reads a selection from a file: a JSON file of the form {name: version}, or a catalogue of any
-/// form that comes with a question, whose source or target is taken. A JSON document whose field
-/// "metamodels" is an array is a catalogue; of that only the form is checked, not whether it is
-/// sound.
+/// form that comes with a question, whose source or target is taken. What has an array or object
+/// under "metamodels", "hops" or "question" is a catalogue.
 ///
 /// Throws CatalogueError, which names the file, when it cannot be read, is of another form, or has
 /// no question.

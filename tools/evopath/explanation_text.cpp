@@ -203,7 +203,7 @@ class Details {
     }
     out_ << "  Missing is a hop " << textOf(from) << " -> " << textOf(to);
     if (chain.reached.size() * chain.leading.size() > 1) {
-      out_ << ", or another one from " << choiceOf(chain.reached) << " to "
+      out_ << ", or another one in the right direction from " << choiceOf(chain.reached) << " to "
            << choiceOf(chain.leading);
     }
     out_ << ".\n";
