@@ -1,154 +1,88 @@
 #include "catalogue/dependency_cycle.hpp"
 
 #include <algorithm>
-#include <numeric>
-#include <optional>
 #include <unordered_map>
+
+#include "catalogue/dependency_graph.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
 using pathfinder::SemVer;
 using pathfinder::SemVerRange;
+using pathfinder::VersionRange;
 
 namespace {
 
-using Position = CatalogueIndex::Position;
-using SemanticVersions = std::vector<CatalogueIndex::SemanticVersion>;
+using Candidates = DependencyGraph::Candidates;
+using Node = DependencyGraph::Node;
+using Slot = DependencyGraph::Slot;
 
-/// The semantic versions of one name, those that are cleared being stepped over at no cost.
-class OpenVersions {
+/// Lays the versions out in slots, those that have no semantic version after all others.
+class SlotLayout {
  public:
-  explicit OpenVersions(const SemanticVersions& versions)
-      : versions_(&versions), next_(versions.size() + 1) {
-    std::iota(next_.begin(), next_.end(), std::size_t{0});
-  }
-
-  /// The first slot from `slot` on whose version is not cleared; `end()` when there is none.
-  std::size_t openFrom(std::size_t slot) {
-    while (next_[slot] != slot) {
-      next_[slot] = next_[next_[slot]];
-      slot = next_[slot];
-    }
-    return slot;
-  }
-
-  std::size_t end() const { return versions_->size(); }
-  std::size_t lowerBound(const SemVer& version) const {
-    const auto found = std::lower_bound(
-        versions_->begin(), versions_->end(), version,
-        [](const auto& entry, const SemVer& bound) { return entry.version < bound; });
-    return static_cast<std::size_t>(found - versions_->begin());
-  }
-  Position position(std::size_t slot) const { return (*versions_)[slot].position; }
-
-  void clear(const SemVer& version, Position position) {
-    std::size_t slot = lowerBound(version);
-    while (this->position(slot) != position) ++slot;
-    next_[slot] = slot + 1;
-  }
-
- private:
-  const SemanticVersions* versions_;
-  std::vector<std::size_t> next_;  // a forest whose roots are the open slots and the end
-};
-
-/// Depth-first search that keeps its own stack: chains of dependencies may be long.
-class CycleSearch {
- public:
-  CycleSearch(const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index)
-      : metamodels_(metamodels), index_(index), states_(metamodels.size(), State::Untouched) {}
-
-  std::vector<Position> run() {
-    for (Position start = 0; start < metamodels_.size(); ++start) {
-      if (states_[start] != State::Untouched) continue;
-      enter(start);
-      while (!trail_.empty()) {
-        const std::optional<Position> next = nextCandidate();
-        if (!next) {
-          leave();
-        } else if (states_[*next] == State::OnTrail) {
-          return trailFrom(*next);
-        } else {
-          enter(*next);
-        }
+  SlotLayout(const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index)
+      : index_(index) {
+    std::vector<Node> textsOnly;
+    for (Node node = 0; node < metamodels.size(); ++node) {
+      const auto& [descriptor, equivalent] = metamodels[node];
+      if (!descriptor.version.isSemVer() && !equivalent) textsOnly.push_back(node);
+      if (!firstSlots_.try_emplace(descriptor.name, static_cast<Slot>(nodeAt_.size())).second) {
+        continue;
+      }
+      for (const auto& version : index.semanticVersions(descriptor.name)) {
+        nodeAt_.push_back(static_cast<Node>(version.position));
       }
     }
-    return {};
+    nodeAt_.insert(nodeAt_.end(), textsOnly.begin(), textsOnly.end());
+  }
+
+  const std::vector<Node>& nodeAt() const { return nodeAt_; }
+
+  Candidates candidates(const Dependency& dependency, const DependencyGraph& graph) const {
+    if (!dependency.range.isSemVerRange()) {
+      const auto& found = index_.metamodelsAt(dependency.name, dependency.range.getText());
+      if (found.empty()) return {0, 0};
+      const Slot slot = graph.slotOf(static_cast<Node>(found.front()));
+      return {slot, slot + 1};
+    }
+    const SemVerRange& range = dependency.range.getSemVerRange();
+    const auto& versions = index_.semanticVersions(dependency.name);
+    const auto firstFrom = [&](const SemVer& bound) {
+      return std::lower_bound(versions.begin(), versions.end(), bound,
+                              [](auto& entry, auto& v) { return entry.version < v; });
+    };
+    const auto first = firstFrom(range.lower);
+    auto last = firstFrom(range.upper);
+    if (dependency.range ==
+        VersionRange::singleVersion(range.lower)) {  // whose end may have wrapped
+      last = first;
+      while (last != versions.end() && last->version == range.lower) ++last;
+    }
+    const Slot start = firstSlots_.at(dependency.name);
+    return {start + static_cast<Slot>(first - versions.begin()),
+            start + static_cast<Slot>(last - versions.begin())};
   }
 
  private:
-  enum class State : char { Untouched, OnTrail, Cleared };
-
-  struct Visit {
-    Position position;
-    std::size_t dependency;  // the one being looked at
-  };
-
-  void enter(Position position) {
-    states_[position] = State::OnTrail;
-    trail_.push_back({position, 0});
-  }
-
-  void leave() {
-    const Position position = trail_.back().position;
-    trail_.pop_back();
-    states_[position] = State::Cleared;
-    const auto& [descriptor, equivalent] = metamodels_[position];
-    if (descriptor.version.isSemVer()) {
-      openVersions(descriptor.name).clear(descriptor.version.getSemVer(), position);
-    } else if (equivalent) {
-      openVersions(descriptor.name).clear(*equivalent, position);
-    }
-  }
-
-  /// The next candidate of the last visit's dependencies that is not cleared, if any.
-  std::optional<Position> nextCandidate() {
-    Visit& visit = trail_.back();
-    const auto& dependencies = metamodels_[visit.position].descriptor.dependencies;
-    for (; visit.dependency < dependencies.size(); ++visit.dependency) {
-      if (const auto candidate = openCandidate(dependencies[visit.dependency])) return candidate;
-    }
-    return std::nullopt;
-  }
-
-  std::optional<Position> openCandidate(const Dependency& dependency) {
-    if (!dependency.range.isSemVerRange()) {
-      const auto& found = index_.metamodelsAt(dependency.name, dependency.range.getText());
-      if (found.empty() || states_[found.front()] == State::Cleared) return std::nullopt;
-      return found.front();
-    }
-    const SemVerRange& range = dependency.range.getSemVerRange();
-    OpenVersions& versions = openVersions(dependency.name);
-    const std::size_t slot = versions.openFrom(versions.lowerBound(range.lower));
-    if (slot >= versions.lowerBound(range.upper)) return std::nullopt;
-    return versions.position(slot);
-  }
-
-  OpenVersions& openVersions(const std::u16string& name) {
-    return openVersions_.try_emplace(name, index_.semanticVersions(name)).first->second;
-  }
-
-  std::vector<Position> trailFrom(Position start) const {
-    std::vector<Position> cycle;
-    for (const Visit& visit : trail_) {
-      if (visit.position == start || !cycle.empty()) cycle.push_back(visit.position);
-    }
-    return cycle;
-  }
-
-  const std::vector<CatalogueMetamodel>& metamodels_;
   const CatalogueIndex& index_;
-  std::vector<State> states_;
-  std::vector<Visit> trail_;
-  std::unordered_map<std::u16string, OpenVersions> openVersions_;
+  std::unordered_map<std::u16string, Slot> firstSlots_;
+  std::vector<Node> nodeAt_;
 };
 
 }  // namespace
 
-std::vector<Position> findDependencyCycle(const std::vector<CatalogueMetamodel>& metamodels,
-                                          const CatalogueIndex& index) {
-  return CycleSearch(metamodels, index).run();
+std::vector<CatalogueIndex::Position> findDependencyCycle(
+    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index) {
+  const SlotLayout layout(metamodels, index);
+  DependencyGraph graph(layout.nodeAt());
+  for (Node node = 0; node < metamodels.size(); ++node) {
+    for (const Dependency& dependency : metamodels[node].descriptor.dependencies) {
+      graph.addDependency(node, layout.candidates(dependency, graph));
+    }
+  }
+  const std::vector<Node> cycle = graph.findCycle();
+  return {cycle.begin(), cycle.end()};
 }
 
 }  // namespace tarn::evolution::catalogue

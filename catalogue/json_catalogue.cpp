@@ -1,287 +1,50 @@
 #include "catalogue/json_catalogue.hpp"
 
-#include <cerrno>
 #include <fstream>
-#include <initializer_list>
-#include <istream>
-#include <nlohmann/json.hpp>
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <system_error>
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/version_text.hpp"
+#include "catalogue/json_stream.hpp"
+#include "catalogue/json_writer.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::json;
-
 namespace {
 
-/// A value of the document together with its place in it.
-class Value {
+class ContentSink : public CatalogueSink {
  public:
-  Value(const json& node, std::string place) : node_(node), place_(std::move(place)) {}
-
-  [[noreturn]] void fail(const std::string& reason) const { throw CatalogueError(place_, reason); }
-
-  /// A field that must be there.
-  Value field(const std::string& name) const {
-    if (auto found = optionalField(name)) return *std::move(found);
-    fail("the field \"" + name + "\" is missing");
+  void addMetamodel(const CatalogueMetamodel& metamodel) override {
+    content.metamodels.push_back(metamodel);
   }
+  void addHop(const pathfinder::Hop& hop) override { content.hops.push_back(hop); }
+  void setQuestion(const Question& question) override { content.question = question; }
 
-  std::optional<Value> optionalField(const std::string& name) const {
-    const auto found = node_.find(name);
-    if (found == node_.end()) return std::nullopt;
-    return Value(*found, place_ + "/" + name);
-  }
-
-  /// Checks that this is an object without fields of other names.
-  void expectFields(std::initializer_list<const char*> names) const {
-    expect(node_.is_object(), "an object");
-    const std::set<std::string> known(names.begin(), names.end());
-    for (const auto& [name, value] : node_.items()) {
-      if (!known.contains(name)) fail("there is no field \"" + name + "\" here");
-    }
-  }
-
-  bool isArray() const { return node_.is_array(); }
-
-  bool asBool() const {
-    expect(node_.is_boolean(), "true or false");
-    return node_.get<bool>();
-  }
-
-  const std::string& asText() const {
-    expect(node_.is_string(), "a text");
-    return node_.get_ref<const std::string&>();
-  }
-
-  /// What `parse` makes of the text; its std::invalid_argument becomes an error with a place.
-  template <class Parse>
-  auto parsedBy(const Parse& parse) const {
-    return orFail([&] { return parse(asText()); });
-  }
-
-  /// The result of `compute`; its std::invalid_argument becomes an error with a place.
-  template <class Compute>
-  auto orFail(const Compute& compute) const {
-    try {
-      return compute();
-    } catch (const std::invalid_argument& error) {
-      fail(error.what());
-    }
-  }
-
-  std::vector<Value> elements() const {
-    expect(node_.is_array(), "an array");
-    std::vector<Value> result;
-    result.reserve(node_.size());
-    for (std::size_t i = 0; i < node_.size(); ++i) {
-      result.emplace_back(node_[i], place_ + "/" + std::to_string(i));
-    }
-    return result;
-  }
-
-  /// The entries of an object that maps names to values, with the names as they stand.
-  std::vector<std::pair<std::string, Value>> entries() const {
-    expect(node_.is_object(), "an object");
-    std::vector<std::pair<std::string, Value>> result;
-    for (const auto& [name, value] : node_.items()) {
-      result.emplace_back(name, Value(value, (json::json_pointer(place_) / name).to_string()));
-    }
-    return result;
-  }
-
- private:
-  void expect(bool holds, const std::string& wanted) const {
-    if (!holds) fail("must be " + wanted + ", not " + kind());
-  }
-
-  std::string kind() const {
-    switch (node_.type()) {
-      case json::value_t::null:
-        return "null";
-      case json::value_t::object:
-        return "an object";
-      case json::value_t::array:
-        return "an array";
-      case json::value_t::string:
-        return "a text";
-      case json::value_t::boolean:
-        return "true or false";
-      default:
-        return "a number";
-    }
-  }
-
-  const json& node_;
-  std::string place_;
-};
-
-pathfinder::VersionRange readRange(const Value& value) {
-  if (!value.isArray())
-    return pathfinder::VersionRange::singleVersion(value.parsedBy(parseVersion));
-  const std::vector<Value> bounds = value.elements();
-  if (bounds.size() != 2) value.fail("must be a pair [lower, upper) of versions, or one version");
-  const std::string& lower = bounds[0].asText();
-  const std::string& upper = bounds[1].asText();
-  return value.orFail([&] { return parseRange(lower, upper); });
-}
-
-pathfinder::Dependency readDependency(const Value& value) {
-  value.expectFields({"name", "range"});
-  return {value.field("name").parsedBy(parseName), readRange(value.field("range"))};
-}
-
-CatalogueMetamodel readMetamodel(const Value& value) {
-  value.expectFields({"name", "version", "dependencies", "semver"});
-  std::vector<pathfinder::Dependency> dependencies;
-  for (const Value& dependency : value.field("dependencies").elements()) {
-    dependencies.push_back(readDependency(dependency));
-  }
-  CatalogueMetamodel result{
-      pathfinder::Metamodel(value.field("name").parsedBy(parseName),
-                            value.field("version").parsedBy(parseVersion), dependencies),
-      std::nullopt};
-  if (const auto equivalent = value.optionalField("semver")) {
-    if (result.descriptor.version.isSemVer()) {
-      equivalent->fail("only a text version has a semantic equivalent");
-    }
-    result.equivalent = equivalent->parsedBy(parseSemVer);
-  }
-  return result;
-}
-
-pathfinder::Hop readHop(const Value& value) {
-  value.expectFields({"name", "from", "to", "expensive"});
-  return {value.field("name").parsedBy(parseName), value.field("from").parsedBy(parseVersion),
-          value.field("to").parsedBy(parseVersion), value.field("expensive").asBool()};
-}
-
-Selection readSelection(const Value& value) {
-  Selection selection;
-  for (const auto& [name, version] : value.entries()) {
-    selection.emplace(version.orFail([&name = name] { return parseName(name); }),
-                      version.parsedBy(parseVersion));
-  }
-  return selection;
-}
-
-Question readQuestion(const Value& value) {
-  value.expectFields({"from", "to"});
-  return {readSelection(value.field("from")), readSelection(value.field("to"))};
-}
-
-CatalogueContent readContent(const Value& root) {
-  root.expectFields({"metamodels", "hops", "question"});
   CatalogueContent content;
-  for (const Value& metamodel : root.field("metamodels").elements()) {
-    content.metamodels.push_back(readMetamodel(metamodel));
-  }
-  for (const Value& hop : root.field("hops").elements()) content.hops.push_back(readHop(hop));
-  if (const auto question = root.optionalField("question")) {
-    content.question = readQuestion(*question);
-  }
-  return content;
-}
-
-/// Refuses a field that stands twice in one object, of which the parser would keep only the last.
-/// Called by the parser for all that it meets, `depth` being the number of containers that are
-/// open.
-class DuplicateFields {
- public:
-  bool operator()(int depth, json::parse_event_t event, const json& parsed) {
-    open_.resize(static_cast<std::size_t>(depth));
-    switch (event) {
-      case json::parse_event_t::key:
-        enterField(parsed.get_ref<const std::string&>());
-        break;
-      case json::parse_event_t::object_start:
-        enterElement(), open_.push_back({false, 0, {}, {}});
-        break;
-      case json::parse_event_t::array_start:
-        enterElement(), open_.push_back({true, 0, {}, {}});
-        break;
-      case json::parse_event_t::value:
-        enterElement();
-        break;
-      default:
-        break;
-    }
-    return true;
-  }
-
- private:
-  struct Container {
-    bool isArray;
-    std::size_t elements;          // met so far, in an array
-    std::string token;             // the field or element that the parser is at
-    std::set<std::string> fields;  // met so far, in an object
-  };
-
-  void enterField(const std::string& name) {
-    if (!open_.back().fields.insert(name).second) {
-      throw CatalogueError(place(), "the field \"" + name + "\" stands twice");
-    }
-    open_.back().token = name;
-  }
-
-  void enterElement() {
-    if (open_.empty() || !open_.back().isArray) return;
-    open_.back().token = std::to_string(open_.back().elements++);
-  }
-
-  /// Of the innermost container.
-  std::string place() const {
-    json::json_pointer result;
-    for (std::size_t i = 0; i + 1 < open_.size(); ++i) result /= open_[i].token;
-    return result.to_string();
-  }
-
-  std::vector<Container> open_;  // outermost first
 };
-
-/// The parser's message without its own name in brackets before it.
-std::string withoutPrefix(const std::string& message) {
-  const std::size_t end = message.find("] ");
-  return end == std::string::npos ? message : message.substr(end + 2);
-}
-
-json parseJson(std::istream& in) {
-  try {
-    return json::parse(in, DuplicateFields());
-  } catch (const json::exception& error) {
-    throw CatalogueError("", "not JSON: " + withoutPrefix(error.what()));
-  }
-}
-
-std::ifstream open(const std::filesystem::path& file) {
-  if (std::filesystem::is_directory(file)) throw CatalogueError("", "is a directory, not a file");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
-    throw CatalogueError("", "cannot be opened: " + std::generic_category().message(errno));
-  }
-  return in;
-}
 
 }  // namespace
 
 Catalogue readJsonCatalogue(std::istream& in) {
-  const json document = parseJson(in);
-  return Catalogue(readContent(Value(document, "")));
+  ContentSink sink;
+  streamJsonCatalogue(in, sink);
+  return Catalogue(std::move(sink.content));
 }
 
 Catalogue readJsonCatalogue(const std::filesystem::path& file) {
   try {
-    std::ifstream in = open(file);
+    std::ifstream in = openForReading(file);
     return readJsonCatalogue(in);
   } catch (const CatalogueError& error) {
     throw error.inFile(file.string());
   }
+}
+
+void writeJsonCatalogue(const CatalogueContent& content, std::ostream& out) {
+  JsonCatalogueWriter writer(out);
+  for (const CatalogueMetamodel& metamodel : content.metamodels) writer.addMetamodel(metamodel);
+  for (const pathfinder::Hop& hop : content.hops) writer.addHop(hop);
+  if (content.question) writer.setQuestion(*content.question);
+  writer.finish();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -27,4 +27,9 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(std::istream& in);
 /// be read.
 TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readJsonCatalogue(const std::filesystem::path& file);
 
+/// Writes a catalogue in the same form, a row on each line. Reading it again gives equal content.
+/// Whether it is sound is not looked at; the stream's state tells of failure.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeJsonCatalogue(const CatalogueContent& content,
+                                                        std::ostream& out);
+
 }  // namespace tarn::evolution::catalogue

@@ -2,10 +2,13 @@
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "catalogue/sqlite_catalogue_repository.hpp"
+#include "catalogue/sqlite_open.hpp"
 
 namespace tarn::evolution::catalogue {
 
 std::unique_ptr<BrowsableRepository> openCatalogue(const std::filesystem::path& file) {
+  if (isSqliteFile(file)) return std::make_unique<SqliteCatalogueRepository>(file);
   return std::make_unique<CatalogueRepository>(readJsonCatalogue(file));
 }
 

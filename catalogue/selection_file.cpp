@@ -1,13 +1,12 @@
 #include "catalogue/selection_file.hpp"
 
-#include <cerrno>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_stream.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/version_text.hpp"
 
@@ -58,10 +57,7 @@ class SelectionReader : public nlohmann::json_sax<json> {
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const json::exception& error) override {
-    const std::string message = error.what();
-    const std::size_t prefix = message.find("] ");
-    throw CatalogueError(
-        "", "not JSON: " + message.substr(prefix == std::string::npos ? 0 : prefix + 2));
+    throw CatalogueError("", "not JSON: " + withoutPrefix(error.what()));
   }
 
  private:
@@ -78,7 +74,7 @@ class SelectionReader : public nlohmann::json_sax<json> {
   std::string place() const { return (json::json_pointer() / name_).to_string(); }
 
   template <class Compute>
-  auto orFail(const Compute& compute) const {
+  bool orFail(const Compute& compute) const {
     try {
       return compute();
     } catch (const std::invalid_argument& error) {
@@ -102,11 +98,7 @@ char firstOf(std::istream& in) {
 
 /// The selection that the file consists of; none when it is a catalogue.
 std::optional<Selection> readPlainSelection(const std::filesystem::path& file) {
-  if (std::filesystem::is_directory(file)) throw CatalogueError("", "is a directory, not a file");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
-    throw CatalogueError("", "cannot be opened: " + std::generic_category().message(errno));
-  }
+  std::ifstream in = openForReading(file);
   if (firstOf(in) != '{') return std::nullopt;
   SelectionReader reader;
   json::sax_parse(in, &reader);

@@ -17,6 +17,9 @@ function(tarn_target_defaults target)
     target_compile_options(${target} PRIVATE -fsanitize=${TARN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${TARN_SANITIZE})
   endif()
+  if(TARN_BUILD_FUZZERS)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # A shared library whose version and SONAME are the project's.

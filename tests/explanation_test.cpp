@@ -10,8 +10,8 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
-#include "support/store_folder.hpp"
 #include "support/random_question.hpp"
+#include "support/store_folder.hpp"
 
 namespace test {
 namespace {

@@ -14,7 +14,11 @@ using Action = std::function<ExitStatus()>;
 /// it does.
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
+void addAddCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
+void addExportCommand(CLI::App& program, Action& action);
+void addImportCommand(CLI::App& program, Action& action);
 void addPathCommand(CLI::App& program, Action& action);
+void addRemoveCommand(CLI::App& program, Action& action);
 
 }  // namespace evopath

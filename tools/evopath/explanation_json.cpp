@@ -137,7 +137,9 @@ class ReasonJson {
   }
 
   ordered_json operator()(const MissingChains& reason) const {
-    return {{"kind", "missing-chain"}, {"chains", json(reason.chains)}};
+    return {{"kind", "missing-chain"},
+            {"direction", VersionRepository::getDirectionString(reason.direction)},
+            {"chains", json(reason.chains)}};
   }
 
   ordered_json operator()(const AgainstDirection& reason) const {
@@ -180,6 +182,7 @@ ordered_json toJson(const Explanation& explanation, const VersionRepository& wei
   const ReasonJson describe(weigh);
   ordered_json result = std::visit(describe, explanation.reason);
   result["unlinkable"] = json(explanation.unlinkable);
+  result["withoutOrder"] = json(explanation.withoutOrder);
   if (explanation.nearest) result["nearest"] = describe(*explanation.nearest);
   result["questions"] = explanation.questions;
   return result;

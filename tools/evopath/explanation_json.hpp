@@ -8,15 +8,17 @@ namespace evopath {
 
 /// The explanation for programs:
 ///
-///     {"kind", ..., "unlinkable": [UNLINKABLE], "nearest": NEAREST, "questions"}
+///     {"kind", ..., "unlinkable": [UNLINKABLE], "withoutOrder": [NAMED], "nearest": NEAREST,
+///      "questions"}
 ///
-/// Versions are texts, named versions {"name", "version"}, hops {"name", "from", "to"}. "nearest"
+/// Versions are texts, NAMED versions {"name", "version"}, hops {"name", "from", "to"}. "nearest"
 /// is left out where there is none. Beside "kind" stands what is particular to it:
 ///
 ///     path                    "steps"
 ///     unknown                 "entries": [{"side", "name", "version", "unknown", "nearest"}]
 ///     inconsistent            "side", "unlinkableSelected": [UNLINKABLE], "clash", "remedies"
-///     missing-chain           "chains": [{"target", "held", "starts", "reached", "leading",
+///     missing-chain           "direction", "chains": [{"target", "held", "starts", "reached",
+///     "leading",
 ///                                         "missing", "chainInAnyDirection", "dependents"}]
 ///     against-direction       "direction", "against": [HOP], "steps"
 ///     never-together          "names", "minimal", "stuckAt", "blocked": [{"hop", "clash"}]

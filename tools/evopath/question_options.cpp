@@ -11,7 +11,7 @@ using tarn::evolution::catalogue::Question;
 using tarn::evolution::catalogue::QuestionSide;
 
 void QuestionOptions::addTo(CLI::App& command) {
-  command.add_option("catalogue", catalogue, "The catalogue, a JSON file")->required();
+  command.add_option("catalogue", catalogue, "The catalogue, a JSON file or a store")->required();
   auto* fromOption = command.add_option("--from", from, "The versions to start from")
                          ->type_name("NAME=VERSION|@FILE[,...]")
                          ->delimiter(',');

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iosfwd>
+#include <string>
+
+#include "catalogue/catalogue_sink.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Reads a catalogue in JSON, in the form that `readJsonCatalogue` describes, and hands each row on
+/// as soon as it is complete. Holds one row at a time. Whether the catalogue is sound is not looked
+/// at.
+///
+/// Throws CatalogueError when the text is not JSON or not of this form; rows before that place have
+/// been handed on by then.
+void streamJsonCatalogue(std::istream& in, CatalogueSink& sink);
+
+/// Opens a file for reading; throws CatalogueError, which does not name the file, when that fails.
+std::ifstream openForReading(const std::filesystem::path& file);
+
+/// The JSON parser's message without its own name in brackets before it.
+std::string withoutPrefix(const std::string& message);
+
+}  // namespace tarn::evolution::catalogue

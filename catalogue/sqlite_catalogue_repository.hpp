@@ -1,0 +1,53 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "catalogue/browsable_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// A repository over a store: a catalogue in a SQLite file, read as it is asked for.
+///
+/// Gives the answers that a `CatalogueRepository` gives for the same catalogue, in the same order.
+/// Opening takes the same short time for stores of any size. A version or a hop is found through an
+/// index; what was asked for lately is remembered, up to a few megabytes.
+///
+/// **What it sees** is the store as it was when it was opened. Others may change the store
+/// meanwhile
+/// (`store_editing.hpp`), and be seen by repositories that are opened later. A store of an older
+/// form is brought to the present one when it is opened, which needs leave to write it.
+///
+/// **Threads.** The operations that this class and `BrowsableRepository` declare may be called from
+/// any number of threads at once: they take turns at the connection. For those of
+/// `VersionRepository` its own rules hold.
+///
+/// **Exceptions.** CatalogueError, which names the file: from the constructor when the file cannot
+/// be read, is no store, is damaged so that this shows at once, or is of a newer form; from every
+/// operation for damage that it meets, and for dependencies that form a cycle, which no editing
+/// through this library leaves behind. Such an operation can be called again.
+class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public BrowsableRepository {
+ public:
+  explicit SqliteCatalogueRepository(const std::filesystem::path& file);
+  ~SqliteCatalogueRepository() override;
+
+  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
+                                                        const std::u16string& versionText) override;
+  void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
+                      std::vector<pathfinder::Metamodel>& result) override;
+  void findHops(const std::u16string& name, const pathfinder::VersionId& from,
+                std::vector<pathfinder::Hop>& result) override;
+
+  std::vector<std::u16string> listNames() override;
+  std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
+  std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
+  std::optional<Question> getQuestion() override;
+
+ private:
+  class Store;
+
+  const std::unique_ptr<Store> store_;
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,159 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+#include "tarn_evolution_catalogue_export.hpp"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace tarn::evolution::catalogue {
+
+/// 24 bytes that sort as a semantic version does: its components, most significant byte first.
+using PackedSemVer = std::array<unsigned char, 24>;
+
+/// What may be bound to a statement: NULL, a number, a text in UTF-8, or a packed version.
+using SqliteValue = std::variant<std::nullptr_t, std::int64_t, std::string, PackedSemVer>;
+
+/// A connection to one database file. Everything that goes wrong here and in the statements is
+/// thrown as a CatalogueError that names the file.
+///
+/// Not for use by two threads at once. Statements must not outlive their database.
+class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
+ public:
+  enum class Access {
+    Read,    ///< changes nothing; also where nothing can be written. Work is limited.
+    Edit,    ///< the file must exist
+    Create,  ///< made if need be, and not safe from interruption: whoever creates sees to that
+  };
+
+  /// In place of a file: a database of its own that goes with the connection.
+  static constexpr const char* inMemory = ":memory:";
+
+  SqliteDatabase(const std::filesystem::path& file, Access access);
+
+  /// Runs statements that give no rows.
+  void run(const char* statements);
+
+  /// The single number that a statement gives.
+  std::int64_t number(const char* statement);
+
+  /// Whether another file has taken the place of this one since it was opened.
+  bool hasMoved() const;
+
+  /// Whether what failed last did so for another program's lock.
+  bool isBusy() const;
+
+  const std::filesystem::path& file() const noexcept { return file_; }
+
+  /// Throws what SQLite's result code means.
+  [[noreturn]] void fail(int code) const;
+
+  /// Throws CatalogueError that the file is damaged, for a reason and at a place.
+  [[noreturn]] void failDamaged(const std::string& place, const std::string& reason) const;
+
+ private:
+  friend class SqliteStatement;
+
+  struct Close {
+    void operator()(sqlite3* handle) const noexcept;
+  };
+
+  void open(int flags, bool isImmutable);
+  void openForReading();
+
+  /// Limits each statement to what the file, as it is now, can have use for, so that none runs in
+  /// circles when the file is damaged.
+  void limitWork();
+
+  void expect(int code) const;
+  static int onProgress(void* database);
+
+  std::filesystem::path file_;
+  std::unique_ptr<sqlite3, Close> handle_;
+  std::int64_t workLimit_ = 0;  // in units of progress; 0 for none
+  std::int64_t work_ = 0;       // of the statement that runs
+};
+
+/// A prepared statement.
+class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
+ public:
+  /// The rows that a statement gives, one at a time; ends the statement when it goes. Columns count
+  /// from 0, and texts last until the next row.
+  class TARN_EVOLUTION_CATALOGUE_EXPORT Rows {
+   public:
+    explicit Rows(SqliteStatement& statement) : statement_(&statement) {}
+    Rows(const Rows&) = delete;
+    Rows& operator=(const Rows&) = delete;
+    ~Rows() { statement_->reset(); }
+
+    bool next() { return statement_->step(); }
+
+    bool isNull(int column) const;
+    bool isText(int column) const;
+    std::int64_t number(int column) const;
+    std::string_view bytes(int column) const;  ///< of a text or a blob
+
+   private:
+    SqliteStatement* statement_;
+  };
+
+  SqliteStatement(SqliteDatabase& database, const char* text);
+
+  /// Asks with these values for the statement's parameters. Only one list of rows at a time.
+  template <class... Values>
+  Rows query(const Values&... values) {
+    int parameter = 0;
+    (bind(++parameter, SqliteValue(values)), ...);
+    start();
+    return Rows(*this);
+  }
+
+  /// Runs a statement that gives no rows.
+  template <class... Values>
+  void run(const Values&... values) {
+    Rows rows = query(values...);
+    while (rows.next()) {
+    }
+  }
+
+ private:
+  struct Finalize {
+    void operator()(sqlite3_stmt* handle) const noexcept;
+  };
+
+  void bind(int parameter, const SqliteValue& value);
+  void start();
+  bool step();
+  void reset() noexcept;
+
+  SqliteDatabase* database_;
+  std::unique_ptr<sqlite3_stmt, Finalize> handle_;
+};
+
+/// Rolled back when it goes, unless it was committed.
+class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteTransaction {
+ public:
+  enum class Kind { Read, Write };
+
+  SqliteTransaction(SqliteDatabase& database, Kind kind);
+  SqliteTransaction(const SqliteTransaction&) = delete;
+  SqliteTransaction& operator=(const SqliteTransaction&) = delete;
+  ~SqliteTransaction();
+
+  void commit();
+
+ private:
+  SqliteDatabase* database_;
+  bool isOpen_ = true;
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,72 @@
+#include "catalogue/unsoundness.hpp"
+
+#include <sstream>
+
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Metamodel;
+
+namespace {
+
+std::string quoted(const std::u16string& text) {
+  return "\"" + fl::i18n::ustring_to_utf8(text) + "\"";
+}
+
+template <class Value>
+std::string printed(const Value& value) {
+  std::ostringstream out;
+  out << value;
+  return out.str();
+}
+
+}  // namespace
+
+std::string metamodelPlace(std::size_t position) {
+  return "/metamodels/" + std::to_string(position);
+}
+
+std::string hopPlace(std::size_t position) {
+  return "/hops/" + std::to_string(position);
+}
+
+CatalogueError standsTwice(std::size_t position, const Metamodel& metamodel,
+                           const std::string& where) {
+  return {metamodelPlace(position), printed(metamodel) + " stands already " + where};
+}
+
+CatalogueError sharesEquivalent(std::size_t position, const pathfinder::SemVer& equivalent,
+                                const Metamodel& holder, const std::string& where) {
+  return {metamodelPlace(position) + "/semver",
+          printed(equivalent) + " is already the equivalent of " + printed(holder) + " " + where};
+}
+
+CatalogueError dependsOnUnknownName(std::size_t position, std::size_t dependency,
+                                    const std::u16string& name) {
+  return {metamodelPlace(position) + "/dependencies/" + std::to_string(dependency) + "/name",
+          "there is no metamodel " + quoted(name)};
+}
+
+CatalogueError hopOfUnknownName(std::size_t position, const std::u16string& name) {
+  return {hopPlace(position) + "/name", "there is no metamodel " + quoted(name)};
+}
+
+CatalogueError hopOfUnknownVersion(std::size_t position, const std::string& end,
+                                   const std::u16string& name,
+                                   const pathfinder::VersionId& version) {
+  return {hopPlace(position) + "/" + end,
+          "there is no version " + printed(version) + " of metamodel " + quoted(name)};
+}
+
+CatalogueError dependsOnItself(std::size_t position, const std::vector<Metamodel>& cycle) {
+  return {metamodelPlace(position) + "/dependencies", describeCycle(cycle)};
+}
+
+std::string describeCycle(const std::vector<Metamodel>& cycle) {
+  std::string text = "the dependencies form a cycle: ";
+  for (const Metamodel& metamodel : cycle) text += printed(metamodel) + " -> ";
+  return text + printed(cycle.front());
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,153 @@
+// Stores through the real program.
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <random>
+#include <thread>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/store_editing.hpp"
+#include "catalogue/store_transfer.hpp"
+#include "support/store_folder.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+
+class StoreCommand : public StoreFolder {
+ protected:
+  /// The exit status, and what goes to standard output and standard error.
+  std::pair<int, std::string> run(const std::string& arguments) const {
+    const std::string command =
+        "cd '" + folder_.string() + "' && '" EVOPATH_PROGRAM "' " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    std::string output;
+    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+  }
+
+  /// Runs the program and kills it after a while. Whether it was killed before it ended.
+  bool runAndKill(const std::string& command, const std::string& first, const std::string& second,
+                  std::chrono::microseconds after) const {
+    std::string arguments[] = {EVOPATH_PROGRAM, command, path(first), path(second)};
+    char* argv[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(),
+                    arguments[3].data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+      posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+    }
+    pid_t process = 0;
+    EXPECT_EQ(posix_spawn(&process, argv[0], &actions, nullptr, argv, environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+    std::this_thread::sleep_for(after);
+    kill(process, SIGKILL);
+    int status = 0;
+    waitpid(process, &status, 0);
+    return WIFSIGNALED(status);
+  }
+
+  std::string exported(const std::string& store) const {
+    exportCatalogue(path(store), path("exported.json"));
+    return read("exported.json");
+  }
+};
+
+TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
+  TestRepository small("A1 A2 B1:A1 B2:A2 A1>2 B1>2");
+  make("small", contentOf(small), false);
+  TestRepository more("A3 A2>3");
+  make("more", contentOf(more), false);
+  make("asking", {{}, {}, Question{selection("A1"), selection("A2")}}, false);
+  write("broken.json", "{\"metamodels\": [{\"name\": \"A\", \"version\": \"1.0\",\n,]}");
+  write("note.txt", "not a store\n");
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"import small.json x.store", 0, "Imported 4 versions of metamodels and 2 hops.\n"},
+      {"path x.store --from A=1.0,B=1.0 --to B=2.0", 0, "1 step, weight 3\n"},
+      {"path x.store --question", 2, "x.store: the catalogue has no question"},
+      {"add x.store more.json", 0, "Added 1 version of a metamodel and 1 hop.\n"},
+      {"add x.store more.json", 2,
+       "more.json: /metamodels/0: A@3.0.0 stands already in the store\n"},
+      {"add x.store asking.json", 0, "Added 0 versions of metamodels and 0 hops.\n"},
+      {"add x.store asking.json", 2, "asking.json: /question: the store has a question already\n"},
+      {"path x.store --question", 0, "1 step, weight 2\n"},
+      {"remove x.store A=2.0", 2,
+       "for others depend on it:\n  B@2.0.0 depends on A [2.0.0, 2.0.1)"},
+      {"remove x.store A=2.0 B=2.0.0", 0, "Removed 2 versions of metamodels and 3 hops.\n"},
+      {"remove x.store A=2.0", 2, "x.store: there is no version 2.0.0 of metamodel \"A\"\n"},
+      {"remove x.store C", 2, "x.store: there is no metamodel \"C\"\n"},
+      {"remove x.store =1", 2, "=1: must not be empty\n"},
+      {"remove x.store", 2, "required"},
+      {"export x.store x.json", 0, "Exported 3 versions of metamodels and 0 hops.\n"},
+      {"export x.json y.json", 2, "x.json: is not a catalogue store: it is not a SQLite database"},
+      {"export missing y.json", 2, "missing: cannot be opened: No such file or directory\n"},
+      {"export x.store x.store", 2, "x.store: is a SQLite database, not a JSON catalogue"},
+      {"export x.store none/y.json", 2, "cannot be written: No such file or directory\n"},
+      {"import x.store y.store", 2, "x.store: is a SQLite database, not a JSON catalogue\n"},
+      {"import broken.json x.store", 2, "broken.json: not JSON: parse error at line 2, column 1"},
+      {"import missing.json x.store", 2, "missing.json: cannot be opened: No such file"},
+      {"import small.json note.txt", 2,
+       "note.txt: exists and is not a catalogue store; it is left"},
+      {"import small.json .", 2, "is a directory, not a file\n"},
+      {"path x.store --from A=1.0 --to A=3.0", 1, "No path"},
+      {"path note.txt --question", 2, "note.txt: not JSON"},
+      {"remove --help", 0, "Example: evopath remove"},
+  };
+  for (const auto& [arguments, status, message] : cases) {
+    const auto [found, output] = run(arguments);
+    EXPECT_EQ(found, status) << arguments << ": " << output;
+    EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
+  }
+  EXPECT_EQ(read("note.txt"), "not a store\n");
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    EXPECT_NE(entry.path().extension(), ".partial");
+  }
+}
+
+TEST_F(StoreCommand, ReadsWhereNothingCanBeWritten) {
+  TestRepository small("A1 A2 A1>2");
+  make("small", contentOf(small));
+  std::filesystem::create_directory(path("sealed"));
+  std::filesystem::copy_file(path("small.store"), path("sealed/small.store"));
+  chmod(path("sealed/small.store").c_str(), 0444);
+  chmod(path("sealed").c_str(), 0555);
+  const auto [status, output] = run("path sealed/small.store --from A=1.0 --to A=2.0");
+  chmod(path("sealed").c_str(), 0755);
+  EXPECT_EQ(status, 0) << output;
+}
+
+TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
+  TestRepository small("A1 A2 A1>2");
+  make("old", contentOf(small));
+  const std::string versions = "..700";
+  TestRepository large("B1" + versions + " C1" + versions + " D1" + versions);
+  make("new", contentOf(large));
+  std::filesystem::copy_file(path("old.store"), path("grown.store"));
+  addToStore(path("grown.store"), path("new.json"));
+  const std::string before = exported("old.store");
+  const std::string replaced = exported("new.store");
+  const std::string grown = exported("grown.store");
+  const std::string store = read("old.store");
+  std::mt19937 random(1);
+  int killed = 0;
+  for (int run = 0; run < 50; ++run) {
+    const bool adds = run % 3 == 2;
+    write("killed.store", store);
+    const std::chrono::microseconds after(random() % 80'000);
+    killed += adds ? runAndKill("add", "killed.store", "new.json", after)
+                   : runAndKill("import", "new.json", "killed.store", after);
+    const std::string left = exported("killed.store");
+    EXPECT_TRUE(left == before || left == (adds ? grown : replaced));
+  }
+  EXPECT_GT(killed, 10);
+}
+
+}  // namespace
+}  // namespace test

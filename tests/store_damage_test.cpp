@@ -1,0 +1,144 @@
+// Files that are no stores, or no longer whole ones.
+#include <filesystem>
+#include <random>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/open_catalogue.hpp"
+#include "catalogue/sqlite_schema.hpp"
+#include "catalogue/store_editing.hpp"
+#include "catalogue/store_transfer.hpp"
+#include "platform/exception.hpp"
+#include "support/store_folder.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+using Access = SqliteDatabase::Access;
+
+using DamagedStore = StoreFolder;
+
+/// Asks for everything that a catalogue file holds.
+void readAll(const std::filesystem::path& file) {
+  const auto repository = openCatalogue(file);
+  for (const std::u16string& name : repository->listNames()) {
+    for (const auto& metamodel : repository->listMetamodels(name)) {
+      std::vector<Hop> hops;
+      repository->findHops(name, metamodel.descriptor.version, hops);
+    }
+    repository->listHops(name);
+  }
+  if (const auto question = repository->getQuestion()) {
+    try {
+      repository->findPath(question->from, question->to);
+    } catch (const foundation::core::except::IMsgIDException&) {  // there is no such version
+    }
+  }
+}
+
+TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
+  TestRepository held("A1 B1:A1");
+  make("good", contentOf(held));
+  const auto changed = [&](const std::string& name, const char* statements) {
+    std::filesystem::copy_file(path("good.store"), path(name));
+    SqliteDatabase(path(name), Access::Edit).run(statements);
+  };
+  SqliteDatabase(path("foreign"), Access::Create).run("CREATE TABLE addresses (name TEXT)");
+  changed("newer", "PRAGMA user_version = 2");
+  changed("formless", "PRAGMA user_version = 0");
+  changed("tableless", "DROP TABLE hops");
+  changed("other table", "DROP TABLE hops; CREATE TABLE hops (name, source, position)");
+  changed("cyclic",
+          "INSERT INTO dependencies SELECT 0, 0, id, NULL, zeroblob(24), CAST(x'02' || "
+          "zeroblob(23) AS BLOB) "
+          "FROM names WHERE name = 'B'");
+  const std::string bytes = read("good.store");
+  write("short", bytes.substr(0, 50));
+  write("half", bytes.substr(0, bytes.size() / 8192 * 4096));
+  const std::pair<std::string, std::string> cases[] = {
+      {"foreign", "is not a catalogue store, but a SQLite database of another kind"},
+      {"newer", "is a store of form 2, newer than form 1, the last that this program knows"},
+      {"formless", "the store is damaged: it is of no known form"},
+      {"tableless", "the store is damaged: it has no hops"},
+      {"other table", "the store is damaged: it has no hops_by_source"},
+      {"short", "is not a catalogue store: file is not a database"},
+      {"half", "the store is damaged: database disk image is malformed"},
+  };
+  for (const auto& [name, expected] : cases) {
+    const auto file = path(name);
+    EXPECT_EQ(catalogueErrorOf(file, [&] { openCatalogue(file); }), expected) << name;
+    EXPECT_EQ(catalogueErrorOf(file, [&] { exportCatalogue(file, path("new.json")); }), expected);
+    EXPECT_EQ(catalogueErrorOf(file, [&] { removeFromStore(file, {{u"A", {}}}); }), expected);
+  }
+  EXPECT_EQ(
+      catalogueErrorOf(path("cyclic"),
+                       [&] {
+                         std::vector<Metamodel> found;
+                         openCatalogue(path("cyclic"))->findMetamodels(u"A", between(1, 2), found);
+                       }),
+      "table metamodels, row 0: the store is damaged: the dependencies form a cycle: "
+      "A@1.0.0 -> B@1.0.0 -> A@1.0.0");
+  EXPECT_EQ(catalogueErrorOf(path("good.json"),
+                             [&] {
+                               removeFromStore(path("good.json"), {{u"A", {}}});
+                             }),
+            "is not a catalogue store: it is not a SQLite database");
+  EXPECT_FALSE(std::filesystem::exists(path("new.json")));
+}
+
+TEST_F(DamagedStore, AnswersOrSaysThatItIsDamaged) {
+  std::string content = "Ax~7 A1..6 B9:Ax B1:A[1,9)";
+  for (int n = 2; n < 7; ++n) content += " B" + std::to_string(n) + ":A" + std::to_string(n);
+  for (int n = 1; n < 6; ++n) content += " B" + std::to_string(n) + ">" + std::to_string(n + 1);
+  TestRepository held(content);
+  CatalogueContent catalogue = contentOf(held);
+  catalogue.question = Question{selection("A1 B1"), selection("A6 B6")};
+  make("good", catalogue);
+  const std::string good = read("good.store");
+  int errors = 0;
+  for (unsigned seed = 0; seed < 400; ++seed) {
+    std::mt19937 random(seed);
+    std::string bytes = good;
+    for (unsigned left = 1 + seed % 8; left > 0; --left) {
+      char& byte = bytes[random() % (left % 2 == 0 ? bytes.size() : 4096)];
+      byte = static_cast<char>(byte ^ (1 << random() % 8));
+    }
+    if (seed % 10 == 0) bytes.resize(random() % bytes.size());
+    write("damaged", bytes);
+    const auto file = path("damaged");
+    const std::string error = catalogueErrorOf(file, [&] { readAll(file); });
+    if (error != "no error") ++errors;
+  }
+  EXPECT_GT(errors, 50);
+}
+
+TEST_F(DamagedStore, IsReplacedByAnImport) {
+  TestRepository held("A1 A2 A1>2");
+  make("held", contentOf(held));
+  const std::string good = read("held.store");
+  write("held.store", good.substr(0, 4096));
+  importCatalogue(path("held.json"), path("held.store"));
+  EXPECT_EQ(read("held.store"), good);
+}
+
+TEST_F(DamagedStore, MigratesAllOrNothing) {
+  const char* const first = "CREATE TABLE a (x INTEGER); INSERT INTO a VALUES (1), (2)";
+  const char* const second = "ALTER TABLE a ADD COLUMN y INTEGER; UPDATE a SET y = 10 * x";
+  const SqliteSchema old({first});
+  const SqliteSchema present({first, second, "CREATE INDEX a_by_y ON a (y)"});
+  SqliteDatabase database(path("old"), Access::Create);
+  old.create(database);
+  EXPECT_FALSE(present.check(database));
+  const SqliteSchema failing({first, second, "CREATE INDEX a_by_z ON a (z)"});
+  EXPECT_THROW(failing.migrate(database), CatalogueError);
+  EXPECT_TRUE(old.check(database));
+  present.migrate(database);
+  EXPECT_TRUE(present.check(database));
+  EXPECT_EQ(database.number("SELECT sum(y) FROM a"), 30);
+  present.migrate(database);
+  EXPECT_EQ(database.number("SELECT sum(y) FROM a"), 30);
+  EXPECT_THROW(old.check(database), CatalogueError);
+}
+
+}  // namespace
+}  // namespace test

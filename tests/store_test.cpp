@@ -1,0 +1,254 @@
+// Stores answer as the catalogues in memory do that they were made of.
+#include <algorithm>
+#include <random>
+
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/json_catalogue.hpp"
+#include "catalogue/sqlite_catalogue_repository.hpp"
+#include "catalogue/store_editing.hpp"
+#include "catalogue/store_transfer.hpp"
+#include "support/random_question.hpp"
+#include "support/store_folder.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+
+using Store = StoreFolder;
+
+Selection selectionOf(const VersionBaseline& baseline) {
+  Selection result;
+  for (const auto& [name, linked] : baseline.metamodels) result.emplace(name, linked->version);
+  return result;
+}
+
+void expectSameLists(BrowsableRepository& left, BrowsableRepository& right) {
+  EXPECT_EQ(left.listNames(), right.listNames());
+  for (const std::u16string& name : left.listNames()) {
+    const auto metamodels = left.listMetamodels(name);
+    const auto others = right.listMetamodels(name);
+    ASSERT_EQ(metamodels.size(), others.size());
+    for (std::size_t i = 0; i < metamodels.size(); ++i) {
+      EXPECT_EQ(metamodels[i].descriptor, others[i].descriptor);
+      EXPECT_EQ(metamodels[i].equivalent, others[i].equivalent);
+    }
+    const auto hops = left.listHops(name);
+    const auto otherHops = right.listHops(name);
+    EXPECT_EQ(hops, otherHops);
+    for (std::size_t i = 0; i < hops.size(); ++i) {
+      EXPECT_EQ(hops[i].expensive, otherHops[i].expensive);
+    }
+  }
+}
+
+TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
+  int asked = 0;
+  for (unsigned seed = 0; seed < 80; ++seed) {
+    RandomQuestion random(seed, seed % 2 == 0 ? RandomQuestion::Loose : RandomQuestion::Web);
+    if (random.sources.empty() || random.targets.empty()) continue;
+    CatalogueContent content = contentOf(random.repository);
+    content.question =
+        Question{selectionOf(random.sources.front()), selectionOf(random.targets.front())};
+    make("random", content);
+    CatalogueRepository memory{Catalogue(content)};
+    SqliteCatalogueRepository store(path("random.store"));
+    const Question question = store.getQuestion().value();
+    EXPECT_EQ(question.from, content.question->from);
+    EXPECT_EQ(question.to, content.question->to);
+    const auto pathIn = [&](VersionRepository& repository) {
+      return describe(repository.findPath(repository.combine(question.from),
+                                          repository.combine(question.to), random.direction));
+    };
+    EXPECT_EQ(pathIn(store), pathIn(memory)) << random.catalogue;
+    EXPECT_EQ(describe(store.combine(question.to)), describe(memory.combine(question.to)));
+    expectSameLists(store, memory);
+    ++asked;
+  }
+  EXPECT_GT(asked, 50);
+}
+
+TEST_F(Store, LooksUpVersionsOfEverySizeAndKindAsInMemory) {
+  const std::uint64_t half = std::uint64_t{1} << 63;
+  const std::uint64_t components[] = {0, 1, half - 1, half, ~std::uint64_t{0}};
+  std::vector<SemVer> versions;
+  for (const auto major : components) {
+    for (const auto minor : components) {
+      for (const auto patch : components) versions.push_back({major, minor, patch});
+    }
+  }
+  std::mt19937 random(3);
+  std::shuffle(versions.begin(), versions.end(), random);
+  CatalogueContent content;
+  for (std::size_t i = 0; i < versions.size(); ++i) {
+    // U+FF21 and U+1D400: the other way round in UTF-8 than in UTF-16.
+    const std::u16string name = i % 3 == 0 ? u"\uff21" : i % 3 == 1 ? u"\U0001d400" : u"Z";
+    const std::u16string text = u"text \"\u00e9\U0001d400" + std::u16string(i, u'x');
+    const bool isText = i % 5 == 0;
+    const VersionId version = isText ? VersionId(text) : VersionId(versions[i]);
+    const bool hasEquivalent = isText && i % 2 == 0;
+    content.metamodels.push_back(
+        {Metamodel(name, version, {}), hasEquivalent ? std::optional(versions[i]) : std::nullopt});
+    for (int copy = 0; copy < 3; ++copy)
+      content.hops.emplace_back(name, version, version, copy == 1);
+  }
+  std::shuffle(content.hops.begin(), content.hops.end(), random);
+  make("wide", content);
+  CatalogueRepository memory{Catalogue(content)};
+  SqliteCatalogueRepository store(path("wide.store"));
+  expectSameLists(store, memory);
+  const auto expectSame = [&](const std::u16string& name, const VersionRange& range) {
+    std::vector<Metamodel> found[2];
+    memory.findMetamodels(name, range, found[0]);
+    store.findMetamodels(name, range, found[1]);
+    EXPECT_EQ(found[0], found[1]) << range;
+  };
+  for (int i = 0; i < 1000; ++i) {
+    const SemVerRange range{versions[random() % versions.size()], versions[random() % 125]};
+    expectSame(content.metamodels[random() % 125].descriptor.name, range);
+  }
+  for (const char16_t* name : {u"unknown", u"", u"Z\xd800", u"\ufffd"}) {
+    expectSame(name, SemVerRange{{0, 0, 0}, {~std::uint64_t{0}, 0, 0}});
+  }
+  expectSame(u"Z", u"text \xd800");
+  for (const auto& [descriptor, equivalent] : content.metamodels) {
+    expectSame(descriptor.name, VersionRange::singleVersion(descriptor.version));
+    EXPECT_EQ(hopsFrom(store, descriptor), hopsFrom(memory, descriptor));
+    EXPECT_EQ(store.extractSemVer(descriptor), memory.extractSemVer(descriptor));
+    if (equivalent) {
+      expectSame(descriptor.name, VersionRange::singleVersion(*equivalent));
+      const Metamodel asSemantic(descriptor.name, *equivalent, {});
+      EXPECT_EQ(hopsFrom(store, asSemantic), hopsFrom(memory, asSemantic));
+    }
+  }
+}
+
+/// A small catalogue that is seldom sound.
+std::string randomContent(std::mt19937& random) {
+  const auto someVersion = [&] {
+    return random() % 4 == 0 ? "x" + std::to_string(random() % 3) : std::to_string(random() % 6);
+  };
+  std::string content = "A0";
+  for (char name = 'A'; name < 'D'; ++name) {
+    for (unsigned left = 2; left > 0; --left) {
+      const std::string version = someVersion();
+      content += std::string{' ', name} + version;
+      if (version[0] == 'x' && random() % 2 == 0) content += "~" + std::to_string(random() % 3);
+      if (random() % 2 == 0) {
+        content +=
+            std::string{':', static_cast<char>(random() % 20 == 0 ? 'E' : 'A' + random() % 3)};
+        content += random() % 2 == 0 ? someVersion() : "[" + std::to_string(random() % 3) + ",4)";
+      }
+    }
+  }
+  if (random() % 3 == 0) content += " " + std::string{"ABE"[random() % 3]} + "0>" + someVersion();
+  return content;
+}
+
+TEST_F(Store, RefusesWhatLoadingRefusesInTheSameWords) {
+  std::map<bool, int> outcomes;
+  for (unsigned seed = 0; seed < 150; ++seed) {
+    std::mt19937 random(seed);
+    const std::string content = randomContent(random);
+    TestRepository repository(content);
+    make("random", contentOf(repository), false);
+    const auto file = path("random.json");
+    const std::string expected = catalogueErrorOf(file, [&] { readJsonCatalogue(file); });
+    EXPECT_EQ(catalogueErrorOf(file, [&] { importCatalogue(file, path("random.store")); }),
+              expected)
+        << content;
+    ++outcomes[expected == "no error"];
+  }
+  EXPECT_GT(outcomes[true], 10);
+  EXPECT_GT(outcomes[false], 60);
+}
+
+TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    RandomQuestion random(seed);
+    const CatalogueContent whole = contentOf(random.repository);
+    CatalogueContent parts[2] = {whole, whole};
+    const auto half = static_cast<std::ptrdiff_t>(whole.metamodels.size() / 2);
+    parts[0].metamodels.erase(parts[0].metamodels.begin() + half, parts[0].metamodels.end());
+    parts[0].hops.clear();
+    parts[1].metamodels.erase(parts[1].metamodels.begin(), parts[1].metamodels.begin() + half);
+    make("first", parts[0]);
+    make("second", parts[1], false);
+    make("whole", whole, false);
+    addToStore(path("first.store"), path("second.json"));
+    exportCatalogue(path("first.store"), path("exported.json"));
+    EXPECT_EQ(read("exported.json"), read("whole.json"));
+  }
+}
+
+TEST_F(Store, AddsAllOrNothing) {
+  TestRepository held("A1 Ax~2 B1:A1 A1>x");
+  make("held", contentOf(held));
+  const std::string before = read("held.json");
+  const std::pair<std::string, std::string> cases[] = {
+      {"B2:A1 A1", "/metamodels/1: A@1.0.0 stands already in the store"},
+      {"A3 Ay~2", "/metamodels/1/semver: 2.0.0 is already the equivalent of A@x in the store"},
+      {"B2:A1 B3:C1", "/metamodels/1/dependencies/0/name: there is no metamodel \"C\""},
+      {"B2 B1>3", "/hops/0/to: there is no version 3.0.0 of metamodel \"B\""},
+      {"C1:B1 A1.0.1:C[1,2)", "no error"},
+      {"D1 A2.5:D2 D2:A[2.5,3)",
+       "/metamodels/1/dependencies: the dependencies form a cycle: A@2.5.0 -> D@2.0.0 -> A@2.5.0"},
+  };
+  for (const auto& [content, expected] : cases) {
+    importCatalogue(path("held.json"), path("held.store"));
+    TestRepository addition(content);
+    make("addition", contentOf(addition), false);
+    EXPECT_EQ(catalogueErrorOf(path("addition.json"),
+                               [&] { addToStore(path("held.store"), path("addition.json")); }),
+              expected);
+    exportCatalogue(path("held.store"), path("after.json"));
+    EXPECT_EQ(read("after.json") == before, expected != "no error") << content;
+  }
+}
+
+TEST_F(Store, RemovesOnlyWhatNothingElseNeeds) {
+  const std::string held = "A1 Ax~1.5 A2 B1:A[1,2) B2:Ax C1:A1 D1:D9 E1:A[7,7) A1>2 A1.5>2 A2>1";
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"A2", "", "A1 Ax~1.5 B1:A[1,2) B2:Ax C1:A1 D1:D9 E1:A[7,7)"},
+      {"A1", "C@1.0.0", ""},
+      {"A1 C1", "", "Ax~1.5 A2 B1:A[1,2) B2:Ax D1:D9 E1:A[7,7) A1.5>2"},
+      {"A1 C1 Ax", "B@1.0.0 B@2.0.0", ""},
+      {"A B C", "E@1.0.0", ""},
+      {"D", "", "A1 Ax~1.5 A2 B1:A[1,2) B2:Ax C1:A1 E1:A[7,7) A1>2 A1.5>2 A2>1"},
+      {"A B C D E", "", ""},
+  };
+  for (const auto& [removed, obstacles, left] : cases) {
+    TestRepository before(held);
+    make("held", contentOf(before));
+    std::vector<RemovalChoice> choices;
+    std::istringstream items(removed);
+    for (std::string item; items >> item;) {
+      choices.push_back({std::u16string(1, static_cast<char16_t>(item[0])), std::nullopt});
+      if (item.size() > 1) choices.back().version = version(item.substr(1));
+    }
+    std::string found;
+    for (const auto& obstacle : removeFromStore(path("held.store"), choices).obstacles) {
+      found += (found.empty() ? "" : " ") + printed(obstacle.dependent);
+    }
+    EXPECT_EQ(found, obstacles) << removed;
+    TestRepository after(obstacles.empty() ? left : held);
+    make("expected", contentOf(after), false);
+    exportCatalogue(path("held.store"), path("after.json"));
+    EXPECT_EQ(read("after.json"), read("expected.json")) << removed;
+  }
+}
+
+TEST_F(Store, StaysAsItWasOpenedWhileOthersChangeIt) {
+  TestRepository held("A1 A2 B1:A1");
+  make("held", contentOf(held));
+  SqliteCatalogueRepository before(path("held.store"));
+  removeFromStore(path("held.store"), {{u"A", version("2")}});
+  EXPECT_EQ(before.listMetamodels(u"A").size(), 2);
+  EXPECT_EQ(SqliteCatalogueRepository(path("held.store")).listMetamodels(u"A").size(), 1);
+  EXPECT_EQ(catalogueErrorOf(path("held.store"),
+                             [&] { importCatalogue(path("held.json"), path("held.store")); }),
+            "is in use by another program");
+}
+
+}  // namespace
+}  // namespace test

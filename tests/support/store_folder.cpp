@@ -1,0 +1,64 @@
+#include "support/store_folder.hpp"
+
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_catalogue.hpp"
+#include "catalogue/store_transfer.hpp"
+
+namespace test {
+
+using namespace tarn::evolution::catalogue;
+
+CatalogueContent contentOf(TestRepository& repository) {
+  CatalogueContent content{{}, repository.hops, std::nullopt};
+  for (const Metamodel& metamodel : repository.metamodels) {
+    const bool isText = !metamodel.version.isSemVer();
+    content.metamodels.push_back(
+        {metamodel, isText ? repository.extractSemVer(metamodel) : std::nullopt});
+  }
+  return content;
+}
+
+std::string catalogueErrorOf(const std::filesystem::path& file,
+                             const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const CatalogueError& error) {
+    EXPECT_EQ(error.file(), file) << error.what();
+    return (error.place().empty() ? "" : error.place() + ": ") + error.reason();
+  }
+  return "no error";
+}
+
+StoreFolder::StoreFolder()
+    : folder_(std::filesystem::temp_directory_path() / ("store" + std::to_string(getpid()))) {
+  std::filesystem::create_directories(folder_);
+}
+
+StoreFolder::~StoreFolder() {
+  std::filesystem::remove_all(folder_);
+}
+
+void StoreFolder::write(const std::string& name, const std::string& bytes) const {
+  std::ofstream(path(name), std::ios::binary) << bytes;
+}
+
+std::string StoreFolder::read(const std::string& name) const {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path(name), std::ios::binary).rdbuf();
+  return bytes.str();
+}
+
+void StoreFolder::make(const std::string& name, const CatalogueContent& content,
+                       bool withStore) const {
+  std::ofstream out(path(name + ".json"), std::ios::binary);
+  writeJsonCatalogue(content, out);
+  out.close();
+  if (withStore) importCatalogue(path(name + ".json"), path(name + ".store"));
+}
+
+}  // namespace test

@@ -1,0 +1,42 @@
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "catalogue/store_transfer.hpp"
+#include "command.hpp"
+#include "progress_bar.hpp"
+#include "store_report.hpp"
+
+namespace evopath {
+
+namespace {
+
+struct ExportOptions {
+  std::filesystem::path store;
+  std::filesystem::path catalogue;
+};
+
+ExitStatus runExport(const ExportOptions& options) {
+  ProgressBar bar("Exporting");
+  const auto counts =
+      tarn::evolution::catalogue::exportCatalogue(options.store, options.catalogue, bar.progress());
+  std::cout << "Exported " << describeCounts(counts) << ".\n";
+  return found;
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<ExportOptions>();
+  CLI::App* command = program.add_subcommand("export", "Write a store as a JSON catalogue");
+  command->add_option("store", options->store, "The store, a SQLite file")->required();
+  command->add_option("catalogue", options->catalogue, "The JSON file to write")->required();
+  command->footer(
+      "A file that stands there already is replaced once the new one is complete, unless it is a\n"
+      "SQLite database.\n"
+      "Exit status: 0 the catalogue was written, 2 bad usage or input.\n"
+      "Example: evopath export operators.store operators.json");
+  command->callback([options, &action] { action = [options] { return runExport(*options); }; });
+}
+
+}  // namespace evopath

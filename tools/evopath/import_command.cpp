@@ -1,0 +1,42 @@
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "catalogue/store_transfer.hpp"
+#include "command.hpp"
+#include "progress_bar.hpp"
+#include "store_report.hpp"
+
+namespace evopath {
+
+namespace {
+
+struct ImportOptions {
+  std::filesystem::path catalogue;
+  std::filesystem::path store;
+};
+
+ExitStatus runImport(const ImportOptions& options) {
+  ProgressBar bar("Importing");
+  const auto counts =
+      tarn::evolution::catalogue::importCatalogue(options.catalogue, options.store, bar.progress());
+  std::cout << "Imported " << describeCounts(counts) << ".\n";
+  return found;
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<ImportOptions>();
+  CLI::App* command = program.add_subcommand("import", "Make a store of a JSON catalogue");
+  command->add_option("catalogue", options->catalogue, "The catalogue, a JSON file")->required();
+  command->add_option("store", options->store, "The store to make, a SQLite file")->required();
+  command->footer(
+      "A store that stands there already is replaced once the new one is complete, unless another\n"
+      "program has it open; any other file is left alone. A catalogue that is unsound is refused.\n"
+      "Exit status: 0 the store was made, 2 bad usage or input.\n"
+      "Example: evopath import data/operators.json operators.store");
+  command->callback([options, &action] { action = [options] { return runImport(*options); }; });
+}
+
+}  // namespace evopath

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "catalogue/store_progress.hpp"
+
+namespace evopath {
+
+/// Shows on standard error how far a long operation is, if that is a terminal; otherwise nothing.
+/// Goes away with the object.
+///
+/// While it exists, Ctrl-C ends the operation in good order instead of the process at once: the
+/// progress function then throws.
+class ProgressBar {
+ public:
+  /// `title` says what is going on.
+  explicit ProgressBar(const std::string& title);
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+  ~ProgressBar();
+
+  /// To give to the operation, which the bar must outlive.
+  tarn::evolution::catalogue::StoreProgress progress();
+
+ private:
+  void show(double share);
+
+  std::string title_;
+  bool isShown_;
+  int percent_ = -1;
+  void (*formerHandler_)(int);
+};
+
+}  // namespace evopath

@@ -1,0 +1,80 @@
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+
+#include "catalogue/store_editing.hpp"
+#include "catalogue/version_text.hpp"
+#include "command.hpp"
+#include "platform/text.hpp"
+#include "store_report.hpp"
+
+namespace evopath {
+
+using namespace tarn::evolution::catalogue;
+
+namespace {
+
+struct RemoveOptions {
+  std::filesystem::path store;
+  std::vector<std::string> choices;
+};
+
+RemovalChoice parseChoice(const std::string& argument) {
+  const std::size_t separator = argument.find('=');
+  try {
+    RemovalChoice choice{parseName(argument.substr(0, separator)), std::nullopt};
+    if (separator != std::string::npos) {
+      choice.version = parseVersion(argument.substr(separator + 1));
+    }
+    return choice;
+  } catch (const std::invalid_argument& error) {
+    throw std::invalid_argument(argument + ": " + error.what());
+  }
+}
+
+void printObstacles(const RemovalResult& result, std::ostream& out) {
+  out << "evopath: nothing was removed, for others depend on it:\n";
+  for (const auto& [dependent, dependency] : result.obstacles) {
+    const auto& [name, range] = dependent.dependencies.at(dependency);
+    out << "  " << dependent << " depends on " << fl::i18n::ustring_to_utf8(name) << " " << range
+        << "\n";
+  }
+  if (result.obstacleCount > result.obstacles.size()) {
+    out << "  and " << result.obstacleCount - result.obstacles.size() << " more\n";
+  }
+}
+
+ExitStatus runRemove(const RemoveOptions& options) {
+  std::vector<RemovalChoice> choices;
+  for (const std::string& argument : options.choices) choices.push_back(parseChoice(argument));
+  const RemovalResult result = removeFromStore(options.store, choices);
+  if (result.obstacleCount > 0) {
+    printObstacles(result, std::cerr);
+    return badInput;
+  }
+  std::cout << "Removed " << describeCounts(result.removed) << ".\n";
+  return found;
+}
+
+}  // namespace
+
+void addRemoveCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<RemoveOptions>();
+  CLI::App* command = program.add_subcommand("remove", "Remove metamodels from a store");
+  command->add_option("store", options->store, "The store, a SQLite file")->required();
+  command
+      ->add_option("choices", options->choices,
+                   "What to remove: one version of a metamodel, or all of them")
+      ->type_name("NAME[=VERSION]...")
+      ->required();
+  command->footer(
+      "The hops from and to what is removed go with it. Nothing is removed when a version that\n"
+      "stays depends on what would go and on nothing that stays in its place: name the dependents\n"
+      "as well. The store's question stays as it is.\n"
+      "Exit status: 0 all was removed, 2 nothing was: others depend on it, or bad usage or input.\n"
+      "Example: evopath remove operators.store cert-manager=1.12.1");
+  command->callback([options, &action] { action = [options] { return runRemove(*options); }; });
+}
+
+}  // namespace evopath
