@@ -148,7 +148,8 @@ struct Explanation {
 /// How many questions an explanation puts to the path finder unless told otherwise.
 inline constexpr std::size_t explanationBudget = 400;
 
-/// Explains why `repository.findPath(question.from, question.to)` finds nothing or throws.
+/// Explains why `repository.findPath(question.from, question.to)` finds nothing or throws. Looks
+/// all names and versions up first, also where `findPath` would not because both sides are equal.
 ///
 /// Costs one question to the path finder when there is a path, another one when the direction may
 /// be the reason, and then at most about `budget` more, each about a part of the same question: up

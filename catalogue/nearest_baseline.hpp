@@ -11,8 +11,8 @@ namespace tarn::evolution::catalogue {
 ///
 /// First finds all largest sets of goals that can be reached together: whatever the goals that are
 /// given up, they must hit every set of goals known to block one another; the smallest such choice
-/// is tried, and where it is not enough, the goals left hold another blocking set. Then asks for
-/// fewer and fewer hops less than none: all selections with the same number of hops left at once,
+/// is tried, and where it is not enough, the goals left hold another blocking set. Then looks for
+/// the fewest hops left: asks at once for all selections that have the same number of them left,
 /// upward from what each metamodel needs at least. Both stop when the inquiry allows no more
 /// questions; then goals are added one by one to the best set known, which takes up to one more
 /// question for each.
