@@ -8,7 +8,6 @@
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::Hop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 

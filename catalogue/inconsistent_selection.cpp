@@ -9,7 +9,6 @@
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Metamodel;
-using pathfinder::VersionId;
 
 namespace {
 

@@ -90,6 +90,7 @@ std::vector<VersionId> mostSimilar(const VersionId& version,
                    [](const auto& left, const auto& right) { return left.first < right.first; });
   if (ranked.size() > mostSuggestions) ranked.resize(mostSuggestions);
   std::vector<VersionId> result;
+  result.reserve(ranked.size());
   for (const auto& [distance, candidate] : ranked) result.push_back(*candidate);
   return result;
 }
@@ -118,6 +119,7 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
   std::sort(ranked.begin(), ranked.end());
   if (ranked.size() > mostSuggestions) ranked.resize(mostSuggestions);
   std::vector<std::u16string> result;
+  result.reserve(ranked.size());
   for (auto& [distance, candidate] : ranked) result.push_back(std::move(candidate));
   return result;
 }
