@@ -70,12 +70,6 @@ class ValueBuilder {
   std::vector<Open> open_;  // outermost first
 };
 
-/// The parser's message without its own name in brackets before it.
-std::string withoutPrefix(const std::string& message) {
-  const std::size_t end = message.find("] ");
-  return end == std::string::npos ? message : message.substr(end + 2);
-}
-
 /// Takes the parser's events, and hands each row on when its last one has come.
 class RowHandler : public json::json_sax_t {
  public:
@@ -210,6 +204,11 @@ class RowHandler : public json::json_sax_t {
 void streamJsonCatalogue(std::istream& in, CatalogueSink& sink) {
   RowHandler handler(sink);
   json::sax_parse(in, &handler);
+}
+
+std::string withoutPrefix(const std::string& message) {
+  const std::size_t end = message.find("] ");
+  return end == std::string::npos ? message : message.substr(end + 2);
 }
 
 std::ifstream openForReading(const std::filesystem::path& file) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iosfwd>
+#include <string>
 
 #include "catalogue/catalogue_sink.hpp"
 
@@ -18,5 +19,8 @@ void streamJsonCatalogue(std::istream& in, CatalogueSink& sink);
 
 /// Opens a file for reading; throws CatalogueError, which does not name the file, when that fails.
 std::ifstream openForReading(const std::filesystem::path& file);
+
+/// The JSON parser's message without its own name in brackets before it.
+std::string withoutPrefix(const std::string& message);
 
 }  // namespace tarn::evolution::catalogue

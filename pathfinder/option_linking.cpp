@@ -17,7 +17,8 @@ const LinkedMetamodel* linkedUnder(const LinkedMetamodel& holder, const std::u16
   return found == holder.linkedMetamodels.end() ? nullptr : found->second.get();
 }
 
-/// Whether the partial result can link the option.
+/// Whether nothing that the partial result links stands against the option; within the option, one
+/// that links another version of itself does.
 bool admits(const LinkedMetamodel& partial, const std::shared_ptr<LinkedMetamodel>& option) {
   const LinkedMetamodel* own = linkedUnder(partial, option->name);
   if (own != nullptr) return own == option.get();
@@ -83,8 +84,8 @@ class PartialResults {
 /// Links the one option to each partial result, without those that conflict.
 LinkedMetamodels linkOnly(LinkedMetamodels&& partialResults,
                           const std::shared_ptr<LinkedMetamodel>& option) {
-  std::erase_if(partialResults, [&](const auto& partial) { return !admits(*partial, option); });
-  for (const auto& partial : partialResults) partial->linkMetamodel(option);
+  std::erase_if(partialResults,
+                [&](const auto& partial) { return !partial->linkMetamodel(option); });
   return std::move(partialResults);
 }
 
@@ -96,8 +97,8 @@ LinkedMetamodels linkEach(const LinkedMetamodels& partialResults, const LinkedMe
     for (const std::size_t place : index.near(*option)) {
       const LinkedMetamodel& partial = *partialResults[place];
       if (!admits(partial, option)) continue;
-      results.push_back(partial.clone());
-      results.back()->linkMetamodel(option);
+      auto linked = partial.clone();
+      if (linked->linkMetamodel(option)) results.push_back(std::move(linked));
     }
   }
   return results;

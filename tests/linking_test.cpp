@@ -116,6 +116,13 @@ TEST(Linking, LongChainsAndManyDependenciesTakeNoStack) {
   }
 }
 
+TEST(Linking, WhatLinksAnotherVersionOfItselfCannotBeLinked) {
+  TestRepository repository("B2 B1:B2 A1:B1 C1..2 D1:C[1,3)+B[1,3)");
+  EXPECT_EQ(repository.getLinkedMetamodels(u"B", v(1)).size(), 1U);
+  EXPECT_THROW(repository.baselines("A1"), Conflict);
+  EXPECT_EQ(describe(repository.baselines("D1")), "B2 C1 D1, B2 C2 D1");
+}
+
 TEST(Linking, SecondDependencyOfANameIsLinkedButNotChosen) {
   TestRepository repository("B1..3 A1:B1+B[2,4) A2:B8+B[1,4)");
   EXPECT_EQ(describe(repository.baselines("A1")), "A1 B1");

@@ -15,6 +15,7 @@ using Action = std::function<ExitStatus()>;
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
 void addAddCommand(CLI::App& program, Action& action);
+void addExplainCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
 void addImportCommand(CLI::App& program, Action& action);
 void addCheckCommand(CLI::App& program, Action& action);

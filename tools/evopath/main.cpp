@@ -9,8 +9,9 @@ int main(int argc, char** argv) {
   program.require_subcommand(0, 1);  // with none, what stands in its place is named
   evopath::Action action;
   for (const evopath::AddCommand addCommand :
-       {evopath::addPathCommand, evopath::addCheckCommand, evopath::addImportCommand,
-        evopath::addExportCommand, evopath::addAddCommand, evopath::addRemoveCommand}) {
+       {evopath::addPathCommand, evopath::addExplainCommand, evopath::addCheckCommand,
+        evopath::addImportCommand, evopath::addExportCommand, evopath::addAddCommand,
+        evopath::addRemoveCommand}) {
     addCommand(program, action);
   }
   try {

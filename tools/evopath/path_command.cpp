@@ -1,16 +1,24 @@
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
+#include "catalogue/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
+#include "explanation_status.hpp"
+#include "explanation_text.hpp"
+#include "messages/messages.hpp"
 #include "path_report.hpp"
+#include "platform/exception.hpp"
 #include "platform/in_memory/logging.hpp"
 #include "question_options.hpp"
 
 namespace evopath {
 
-using tarn::evolution::catalogue::BrowsableRepository;
-using tarn::evolution::catalogue::Question;
+using namespace tarn::evolution::catalogue;
+using tarn::evolution::pathfinder::BaselineHop;
+using ConflictingDependencies =
+    foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
 
 namespace {
 
@@ -27,25 +35,30 @@ void traceToStandardError() {
   foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
 }
 
-PathReport answer(BrowsableRepository& repository, const Question& question) {
-  if (const auto path = repository.findPath(question.from, question.to)) {
-    return reportPath(repository, *path);
+/// The path; none as well when the path finder stumbles over a version that cannot be linked.
+std::optional<std::vector<BaselineHop>> findPath(BrowsableRepository& repository,
+                                                 const Question& question) {
+  try {
+    return repository.findPath(question.from, question.to);
+  } catch (const ConflictingDependencies&) {
+    return std::nullopt;
   }
-  if (repository.combine(question.from).empty()) {
-    return reportNoPath("the versions to start from cannot stand together.");
-  }
-  if (repository.combine(question.to).empty()) {
-    return reportNoPath("the versions to reach cannot stand together.");
-  }
-  return reportNoPath("no sequence of steps leads there.");
 }
 
 ExitStatus runPath(const PathOptions& options) {
   if (options.trace) traceToStandardError();
-  const auto repository = tarn::evolution::catalogue::openCatalogue(options.catalogue);
-  const PathReport report = answer(*repository, options.ask(*repository));
-  (options.json ? printJson : printText)(report, std::cout);
-  return report.found ? found : noPath;
+  const auto repository = openCatalogue(options.catalogue);
+  const Question question = options.ask(*repository);
+  const UnknownEntries unknown = findUnknown(*repository, question);
+  if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
+  const auto print = options.json ? printJson : printText;
+  if (const auto path = findPath(*repository, question)) {
+    print(reportPath(*repository, *path), std::cout);
+    return found;
+  }
+  const Explanation explanation = explain(*repository, question);
+  print(reportNoPath(*repository, explanation), std::cout);
+  return statusOf(explanation);
 }
 
 }  // namespace

@@ -7,42 +7,32 @@
 #include <ostream>
 #include <sstream>
 
-#include "platform/text.hpp"
+#include "explanation_json.hpp"
+#include "explanation_text.hpp"
+#include "phrases.hpp"
 
 namespace evopath {
 
 using tarn::evolution::pathfinder::BaselineHop;
 using tarn::evolution::pathfinder::Hop;
 using tarn::evolution::pathfinder::LinkedMetamodel;
-using tarn::evolution::pathfinder::VersionId;
 
 namespace {
-
-std::string textOf(const VersionId& version) {
-  std::ostringstream out;
-  out << version;
-  return out.str();
-}
 
 std::vector<ReportedMove> reportMoves(const BaselineHop& step) {
   std::vector<ReportedMove> moves;
   for (const auto& [name, hop] :
        std::map<std::u16string, Hop>(step.hops.begin(), step.hops.end())) {
-    moves.push_back(
-        {fl::i18n::ustring_to_utf8(name), textOf(hop.from), textOf(hop.to), hop.expensive});
+    moves.push_back({textOf(name), textOf(hop.from), textOf(hop.to), hop.expensive});
   }
   std::map<std::u16string, const LinkedMetamodel*> broughtIn;
   for (const auto& [name, linked] : step.to.metamodels) {
     if (!step.from.metamodels.contains(name)) broughtIn.emplace(name, linked.get());
   }
   for (const auto& [name, linked] : broughtIn) {
-    moves.push_back({fl::i18n::ustring_to_utf8(name), "", textOf(linked->version), false});
+    moves.push_back({textOf(name), "", textOf(linked->version), false});
   }
   return moves;
-}
-
-std::string counted(std::size_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
 /// The longest text that `part` gives among all moves of the path.
@@ -68,15 +58,20 @@ PathReport reportPath(const tarn::evolution::pathfinder::VersionRepository& repo
   return report;
 }
 
-PathReport reportNoPath(const std::string& whyNot) {
+PathReport reportNoPath(const tarn::evolution::pathfinder::VersionRepository& repository,
+                        const tarn::evolution::catalogue::Explanation& explanation) {
   PathReport report;
-  report.whyNot = whyNot;
+  report.whyNot = headlineOf(explanation);
+  std::ostringstream details;
+  printDetails(explanation, repository, details);
+  report.details = details.str();
+  report.explanation = toJson(explanation, repository);
   return report;
 }
 
 void printText(const PathReport& report, std::ostream& out) {
   if (!report.found) {
-    out << "No path: " << report.whyNot << "\n";
+    out << "No path: " << report.whyNot << "\n" << report.details;
     return;
   }
   if (report.steps.empty()) {
@@ -97,27 +92,32 @@ void printText(const PathReport& report, std::ostream& out) {
   out << counted(report.steps.size(), "step") << ", weight " << report.weight << "\n";
 }
 
-void printJson(const PathReport& report, std::ostream& out) {
+nlohmann::ordered_json stepsJson(const PathReport& report) {
   using nlohmann::ordered_json;
-  ordered_json document{{"found", report.found}};
+  ordered_json steps = ordered_json::array();
+  for (const ReportedStep& step : report.steps) {
+    ordered_json hops = ordered_json::array();
+    ordered_json broughtIn = ordered_json::array();
+    for (const auto& [name, from, to, expensive] : step.moves) {
+      if (from.empty()) {
+        broughtIn.push_back({{"name", name}, {"version", to}});
+      } else {
+        hops.push_back({{"name", name}, {"from", from}, {"to", to}, {"expensive", expensive}});
+      }
+    }
+    steps.push_back({{"weight", step.weight}, {"hops", hops}, {"broughtIn", broughtIn}});
+  }
+  return steps;
+}
+
+void printJson(const PathReport& report, std::ostream& out) {
+  nlohmann::ordered_json document{{"found", report.found}};
   if (!report.found) {
     document["reason"] = report.whyNot;
+    document["explanation"] = report.explanation;
   } else {
     document["weight"] = report.weight;
-    document["steps"] = ordered_json::array();
-    for (const ReportedStep& step : report.steps) {
-      ordered_json hops = ordered_json::array();
-      ordered_json broughtIn = ordered_json::array();
-      for (const auto& [name, from, to, expensive] : step.moves) {
-        if (from.empty()) {
-          broughtIn.push_back({{"name", name}, {"version", to}});
-        } else {
-          hops.push_back({{"name", name}, {"from", from}, {"to", to}, {"expensive", expensive}});
-        }
-      }
-      document["steps"].push_back(
-          {{"weight", step.weight}, {"hops", hops}, {"broughtIn", broughtIn}});
-    }
+    document["steps"] = stepsJson(report);
   }
   out << document.dump(2) << "\n";
 }

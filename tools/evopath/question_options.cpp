@@ -8,14 +8,15 @@ namespace evopath {
 
 using tarn::evolution::catalogue::BrowsableRepository;
 using tarn::evolution::catalogue::Question;
+using tarn::evolution::catalogue::QuestionSide;
 
 void QuestionOptions::addTo(CLI::App& command) {
   command.add_option("catalogue", catalogue, "The catalogue, a JSON file or a store")->required();
   auto* fromOption = command.add_option("--from", from, "The versions to start from")
-                         ->type_name("NAME=VERSION[,...]")
+                         ->type_name("NAME=VERSION|@FILE[,...]")
                          ->delimiter(',');
   auto* toOption = command.add_option("--to", to, "The versions to reach")
-                       ->type_name("NAME=VERSION[,...]")
+                       ->type_name("NAME=VERSION|@FILE[,...]")
                        ->delimiter(',');
   auto* questionFlag = command.add_flag("--question", question, "Ask the catalogue's own question");
   fromOption->needs(toOption)->excludes(questionFlag);
@@ -24,7 +25,8 @@ void QuestionOptions::addTo(CLI::App& command) {
 
 Question QuestionOptions::ask(BrowsableRepository& repository) const {
   if (!question && from.empty()) throw CLI::RequiredError("Either --question or --from and --to");
-  if (!question) return {parseSelection("--from", from), parseSelection("--to", to)};
+  if (!question)
+    return {parseSelection("--from", from), parseSelection("--to", to, QuestionSide::To)};
   if (auto own = repository.getQuestion()) return *std::move(own);
   throw std::invalid_argument(catalogue.string() + ": the catalogue has no question");
 }

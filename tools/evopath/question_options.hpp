@@ -12,7 +12,7 @@ namespace evopath {
 /// The options of commands that ask a catalogue a question.
 struct QuestionOptions {
   std::filesystem::path catalogue;
-  std::vector<std::string> from;  ///< NAME=VERSION each
+  std::vector<std::string> from;  ///< NAME=VERSION or @FILE each
   std::vector<std::string> to;
   bool question = false;  ///< ask the catalogue's own question instead
 

@@ -2,32 +2,44 @@
 
 #include <stdexcept>
 
+#include "catalogue/selection_file.hpp"
 #include "catalogue/version_text.hpp"
+#include "phrases.hpp"
 
 namespace evopath {
 
 using tarn::evolution::catalogue::parseName;
 using tarn::evolution::catalogue::parseVersion;
+using tarn::evolution::catalogue::QuestionSide;
+using tarn::evolution::catalogue::readSelectionFile;
 using tarn::evolution::catalogue::Selection;
 
 namespace {
 
-void addTo(Selection& selection, const std::string& argument) {
+Selection parseOne(const std::string& argument, QuestionSide side) {
   const std::size_t separator = argument.find('=');
-  if (separator == std::string::npos) throw std::invalid_argument("must be NAME=VERSION");
-  const std::u16string name = parseName(argument.substr(0, separator));
-  if (!selection.emplace(name, parseVersion(argument.substr(separator + 1))).second) {
-    throw std::invalid_argument("the name stands twice");
+  if (separator == std::string::npos) {
+    if (argument.starts_with('@')) return readSelectionFile(argument.substr(1), side);
+    throw std::invalid_argument("must be NAME=VERSION or @FILE");
+  }
+  return {{parseName(argument.substr(0, separator)), parseVersion(argument.substr(separator + 1))}};
+}
+
+void addTo(Selection& selection, const Selection& added) {
+  for (const auto& [name, version] : added) {
+    if (selection.emplace(name, version).second) continue;
+    throw std::invalid_argument("the name " + textOf(name) + " stands twice");
   }
 }
 
 }  // namespace
 
-Selection parseSelection(const std::string& option, const std::vector<std::string>& arguments) {
+Selection parseSelection(const std::string& option, const std::vector<std::string>& arguments,
+                         QuestionSide side) {
   Selection selection;
   for (const std::string& argument : arguments) {
     try {
-      addTo(selection, argument);
+      addTo(selection, parseOne(argument, side));
     } catch (const std::invalid_argument& error) {
       std::string place = option;
       place.append(" ").append(argument).append(": ");

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "catalogue/browsable_repository.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel>>;
+
+/// The content of another repository, which must outlive it, with linked metamodels of its own.
+///
+/// Can be told to leave out the hops to versions that cannot be linked, over which the path finder
+/// would stumble.
+class LinkableRepository : public pathfinder::VersionRepository {
+ public:
+  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {}
+
+  /// The linked metamodels of a descriptor; null when it cannot be linked.
+  const LinkedMetamodels* tryLink(const pathfinder::Metamodel& metamodel);
+
+  /// From now on the hops to versions that cannot be linked are left out.
+  void hideUnlinkable() { hidesUnlinkable_ = true; }
+  bool hidesUnlinkable() const { return hidesUnlinkable_; }
+
+  /// The versions that hops which were left out would have led to, in the order they were met.
+  const std::vector<pathfinder::Metamodel>& hidden() const { return hidden_; }
+
+  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
+                                                        const std::u16string& versionText) override;
+  std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) override;
+  void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
+                      std::vector<pathfinder::Metamodel>& result) override;
+  void findHops(const std::u16string& name, const pathfinder::VersionId& from,
+                std::vector<pathfinder::Hop>& result) override;
+
+ private:
+  bool leadsToUnlinkable(const pathfinder::Hop& hop);
+
+  BrowsableRepository& content_;
+  std::unordered_set<pathfinder::Metamodel> unlinkable_;
+  std::vector<pathfinder::Metamodel> hidden_;
+  bool hidesUnlinkable_ = false;
+};
+
+}  // namespace tarn::evolution::catalogue

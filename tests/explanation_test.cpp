@@ -1,0 +1,205 @@
+// Explanations on random catalogues, held against plain enumeration of all that can be reached.
+#include "catalogue/explanation.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/catalogue_repository.hpp"
+#include "platform/exception.hpp"
+#include "support/random_question.hpp"
+#include "support/store_folder.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+
+using Versions = std::map<std::u16string, VersionId>;
+
+/// All baselines that any steps lead to.
+std::vector<VersionBaseline> reachableFrom(VersionRepository& repository,
+                                           std::vector<VersionBaseline> baselines,
+                                           VersionRepository::Direction direction) {
+  for (std::size_t next = 0; next < baselines.size(); ++next) {
+    for (BaselineHop& step : repository.getStepsFrom(VersionBaseline(baselines[next]), direction)) {
+      const bool isNew = std::find(baselines.begin(), baselines.end(), step.to) == baselines.end();
+      if (isNew) baselines.push_back(std::move(step.to));
+    }
+  }
+  return baselines;
+}
+
+/// How many of some versions a baseline holds.
+std::size_t countHeld(const VersionBaseline& baseline, const Versions& versions) {
+  return static_cast<std::size_t>(
+      std::count_if(versions.begin(), versions.end(), [&](const auto& entry) {
+        const auto held = baseline.metamodels.find(entry.first);
+        return held != baseline.metamodels.end() && held->second->version == entry.second;
+      }));
+}
+
+/// A random catalogue with a question that may well have no path.
+class RandomCase {
+ public:
+  explicit RandomCase(unsigned seed) : random_(seed) {
+    RandomQuestion made(seed, seed % 2 == 0 ? RandomQuestion::Web : RandomQuestion::Loose);
+    TestRepository& content = made.repository;
+    std::erase_if(content.hops, [&](const Hop&) { return random_() % 20 == 0; });
+    std::map<std::u16string, std::vector<VersionId>> versions;
+    for (const Metamodel& metamodel : content.metamodels) {
+      versions[metamodel.name].push_back(metamodel.version);
+    }
+    for (const auto& [name, known] : versions) {
+      if (random_() % 10 < 9) question.from.emplace(name, known.front());
+      const std::size_t fromLast = random_() % 2 % known.size();
+      if (random_() % 10 < 6) question.to.emplace(name, known[known.size() - 1 - fromLast]);
+    }
+    repository = std::make_unique<CatalogueRepository>(Catalogue(contentOf(content)));
+    for (const auto& [name, version] : question.to) {
+      goals.emplace(name, repository->getMetamodel(name, version)->version);
+    }
+  }
+
+  /// Along the metamodel's own hops; as many as it has versions where they do not lead there.
+  std::size_t hopsLeft(const VersionBaseline& baseline, const std::u16string& name,
+                       VersionRepository::Direction direction) const {
+    const std::size_t unreachable = repository->listMetamodels(name).size();
+    const auto held = baseline.metamodels.find(name);
+    if (held == baseline.metamodels.end()) return unreachable;
+    std::vector<Metamodel> met{*repository->getMetamodel(name, held->second->version)};
+    for (std::size_t hops = 0, begin = 0; begin < met.size(); ++hops) {
+      const std::size_t end = met.size();
+      for (; begin < end; ++begin) {
+        if (met[begin].version == goals.at(name)) return hops;
+        for (const Hop& hop : hopsFrom(*repository, met[begin])) {
+          const Metamodel to = *repository->getMetamodel(name, hop.to);
+          if (VersionRepository::areDirectionsInconsistent(
+                  direction, repository->getDirection(met[begin], to))) {
+            continue;
+          }
+          if (std::find(met.begin(), met.end(), to) == met.end()) met.push_back(to);
+        }
+      }
+    }
+    return unreachable;
+  }
+
+  /// Orders baselines as nearness does: the least is the nearest.
+  std::pair<std::size_t, std::size_t> remoteness(const VersionBaseline& baseline,
+                                                 VersionRepository::Direction direction) const {
+    std::size_t hops = 0;
+    for (const auto& [name, version] : goals) hops += hopsLeft(baseline, name, direction);
+    return {goals.size() - countHeld(baseline, goals), hops};
+  }
+
+  /// A target baseline or, where there is none, the goals all the same.
+  VersionBaseline someTarget() {
+    const auto targets = repository->combine(question.to);
+    if (!targets.empty()) return targets[0];
+    VersionBaseline result;
+    for (const auto& [name, version] : goals) {
+      result.metamodels.emplace(name, repository->getLinkedMetamodels(name, version)[0]);
+    }
+    return result;
+  }
+
+  Question question;
+  Versions goals;
+  std::unique_ptr<CatalogueRepository> repository;
+
+ private:
+  std::mt19937 random_;
+};
+
+/// Whether those named can be brought to their goals in a model that has no use for the others.
+bool canReachPart(const RandomCase& random, const std::vector<VersionBaseline>& sources,
+                  const std::vector<std::u16string>& names,
+                  VersionRepository::Direction direction) {
+  std::vector<VersionBaseline> parts;
+  Versions goals;
+  for (const std::u16string& name : names) {
+    if (random.goals.contains(name)) goals.emplace(name, random.goals.at(name));
+  }
+  for (const VersionBaseline& source : sources) {
+    const bool staysWhole = std::any_of(goals.begin(), goals.end(), [&](const auto& goal) {
+      return !source.metamodels.contains(goal.first);
+    });
+    VersionBaseline part;
+    for (const auto& [name, linked] : source.metamodels) {
+      const bool isNamed = std::find(names.begin(), names.end(), name) != names.end();
+      if (isNamed || staysWhole) part.tryEmplace(linked);
+    }
+    parts.push_back(part);
+  }
+  const auto reachable = reachableFrom(*random.repository, parts, direction);
+  return std::any_of(reachable.begin(), reachable.end(), [&](const VersionBaseline& baseline) {
+    return countHeld(baseline, goals) == goals.size();
+  });
+}
+
+void expectNearest(RandomCase& random, const std::vector<VersionBaseline>& sources,
+                   const NearestBaseline& nearest, VersionRepository::Direction direction) {
+  std::pair<std::size_t, std::size_t> least{~0U, 0};
+  for (const auto& baseline : reachableFrom(*random.repository, sources, direction)) {
+    least = std::min(least, random.remoteness(baseline, direction));
+  }
+  EXPECT_TRUE(nearest.isProven);
+  EXPECT_EQ(random.remoteness(nearest.baseline, direction), least);
+  EXPECT_EQ(nearest.arrived.size(), countHeld(nearest.baseline, random.goals));
+  EXPECT_EQ(nearest.arrived.size() + nearest.unfinished.size(), random.goals.size());
+  expectLegal(*random.repository, nearest.path);
+  if (!nearest.path.empty()) {
+    EXPECT_EQ(nearest.path.back().to, nearest.baseline);
+    const std::string start = describe(nearest.path.front().from);
+    EXPECT_TRUE(std::any_of(sources.begin(), sources.end(), [&](const VersionBaseline& source) {
+      return describe(source) == start;
+    }));
+  }
+}
+
+void expectMinimal(const RandomCase& random, const std::vector<VersionBaseline>& sources,
+                   const NeverTogether& reason, VersionRepository::Direction direction) {
+  EXPECT_TRUE(reason.isMinimal);
+  EXPECT_FALSE(canReachPart(random, sources, reason.names, direction));
+  for (const std::u16string& name : reason.names) {
+    std::vector<std::u16string> others = reason.names;
+    std::erase(others, name);
+    EXPECT_TRUE(canReachPart(random, sources, others, direction));
+  }
+}
+
+TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
+  std::map<std::size_t, int> reasons;  // by index; no version is unknown here
+  int blockedHops = 0;
+  for (unsigned seed = 0; seed < 2000; ++seed) {
+    SCOPED_TRACE(seed);
+    RandomCase random(seed);
+    CatalogueRepository& repository = *random.repository;
+    const Explanation explanation = explain(repository, random.question);
+    ++reasons[explanation.reason.index()];
+    try {
+      const auto path = repository.findPath(random.question.from, random.question.to);
+      EXPECT_EQ(std::holds_alternative<PathExists>(explanation.reason), path.has_value());
+      if (path || !explanation.nearest) continue;
+      const auto sources = repository.combine(random.question.from);
+      const auto direction = repository.computeDirection(sources[0], random.someTarget());
+      expectNearest(random, sources, *explanation.nearest, direction);
+      if (const auto* reason = std::get_if<NeverTogether>(&explanation.reason)) {
+        expectMinimal(random, sources, *reason, direction);
+        blockedHops += reason->blocked.empty() ? 0 : 1;
+      }
+    } catch (const foundation::core::except::IMsgIDException&) {
+      // The path finder, and so enumeration, stumbles over a version that cannot be linked.
+      EXPECT_FALSE(std::holds_alternative<PathExists>(explanation.reason));
+    }
+  }
+  for (const std::size_t reason : {0U, 2U, 3U, 4U, 5U}) EXPECT_GT(reasons[reason], 10) << reason;
+  EXPECT_GT(blockedHops, 20);
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,311 @@
+#include "explanation_text.hpp"
+
+#include <algorithm>
+#include <iomanip>
+#include <ostream>
+
+#include "path_report.hpp"
+#include "phrases.hpp"
+
+namespace evopath {
+
+using namespace tarn::evolution::catalogue;
+using tarn::evolution::pathfinder::VersionId;
+using tarn::evolution::pathfinder::VersionRepository;
+
+namespace {
+
+constexpr std::size_t mostRequirements = 8;
+constexpr std::size_t mostChoices = 5;
+
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+std::string joined(const std::vector<NamedVersion>& chain) {
+  std::string result;
+  for (const NamedVersion& link : chain) result += (result.empty() ? "" : " -> ") + textOf(link);
+  return result;
+}
+
+std::string lowerCased(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    return letter < 'a' ? static_cast<char>(letter + 32) : letter;
+  });
+  return text;
+}
+
+std::string directionText(VersionRepository::Direction direction) {
+  return lowerCased(VersionRepository::getDirectionString(direction));
+}
+
+/// Of the reasons only those that speak of no path.
+const auto headline = Overloaded{
+    [](const PathExists&) { return std::string(); },
+    [](const UnknownEntries& reason) { return describe(reason); },
+    [](const InconsistentSelection& reason) {
+      const std::string side = reason.side == QuestionSide::From ? "to start from" : "to reach";
+      if (!reason.unlinkable.empty()) return "a version " + side + " cannot be linked.";
+      if (!reason.clash) return "there is no version " + side + ".";
+      return "the versions " + side + " cannot stand together.";
+    },
+    [](const MissingChains& reason) {
+      std::vector<NamedVersion> targets;
+      for (const MissingChain& chain : reason.chains) targets.push_back(chain.target);
+      return "no hops lead to " + listed(textsOf(targets), "or") + ".";
+    },
+    [](const AgainstDirection& reason) {
+      return "every way there has hops that do not go " + directionText(reason.direction) + ".";
+    },
+    [](const NeverTogether& reason) {
+      if (reason.names.size() == 1) {
+        return textOf(reason.names.front()) + " is blocked by what it needs.";
+      }
+      return listed(textsOf(reason.names)) + " block one another.";
+    },
+    [](const PathBesideUnlinkable&) {
+      return std::string("versions that might lie on the way cannot be linked.");
+    }};
+
+class Details {
+ public:
+  Details(const VersionRepository& weigh, std::ostream& out) : weigh_(weigh), out_(out) {}
+
+  void operator()(const PathExists& /*reason*/) {}
+  void operator()(const UnknownEntries& /*reason*/) {}
+
+  void operator()(const InconsistentSelection& reason) {
+    for (const Unlinkable& unlinkable : reason.unlinkable) print(unlinkable);
+    if (!reason.clash) return;
+    print(*reason.clash, "  ", " is selected at ");
+    for (const auto& [name, versions] : reason.remedies) {
+      if (versions.empty()) continue;
+      out_ << "With " << textOf(name) << " at " << listed(textsOf(versions), "or")
+           << " the selection would be consistent.\n";
+    }
+  }
+
+  void operator()(const MissingChains& reason) {
+    if (reason.direction != VersionRepository::Unknown) {
+      out_ << "Hops count if they go " << directionText(reason.direction)
+           << ", for that is where the question goes.\n";
+    }
+    for (const MissingChain& chain : reason.chains) {
+      if (chain.starts.empty()) {
+        printNewcomer(chain);
+      } else {
+        printGap(chain);
+      }
+    }
+  }
+
+  void operator()(const AgainstDirection& reason) {
+    out_ << "If all hops counted, there would be a path. Against the direction go:\n";
+    for (const auto& hop : reason.against) {
+      out_ << "  " << textOf(hop.name) << " " << textOf(hop) << "\n";
+    }
+    out_ << "The path in both directions:\n";
+    printPath(reason.path);
+  }
+
+  void operator()(const NeverTogether& reason) {
+    if (!reason.isMinimal) {
+      out_ << "The budget ended before it was clear whether all of these are needed to block.\n";
+    } else if (reason.names.size() > 1) {
+      out_ << "With any one of them left out, the others get there.\n";
+    }
+    if (reason.stuckAt.empty()) return;
+    out_ << "They get stuck with " << listed(textsOf(blockersAmong(reason))) << ".\n";
+    for (const BlockedHop& blocked : reason.blocked) {
+      out_ << "There " << textOf(blocked.hop.name) << " cannot go " << textOf(blocked.hop) << ":\n";
+      print(blocked.clash, "  ", " can then only be ");
+    }
+  }
+
+  void operator()(const PathBesideUnlinkable& reason) {
+    out_ << "This path keeps clear of them:\n";
+    printPath(reason.path);
+  }
+
+  void print(const Unlinkable& unlinkable) {
+    out_ << textOf(unlinkable.chain.front()) << " cannot be linked: " << joined(unlinkable.chain);
+    if (unlinkable.unmet) {
+      out_ << " needs " << textOf(unlinkable.unmet->name) << " " << textOf(unlinkable.unmet->range)
+           << ", which no version satisfies";
+      if (!unlinkable.nearestVersions.empty()) {
+        out_ << "; the nearest known: " << listed(textsOf(unlinkable.nearestVersions));
+      }
+      out_ << ".\n";
+    } else {
+      out_ << " has dependencies that cannot stand together.\n";
+      if (unlinkable.clash) print(*unlinkable.clash, "  ", "");
+    }
+  }
+
+  void printWithoutOrder(const std::vector<NamedVersion>& versions) {
+    if (versions.empty()) return;
+    out_ << listed(textsOf(versions)) << " without a semantic equivalent "
+         << (versions.size() == 1 ? "counts" : "count")
+         << " as older than every semantic version. If the hop is right, give it one in the "
+            "catalogue.\n";
+  }
+
+  void print(const NearestBaseline& nearest) {
+    const std::size_t goals = nearest.arrived.size() + nearest.unfinished.size();
+    out_ << "Nearest baseline that can be reached, with " << nearest.arrived.size() << " of "
+         << counted(goals, "metamodel") << " at the version asked for"
+         << (nearest.isProven ? "" : " (the best found before the budget ended)") << ":\n";
+    std::size_t width = 0;
+    for (const auto& [name, version] : nearest.arrived) width = std::max(width, name.size());
+    for (const Unfinished& rest : nearest.unfinished) {
+      width = std::max(width, rest.target.name.size());
+    }
+    for (const NamedVersion& arrived : nearest.arrived) {
+      printName(arrived.name, width) << textOf(arrived.version) << "\n";
+    }
+    for (const Unfinished& rest : nearest.unfinished) {
+      printName(rest.target.name, width) << standingOf(rest) << "\n";
+    }
+    if (nearest.path.empty()) {
+      out_ << "That is the source itself: nothing can be done that comes nearer.\n";
+    } else {
+      out_ << "The way there:\n";
+      printPath(nearest.path);
+    }
+  }
+
+ private:
+  /// Where those that block one another get stuck; for one alone, also what it is linked with.
+  static std::vector<NamedVersion> blockersAmong(const NeverTogether& reason) {
+    if (reason.names.size() == 1) return reason.stuckAt;
+    std::vector<NamedVersion> result = reason.stuckAt;
+    std::erase_if(result, [&](const NamedVersion& version) {
+      return !std::binary_search(reason.names.begin(), reason.names.end(), version.name);
+    });
+    return result;
+  }
+
+  void printGap(const MissingChain& chain) {
+    const auto& [name, from, to, expensive] = *chain.missingHop;
+    const std::string target = textOf(chain.target.version);
+    const std::string starts = listed(textsOf(chain.starts), "or");
+    const bool isLeaving = chain.reached.size() > chain.starts.size();
+    out_ << textOf(name) << (chain.isHeld ? "" : " can be brought in, but")
+         << (isLeaving ? " gets from " + starts + " as far as " + textOf(from)
+                       : " cannot leave " + starts);
+    if (chain.leading.size() > 1) {
+      out_ << "; to " << target << " hops lead only from " << textOf(to) << " on.\n";
+    } else {
+      out_ << ", and no hop leads to " << target << ".\n";
+    }
+    out_ << "  Missing is a hop " << textOf(from) << " -> " << textOf(to);
+    if (chain.reached.size() * chain.leading.size() > 1) {
+      out_ << ", or another one in the right direction from " << choiceOf(chain.reached) << " to "
+           << choiceOf(chain.leading);
+    }
+    out_ << ".\n";
+    if (chain.chainInAnyDirection.empty()) return;
+    out_ << "  Were it not for the direction, this chain would do: "
+         << textOf(chain.chainInAnyDirection.front().from);
+    for (const auto& hop : chain.chainInAnyDirection) out_ << " -> " << textOf(hop.to);
+    out_ << "\n";
+  }
+
+  static std::string choiceOf(const std::vector<VersionId>& versions) {
+    if (versions.size() <= mostChoices) return listed(textsOf(versions), "or");
+    return "one of " + std::to_string(versions.size()) + " versions from " +
+           textOf(versions.front()) + " to " + textOf(versions.back());
+  }
+
+  void printNewcomer(const MissingChain& chain) {
+    const std::string name = textOf(chain.target.name);
+    out_ << "The source does not hold " << name << ", and nothing within reach brings it in.\n"
+         << "  Let the source hold " << name << " at " << choiceOf(chain.leading);
+    if (!chain.dependents.empty()) {
+      out_ << ", or a metamodel that gets to " << listed(textsOf(chain.dependents), "or")
+           << ", which brings it in";
+    }
+    out_ << ".\n";
+  }
+
+  /// `whenSelected` says that a metamodel has just the versions that follow.
+  void print(const Clash& clash, const std::string& indent, const std::string& whenSelected) {
+    std::vector<std::string> lines;
+    std::vector<VersionId> selected;
+    for (const auto& [chain, name, range] : clash.requirements) {
+      if (range) {
+        lines.push_back(joined(chain) + " needs " + textOf(name) + " " + textOf(*range));
+      } else {
+        selected.push_back(chain.back().version);
+      }
+    }
+    if (!selected.empty()) {
+      lines.push_back(textOf(clash.contested) + whenSelected + listed(textsOf(selected), "or"));
+    }
+    for (std::size_t i = 0; i < std::min(lines.size(), mostRequirements); ++i) {
+      out_ << indent << lines[i] << "\n";
+    }
+    if (lines.size() > mostRequirements) {
+      out_ << indent << "and " << lines.size() - mostRequirements << " more requirements\n";
+    }
+  }
+
+  std::ostream& printName(const std::u16string& name, std::size_t width) {
+    return out_ << "  " << std::left << std::setw(static_cast<int>(width)) << textOf(name) << "  ";
+  }
+
+  static std::string standingOf(const Unfinished& rest) {
+    const std::string target = textOf(rest.target.version);
+    if (!rest.held) return "not brought in, " + target + " asked for";
+    const std::string held = textOf(*rest.held);
+    if (!rest.hopsLeft) return held + ", no hops lead on to " + target;
+    return held + ", " + counted(*rest.hopsLeft, "hop") + " short of " + target;
+  }
+
+  void printPath(const std::vector<tarn::evolution::pathfinder::BaselineHop>& path) {
+    printText(reportPath(weigh_, path), out_);
+  }
+
+  const VersionRepository& weigh_;
+  std::ostream& out_;
+};
+
+std::string describeUnknown(const UnknownEntry& unknown) {
+  const std::string side = unknown.side == QuestionSide::From ? "to start from" : "to reach";
+  const std::string name = "metamodel \"" + textOf(unknown.entry.name) + "\"";
+  if (!unknown.isNameKnown) {
+    std::string result = "there is no " + name + " " + side;
+    if (unknown.nearestNames.empty()) return result + ".";
+    return result + "; did you mean " + listed(textsOf(unknown.nearestNames), "or") + "?";
+  }
+  return "there is no version " + textOf(unknown.entry.version) + " of " + name + " " + side +
+         "; the nearest known: " + listed(textsOf(unknown.nearestVersions)) + ".";
+}
+
+}  // namespace
+
+std::string describe(const UnknownEntries& unknown) {
+  std::string result;
+  for (const UnknownEntry& entry : unknown.entries) {
+    result += (result.empty() ? "" : "\n") + describeUnknown(entry);
+  }
+  return result;
+}
+
+std::string headlineOf(const Explanation& explanation) {
+  return std::visit(headline, explanation.reason);
+}
+
+void printDetails(const Explanation& explanation, const VersionRepository& weigh,
+                  std::ostream& out) {
+  Details details(weigh, out);
+  std::visit(details, explanation.reason);
+  details.printWithoutOrder(explanation.withoutOrder);
+  for (const Unlinkable& unlinkable : explanation.unlinkable) details.print(unlinkable);
+  if (explanation.nearest) details.print(*explanation.nearest);
+}
+
+}  // namespace evopath
