@@ -7,6 +7,7 @@ packages=(
   clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
   libboost-log1.81-dev                             # brings the Boost 1.81 headers as well
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
+  libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
 )
 

@@ -1,8 +1,12 @@
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/path_picture.hpp"
 #include "command.hpp"
+#include "output_option.hpp"
+#include "path_format.hpp"
 #include "path_report.hpp"
 #include "platform/in_memory/logging.hpp"
 #include "question_options.hpp"
@@ -11,11 +15,14 @@ namespace evopath {
 
 using tarn::evolution::catalogue::BrowsableRepository;
 using tarn::evolution::catalogue::Question;
+using tarn::evolution::pathfinder::BaselineHop;
+using tarn::evolution::pathfinder::VersionBaseline;
 
 namespace {
 
 struct PathOptions : QuestionOptions {
-  bool json = false;
+  PathFormatOption form;
+  OutputOption output;
   bool trace = false;
 };
 
@@ -27,10 +34,7 @@ void traceToStandardError() {
   foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
 }
 
-PathReport answer(BrowsableRepository& repository, const Question& question) {
-  if (const auto path = repository.findPath(question.from, question.to)) {
-    return reportPath(repository, *path);
-  }
+PathReport explainNoPath(BrowsableRepository& repository, const Question& question) {
   if (repository.combine(question.from).empty()) {
     return reportNoPath("the versions to start from cannot stand together.");
   }
@@ -40,12 +44,38 @@ PathReport answer(BrowsableRepository& repository, const Question& question) {
   return reportNoPath("no sequence of steps leads there.");
 }
 
+void printNoPath(const PathReport& report, const PathOptions& options) {
+  if (options.form.isPicture()) {
+    printText(report, std::cerr);
+    return;
+  }
+  std::ostringstream text;
+  (options.form.format == PathFormat::json ? printJson : printText)(report, text);
+  options.output.write(text.str());
+}
+
+/// The baseline to draw the path from. A path without steps names none.
+VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions& options,
+                         BrowsableRepository& repository, const Question& question) {
+  if (!path.empty()) return path.front().from;
+  if (!options.form.isPicture()) return {};
+  const auto sources = repository.combine(question.from);
+  return sources.empty() ? VersionBaseline{} : sources.front();
+}
+
 ExitStatus runPath(const PathOptions& options) {
   if (options.trace) traceToStandardError();
   const auto repository = tarn::evolution::catalogue::openCatalogue(options.catalogue);
-  const PathReport report = answer(*repository, options.ask(*repository));
-  (options.json ? printJson : printText)(report, std::cout);
-  return report.found ? found : noPath;
+  const Question question = options.ask(*repository);
+  const auto path = repository->findPath(question.from, question.to);
+  if (!path) {
+    printNoPath(explainNoPath(*repository, question), options);
+    return noPath;
+  }
+  const auto picture = tarn::evolution::catalogue::drawPath(
+      *repository, sourceOf(*path, options, *repository, question), *path);
+  options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
+  return found;
 }
 
 }  // namespace
@@ -55,7 +85,8 @@ void addPathCommand(CLI::App& program, Action& action) {
   CLI::App* path =
       program.add_subcommand("path", "Find the least-weight path between two selections");
   options->addTo(*path);
-  path->add_flag("--json", options->json, "Print the answer as JSON");
+  options->form.addTo(*path);
+  options->output.addTo(*path);
   path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");
   path->footer(
       "Exit status: 0 a path was found, 1 there is none, 2 bad usage or input.\n"
