@@ -131,8 +131,7 @@ class PageWriter {
   }
 
   void writeSteps() const {
-    out_ << "<aside aria-label=\"Steps\">\n<h2>" << summarise(picture_)
-         << "</h2>\n<ol id=\"steps\">\n";
+    out_ << "<aside aria-label=\"Steps\">\n<h2>Steps</h2>\n<ol id=\"steps\">\n";
     for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
       out_ << "<li><button type=\"button\">Step " << i + 1 << " <small>weight "
            << picture_.steps[i].weight << "</small></button>\n<ul>\n";

@@ -20,8 +20,8 @@ constexpr const char* style = R"(<style>
   }
   text { font: 13px system-ui, "Segoe UI", "Noto Sans", "DejaVu Sans", sans-serif;
          fill: var(--ink); unicode-bidi: isolate; white-space: pre; }
-  .heading { font-weight: 600; text-anchor: middle; }
-  .weight { font-size: 11px; fill: var(--quiet); text-anchor: middle; }
+  .heading { font-weight: 600; }
+  .weight { font-size: 11px; fill: var(--quiet); }
   .summary { font-size: 16px; font-weight: 600; }
   .key { font-size: 11px; fill: var(--quiet); }
   .quiet { fill: var(--quiet); }
@@ -105,13 +105,13 @@ class SvgWriter {
   }
 
   void writeHeading(std::size_t column) const {
-    const int centre = lanes_.left(column) + lanes_.width(column) / 2;
+    const int left = lanes_.boxLeft(column);
     if (column == 0) {
-      out_ << text("heading", centre, SwimLanes::firstLaneTop - 28, "Start");
+      out_ << text("heading", left, SwimLanes::firstLaneTop - 28, "Start");
       return;
     }
-    out_ << text("heading", centre, SwimLanes::firstLaneTop - 28, "Step " + std::to_string(column))
-         << text("weight", centre, SwimLanes::firstLaneTop - 10,
+    out_ << text("heading", left, SwimLanes::firstLaneTop - 28, "Step " + std::to_string(column))
+         << text("weight", left, SwimLanes::firstLaneTop - 10,
                  "weight " + std::to_string(picture_.steps[column - 1].weight));
   }
 

@@ -37,7 +37,7 @@ SwimLanes::SwimLanes(const PathPicture& picture, const std::vector<std::vector<P
   for (std::size_t column = 0; column <= picture.steps.size(); ++column) {
     constexpr int gap = 12;
     const int offset = column == 0 ? boxPadding : arrowLength;
-    int widest = headingWidth(picture, column) + boxPadding;
+    int widest = offset + headingWidth(picture, column);
     for (const auto& row : cells) {
       if (row[column].kind == PathCell::Kind::unmoved) continue;
       widest = std::max(widest, offset + boxWidth(row[column]));

@@ -15,5 +15,7 @@ using Action = std::function<ExitStatus()>;
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
 void addPathCommand(CLI::App& program, Action& action);
+void addShowCommand(CLI::App& program, Action& action);
+void addStepsCommand(CLI::App& program, Action& action);
 
 }  // namespace evopath
