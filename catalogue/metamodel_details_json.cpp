@@ -4,6 +4,7 @@
 #include "catalogue/baseline_output.hpp"
 #include "catalogue/metamodel_details.hpp"
 #include "catalogue/printed_text.hpp"
+#include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -15,7 +16,7 @@ namespace {
 
 /// A range as a catalogue writes it: a text, or a pair of versions.
 ordered_json rangeToJson(const pathfinder::VersionRange& range) {
-  if (!range.isSemVerRange()) return textOf(range);
+  if (const auto single = findSingleVersion(range)) return textOf(*single);
   return ordered_json::array(
       {textOf(range.getSemVerRange().lower), textOf(range.getSemVerRange().upper)});
 }

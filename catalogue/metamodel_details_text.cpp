@@ -6,6 +6,7 @@
 #include "catalogue/display_text.hpp"
 #include "catalogue/metamodel_details.hpp"
 #include "catalogue/printed_text.hpp"
+#include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -66,7 +67,7 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
   out << "\n";
   LabelledList needs("needs", out);
   for (const Dependency& dependency : version.metamodel.descriptor.dependencies) {
-    needs.add(visibleName(dependency.name) + " " + visible(dependency.range));
+    needs.add(visibleName(dependency.name) + " " + toVisible(rangeText(dependency.range)));
   }
   writeHops(version, out);
   writeVariants(version, out);

@@ -14,6 +14,7 @@ using Action = std::function<ExitStatus()>;
 /// it does.
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
+void addGraphCommand(CLI::App& program, Action& action);
 void addPathCommand(CLI::App& program, Action& action);
 void addShowCommand(CLI::App& program, Action& action);
 void addStepsCommand(CLI::App& program, Action& action);

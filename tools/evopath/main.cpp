@@ -8,8 +8,8 @@ int main(int argc, char** argv) {
                    "evopath");
   program.require_subcommand(0, 1);  // with none, what stands in its place is named
   evopath::Action action;
-  for (const evopath::AddCommand addCommand :
-       {evopath::addPathCommand, evopath::addShowCommand, evopath::addStepsCommand}) {
+  for (const evopath::AddCommand addCommand : {evopath::addGraphCommand, evopath::addPathCommand,
+                                               evopath::addShowCommand, evopath::addStepsCommand}) {
     addCommand(program, action);
   }
   try {
