@@ -45,6 +45,13 @@ void writeEdge(const std::string& from, const std::string& to, bool isExpensive,
   out << ";\n";
 }
 
+/// Keeps a step to the right of the one before it also when they share no metamodel.
+void writeOrder(const PathPicture& picture, std::size_t column, std::ostream& out) {
+  if (column < 2) return;
+  out << "  " << nodeId(picture.steps[column - 2].moves.front().lane, column - 1) << " -> "
+      << nodeId(picture.steps[column - 1].moves.front().lane, column) << " [style=invis];\n";
+}
+
 }  // namespace
 
 void writePathDot(const PathPicture& picture, std::ostream& out) {
@@ -65,6 +72,7 @@ void writePathDot(const PathPicture& picture, std::ostream& out) {
                 enters ? ", style=\"rounded,filled,dashed\"" : "", out);
     }
     out << "  }\n";
+    writeOrder(picture, column, out);
     for (const PathPicture::Move& move : step.moves) {
       if (move.kind != PathPicture::MoveKind::entering) {
         writeEdge(nodeId(move.lane, columnOf[move.lane]), nodeId(move.lane, column),

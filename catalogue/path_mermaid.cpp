@@ -34,6 +34,13 @@ void writeStart(const PathPicture& picture, std::ostream& out) {
   out << "  end\n";
 }
 
+/// Keeps a step to the right of the one before it also when they share no metamodel.
+void writeOrder(const PathPicture& picture, std::size_t column, std::ostream& out) {
+  if (column < 2) return;
+  out << "  " << nodeId(picture.steps[column - 2].moves.front().lane, column - 1) << " ~~~ "
+      << nodeId(picture.steps[column - 1].moves.front().lane, column) << "\n";
+}
+
 }  // namespace
 
 void writePathMermaid(const PathPicture& picture, std::ostream& out) {
@@ -51,6 +58,7 @@ void writePathMermaid(const PathPicture& picture, std::ostream& out) {
                 enters ? ":::entering" : "", out);
     }
     out << "  end\n";
+    writeOrder(picture, column, out);
     for (const PathPicture::Move& move : step.moves) {
       if (move.kind != PathPicture::MoveKind::entering) {
         const bool isExpensive = move.kind == PathPicture::MoveKind::expensive;
