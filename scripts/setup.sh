@@ -9,6 +9,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
+  libxml2-utils                                    # tests: xmllint
 )
 
 missing=()
