@@ -9,4 +9,4 @@ scripts/setup.sh
 scripts/setup_browser.sh
 cmake --preset release --log-level=WARNING
 cmake --build --preset release --target evopath
-EVOPATH=build/release/tools/evopath/evopath SCREENSHOTS=${1:-} node --test tests/browser/
+EVOPATH=build/release/tools/evopath/evopath SCREENSHOTS=${1:-} node --test tests/browser/pages.test.mjs

@@ -24,7 +24,7 @@ struct StepsOptions {
   std::filesystem::path catalogue;
   std::vector<std::string> at;
   std::string direction = "any";
-  std::uint64_t limit = 50000;
+  std::uint64_t limit = 10000;
   bool json = false;
   OutputOption output;
 };
