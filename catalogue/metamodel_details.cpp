@@ -27,6 +27,16 @@ std::optional<SemVer> orderOf(const CatalogueMetamodel& metamodel) {
   return version.isSemVer() ? version.getSemVer() : metamodel.equivalent;
 }
 
+std::vector<CatalogueMetamodel> listInOrder(BrowsableRepository& repository,
+                                            const std::u16string& name) {
+  auto versions = repository.listMetamodels(name);
+  std::stable_sort(versions.begin(), versions.end(),
+                   [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
+                     return orderOf(left) < orderOf(right);
+                   });
+  return versions;
+}
+
 /// The hops of a metamodel by version, so that a long history is gone through once.
 class HopsByVersion {
  public:
@@ -62,15 +72,11 @@ class HopsByVersion {
 }  // namespace
 
 MetamodelDetails describeMetamodel(BrowsableRepository& repository, const std::u16string& name) {
-  auto versions = repository.listMetamodels(name);
+  const auto versions = listInOrder(repository, name);
   if (versions.empty()) {
     throw std::invalid_argument("no metamodel \"" + toVisible(fl::i18n::ustring_to_utf8(name)) +
                                 "\"");
   }
-  std::stable_sort(versions.begin(), versions.end(),
-                   [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-                     return orderOf(left) < orderOf(right);
-                   });
   const HopsByVersion hops(repository, name);
   MetamodelDetails details{name, {}};
   for (const CatalogueMetamodel& version : versions) {
@@ -103,10 +109,12 @@ MetamodelDetails describeVersion(BrowsableRepository& repository, const std::u16
   return details;
 }
 
-std::vector<MetamodelDetails> describeAll(BrowsableRepository& repository) {
-  std::vector<MetamodelDetails> all;
+std::vector<MetamodelSummary> summariseAll(BrowsableRepository& repository) {
+  std::vector<MetamodelSummary> all;
   for (const std::u16string& name : repository.listNames()) {
-    all.push_back(describeMetamodel(repository, name));
+    const auto versions = listInOrder(repository, name);
+    all.push_back({name, versions.size(), versions.front().descriptor.version,
+                   versions.back().descriptor.version});
   }
   return all;
 }

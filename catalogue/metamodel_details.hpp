@@ -40,16 +40,25 @@ TARN_EVOLUTION_CATALOGUE_EXPORT MetamodelDetails
 describeVersion(BrowsableRepository& repository, const std::u16string& name,
                 const pathfinder::VersionId& version);
 
-/// All metamodels of the repository, by ascending name.
-TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<MetamodelDetails> describeAll(
+/// How far the versions of a metamodel go, in the order of `MetamodelDetails`.
+struct TARN_EVOLUTION_CATALOGUE_EXPORT MetamodelSummary {
+  std::u16string name;
+  std::size_t count;  ///< of versions
+  pathfinder::VersionId first;
+  pathfinder::VersionId last;
+};
+
+/// All metamodels of the repository, by ascending name. Reads every version once, the versions of
+/// one name at a time.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<MetamodelSummary> summariseAll(
     BrowsableRepository& repository);
 
 /// A line for each metamodel: how many versions, the first and the last.
-TARN_EVOLUTION_CATALOGUE_EXPORT void writeSummaryText(const std::vector<MetamodelDetails>& all,
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeSummaryText(const std::vector<MetamodelSummary>& all,
                                                       Colouring colouring, std::ostream& out);
 
 /// {"metamodels": [{"name", "versions", "first", "last"}]}, "versions" being their number.
-TARN_EVOLUTION_CATALOGUE_EXPORT void writeSummaryJson(const std::vector<MetamodelDetails>& all,
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeSummaryJson(const std::vector<MetamodelSummary>& all,
                                                       std::ostream& out);
 
 /// Each version with what it needs and its hops, and its variants when they were asked for.

@@ -52,13 +52,13 @@ void print(const char* field, const ordered_json& list, std::ostream& out) {
 
 }  // namespace
 
-void writeSummaryJson(const std::vector<MetamodelDetails>& all, std::ostream& out) {
+void writeSummaryJson(const std::vector<MetamodelSummary>& all, std::ostream& out) {
   ordered_json list = ordered_json::array();
-  for (const MetamodelDetails& details : all) {
-    list.push_back({{"name", fl::i18n::ustring_to_utf8(details.name)},
-                    {"versions", details.versions.size()},
-                    {"first", textOf(details.versions.front().metamodel.descriptor.version)},
-                    {"last", textOf(details.versions.back().metamodel.descriptor.version)}});
+  for (const auto& [name, count, first, last] : all) {
+    list.push_back({{"name", fl::i18n::ustring_to_utf8(name)},
+                    {"versions", count},
+                    {"first", textOf(first)},
+                    {"last", textOf(last)}});
   }
   print("metamodels", list, out);
 }

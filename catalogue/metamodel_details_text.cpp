@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iomanip>
 #include <map>
 #include <ostream>
 
@@ -75,21 +76,17 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
 
 }  // namespace
 
-void writeSummaryText(const std::vector<MetamodelDetails>& all, Colouring colouring,
+void writeSummaryText(const std::vector<MetamodelSummary>& all, Colouring colouring,
                       std::ostream& out) {
   std::size_t nameColumns = countColumns("Metamodel");
-  for (const MetamodelDetails& details : all) {
-    nameColumns = std::max(nameColumns, countColumns(visibleName(details.name)));
+  for (const MetamodelSummary& summary : all) {
+    nameColumns = std::max(nameColumns, countColumns(visibleName(summary.name)));
   }
   out << emphasise(padTo(nameColumns, "Metamodel") + "  Versions", colouring) << "\n";
-  for (const MetamodelDetails& details : all) {
-    const std::string count = std::to_string(details.versions.size());
-    out << padTo(nameColumns, visibleName(details.name)) << "  "
-        << std::string(8 - std::min<std::size_t>(8, count.size()), ' ') << count << "  "
-        << visible(details.versions.front().metamodel.descriptor.version);
-    if (details.versions.size() > 1) {
-      out << " .. " << visible(details.versions.back().metamodel.descriptor.version);
-    }
+  for (const auto& [name, count, first, last] : all) {
+    out << padTo(nameColumns, visibleName(name)) << "  " << std::setw(8) << count << "  "
+        << visible(first);
+    if (count > 1) out << " .. " << visible(last);
     out << "\n";
   }
 }

@@ -47,7 +47,7 @@ ExitStatus showBaselines(const ShowOptions& options, catalogue::BrowsableReposit
 
 void showSummary(const ShowOptions& options, catalogue::BrowsableRepository& repository,
                  std::ostream& out) {
-  const auto all = catalogue::describeAll(repository);
+  const auto all = catalogue::summariseAll(repository);
   if (options.json) {
     catalogue::writeSummaryJson(all, out);
   } else {
