@@ -32,7 +32,7 @@ void writeGraphDot(const CatalogueGraph& graph, std::ostream& out) {
   for (const auto& [from, to, isExpensive] : graph.hops) {
     out << "  " << idOf(from) << " -> " << idOf(to);
     if (isExpensive) {
-      out << " [color=\"#b34700:white:#b34700\", fontcolor=\"#b34700\", label=\"expensive\"]";
+      out << R"( [color="#b34700:white:#b34700", fontcolor="#b34700", label="expensive"])";
     }
     out << ";\n";
   }

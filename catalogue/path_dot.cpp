@@ -31,7 +31,7 @@ void writeStart(const PathPicture& picture, std::ostream& out) {
     const PathPicture::Lane& start = picture.lanes[lane];
     if (start.start.empty()) continue;
     writeNode(nodeId(lane, 0), start.name, start.start,
-              start.isMoved ? "" : ", color=\"#999999\", fontcolor=\"#595959\"", out);
+              start.isMoved ? "" : R"(, color="#999999", fontcolor="#595959")", out);
   }
   out << "  }\n";
 }

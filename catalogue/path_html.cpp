@@ -43,7 +43,7 @@ class PageWriter {
  private:
   void writeHead() const {
     out_ << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+            R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; )"
             "style-src 'unsafe-inline'; script-src 'unsafe-inline'; img-src data:\">\n"
             "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
             "<link rel=\"icon\" href=\"data:,\">\n<title>Evolution path: "
@@ -75,9 +75,9 @@ class PageWriter {
 
   void writeLanes() const {
     out_ << "<section id=\"picture\" tabindex=\"0\" aria-label=\"Swim lanes\">\n<table>\n"
-            "<thead><tr><th scope=\"col\">Metamodel</th><th scope=\"col\">Start</th>";
+            R"(<thead><tr><th scope="col">Metamodel</th><th scope="col">Start</th>)";
     for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
-      out_ << "<th scope=\"col\"><button type=\"button\" tabindex=\"-1\">Step " << i + 1
+      out_ << R"(<th scope="col"><button type="button" tabindex="-1">Step )" << i + 1
            << "<small>weight " << picture_.steps[i].weight << "</small></button></th>";
     }
     out_ << "</tr></thead>\n<tbody>\n";
@@ -89,7 +89,7 @@ class PageWriter {
   void writeLane(const PathPicture::Lane& lane, const std::vector<PathCell>& cells) const {
     const std::string name = escapeXml(lane.name);
     out_ << "<tr data-name=\"" << name << "\"" << (lane.isMoved ? "" : " class=\"unmoved\"")
-         << "><th scope=\"row\" title=\"" << name << "\"><bdi>" << name << "</bdi></th>";
+         << R"(><th scope="row" title=")" << name << "\"><bdi>" << name << "</bdi></th>";
     bool begins = true;
     for (const PathCell& cell : cells) {
       writeCell(lane, cell, begins);
@@ -114,7 +114,7 @@ class PageWriter {
     out_ << ">";
     if (cell.isTiedUpward) out_ << "<i class=\"tie up\"></i>";
     if (cell.isTiedDownward) out_ << "<i class=\"tie down\"></i>";
-    if (cell.move != nullptr) out_ << "<i class=\"way\"></i><i class=\"dot\"></i>";
+    if (cell.move != nullptr) out_ << R"(<i class="way"></i><i class="dot"></i>)";
     if (cell.move != nullptr || cell.kind == PathCell::Kind::start) writeBox(cell);
     out_ << "</td>";
   }
@@ -123,7 +123,7 @@ class PageWriter {
     out_ << "<span class=\"box\"><bdi>" << escapeXml(cell.version) << "</bdi>";
     if (cell.move != nullptr && cell.move->kind != MoveKind::ordinary) {
       const bool enters = cell.move->kind == MoveKind::entering;
-      out_ << "<span class=\"badge\" aria-hidden=\"true\">" << (enters ? "+" : "!")
+      out_ << R"(<span class="badge" aria-hidden="true">)" << (enters ? "+" : "!")
            << "</span><span class=\"unseen\">" << (enters ? "brought in" : "expensive")
            << "</span>";
     }

@@ -182,8 +182,8 @@ class SvgWriter {
     const bool isDear = kind == PathPicture::MoveKind::expensive;
     const int from = lanes_.left(column) + (enters ? SwimLanes::tieOffset : 0);
     writeArrow(from, lanes_.boxLeft(column), y, isDear);
-    out_ << "<circle class=\"tip\" cx=\"" << lanes_.left(column) + SwimLanes::tieOffset
-         << "\" cy=\"" << y << "\" r=\"4\"/>";
+    out_ << R"(<circle class="tip" cx=")" << lanes_.left(column) + SwimLanes::tieOffset
+         << "\" cy=\"" << y << R"(" r="4"/>)";
   }
 
   void writeArrow(int from, int to, int y, bool isDouble) const {
@@ -192,12 +192,12 @@ class SvgWriter {
     } else {
       out_ << line("way", from, y, to - 7, y);
     }
-    out_ << "<path class=\"tip\" d=\"M" << to - 1 << " " << y << "l-10 -6v12z\"/>";
+    out_ << R"(<path class="tip" d="M)" << to - 1 << " " << y << "l-10 -6v12z\"/>";
   }
 
   void writeBadge(PathPicture::MoveKind kind, int left, int y) const {
-    out_ << "<circle class=\"badge\" cx=\"" << left + 5 << "\" cy=\"" << y << "\" r=\"7\"/>"
-         << "<path class=\"mark\" d=\"M" << left + 5 << " ";
+    out_ << R"(<circle class="badge" cx=")" << left + 5 << "\" cy=\"" << y << R"(" r="7"/>)"
+         << R"(<path class="mark" d="M)" << left + 5 << " ";
     if (kind == PathPicture::MoveKind::expensive) {
       out_ << y - 4 << "v4.5m0 3v.2\"/>";
     } else {
