@@ -1,4 +1,3 @@
-#include <map>
 #include <ostream>
 #include <string>
 

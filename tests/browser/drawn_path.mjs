@@ -1,6 +1,6 @@
 // Catalogues whose question has a path of a known size, and what evopath draws of it.
 import { execFileSync } from "node:child_process";
-import { mkdtempSync, readFileSync, writeFileSync } from "node:fs";
+import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 
@@ -54,6 +54,7 @@ function makeCatalogue(lanes, steps) {
 }
 
 const folder = mkdtempSync(join(tmpdir(), "evopath-pages-"));
+process.on("exit", () => rmSync(folder, { recursive: true }));
 
 /** The file that evopath writes for a path of so many metamodels and steps. */
 export function draw(lanes, steps, format) {
@@ -62,8 +63,5 @@ export function draw(lanes, steps, format) {
   writeFileSync(catalogue, JSON.stringify(makeCatalogue(lanes, steps)));
   execFileSync(process.env.EVOPATH,
                ["path", catalogue, "--question", "--format", format, "--output", file]);
-  readFileSync(file);
   return file;
 }
-
-export const hostileName = nameOf(2);
