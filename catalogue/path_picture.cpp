@@ -9,7 +9,6 @@
 namespace tarn::evolution::catalogue {
 
 using pathfinder::BaselineHop;
-using pathfinder::Hop;
 using pathfinder::VersionBaseline;
 
 namespace {

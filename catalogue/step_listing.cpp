@@ -79,6 +79,7 @@ std::vector<StepListing> listSteps(BrowsableRepository& repository, const Select
   }
   if (combinations > limit) throw TooManyCombinations(combinations, limit);
   std::vector<StepListing> listings;
+  listings.reserve(baselines.size());
   for (const VersionBaseline& baseline : baselines) {
     listings.push_back(
         {baseline, groupSteps(repository, baseline, repository.getStepsFrom(baseline, direction))});

@@ -58,6 +58,7 @@ void showSummary(const ShowOptions& options, catalogue::BrowsableRepository& rep
 void showDetails(const ShowOptions& options, catalogue::BrowsableRepository& repository,
                  std::ostream& out) {
   std::vector<catalogue::MetamodelDetails> details;
+  details.reserve(options.names.size());
   for (const std::string& name : options.names) details.push_back(describe(repository, name));
   if (options.json) {
     catalogue::writeDetailsJson(details, out);
