@@ -8,7 +8,9 @@ packages=(
   libboost-log1.81-dev                             # brings the Boost 1.81 headers as well
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libsqlite3-dev                                   # catalogue stores
+  libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
+  libxml2-utils                                    # tests: xmllint
 )
 
 missing=()

@@ -1,22 +1,19 @@
 // Runs the real program.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
+
+#include "support/evopath_program.hpp"
 
 namespace test {
 namespace {
 
 using namespace std::string_literals;
 
-/// Runs evopath in a folder of its own that holds "small.json".
-class Evopath : public testing::Test {
+/// Runs evopath in a folder that holds "small.json".
+class Evopath : public testing::Test, protected EvopathProgram {
  protected:
   Evopath() {
-    std::filesystem::create_directories(folder_);
     write("small.json", R"({
       "metamodels": [
         {"name": "A", "version": "1.0.0", "dependencies": []},
@@ -28,25 +25,6 @@ class Evopath : public testing::Test {
       "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false},
                {"name": "B", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
   }
-  ~Evopath() override { std::filesystem::remove_all(folder_); }
-
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name) << text;
-  }
-
-  /// The exit status, and what goes to standard output.
-  std::pair<int, std::string> run(const std::string& arguments) const {
-    const std::string command = "cd '" + folder_.string() + "' && '" EVOPATH_PROGRAM "' ";
-    FILE* pipe = popen((command + arguments).c_str(), "r");
-    std::string output;
-    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-  }
-
- private:
-  const std::filesystem::path folder_ =
-      std::filesystem::temp_directory_path() / std::to_string(getpid());
 };
 
 TEST_F(Evopath, PrintsStepsMovesAndWeights) {

@@ -15,11 +15,14 @@ using Action = std::function<ExitStatus()>;
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
 void addAddCommand(CLI::App& program, Action& action);
+void addCheckCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
+void addGraphCommand(CLI::App& program, Action& action);
 void addImportCommand(CLI::App& program, Action& action);
-void addCheckCommand(CLI::App& program, Action& action);
 void addPathCommand(CLI::App& program, Action& action);
 void addRemoveCommand(CLI::App& program, Action& action);
+void addShowCommand(CLI::App& program, Action& action);
+void addStepsCommand(CLI::App& program, Action& action);
 
 }  // namespace evopath

@@ -8,7 +8,7 @@
 #include "explanation_json.hpp"
 #include "explanation_status.hpp"
 #include "explanation_text.hpp"
-#include "path_report.hpp"
+#include "no_path_report.hpp"
 #include "question_options.hpp"
 
 namespace evopath {

@@ -1,6 +1,6 @@
 #include "explanation_json.hpp"
 
-#include "path_report.hpp"
+#include "catalogue/step_json.hpp"
 #include "phrases.hpp"
 
 namespace evopath {
@@ -10,6 +10,7 @@ using nlohmann::ordered_json;
 using tarn::evolution::pathfinder::BaselineHop;
 using tarn::evolution::pathfinder::Dependency;
 using tarn::evolution::pathfinder::Hop;
+using tarn::evolution::pathfinder::VersionBaseline;
 using tarn::evolution::pathfinder::VersionId;
 using tarn::evolution::pathfinder::VersionRange;
 using tarn::evolution::pathfinder::VersionRepository;
@@ -170,7 +171,8 @@ class ReasonJson {
 
  private:
   ordered_json stepsOf(const std::vector<BaselineHop>& path) const {
-    return stepsJson(reportPath(weigh_, path));
+    const auto source = path.empty() ? VersionBaseline{} : path.front().from;
+    return stepsToJson(drawPath(weigh_, source, path));
   }
 
   const VersionRepository& weigh_;

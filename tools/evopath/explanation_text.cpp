@@ -4,12 +4,13 @@
 #include <iomanip>
 #include <ostream>
 
-#include "path_report.hpp"
+#include "catalogue/path_text.hpp"
 #include "phrases.hpp"
 
 namespace evopath {
 
 using namespace tarn::evolution::catalogue;
+using tarn::evolution::pathfinder::VersionBaseline;
 using tarn::evolution::pathfinder::VersionId;
 using tarn::evolution::pathfinder::VersionRepository;
 
@@ -266,7 +267,8 @@ class Details {
   }
 
   void printPath(const std::vector<tarn::evolution::pathfinder::BaselineHop>& path) {
-    printText(reportPath(weigh_, path), out_);
+    const auto source = path.empty() ? VersionBaseline{} : path.front().from;
+    writePathText(drawPath(weigh_, source, path), Colouring::plain, out_);
   }
 
   const VersionRepository& weigh_;

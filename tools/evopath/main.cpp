@@ -9,7 +9,8 @@ int main(int argc, char** argv) {
   program.require_subcommand(0, 1);  // with none, what stands in its place is named
   evopath::Action action;
   for (const evopath::AddCommand addCommand :
-       {evopath::addPathCommand, evopath::addExplainCommand, evopath::addCheckCommand,
+       {evopath::addPathCommand, evopath::addExplainCommand, evopath::addStepsCommand,
+        evopath::addShowCommand, evopath::addGraphCommand, evopath::addCheckCommand,
         evopath::addImportCommand, evopath::addExportCommand, evopath::addAddCommand,
         evopath::addRemoveCommand}) {
     addCommand(program, action);

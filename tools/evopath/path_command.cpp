@@ -1,14 +1,18 @@
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 #include "catalogue/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/path_picture.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
 #include "explanation_text.hpp"
 #include "messages/messages.hpp"
-#include "path_report.hpp"
+#include "no_path_report.hpp"
+#include "output_option.hpp"
+#include "path_format.hpp"
 #include "platform/exception.hpp"
 #include "platform/in_memory/logging.hpp"
 #include "question_options.hpp"
@@ -17,13 +21,15 @@ namespace evopath {
 
 using namespace tarn::evolution::catalogue;
 using tarn::evolution::pathfinder::BaselineHop;
+using tarn::evolution::pathfinder::VersionBaseline;
 using ConflictingDependencies =
     foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
 
 namespace {
 
 struct PathOptions : QuestionOptions {
-  bool json = false;
+  PathFormatOption form;
+  OutputOption output;
   bool trace = false;
 };
 
@@ -45,19 +51,39 @@ std::optional<std::vector<BaselineHop>> findPath(BrowsableRepository& repository
   }
 }
 
+void printNoPath(const NoPathReport& report, const PathOptions& options) {
+  if (options.form.isPicture()) {
+    printText(report, std::cerr);
+    return;
+  }
+  std::ostringstream text;
+  (options.form.format == PathFormat::json ? printJson : printText)(report, text);
+  options.output.write(text.str());
+}
+
+/// The baseline to draw the path from. A path without steps names none.
+VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions& options,
+                         BrowsableRepository& repository, const Question& question) {
+  if (!path.empty()) return path.front().from;
+  if (!options.form.isPicture()) return {};
+  const auto sources = repository.combine(question.from);
+  return sources.empty() ? VersionBaseline{} : sources.front();
+}
+
 ExitStatus runPath(const PathOptions& options) {
   if (options.trace) traceToStandardError();
   const auto repository = openCatalogue(options.catalogue);
   const Question question = options.ask(*repository);
   const UnknownEntries unknown = findUnknown(*repository, question);
   if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
-  const auto print = options.json ? printJson : printText;
   if (const auto path = findPath(*repository, question)) {
-    print(reportPath(*repository, *path), std::cout);
+    const auto picture =
+        drawPath(*repository, sourceOf(*path, options, *repository, question), *path);
+    options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
     return found;
   }
   const Explanation explanation = explain(*repository, question);
-  print(reportNoPath(*repository, explanation), std::cout);
+  printNoPath(reportNoPath(*repository, explanation), options);
   return statusOf(explanation);
 }
 
@@ -68,12 +94,12 @@ void addPathCommand(CLI::App& program, Action& action) {
   CLI::App* path =
       program.add_subcommand("path", "Find the least-weight path between two selections");
   options->addTo(*path);
-  path->add_flag("--json", options->json, "Print the answer as JSON");
+  options->form.addTo(*path);
+  options->output.addTo(*path);
   path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");
   path->footer(
       "Exit status: 0 a path was found, 1 there is none, 2 bad usage or input.\n"
-      "Example: evopath path data/operators.json --from cert-manager=1.12.1 --to "
-      "cert-manager=1.14.2");
+      "Example: evopath path data/operators.json --question --format html --output path.html");
   path->callback([options, &action] { action = [options] { return runPath(*options); }; });
 }
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <unordered_map>
+
+#include "pathfinder/version_baseline.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using LinkedByName =
+    std::unordered_map<std::u16string, std::shared_ptr<pathfinder::LinkedMetamodel>>;
+
+/// "A 1.0.0, B 2.0.0", by ascending name, safe to print.
+std::string listMembers(const LinkedByName& members);
+inline std::string listMembers(const pathfinder::VersionBaseline& baseline) {
+  return listMembers(baseline.metamodels);
+}
+
+/// {"A": "1.0.0", "B": "2.0.0"}, by ascending name.
+nlohmann::ordered_json membersToJson(const LinkedByName& members);
+inline nlohmann::ordered_json membersToJson(const pathfinder::VersionBaseline& baseline) {
+  return membersToJson(baseline.metamodels);
+}
+
+}  // namespace tarn::evolution::catalogue

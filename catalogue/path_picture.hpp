@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "pathfinder/version_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// What a path does, ready to be shown: a lane for each metamodel, a column for each step. All
+/// texts are UTF-8 as the catalogue has them; it is for the writers to escape them.
+struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
+  enum class MoveKind {
+    ordinary,
+    expensive,
+    entering,  ///< not held before: a link of another metamodel brings it in
+  };
+
+  /// One metamodel's part in a step.
+  struct Move {
+    std::size_t lane;
+    std::string from;  ///< empty for one that enters
+    std::string to;
+    MoveKind kind;
+  };
+
+  struct Step {
+    std::vector<Move> moves;  ///< hops by ascending lane, then what enters, by ascending lane
+    std::uint64_t weight;
+  };
+
+  struct Lane {
+    std::string name;
+    std::string start;  ///< its version before the first step; empty when it is brought in later
+    bool isMoved;       ///< whether any step moves it or brings it in
+  };
+
+  std::vector<Lane> lanes;  ///< by ascending name
+  std::vector<Step> steps;
+  std::uint64_t weight = 0;  ///< of all steps
+};
+
+/// The picture of a path that starts at `source`, or of `source` alone when there are no steps.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
+drawPath(const pathfinder::VersionRepository& repository, const pathfinder::VersionBaseline& source,
+         const std::vector<pathfinder::BaselineHop>& path);
+
+/// One place of the picture: a lane at a step, or at the start.
+struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
+  enum class Kind {
+    absent,  ///< not held yet
+    start,
+    unmoved,
+    move,
+  };
+
+  Kind kind = Kind::absent;
+  std::string version;                      ///< held here; empty when absent
+  const PathPicture::Move* move = nullptr;  ///< of kind `move`; refers to the picture
+
+  /// Which parts of a line that ties the step's moves together cross this place.
+  bool isTiedUpward = false;
+  bool isTiedDownward = false;
+};
+
+/// The places of a picture, by lane, then by column; column 0 is the start, column n step n.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<std::vector<PathCell>> layOutCells(
+    const PathPicture& picture);
+
+/// "9 steps, weight 27".
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string summarise(const PathPicture& picture);
+
+/// "kuadrant-operator from 0.4.0 to 0.4.1, expensive": a move in words.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string describe(const PathPicture& picture,
+                                                     const PathPicture::Move& move);
+
+}  // namespace tarn::evolution::catalogue

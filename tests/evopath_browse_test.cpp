@@ -1,0 +1,178 @@
+// Runs the commands that show and draw, with the real program.
+#include <gtest/gtest.h>
+
+#include "support/evopath_program.hpp"
+
+namespace test {
+namespace {
+
+/// A 2.0.0 and B can stand with either C; D has hops both ways; Z's versions are texts.
+class EvopathBrowse : public testing::Test, protected EvopathProgram {
+ protected:
+  EvopathBrowse() {
+    write("small.json", R"({
+      "metamodels": [
+        {"name": "A", "version": "2.0.0", "dependencies": [{"name": "C", "range": ["1.0.0", "3.0.0"]}]},
+        {"name": "A", "version": "1.0.0", "dependencies": [{"name": "C", "range": "1.0.0"}]},
+        {"name": "C", "version": "1.0.0", "dependencies": []},
+        {"name": "C", "version": "2.0.0", "dependencies": []},
+        {"name": "D", "version": "1.0.0", "dependencies": []},
+        {"name": "D", "version": "2.0.0", "dependencies": []},
+        {"name": "D", "version": "3.0.0", "dependencies": [{"name": "Z", "range": "none"}]},
+        {"name": "Z", "version": "spring", "semver": "1.5.0", "dependencies": []}],
+      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true},
+               {"name": "C", "from": "1.0.0", "to": "2.0.0", "expensive": false},
+               {"name": "D", "from": "2.0.0", "to": "1.0.0", "expensive": false},
+               {"name": "D", "from": "2.0.0", "to": "3.0.0", "expensive": false},
+               {"name": "D", "from": "1.0.0", "to": "2.0.0", "expensive": false}],
+      "question": {"from": {"A": "1.0.0"}, "to": {"A": "2.0.0"}}})");
+  }
+
+  void expect(const std::string& arguments, const std::string& output, int status = 0) {
+    EXPECT_EQ(run(arguments + " 2>&1"), std::pair(status, output)) << arguments;
+  }
+};
+
+TEST_F(EvopathBrowse, StepsByDirectionAndWeight) {
+  expect("steps small.json --at C=1.0,D=1.0",
+         "Forward 1, weight 2\n  C  1.0.0 -> 2.0.0\n"
+         "Forward 2, weight 2\n  D  1.0.0 -> 2.0.0\n"
+         "Forward 3, weight 3\n  C  1.0.0 -> 2.0.0\n  D  1.0.0 -> 2.0.0\n");
+  expect("steps small.json --at D=1.0 --direction backward", "No step leads out of it.\n");
+  expect("steps small.json --at A=2.0 --direction forward",
+         "Baseline 1 of 2: A 2.0.0, C 1.0.0\n"
+         "Forward 1, weight 2\n  C  1.0.0 -> 2.0.0\n\n"
+         "Baseline 2 of 2: A 2.0.0, C 2.0.0\nNo step leads out of it.\n");
+  const auto json = run("steps small.json --json --direction backward --at D=2.0").second;
+  EXPECT_NE(json.find(R"("direction": "backward")"), std::string::npos) << json;
+  EXPECT_EQ(json.find("forward"), std::string::npos);
+}
+
+TEST_F(EvopathBrowse, StepsCountBeforeTheyTry) {
+  std::string metamodels;
+  std::string hops;
+  std::string at;
+  for (int i = 0; i < 70; ++i) {
+    const std::string name = "M" + std::to_string(i);
+    for (const char* version : {"1.0", "2.0"}) {
+      metamodels += (metamodels.empty() ? "" : ",") + (R"({"name": ")" + name) +
+                    R"(", "dependencies": [], "version": ")" + version + "\"}";
+    }
+    hops += (i == 0 ? "" : ",") + (R"({"name": ")" + name) +
+            R"(", "from": "1.0", "to": "2.0", "expensive": false})";
+    at += (i == 0 ? "" : ",") + name + "=1.0";
+  }
+  write("wide.json", R"({"metamodels": [)" + metamodels + R"(], "hops": [)" + hops + "]}");
+  EXPECT_NE(run("steps wide.json 2>&1 --at " + at).second.find("more than 2^64 combinations"),
+            std::string::npos);
+  expect("steps wide.json --limit 7 --at M0=1.0,M1=1.0,M2=1.0",
+         "evopath: 8 combinations of hops leave the selection, more than the limit of 7; ask for "
+         "fewer metamodels, one direction or a higher --limit\n",
+         2);
+  EXPECT_EQ(run("steps wide.json --limit 8 --at M0=1.0,M1=1.0,M2=1.0").first, 0);
+  EXPECT_EQ(run("steps wide.json --direction backward --at " + at).first, 0);
+}
+
+TEST_F(EvopathBrowse, ShowsMetamodelsVersionsAndBaselines) {
+  expect("show small.json",
+         "Metamodel  Versions\n"
+         "A                 2  1.0.0 .. 2.0.0\n"
+         "C                 2  1.0.0 .. 2.0.0\n"
+         "D                 3  1.0.0 .. 3.0.0\n"
+         "Z                 1  spring\n");
+  expect("show small.json A D=3.0 Z=1.5",
+         "A\n"
+         "  1.0.0\n"
+         "    needs    C 1.0.0\n"
+         "    to       2.0.0  expensive\n"
+         "  2.0.0\n"
+         "    needs    C [1.0.0, 3.0.0)\n"
+         "    from     1.0.0  expensive\n"
+         "D\n"
+         "  3.0.0\n"
+         "    needs    Z none\n"
+         "    from     2.0.0\n"
+         "    linked   not at all: what it needs cannot stand together\n"
+         "Z\n"
+         "  spring = 1.5.0\n"
+         "    linked   alone\n");
+  expect("show small.json --at A=2.0,D=1.0",
+         "Baseline 1 of 2\n  A  2.0.0\n+ C  1.0.0\n  D  1.0.0\n"
+         "Baseline 2 of 2\n  A  2.0.0\n+ C  2.0.0\n  D  1.0.0\n");
+  auto json = run("show small.json A=2.0 --json").second;
+  std::erase_if(json, [](char character) { return character == ' ' || character == '\n'; });
+  EXPECT_EQ(json,
+            R"({"metamodels":[{"name":"A","versions":[{"version":"2.0.0","dependencies":[)"
+            R"({"name":"C","range":["1.0.0","3.0.0"]}],"hopsIn":[{"from":"1.0.0",)"
+            R"("expensive":true}],"hopsOut":[],"variants":[{"C":"1.0.0"},{"C":"2.0.0"}]}]}]})");
+}
+
+TEST_F(EvopathBrowse, SaysWhatItCannotShow) {
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"show small.json B", 2, "evopath: no metamodel \"B\"\n"},
+      {"show small.json A=3.0", 2, "evopath: no version 3.0.0 of metamodel \"A\"\n"},
+      {"show small.json --at A=1.0,C=2.0", 1, "No baseline: the versions cannot stand together.\n"},
+      {"steps small.json --at A=1.0,C=2.0", 1,
+       "No baseline: the versions cannot stand together.\n"},
+      {"graph small.json A B", 2, "evopath: no metamodel \"B\"\n"},
+      {"graph small.json --limit 3", 2,
+       "evopath: the graph has more than 3 versions, ranges, hops and dependencies; name fewer "
+       "metamodels or give a higher --limit\n"},
+      {"path small.json --question --output missing/a.svg --format svg", 2,
+       "evopath: missing/a.svg: cannot be written: No such file or directory\n"},
+      {"path small.json --from A=2.0 --to A=1.0 --format svg --output a.svg", 1,
+       "No path: no sequence of steps leads there.\n"},
+  };
+  for (const auto& [arguments, status, output] : cases) expect(arguments, output, status);
+  EXPECT_FALSE(std::filesystem::exists(folder() / "a.svg"));
+  EXPECT_EQ(runShell("PATH= '" EVOPATH_PROGRAM "' graph small.json --format svg 2>&1"),
+            std::pair(2, std::string("evopath: Graphviz is not installed: the program dot, which "
+                                     "lays out the graph, was not found\n")));
+}
+
+TEST_F(EvopathBrowse, DrawsHopsAndDependencies) {
+  const auto [status, alone] = run("graph small.json A --format mermaid");
+  EXPECT_EQ(alone,
+            "flowchart LR\n  subgraph m0[\"A\"]\n    m0v0[\"2.0.0\"]\n    m0v1[\"1.0.0\"]\n  end\n"
+            "  m0v1 ==>|expensive| m0v0\n");
+  const auto needed = run("graph small.json A --with-dependencies --format mermaid").second;
+  for (const char* line : {"m1v2([\"[1.0.0, 3.0.0): 2 versions\"])\n", "  m1v0 --> m1v1\n",
+                           "  m0v0 -.-> m1v2\n", "  m0v1 -.-> m1v0\n"}) {
+    EXPECT_NE(needed.find(line), std::string::npos) << line << needed;
+  }
+  EXPECT_EQ(run("graph small.json --format svg | xmllint --noout - 2>&1"),
+            std::pair(0, std::string()));
+}
+
+TEST_F(EvopathBrowse, WritesWholeFilesOrNone) {
+  const std::string text = run("path small.json --question").second;
+  write("old", "precious");
+  expect("path small.json --question --output old", "");
+  EXPECT_EQ(read("old"), text);
+  runShell("ln -s old link");
+  expect("path small.json --question --json --output link", "");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder() / "link"));
+  EXPECT_EQ(read("old"), run("path small.json --question --format json").second);
+  EXPECT_EQ(run("path small.json --question --output /dev/full 2>&1").second,
+            "evopath: /dev/full: cannot be written: No space left on device\n");
+  EXPECT_EQ(run("path small.json --question 2>&1 >/dev/full").second,
+            "evopath: standard output: cannot be written: No space left on device\n");
+  EXPECT_EQ(runShell("ls").second, "link\nold\nsmall.json\n");
+}
+
+TEST_F(EvopathBrowse, ColoursOnATerminalOnly) {
+  const auto onTerminal = [&](const std::string& environment) {
+    return runShell("TERM=xterm " + environment +
+                    " script -qec \"'" EVOPATH_PROGRAM
+                    "' path small.json --question\" /dev/null </dev/null")
+        .second;
+  };
+  EXPECT_NE(onTerminal("NO_COLOR=").find("\x1b[1;33mexpensive\x1b[0m"), std::string::npos);
+  for (const char* environment : {"NO_COLOR=1", "TERM=dumb"}) {
+    EXPECT_EQ(onTerminal(environment).find('\x1b'), std::string::npos) << environment;
+  }
+  EXPECT_EQ(run("path small.json --question").second.find('\x1b'), std::string::npos);
+}
+
+}  // namespace
+}  // namespace test

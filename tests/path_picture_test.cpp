@@ -1,0 +1,160 @@
+#include "catalogue/path_picture.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "catalogue/graphviz.hpp"
+#include "catalogue/path_dot.hpp"
+#include "catalogue/path_html.hpp"
+#include "catalogue/path_mermaid.hpp"
+#include "catalogue/path_svg.hpp"
+#include "catalogue/path_text.hpp"
+#include "support/evopath_program.hpp"
+#include "support/test_repository.hpp"
+
+namespace test {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+using MoveKind = PathPicture::MoveKind;
+
+PathPicture draw(const std::string& catalogue, const std::string& from, const std::string& to) {
+  TestRepository repository(catalogue);
+  const auto source = repository.baseline(from);
+  return drawPath(repository, source,
+                  repository.findPath({source}, repository.baselines(to), forward).value());
+}
+
+/// The cells of each lane: the version where there is a box, "-" where one is held, blank where
+/// not. A bar before or after it stands for the line that ties moves.
+std::string describe(const PathPicture& picture) {
+  std::string text;
+  const auto cells = layOutCells(picture);
+  for (std::size_t lane = 0; lane < cells.size(); ++lane) {
+    text += picture.lanes[lane].name + ":";
+    for (const PathCell& cell : cells[lane]) {
+      text += cell.isTiedUpward ? " ^" : " ";
+      if (cell.kind == PathCell::Kind::start) text += cell.version.substr(0, 1);
+      if (cell.kind == PathCell::Kind::unmoved) text += "-";
+      if (cell.kind == PathCell::Kind::absent) text += ".";
+      if (cell.move != nullptr) {
+        text += cell.move->kind == MoveKind::entering ? "+" : ">";
+        text += cell.version.substr(0, 1) + (cell.move->kind == MoveKind::expensive ? "!" : "");
+      }
+      text += cell.isTiedDownward ? "v" : "";
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+/// A path in which A and D move together across B, C enters, and E never moves.
+const char* const lockstep = "A1 A2:D2 A3:D2+C1 A1>2 A2>3! B1 C1 D1..2 E1";
+
+TEST(PathPicture, LaysOutLanesAndTiesLockstepMoves) {
+  const PathPicture picture = draw(lockstep, "A1 B1 D1 E1", "A3");
+  EXPECT_EQ(describe(picture),
+            "A: 1 >2v >3!v\n"
+            "B: 1 ^-v ^-v\n"
+            "C: . ^.v ^+1\n"
+            "D: 1 ^>2 -\n"
+            "E: 1 - -\n");
+  EXPECT_EQ(summarise(picture), "2 steps, weight 1000000003");
+  EXPECT_FALSE(picture.lanes[1].isMoved);
+  EXPECT_TRUE(picture.lanes[2].isMoved);
+}
+
+TEST(PathPicture, OfNothingToDoIsTheSource) {
+  const PathPicture picture = draw("A1 B1", "A1 B1", "A1");
+  EXPECT_EQ(describe(picture), "A: 1\nB: 1\n");
+}
+
+/// A picture whose texts try to get out of every language.
+PathPicture makeHostile() {
+  PathPicture picture = draw(lockstep, "A1 B1 D1 E1", "A3");
+  const std::string hostile = "]]>--><x y=\"z\">&amp;\\n\\\"}\n\x1b[0m\u202E\x01 図👩\u200D🔧 `|#;";
+  for (PathPicture::Lane& lane : picture.lanes) lane.name += hostile;
+  for (PathPicture::Step& step : picture.steps) {
+    for (PathPicture::Move& move : step.moves) move.to += hostile;
+  }
+  return picture;
+}
+
+template <class Writer>
+std::string written(const Writer& write, const PathPicture& picture) {
+  std::ostringstream out;
+  write(picture, out);
+  return out.str();
+}
+
+std::size_t countOf(const std::string& part, const std::string& text) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
+  const EvopathProgram folder;
+  for (const PathPicture& picture : {makeHostile(), draw("A1", "A1", "A1"), PathPicture{}}) {
+    folder.write("path.svg", written(writePathSvg, picture));
+    EXPECT_EQ(folder.runShell("xmllint --noout --nonet path.svg 2>&1"),
+              std::pair(0, std::string()));
+    std::size_t boxes = 0;
+    for (const auto& row : layOutCells(picture)) {
+      boxes +=
+          static_cast<std::size_t>(std::count_if(row.begin(), row.end(), [](const PathCell& cell) {
+            return cell.kind == PathCell::Kind::start || cell.move != nullptr;
+          }));
+    }
+    EXPECT_EQ(countOf("class=\"box\"", folder.read("path.svg")), boxes);
+    EXPECT_EQ(countOf("<span class=\"box\"", written(writePathHtml, picture)), boxes);
+    EXPECT_EQ(countOf("<g id=\"node", drawWithGraphviz(written(writePathDot, picture))), boxes);
+    EXPECT_EQ(countOf("s0[\"", written(writePathMermaid, picture)) +
+                  countOf("s1[\"", written(writePathMermaid, picture)) +
+                  countOf("s2[\"", written(writePathMermaid, picture)),
+              boxes);
+  }
+}
+
+TEST(PathPicture, MermaidIsMadeOfKnownLines) {
+  const std::string line =
+      R"rx((flowchart LR|  subgraph step\d+\["[^"\n]*"\]|    direction TB|  end)rx"
+      R"rx(|    m\d+s\d+\["[^"<>\\`\n]*"\](:::(unmoved|entering))?)rx"
+      R"rx(|  m\d+s\d+ (-->|==>\|expensive\||~~~) m\d+s\d+|  classDef \w+ [-\w:,#]+))rx";
+  const EvopathProgram folder;
+  folder.write("path.mermaid", written(writePathMermaid, makeHostile()));
+  folder.write("lines", line);
+  EXPECT_EQ(folder.runShell("grep -vxPf lines path.mermaid").second, "");
+}
+
+TEST(PathPicture, TextIsAlignedByWhatTheTerminalShows) {
+  PathPicture picture = draw(lockstep, "A1 B1 D1 E1", "A3");
+  picture.lanes[0].name = "図形";
+  picture.lanes[3].name = "e\u0301\x1b";
+  const auto text = [&](Colouring colouring) {
+    std::ostringstream out;
+    writePathText(picture, colouring, out);
+    return out.str();
+  };
+  EXPECT_EQ(text(Colouring::plain),
+            "Step 1, weight 3\n"
+            "  図形     1.0.0 -> 2.0.0\n"
+            "  e\u0301\\u{1b}  1.0.0 -> 2.0.0\n"
+            "Step 2, weight 1000000000\n"
+            "  図形     2.0.0 -> 3.0.0  expensive\n"
+            "  C               + 1.0.0\n"
+            "2 steps, weight 1000000003\n");
+  std::string coloured = text(Colouring::terminal);
+  EXPECT_NE(coloured.find("\x1b[1mStep 1, weight 3\x1b[0m\n"), std::string::npos);
+  for (const char* sequence : {"\x1b[1m", "\x1b[0m", "\x1b[1;33m", "\x1b[36m"}) {
+    for (auto at = coloured.find(sequence); at != std::string::npos; at = coloured.find(sequence)) {
+      coloured.erase(at, std::string(sequence).size());
+    }
+  }
+  EXPECT_EQ(coloured, text(Colouring::plain));
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace test {
+
+/// Runs evopath in a folder of its own.
+class EvopathProgram {
+ public:
+  EvopathProgram() { std::filesystem::create_directories(folder_); }
+  EvopathProgram(const EvopathProgram&) = delete;
+  EvopathProgram& operator=(const EvopathProgram&) = delete;
+  ~EvopathProgram() { std::filesystem::remove_all(folder_); }
+
+  const std::filesystem::path& folder() const { return folder_; }
+
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ / name) << text;
+  }
+
+  std::string read(const std::string& name) const {
+    std::ifstream in(folder_ / name);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  /// The exit status of a shell command in the folder, and what it writes to standard output.
+  std::pair<int, std::string> runShell(const std::string& command) const {
+    FILE* pipe = popen(("cd '" + folder_.string() + "' && " + command).c_str(), "r");
+    std::string output;
+    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+  }
+
+  std::pair<int, std::string> run(const std::string& arguments) const {
+    return runShell("'" EVOPATH_PROGRAM "' " + arguments);
+  }
+
+ private:
+  const std::filesystem::path folder_ =
+      std::filesystem::temp_directory_path() / ("evopath-test-" + std::to_string(getpid()));
+};
+
+}  // namespace test

@@ -1,0 +1,78 @@
+#include <memory>
+#include <sstream>
+
+#include "catalogue/catalogue_graph.hpp"
+#include "catalogue/graphviz.hpp"
+#include "catalogue/open_catalogue.hpp"
+#include "catalogue/version_text.hpp"
+#include "command.hpp"
+#include "output_option.hpp"
+
+namespace evopath {
+
+namespace catalogue = tarn::evolution::catalogue;
+
+namespace {
+
+struct GraphOptions {
+  std::filesystem::path catalogue;
+  std::vector<std::string> names;
+  std::string format = "dot";
+  catalogue::GraphRequest request{{}, false, 1000};
+  OutputOption output;
+};
+
+catalogue::CatalogueGraph make(const GraphOptions& options) {
+  const auto repository = catalogue::openCatalogue(options.catalogue);
+  catalogue::GraphRequest request = options.request;
+  for (const std::string& name : options.names) {
+    request.names.push_back(catalogue::parseName(name));
+  }
+  try {
+    return catalogue::makeGraph(*repository, request);
+  } catch (const catalogue::GraphTooLarge& error) {
+    throw std::runtime_error(std::string(error.what()) +
+                             "; name fewer metamodels or give a higher --limit");
+  }
+}
+
+ExitStatus runGraph(const GraphOptions& options) {
+  const catalogue::CatalogueGraph graph = make(options);
+  std::ostringstream text;
+  if (options.format == "mermaid") {
+    catalogue::writeGraphMermaid(graph, text);
+  } else {
+    catalogue::writeGraphDot(graph, text);
+  }
+  options.output.write(options.format == "svg" ? catalogue::drawWithGraphviz(text.str())
+                                               : text.str());
+  return found;
+}
+
+}  // namespace
+
+void addGraphCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<GraphOptions>();
+  CLI::App* graph = program.add_subcommand("graph", "Draw the hops and dependencies of metamodels");
+  graph->add_option("catalogue", options->catalogue, "The catalogue")->required();
+  graph->add_option("names", options->names, "The metamodels to draw; with none, all")
+      ->type_name("NAME");
+  graph->add_flag("--with-dependencies", options->request.withDependencies,
+                  "Draw as well the versions that they need, directly or not");
+  graph->add_option("--format", options->format, "The form; svg needs Graphviz")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"dot", "svg", "mermaid"}))
+      ->capture_default_str();
+  graph
+      ->add_option("--limit", options->request.limit,
+                   "How many versions, ranges, hops and dependencies to draw at most")
+      ->capture_default_str();
+  options->output.addTo(*graph);
+  graph->footer(
+      "Exit status: 0 drawn, 2 bad usage or input, also a graph beyond the limit.\n"
+      "Example: evopath graph data/operators.json kuadrant-operator --with-dependencies "
+      "--format svg --output kuadrant.svg");
+  graph->callback([options, &action] { action = [options] { return runGraph(*options); }; });
+}
+
+}  // namespace evopath

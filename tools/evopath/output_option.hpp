@@ -1,0 +1,26 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <string>
+
+#include "catalogue/step_text.hpp"
+
+namespace evopath {
+
+/// Where a command's answer goes: standard output, or a file that then holds all of it or is left
+/// as it was.
+struct OutputOption {
+  std::filesystem::path file;  ///< empty for standard output
+
+  /// Adds --output to a command; it receives what is given, so this must outlive the parsing.
+  void addTo(CLI::App& command);
+
+  /// Throws std::runtime_error, naming the file, when it cannot be written.
+  void write(const std::string& text) const;
+
+  /// Colours for a terminal, unless NO_COLOR says otherwise.
+  tarn::evolution::catalogue::Colouring colouring() const;
+};
+
+}  // namespace evopath

@@ -1,0 +1,60 @@
+#include "path_format.hpp"
+
+#include <map>
+#include <sstream>
+
+#include "catalogue/path_dot.hpp"
+#include "catalogue/path_html.hpp"
+#include "catalogue/path_json.hpp"
+#include "catalogue/path_mermaid.hpp"
+#include "catalogue/path_svg.hpp"
+#include "catalogue/path_text.hpp"
+
+namespace evopath {
+
+namespace catalogue = tarn::evolution::catalogue;
+
+void PathFormatOption::addTo(CLI::App& command) {
+  static const std::map<std::string, PathFormat> byName{
+      {"text", PathFormat::text}, {"json", PathFormat::json}, {"html", PathFormat::html},
+      {"svg", PathFormat::svg},   {"dot", PathFormat::dot},   {"mermaid", PathFormat::mermaid}};
+  auto* formatOption =
+      command
+          .add_option_function<std::string>(
+              "--format", [this](const std::string& name) { format = byName.at(name); },
+              "How to show the path")
+          ->type_name("FORMAT")
+          ->check(CLI::IsMember(&byName));
+  command
+      .add_flag_callback(
+          "--json", [this] { format = PathFormat::json; }, "Short for --format json")
+      ->excludes(formatOption);
+}
+
+std::string renderPath(const catalogue::PathPicture& picture, PathFormat format,
+                       catalogue::Colouring colouring) {
+  std::ostringstream out;
+  switch (format) {
+    case PathFormat::text:
+      catalogue::writePathText(picture, colouring, out);
+      break;
+    case PathFormat::json:
+      catalogue::writePathJson(picture, out);
+      break;
+    case PathFormat::html:
+      catalogue::writePathHtml(picture, out);
+      break;
+    case PathFormat::svg:
+      catalogue::writePathSvg(picture, out);
+      break;
+    case PathFormat::dot:
+      catalogue::writePathDot(picture, out);
+      break;
+    case PathFormat::mermaid:
+      catalogue::writePathMermaid(picture, out);
+      break;
+  }
+  return out.str();
+}
+
+}  // namespace evopath

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "catalogue/path_picture.hpp"
+#include "catalogue/step_text.hpp"
+
+namespace evopath {
+
+/// The forms in which a path can be shown.
+enum class PathFormat { text, json, html, svg, dot, mermaid };
+
+/// The options --format and --json of a command.
+struct PathFormatOption {
+  PathFormat format = PathFormat::text;
+
+  /// Adds the options to a command; they set `format`, so this must outlive the parsing.
+  void addTo(CLI::App& command);
+
+  /// Whether the answer is a picture, which there is none of when there is no path.
+  bool isPicture() const { return format != PathFormat::text && format != PathFormat::json; }
+};
+
+/// The picture in that form.
+std::string renderPath(const tarn::evolution::catalogue::PathPicture& picture, PathFormat format,
+                       tarn::evolution::catalogue::Colouring colouring);
+
+}  // namespace evopath

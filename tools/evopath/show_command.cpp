@@ -1,0 +1,107 @@
+#include <memory>
+#include <sstream>
+
+#include "catalogue/metamodel_details.hpp"
+#include "catalogue/open_catalogue.hpp"
+#include "catalogue/version_text.hpp"
+#include "command.hpp"
+#include "output_option.hpp"
+#include "selection_argument.hpp"
+
+namespace evopath {
+
+namespace catalogue = tarn::evolution::catalogue;
+
+namespace {
+
+struct ShowOptions {
+  std::filesystem::path catalogue;
+  std::vector<std::string> names;
+  std::vector<std::string> at;
+  bool json = false;
+  OutputOption output;
+};
+
+/// What is to be shown for NAME or NAME=VERSION.
+catalogue::MetamodelDetails describe(catalogue::BrowsableRepository& repository,
+                                     const std::string& argument) {
+  if (argument.find('=') == std::string::npos) {
+    return catalogue::describeMetamodel(repository, catalogue::parseName(argument));
+  }
+  const auto selection = parseSelection("show", {argument});
+  const auto& [name, version] = *selection.begin();
+  return catalogue::describeVersion(repository, name, version);
+}
+
+ExitStatus showBaselines(const ShowOptions& options, catalogue::BrowsableRepository& repository,
+                         std::ostream& out) {
+  const auto selection = parseSelection("--at", options.at);
+  const auto baselines = repository.combine(selection);
+  if (options.json) {
+    catalogue::writeBaselinesJson(baselines, out);
+  } else {
+    catalogue::writeBaselinesText(baselines, selection, options.output.colouring(), out);
+  }
+  return baselines.empty() ? noPath : found;
+}
+
+void showSummary(const ShowOptions& options, catalogue::BrowsableRepository& repository,
+                 std::ostream& out) {
+  const auto all = catalogue::summariseAll(repository);
+  if (options.json) {
+    catalogue::writeSummaryJson(all, out);
+  } else {
+    catalogue::writeSummaryText(all, options.output.colouring(), out);
+  }
+}
+
+void showDetails(const ShowOptions& options, catalogue::BrowsableRepository& repository,
+                 std::ostream& out) {
+  std::vector<catalogue::MetamodelDetails> details;
+  details.reserve(options.names.size());
+  for (const std::string& name : options.names) details.push_back(describe(repository, name));
+  if (options.json) {
+    catalogue::writeDetailsJson(details, out);
+  } else {
+    catalogue::writeDetailsText(details, options.output.colouring(), out);
+  }
+}
+
+ExitStatus runShow(const ShowOptions& options) {
+  const auto repository = catalogue::openCatalogue(options.catalogue);
+  std::ostringstream text;
+  ExitStatus status = found;
+  if (!options.at.empty()) {
+    status = showBaselines(options, *repository, text);
+  } else if (options.names.empty()) {
+    showSummary(options, *repository, text);
+  } else {
+    showDetails(options, *repository, text);
+  }
+  options.output.write(text.str());
+  return status;
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<ShowOptions>();
+  CLI::App* show = program.add_subcommand("show", "Show what a catalogue holds");
+  show->add_option("catalogue", options->catalogue, "The catalogue")->required();
+  auto* names = show->add_option("names", options->names,
+                                 "Metamodels to show with all versions, or single versions, which "
+                                 "are linked as well; with none, every metamodel in one line")
+                    ->type_name("NAME[=VERSION]");
+  show->add_option("--at", options->at, "Show the consistent baselines of these versions instead")
+      ->type_name("NAME=VERSION[,...]")
+      ->delimiter(',')
+      ->excludes(names);
+  show->add_flag("--json", options->json, "Print the answer as JSON");
+  options->output.addTo(*show);
+  show->footer(
+      "Exit status: 0 shown, 1 the versions of --at cannot stand together, 2 bad usage or input.\n"
+      "Example: evopath show data/operators.json kuadrant-operator=0.11.1");
+  show->callback([options, &action] { action = [options] { return runShow(*options); }; });
+}
+
+}  // namespace evopath
