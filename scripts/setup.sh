@@ -5,9 +5,10 @@ set -euo pipefail
 packages=(
   g++ clang cmake ninja-build                      # compilers and build
   clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
-  libboost-log1.81-dev                             # brings the Boost 1.81 headers as well
+  libboost-log1.81-dev                             # brings the Boost 1.81 headers, Boost.Graph's too
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
+  python3 gringo                                   # benchmarks: their harness, and clingo to compare with
 )
 
 missing=()
