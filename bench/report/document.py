@@ -57,7 +57,7 @@ must have no path. A wrong answer fails the run.
 def document(results: Results) -> str:
     view = View(results)
     all_rows = rows(view)
-    met = sum(row.is_met for row in all_rows)
+    met = sum(row.is_met is True for row in all_rows)
     blocks = [
         "# Benchmarks",
         paragraph(
