@@ -49,8 +49,8 @@ everything here has one thread and waits for nothing.
 
 ANSWERS = """
 Every answer that is timed is checked. The least weight is known by construction for all families
-but random, where it has to be that of the product graph, or of clingo on larger catalogues; blocked
-must have no path. A wrong answer fails the run.
+but random, where it has to be that of the product graph, or, on larger catalogues, that of clingo
+where clingo has one; blocked must have no path. A wrong answer fails the run.
 """
 
 
