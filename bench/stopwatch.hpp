@@ -7,28 +7,30 @@
 
 namespace bench {
 
-/// Runs from its construction on, but not while this thread has to wait for others that use the
-/// processor. What it times waits for nothing else.
+/// Runs from its construction on. Over more than some milliseconds, not while this thread has to
+/// wait for others that use the processor; what it times waits for nothing else.
 class Stopwatch {
  public:
-  /// The time that has passed, or that this thread has run for, whichever is less: asking for the
-  /// latter takes half a microsecond, which the former leaves out.
   double seconds() const {
     const std::chrono::duration<double> passed = Clock::now() - begin_;
-    return std::min(passed.count(), threadSeconds() - threadBegin_);
+    return passed < short_ ? passed.count() : std::min(passed.count(), threadSeconds() - ran_);
   }
 
  private:
   using Clock = std::chrono::steady_clock;
 
+  /// The time that this thread has run for. Takes half a microsecond to ask for, and now and then
+  /// lags behind by some more.
   static double threadSeconds() {
     std::timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
   }
 
-  double threadBegin_ = threadSeconds();
-  Clock::time_point begin_ = Clock::now();  // last, so that the other one is not in it
+  static constexpr std::chrono::milliseconds short_{10};
+
+  double ran_ = threadSeconds();
+  Clock::time_point begin_ = Clock::now();  // last, so that asking for the other is not in it
 };
 
 /// The least of several measured times: what others do on the machine only ever adds to them.
