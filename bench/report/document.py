@@ -43,8 +43,8 @@ from the parsed catalogue does not. Floor and path, and likewise every other pai
 are measured in turns in one process, each many times in five repetitions that are interleaved with
 those of all other benchmarks; only engines that try everything get a single repetition. **The least
 time of each counts**: what others do on the machine only ever adds to a time. For the same reason,
-what takes longer than a moment is measured in processor time. But for the questions on two threads,
-everything here has one thread and waits for nothing.
+what takes more than some milliseconds is measured in processor time. But for the questions on two
+threads, everything here has one thread and waits for nothing.
 """
 
 ANSWERS = """

@@ -18,8 +18,8 @@ copying the path, which no cache of copies can do without.
 """
 
 THREADS = """
-The same asked by one thread and by two at once, each on its own time, the answer destroyed every
-time.
+The same asked by one thread and by two at once, and the answer destroyed every time. Here all time
+counts that passes, and what else the machine does shows.
 """
 
 TRACE = """
