@@ -2,8 +2,8 @@
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/sqlite_catalogue_repository.hpp"
-#include "catalogue/sqlite_open.hpp"
+#include "catalogue/store/sqlite_catalogue_repository.hpp"
+#include "catalogue/store/sqlite_open.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "catalogue/catalogue.hpp"
-#include "catalogue/question_side.hpp"
+#include "catalogue/explanation/question_side.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -10,7 +10,7 @@
 
 #include "ask_everything.hpp"
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/sqlite_catalogue_repository.hpp"
+#include "catalogue/store/sqlite_catalogue_repository.hpp"
 
 namespace {
 

@@ -5,12 +5,13 @@ set -euo pipefail
 packages=(
   g++ clang cmake ninja-build                      # compilers and build
   clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
-  libboost-log1.81-dev                             # brings the Boost 1.81 headers as well
+  libboost-log1.81-dev                             # brings the Boost 1.81 headers, Boost.Graph's too
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libsqlite3-dev                                   # catalogue stores
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
   libxml2-utils                                    # tests: xmllint
+  python3 gringo                                   # benchmarks: their harness, and clingo to compare with
 )
 
 missing=()

@@ -6,10 +6,10 @@
 #include <fstream>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/check.hpp"
-#include "catalogue/open_draft.hpp"
-#include "catalogue/sqlite_database.hpp"
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/check/check.hpp"
+#include "catalogue/check/open_draft.hpp"
+#include "catalogue/store/sqlite_database.hpp"
+#include "catalogue/store/store_transfer.hpp"
 #include "support/catalogue_json.hpp"
 
 namespace test {

@@ -1,4 +1,4 @@
-#include "catalogue/check.hpp"
+#include "catalogue/check/check.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
+#include "catalogue/check/json_draft.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/json_draft.hpp"
 #include "platform/exception.hpp"
 #include "support/catalogue_json.hpp"
 

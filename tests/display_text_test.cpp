@@ -1,8 +1,8 @@
-#include "catalogue/display_text.hpp"
+#include "catalogue/picture/display_text.hpp"
 
 #include <gtest/gtest.h>
 
-#include "catalogue/markup.hpp"
+#include "catalogue/picture/markup.hpp"
 
 namespace test {
 namespace {

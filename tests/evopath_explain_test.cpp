@@ -1,11 +1,9 @@
 // Explanations through the real program, over both forms of a catalogue.
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <map>
 
 #include "platform/text.hpp"
+#include "support/shell.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
@@ -17,13 +15,7 @@ class EvopathExplain : public StoreFolder {
  protected:
   /// The exit status, and what goes to standard output and standard error.
   std::pair<int, std::string> run(const std::string& arguments) const {
-    const std::string command =
-        "cd '" + folder_.string() + "' && '" EVOPATH_PROGRAM "' " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+    return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
   }
 
   /// "A=1.0.0,B=spring," for "A1 Bspring".

@@ -1,5 +1,5 @@
 // Explanations on random catalogues, held against plain enumeration of all that can be reached.
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 
 #include <gtest/gtest.h>
 

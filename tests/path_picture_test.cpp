@@ -1,16 +1,16 @@
-#include "catalogue/path_picture.hpp"
+#include "catalogue/picture/path_picture.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <sstream>
 
-#include "catalogue/graphviz.hpp"
-#include "catalogue/path_dot.hpp"
-#include "catalogue/path_html.hpp"
-#include "catalogue/path_mermaid.hpp"
-#include "catalogue/path_svg.hpp"
-#include "catalogue/path_text.hpp"
+#include "catalogue/picture/graphviz.hpp"
+#include "catalogue/picture/path_dot.hpp"
+#include "catalogue/picture/path_html.hpp"
+#include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_svg.hpp"
+#include "catalogue/picture/path_text.hpp"
 #include "support/evopath_program.hpp"
 #include "support/test_repository.hpp"
 

@@ -11,8 +11,9 @@
 #include <thread>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/store_editing.hpp"
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/store/store_editing.hpp"
+#include "catalogue/store/store_transfer.hpp"
+#include "support/shell.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
@@ -24,13 +25,7 @@ class StoreCommand : public StoreFolder {
  protected:
   /// The exit status, and what goes to standard output and standard error.
   std::pair<int, std::string> run(const std::string& arguments) const {
-    const std::string command =
-        "cd '" + folder_.string() + "' && '" EVOPATH_PROGRAM "' " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+    return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
   }
 
   /// Runs the program and kills it after a while. Whether it was killed before it ended.

@@ -4,9 +4,9 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/sqlite_schema.hpp"
-#include "catalogue/store_editing.hpp"
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/store/sqlite_schema.hpp"
+#include "catalogue/store/store_editing.hpp"
+#include "catalogue/store/store_transfer.hpp"
 #include "platform/exception.hpp"
 #include "support/store_folder.hpp"
 

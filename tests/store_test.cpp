@@ -4,9 +4,9 @@
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/sqlite_catalogue_repository.hpp"
-#include "catalogue/store_editing.hpp"
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/store/sqlite_catalogue_repository.hpp"
+#include "catalogue/store/store_editing.hpp"
+#include "catalogue/store/store_transfer.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "catalogue/json_draft.hpp"
+#include "catalogue/check/json_draft.hpp"
 #include "platform/text.hpp"
 
 namespace test {

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "catalogue/check.hpp"
+#include "catalogue/check/check.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <utility>
+
+#include "support/shell.hpp"
 
 namespace test {
 
@@ -33,11 +33,7 @@ class EvopathProgram {
 
   /// The exit status of a shell command in the folder, and what it writes to standard output.
   std::pair<int, std::string> runShell(const std::string& command) const {
-    FILE* pipe = popen(("cd '" + folder_.string() + "' && " + command).c_str(), "r");
-    std::string output;
-    for (int next = fgetc(pipe); next != EOF; next = fgetc(pipe)) output += static_cast<char>(next);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+    return runInFolder(folder_, command);
   }
 
   std::pair<int, std::string> run(const std::string& arguments) const {

@@ -7,7 +7,7 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/store/store_transfer.hpp"
 
 namespace test {
 

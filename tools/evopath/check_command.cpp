@@ -4,8 +4,8 @@
 #include <map>
 #include <memory>
 
-#include "catalogue/check.hpp"
-#include "catalogue/open_draft.hpp"
+#include "catalogue/check/check.hpp"
+#include "catalogue/check/open_draft.hpp"
 #include "check_report.hpp"
 #include "command.hpp"
 

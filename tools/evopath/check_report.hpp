@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "catalogue/finding.hpp"
+#include "catalogue/check/finding.hpp"
 
 namespace evopath {
 

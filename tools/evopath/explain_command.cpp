@@ -2,7 +2,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
 #include "explanation_json.hpp"

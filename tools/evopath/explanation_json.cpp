@@ -1,6 +1,6 @@
 #include "explanation_json.hpp"
 
-#include "catalogue/step_json.hpp"
+#include "catalogue/picture/step_json.hpp"
 #include "phrases.hpp"
 
 namespace evopath {

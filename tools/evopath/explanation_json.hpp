@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 
 namespace evopath {
 

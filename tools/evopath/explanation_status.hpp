@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 #include "exit_status.hpp"
 
 namespace evopath {

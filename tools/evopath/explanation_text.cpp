@@ -4,7 +4,7 @@
 #include <iomanip>
 #include <ostream>
 
-#include "catalogue/path_text.hpp"
+#include "catalogue/picture/path_text.hpp"
 #include "phrases.hpp"
 
 namespace evopath {

@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 
 namespace evopath {
 

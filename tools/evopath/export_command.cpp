@@ -2,7 +2,7 @@
 #include <iostream>
 #include <memory>
 
-#include "catalogue/store_transfer.hpp"
+#include "catalogue/store/store_transfer.hpp"
 #include "command.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"

@@ -1,9 +1,9 @@
 #include <memory>
 #include <sstream>
 
-#include "catalogue/catalogue_graph.hpp"
-#include "catalogue/graphviz.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/picture/catalogue_graph.hpp"
+#include "catalogue/picture/graphviz.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "output_option.hpp"

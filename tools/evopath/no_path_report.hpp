@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace evopath {

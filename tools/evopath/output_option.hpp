@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "catalogue/step_text.hpp"
+#include "catalogue/picture/step_text.hpp"
 
 namespace evopath {
 

@@ -3,9 +3,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "catalogue/explanation.hpp"
+#include "catalogue/explanation/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/path_picture.hpp"
+#include "catalogue/picture/path_picture.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
 #include "explanation_text.hpp"

@@ -3,12 +3,12 @@
 #include <map>
 #include <sstream>
 
-#include "catalogue/path_dot.hpp"
-#include "catalogue/path_html.hpp"
-#include "catalogue/path_json.hpp"
-#include "catalogue/path_mermaid.hpp"
-#include "catalogue/path_svg.hpp"
-#include "catalogue/path_text.hpp"
+#include "catalogue/picture/path_dot.hpp"
+#include "catalogue/picture/path_html.hpp"
+#include "catalogue/picture/path_json.hpp"
+#include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_svg.hpp"
+#include "catalogue/picture/path_text.hpp"
 
 namespace evopath {
 

@@ -3,8 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "catalogue/path_picture.hpp"
-#include "catalogue/step_text.hpp"
+#include "catalogue/picture/path_picture.hpp"
+#include "catalogue/picture/step_text.hpp"
 
 namespace evopath {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "catalogue/named_version.hpp"
+#include "catalogue/explanation/named_version.hpp"
 #include "pathfinder/hop.hpp"
 #include "pathfinder/version_id.hpp"
 

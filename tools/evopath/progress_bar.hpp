@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "catalogue/store_progress.hpp"
+#include "catalogue/store/store_progress.hpp"
 
 namespace evopath {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "catalogue/store_editing.hpp"
+#include "catalogue/store/store_editing.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "platform/text.hpp"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "catalogue/catalogue.hpp"
-#include "catalogue/question_side.hpp"
+#include "catalogue/explanation/question_side.hpp"
 
 namespace evopath {
 

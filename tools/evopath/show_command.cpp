@@ -1,8 +1,8 @@
 #include <memory>
 #include <sstream>
 
-#include "catalogue/metamodel_details.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "output_option.hpp"

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/step_listing.hpp"
+#include "catalogue/picture/step_listing.hpp"
 #include "command.hpp"
 #include "output_option.hpp"
 #include "selection_argument.hpp"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "catalogue/store_progress.hpp"
+#include "catalogue/store/store_progress.hpp"
 
 namespace evopath {
 

@@ -1,0 +1,94 @@
+#include "catalogue/check/link_analysis.hpp"
+
+#include <algorithm>
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// What one version may take of the work: a solution of thousands of names many times over.
+constexpr std::uint64_t budgetOfOne = 200'000;
+
+}  // namespace
+
+LinkAnalysis::LinkAnalysis(const DraftIndex& index, const DependencyComponents& components,
+                           const DependencyRangeGraph& graph, std::uint64_t budget)
+    : index_(index),
+      components_(components),
+      graph_(graph),
+      solver_(index),
+      witnesses_(index),
+      budget_(budget),
+      states_(index.slotCount(), State::Linkable),
+      culprits_(graph.end(), nothing) {
+  for (const auto node : components.dependenciesFirst()) visit(node);
+}
+
+void LinkAnalysis::visit(DependencyRangeGraph::Node node) {
+  for (std::size_t i = 0; i < graph_.edgeCount(node) && culprits_[node] == nothing; ++i) {
+    culprits_[node] = culprits_[graph_.edge(node, i)];
+  }
+  if (!graph_.isVersion(node)) return;
+  const Slot slot = graph_.slotOf(node);
+  states_[slot] = decide(slot);
+  if (states_[slot] == State::Unsatisfied || states_[slot] == State::Clashing) {
+    culprits_[node] = slot;
+  } else if (states_[slot] == State::SelfExcluding) {
+    solver_.setExcluded(slot, true);
+  }
+}
+
+LinkAnalysis::State LinkAnalysis::decide(Slot slot) {
+  if (components_.isCyclic(slot)) return State::Linkable;
+  if (culprits_[graph_.nodeOf(slot)] != nothing) return State::Blocked;
+  if (isUnsatisfied(slot)) return State::Unsatisfied;
+  if (index_.dependenciesBegin(slot) == index_.dependenciesEnd(slot)) return State::Linkable;
+  if (witnesses_.cover(slot)) return State::Linkable;
+  std::uint64_t share = std::min(budget_, budgetOfOne);
+  budget_ -= share;
+  const State result = search(slot, share);
+  budget_ += share;
+  return result;
+}
+
+LinkAnalysis::State LinkAnalysis::search(Slot slot, std::uint64_t& share) {
+  LinkSolver::Outcome outcome = solver_.solve({slot}, share);
+  if (outcome == LinkSolver::Outcome::Consistent) {
+    witnesses_.add(solver_.found());
+    return State::Linkable;
+  }
+  if (outcome == LinkSolver::Outcome::Clashing) {
+    outcome = solver_.solveDependencies(slot, share);
+    if (outcome == LinkSolver::Outcome::Consistent) return State::SelfExcluding;
+  }
+  return outcome == LinkSolver::Outcome::Clashing ? State::Clashing : State::Undecided;
+}
+
+bool LinkAnalysis::isUnsatisfied(Slot slot) const {
+  return std::any_of(index_.dependenciesBegin(slot), index_.dependenciesEnd(slot),
+                     [&](const ResolvedDependency& dependency) {
+                       return dependency.isFirstOfName && dependency.candidates.empty() &&
+                              index_.names()[dependency.name].isComplete;
+                     });
+}
+
+LinkAnalysis::Reason LinkAnalysis::reason() const {
+  return {solver_.clash(), solver_.choices()};
+}
+
+LinkAnalysis::Reason LinkAnalysis::explain(Slot slot) {
+  std::uint64_t budget = budgetOfOne;
+  solver_.setExcluded(slot, false);
+  solver_.solve({slot}, budget);
+  solver_.setExcluded(slot, states_[slot] == State::SelfExcluding);
+  return reason();
+}
+
+LinkSolver::Outcome LinkAnalysis::combine(const std::vector<Slot>& slots, Reason& reason) {
+  std::uint64_t budget = budgetOfOne;
+  const LinkSolver::Outcome outcome = solver_.solve(slots, budget);
+  reason = this->reason();
+  return outcome;
+}
+
+}  // namespace tarn::evolution::catalogue

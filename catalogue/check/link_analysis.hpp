@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "catalogue/check/dependency_components.hpp"
+#include "catalogue/check/link_solver.hpp"
+#include "catalogue/check/link_witness.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Which versions of a draft can be linked.
+///
+/// Linking a version links every candidate of its dependencies first and fails when one of them
+/// cannot be linked. What depends on a part that could not be read, or on itself, counts as
+/// linkable: it has an error of its own.
+class LinkAnalysis {
+ public:
+  enum class State {
+    Linkable,
+    Unsatisfied,    ///< no version in the catalogue satisfies one of its dependencies
+    Clashing,       ///< no choice of versions meets all that it needs
+    SelfExcluding,  ///< it can be linked, but only with another version of itself: no baseline
+                    ///< holds it
+    Blocked,        ///< a candidate cannot be linked
+    Undecided,
+  };
+
+  /// Why a version clashes with itself.
+  struct Reason {
+    std::optional<LinkClash> clash;
+    std::vector<NameNumber> choices;
+  };
+
+  /// `budget` bounds the work that all versions take together, which leaves later ones undecided.
+  LinkAnalysis(const DraftIndex& index, const DependencyComponents& components,
+               const DependencyRangeGraph& graph, std::uint64_t budget);
+
+  State state(Slot slot) const { return states_[slot]; }
+
+  /// Of a blocked version: one that is not blocked itself, but cannot be linked.
+  Slot blocker(Slot slot) const { return culprits_[graph_.nodeOf(slot)]; }
+
+  /// Asks the solver again, for a version that is clashing or self-excluding.
+  Reason explain(Slot slot);
+
+  /// Whether versions can stand together, all of which are linkable; with why, if not.
+  LinkSolver::Outcome combine(const std::vector<Slot>& slots, Reason& reason);
+
+ private:
+  void visit(DependencyRangeGraph::Node node);
+  State decide(Slot slot);
+  State search(Slot slot, std::uint64_t& share);
+  bool isUnsatisfied(Slot slot) const;
+  Reason reason() const;
+
+  const DraftIndex& index_;
+  const DependencyComponents& components_;
+  const DependencyRangeGraph& graph_;
+  LinkSolver solver_;
+  LinkWitnesses witnesses_;
+  std::uint64_t budget_;
+  std::vector<State> states_;
+  std::vector<Slot>
+      culprits_;  // of each node: the version that keeps what leads there from linking
+};
+
+}  // namespace tarn::evolution::catalogue

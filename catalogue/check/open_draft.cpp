@@ -1,0 +1,13 @@
+#include "catalogue/check/open_draft.hpp"
+
+#include "catalogue/check/json_draft.hpp"
+#include "catalogue/check/sqlite_draft.hpp"
+#include "catalogue/store/sqlite_open.hpp"
+
+namespace tarn::evolution::catalogue {
+
+CatalogueDraft readDraft(const std::filesystem::path& file) {
+  return isSqliteFile(file) ? readSqliteDraft(file) : readJsonDraft(file);
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,200 @@
+#include "catalogue/explanation/blocking_set.hpp"
+
+#include <algorithm>
+
+#include "catalogue/explanation/clash_search.hpp"
+#include "catalogue/explanation/goal_subsets.hpp"
+#include "catalogue/explanation/nearest_baseline.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Metamodel;
+using pathfinder::VersionBaseline;
+
+namespace {
+
+/// What of a baseline stands under some names, and what that links.
+VersionBaseline cutDown(const VersionBaseline& baseline, const Names& names) {
+  VersionBaseline result;
+  for (const auto& [name, linked] : baseline.metamodels) {
+    if (names.contains(name)) result.tryEmplace(linked);
+  }
+  return result;
+}
+
+class Minimisation {
+ public:
+  explicit Minimisation(const PosedQuestion& question) : question_(question) {}
+
+  bool isMinimal() const { return isMinimal_; }
+
+  Names run() {
+    Names names;
+    for (const auto& [name, goal] : question_.goals) names.insert(name);
+    if (isBlocked(names)) {
+      leaveOut(question_.newcomers, names);
+    } else {
+      names = addHeld(names);
+      leaveOut(question_.newcomers, names);
+      leaveOut(bystanders(names), names);
+    }
+    leaveOut(Names(names), names);
+    return names;
+  }
+
+ private:
+  /// Whether the question about these names only has no path. Denied when it cannot be asked any
+  /// more, so that names are kept then and what remains blocks for certain.
+  bool isBlocked(const Names& names) {
+    const PosedQuestion part = restrictTo(question_, names);
+    if (part.goals.empty()) return false;
+    if (question_.inquiry->isSpent()) {
+      isMinimal_ = false;
+      return false;
+    }
+    return !part.canReach(part.goals);
+  }
+
+  void leaveOut(const Names& candidates, Names& names) {
+    for (const std::u16string& name : candidates) {
+      if (names.erase(name) != 0 && !isBlocked(names)) names.insert(name);
+    }
+  }
+
+  Names addHeld(Names names) const {
+    for (const VersionBaseline& source : question_.sources) {
+      for (const auto& [name, linked] : source.metamodels) names.insert(name);
+    }
+    return names;
+  }
+
+  Names bystanders(const Names& names) const {
+    Names result;
+    for (const std::u16string& name : names) {
+      if (!question_.goals.contains(name)) result.insert(name);
+    }
+    return result;
+  }
+
+  const PosedQuestion& question_;
+  bool isMinimal_ = true;
+};
+
+/// Finds what hinders the hops that leave a baseline in which the goals are stuck.
+class HopInspection {
+ public:
+  HopInspection(const PosedQuestion& question, const VersionBaseline& stuckAt)
+      : question_(question), stuckAt_(stuckAt) {}
+
+  std::vector<BlockedHop> run() {
+    std::vector<BlockedHop> result;
+    for (const auto& [name, goal] : question_.goals) {
+      const auto held = stuckAt_.metamodels.find(name);
+      if (held == stuckAt_.metamodels.end()) continue;
+      for (const HopGraph::Edge* edge : edgesFrom(*held->second, AnyChain)) {
+        if (auto clash = findClashOf(*edge)) result.push_back({edge->hop, *std::move(clash)});
+      }
+    }
+    return result;
+  }
+
+ private:
+  /// Which hops of a goal count: those after which it still has a chain of hops, or only those that
+  /// do not take it further away.
+  enum Allowance { AnyChain, NoFurther };
+
+  std::vector<const HopGraph::Edge*> edgesFrom(const Metamodel& metamodel, Allowance allowance) {
+    const HopGraph& graph = question_.graphs->of(metamodel.name);
+    const auto from = graph.find(metamodel.version);
+    const auto goal = question_.goals.find(metamodel.name);
+    std::vector<std::optional<std::size_t>> hopsLeft;
+    if (goal != question_.goals.end()) hopsLeft = graph.hopsTo(goal->second.version);
+    std::vector<const HopGraph::Edge*> result;
+    for (const HopGraph::Edge& edge : graph.edges()) {
+      if (edge.from != from || edge.isAgainst) continue;
+      if (goal != question_.goals.end()) {
+        if (!hopsLeft[edge.to]) continue;
+        if (allowance == NoFurther && hopsLeft[edge.from] < hopsLeft[edge.to]) continue;
+      }
+      result.push_back(&edge);
+    }
+    return result;
+  }
+
+  std::optional<Clash> findClashOf(const HopGraph::Edge& edge) {
+    for (const Allowance allowance : {AnyChain, NoFurther}) {
+      std::vector<Candidates> candidates;
+      for (const auto& [name, held] :
+           std::map(stuckAt_.metamodels.begin(), stuckAt_.metamodels.end())) {
+        Candidates choice{name, {}};
+        if (name == edge.hop.name) {
+          add(question_.graphs->of(name).versions()[edge.to], choice);
+        } else {
+          add(*held, choice);
+          for (const HopGraph::Edge* other : edgesFrom(*held, allowance)) {
+            add(question_.graphs->of(name).versions()[other->to], choice);
+          }
+        }
+        if (choice.linked.empty()) return std::nullopt;  // the hop's target cannot be linked
+        candidates.push_back(std::move(choice));
+      }
+      if (auto clash = findClash(candidates)) return clash;
+    }
+    return std::nullopt;
+  }
+
+  void add(const Metamodel& metamodel, Candidates& choice) {
+    const Metamodel descriptor(metamodel.name, metamodel.version, metamodel.dependencies);
+    const LinkedMetamodels* linked = question_.inquiry->repository().tryLink(descriptor);
+    if (linked == nullptr) return;
+    choice.linked.insert(choice.linked.end(), linked->begin(), linked->end());
+  }
+
+  const PosedQuestion& question_;
+  const VersionBaseline& stuckAt_;
+};
+
+std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
+  std::vector<NamedVersion> result;
+  for (const auto& [name, linked] :
+       std::map(baseline.metamodels.begin(), baseline.metamodels.end())) {
+    result.push_back({name, linked->version});
+  }
+  return result;
+}
+
+}  // namespace
+
+PosedQuestion restrictTo(const PosedQuestion& question, const Names& names) {
+  PosedQuestion part{question.inquiry, question.graphs, question.direction, {}, {}, {}, {}};
+  part.goals = restrictTo(question.goals, names);
+  for (const auto& [name, goal] : part.goals) {
+    part.starts.emplace(name, question.starts.at(name));
+    if (question.newcomers.contains(name)) part.newcomers.insert(name);
+  }
+  if (!part.newcomers.empty()) {
+    part.sources = question.sources;
+    return part;
+  }
+  for (const VersionBaseline& source : question.sources) {
+    VersionBaseline cut = cutDown(source, names);
+    const bool isNew =
+        std::find(part.sources.begin(), part.sources.end(), cut) == part.sources.end();
+    if (isNew) part.sources.push_back(std::move(cut));
+  }
+  return part;
+}
+
+NeverTogether explainBlocking(const PosedQuestion& question) {
+  Minimisation minimisation(question);
+  const Names names = minimisation.run();
+  NeverTogether result{{names.begin(), names.end()}, minimisation.isMinimal(), {}, {}};
+  const PosedQuestion part = restrictTo(question, names);
+  if (const auto stuckAt = findClosestBaseline(part)) {
+    result.stuckAt = versionsOf(*stuckAt);
+    result.blocked = HopInspection(part, *stuckAt).run();
+  }
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

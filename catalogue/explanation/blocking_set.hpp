@@ -1,0 +1,20 @@
+#pragma once
+
+#include "catalogue/explanation/explanation.hpp"
+#include "catalogue/explanation/posed_question.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Why the goals, each of which has its chain of hops, cannot be reached together. The question
+/// must have no path.
+///
+/// Leaves out name by name, those first that are no goals, as long as what remains has no path
+/// either. Takes one question for each name, fewer where the sources hold many that are no goals,
+/// and then those of `findClosestBaseline` for what remains.
+NeverTogether explainBlocking(const PosedQuestion& question);
+
+/// The question about some names only, as `NeverTogether` defines what leaving the others out
+/// means.
+PosedQuestion restrictTo(const PosedQuestion& question, const std::set<std::u16string>& names);
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,175 @@
+#include "catalogue/explanation/explanation.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "catalogue/explanation/blocking_set.hpp"
+#include "catalogue/explanation/inconsistent_selection.hpp"
+#include "catalogue/explanation/linking_obstacle.hpp"
+#include "catalogue/explanation/missing_chain.hpp"
+#include "catalogue/explanation/nearest_baseline.hpp"
+#include "catalogue/explanation/posed_question.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::BaselineHop;
+using pathfinder::Hop;
+using pathfinder::Metamodel;
+using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
+using pathfinder::VersionRepository;
+
+namespace {
+
+class Explaining {
+ public:
+  Explaining(BrowsableRepository& content, const Question& question, std::size_t budget)
+      : question_(question), budget_(budget), inquiry_(content) {}
+
+  Explanation run() {
+    UnknownEntries unknown = findUnknown(inquiry_.content(), question_);
+    if (!unknown.entries.empty()) {
+      result_.reason = std::move(unknown);
+    } else if (question_.from != question_.to) {
+      explainKnown();
+    }
+    for (const Metamodel& metamodel : inquiry_.repository().hidden()) {
+      result_.unlinkable.push_back(explainUnlinkable(inquiry_, metamodel));
+    }
+    result_.questions = inquiry_.questions();
+    return std::move(result_);
+  }
+
+ private:
+  void explainKnown() {
+    const SelectedMetamodels from = lookUp(question_.from);
+    const SelectedMetamodels goals = lookUp(question_.to);
+    if (auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from)) {
+      result_.reason = *std::move(inconsistency);
+      return;
+    }
+    auto inconsistency = findInconsistency(inquiry_, QuestionSide::To, goals);
+    std::vector<VersionBaseline> sources = inquiry_.repository().combine(question_.from);
+    const std::vector<VersionBaseline> targets = inconsistency
+                                                     ? std::vector<VersionBaseline>()
+                                                     : inquiry_.repository().combine(question_.to);
+    const Direction direction =
+        targets.empty() ? commonDirection(sources.front(), goals)
+                        : inquiry_.repository().computeDirection(sources.front(), targets.front());
+    if (!targets.empty()) {
+      if (auto path = inquiry_.findPath(sources, targets, direction)) {
+        reportPath(*std::move(path));
+        return;
+      }
+    }
+    HopGraphs graphs(inquiry_, direction);
+    PosedQuestion posed{&inquiry_, &graphs, direction, std::move(sources), goals, {}, {}};
+    findStarts(posed);
+    if (inconsistency) {
+      result_.reason = *std::move(inconsistency);
+    } else {
+      explainImpassable(posed, targets);
+    }
+    inquiry_.allow(budget_ - std::min(budget_, spent_));
+    result_.nearest = findNearestBaseline(posed);
+  }
+
+  SelectedMetamodels lookUp(const Selection& selection) {
+    SelectedMetamodels result;
+    for (const auto& [name, version] : selection) {
+      if (auto found = inquiry_.content().getMetamodel(name, version)) {
+        result.emplace(name, *std::move(found));
+      }
+    }
+    return result;
+  }
+
+  /// As `VersionRepository::computeDirection` would find it if the goals were a baseline.
+  Direction commonDirection(const VersionBaseline& source, const SelectedMetamodels& goals) {
+    Direction result = Direction::Unknown;
+    for (const auto& [name, goal] : goals) {
+      const auto held = source.metamodels.find(name);
+      if (held == source.metamodels.end()) continue;
+      const Direction direction = inquiry_.repository().getDirection(*held->second, goal);
+      if (direction == Direction::Equal || direction == Direction::Unknown) continue;
+      if (VersionRepository::areDirectionsInconsistent(result, direction)) {
+        return Direction::Unknown;
+      }
+      result = direction;
+    }
+    return result;
+  }
+
+  void reportPath(Path path) {
+    if (inquiry_.repository().hidesUnlinkable()) {
+      result_.reason = PathBesideUnlinkable{std::move(path)};
+    } else {
+      result_.reason = PathExists{std::move(path)};
+    }
+  }
+
+  void explainImpassable(const PosedQuestion& posed, const std::vector<VersionBaseline>& targets) {
+    MissingChains missing{posed.direction, findMissingChains(posed)};
+    const bool mayBeDirection =
+        std::none_of(missing.chains.begin(), missing.chains.end(),
+                     [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
+    if (mayBeDirection && posed.direction != Direction::Unknown) {
+      if (auto path = inquiry_.findPath(posed.sources, targets, Direction::Unknown)) {
+        AgainstDirection reason = reportAgainst(posed.direction, *std::move(path));
+        for (const Hop& hop : reason.against) noteWithoutOrder(hop);
+        result_.reason = std::move(reason);
+        return;
+      }
+    }
+    if (!missing.chains.empty()) {
+      for (const MissingChain& chain : missing.chains) {
+        for (const Hop& hop : chain.chainInAnyDirection) noteWithoutOrder(hop);
+      }
+      result_.reason = std::move(missing);
+      return;
+    }
+    const std::size_t before = inquiry_.questions();
+    inquiry_.allow(budget_ / 2);
+    result_.reason = explainBlocking(posed);
+    spent_ = inquiry_.questions() - before;
+  }
+
+  void noteWithoutOrder(const Hop& hop) {
+    for (const VersionId* version : {&hop.from, &hop.to}) {
+      if (version->isSemVer()) continue;
+      if (inquiry_.content().getEquivalentSemVer(hop.name, version->getText())) continue;
+      const NamedVersion named{hop.name, *version};
+      auto& known = result_.withoutOrder;
+      if (std::find(known.begin(), known.end(), named) == known.end()) known.push_back(named);
+    }
+  }
+
+  AgainstDirection reportAgainst(Direction direction, Path path) {
+    AgainstDirection result{direction, std::move(path), {}};
+    for (const BaselineHop& step : result.path) {
+      for (const auto& [name, hop] : std::map(step.hops.begin(), step.hops.end())) {
+        const Metamodel& before = *step.from.metamodels.at(name);
+        const Metamodel& after = *step.to.metamodels.at(name);
+        const Direction hopDirection = inquiry_.repository().getDirection(before, after);
+        if (VersionRepository::areDirectionsInconsistent(direction, hopDirection)) {
+          result.against.push_back(hop);
+        }
+      }
+    }
+    return result;
+  }
+
+  const Question& question_;
+  const std::size_t budget_;
+  std::size_t spent_ = 0;
+  Inquiry inquiry_;
+  Explanation result_;
+};
+
+}  // namespace
+
+Explanation explain(BrowsableRepository& repository, const Question& question, std::size_t budget) {
+  return Explaining(repository, question, budget).run();
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,166 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "catalogue/browsable_repository.hpp"
+#include "catalogue/explanation/clash.hpp"
+#include "catalogue/explanation/selection_lookup.hpp"
+#include "pathfinder/hop.hpp"
+#include "pathfinder/version_repository.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// A path exists: there is nothing to explain. Empty when the source is the target already.
+struct PathExists {
+  std::vector<pathfinder::BaselineHop> path;
+};
+
+/// A path exists, but `findPath` throws ConflictingDependencies, because hops lead to versions that
+/// cannot be linked (see `Explanation::unlinkable`). This one keeps clear of them.
+struct PathBesideUnlinkable {
+  std::vector<pathfinder::BaselineHop> path;
+};
+
+/// One side of the question is no consistent selection: some of its versions cannot be linked, or
+/// those that can cannot stand together, for which the clash is one reason of perhaps several. With
+/// neither of both the selection is empty.
+struct InconsistentSelection {
+  QuestionSide side;
+  std::vector<Unlinkable> unlinkable;
+  std::optional<Clash> clash;
+
+  /// For each party of the clash the nearest versions that would make the whole selection
+  /// consistent, the others staying; none where there is no such version.
+  std::vector<NamedVersions> remedies;
+};
+
+/// No sequence of hops brings one metamodel to its target version, whatever the others do.
+struct MissingChain {
+  NamedVersion target;
+
+  /// The versions that the source holds, or else, when `isHeld` is false, that some version within
+  /// reach links. Empty: nothing can bring the metamodel in.
+  std::vector<pathfinder::VersionId> starts;
+  bool isHeld;
+
+  std::vector<pathfinder::VersionId> reached;  ///< from the starts, these among them; ascending
+  std::vector<pathfinder::VersionId> leading;  ///< to the target, this among them; ascending
+
+  /// Of `reached` and `leading` the two between which the gap is narrowest, going in the direction
+  /// if that can be: a hop between them would close it. Empty when there are no starts.
+  std::optional<pathfinder::Hop> missingHop;
+
+  /// A chain from a start to the target if hops against the direction counted; else empty.
+  std::vector<pathfinder::Hop> chainInAnyDirection;
+
+  /// When nothing can bring the metamodel in: what would, if it were within reach.
+  std::vector<NamedVersion> dependents;
+};
+
+struct MissingChains {
+  pathfinder::VersionRepository::Direction direction;  ///< in which hops count
+  std::vector<MissingChain> chains;                    ///< by ascending name
+};
+
+/// A path exists when hops in both directions count, but not in the question's direction, which is
+/// the one that all metamodels of the question share that move at all.
+struct AgainstDirection {
+  pathfinder::VersionRepository::Direction direction;
+  std::vector<pathfinder::BaselineHop> path;
+  std::vector<pathfinder::Hop> against;  ///< the hops of `path` that go against the direction
+};
+
+/// A hop that cannot be taken from a baseline, whichever hops the others take or not.
+struct BlockedHop {
+  pathfinder::Hop hop;
+  Clash clash;
+};
+
+/// Each metamodel has its chain of hops, but they never get there together.
+///
+/// `names` block one another, and none of them can be left out. Leaving a metamodel out means to
+/// ask for a model that has no use for it: it is struck from the target, and from the source unless
+/// what remains there links it, in which case it stays at the source's version. When `names` has a
+/// metamodel that the source does not hold, striking is confined to the target: the source stays
+/// whole, for any part of it may have to bring that one in.
+struct NeverTogether {
+  std::vector<std::u16string> names;  ///< ascending
+  bool isMinimal;  ///< false when the budget ended before every name was tried to be left out
+
+  /// Where `names` and what they link get stuck: the baseline with the fewest hops left that all of
+  /// them can reach (while each still has its chain), ascending; and the hops from there towards
+  /// the target that a clash blocks.
+  std::vector<NamedVersion> stuckAt;
+  std::vector<BlockedHop> blocked;
+};
+
+/// A metamodel of the target that the nearest baseline does not hold at its target version.
+struct Unfinished {
+  NamedVersion target;
+  std::optional<pathfinder::VersionId> held;  ///< none: it was not brought in
+  std::optional<std::size_t> hopsLeft;        ///< none: no chain of hops leads on from there
+};
+
+/// Of all baselines that can be reached in the question's direction, the one with the most
+/// metamodels at their target version; of these, one with the fewest hops left; of these, one with
+/// a path of least weight.
+///
+/// Hops left are counted along each metamodel's own shortest chain in the direction, as if it could
+/// move alone. One that has no chain, or is not held, counts as many as it has versions.
+struct NearestBaseline {
+  std::vector<pathfinder::BaselineHop> path;  ///< empty: the source itself
+  pathfinder::VersionBaseline baseline;
+  std::vector<NamedVersion> arrived;   ///< ascending
+  std::vector<Unfinished> unfinished;  ///< ascending
+
+  /// Whether there is none nearer. False when the budget ended the search: then this is the best
+  /// one found, to which no metamodel could be added at its target version that was tried.
+  bool isProven;
+};
+
+/// Why there is no path, or that there is one. Linked metamodels in it are of the explanation's own
+/// making, not those of the repository; `loadMetamodel` has not seen them.
+struct Explanation {
+  using Reason = std::variant<PathExists, UnknownEntries, InconsistentSelection, MissingChains,
+                              AgainstDirection, NeverTogether, PathBesideUnlinkable>;
+  Reason reason;
+
+  /// The targets of hops within reach that cannot be linked. When not empty, `findPath` may throw
+  /// ConflictingDependencies; the explanation disregards those hops.
+  std::vector<Unlinkable> unlinkable;
+
+  /// Text versions without semantic equivalent at an end of the hops against the direction that the
+  /// reason names. They count as older than all others; an equivalent could set the hop right.
+  std::vector<NamedVersion> withoutOrder;
+
+  /// None when there is a path and when there is no consistent source to start from.
+  std::optional<NearestBaseline> nearest;
+
+  /// How many questions were put to the path finder.
+  std::size_t questions = 0;
+};
+
+/// How many questions an explanation puts to the path finder unless told otherwise.
+inline constexpr std::size_t explanationBudget = 400;
+
+/// Explains why `repository.findPath(question.from, question.to)` finds nothing or throws. Looks
+/// all names and versions up first, also where `findPath` would not because both sides are equal.
+///
+/// Costs one question to the path finder when there is a path, another one when the direction may
+/// be the reason, and then at most about `budget` more, each about a part of the same question: up
+/// to half of them find what blocks, the others the nearest baseline. Where that is not enough, the
+/// parts concerned say so (`isMinimal`, `isProven`). They are not interrupted: a catalogue on which
+/// the path finder needs long needs long here, too.
+///
+/// Links what it needs in a repository of its own, and so leaves the linked metamodels and the path
+/// cache of `repository` alone. Throws what the repository's look-ups throw.
+TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
+                                                    const Question& question,
+                                                    std::size_t budget = explanationBudget);
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,152 @@
+#include "catalogue/explanation/goal_subsets.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// Lists the sets of at most so many names that have a name in common with each of some sets.
+class HittingSets {
+ public:
+  HittingSets(const std::vector<Names>& sets, std::size_t size) : sets_(sets), size_(size) {}
+
+  /// No value when there are too many ways to look at.
+  std::optional<std::set<Names>> run() {
+    Names chosen;
+    extend(chosen);
+    if (isTooMuch_) return std::nullopt;
+    return std::move(found_);
+  }
+
+ private:
+  static constexpr std::size_t mostVisits = 100'000;
+
+  void extend(Names& chosen) {
+    isTooMuch_ |= visits_++ == mostVisits;
+    if (isTooMuch_) return;
+    const auto missed = std::find_if(sets_.begin(), sets_.end(), [&](const Names& set) {
+      return std::none_of(set.begin(), set.end(),
+                          [&](const auto& name) { return chosen.contains(name); });
+    });
+    if (missed == sets_.end()) {
+      found_.insert(chosen);
+      return;
+    }
+    if (chosen.size() == size_) return;
+    for (const std::u16string& name : *missed) {
+      chosen.insert(name);
+      extend(chosen);
+      chosen.erase(name);
+    }
+  }
+
+  const std::vector<Names>& sets_;
+  const std::size_t size_;
+  std::size_t visits_ = 0;
+  bool isTooMuch_ = false;
+  std::set<Names> found_;
+};
+
+class SubsetSearch {
+ public:
+  explicit SubsetSearch(const PosedQuestion& question) : question_(question) {
+    for (const auto& [name, goal] : question.goals) all_.insert(name);
+  }
+
+  GoalSubsets run() {
+    for (const std::u16string& name : all_) {
+      if (isSpent()) return grow();
+      if (!canReach({name})) blocking_.push_back({name});
+    }
+    for (std::size_t size = 0; size <= all_.size(); ++size) {
+      std::vector<Names> reachable;
+      if (!tryGivingUp(size, reachable))
+        return reachable.empty() ? grow() : withoutProof(reachable);
+      if (!reachable.empty()) return {std::move(reachable), true};
+    }
+    return {{Names()}, true};
+  }
+
+ private:
+  bool isSpent() const { return question_.inquiry->isSpent(); }
+
+  bool canReach(const Names& names) const {
+    return question_.canReach(restrictTo(question_.goals, names));
+  }
+
+  static GoalSubsets withoutProof(std::vector<Names>& reachable) {
+    return {std::move(reachable), false};
+  }
+
+  /// Tries all ways to give up so many goals; false when the questions allowed do not suffice.
+  bool tryGivingUp(std::size_t size, std::vector<Names>& reachable) {
+    for (bool isComplete = false; !isComplete;) {
+      const auto choices = HittingSets(blocking_, size).run();
+      if (!choices) return false;
+      isComplete = true;
+      for (const Names& givenUp : *choices) {
+        const Names kept = without(givenUp);
+        if (std::find(reachable.begin(), reachable.end(), kept) != reachable.end()) continue;
+        if (isSpent()) return false;
+        if (canReach(kept)) {
+          reachable.push_back(kept);
+        } else {
+          if (!addBlockingSetIn(kept)) return false;
+          isComplete = false;
+          break;
+        }
+      }
+    }
+    return true;
+  }
+
+  Names without(const Names& givenUp) const {
+    Names result;
+    std::set_difference(all_.begin(), all_.end(), givenUp.begin(), givenUp.end(),
+                        std::inserter(result, result.end()));
+    return result;
+  }
+
+  /// Leaves out of names that block one another what can be left out.
+  bool addBlockingSetIn(Names names) {
+    for (const std::u16string& name : Names(names)) {
+      if (isSpent()) return false;
+      names.erase(name);
+      if (canReach(names)) names.insert(name);
+    }
+    blocking_.push_back(std::move(names));
+    return true;
+  }
+
+  GoalSubsets grow() const {
+    Names reachable;
+    for (const std::u16string& name : all_) {
+      reachable.insert(name);
+      if (!canReach(reachable)) reachable.erase(name);
+    }
+    return {{reachable}, false};
+  }
+
+  const PosedQuestion& question_;
+  Names all_;
+  std::vector<Names> blocking_;
+};
+
+}  // namespace
+
+GoalSubsets findLargestGoalSubsets(const PosedQuestion& question) {
+  return SubsetSearch(question).run();
+}
+
+SelectedMetamodels restrictTo(const SelectedMetamodels& goals, const Names& names) {
+  SelectedMetamodels result;
+  for (const std::u16string& name : names) {
+    if (const auto goal = goals.find(name); goal != goals.end()) result.insert(*goal);
+  }
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,76 @@
+#include "catalogue/explanation/inconsistent_selection.hpp"
+
+#include <algorithm>
+
+#include "catalogue/explanation/clash_search.hpp"
+#include "catalogue/explanation/hop_graph.hpp"
+#include "catalogue/explanation/linking_obstacle.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Metamodel;
+
+namespace {
+
+constexpr std::size_t mostRemedies = 3;
+constexpr std::size_t mostTried = 100;
+
+/// The positions of a list other than one of them, the nearest first.
+std::vector<std::size_t> aroundPosition(std::size_t position, std::size_t size) {
+  std::vector<std::size_t> result;
+  for (std::size_t distance = 1; distance < size; ++distance) {
+    if (distance <= position) result.push_back(position - distance);
+    if (position + distance < size) result.push_back(position + distance);
+  }
+  return result;
+}
+
+/// The nearest versions of one party with which the others can stand as they are.
+NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
+                           const Metamodel& party) {
+  const HopGraph graph(inquiry, party.name, Direction::Unknown);
+  const auto replaced =
+      std::find_if(candidates.begin(), candidates.end(),
+                   [&](const Candidates& candidate) { return candidate.name == party.name; });
+  std::vector<std::size_t> fitting;
+  std::size_t tried = 0;
+  for (const std::size_t position :
+       aroundPosition(graph.find(party.version).value_or(0), graph.versions().size())) {
+    if (fitting.size() == mostRemedies || tried++ == mostTried) break;
+    const LinkedMetamodels* linked = inquiry.repository().tryLink(graph.versions()[position]);
+    if (linked == nullptr) continue;
+    replaced->linked = *linked;
+    if (canStandTogether(candidates)) fitting.push_back(position);
+  }
+  std::sort(fitting.begin(), fitting.end());
+  NamedVersions result{party.name, {}};
+  for (const std::size_t position : fitting) {
+    result.versions.push_back(graph.versions()[position].version);
+  }
+  return result;
+}
+
+}  // namespace
+
+std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, QuestionSide side,
+                                                       const SelectedMetamodels& selection) {
+  InconsistentSelection result{side, {}, std::nullopt, {}};
+  std::vector<Candidates> candidates;
+  for (const auto& [name, metamodel] : selection) {
+    if (const LinkedMetamodels* linked = inquiry.repository().tryLink(metamodel)) {
+      candidates.push_back({name, *linked});
+    } else {
+      result.unlinkable.push_back(explainUnlinkable(inquiry, metamodel));
+    }
+  }
+  result.clash = findClash(candidates);
+  if (result.clash) {
+    for (const std::u16string& party : result.clash->parties) {
+      result.remedies.push_back(findRemedies(inquiry, candidates, selection.at(party)));
+    }
+  }
+  if (!selection.empty() && result.unlinkable.empty() && !result.clash) return std::nullopt;
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,56 @@
+#include "catalogue/explanation/linkable_repository.hpp"
+
+#include <algorithm>
+
+#include "messages/messages.hpp"
+#include "platform/exception.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Hop;
+using pathfinder::Metamodel;
+using ConflictingDependencies =
+    foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
+
+const LinkedMetamodels* LinkableRepository::tryLink(const Metamodel& metamodel) {
+  if (unlinkable_.contains(metamodel)) return nullptr;
+  try {
+    return &getLinkedMetamodels(metamodel);
+  } catch (const ConflictingDependencies&) {
+    unlinkable_.insert(metamodel);
+    return nullptr;
+  }
+}
+
+std::optional<pathfinder::SemVer> LinkableRepository::getEquivalentSemVer(
+    const std::u16string& metamodelName, const std::u16string& versionText) {
+  return content_.getEquivalentSemVer(metamodelName, versionText);
+}
+
+std::optional<Metamodel> LinkableRepository::getMetamodel(const std::u16string& name,
+                                                          const pathfinder::VersionId& version) {
+  return content_.getMetamodel(name, version);
+}
+
+void LinkableRepository::findMetamodels(const std::u16string& name,
+                                        const pathfinder::VersionRange& range,
+                                        std::vector<Metamodel>& result) {
+  content_.findMetamodels(name, range, result);
+}
+
+void LinkableRepository::findHops(const std::u16string& name, const pathfinder::VersionId& from,
+                                  std::vector<Hop>& result) {
+  content_.findHops(name, from, result);
+  if (!hidesUnlinkable_) return;
+  std::erase_if(result, [this](const Hop& hop) { return leadsToUnlinkable(hop); });
+}
+
+bool LinkableRepository::leadsToUnlinkable(const Hop& hop) {
+  const auto target = content_.getMetamodel(hop.name, hop.to);
+  if (!target || tryLink(*target) != nullptr) return false;
+  const bool isNew = std::find(hidden_.begin(), hidden_.end(), *target) == hidden_.end();
+  if (isNew) hidden_.push_back(*target);
+  return true;
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,90 @@
+#include "catalogue/explanation/linking_obstacle.hpp"
+
+#include <set>
+
+#include "catalogue/explanation/clash_search.hpp"
+#include "catalogue/explanation/selection_lookup.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Dependency;
+using pathfinder::Metamodel;
+
+namespace {
+
+std::vector<Metamodel> candidatesFor(Inquiry& inquiry, const Dependency& dependency) {
+  std::vector<Metamodel> result;
+  inquiry.repository().findMetamodels(dependency.name, dependency.range, result);
+  return result;
+}
+
+/// Linking fails as soon as one candidate of a dependency cannot be linked.
+std::optional<Metamodel> findUnlinkableCandidate(Inquiry& inquiry, const Metamodel& metamodel) {
+  for (const Dependency& dependency : metamodel.dependencies) {
+    for (const Metamodel& candidate : candidatesFor(inquiry, dependency)) {
+      if (inquiry.repository().tryLink(candidate) == nullptr) return candidate;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The dependencies that are chosen for: of several with one name only the first counts.
+std::vector<Dependency> decisiveDependencies(const Metamodel& metamodel) {
+  std::vector<Dependency> result;
+  std::set<std::u16string> names;
+  for (const Dependency& dependency : metamodel.dependencies) {
+    if (names.insert(dependency.name).second) result.push_back(dependency);
+  }
+  return result;
+}
+
+pathfinder::VersionId nearTo(const pathfinder::VersionRange& range) {
+  if (!range.isSemVerRange()) return range.getText();
+  return range.getSemVerRange().lower;
+}
+
+/// Says what a party of a clash between dependencies requires from their owner's point of view.
+void prependOwner(const Metamodel& owner, Clash& clash) {
+  for (auto& [chain, name, range] : clash.requirements) {
+    if (range) {
+      chain.insert(chain.begin(), {owner.name, owner.version});
+      continue;
+    }
+    for (const Dependency& dependency : decisiveDependencies(owner)) {
+      if (dependency.name == name) range = dependency.range;
+    }
+    chain = {{owner.name, owner.version}};
+  }
+}
+
+}  // namespace
+
+Unlinkable explainUnlinkable(Inquiry& inquiry, const Metamodel& metamodel) {
+  Unlinkable result;
+  Metamodel owner = metamodel;
+  result.chain.push_back({owner.name, owner.version});
+  while (auto candidate = findUnlinkableCandidate(inquiry, owner)) {
+    owner = *std::move(candidate);
+    result.chain.push_back({owner.name, owner.version});
+  }
+  std::vector<Candidates> choices;
+  for (const Dependency& dependency : decisiveDependencies(owner)) {
+    Candidates choice{dependency.name, {}};
+    for (const Metamodel& candidate : candidatesFor(inquiry, dependency)) {
+      const LinkedMetamodels* linked = inquiry.repository().tryLink(candidate);
+      choice.linked.insert(choice.linked.end(), linked->begin(), linked->end());
+    }
+    if (choice.linked.empty()) {
+      result.unmet = dependency;
+      result.nearestVersions = nearestVersions(nearTo(dependency.range),
+                                               inquiry.content().listMetamodels(dependency.name));
+      return result;
+    }
+    choices.push_back(std::move(choice));
+  }
+  result.clash = findClash(choices);
+  if (result.clash) prependOwner(owner, *result.clash);
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

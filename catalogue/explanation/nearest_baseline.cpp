@@ -1,0 +1,254 @@
+#include "catalogue/explanation/nearest_baseline.hpp"
+
+#include <algorithm>
+
+#include "catalogue/explanation/goal_subsets.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Metamodel;
+using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
+
+namespace {
+
+/// A version that a goal's metamodel may have in the end, and how many hops it has left then.
+struct Option {
+  const Metamodel* version;  ///< null: any, or none
+  std::size_t hopsLeft;
+};
+
+/// The options of one metamodel, ascending by hops left.
+struct Choice {
+  std::u16string name;
+  std::vector<Option> options;
+};
+
+struct Arrival {
+  Path path;
+  VersionBaseline baseline;
+};
+
+/// Finds, among selections that take one option of each choice, a reachable one with the fewest
+/// hops left in all.
+class FewestHops {
+ public:
+  FewestHops(const PosedQuestion& question, std::vector<std::vector<Choice>> alternatives)
+      : question_(question), alternatives_(std::move(alternatives)) {}
+
+  bool isProven() const { return isProven_; }
+
+  std::optional<Arrival> run() {
+    for (auto& choices : alternatives_) dropHopeless(choices);
+    std::size_t least = ~std::size_t{0};
+    std::size_t most = 0;
+    for (const auto& choices : alternatives_) {
+      least = std::min(least, sum(choices, [](const auto& options) { return options.front(); }));
+      most = std::max(most, sum(choices, [](const auto& options) { return options.back(); }));
+    }
+    for (std::size_t hopsLeft = least; hopsLeft <= most; ++hopsLeft) {
+      if (question_.inquiry->isSpent()) break;
+      targets_.clear();
+      isUnbound_ = false;
+      visits_ = 0;
+      for (const auto& choices : alternatives_) {
+        SelectedMetamodels selection;
+        enumerate(choices, 0, hopsLeft, selection);
+      }
+      if (visits_ > mostVisits) break;
+      if (auto arrival = ask()) return arrival;
+    }
+    isProven_ = false;
+    return takeOneByOne();
+  }
+
+ private:
+  static constexpr std::size_t mostVisits = 20'000;
+  static constexpr std::size_t mostTargets = 5'000;
+
+  template <class Pick>
+  static std::size_t sum(const std::vector<Choice>& choices, const Pick& pick) {
+    std::size_t result = 0;
+    for (const Choice& choice : choices) result += pick(choice.options).hopsLeft;
+    return result;
+  }
+
+  /// Takes away the options with fewer hops left than the choice can be brought to with all those
+  /// that are fixed.
+  void dropHopeless(std::vector<Choice>& choices) {
+    SelectedMetamodels fixed;
+    for (const Choice& choice : choices) {
+      if (choice.options.size() == 1) add(choice.options.front(), fixed);
+    }
+    for (Choice& choice : choices) {
+      auto& options = choice.options;
+      while (options.size() > 1 && !question_.inquiry->isSpent()) {
+        SelectedMetamodels selection = fixed;
+        add(options.front(), selection);
+        if (question_.canReach(selection)) break;
+        options.erase(options.begin());
+      }
+    }
+  }
+
+  static void add(const Option& option, SelectedMetamodels& selection) {
+    if (option.version != nullptr) selection.emplace(option.version->name, *option.version);
+  }
+
+  /// Gathers the baselines of all selections with just so many hops left.
+  void enumerate(const std::vector<Choice>& choices, std::size_t position, std::size_t hopsLeft,
+                 SelectedMetamodels& selection) {
+    if (++visits_ > mostVisits || targets_.size() > mostTargets) {
+      visits_ = mostVisits + 1;
+      return;
+    }
+    if (position == choices.size()) {
+      if (hopsLeft != 0) return;
+      isUnbound_ |= selection.empty();
+      for (auto& baseline : question_.inquiry->combine(selection)) {
+        targets_.push_back(std::move(baseline));
+      }
+      return;
+    }
+    for (const Option& option : choices[position].options) {
+      if (option.hopsLeft > hopsLeft) break;
+      add(option, selection);
+      enumerate(choices, position + 1, hopsLeft - option.hopsLeft, selection);
+      if (option.version != nullptr) selection.erase(option.version->name);
+    }
+  }
+
+  std::optional<Arrival> ask() const {
+    if (isUnbound_) return Arrival{{}, question_.sources.front()};
+    if (targets_.empty()) return std::nullopt;
+    auto path = question_.inquiry->findPath(question_.sources, targets_, question_.direction);
+    if (!path) return std::nullopt;
+    return arrivalBy(*std::move(path), targets_);
+  }
+
+  Arrival arrivalBy(Path path, const std::vector<VersionBaseline>& targets) const {
+    if (!path.empty()) {
+      VersionBaseline baseline = path.back().to;
+      return {std::move(path), std::move(baseline)};
+    }
+    const auto source = std::find_if(
+        question_.sources.begin(), question_.sources.end(), [&](const auto& candidate) {
+          return std::any_of(targets.begin(), targets.end(), [&](const VersionBaseline& target) {
+            return candidate.includes(target);
+          });
+        });
+    return {{}, *source};
+  }
+
+  /// Without the questions to find the best: fixes the first choices first, each as well as it can
+  /// be, and once no questions are left only those that are fixed already.
+  std::optional<Arrival> takeOneByOne() {
+    SelectedMetamodels fixed;
+    for (const Choice& choice : alternatives_.front()) {
+      if (choice.options.size() == 1) add(choice.options.front(), fixed);
+    }
+    for (const Choice& choice : alternatives_.front()) {
+      if (choice.options.size() == 1) continue;
+      for (const Option& option : choice.options) {
+        if (option.version == nullptr) break;
+        if (question_.inquiry->isSpent()) break;
+        SelectedMetamodels extended = fixed;
+        add(option, extended);
+        if (!question_.canReach(extended)) continue;
+        fixed = std::move(extended);
+        break;
+      }
+    }
+    if (fixed.empty()) return Arrival{{}, question_.sources.front()};
+    const auto targets = question_.inquiry->combine(fixed);
+    auto path = question_.inquiry->findPath(question_.sources, targets, question_.direction);
+    if (!path) return std::nullopt;
+    return arrivalBy(*std::move(path), targets);
+  }
+
+  const PosedQuestion& question_;
+  std::vector<std::vector<Choice>> alternatives_;
+  std::vector<VersionBaseline> targets_;
+  bool isUnbound_ = false;  // a selection leaves everything open
+  std::size_t visits_ = 0;
+  bool isProven_ = true;
+};
+
+/// All versions within reach from which the goal has a chain of hops.
+Choice chainTo(const PosedQuestion& question, const Metamodel& goal) {
+  const HopGraph& graph = question.graphs->of(goal.name);
+  const std::vector<bool> isReached = graph.reachedFrom(question.starts.at(goal.name));
+  const auto hopsLeft = graph.hopsTo(goal.version);
+  Choice result{goal.name, {}};
+  for (HopGraph::Vertex vertex = 0; vertex < isReached.size(); ++vertex) {
+    if (isReached[vertex] && hopsLeft[vertex]) {
+      result.options.push_back({&graph.versions()[vertex], *hopsLeft[vertex]});
+    }
+  }
+  std::stable_sort(
+      result.options.begin(), result.options.end(),
+      [](const Option& left, const Option& right) { return left.hopsLeft < right.hopsLeft; });
+  return result;
+}
+
+std::vector<Choice> choicesFor(const PosedQuestion& question, const Names& arriving) {
+  std::vector<Choice> result;
+  for (const auto& [name, goal] : question.goals) {
+    if (arriving.contains(name)) {
+      result.push_back({name, {{&goal, 0}}});
+      continue;
+    }
+    result.push_back(chainTo(question, goal));
+    result.back().options.push_back({nullptr, question.graphs->of(name).versions().size()});
+  }
+  return result;
+}
+
+void describe(const PosedQuestion& question, NearestBaseline& result) {
+  for (const auto& [name, goal] : question.goals) {
+    const NamedVersion target{name, goal.version};
+    const auto held = result.baseline.metamodels.find(name);
+    if (held == result.baseline.metamodels.end()) {
+      result.unfinished.push_back({target, std::nullopt, std::nullopt});
+    } else if (held->second->version == goal.version) {
+      result.arrived.push_back(target);
+    } else {
+      const HopGraph& graph = question.graphs->of(name);
+      const VersionId& version = held->second->version;
+      const auto vertex = graph.find(version);
+      const auto hopsLeft = vertex ? graph.hopsTo(goal.version)[*vertex] : std::nullopt;
+      result.unfinished.push_back({target, version, hopsLeft});
+    }
+  }
+}
+
+}  // namespace
+
+NearestBaseline findNearestBaseline(const PosedQuestion& question) {
+  const GoalSubsets subsets = findLargestGoalSubsets(question);
+  std::vector<std::vector<Choice>> alternatives;
+  for (const Names& arriving : subsets.largest) {
+    alternatives.push_back(choicesFor(question, arriving));
+  }
+  FewestHops search(question, std::move(alternatives));
+  auto arrival = search.run();
+  if (!arrival) arrival = Arrival{{}, question.sources.front()};
+  NearestBaseline result{std::move(arrival->path), std::move(arrival->baseline), {}, {}, false};
+  result.isProven = subsets.isProven && search.isProven() && !question.inquiry->hasCut();
+  describe(question, result);
+  return result;
+}
+
+std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
+  std::vector<Choice> choices;
+  for (const auto& [name, goal] : question.goals) {
+    choices.push_back(chainTo(question, goal));
+    if (choices.back().options.empty()) return std::nullopt;
+  }
+  FewestHops search(question, {std::move(choices)});
+  const auto arrival = search.run();
+  if (!arrival || !search.isProven()) return std::nullopt;
+  return arrival->baseline;
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,124 @@
+#include "catalogue/explanation/posed_question.hpp"
+
+#include <algorithm>
+#include <deque>
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Dependency;
+using pathfinder::Hop;
+using pathfinder::Metamodel;
+using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
+using pathfinder::VersionRepository;
+
+namespace {
+
+/// What hops and dependencies lead to, each metamodel by itself.
+class Reach {
+ public:
+  Reach(VersionRepository& repository, Direction direction, const std::set<std::u16string>& held)
+      : repository_(repository), direction_(direction), held_(held) {}
+
+  void enter(const Metamodel& metamodel) {
+    std::vector<VersionId>& known = reached_[metamodel.name];
+    if (std::find(known.begin(), known.end(), metamodel.version) != known.end()) return;
+    known.push_back(metamodel.version);
+    waiting_.push_back(metamodel);
+  }
+
+  void spread() {
+    for (; !waiting_.empty(); waiting_.pop_front()) {
+      const Metamodel current = waiting_.front();
+      followHops(current);
+      followDependencies(current);
+    }
+  }
+
+  /// The versions of a metamodel that some dependency may bring in.
+  std::vector<VersionId> broughtIn(const std::u16string& name) const {
+    const auto found = broughtIn_.find(name);
+    return found == broughtIn_.end() ? std::vector<VersionId>() : found->second;
+  }
+
+ private:
+  void followHops(const Metamodel& current) {
+    std::vector<Hop> hops;
+    repository_.findHops(current.name, current.version, hops);
+    for (const Hop& hop : hops) {
+      const auto target = repository_.getMetamodel(hop.name, hop.to);
+      if (!target) continue;
+      const Direction hopDirection = repository_.getDirection(current, *target);
+      if (VersionRepository::areDirectionsInconsistent(direction_, hopDirection)) continue;
+      enter(*target);
+    }
+  }
+
+  void followDependencies(const Metamodel& current) {
+    for (const Dependency& dependency : current.dependencies) {
+      if (held_.contains(dependency.name)) continue;
+      std::vector<Metamodel> candidates;
+      repository_.findMetamodels(dependency.name, dependency.range, candidates);
+      for (const Metamodel& candidate : candidates) {
+        std::vector<VersionId>& known = broughtIn_[candidate.name];
+        const bool isNew = std::find(known.begin(), known.end(), candidate.version) == known.end();
+        if (isNew) known.push_back(candidate.version);
+        enter(candidate);
+      }
+    }
+  }
+
+  VersionRepository& repository_;
+  const Direction direction_;
+  const std::set<std::u16string>& held_;  // by every source: can only be moved
+  std::map<std::u16string, std::vector<VersionId>> reached_;
+  std::map<std::u16string, std::vector<VersionId>> broughtIn_;
+  std::deque<Metamodel> waiting_;
+};
+
+std::set<std::u16string> heldByAll(const std::vector<VersionBaseline>& baselines) {
+  std::set<std::u16string> result;
+  for (const auto& [name, linked] : baselines.front().metamodels) {
+    const bool isHeld = std::all_of(
+        baselines.begin(), baselines.end(),
+        [&name = name](const auto& baseline) { return baseline.metamodels.contains(name); });
+    if (isHeld) result.insert(name);
+  }
+  return result;
+}
+
+void addHeld(const std::vector<VersionBaseline>& baselines, const std::u16string& name,
+             std::vector<VersionId>& result) {
+  for (const VersionBaseline& baseline : baselines) {
+    const auto held = baseline.metamodels.find(name);
+    if (held == baseline.metamodels.end()) continue;
+    const VersionId& version = held->second->version;
+    if (std::find(result.begin(), result.end(), version) == result.end()) result.push_back(version);
+  }
+}
+
+}  // namespace
+
+void findStarts(PosedQuestion& question) {
+  const std::set<std::u16string> held = heldByAll(question.sources);
+  for (const auto& [name, goal] : question.goals) {
+    addHeld(question.sources, name, question.starts[name]);
+    if (!held.contains(name)) question.newcomers.insert(name);
+  }
+  if (question.newcomers.empty()) return;
+  Reach reach(question.inquiry->repository(), question.direction, held);
+  for (const VersionBaseline& source : question.sources) {
+    for (const auto& [name, linked] : source.metamodels) reach.enter(*linked);
+  }
+  reach.spread();
+  for (const std::u16string& name : question.newcomers) {
+    for (const VersionId& version : reach.broughtIn(name)) {
+      std::vector<VersionId>& starts = question.starts[name];
+      if (std::find(starts.begin(), starts.end(), version) == starts.end()) {
+        starts.push_back(version);
+      }
+    }
+  }
+}
+
+}  // namespace tarn::evolution::catalogue

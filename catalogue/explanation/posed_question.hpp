@@ -1,0 +1,42 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "catalogue/explanation/hop_graph.hpp"
+#include "catalogue/explanation/inquiry.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// A question whose versions are known and whose source is consistent, or a part of one.
+struct PosedQuestion {
+  Inquiry* inquiry;
+  HopGraphs* graphs;
+  Direction direction;
+  std::vector<pathfinder::VersionBaseline> sources;  ///< not empty
+  SelectedMetamodels goals;
+
+  /// The versions from which hops may bring each goal to its target: those that the sources hold,
+  /// or else those that a version within reach may bring in (see `findStarts`).
+  std::map<std::u16string, std::vector<pathfinder::VersionId>> starts;
+
+  /// The goals that not every source holds.
+  std::set<std::u16string> newcomers;
+
+  /// Whether baselines that hold some of the goals can be reached. Asks one question, or none when
+  /// the goals cannot stand together.
+  bool canReach(const SelectedMetamodels& someGoals) const {
+    if (someGoals.empty()) return true;
+    const std::vector<pathfinder::VersionBaseline> targets = inquiry->combine(someGoals);
+    return !targets.empty() && inquiry->findPath(sources, targets, direction).has_value();
+  }
+};
+
+/// Fills in `starts` and `newcomers`. For newcomers follows hops and dependencies from all that the
+/// sources hold, each metamodel as if it could move alone: what that does not bring in, nothing
+/// does.
+void findStarts(PosedQuestion& question);
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,36 @@
+#include "catalogue/picture/baseline_output.hpp"
+
+#include "catalogue/explanation/printed_text.hpp"
+#include "catalogue/picture/display_text.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+std::map<std::u16string, std::string> inOrder(const LinkedByName& members) {
+  std::map<std::u16string, std::string> ordered;
+  for (const auto& [name, linked] : members) ordered.emplace(name, textOf(linked->version));
+  return ordered;
+}
+
+}  // namespace
+
+std::string listMembers(const LinkedByName& members) {
+  std::string list;
+  for (const auto& [name, version] : inOrder(members)) {
+    if (!list.empty()) list += ", ";
+    list += toVisible(fl::i18n::ustring_to_utf8(name) + " " + version);
+  }
+  return list;
+}
+
+nlohmann::ordered_json membersToJson(const LinkedByName& members) {
+  auto object = nlohmann::ordered_json::object();
+  for (const auto& [name, version] : inOrder(members)) {
+    object[fl::i18n::ustring_to_utf8(name)] = version;
+  }
+  return object;
+}
+
+}  // namespace tarn::evolution::catalogue

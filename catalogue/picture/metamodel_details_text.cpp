@@ -1,0 +1,127 @@
+#include <algorithm>
+#include <iomanip>
+#include <map>
+#include <ostream>
+
+#include "catalogue/explanation/printed_text.hpp"
+#include "catalogue/picture/baseline_output.hpp"
+#include "catalogue/picture/display_text.hpp"
+#include "catalogue/picture/metamodel_details.hpp"
+#include "catalogue/picture/range_text.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Dependency;
+using pathfinder::Hop;
+
+namespace {
+
+std::string visibleName(const std::u16string& name) {
+  return toVisible(fl::i18n::ustring_to_utf8(name));
+}
+
+template <class Value>
+std::string visible(const Value& value) {
+  return toVisible(textOf(value));
+}
+
+/// A list with a label before its first line.
+class LabelledList {
+ public:
+  LabelledList(const char* label, std::ostream& out) : label_(label), out_(out) {}
+
+  void add(const std::string& line) {
+    out_ << "    " << padTo(9, label_) << line << "\n";
+    label_ = "";
+  }
+
+ private:
+  const char* label_;
+  std::ostream& out_;
+};
+
+void writeHops(const VersionDetails& version, std::ostream& out) {
+  LabelledList from("from", out);
+  for (const Hop& hop : version.hopsIn) {
+    from.add(visible(hop.from) + (hop.expensive ? "  expensive" : ""));
+  }
+  LabelledList to("to", out);
+  for (const Hop& hop : version.hopsOut) {
+    to.add(visible(hop.to) + (hop.expensive ? "  expensive" : ""));
+  }
+}
+
+void writeVariants(const VersionDetails& version, std::ostream& out) {
+  if (!version.variants) return;
+  LabelledList variants("linked", out);
+  if (version.variants->empty()) variants.add("not at all: what it needs cannot stand together");
+  for (const auto& variant : *version.variants) {
+    const bool isAlone = variant->linkedMetamodels.empty();
+    variants.add(isAlone ? "alone" : "with " + listMembers(variant->linkedMetamodels));
+  }
+}
+
+void writeVersion(const VersionDetails& version, std::ostream& out) {
+  out << "  " << visible(version.metamodel.descriptor.version);
+  if (version.metamodel.equivalent) out << " = " << *version.metamodel.equivalent;
+  out << "\n";
+  LabelledList needs("needs", out);
+  for (const Dependency& dependency : version.metamodel.descriptor.dependencies) {
+    needs.add(visibleName(dependency.name) + " " + toVisible(rangeText(dependency.range)));
+  }
+  writeHops(version, out);
+  writeVariants(version, out);
+}
+
+}  // namespace
+
+void writeSummaryText(const std::vector<MetamodelSummary>& all, Colouring colouring,
+                      std::ostream& out) {
+  std::size_t nameColumns = countColumns("Metamodel");
+  for (const MetamodelSummary& summary : all) {
+    nameColumns = std::max(nameColumns, countColumns(visibleName(summary.name)));
+  }
+  out << emphasise(padTo(nameColumns, "Metamodel") + "  Versions", colouring) << "\n";
+  for (const auto& [name, count, first, last] : all) {
+    out << padTo(nameColumns, visibleName(name)) << "  " << std::setw(8) << count << "  "
+        << visible(first);
+    if (count > 1) out << " .. " << visible(last);
+    out << "\n";
+  }
+}
+
+void writeDetailsText(const std::vector<MetamodelDetails>& details, Colouring colouring,
+                      std::ostream& out) {
+  for (const MetamodelDetails& metamodel : details) {
+    out << emphasise(visibleName(metamodel.name), colouring) << "\n";
+    for (const VersionDetails& version : metamodel.versions) writeVersion(version, out);
+  }
+}
+
+void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baselines,
+                        const Selection& selection, Colouring colouring, std::ostream& out) {
+  if (baselines.empty()) out << "No baseline: the versions cannot stand together.\n";
+  std::size_t nameColumns = 0;
+  for (const auto& baseline : baselines) {
+    for (const auto& [name, linked] : baseline.metamodels) {
+      nameColumns = std::max(nameColumns, countColumns(visibleName(name)));
+    }
+  }
+  for (std::size_t i = 0; i < baselines.size(); ++i) {
+    out << emphasise(
+               "Baseline " + std::to_string(i + 1) + " of " + std::to_string(baselines.size()),
+               colouring)
+        << "\n";
+    std::map<std::u16string, std::string> members;
+    for (const auto& [name, linked] : baselines[i].metamodels) {
+      members.emplace(name, visible(linked->version));
+    }
+    for (const auto& [name, version] : members) {
+      out << (selection.contains(name) ? "  " : "+ ") << padTo(nameColumns, visibleName(name))
+          << "  " << version << "\n";
+    }
+  }
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "catalogue/picture/path_picture.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The path as a DOT graph for Graphviz: a cluster for each step, a node for each version reached
+/// in it, an edge for each move. Metamodels that never move stand at the start only.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writePathDot(const PathPicture& picture, std::ostream& out);
+
+}  // namespace tarn::evolution::catalogue

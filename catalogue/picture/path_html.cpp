@@ -1,0 +1,166 @@
+#include "catalogue/picture/path_html.hpp"
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+
+#include "catalogue/explanation/printed_text.hpp"
+#include "catalogue/picture/markup.hpp"
+#include "catalogue/picture/path_page.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+using MoveKind = PathPicture::MoveKind;
+
+const char* classOf(MoveKind kind) {
+  switch (kind) {
+    case MoveKind::expensive:
+      return "dear";
+    case MoveKind::entering:
+      return "enter";
+    case MoveKind::ordinary:
+      break;
+  }
+  return "move";
+}
+
+class PageWriter {
+ public:
+  PageWriter(const PathPicture& picture, std::ostream& out) : picture_(picture), out_(out) {}
+
+  void write() const {
+    writeHead();
+    out_ << "<body>\n";
+    writeHeader();
+    out_ << "<main>\n";
+    writeLanes();
+    writeSteps();
+    out_ << "</main>\n<script>" << pathPageScript << "</script>\n</body>\n</html>\n";
+  }
+
+ private:
+  void writeHead() const {
+    out_ << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+            R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; )"
+            "style-src 'unsafe-inline'; script-src 'unsafe-inline'; img-src data:\">\n"
+            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+            "<link rel=\"icon\" href=\"data:,\">\n<title>Evolution path: "
+         << summarise(picture_) << "</title>\n<style>\n"
+         << pathPageStyle << "</style>\n</head>\n";
+  }
+
+  void writeHeader() const {
+    const auto moved = std::count_if(picture_.lanes.begin(), picture_.lanes.end(),
+                                     [](const PathPicture::Lane& lane) { return lane.isMoved; });
+    out_ << "<header>\n<h1>Evolution path</h1>\n<p>" << summarise(picture_) << "; "
+         << countedText(picture_.lanes.size(), "metamodel") << ", " << moved << " moved</p>\n"
+         << R"(<div class="tools" role="search">
+<label for="search">Search names <kbd>/</kbd></label>
+<input type="search" id="search" autocomplete="off" spellcheck="false">
+<label><input type="checkbox" id="moved-only"> Moved only</label>
+<output id="matches" for="search moved-only" aria-live="polite"></output>
+</div>
+<div class="key">
+<span class="move"><i class="way"></i>move</span>
+<span class="dear"><i class="way"></i>expensive move (!)</span>
+<span class="enter"><i class="way"></i>brought in by a link (+)</span>
+<span><i class="sample-tie"></i>moves together</span>
+<span class="keys"><kbd>←</kbd> <kbd>→</kbd> step &nbsp; <kbd>Esc</kbd> clear</span>
+</div>
+</header>
+)";
+  }
+
+  void writeLanes() const {
+    out_ << "<section id=\"picture\" tabindex=\"0\" aria-label=\"Swim lanes\">\n<table>\n"
+            R"(<thead><tr><th scope="col">Metamodel</th><th scope="col">Start</th>)";
+    for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
+      out_ << R"(<th scope="col"><button type="button" tabindex="-1">Step )" << i + 1
+           << "<small>weight " << picture_.steps[i].weight << "</small></button></th>";
+    }
+    out_ << "</tr></thead>\n<tbody>\n";
+    const auto cells = layOutCells(picture_);
+    for (std::size_t i = 0; i < cells.size(); ++i) writeLane(picture_.lanes[i], cells[i]);
+    out_ << "</tbody>\n</table>\n</section>\n";
+  }
+
+  void writeLane(const PathPicture::Lane& lane, const std::vector<PathCell>& cells) const {
+    const std::string name = escapeXml(lane.name);
+    out_ << "<tr data-name=\"" << name << "\"" << (lane.isMoved ? "" : " class=\"unmoved\"")
+         << R"(><th scope="row" title=")" << name << "\"><bdi>" << name << "</bdi></th>";
+    bool begins = true;
+    for (const PathCell& cell : cells) {
+      writeCell(lane, cell, begins);
+      if (cell.kind != PathCell::Kind::absent) begins = false;
+    }
+    out_ << "</tr>\n";
+  }
+
+  void writeCell(const PathPicture::Lane& lane, const PathCell& cell, bool begins) const {
+    std::string classes;
+    if (cell.kind != PathCell::Kind::absent) classes += begins ? " held begins" : " held";
+    if (cell.move != nullptr) classes += std::string(" ") + classOf(cell.move->kind);
+    const bool isTied = cell.isTiedUpward || cell.isTiedDownward;
+    if (cell.move != nullptr || isTied) classes += " band";
+    out_ << "<td";
+    if (!classes.empty()) out_ << " class=\"" << classes.substr(1) << "\"";
+    if (!cell.version.empty()) {
+      const std::string text =
+          cell.move == nullptr ? lane.name + " at " + cell.version : describe(picture_, *cell.move);
+      out_ << " title=\"" << escapeXml(text) << "\"";
+    }
+    out_ << ">";
+    if (cell.isTiedUpward) out_ << "<i class=\"tie up\"></i>";
+    if (cell.isTiedDownward) out_ << "<i class=\"tie down\"></i>";
+    if (cell.move != nullptr) out_ << R"(<i class="way"></i><i class="dot"></i>)";
+    if (cell.move != nullptr || cell.kind == PathCell::Kind::start) writeBox(cell);
+    out_ << "</td>";
+  }
+
+  void writeBox(const PathCell& cell) const {
+    out_ << "<span class=\"box\"><bdi>" << escapeXml(cell.version) << "</bdi>";
+    if (cell.move != nullptr && cell.move->kind != MoveKind::ordinary) {
+      const bool enters = cell.move->kind == MoveKind::entering;
+      out_ << R"(<span class="badge" aria-hidden="true">)" << (enters ? "+" : "!")
+           << "</span><span class=\"unseen\">" << (enters ? "brought in" : "expensive")
+           << "</span>";
+    }
+    out_ << "</span>";
+  }
+
+  void writeSteps() const {
+    out_ << "<aside aria-label=\"Steps\">\n<h2>Steps</h2>\n<ol id=\"steps\">\n";
+    for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
+      out_ << "<li><button type=\"button\">Step " << i + 1 << " <small>weight "
+           << picture_.steps[i].weight << "</small></button>\n<ul>\n";
+      for (const PathPicture::Move& move : picture_.steps[i].moves) writeMove(move);
+      out_ << "</ul></li>\n";
+    }
+    out_ << "</ol>\n</aside>\n";
+  }
+
+  void writeMove(const PathPicture::Move& move) const {
+    const std::string name = escapeXml(picture_.lanes[move.lane].name);
+    out_ << "<li data-name=\"" << name << "\"><bdi>" << name << "</bdi> <span class=\"versions\">";
+    if (move.kind != MoveKind::entering) {
+      out_ << "<bdi>" << escapeXml(move.from) << "</bdi> → ";
+    }
+    out_ << "<bdi>" << escapeXml(move.to) << "</bdi></span>";
+    if (move.kind == MoveKind::expensive) out_ << " <span class=\"note\">expensive</span>";
+    if (move.kind == MoveKind::entering) out_ << " <span class=\"note link\">brought in</span>";
+    out_ << "</li>\n";
+  }
+
+  const PathPicture& picture_;
+  std::ostream& out_;
+};
+
+}  // namespace
+
+void writePathHtml(const PathPicture& picture, std::ostream& out) {
+  PageWriter(picture, out).write();
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,119 @@
+#include "catalogue/picture/path_picture.hpp"
+
+#include <algorithm>
+#include <map>
+
+#include "catalogue/explanation/printed_text.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::BaselineHop;
+using pathfinder::VersionBaseline;
+
+namespace {
+
+using LaneNumbers = std::map<std::u16string, std::size_t>;
+
+/// A lane for each metamodel that the source or a step's end holds.
+LaneNumbers addLanes(const VersionBaseline& source, const std::vector<BaselineHop>& path,
+                     std::vector<PathPicture::Lane>& lanes) {
+  LaneNumbers numbers;
+  for (const auto& [name, linked] : source.metamodels) numbers.emplace(name, 0);
+  for (const BaselineHop& step : path) {
+    for (const auto& [name, linked] : step.to.metamodels) numbers.emplace(name, 0);
+  }
+  for (auto& [name, number] : numbers) {
+    number = lanes.size();
+    const auto held = source.metamodels.find(name);
+    lanes.push_back({fl::i18n::ustring_to_utf8(name),
+                     held == source.metamodels.end() ? "" : textOf(held->second->version), false});
+  }
+  return numbers;
+}
+
+std::vector<PathPicture::Move> listMoves(const BaselineHop& step, const LaneNumbers& lanes) {
+  std::vector<PathPicture::Move> moves;
+  for (const auto& [name, hop] : step.hops) {
+    moves.push_back(
+        {lanes.at(name), textOf(hop.from), textOf(hop.to),
+         hop.expensive ? PathPicture::MoveKind::expensive : PathPicture::MoveKind::ordinary});
+  }
+  for (const auto& [name, linked] : step.to.metamodels) {
+    if (step.from.metamodels.contains(name)) continue;
+    moves.push_back({lanes.at(name), "", textOf(linked->version), PathPicture::MoveKind::entering});
+  }
+  std::sort(moves.begin(), moves.end(),
+            [](const PathPicture::Move& left, const PathPicture::Move& right) {
+              const bool entersLeft = left.kind == PathPicture::MoveKind::entering;
+              const bool entersRight = right.kind == PathPicture::MoveKind::entering;
+              return entersLeft != entersRight ? entersRight : left.lane < right.lane;
+            });
+  return moves;
+}
+
+/// Marks the places between a step's first and last moved lane.
+void tieMoves(const PathPicture::Step& step, std::size_t column,
+              std::vector<std::vector<PathCell>>& cells) {
+  if (step.moves.empty()) return;
+  const auto [first, last] = std::minmax_element(
+      step.moves.begin(), step.moves.end(),
+      [](const auto& left, const auto& right) { return left.lane < right.lane; });
+  for (std::size_t lane = first->lane; lane <= last->lane; ++lane) {
+    cells[lane][column].isTiedUpward = lane > first->lane;
+    cells[lane][column].isTiedDownward = lane < last->lane;
+  }
+}
+
+}  // namespace
+
+PathPicture drawPath(const pathfinder::VersionRepository& repository, const VersionBaseline& source,
+                     const std::vector<BaselineHop>& path) {
+  PathPicture picture;
+  const LaneNumbers numbers = addLanes(source, path, picture.lanes);
+  for (const BaselineHop& step : path) {
+    picture.steps.push_back({listMoves(step, numbers), repository.getWeight(step.hops)});
+    picture.weight += picture.steps.back().weight;
+    for (const auto& move : picture.steps.back().moves) picture.lanes[move.lane].isMoved = true;
+  }
+  return picture;
+}
+
+std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
+  std::vector<std::vector<PathCell>> cells(picture.lanes.size(),
+                                           std::vector<PathCell>(picture.steps.size() + 1));
+  for (std::size_t lane = 0; lane < picture.lanes.size(); ++lane) {
+    if (picture.lanes[lane].start.empty()) continue;
+    cells[lane][0].kind = PathCell::Kind::start;
+    cells[lane][0].version = picture.lanes[lane].start;
+  }
+  for (std::size_t column = 1; column <= picture.steps.size(); ++column) {
+    for (auto& row : cells) {
+      row[column].version = row[column - 1].version;
+      if (!row[column].version.empty()) row[column].kind = PathCell::Kind::unmoved;
+    }
+    for (const PathPicture::Move& move : picture.steps[column - 1].moves) {
+      PathCell& cell = cells[move.lane][column];
+      cell.kind = PathCell::Kind::move;
+      cell.version = move.to;
+      cell.move = &move;
+    }
+    tieMoves(picture.steps[column - 1], column, cells);
+  }
+  return cells;
+}
+
+std::string summarise(const PathPicture& picture) {
+  return countedText(picture.steps.size(), "step") + ", weight " + std::to_string(picture.weight);
+}
+
+std::string describe(const PathPicture& picture, const PathPicture::Move& move) {
+  const std::string& name = picture.lanes[move.lane].name;
+  if (move.kind == PathPicture::MoveKind::entering) {
+    return name + " enters at " + move.to + ", brought in by a link";
+  }
+  return name + " from " + move.from + " to " + move.to +
+         (move.kind == PathPicture::MoveKind::expensive ? ", expensive" : "");
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,261 @@
+#include "catalogue/picture/path_svg.hpp"
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+
+#include "catalogue/picture/markup.hpp"
+#include "catalogue/picture/swim_lanes.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+constexpr const char* style = R"(<style>
+  svg { --paper: #fff; --ink: #1b2530; --quiet: #5c6873; --line: #b4bec7; --stripe: #f5f7f9;
+        --band: #e3eef7; --move: #0068a3; --dear: #a83e00; --enter: #00664d; }
+  @media (prefers-color-scheme: dark) {
+    svg { --paper: #14191f; --ink: #e8edf2; --quiet: #9fabb6; --line: #4a5661; --stripe: #1a2027;
+          --band: #1d3346; --move: #6cb8ee; --dear: #f5a45d; --enter: #52cfa9; }
+  }
+  text { font: 13px system-ui, "Segoe UI", "Noto Sans", "DejaVu Sans", sans-serif;
+         fill: var(--ink); unicode-bidi: isolate; white-space: pre; }
+  .heading { font-weight: 600; }
+  .weight { font-size: 11px; fill: var(--quiet); }
+  .summary { font-size: 16px; font-weight: 600; }
+  .key { font-size: 11px; fill: var(--quiet); }
+  .quiet { fill: var(--quiet); }
+  .paper { fill: var(--paper); }
+  .stripe { fill: var(--stripe); }
+  .band { fill: var(--band); }
+  .held { stroke: var(--line); stroke-width: 1.5; }
+  .box { fill: var(--paper); stroke: var(--line); stroke-width: 1.25; }
+  .move .box { stroke: var(--move); stroke-width: 1.75; }
+  .dear .box { stroke: var(--dear); stroke-width: 2.5; }
+  .enter .box { stroke: var(--enter); stroke-width: 1.75; stroke-dasharray: 4 3; }
+  .way { fill: none; stroke-width: 2.5; stroke: var(--move); }
+  .dear .way { stroke: var(--dear); stroke-width: 2; }
+  .enter .way { stroke: var(--enter); stroke-dasharray: 4 3; }
+  .tip { fill: var(--move); }
+  .dear .tip, .dear .badge { fill: var(--dear); }
+  .enter .tip, .enter .badge { fill: var(--enter); }
+  .tie { stroke: var(--move); stroke-width: 2.5; }
+  .mark { fill: none; stroke: var(--paper); stroke-width: 1.75; stroke-linecap: round; }
+</style>
+)";
+
+const char* classOf(PathPicture::MoveKind kind) {
+  switch (kind) {
+    case PathPicture::MoveKind::expensive:
+      return "dear";
+    case PathPicture::MoveKind::entering:
+      return "enter";
+    case PathPicture::MoveKind::ordinary:
+      break;
+  }
+  return "move";
+}
+
+class SvgWriter {
+ public:
+  SvgWriter(const PathPicture& picture, std::ostream& out)
+      : picture_(picture), cells_(layOutCells(picture)), lanes_(picture, cells_), out_(out) {}
+
+  void write() const {
+    open();
+    for (std::size_t column = 1; column <= picture_.steps.size(); ++column) writeBand(column);
+    for (std::size_t lane = 0; lane < picture_.lanes.size(); ++lane) writeLane(lane);
+    for (std::size_t column = 0; column <= picture_.steps.size(); ++column) writeHeading(column);
+    for (std::size_t column = 1; column <= picture_.steps.size(); ++column) writeTie(column);
+    for (std::size_t lane = 0; lane < picture_.lanes.size(); ++lane) {
+      for (std::size_t column = 0; column <= picture_.steps.size(); ++column) {
+        writeBox(lane, column);
+      }
+    }
+    writeKey();
+    out_ << "</svg>\n";
+  }
+
+ private:
+  static constexpr int keyHeight = 48;
+  static constexpr int narrowest = 560;  // the key needs as much
+
+  void open() const {
+    const int width = std::max(lanes_.lanesRight() + SwimLanes::margin, narrowest);
+    const int height = lanes_.lanesBottom() + keyHeight + SwimLanes::margin;
+    out_ << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << width << "\" height=\""
+         << height << "\" viewBox=\"0 0 " << width << " " << height
+         << "\" role=\"img\" aria-labelledby=\"title desc\">\n<title id=\"title\">Evolution path: "
+         << summarise(picture_) << "</title>\n<desc id=\"desc\">";
+    for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
+      out_ << "Step " << i + 1 << ": ";
+      const char* separator = "";
+      for (const PathPicture::Move& move : picture_.steps[i].moves) {
+        out_ << separator << escapeXml(describe(picture_, move));
+        separator = "; ";
+      }
+      out_ << ".\n";
+    }
+    out_ << "</desc>\n" << style << rectangle("paper", 0, 0, width, height);
+    for (std::size_t lane = 0; lane < picture_.lanes.size(); lane += 2) {
+      out_ << rectangle("stripe", SwimLanes::margin / 2, SwimLanes::top(lane),
+                        lanes_.lanesRight() - SwimLanes::margin / 2, SwimLanes::laneHeight);
+    }
+    out_ << text("summary", SwimLanes::margin, 36, summarise(picture_));
+  }
+
+  void writeHeading(std::size_t column) const {
+    const int left = lanes_.boxLeft(column);
+    if (column == 0) {
+      out_ << text("heading", left, SwimLanes::firstLaneTop - 28, "Start");
+      return;
+    }
+    out_ << text("heading", left, SwimLanes::firstLaneTop - 28, "Step " + std::to_string(column))
+         << text("weight", left, SwimLanes::firstLaneTop - 10,
+                 "weight " + std::to_string(picture_.steps[column - 1].weight));
+  }
+
+  void writeLane(std::size_t lane) const {
+    const PathPicture::Lane& shown = picture_.lanes[lane];
+    const int baseline = SwimLanes::middle(lane) + 5;
+    out_ << "<g><title>" << escapeXml(shown.name) << "</title>"
+         << text(shown.isMoved ? "name" : "name quiet", SwimLanes::margin, baseline,
+                 SwimLanes::shortName(shown.name))
+         << "</g>\n";
+    const auto& row = cells_[lane];
+    const auto isHeld = [](const PathCell& cell) { return cell.kind != PathCell::Kind::absent; };
+    const auto first = std::find_if(row.begin(), row.end(), isHeld);
+    if (first == row.end()) return;
+    out_ << line("held", lanes_.boxLeft(static_cast<std::size_t>(first - row.begin())),
+                 SwimLanes::middle(lane), lanes_.lanesRight(), SwimLanes::middle(lane));
+  }
+
+  /// The lanes that a step's moves span, the last one included.
+  std::pair<std::size_t, std::size_t> spanOf(std::size_t column) const {
+    std::size_t first = picture_.lanes.size();
+    std::size_t last = 0;
+    for (const PathPicture::Move& move : picture_.steps[column - 1].moves) {
+      first = std::min(first, move.lane);
+      last = std::max(last, move.lane);
+    }
+    return {first, last};
+  }
+
+  void writeBand(std::size_t column) const {
+    const auto [first, last] = spanOf(column);
+    const int top = SwimLanes::top(first) + 1;
+    out_ << rectangle("band", lanes_.left(column) + 3, top, lanes_.width(column) - 6,
+                      SwimLanes::top(last + 1) - 1 - top, 8);
+  }
+
+  void writeTie(std::size_t column) const {
+    const auto [first, last] = spanOf(column);
+    const int x = lanes_.left(column) + SwimLanes::tieOffset;
+    if (first < last) {
+      out_ << line("tie", x, SwimLanes::middle(first), x, SwimLanes::middle(last));
+    }
+  }
+
+  void writeBox(std::size_t lane, std::size_t column) const {
+    const PathCell& cell = cells_[lane][column];
+    if (cell.kind != PathCell::Kind::start && cell.kind != PathCell::Kind::move) return;
+    const std::string whole = cell.move == nullptr
+                                  ? picture_.lanes[lane].name + " at " + cell.version
+                                  : describe(picture_, *cell.move);
+    const char* kind = cell.move == nullptr ? "start" : classOf(cell.move->kind);
+    out_ << "<g class=\"" << kind << "\"><title>" << escapeXml(whole) << "</title>";
+    const int middle = SwimLanes::middle(lane);
+    const int left = lanes_.boxLeft(column);
+    if (cell.move != nullptr) writeArrow(cell.move->kind, column, middle);
+    out_ << rectangle("box", left, middle - SwimLanes::boxHeight / 2, lanes_.boxWidth(cell),
+                      SwimLanes::boxHeight, 5)
+         << text(picture_.lanes[lane].isMoved ? "version" : "version quiet",
+                 left + SwimLanes::boxPadding, middle + 5, SwimLanes::shortVersion(cell.version));
+    if (SwimLanes::hasBadge(cell)) {
+      writeBadge(cell.move->kind, left + lanes_.boxWidth(cell) - SwimLanes::badgeWidth + 4, middle);
+    }
+    out_ << "</g>\n";
+  }
+
+  void writeArrow(PathPicture::MoveKind kind, std::size_t column, int y) const {
+    const bool enters = kind == PathPicture::MoveKind::entering;
+    const bool isDear = kind == PathPicture::MoveKind::expensive;
+    const int from = lanes_.left(column) + (enters ? SwimLanes::tieOffset : 0);
+    writeArrow(from, lanes_.boxLeft(column), y, isDear);
+    out_ << R"(<circle class="tip" cx=")" << lanes_.left(column) + SwimLanes::tieOffset
+         << "\" cy=\"" << y << R"(" r="4"/>)";
+  }
+
+  void writeArrow(int from, int to, int y, bool isDouble) const {
+    if (isDouble) {
+      out_ << line("way", from, y - 3, to - 7, y - 3) << line("way", from, y + 3, to - 7, y + 3);
+    } else {
+      out_ << line("way", from, y, to - 7, y);
+    }
+    out_ << R"(<path class="tip" d="M)" << to - 1 << " " << y << "l-10 -6v12z\"/>";
+  }
+
+  void writeBadge(PathPicture::MoveKind kind, int left, int y) const {
+    out_ << R"(<circle class="badge" cx=")" << left + 5 << "\" cy=\"" << y << R"(" r="7"/>)"
+         << R"(<path class="mark" d="M)" << left + 5 << " ";
+    if (kind == PathPicture::MoveKind::expensive) {
+      out_ << y - 4 << "v4.5m0 3v.2\"/>";
+    } else {
+      out_ << y - 4 << "v8m-4 -4h8\"/>";
+    }
+  }
+
+  void writeKey() const {
+    const int y = lanes_.lanesBottom() + 28;
+    int x = SwimLanes::margin;
+    const auto sample = [&](PathPicture::MoveKind kind, const char* label) {
+      out_ << "<g class=\"" << classOf(kind) << "\">";
+      writeArrow(x, x + 30, y, kind == PathPicture::MoveKind::expensive);
+      x += 34;
+      if (kind != PathPicture::MoveKind::ordinary) {
+        writeBadge(kind, x + 2, y);
+        x += 20;
+      }
+      out_ << "</g>" << text("key", x + 2, y + 4, label);
+      x += estimatePixels(label, SwimLanes::smallFontSize) + 24;
+    };
+    sample(PathPicture::MoveKind::ordinary, "move");
+    sample(PathPicture::MoveKind::expensive, "expensive move");
+    sample(PathPicture::MoveKind::entering, "brought in by a link");
+    out_ << line("tie", x + 4, y - 9, x + 4, y + 9) << text("key", x + 14, y + 4, "moves together");
+  }
+
+  static std::string attribute(const char* name, int value) {
+    return std::string(" ") + name + "=\"" + std::to_string(value) + "\"";
+  }
+
+  static std::string rectangle(const char* kind, int x, int y, int width, int height,
+                               int radius = 0) {
+    return std::string("<rect class=\"") + kind + "\"" + attribute("x", x) + attribute("y", y) +
+           attribute("width", width) + attribute("height", height) +
+           (radius == 0 ? "" : attribute("rx", radius)) + "/>\n";
+  }
+
+  static std::string line(const char* kind, int x1, int y1, int x2, int y2) {
+    return std::string("<line class=\"") + kind + "\"" + attribute("x1", x1) + attribute("y1", y1) +
+           attribute("x2", x2) + attribute("y2", y2) + "/>\n";
+  }
+
+  static std::string text(const char* kind, int x, int y, const std::string& content) {
+    return std::string("<text class=\"") + kind + "\"" + attribute("x", x) + attribute("y", y) +
+           ">" + escapeXml(content) + "</text>\n";
+  }
+
+  const PathPicture& picture_;
+  const std::vector<std::vector<PathCell>> cells_;
+  const SwimLanes lanes_;
+  std::ostream& out_;
+};
+
+}  // namespace
+
+void writePathSvg(const PathPicture& picture, std::ostream& out) {
+  SvgWriter(picture, out).write();
+}
+
+}  // namespace tarn::evolution::catalogue

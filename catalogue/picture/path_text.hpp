@@ -1,0 +1,15 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "catalogue/picture/path_picture.hpp"
+#include "catalogue/picture/step_text.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The path as lines of text: each step with its weight and moves, and the sum at the end.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writePathText(const PathPicture& picture, Colouring colouring,
+                                                   std::ostream& out);
+
+}  // namespace tarn::evolution::catalogue

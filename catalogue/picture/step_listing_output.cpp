@@ -1,0 +1,73 @@
+#include <ostream>
+#include <string>
+
+#include "catalogue/picture/baseline_output.hpp"
+#include "catalogue/picture/step_json.hpp"
+#include "catalogue/picture/step_listing.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using nlohmann::ordered_json;
+using pathfinder::VersionRepository;
+
+namespace {
+
+const char* headingOf(VersionRepository::Direction direction) {
+  switch (direction) {
+    case VersionRepository::Forward:
+      return "forward";
+    case VersionRepository::Backward:
+      return "backward";
+    default:
+      return "mixed";
+  }
+}
+
+void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& out) {
+  if (listing.groups.empty()) out << "No step leads out of it.\n";
+  for (const StepListing::Group& group : listing.groups) {
+    const StepTextWriter writer(group.picture, colouring, out);
+    for (std::size_t i = 0; i < group.picture.steps.size(); ++i) {
+      std::string heading = headingOf(group.direction);
+      heading[0] = static_cast<char>(heading[0] - 'a' + 'A');
+      writer.write(heading + " " + std::to_string(i + 1) + ", weight " +
+                       std::to_string(group.picture.steps[i].weight),
+                   i);
+    }
+  }
+}
+
+}  // namespace
+
+void writeStepsText(const std::vector<StepListing>& listings, Colouring colouring,
+                    std::ostream& out) {
+  if (listings.empty()) out << "No baseline: the versions cannot stand together.\n";
+  for (std::size_t i = 0; i < listings.size(); ++i) {
+    if (listings.size() > 1) {
+      out << (i == 0 ? "" : "\n")
+          << emphasise(
+                 "Baseline " + std::to_string(i + 1) + " of " + std::to_string(listings.size()),
+                 colouring)
+          << ": " << listMembers(listings[i].baseline) << "\n";
+    }
+    writeGroups(listings[i], colouring, out);
+  }
+}
+
+void writeStepsJson(const std::vector<StepListing>& listings, std::ostream& out) {
+  ordered_json baselines = ordered_json::array();
+  for (const StepListing& listing : listings) {
+    ordered_json steps = ordered_json::array();
+    for (const StepListing::Group& group : listing.groups) {
+      for (const PathPicture::Step& step : group.picture.steps) {
+        ordered_json entry{{"direction", headingOf(group.direction)}};
+        entry.update(stepToJson(group.picture, step));
+        steps.push_back(std::move(entry));
+      }
+    }
+    baselines.push_back({{"metamodels", membersToJson(listing.baseline)}, {"steps", steps}});
+  }
+  out << ordered_json{{"baselines", baselines}}.dump(2) << "\n";
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,66 @@
+#include "catalogue/picture/step_text.hpp"
+
+#include <algorithm>
+#include <ostream>
+
+#include "catalogue/picture/display_text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+enum class Style { heading, expensive, entering };
+
+std::string styled(const std::string& text, Style style, Colouring colouring) {
+  if (colouring == Colouring::plain) return text;
+  switch (style) {
+    case Style::heading:
+      return "\033[1m" + text + "\033[0m";
+    case Style::expensive:
+      return "\033[1;33m" + text + "\033[0m";
+    case Style::entering:
+      return "\033[36m" + text + "\033[0m";
+  }
+  return text;
+}
+
+}  // namespace
+
+StepTextWriter::StepTextWriter(const PathPicture& picture, Colouring colouring, std::ostream& out)
+    : picture_(picture), colouring_(colouring), out_(out) {
+  for (const PathPicture::Step& step : picture.steps) {
+    for (const PathPicture::Move& move : step.moves) {
+      nameColumns_ = std::max(nameColumns_, countColumns(toVisible(picture.lanes[move.lane].name)));
+      fromColumns_ = std::max(fromColumns_, countColumns(toVisible(move.from)));
+    }
+  }
+}
+
+void StepTextWriter::write(const std::string& heading, std::size_t step) const {
+  out_ << emphasise(heading, colouring_) << "\n";
+  for (const PathPicture::Move& move : picture_.steps[step].moves) writeMove(move);
+}
+
+void StepTextWriter::writeMove(const PathPicture::Move& move) const {
+  const std::string name = toVisible(picture_.lanes[move.lane].name);
+  const std::string to = toVisible(move.to);
+  out_ << "  " << padTo(nameColumns_, name) << "  " << padTo(fromColumns_, toVisible(move.from));
+  switch (move.kind) {
+    case PathPicture::MoveKind::ordinary:
+      out_ << " -> " << to;
+      break;
+    case PathPicture::MoveKind::expensive:
+      out_ << " -> " << to << "  " << styled("expensive", Style::expensive, colouring_);
+      break;
+    case PathPicture::MoveKind::entering:
+      out_ << "  + " << styled(to, Style::entering, colouring_);
+      break;
+  }
+  out_ << "\n";
+}
+
+std::string emphasise(const std::string& text, Colouring colouring) {
+  return styled(text, Style::heading, colouring);
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+#include "catalogue/picture/path_picture.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+enum class Colouring {
+  plain,
+  terminal,  ///< ANSI escape sequences
+};
+
+/// Writes steps of a picture for a terminal: a heading, then a line for each move, with names and
+/// versions of all steps in columns.
+class TARN_EVOLUTION_CATALOGUE_EXPORT StepTextWriter {
+ public:
+  /// Keeps references.
+  StepTextWriter(const PathPicture& picture, Colouring colouring, std::ostream& out);
+
+  /// `step` counts from 0.
+  void write(const std::string& heading, std::size_t step) const;
+
+ private:
+  void writeMove(const PathPicture::Move& move) const;
+
+  const PathPicture& picture_;
+  const Colouring colouring_;
+  std::ostream& out_;
+  std::size_t nameColumns_ = 0;
+  std::size_t fromColumns_ = 0;
+};
+
+/// The text as a heading.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string emphasise(const std::string& text, Colouring colouring);
+
+}  // namespace tarn::evolution::catalogue

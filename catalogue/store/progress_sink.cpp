@@ -1,0 +1,35 @@
+#include "catalogue/store/progress_sink.hpp"
+
+#include <utility>
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// How many rows pass between two words about progress.
+constexpr std::uint64_t rowsBetween = 1000;
+
+}  // namespace
+
+ProgressSink::ProgressSink(CatalogueSink& next, const StoreProgress& progress,
+                           std::function<double()> share)
+    : next_(next), progress_(progress), share_(std::move(share)) {}
+
+void ProgressSink::addMetamodel(const CatalogueMetamodel& metamodel) {
+  next_.addMetamodel(metamodel);
+  ++counts_.metamodels;
+  tell();
+}
+
+void ProgressSink::addHop(const pathfinder::Hop& hop) {
+  next_.addHop(hop);
+  ++counts_.hops;
+  tell();
+}
+
+void ProgressSink::tell() const {
+  if (!progress_ || (counts_.metamodels + counts_.hops) % rowsBetween != 1) return;
+  progress_(share_());
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,80 @@
+#include "catalogue/store/sqlite_catalogue_repository.hpp"
+
+#include <mutex>
+
+#include "catalogue/store/cached_sqlite_reader.hpp"
+#include "catalogue/store/sqlite_open.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The connection and what stands on it, for one thread at a time.
+class SqliteCatalogueRepository::Store {
+ public:
+  explicit Store(const std::filesystem::path& file)
+      : database_(openStoreForReading(file)),
+        snapshot_(*database_, SqliteTransaction::Kind::Read),
+        reader_(*database_) {}
+
+  /// What `read` returns for the reader.
+  template <class Read>
+  auto ask(const Read& read) {
+    const std::lock_guard lock(mutex_);
+    return read(reader_);
+  }
+
+ private:
+  std::mutex mutex_;
+  const std::unique_ptr<SqliteDatabase> database_;
+  SqliteTransaction snapshot_;
+  CachedSqliteReader reader_;
+};
+
+SqliteCatalogueRepository::SqliteCatalogueRepository(const std::filesystem::path& file)
+    : store_(std::make_unique<Store>(file)) {}
+
+SqliteCatalogueRepository::~SqliteCatalogueRepository() = default;
+
+std::optional<pathfinder::SemVer> SqliteCatalogueRepository::getEquivalentSemVer(
+    const std::u16string& metamodelName, const std::u16string& versionText) {
+  const auto found =
+      store_->ask([&](auto& reader) { return reader.metamodelsIn(metamodelName, versionText); });
+  if (found->empty()) return std::nullopt;
+  return found->front().metamodel.equivalent;
+}
+
+void SqliteCatalogueRepository::findMetamodels(const std::u16string& name,
+                                               const pathfinder::VersionRange& range,
+                                               std::vector<pathfinder::Metamodel>& result) {
+  const auto found = store_->ask([&](auto& reader) { return reader.metamodelsIn(name, range); });
+  for (const StoredMetamodel& stored : *found) result.push_back(stored.metamodel.descriptor);
+}
+
+void SqliteCatalogueRepository::findHops(const std::u16string& name,
+                                         const pathfinder::VersionId& from,
+                                         std::vector<pathfinder::Hop>& result) {
+  const auto found = store_->ask([&](auto& reader) { return reader.hopsFrom(name, from); });
+  result.insert(result.end(), found->begin(), found->end());
+}
+
+std::vector<std::u16string> SqliteCatalogueRepository::listNames() {
+  return store_->ask([](auto& reader) { return reader.uncached().names(); });
+}
+
+std::vector<CatalogueMetamodel> SqliteCatalogueRepository::listMetamodels(
+    const std::u16string& name) {
+  auto found = store_->ask([&](auto& reader) { return reader.uncached().metamodelsOf(name); });
+  std::vector<CatalogueMetamodel> result;
+  result.reserve(found.size());
+  for (StoredMetamodel& stored : found) result.push_back(std::move(stored.metamodel));
+  return result;
+}
+
+std::vector<pathfinder::Hop> SqliteCatalogueRepository::listHops(const std::u16string& name) {
+  return store_->ask([&](auto& reader) { return reader.uncached().hopsOf(name); });
+}
+
+std::optional<Question> SqliteCatalogueRepository::getQuestion() {
+  return store_->ask([](auto& reader) { return reader.uncached().question(); });
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "catalogue/store/sqlite_database.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The form of a store: what it consists of, and how each version of that form is made from the one
+/// before.
+///
+/// SQLite's `application_id` tells a store from other databases, and its `user_version` which
+/// version of the form it has.
+class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteSchema {
+ public:
+  /// One entry for each version from 1 on: the statements that make it from the version before,
+  /// version 0 being an empty database.
+  explicit SqliteSchema(std::vector<const char*> steps);
+
+  /// The form that this library reads and writes.
+  static const SqliteSchema& current();
+
+  std::int64_t version() const { return static_cast<std::int64_t>(steps_.size()); }
+
+  /// Makes an empty store of an empty database.
+  void create(SqliteDatabase& database) const;
+
+  /// Throws CatalogueError when the database is no store, is of a newer version of the form, or
+  /// does not have what its version says. Whether it is of this version; otherwise it is older.
+  bool check(SqliteDatabase& database) const;
+
+  /// Brings a store of an older version to this one, all or nothing, within a transaction of its
+  /// own; also when another program does the same.
+  void migrate(SqliteDatabase& database) const;
+
+ private:
+  void advance(SqliteDatabase& database, std::int64_t from) const;
+
+  std::vector<const char*> steps_;
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,50 @@
+#include "catalogue/store/store_editing.hpp"
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/store/sqlite_open.hpp"
+#include "catalogue/store/store_filling.hpp"
+#include "catalogue/store/store_removal.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// A store with a transaction open to change it.
+class Editing {
+ public:
+  explicit Editing(const std::filesystem::path& store)
+      : database_(openStoreForEditing(store)),
+        transaction_(*database_, SqliteTransaction::Kind::Write) {
+    if (database_->hasMoved()) {
+      throw CatalogueError("", "has been replaced meanwhile").inFile(store.string());
+    }
+  }
+
+  SqliteDatabase& database() { return *database_; }
+  void commit() { transaction_.commit(); }
+
+ private:
+  std::unique_ptr<SqliteDatabase> database_;
+  SqliteTransaction transaction_;
+};
+
+}  // namespace
+
+StoreCounts addToStore(const std::filesystem::path& store, const std::filesystem::path& json,
+                       const StoreProgress& progress) {
+  Editing editing(store);
+  const StoreCounts counts = fillStore(editing.database(), json, progress);
+  editing.commit();
+  if (progress) progress(1);
+  return counts;
+}
+
+RemovalResult removeFromStore(const std::filesystem::path& store,
+                              const std::vector<RemovalChoice>& choices) {
+  Editing editing(store);
+  RemovalResult result = StoreRemoval(editing.database()).run(choices);
+  if (result.obstacleCount == 0) editing.commit();
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

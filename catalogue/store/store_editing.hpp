@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "catalogue/store/store_progress.hpp"
+#include "pathfinder/metamodel.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+/// Changes to a store that stays in its place. Each is one transaction: all of it happens, or
+/// nothing, also when the process is killed. Others may read the store meanwhile, and go on seeing
+/// what they saw; two changes at a time wait for one another.
+///
+/// Everything here throws CatalogueError, which names the file that is at fault.
+namespace tarn::evolution::catalogue {
+
+/// Adds the metamodels, hops and question of a JSON file, which has the form of a catalogue but may
+/// lean on what the store holds, after those of the store. Refuses, with places in the JSON file,
+/// what would leave the store unsound (see `Catalogue`), and a question when the store has one.
+TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts addToStore(const std::filesystem::path& store,
+                                                       const std::filesystem::path& json,
+                                                       const StoreProgress& progress = {});
+
+/// What to remove: a version of a metamodel, or all of its versions.
+struct RemovalChoice {
+  std::u16string name;
+  std::optional<pathfinder::VersionId> version;
+};
+
+/// A metamodel that stays, and the dependency that it would no longer have anything for.
+struct RemovalObstacle {
+  pathfinder::Metamodel dependent;
+  std::size_t dependency;  ///< an index of its list
+};
+
+struct RemovalResult {
+  StoreCounts removed;                     ///< nothing when there are obstacles
+  std::vector<RemovalObstacle> obstacles;  ///< in the store's order, at most `listedObstacles`
+  std::uint64_t obstacleCount = 0;
+};
+
+constexpr std::size_t listedObstacles = 20;
+
+/// Removes versions, and the hops that lead from or to a version that is then no longer there. The
+/// order of all else stays, and so does the store's question, even if it names what is removed.
+///
+/// An obstacle is a dependency, of a version that stays, that was satisfied by versions of which
+/// none stays, or whose name has no version left. Where there is any, nothing is removed. Throws
+/// CatalogueError also for a choice that the store does not hold.
+TARN_EVOLUTION_CATALOGUE_EXPORT RemovalResult
+removeFromStore(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices);
+
+}  // namespace tarn::evolution::catalogue

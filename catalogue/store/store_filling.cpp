@@ -1,0 +1,67 @@
+#include "catalogue/store/store_filling.hpp"
+
+#include <fstream>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_stream.hpp"
+#include "catalogue/store/progress_sink.hpp"
+#include "catalogue/store/sqlite_open.hpp"
+#include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/store/sqlite_validation.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// The share of the work that reading is; the rest is looking at whether what was read is sound.
+constexpr double readingShare = 0.75;
+
+/// Inserts rows, but refuses a second question.
+class FillingSink : public SqliteRowWriter {
+ public:
+  explicit FillingSink(SqliteDatabase& store) : SqliteRowWriter(store), store_(store) {}
+
+  void setQuestion(const Question& question) override {
+    if (store_.number("SELECT count(*) FROM question") > 0) {
+      throw CatalogueError("/question", "the store has a question already");
+    }
+    SqliteRowWriter::setQuestion(question);
+  }
+
+ private:
+  SqliteDatabase& store_;
+};
+
+/// Bytes that `in` has left to read; 0 when that cannot be said.
+double sizeOf(std::istream& in) {
+  const auto end = in.seekg(0, std::ios::end).tellg();
+  in.clear();
+  in.seekg(0);
+  return end > 0 ? static_cast<double>(end) : 0;
+}
+
+}  // namespace
+
+StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
+                      const StoreProgress& progress) {
+  try {
+    if (isSqliteFile(json)) {
+      throw CatalogueError("", "is a SQLite database, not a JSON catalogue");
+    }
+    std::ifstream in = openForReading(json);
+    const double size = sizeOf(in);
+    FillingSink writer(store);
+    ProgressSink sink(writer, progress, [&] {
+      return size > 0 ? readingShare * static_cast<double>(in.tellg()) / size : 0;
+    });
+    streamJsonCatalogue(in, sink);
+    if (progress) progress(readingShare);
+    validateAdded(store, writer.firstMetamodel(), writer.firstHop());
+    return sink.counts();
+  } catch (const CatalogueError& error) {
+    if (!error.file().empty()) throw;
+    throw error.inFile(json.string());
+  }
+}
+
+}  // namespace tarn::evolution::catalogue

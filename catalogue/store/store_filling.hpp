@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+
+#include "catalogue/store/sqlite_database.hpp"
+#include "catalogue/store/store_progress.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Adds the content of a JSON file to a store, within a transaction that the caller holds. Throws
+/// CatalogueError, which names the JSON file and places in it, when that would leave the store
+/// unsound.
+StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
+                      const StoreProgress& progress);
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,124 @@
+#include "catalogue/store/store_removal.hpp"
+
+#include <sstream>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/store/sqlite_reader.hpp"
+#include "catalogue/store/sqlite_rows.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+constexpr const char* createChosen = R"(
+  CREATE TEMP TABLE chosen (position INTEGER PRIMARY KEY, name INTEGER NOT NULL);
+  CREATE TEMP TABLE touched (name INTEGER PRIMARY KEY);)";
+
+// Whether version m satisfies dependency d. An upper bound below the lower one has wrapped: the
+// range is that of the one version with the largest patch.
+#define SATISFIES                                                          \
+  "m.name = d.name AND (m.version = d.version OR m.semver >= d.lower AND " \
+  "m.semver < d.upper OR d.upper < d.lower AND m.semver = d.lower)"
+#define STAYS "m.position NOT IN (SELECT position FROM chosen)"
+#define GOES "m.position IN (SELECT position FROM chosen)"
+
+constexpr const char* selectObstacles =
+    "SELECT d.metamodel, d.ordinal FROM dependencies d "
+    "WHERE d.name IN (SELECT name FROM touched) "
+    "AND d.metamodel NOT IN (SELECT position FROM chosen) "
+    "AND (NOT EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
+    ") "
+    "OR EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " GOES
+    ") "
+    "AND NOT EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " STAYS
+    ")) "
+    "ORDER BY d.metamodel, d.ordinal";
+
+#undef SATISFIES
+#undef STAYS
+#undef GOES
+
+constexpr const char* removeMetamodels =
+    "DELETE FROM metamodels WHERE position IN (SELECT position FROM chosen)";
+
+constexpr const char* removeHops = R"(
+  DELETE FROM hops WHERE name IN (SELECT name FROM touched) AND NOT (
+    (EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.version = hops.source)
+      OR EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.semver = hops.source))
+    AND
+    (EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.version = hops.target)
+      OR EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.semver = hops.target))))";
+
+/// Names that are no longer in use. Those that dependencies of removed versions named are still
+/// names of metamodels.
+constexpr const char* removeNames = R"(
+  DELETE FROM names WHERE id IN (SELECT name FROM touched)
+    AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = names.id))";
+
+std::string printed(const pathfinder::VersionId& version) {
+  std::ostringstream out;
+  out << version;
+  return out.str();
+}
+
+}  // namespace
+
+RemovalResult StoreRemoval::run(const std::vector<RemovalChoice>& choices) {
+  store_.run(createChosen);
+  for (const RemovalChoice& choice : choices) choose(choice);
+  store_.run("INSERT INTO touched SELECT DISTINCT name FROM chosen");
+  RemovalResult result;
+  collectObstacles(result);
+  if (result.obstacleCount == 0) result.removed = remove();
+  return result;
+}
+
+void StoreRemoval::choose(const RemovalChoice& choice) {
+  const auto& [name, version] = choice;
+  const auto storedName = storedText(name);
+  std::int64_t found = 0;
+  if (storedName && (!version || version->isSemVer() || storedText(version->getText()))) {
+    SqliteStatement insert(store_,
+                           "INSERT OR IGNORE INTO chosen SELECT position, name FROM metamodels "
+                           "WHERE name = (SELECT id FROM names WHERE name = ?1) "
+                           "AND (?2 IS NULL OR version = ?2)");
+    const SqliteValue wanted = version ? storedVersion(*version) : SqliteValue(nullptr);
+    insert.run(*storedName, wanted);
+    SqliteStatement count(store_,
+                          "SELECT count(*) FROM metamodels "
+                          "WHERE name = (SELECT id FROM names WHERE name = ?1) "
+                          "AND (?2 IS NULL OR version = ?2)");
+    auto rows = count.query(*storedName, wanted);
+    if (rows.next()) found = rows.number(0);
+  }
+  if (found > 0) return;
+  const std::string metamodel = "metamodel \"" + fl::i18n::ustring_to_utf8(name) + "\"";
+  throw CatalogueError("", version ? "there is no version " + printed(*version) + " of " + metamodel
+                                   : "there is no " + metamodel)
+      .inFile(store_.file().string());
+}
+
+void StoreRemoval::collectObstacles(RemovalResult& result) {
+  SqliteReader reader(store_);
+  SqliteStatement statement(store_, selectObstacles);
+  auto rows = statement.query();
+  while (rows.next()) {
+    if (result.obstacleCount++ >= listedObstacles) continue;
+    result.obstacles.push_back({reader.metamodelAt(rows.number(0)).metamodel.descriptor,
+                                static_cast<std::size_t>(rows.number(1))});
+  }
+}
+
+StoreCounts StoreRemoval::remove() {
+  StoreCounts counts;
+  for (const auto& [statement, count] :
+       {std::pair(removeMetamodels, &counts.metamodels), std::pair(removeHops, &counts.hops)}) {
+    store_.run(statement);
+    *count = static_cast<std::uint64_t>(store_.number("SELECT changes()"));
+  }
+  store_.run(removeNames);
+  return counts;
+}
+
+}  // namespace tarn::evolution::catalogue

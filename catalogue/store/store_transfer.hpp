@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+
+#include "catalogue/store/store_progress.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+/// Catalogues from JSON to stores and back. A file is written beside its target and takes the
+/// target's place when it is complete, so that at any moment, also when the process is killed or
+/// power fails, the target is the old file or the new one. Memory does not grow with the
+/// catalogue, but for its dependency graph when it is imported (about a hundred bytes for each
+/// version).
+///
+/// Everything here throws CatalogueError, which names the file that is at fault.
+namespace tarn::evolution::catalogue {
+
+/// Makes a store of a JSON catalogue. Refuses what `readJsonCatalogue` refuses, and says the same.
+/// A store that stands in the place is replaced, unless others have it open; any other file there
+/// is left alone, and that is an error.
+TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts importCatalogue(const std::filesystem::path& json,
+                                                            const std::filesystem::path& store,
+                                                            const StoreProgress& progress = {});
+
+/// Writes a store as a JSON catalogue, as it is when the operation begins. A file that stands in
+/// the place is replaced, unless it is a SQLite database.
+TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts exportCatalogue(const std::filesystem::path& store,
+                                                            const std::filesystem::path& json,
+                                                            const StoreProgress& progress = {});
+
+}  // namespace tarn::evolution::catalogue
