@@ -8,9 +8,9 @@ namespace test {
 
 RandomQuestion::RandomQuestion(unsigned seed, Shape shape) : random_(seed) {
   if (shape == Web) {
-    weave(static_cast<char>('B' + upTo(4)));
+    weave(static_cast<char>('B' + (chance(5) ? 4 + upTo(2) : upTo(4))));
   } else {
-    make(static_cast<char>('B' + upTo(3)));
+    make(static_cast<char>('B' + (chance(3) ? 3 + upTo(3) : upTo(3))));
   }
 }
 
@@ -28,7 +28,7 @@ void RandomQuestion::make(char end) {
   std::string from;
   std::string to;
   for (char name = 'A'; name < end; ++name) {
-    addVersions(name, upTo(4));
+    addVersions(name, upTo(5));
     if (chance(80)) from += std::string{' ', name} + versions_[name].front();
     if (chance(80)) to += std::string{' ', name} + versions_[name].back();
   }
