@@ -206,7 +206,7 @@ std::vector<VersionSelection> startingSelections(const SearchSpace& space,
 }  // namespace
 
 SearchAnswer searchGoalDirected(const SearchQuestion& question) {
-  const std::optional<SearchSpace> space = surveySearchSpace(question);
+  const auto space = surveySearchSpace(question);
   if (!space) return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
   const auto sources = startingSelections(*space, question.sources);
   const Coexistence coexistence(*space);

@@ -79,13 +79,12 @@ struct SearchSpace {
   std::vector<Variant> variants;
 
   /// What the containers of many small parts below are made in.
-  std::unique_ptr<std::pmr::monotonic_buffer_resource> memory =
-      std::make_unique<std::pmr::monotonic_buffer_resource>();
+  std::pmr::monotonic_buffer_resource memory;
 
-  std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{memory.get()};
+  std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{&memory};
 
   // What versions and variants point to.
-  std::pmr::deque<Metamodel> descriptors{memory.get()};
+  std::pmr::deque<Metamodel> descriptors{&memory};
   std::vector<Move> moves;
   std::vector<Link> links;
 };

@@ -106,18 +106,18 @@ class SpaceSurvey {
  public:
   explicit SpaceSurvey(const SearchQuestion& question) : question_(question) {}
 
-  std::optional<SearchSpace> run() {
+  std::unique_ptr<const SearchSpace> run() {
     for (const VersionBaseline& target : question_.targets) enterTarget(target);
     for (const VersionBaseline& source : question_.sources) {
-      if (!enterSource(source)) return std::nullopt;
+      if (!enterSource(source)) return nullptr;
     }
     while (!unasked_.empty()) {
       askForHops();
-      if (isUnfit_) return std::nullopt;
+      if (isUnfit_) return nullptr;
       markWhatLeadsToTargets();
       linkWhatIsOfUse();
     }
-    if (isUnfit_) return std::nullopt;
+    if (isUnfit_) return nullptr;
     return build();
   }
 
@@ -142,7 +142,7 @@ class SpaceSurvey {
   Draft& draftOf(DraftName& name, Metamodel&& descriptor) {
     Draft* draft = known(name, descriptor);
     if (draft != nullptr) return *draft;
-    return addDraft(name, space_.descriptors.emplace_back(std::move(descriptor)));
+    return addDraft(name, space_->descriptors.emplace_back(std::move(descriptor)));
   }
 
   Draft& addDraft(DraftName& name, const Metamodel& descriptor) {
@@ -330,11 +330,11 @@ class SpaceSurvey {
     }
   }
 
-  std::optional<SearchSpace> build() {
-    space_.names.reserve(names_.size());
-    space_.versions.reserve(drafts_.size() + names_.size());
-    space_.variants.reserve(drafts_.size());
-    space_.variantOf.reserve(drafts_.size());
+  std::unique_ptr<const SearchSpace> build() {
+    space_->names.reserve(names_.size());
+    space_->versions.reserve(drafts_.size() + names_.size());
+    space_->variants.reserve(drafts_.size());
+    space_->variantOf.reserve(drafts_.size());
     std::vector<DraftName*> ordered;
     for (auto& [text, name] : names_) {
       if (!name.versions.empty()) ordered.push_back(&name);
@@ -349,90 +349,90 @@ class SpaceSurvey {
   }
 
   void addName(DraftName& name) {
-    name.index = static_cast<NameIndex>(space_.names.size());
-    const auto first = static_cast<VersionIndex>(space_.versions.size());
+    name.index = static_cast<NameIndex>(space_->names.size());
+    const auto first = static_cast<VersionIndex>(space_->versions.size());
     for (Draft* draft : name.versions) {
       if (draft->linked == nullptr || !isOfUse(*draft)) continue;
-      draft->index = static_cast<VersionIndex>(space_.versions.size());
-      SearchSpace::Version& version = space_.versions.emplace_back();
+      draft->index = static_cast<VersionIndex>(space_->versions.size());
+      SearchSpace::Version& version = space_->versions.emplace_back();
       version.name = name.index;
       version.descriptor = draft->descriptor;
       version.linked = draft->linked;
-      version.firstVariant = static_cast<VariantIndex>(space_.variants.size());
+      version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
       version.hops = std::move(draft->hops);
       version.losesHop = draft->losesHop;
       version.isEntry = draft->isEntry;
       for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
     }
-    SearchSpace::Name& added = space_.names.emplace_back();
+    SearchSpace::Name& added = space_->names.emplace_back();
     added.text = *name.text;
     added.first = first;
     if (name.sources < question_.sources.size()) {
-      added.absent = static_cast<VersionIndex>(space_.versions.size());
-      space_.versions.emplace_back().name = name.index;
+      added.absent = static_cast<VersionIndex>(space_->versions.size());
+      space_->versions.emplace_back().name = name.index;
     }
-    added.end = static_cast<VersionIndex>(space_.versions.size());
+    added.end = static_cast<VersionIndex>(space_->versions.size());
   }
 
   VariantIndex addVariant(const LinkedMetamodel* linked, VersionIndex version) {
-    const auto index = static_cast<VariantIndex>(space_.variants.size());
-    space_.variants.emplace_back().version = version;
-    space_.variantOf.emplace(linked, index);
+    const auto index = static_cast<VariantIndex>(space_->variants.size());
+    space_->variants.emplace_back().version = version;
+    space_->variantOf.emplace(linked, index);
     return index;
   }
 
   void addMoves() {
     std::size_t count = 0;
     for (const Draft& draft : drafts_) count += draft.targets.size();
-    space_.moves.reserve(count);  // versions point into it
+    space_->moves.reserve(count);  // versions point into it
     for (const Draft& draft : drafts_) {
       if (draft.index == SearchSpace::none) continue;
-      SearchSpace::Version& version = space_.versions[draft.index];
-      const std::size_t first = space_.moves.size();
+      SearchSpace::Version& version = space_->versions[draft.index];
+      const std::size_t first = space_->moves.size();
       for (const auto& [place, target] : draft.targets) {
         if (target->index == SearchSpace::none) continue;
-        space_.moves.push_back({target->index, version.hops[place].expensive, place});
+        space_->moves.push_back({target->index, version.hops[place].expensive, place});
       }
-      version.moves = std::span(space_.moves).subspan(first);
+      version.moves = std::span(space_->moves).subspan(first);
     }
   }
 
   void addClosures() {
     std::size_t count = 0;
-    for (const auto& [linked, variant] : space_.variantOf)
+    for (const auto& [linked, variant] : space_->variantOf)
       count += linked->linkedMetamodels.size() + 1;
-    space_.links.reserve(count);  // variants point into it
+    space_->links.reserve(count);  // variants point into it
     for (const Draft& draft : drafts_) {
       if (draft.index == SearchSpace::none) continue;
-      VariantIndex variant = space_.versions[draft.index].firstVariant;
+      VariantIndex variant = space_->versions[draft.index].firstVariant;
       for (const auto& linked : *draft.linked) addClosure(variant++, *linked);
     }
   }
 
   void addClosure(VariantIndex variant, const LinkedMetamodel& linked) {
-    const std::size_t first = space_.links.size();
-    space_.links.push_back({space_.versions[space_.variants[variant].version].name, variant});
+    const std::size_t first = space_->links.size();
+    space_->links.push_back({space_->versions[space_->variants[variant].version].name, variant});
     for (const auto& [text, link] : linked.linkedMetamodels) {
-      space_.links.push_back(linkTo(text, link.get()));
+      space_->links.push_back(linkTo(text, link.get()));
     }
-    const auto closure = std::span(space_.links).subspan(first);
+    const auto closure = std::span(space_->links).subspan(first);
     std::sort(closure.begin(), closure.end(),
               [](const auto& left, const auto& right) { return left.name < right.name; });
-    space_.variants[variant].closure = closure;
+    space_->variants[variant].closure = closure;
   }
 
   SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {
-    const auto known = space_.variantOf.find(linked);
-    if (known != space_.variantOf.end()) {
-      const VersionIndex version = space_.variants[known->second].version;
-      if (version != SearchSpace::none) return {space_.versions[version].name, known->second};
+    const auto known = space_->variantOf.find(linked);
+    if (known != space_->variantOf.end()) {
+      const VersionIndex version = space_->variants[known->second].version;
+      if (version != SearchSpace::none) return {space_->versions[version].name, known->second};
       return {nameOf(text).index, known->second};
     }
     return {nameOf(text).index, addVariant(linked, SearchSpace::none)};
   }
 
   const SearchQuestion& question_;
-  SearchSpace space_;
+  std::unique_ptr<SearchSpace> space_ = std::make_unique<SearchSpace>();
   std::pmr::monotonic_buffer_resource memory_;
   std::pmr::unordered_map<std::u16string_view, DraftName> names_{&memory_};
   std::pmr::deque<Draft> drafts_{&memory_};
@@ -443,7 +443,7 @@ class SpaceSurvey {
 
 }  // namespace
 
-std::optional<SearchSpace> surveySearchSpace(const SearchQuestion& question) {
+std::unique_ptr<const SearchSpace> surveySearchSpace(const SearchQuestion& question) {
   return SpaceSurvey(question).run();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 
 #include "pathfinder/search_question.hpp"
 #include "pathfinder/search_space.hpp"
@@ -14,9 +14,9 @@ namespace tarn::evolution::pathfinder {
 /// Left out are versions that cannot be linked and, for a name that every target mentions, versions
 /// from which no hops lead to a target's: no path holds them. The latter are not linked either.
 ///
-/// No value when a source is not a consistent baseline of the repository's own linked metamodels,
+/// Null when a source is not a consistent baseline of the repository's own linked metamodels,
 /// when the application answers a name with a metamodel of another name, or when a metamodel links
 /// another version of itself: such questions have no space.
-std::optional<SearchSpace> surveySearchSpace(const SearchQuestion& question);
+std::unique_ptr<const SearchSpace> surveySearchSpace(const SearchQuestion& question);
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,107 @@
+// Lets every single allocation of a question fail once.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <new>
+
+#include "support/test_repository.hpp"
+
+namespace {
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+thread_local std::size_t allocationsLeft = unlimited;
+
+/// Whether this allocation is the one to fail.
+bool failsNow() {
+  return allocationsLeft != unlimited && allocationsLeft-- == 0;
+}
+
+void* allocate(std::size_t size, std::size_t alignment) {
+  if (failsNow()) {
+    allocationsLeft = unlimited;  // what is done about a failure may allocate
+    throw std::bad_alloc();
+  }
+  const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
+  if (void* memory = std::aligned_alloc(alignment, rounded)) return memory;
+  throw std::bad_alloc();
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  return allocate(size, alignof(std::max_align_t));
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  return allocate(size, static_cast<std::size_t>(alignment));
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  std::free(memory);
+}
+
+namespace test {
+namespace {
+
+using Ask = std::function<std::string(TestRepository&)>;
+
+/// Asks afresh with the k-th allocation failing, for every k, and then again.
+void failAtEachAllocation(const std::string& catalogue, const Ask& ask) {
+  TestRepository untroubled(catalogue);
+  const std::string expected = ask(untroubled);
+  EXPECT_NE(expected, "none");
+  for (std::size_t k = 0;; ++k) {
+    SCOPED_TRACE("allocation " + std::to_string(k));
+    TestRepository repository(catalogue);
+    repository.isNoting = false;
+    allocationsLeft = k;
+    try {
+      const std::string answer = ask(repository);
+      const bool isOver = allocationsLeft != unlimited;
+      allocationsLeft = unlimited;
+      EXPECT_EQ(answer, expected);
+      ASSERT_TRUE(isOver) << "a failure was swallowed";
+      EXPECT_GT(k, 20U);
+      return;
+    } catch (const std::bad_alloc&) {
+      ASSERT_EQ(ask(repository), expected);
+    }
+  }
+}
+
+TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {
+  failAtEachAllocation("C1..3 B1:C[1,4) D1:C[2,4) A1:B1+D1", [](TestRepository& repository) {
+    const auto& variants = repository.getLinkedMetamodels(repository.metamodels.back());
+    std::string names;
+    for (const auto& variant : variants) names += printed(variant->linkedMetamodels.size());
+    return names;
+  });
+  const auto combine = [](TestRepository& repository) {
+    return describe(repository.combine(selection("A1 C1")));
+  };
+  failAtEachAllocation("B1..3 A1:B[1,4) C1:B[2,4)", combine);
+  const auto path = [](const std::string& from, const std::string& to) {
+    return [=](TestRepository& repository) {
+      return describe(repository.findPath(selection(from), selection(to)));
+    };
+  };
+  failAtEachAllocation("A1..3 B1:A[1,3) B2:A[2,4) B1>2", path("A1 B1", "A3 B2"));
+  // More combinations than are tried one by one.
+  failAtEachAllocation(
+      "A1..2 B1..3 C1..2 D1..2 E1..2 F1..2 G1..2 H1..2 I1..2 J1..2 K1:A1 K2:A2+L1 K1>2 L1",
+      path("A1 B1 C1 D1 E1 F1 G1 H1 I1 J1 K1", "A2 B3 C2 D2 E2 F2 G2 H2 I2 J2 K2"));
+}
+
+}  // namespace
+}  // namespace test
