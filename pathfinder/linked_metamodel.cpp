@@ -39,6 +39,13 @@ void LinkedMetamodel::setMetamodelPackage(const AccessTag& /*tag*/,
 }
 
 bool LinkedMetamodel::linkMetamodel(const std::shared_ptr<LinkedMetamodel>& other) {
+  if (linkedMetamodels.empty() && !other->linkedMetamodels.contains(other->name)) {
+    // Copying a map is cheaper than filling one.
+    auto links = other->linkedMetamodels;
+    links.emplace(other->name, other);
+    linkedMetamodels = std::move(links);
+    return true;
+  }
   const auto [own, isNew] = linkedMetamodels.try_emplace(other->name, other);
   if (!isNew) return own->second == other;
   for (const auto& [linkedName, linked] : other->linkedMetamodels) {
