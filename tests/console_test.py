@@ -3,8 +3,8 @@
 usage: console_test.py PAGE EVOPATH DATA
 
 In every block that begins with ```console, the lines that begin with "$ " are commands, continued
-on the next line by a backslash at the end, and the lines after a command are all it prints; "..."
-on a line of its own stands for any lines that are left out. The commands of a page run one after
+in lines that begin with "> ", and the lines after a command are all it prints; "..." on a line of
+its own stands for lines that are left out. The commands of a page run one after
 the other in one scratch folder, in which data/ is DATA. What they write below docs/ must be what is
 kept there, and the page must show no other picture of images/.
 """
@@ -25,8 +25,8 @@ def read_blocks(page):
             raise SystemExit(f"a block does not begin with a command:\n{block}")
         while lines:
             command = lines.pop(0)[2:]
-            while command.endswith("\\"):
-                command += "\n" + lines.pop(0)
+            while lines and lines[0].startswith("> "):
+                command += "\n" + lines.pop(0)[2:]
             shown = []
             while lines and not lines[0].startswith("$ "):
                 shown.append(lines.pop(0))

@@ -90,7 +90,7 @@ class Manual(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("groff"), "groff is not installed")
     def test_page_is_clean(self):
-        done = run(["groff", "-man", "-ww", "-Tutf8", FOLDER / "evopath.1"])
+        done = run(["groff", "-man", "-ww", "-Tutf8", "-P-cbou", FOLDER / "evopath.1"])
         self.assertEqual(done.stderr, "")
         self.assertRegex(done.stdout, r"(?s)NAME.*SYNOPSIS.*COMMANDS.*evopath remove operators")
 
@@ -104,7 +104,7 @@ class Manual(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
     def test_fish_completes(self):
-        self.offered_by("fish", f"source '{FOLDER}/evopath.fish'; complete -C $argv[1]")
+        self.offered_by("fish", f"source '{FOLDER}/evopath.fish'; complete -C $argv[-1]")
 
     @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
     def test_zsh_reads_it(self):
