@@ -11,7 +11,9 @@ packages=(
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
   libxml2-utils                                    # tests: xmllint
-  python3 gringo                                   # benchmarks: their harness, and clingo to compare with
+  groff-base fish zsh                              # tests: manual page and completions
+  python3                                          # tests, and the benchmarks' harness
+  gringo                                           # benchmarks: clingo to compare with
 )
 
 missing=()

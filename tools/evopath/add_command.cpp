@@ -4,6 +4,7 @@
 
 #include "catalogue/store/store_editing.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
 
@@ -31,8 +32,8 @@ ExitStatus runAdd(const AddOptions& options) {
 void addAddCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<AddOptions>();
   CLI::App* command = program.add_subcommand("add", "Add metamodels and hops to a store");
-  command->add_option("store", options->store, "The store, a SQLite file")->required();
-  command->add_option("addition", options->addition, "What to add, a JSON file")->required();
+  addStoreArgument(*command, options->store);
+  addFileArgument(*command, "addition", options->addition, "What to add, a JSON file");
   command->footer(
       "The JSON file has the form of a catalogue, and may lean on what the store holds. What it\n"
       "adds comes after that. All of it is added, or nothing when it would leave the store "
@@ -40,7 +41,7 @@ void addAddCommand(CLI::App& program, Action& action) {
       "a version that stands twice, a dependency on an unknown metamodel, a hop from or to an\n"
       "unknown version, dependencies that form a cycle, or a second question.\n"
       "Exit status: 0 all was added, 2 bad usage or input.\n"
-      "Example: evopath add operators.store new-releases.json");
+      "Example: evopath add operators.store data/new-releases.json");
   command->callback([options, &action] { action = [options] { return runAdd(*options); }; });
 }
 

@@ -8,6 +8,7 @@
 #include "catalogue/check/open_draft.hpp"
 #include "check_report.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 
 namespace evopath {
 
@@ -17,9 +18,12 @@ using tarn::evolution::catalogue::severityOf;
 
 namespace {
 
+const std::map<std::string, Severity> severities{
+    {"error", Severity::Error}, {"warning", Severity::Warning}, {"note", Severity::Note}};
+
 struct CheckOptions {
   std::filesystem::path catalogue;
-  Severity least = Severity::Note;
+  std::string least = "note";
   bool json = false;
 };
 
@@ -33,7 +37,7 @@ ExitStatus statusOf(const std::vector<Finding>& findings) {
 ExitStatus runCheck(const CheckOptions& options) {
   const CheckReport report{options.catalogue.string(),
                            check(tarn::evolution::catalogue::readDraft(options.catalogue)),
-                           options.least};
+                           severities.at(options.least)};
   (options.json ? printJson : printText)(report, std::cout);
   return statusOf(report.findings);
 }
@@ -43,14 +47,13 @@ ExitStatus runCheck(const CheckOptions& options) {
 void addCheckCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* check = program.add_subcommand("check", "Find all that is wrong with a catalogue");
-  check->add_option("catalogue", options->catalogue, "The catalogue, a JSON file or a store")
-      ->required();
-  check->add_option("--severity", options->least, "Only count what is less than this")
-      ->type_name("error|warning|note")
-      ->transform(CLI::Transformer(std::map<std::string, Severity>{{"error", Severity::Error},
-                                                                   {"warning", Severity::Warning},
-                                                                   {"note", Severity::Note}})
-                      .description(""));
+  addCatalogueArgument(*check, options->catalogue);
+  check
+      ->add_option("--severity", options->least,
+                   "Only count, without listing, what is less severe than this")
+      ->type_name("SEVERITY")
+      ->check(CLI::IsMember(&severities))
+      ->capture_default_str();
   check->add_flag("--json", options->json, "Print the findings as JSON");
   check->footer(
       "Exit status: 0 nothing worse than notes, 1 warnings, 2 errors, for which other commands\n"

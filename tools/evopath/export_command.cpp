@@ -4,6 +4,7 @@
 
 #include "catalogue/store/store_transfer.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
 
@@ -31,8 +32,8 @@ ExitStatus runExport(const ExportOptions& options) {
 void addExportCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<ExportOptions>();
   CLI::App* command = program.add_subcommand("export", "Write a store as a JSON catalogue");
-  command->add_option("store", options->store, "The store, a SQLite file")->required();
-  command->add_option("catalogue", options->catalogue, "The JSON file to write")->required();
+  addStoreArgument(*command, options->store);
+  addFileArgument(*command, "catalogue", options->catalogue, "The JSON file to write");
   command->footer(
       "A file that stands there already is replaced once the new one is complete, unless it is a\n"
       "SQLite database.\n"

@@ -6,6 +6,7 @@
 #include "catalogue/picture/graphviz.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "output_option.hpp"
 
 namespace evopath {
@@ -54,7 +55,7 @@ ExitStatus runGraph(const GraphOptions& options) {
 void addGraphCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<GraphOptions>();
   CLI::App* graph = program.add_subcommand("graph", "Draw the hops and dependencies of metamodels");
-  graph->add_option("catalogue", options->catalogue, "The catalogue")->required();
+  addCatalogueArgument(*graph, options->catalogue);
   graph->add_option("names", options->names, "The metamodels to draw; with none, all")
       ->type_name("NAME");
   graph->add_flag("--with-dependencies", options->request.withDependencies,
@@ -66,6 +67,7 @@ void addGraphCommand(CLI::App& program, Action& action) {
   graph
       ->add_option("--limit", options->request.limit,
                    "How many versions, ranges, hops and dependencies to draw at most")
+      ->type_name("NUMBER")
       ->capture_default_str();
   options->output.addTo(*graph);
   graph->footer(

@@ -4,6 +4,7 @@
 
 #include "catalogue/store/store_transfer.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
 
@@ -31,8 +32,8 @@ ExitStatus runImport(const ImportOptions& options) {
 void addImportCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<ImportOptions>();
   CLI::App* command = program.add_subcommand("import", "Make a store of a JSON catalogue");
-  command->add_option("catalogue", options->catalogue, "The catalogue, a JSON file")->required();
-  command->add_option("store", options->store, "The store to make, a SQLite file")->required();
+  addFileArgument(*command, "catalogue", options->catalogue, "The catalogue, a JSON file");
+  addFileArgument(*command, "store", options->store, "The store to make, a SQLite file");
   command->footer(
       "A store that stands there already is replaced once the new one is complete, unless another\n"
       "program has it open; any other file is left alone. A catalogue that is unsound is refused.\n"

@@ -1,20 +1,12 @@
 #include <exception>
 #include <iostream>
 
-#include "command.hpp"
+#include "program.hpp"
 
 int main(int argc, char** argv) {
-  CLI::App program("Finds paths between versions of metamodels that depend on one another",
-                   "evopath");
-  program.require_subcommand(0, 1);  // with none, what stands in its place is named
+  CLI::App program("", "evopath");
   evopath::Action action;
-  for (const evopath::AddCommand addCommand :
-       {evopath::addPathCommand, evopath::addExplainCommand, evopath::addStepsCommand,
-        evopath::addShowCommand, evopath::addGraphCommand, evopath::addCheckCommand,
-        evopath::addImportCommand, evopath::addExportCommand, evopath::addAddCommand,
-        evopath::addRemoveCommand}) {
-    addCommand(program, action);
-  }
+  evopath::addCommands(program, action);
   try {
     program.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A command");

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "file_arguments.hpp"
+
 namespace evopath {
 
 using tarn::evolution::catalogue::Colouring;
@@ -80,7 +82,7 @@ bool isSet(const char* variable) {
 
 void OutputOption::addTo(CLI::App& command) {
   command.add_option("--output", file, "Write to this file instead of standard output")
-      ->type_name("FILE");
+      ->type_name(fileTypeName);
 }
 
 void OutputOption::write(const std::string& text) const {

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "file_arguments.hpp"
 #include "selection_argument.hpp"
 
 namespace evopath {
@@ -11,12 +12,12 @@ using tarn::evolution::catalogue::Question;
 using tarn::evolution::catalogue::QuestionSide;
 
 void QuestionOptions::addTo(CLI::App& command) {
-  command.add_option("catalogue", catalogue, "The catalogue, a JSON file or a store")->required();
+  addCatalogueArgument(command, catalogue);
   auto* fromOption = command.add_option("--from", from, "The versions to start from")
-                         ->type_name("NAME=VERSION|@FILE[,...]")
+                         ->type_name(selectionTypeName)
                          ->delimiter(',');
   auto* toOption = command.add_option("--to", to, "The versions to reach")
-                       ->type_name("NAME=VERSION|@FILE[,...]")
+                       ->type_name(selectionTypeName)
                        ->delimiter(',');
   auto* questionFlag = command.add_flag("--question", question, "Ask the catalogue's own question");
   fromOption->needs(toOption)->excludes(questionFlag);

@@ -6,6 +6,7 @@
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "platform/text.hpp"
 #include "store_report.hpp"
 
@@ -62,7 +63,7 @@ ExitStatus runRemove(const RemoveOptions& options) {
 void addRemoveCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<RemoveOptions>();
   CLI::App* command = program.add_subcommand("remove", "Remove metamodels from a store");
-  command->add_option("store", options->store, "The store, a SQLite file")->required();
+  addStoreArgument(*command, options->store);
   command
       ->add_option("choices", options->choices,
                    "What to remove: one version of a metamodel, or all of them")
@@ -73,7 +74,7 @@ void addRemoveCommand(CLI::App& program, Action& action) {
       "stays depends on what would go and on nothing that stays in its place: name the dependents\n"
       "as well. The store's question stays as it is.\n"
       "Exit status: 0 all was removed, 2 nothing was: others depend on it, or bad usage or input.\n"
-      "Example: evopath remove operators.store cert-manager=1.12.1");
+      "Example: evopath remove operators.store limitador-operator=0.3.0");
   command->callback([options, &action] { action = [options] { return runRemove(*options); }; });
 }
 

@@ -8,6 +8,10 @@
 
 namespace evopath {
 
+/// What an argument that `parseSelection` reads is called in help texts; completions offer files
+/// after the at sign.
+inline constexpr const char* selectionTypeName = "NAME=VERSION|@FILE[,...]";
+
 /// The selection that arguments of the forms NAME=VERSION and @FILE make, a file giving `side` of
 /// its question where it is a catalogue (see `readSelectionFile`, also for what is thrown). What
 /// has an equals sign is no @FILE, for names may begin with an at sign. Throws

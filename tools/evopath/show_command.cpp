@@ -5,6 +5,7 @@
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "output_option.hpp"
 #include "selection_argument.hpp"
 
@@ -87,13 +88,13 @@ ExitStatus runShow(const ShowOptions& options) {
 void addShowCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<ShowOptions>();
   CLI::App* show = program.add_subcommand("show", "Show what a catalogue holds");
-  show->add_option("catalogue", options->catalogue, "The catalogue")->required();
+  addCatalogueArgument(*show, options->catalogue);
   auto* names = show->add_option("names", options->names,
                                  "Metamodels to show with all versions, or single versions, which "
                                  "are linked as well; with none, every metamodel in one line")
                     ->type_name("NAME[=VERSION]");
   show->add_option("--at", options->at, "Show the consistent baselines of these versions instead")
-      ->type_name("NAME=VERSION[,...]")
+      ->type_name(selectionTypeName)
       ->delimiter(',')
       ->excludes(names);
   show->add_flag("--json", options->json, "Print the answer as JSON");

@@ -5,6 +5,7 @@
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/step_listing.hpp"
 #include "command.hpp"
+#include "file_arguments.hpp"
 #include "output_option.hpp"
 #include "selection_argument.hpp"
 
@@ -57,9 +58,9 @@ ExitStatus runSteps(const StepsOptions& options) {
 void addStepsCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<StepsOptions>();
   CLI::App* steps = program.add_subcommand("steps", "List the steps out of a selection");
-  steps->add_option("catalogue", options->catalogue, "The catalogue")->required();
+  addCatalogueArgument(*steps, options->catalogue);
   steps->add_option("--at", options->at, "The versions to start from")
-      ->type_name("NAME=VERSION[,...]")
+      ->type_name(selectionTypeName)
       ->delimiter(',')
       ->required();
   steps->add_option("--direction", options->direction, "Which way the hops may go")
@@ -70,13 +71,15 @@ void addStepsCommand(CLI::App& program, Action& action) {
       ->add_option("--limit", options->limit,
                    "How many combinations of hops to try at most; each metamodel that can move "
                    "doubles their number or more")
+      ->type_name("NUMBER")
       ->capture_default_str();
   steps->add_flag("--json", options->json, "Print the answer as JSON");
   options->output.addTo(*steps);
   steps->footer(
       "Exit status: 0 listed, 1 the versions cannot stand together, 2 bad usage or input, also "
       "more combinations than the limit.\n"
-      "Example: evopath steps data/operators.json --at cert-manager=1.12.1 --direction forward");
+      "Example: evopath steps data/operators.json --at kuadrant-operator=0.6.1 --direction "
+      "forward");
   steps->callback([options, &action] { action = [options] { return runSteps(*options); }; });
 }
 

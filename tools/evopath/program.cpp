@@ -1,0 +1,20 @@
+#include "program.hpp"
+
+namespace evopath {
+
+void addCommands(CLI::App& program, Action& action) {
+  program.description("Finds paths between versions of metamodels that depend on one another");
+  program.require_subcommand(0, 1);  // with none, what stands in its place is named
+  program.footer(
+      "\"evopath COMMAND --help\" tells all about a command. Lists are coloured on a terminal, "
+      "unless\n"
+      "the environment variable NO_COLOR is set.\n"
+      "Example: evopath path data/operators.json --question");
+  for (const AddCommand addCommand :
+       {addPathCommand, addExplainCommand, addStepsCommand, addShowCommand, addGraphCommand,
+        addCheckCommand, addImportCommand, addExportCommand, addAddCommand, addRemoveCommand}) {
+    addCommand(program, action);
+  }
+}
+
+}  // namespace evopath
