@@ -20,7 +20,7 @@ run_host() {
   shift 2
   step "$name"
   cmake -S "tests/consumer/$folder" -B "$work/$name" -G Ninja --log-level=WARNING -DCMAKE_CXX_COMPILER="$compiler" \
-    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 "$@"
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 "$@" >/dev/null
   cmake --build "$work/$name" -j "$jobs" -- --quiet
   ctest --test-dir "$work/$name" --output-on-failure --no-tests=error | grep -E 'tests passed|Passed|Failed'
 }

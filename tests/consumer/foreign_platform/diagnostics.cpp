@@ -79,6 +79,6 @@ void basic_diagnostic_logger<CharT>::Record::push() {
   draft_.reset();
 }
 
-template class TARN_PLATFORM_API basic_diagnostic_logger<char>;
+template class basic_diagnostic_logger<char>;
 
 }  // namespace foundation::log
