@@ -33,3 +33,10 @@ function(tarn_library target)
     $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarn-evolution>)
 endfunction()
+
+# Hides the instantiations of other people's templates, which visibility lets through.
+function(tarn_export_only_own_symbols target)
+  set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${map})
+endfunction()

@@ -10,6 +10,7 @@ packages=(
   libsqlite3-dev                                   # catalogue stores
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
+  pkg-config                                       # tests: hosts that find the library by it
   libxml2-utils                                    # tests: xmllint
   groff-base fish zsh                              # tests: manual page and completions
   python3                                          # tests, and the benchmarks' harness

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs a build and compiles every installed header alone, with g++ and clang++, seeing only what is installed. So a
+# header that relies on another one before it, or on one that stays behind, is named.
+#
+# usage: scripts/check_headers.sh [PRESET]      the build to install: release (default), dev, clang
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=${1:-release}
+work=build/headers
+scripts/setup.sh
+cmake --preset "$preset" --log-level=WARNING
+cmake --build --preset "$preset" --target tarn_evolution_pathfinder evopath
+rm -rf "$work"
+DESTDIR='' cmake --install "build/$preset" --prefix "$PWD/$work" >/dev/null
+
+export include=$work/include/tarn-evolution
+check() {
+  "$1" -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I "$include" -x c++ - <<<"#include \"$2\"" ||
+    { echo "$1: $2 does not compile alone." >&2; return 1; }
+}
+export -f check
+headers=$(cd "$include" && find . -name '*.hpp' -printf '%P\n' | sort)
+for compiler in g++ clang++; do
+  xargs -P "$(nproc)" -I{} bash -c "check $compiler {}" <<<"$headers"
+  echo "$compiler: $(wc -l <<<"$headers") headers compile alone."
+done

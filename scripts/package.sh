@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Builds the Debian packages into build/package/ and has lintian check them. What lintian reports and is meant stands,
+# with its reason, in packaging/COMPONENT.lintian-overrides.
+#
+# usage: scripts/package.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh
+scripts/setup_packaging.sh
+cmake --preset package --log-level=WARNING
+cmake --build --preset package
+rm -f build/package/*.deb
+(cd build/package && cpack)
+lintian --allow-root --fail-on error,warning --tag-display-limit 0 build/package/*.deb

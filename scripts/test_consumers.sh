@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# Installs a build and checks what a host can do with it. Into build/consumers/ go the installed tree, which is moved
+# once to show that it may be, and the hosts that are built and run against it: by find_package, by pkg-config, with
+# the path finder as a part of their own build, and with a platform of their own, embedded and installed.
+#
+# usage: scripts/test_consumers.sh [PRESET]      the build to install: release (default), dev, clang
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=${1:-release}
+source=$PWD
+work=$source/build/consumers
+jobs=${JOBS:-$(nproc)}
+
+step() { echo "== $*"; }
+
+# Configures, builds and tests the host in FOLDER of tests/consumer/.
+run_host() {
+  local name=$1 folder=$2
+  shift 2
+  step "$name"
+  cmake -S "tests/consumer/$folder" -B "$work/$name" -G Ninja --log-level=WARNING -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 "$@" >/dev/null
+  cmake --build "$work/$name" -j "$jobs" -- --quiet
+  ctest --test-dir "$work/$name" --output-on-failure --no-tests=error | grep -E 'tests passed|Passed|Failed'
+}
+
+run_pkg_config_host() {
+  local name=$1 package=$2 program=$3
+  step "$name"
+  mkdir -p "$work/$name"
+  # The flags are words to be split.
+  # shellcheck disable=SC2046
+  "$compiler" -std=c++20 "tests/consumer/programs/$program.cpp" -o "$work/$name/$program" \
+    $(pkg-config --cflags --libs "$package") -Wl,-rpath,"$(pkg-config --variable=libdir "$package")"
+  (cd "$work/$name" && "./$program")
+}
+
+scripts/setup.sh
+cmake --preset "$preset" --log-level=WARNING
+cmake --build --preset "$preset" --target tarn_evolution_pathfinder evopath -- -j "$jobs"
+compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "build/$preset/CMakeCache.txt")
+
+step "installing"
+rm -rf "$work"
+DESTDIR='' cmake --install "build/$preset" --prefix "$work/first-place" >/dev/null
+mv "$work/first-place" "$work/installed"
+"$work/installed/bin/evopath" path data/operators.json --question >/dev/null
+export PKG_CONFIG_PATH=$work/installed/lib/pkgconfig
+
+run_host find_package installed -DCMAKE_PREFIX_PATH="$work/installed"
+run_pkg_config_host pkg_config tarn-evolution-pathfinder consumer
+run_pkg_config_host pkg_config_catalogue tarn-evolution-catalogue catalogue_consumer
+run_host embedded embedded
+run_host embedded_foreign_platform embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON
+cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
+run_host find_package_foreign_platform installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
+step "all hosts work"

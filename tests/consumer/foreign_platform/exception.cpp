@@ -1,0 +1,48 @@
+#include "platform/exception.hpp"
+
+#include <boost/locale/encoding_utf.hpp>
+
+#include "platform/text.hpp"
+
+namespace fl::i18n {
+
+std::string ustring_to_utf8(const std::u16string& text) {
+  return boost::locale::conv::utf_to_utf<char>(text);
+}
+
+}  // namespace fl::i18n
+
+namespace foundation::core::except {
+
+IException::~IException() = default;
+IUserException::~IUserException() = default;
+IMsgIDException::~IMsgIDException() noexcept = default;
+
+const char* IException::what() const noexcept {
+  return text_.c_str();
+}
+
+std::string IUserException::convert_str(const std::u16string& text) const {
+  return fl::i18n::ustring_to_utf8(text);
+}
+
+std::u16string IUserException::convert_str(const std::string& text) const {
+  return boost::locale::conv::utf_to_utf<char16_t>(text);
+}
+
+std::u16string IUserException::ToUstringImpl() const {
+  return convert_str(std::string(what()));
+}
+
+IMsgIDException::IMsgIDException(const resource_core::BaseMsgID& message)
+    : IUserException(get_error_id(message)) {}
+
+std::u16string IMsgIDException::GetUnicodeMessageTxt() const {
+  return ToUstringImpl();
+}
+
+std::string IMsgIDException::get_error_id(const resource_core::BaseMsgID& message) {
+  return message.catalogue + "/" + message.key;
+}
+
+}  // namespace foundation::core::except
