@@ -25,9 +25,7 @@ Deferral::Deferral(const SearchSpace& space, const Coexistence& coexistence,
 void Deferral::findWaysInto(const SearchSpace::Name& name) {
   const std::size_t words = (name.end - name.first + 63) / 64;
   const std::size_t start = waysInto_.size();
-  const auto ways = [&](VersionIndex version) {
-    return waysInto_.begin() + static_cast<std::ptrdiff_t>(waysStart_[version]);
-  };
+  const auto ways = [&](VersionIndex version) { return &waysInto_[waysStart_[version]]; };
   waysInto_.resize(start + words * (name.end - name.first));
   for (VersionIndex version = name.first; version < name.end; ++version) {
     const VersionIndex rank = version - name.first;
