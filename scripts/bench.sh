@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Sets the machine up, builds a release and runs the benchmarks. A full run takes less than half an hour and writes
+# Sets the machine up, builds a release and runs the benchmarks. A full run takes some minutes and writes
 # docs/benchmarks.md; a quick one takes seconds and writes no document unless it is told where.
 #
 # usage: scripts/bench.sh [--quick] [--document FILE]

@@ -32,16 +32,16 @@ class Settings:
 
 FULL = Settings(
     benchmark_runs=(
-        BenchmarkRun("^(Path|Cached|Link|Combine|Trace|Version)", repetitions=5, min_seconds=0.2),
-        BenchmarkRun("^(Exhaustive|ProductGraph)", repetitions=1, min_seconds=0.5),
+        BenchmarkRun("^(Path|Cached|Link|Combine|Trace|Version)", repetitions=2, min_seconds=0.04),
+        BenchmarkRun("^(Exhaustive|ProductGraph)/.*uniform", repetitions=1, min_seconds=0.01),
     ),
     clingo_sizes=(4, 64, 1000),
-    clingo_limit=60,
+    clingo_limit=40,
     random=(
         RandomQuestions(16, range(1, 51), limit=1),
         RandomQuestions(24, range(1, 51), limit=10),
-        RandomQuestions(32, range(1, 11), limit=20),
-        RandomQuestions(64, range(1, 6), limit=20),
+        RandomQuestions(32, range(1, 11), limit=10),
+        RandomQuestions(64, range(1, 6), limit=10),
     ),
     joined_sizes=(10, 14, 20),
     operators_limit=60,

@@ -40,7 +40,7 @@ it.
 ROUNDS_OF_PROGRAM = """
 Each question is asked of a new repository every time, so that linking counts; making the repository
 from the parsed catalogue does not. Floor and path, and likewise every other pair that is compared,
-are measured in turns in one process, each many times in five repetitions that are interleaved with
+are measured in turns in one process, each many times in two repetitions that are interleaved with
 those of all other benchmarks; only engines that try everything get a single repetition. **The least
 time of each counts**: what others do on the machine only ever adds to a time. For the same reason,
 what takes more than some milliseconds is measured in processor time. But for the questions on two

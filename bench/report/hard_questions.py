@@ -17,10 +17,11 @@ Each seed is asked in a process of its own, with a limit on its time and 8 GiB o
 """
 
 WHY = """
-The path finder's bounds look at one metamodel at a time. They cost little and lead straight to the
-answer where dependencies delay a hop or tie some together. Where many ranges interlock they promise
-less than has to be paid in the end, and every combination that looks cheap enough has to be refuted
-by itself. clingo notes after each refutation which few decisions were to blame, and never tries
+The path finder's bounds look at one metamodel at a time, and hops that could have waited for a
+later step are never distributed among the steps (see [search.md](search.md)). That leads straight
+to the answer where dependencies delay a hop or tie some together. Where many ranges interlock, the
+bounds promise less than has to be paid in the end, and every combination that looks cheap enough
+has to be refuted by itself. clingo notes after each refutation which few decisions were to blame, and never tries
 these together again: that pays where there is much to refute. Where there is little, its start and
 grounding are most of its time.
 """
