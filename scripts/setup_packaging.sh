@@ -7,6 +7,7 @@ missing=()
 command -v lintian >/dev/null || missing+=(lintian)
 command -v abidw >/dev/null || missing+=(abigail-tools)
 command -v dpkg-shlibdeps >/dev/null || missing+=(dpkg-dev)
+command -v xz >/dev/null || missing+=(xz-utils)
 [ "${#missing[@]}" -eq 0 ] && exit 0
 
 echo "Installing: ${missing[*]}"
