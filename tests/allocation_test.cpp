@@ -32,6 +32,9 @@ void* allocate(std::size_t size, std::size_t alignment) {
 
 }  // namespace
 
+// Where it inlines, g++ takes the pairs below for mismatched.
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+
 void* operator new(std::size_t size) {
   return allocate(size, alignof(std::max_align_t));
 }
