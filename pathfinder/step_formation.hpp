@@ -56,9 +56,10 @@ class StepFormation {
     /// its place among others; most of them are never looked at again.
     bool isRough = false;
 
+    /// How many steps with an ordinary hop are before this one: the fewest that every name needs.
+    std::uint32_t steps = 0;
+
     // Kept up to date so that a bound need not look at every name again.
-    std::uint32_t steps =
-        0;  ///< with an ordinary hop, before this one: the fewest that every name needs
     std::uint64_t leastEver = 0;  ///< of the options, for any number of steps before
     Sum sum;                      ///< for `steps` before, with an ordinary hop in a step
 
