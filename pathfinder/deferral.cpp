@@ -23,8 +23,12 @@ Deferral::Deferral(const SearchSpace& space, const Coexistence& coexistence,
 }
 
 void Deferral::findWaysInto(const SearchSpace::Name& name) {
-  const std::size_t words = (name.end - name.first + 63) / 64;
   const std::size_t start = waysInto_.size();
+  if (coexistence_.neighbours(space_.versions[name.first].name).empty()) {
+    waysStart_.resize(name.end, start);  // nobody asks
+    return;
+  }
+  const std::size_t words = (name.end - name.first + 63) / 64;
   const auto ways = [&](VersionIndex version) { return &waysInto_[waysStart_[version]]; };
   waysInto_.resize(start + words * (name.end - name.first));
   for (VersionIndex version = name.first; version < name.end; ++version) {

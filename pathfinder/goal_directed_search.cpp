@@ -111,6 +111,7 @@ class Realisation {
     std::map<Digits, std::set<VersionSelection>> result;
     for (const BackwardPlan::Step& step : planned.steps) {
       Digits digits;
+      digits.reserve(selection.size());
       for (std::size_t name = selection.size(); name-- > 0;) {
         digits.push_back(placeOf(selection[name], step.hops[name], (*step.after)[name]));
       }
@@ -135,28 +136,54 @@ class Realisation {
                const Digits& digits, const std::set<VersionSelection>& afters,
                std::size_t stepsLeft) {
     LockstepHop combination;
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      const std::uint32_t digit = digits[selection.size() - 1 - name];
+      if (digit == 0) continue;
+      combination.emplace(space_.names[name].text,
+                          space_.versions[selection[name]].hops[digit - 1]);
+    }
+    traceAttempt(combination);
+    std::vector<VersionBaseline> candidates = combine(baseline, selection, digits, afters);
+    traceCandidates(candidates);
+    for (VersionBaseline& candidate : candidates) {
+      const VersionSelection after =
+          space_.isUnambiguous ? *afters.begin() : space_.selectionOf(candidate);
+      if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
+      answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
+      return true;
+    }
+    return false;
+  }
+
+  /// The baselines that a combination leads to.
+  std::vector<VersionBaseline> combine(const VersionBaseline& baseline,
+                                       const VersionSelection& selection, const Digits& digits,
+                                       const std::set<VersionSelection>& afters) const {
+    if (space_.isUnambiguous) {
+      std::vector<VersionBaseline> result;
+      result.push_back(baseline);
+      move(result.front(), selection, *afters.begin());
+      return result;
+    }
     std::vector<Alternatives> alternatives;
     alternatives.reserve(selection.size());
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (space_.isAbsent(selection[name])) continue;
       const SearchSpace::Version* version = &space_.versions[selection[name]];
       const std::uint32_t digit = digits[selection.size() - 1 - name];
-      if (digit != 0) {
-        combination.emplace(space_.names[name].text, version->hops[digit - 1]);
-        version = &space_.versions[targetOf(*version, digit - 1)];
-      }
+      if (digit != 0) version = &space_.versions[targetOf(*version, digit - 1)];
       alternatives.push_back({&space_.names[name].text, version->linked});
     }
-    traceAttempt(combination);
-    std::vector<VersionBaseline> candidates = combineInOrder(alternatives);
-    traceCandidates(candidates);
-    for (VersionBaseline& candidate : candidates) {
-      const VersionSelection after = space_.selectionOf(candidate);
-      if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
-      answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
-      return true;
+    return combineInOrder(alternatives);
+  }
+
+  /// In an unambiguous space, what is planned to stand together is a baseline.
+  void move(VersionBaseline& baseline, const VersionSelection& from,
+            const VersionSelection& to) const {
+    for (NameIndex name = 0; name < from.size(); ++name) {
+      if (from[name] == to[name]) continue;
+      baseline.metamodels.at(space_.names[name].text) = space_.versions[to[name]].linked->front();
     }
-    return false;
   }
 
   static VersionIndex targetOf(const SearchSpace::Version& version, std::uint32_t place) {

@@ -1,5 +1,6 @@
 #include "pathfinder/path_cache.hpp"
 
+#include <algorithm>
 #include <mutex>
 #include <ostream>
 #include <shared_mutex>
@@ -19,18 +20,6 @@ void traceHit(const std::vector<BaselineHop>& path) {
   for (const BaselineHop& step : path) traceValue(step.to);
 }
 
-template <class Steps>
-std::vector<BaselineHop> makePath(const VersionBaseline& source, const Steps& steps) {
-  std::vector<BaselineHop> path;
-  path.reserve(steps.size());
-  const VersionBaseline* from = &source;
-  for (const auto& [hops, to] : steps) {
-    path.emplace_back(*from, to, hops);
-    from = &to;
-  }
-  return path;
-}
-
 void traceStore(const std::vector<BaselineHop>& path) {
   constexpr TraceLevel level = TraceLevel::CacheStore;
   trace(level, [](std::ostream& out) { out << "Emplace Path to cache:"; });
@@ -42,6 +31,40 @@ void traceStore(const std::vector<BaselineHop>& path) {
 }
 
 }  // namespace
+
+PathCache::Step::Step(const VersionBaseline& from, const BaselineHop& step) : hops(step.hops) {
+  const auto& before = from.metamodels;
+  const auto& after = step.to.metamodels;
+  const bool haveSameNames =
+      std::equal(before.begin(), before.end(), after.begin(), after.end(),
+                 [](const auto& left, const auto& right) { return left.first == right.first; });
+  if (!haveSameNames) {
+    to = step.to;
+    return;
+  }
+  changes.reserve(hops.size());
+  auto held = before.begin();
+  for (const auto& [name, metamodel] : after) {
+    if ((held++)->second != metamodel) changes.emplace_back(name, metamodel);
+  }
+}
+
+VersionBaseline PathCache::Step::applyTo(const VersionBaseline& from) const {
+  if (to) return *to;
+  VersionBaseline result = from;
+  for (const auto& [name, metamodel] : changes) result.metamodels.at(name) = metamodel;
+  return result;
+}
+
+std::vector<BaselineHop> PathCache::makePath(const VersionBaseline& source, const Steps& steps) {
+  std::vector<BaselineHop> path;
+  path.reserve(steps.size());
+  for (const Step& step : steps) {
+    const VersionBaseline& from = path.empty() ? source : path.back().to;
+    path.emplace_back(from, step.applyTo(from), LockstepHop(step.hops));
+  }
+  return path;
+}
 
 std::optional<std::vector<BaselineHop>> PathCache::find(
     const std::vector<VersionBaseline>& sources, const std::vector<VersionBaseline>& targets) {
@@ -59,7 +82,7 @@ std::optional<std::vector<BaselineHop>> PathCache::lookUp(
     if (outer == pathCache_.end()) continue;
     for (const VersionBaseline& target : targets) {
       const auto inner = outer->second.find(target);
-      if (inner != outer->second.end()) return makePath(source, inner->second);
+      if (inner != outer->second.end()) return makePath(outer->first, inner->second);
     }
   }
   return std::nullopt;
@@ -67,10 +90,17 @@ std::optional<std::vector<BaselineHop>> PathCache::lookUp(
 
 void PathCache::store(const std::vector<BaselineHop>& path, const VersionBaseline& target) {
   const std::unique_lock lock(cacheLock_);
-  Steps steps;
-  steps.reserve(path.size());
-  for (const BaselineHop& step : path) steps.push_back({step.hops, step.to});
-  pathCache_[path.front().from].try_emplace(target, std::move(steps));
+  const auto source = pathCache_.try_emplace(path.front().from).first;
+  if (!source->second.contains(target)) {
+    Steps steps;
+    steps.reserve(path.size());
+    const VersionBaseline* from = &source->first;
+    for (const BaselineHop& step : path) {
+      steps.emplace_back(*from, step);
+      from = &step.to;
+    }
+    source->second.emplace(target, std::move(steps));
+  }
   traceStore(path);
 }
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "pathfinder/hop.hpp"
@@ -27,9 +30,16 @@ class PathCache {
   void clear();
 
  private:
+  /// What a step makes of the baseline before it. Most steps change few names, so that most often
+  /// just these are kept.
   struct Step {
+    Step(const VersionBaseline& from, const BaselineHop& step);
+
+    VersionBaseline applyTo(const VersionBaseline& from) const;
+
     LockstepHop hops;
-    VersionBaseline to;
+    std::vector<std::pair<std::u16string, std::shared_ptr<LinkedMetamodel>>> changes;
+    std::optional<VersionBaseline> to;  ///< if it has other names, or in another order
   };
 
   template <class Value>
@@ -39,6 +49,7 @@ class PathCache {
   /// A path without the baseline that it starts from.
   using Steps = std::vector<Step>;
 
+  static std::vector<BaselineHop> makePath(const VersionBaseline& source, const Steps& steps);
   std::optional<std::vector<BaselineHop>> lookUp(const std::vector<VersionBaseline>& sources,
                                                  const std::vector<VersionBaseline>& targets) const;
 

@@ -41,13 +41,14 @@ SearchAnswer search(const SearchQuestion& question) {
 
 std::optional<std::vector<BaselineHop>> answerPathQuestion(
     VersionRepository& repository, PathCache& cache, const std::vector<VersionBaseline>& sources,
-    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction) {
+    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction,
+    std::vector<KnownMetamodel> known) {
   static const instrument::Handle& handle =
       instrument::controls.getHandle("VersionRepository::findPath");
   const diagnostics::ScopedEvent event(handle);
   traceQuestion(sources, targets, direction);
   if (auto cached = cache.find(sources, targets)) return cached;
-  SearchAnswer answer = search({repository, sources, targets, direction});
+  SearchAnswer answer = search({repository, sources, targets, direction, std::move(known)});
   if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
   if (!answer.steps.empty()) cache.store(answer.steps, *answer.target);
   return std::move(answer.steps);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "pathfinder/path_cache.hpp"
+#include "pathfinder/search_question.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -18,6 +19,7 @@ inline constexpr std::uint64_t combinationBudget = 2000;
 /// the search found.
 std::optional<std::vector<BaselineHop>> answerPathQuestion(
     VersionRepository& repository, PathCache& cache, const std::vector<VersionBaseline>& sources,
-    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction);
+    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction,
+    std::vector<KnownMetamodel> known = {});
 
 }  // namespace tarn::evolution::pathfinder

@@ -6,12 +6,20 @@
 
 namespace tarn::evolution::pathfinder {
 
+/// What `getMetamodel` answered while a question was put together. Refers to what its caller keeps.
+struct KnownMetamodel {
+  const std::u16string* name;
+  const VersionId* version;  ///< what was asked for
+  const Metamodel* metamodel;
+};
+
 /// What every search engine is asked. Refers to the caller's lists.
 struct SearchQuestion {
   VersionRepository& repository;
   const std::vector<VersionBaseline>& sources;
   const std::vector<VersionBaseline>& targets;
   VersionRepository::Direction direction;
+  std::vector<KnownMetamodel> known = {};  ///< need not be asked for again
 
   /// The first target, in list order, that the baseline includes; null when there is none.
   const VersionBaseline* targetIn(const VersionBaseline& baseline) const;

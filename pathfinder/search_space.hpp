@@ -44,7 +44,7 @@ struct SearchSpace {
     const Metamodel* descriptor = nullptr;  ///< null for "absent"
     const std::vector<std::shared_ptr<LinkedMetamodel>>* linked = nullptr;
     VariantIndex firstVariant = 0;  ///< its linked metamodels are variants from here on, in order
-    std::vector<Hop> hops;          ///< those that do not go against the direction, in order
+    std::span<const Hop> hops;      ///< those that do not go against the direction, in order
     std::span<const Move> moves;    ///< those of the hops that lead to a version of the space
     bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
     bool isEntry = false;   ///< whether a link can bring this version in
@@ -74,6 +74,10 @@ struct SearchSpace {
   /// no such version. Empty when the baseline holds what is not in the space at all.
   VersionSelection selectionOf(const VersionBaseline& baseline) const;
 
+  /// Whether versions that can stand together, one for each name, make one baseline and not
+  /// several: every name is held from the start, and every version has one linked metamodel.
+  bool isUnambiguous = false;
+
   std::vector<Name> names;
   std::vector<Version> versions;
   std::vector<Variant> variants;
@@ -85,6 +89,7 @@ struct SearchSpace {
 
   // What versions and variants point to.
   std::pmr::deque<Metamodel> descriptors{&memory};
+  std::vector<Hop> hops;
   std::vector<Move> moves;
   std::vector<Link> links;
 };

@@ -1,16 +1,48 @@
 #pragma once
 
+#include <deque>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "pathfinder/search_question.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-/// `VersionRepository::combine` for a selection of versions.
-std::vector<VersionBaseline> combineVersions(
-    VersionRepository& repository, const std::unordered_map<std::u16string, VersionId>& selection);
+/// `VersionRepository::combine` for the selections of versions of one question. A version that two
+/// successive ones hold is asked for once.
+///
+/// Refers to the selections, which must outlive it.
+class SelectionCombination {
+ public:
+  explicit SelectionCombination(VersionRepository& repository) : repository_(repository) {}
+
+  std::vector<VersionBaseline> combine(
+      const std::unordered_map<std::u16string, VersionId>& selection);
+
+  /// What the application answered so far. Refers to this object.
+  std::vector<KnownMetamodel> known() const;
+
+ private:
+  struct Answer {
+    const std::u16string* name;
+    const VersionId* version;
+    Metamodel metamodel;
+    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked;
+  };
+
+  using Answers = std::vector<const Answer*>;
+
+  const Answer* find(const std::u16string& name, const VersionId& version, std::size_t place) const;
+  const Answer& ask(const std::u16string& name, const VersionId& version);
+  void sortByName(const Answers& answers);
+
+  VersionRepository& repository_;
+  std::deque<Answer> answers_;
+  Answers last_;                        // the last selection's, as it stands in its map
+  std::vector<std::size_t> nameOrder_;  // the places of those, by ascending name
+};
 
 /// One entry of a selection of descriptors. Refers to the selection.
 struct SelectedMetamodel {

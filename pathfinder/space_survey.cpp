@@ -35,7 +35,8 @@ struct Draft {
 
   DraftName* name;
   const Metamodel* descriptor;
-  std::vector<Hop> hops;
+  std::size_t firstHop = 0;  // of the hops that leave it and do not go against the direction
+  std::size_t hopCount = 0;
   std::pmr::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
   const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
   bool isAnswer = false;  // what getMetamodel returned when asked for just this version
@@ -108,6 +109,7 @@ class SpaceSurvey {
 
   std::unique_ptr<const SearchSpace> run() {
     for (const VersionBaseline& target : question_.targets) enterTarget(target);
+    for (const KnownMetamodel& known : question_.known) noteAnswer(known);
     for (const VersionBaseline& source : question_.sources) {
       if (!enterSource(source)) return nullptr;
     }
@@ -164,6 +166,20 @@ class SpaceSurvey {
     }
   }
 
+  void noteAnswer(const KnownMetamodel& known) {
+    if (known.metamodel->name != *known.name) return;  // not fit; found out if a hop leads there
+    DraftName& name = nameOf(*known.name);
+    noteAnswer(name, *known.version, &draftOf(name, *known.metamodel));
+  }
+
+  static void noteAnswer(DraftName& name, const VersionId& version, Draft* draft) {
+    if (draft != nullptr && draft->descriptor->version == version) {
+      draft->isAnswer = true;
+    } else {
+      name.answers.emplace(version, draft);
+    }
+  }
+
   bool enterSource(const VersionBaseline& source) {
     return std::all_of(source.metamodels.begin(), source.metamodels.end(), [&](const auto& entry) {
       const auto& [key, linked] = entry;
@@ -190,15 +206,19 @@ class SpaceSurvey {
     while (!unasked_.empty()) {
       Draft& draft = *unasked_.back();
       unasked_.pop_back();
-      question_.repository.findHops(*draft.name->text, draft.descriptor->version, draft.hops);
+      hops_.clear();
+      question_.repository.findHops(*draft.name->text, draft.descriptor->version, hops_);
       if (question_.direction != VersionRepository::Unknown) dropHopsAgainstDirection(draft);
-      for (std::uint32_t place = 0; place < draft.hops.size(); ++place) {
-        Draft* target = lookUp(*draft.name, draft.hops[place].to);
+      for (std::uint32_t place = 0; place < hops_.size(); ++place) {
+        Draft* target = lookUp(*draft.name, hops_[place].to);
         if (target == nullptr) continue;
         if (leadsAwayFromTargets(*target)) continue;
         enter(*target);
         draft.targets.emplace_back(place, target);
       }
+      draft.firstHop = space_->hops.size();
+      draft.hopCount = hops_.size();
+      std::move(hops_.begin(), hops_.end(), std::back_inserter(space_->hops));
     }
   }
 
@@ -211,11 +231,7 @@ class SpaceSurvey {
       if (known != name.answers.end()) return known->second;
     }
     Draft* draft = ask(name, version);
-    if (draft != nullptr && draft->descriptor->version == version) {
-      draft->isAnswer = true;
-    } else {
-      name.answers.emplace(version, draft);
-    }
+    noteAnswer(name, version, draft);
     return draft;
   }
 
@@ -241,7 +257,7 @@ class SpaceSurvey {
   }
 
   void dropHopsAgainstDirection(Draft& draft) {
-    std::erase_if(draft.hops, [&](const Hop& hop) {
+    std::erase_if(hops_, [&](const Hop& hop) {
       // Hop collection looks the target up under the hop's own name, which may differ from the key.
       std::optional<Metamodel> other;
       const Metamodel* target = nullptr;
@@ -345,6 +361,10 @@ class SpaceSurvey {
     for (DraftName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    space_->isUnambiguous = std::all_of(
+        space_->versions.begin(), space_->versions.end(), [](const SearchSpace::Version& version) {
+          return version.linked != nullptr && version.linked->size() == 1;
+        });
     return std::move(space_);
   }
 
@@ -359,7 +379,7 @@ class SpaceSurvey {
       version.descriptor = draft->descriptor;
       version.linked = draft->linked;
       version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
-      version.hops = std::move(draft->hops);
+      version.hops = std::span(space_->hops).subspan(draft->firstHop, draft->hopCount);
       version.losesHop = draft->losesHop;
       version.isEntry = draft->isEntry;
       for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
@@ -437,6 +457,7 @@ class SpaceSurvey {
   std::pmr::unordered_map<std::u16string_view, DraftName> names_{&memory_};
   std::pmr::deque<Draft> drafts_{&memory_};
   std::pmr::vector<Draft*> unasked_{&memory_};
+  std::vector<Hop> hops_;  // of the version that is being asked for
   std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&memory_};
   bool isUnfit_ = false;
 };

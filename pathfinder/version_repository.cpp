@@ -76,24 +76,29 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
-  const std::vector<VersionBaseline> sources = combine(from);
+  SelectionCombination combination(*this);
+  const std::vector<VersionBaseline> sources = combination.combine(from);
   if (sources.empty()) return std::nullopt;
-  const std::vector<VersionBaseline> targets = combine(to);
+  const std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
-  return findPath(sources, targets, computeDirection(sources.front(), targets.front()));
+  return answerPathQuestion(*this, caches_->pathCache, sources, targets,
+                            computeDirection(sources.front(), targets.front()),
+                            combination.known());
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
-  const std::vector<VersionBaseline> targets = combine(to);
+  SelectionCombination combination(*this);
+  const std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
   const bool alreadyThere =
       std::find_first_of(targets.begin(), targets.end(), from.begin(), from.end()) != targets.end();
   if (alreadyThere) return std::vector<BaselineHop>();
   const Direction direction =
       from.empty() ? Unknown : computeDirection(from.front(), targets.front());
-  return findPath(from, targets, direction);
+  return answerPathQuestion(*this, caches_->pathCache, from, targets, direction,
+                            combination.known());
 }
 
 unsigned long VersionRepository::getWeight(
@@ -121,7 +126,7 @@ std::vector<VersionBaseline> VersionRepository::createTargetBaseline(
 
 std::vector<VersionBaseline> VersionRepository::combine(
     const std::unordered_map<std::u16string, VersionId>& selection) {
-  return combineVersions(*this, selection);
+  return SelectionCombination(*this).combine(selection);
 }
 
 std::vector<VersionBaseline> VersionRepository::combine(
@@ -184,14 +189,20 @@ std::string VersionRepository::getDirectionString(Direction direction) {
 
 VersionRepository::Direction VersionRepository::getDirection(const Metamodel& from,
                                                              const Metamodel& to) {
+  const auto directionOf = [](const SemVer& before, const SemVer& after) {
+    if (before == after) return Equal;
+    return before < after ? Forward : Backward;
+  };
+  if (from.version.isSemVer() && to.version.isSemVer()) {
+    return directionOf(from.version.getSemVer(), to.version.getSemVer());
+  }
   if (from == to) return Equal;
   const std::optional<SemVer> before = extractSemVer(from);
   const std::optional<SemVer> after = extractSemVer(to);
   if (!before && !after) return Unknown;
   if (!before) return Forward;
   if (!after) return Backward;
-  if (*before == *after) return Equal;
-  return *before < *after ? Forward : Backward;
+  return directionOf(*before, *after);
 }
 
 VersionRepository::Direction VersionRepository::computeDirection(const VersionBaseline& from,
