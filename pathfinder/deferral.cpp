@@ -19,12 +19,13 @@ Deferral::Deferral(const SearchSpace& space, const Coexistence& coexistence,
   for (const VersionSelection& source : sources) {
     for (const VersionIndex version : source) isInSource_[version] = true;
   }
-  for (const SearchSpace::Name& name : space.names) findWaysInto(name);
+  for (NameIndex name = 0; name < space.names.size(); ++name) findWaysInto(name);
 }
 
-void Deferral::findWaysInto(const SearchSpace::Name& name) {
+void Deferral::findWaysInto(NameIndex index) {
+  const SearchSpace::Name& name = space_.names[index];
   const std::size_t start = waysInto_.size();
-  if (coexistence_.neighbours(space_.versions[name.first].name).empty()) {
+  if (coexistence_.neighbours(index).empty()) {
     waysStart_.resize(name.end, start);  // nobody asks
     return;
   }

@@ -41,7 +41,7 @@ class Deferral {
   Stay stayAt(VersionIndex version, const VersionSelection& after) const;
 
  private:
-  void findWaysInto(const SearchSpace::Name& name);
+  void findWaysInto(NameIndex index);
   bool canWait(const IncomingHop& hop, const VersionSelection& after) const;
 
   const SearchSpace& space_;

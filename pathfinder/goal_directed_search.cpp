@@ -166,7 +166,7 @@ class Realisation {
       return result;
     }
     std::vector<Alternatives> alternatives;
-    alternatives.reserve(selection.size());
+    alternatives.reserve(selection.size() + space_.bystanders.size());
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (space_.isAbsent(selection[name])) continue;
       const SearchSpace::Version* version = &space_.versions[selection[name]];
@@ -174,6 +174,14 @@ class Realisation {
       if (digit != 0) version = &space_.versions[targetOf(*version, digit - 1)];
       alternatives.push_back({&space_.names[name].text, version->linked});
     }
+    const auto moving = static_cast<std::ptrdiff_t>(alternatives.size());
+    for (const SearchSpace::Bystander& bystander : space_.bystanders) {
+      alternatives.push_back({&bystander.text, bystander.linked});
+    }
+    std::inplace_merge(alternatives.begin(), alternatives.begin() + moving, alternatives.end(),
+                       [](const Alternatives& left, const Alternatives& right) {
+                         return *left.name < *right.name;
+                       });
     return combineInOrder(alternatives);
   }
 
@@ -233,6 +241,12 @@ std::vector<VersionSelection> startingSelections(const SearchSpace& space,
 }  // namespace
 
 SearchAnswer searchGoalDirected(const SearchQuestion& question) {
+  for (const VersionBaseline& source : question.sources) {
+    const VersionBaseline* target = question.targetIn(source);
+    if (target == nullptr) continue;
+    traceValue("Reached target");
+    return {SearchAnswer::Verdict::Found, {}, target};
+  }
   const auto space = surveySearchSpace(question);
   if (!space) return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
   const auto sources = startingSelections(*space, question.sources);

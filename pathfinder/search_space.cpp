@@ -9,6 +9,7 @@ VersionSelection SearchSpace::selectionOf(const VersionBaseline& baseline) const
   for (const auto& [name, linked] : baseline.metamodels) {
     const auto variant = variantOf.find(linked.get());
     if (variant == variantOf.end()) return {};
+    if (variant->second == bystander) continue;
     const VersionIndex version = variants[variant->second].version;
     if (version == none) return {};
     selection[versions[version].name] = version;

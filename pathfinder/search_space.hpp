@@ -27,10 +27,12 @@ using VersionSelection = std::vector<VersionIndex>;
 /// A version is a descriptor, not a version number: what the application returns for a hop's target
 /// may carry another number, and several descriptors may share one. Names, and the versions of each
 /// name, are numbered consecutively; names ascend. A name that some source does not hold has one
-/// version more, "absent", which it has until a link brings it in. Made by `surveySearchSpace`;
+/// version more, "absent", which it has until a link brings it in. Names that stay where they are
+/// on every path, the bystanders, are not among these names. Made by `surveySearchSpace`;
 /// read-only.
 struct SearchSpace {
   static constexpr std::uint32_t none = ~std::uint32_t{0};
+  static constexpr VariantIndex bystander = none - 1;
 
   /// A hop to another version of the space.
   struct Move {
@@ -68,10 +70,17 @@ struct SearchSpace {
     VersionIndex absent = none;  ///< the last of them, when some source does not hold the name
   };
 
+  /// A name that every source and every target that mentions it hold at one version, with nothing
+  /// to do with the others: it links nothing, nothing links it.
+  struct Bystander {
+    std::u16string text;
+    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked;  ///< just one
+  };
+
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
-  /// For each name the version that the baseline holds, or "absent", or `none` where the name has
-  /// no such version. Empty when the baseline holds what is not in the space at all.
+  /// For each name but bystanders the version that the baseline holds, or "absent", or `none` where
+  /// the name has no such version. Empty when the baseline holds what is not in the space at all.
   VersionSelection selectionOf(const VersionBaseline& baseline) const;
 
   /// Whether versions that can stand together, one for each name, make one baseline and not
@@ -81,10 +90,12 @@ struct SearchSpace {
   std::vector<Name> names;
   std::vector<Version> versions;
   std::vector<Variant> variants;
+  std::vector<Bystander> bystanders;  ///< by ascending name
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory;
 
+  /// `bystander` for those.
   std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{&memory};
 
   // What versions and variants point to.

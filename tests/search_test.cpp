@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <deque>
 #include <iostream>
 
 #include "pathfinder/exhaustive_search.hpp"
@@ -39,6 +40,21 @@ void expectSame(const SearchAnswer& expected, const SearchAnswer& found) {
   }
 }
 
+/// The same question, with what the application says of the versions that it mentions.
+SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) {
+  for (const auto* baselines : {&question.sources, &question.targets}) {
+    for (const VersionBaseline& baseline : *baselines) {
+      for (const auto& [name, linked] : baseline.metamodels) {
+        if (auto answer = question.repository.getMetamodel(name, linked->version)) {
+          answers.push_back(*std::move(answer));
+          question.known.push_back({&name, &linked->version, &answers.back()});
+        }
+      }
+    }
+  }
+  return question;
+}
+
 void compare(RandomQuestion& question, Tally& tally) {
   if (question.sources.empty() || question.targets.empty()) return;
   const SearchQuestion asked{question.repository, question.sources, question.targets,
@@ -55,6 +71,8 @@ void compare(RandomQuestion& question, Tally& tally) {
     return;
   }
   expectSame(expected, found);
+  std::deque<Metamodel> answers;
+  expectSame(expected, searchGoalDirected(knowing(asked, answers)));
   if (expected.verdict == Verdict::NoPath) ++tally.absences;
   if (expected.verdict == Verdict::Found) ++tally.paths;
   if (expected.steps.size() >= 3) ++tally.longPaths;

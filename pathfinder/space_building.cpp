@@ -1,0 +1,136 @@
+#include "pathfinder/space_building.hpp"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+class SpaceBuilding {
+ public:
+  SpaceBuilding(SurveyDrafts& met, SearchSpace& space) : met_(met), space_(space) {}
+
+  void run() {
+    space_.names.reserve(met_.names.size());
+    space_.versions.reserve(met_.drafts.size() + met_.names.size());
+    space_.variants.reserve(met_.drafts.size());
+    space_.variantOf.reserve(met_.drafts.size());
+    std::vector<DraftName*> ordered;
+    for (auto& [text, name] : met_.names) {
+      if (!name.versions.empty()) ordered.push_back(&name);
+    }
+    std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
+      return *left->text < *right->text;
+    });
+    for (DraftName* name : ordered) name->isBystander ? addBystander(*name) : addName(*name);
+    addMoves();
+    addClosures();
+    space_.isUnambiguous = std::all_of(
+        space_.versions.begin(), space_.versions.end(), [](const SearchSpace::Version& version) {
+          return version.linked != nullptr && version.linked->size() == 1;
+        });
+  }
+
+ private:
+  void addBystander(const DraftName& name) {
+    const LinkedMetamodels& linked = *name.versions.front()->linked;
+    space_.bystanders.push_back({*name.text, &linked});
+    space_.variantOf.emplace(linked.front().get(), SearchSpace::bystander);
+  }
+
+  void addName(DraftName& name) {
+    name.index = static_cast<NameIndex>(space_.names.size());
+    const auto first = static_cast<VersionIndex>(space_.versions.size());
+    for (Draft* draft : name.versions) {
+      if (draft->linked == nullptr || !met_.isOfUse(*draft)) continue;
+      draft->index = static_cast<VersionIndex>(space_.versions.size());
+      SearchSpace::Version& version = space_.versions.emplace_back();
+      version.name = name.index;
+      version.descriptor = draft->descriptor;
+      version.linked = draft->linked;
+      version.firstVariant = static_cast<VariantIndex>(space_.variants.size());
+      version.hops = std::span(space_.hops).subspan(draft->firstHop, draft->hopCount);
+      version.losesHop = draft->losesHop;
+      version.isEntry = draft->isEntry;
+      for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
+    }
+    SearchSpace::Name& added = space_.names.emplace_back();
+    added.text = *name.text;
+    added.first = first;
+    if (!met_.isHeldFromStart(name)) {
+      added.absent = static_cast<VersionIndex>(space_.versions.size());
+      space_.versions.emplace_back().name = name.index;
+    }
+    added.end = static_cast<VersionIndex>(space_.versions.size());
+  }
+
+  VariantIndex addVariant(const LinkedMetamodel* linked, VersionIndex version) {
+    const auto index = static_cast<VariantIndex>(space_.variants.size());
+    space_.variants.emplace_back().version = version;
+    space_.variantOf.emplace(linked, index);
+    return index;
+  }
+
+  void addMoves() {
+    std::size_t count = 0;
+    for (const Draft& draft : met_.drafts) count += draft.targets.size();
+    space_.moves.reserve(count);  // versions point into it
+    for (const Draft& draft : met_.drafts) {
+      if (draft.index == SearchSpace::none) continue;
+      SearchSpace::Version& version = space_.versions[draft.index];
+      const std::size_t first = space_.moves.size();
+      for (const auto& [place, target] : draft.targets) {
+        if (target->index == SearchSpace::none) continue;
+        space_.moves.push_back({target->index, version.hops[place].expensive, place});
+      }
+      version.moves = std::span(space_.moves).subspan(first);
+    }
+  }
+
+  void addClosures() {
+    std::size_t count = 0;
+    for (const auto& [linked, variant] : space_.variantOf)
+      count += linked->linkedMetamodels.size() + 1;
+    space_.links.reserve(count);  // variants point into it
+    for (const Draft& draft : met_.drafts) {
+      if (draft.index == SearchSpace::none) continue;
+      VariantIndex variant = space_.versions[draft.index].firstVariant;
+      for (const auto& linked : *draft.linked) addClosure(variant++, *linked);
+    }
+  }
+
+  void addClosure(VariantIndex variant, const LinkedMetamodel& linked) {
+    const std::size_t first = space_.links.size();
+    space_.links.push_back({space_.versions[space_.variants[variant].version].name, variant});
+    for (const auto& [text, link] : linked.linkedMetamodels) {
+      space_.links.push_back(linkTo(text, link.get()));
+    }
+    const auto closure = std::span(space_.links).subspan(first);
+    std::sort(closure.begin(), closure.end(),
+              [](const auto& left, const auto& right) { return left.name < right.name; });
+    space_.variants[variant].closure = closure;
+  }
+
+  SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {
+    const auto known = space_.variantOf.find(linked);
+    if (known != space_.variantOf.end()) {
+      const VersionIndex version = space_.variants[known->second].version;
+      if (version != SearchSpace::none) return {space_.versions[version].name, known->second};
+      return {met_.nameOf(text).index, known->second};
+    }
+    return {met_.nameOf(text).index, addVariant(linked, SearchSpace::none)};
+  }
+
+  SurveyDrafts& met_;
+  SearchSpace& space_;
+};
+
+}  // namespace
+
+void buildSearchSpace(SurveyDrafts& met, SearchSpace& space) {
+  SpaceBuilding(met, space).run();
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <memory_resource>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/hashing.hpp"
+#include "pathfinder/search_space.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using LinkedMetamodels = std::vector<std::shared_ptr<LinkedMetamodel>>;
+
+struct VersionIdHash {
+  std::size_t operator()(const VersionId& version) const noexcept { return hashVersion(version); }
+};
+
+struct DraftName;
+
+/// A version while the space is surveyed.
+struct Draft {
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  Draft(DraftName& draftName, const Metamodel& metamodel, const allocator_type& memory)
+      : name(&draftName), descriptor(&metamodel), targets(memory) {}
+
+  DraftName* name;
+  const Metamodel* descriptor;
+  std::size_t firstHop = 0;  // of the hops that leave it and do not go against the direction
+  std::size_t hopCount = 0;
+  std::pmr::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
+  const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
+  bool isAnswer = false;  // what getMetamodel returned when asked for just this version
+  bool isLinkTried = false;
+  bool losesHop = false;
+  bool isEntered = false;
+  bool leadsToTarget = false;
+  bool areLinksEntered = false;
+  bool isEntry = false;
+  VersionIndex index = SearchSpace::none;
+};
+
+/// Versions of one name: scanned while they are few, hashed when they are many.
+class DraftsByVersion {
+ public:
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  explicit DraftsByVersion(const allocator_type& memory) : drafts_(memory), places_(memory) {}
+
+  /// The first draft of that version for which `isWanted(draft)`; null when there is none.
+  template <class IsWanted>
+  Draft* find(const VersionId& version, const IsWanted& isWanted) const {
+    if (drafts_.size() <= fewDrafts) {
+      for (Draft* draft : drafts_) {
+        if (draft->descriptor->version == version && isWanted(*draft)) return draft;
+      }
+      return nullptr;
+    }
+    const auto [begin, end] = places_.equal_range(version);
+    for (auto place = begin; place != end; ++place) {
+      if (isWanted(*place->second)) return place->second;
+    }
+    return nullptr;
+  }
+
+  void add(Draft& draft) {
+    drafts_.push_back(&draft);
+    if (drafts_.size() <= fewDrafts) return;
+    for (std::size_t i = places_.size(); i < drafts_.size(); ++i) {
+      places_.emplace(drafts_[i]->descriptor->version, drafts_[i]);
+    }
+  }
+
+ private:
+  static constexpr std::size_t fewDrafts = 8;
+
+  std::pmr::vector<Draft*> drafts_;
+  std::pmr::unordered_multimap<VersionId, Draft*, VersionIdHash> places_;  // once they are many
+};
+
+/// A name while the space is surveyed.
+struct DraftName {
+  using allocator_type = std::pmr::polymorphic_allocator<>;
+
+  DraftName(const std::u16string& nameText, const allocator_type& memory)
+      : text(&nameText), targets(memory), versions(memory), byVersion(memory), answers(memory) {}
+
+  const std::u16string* text;
+  std::size_t sources = 0;                     // that hold the name
+  bool isLinked = false;                       // by a version that can lie on a path
+  bool isBystander = false;                    // as far as is known
+  std::pmr::vector<const Metamodel*> targets;  // what the targets hold under the name
+  std::pmr::vector<Draft*> versions;           // in the order in which they were met
+  DraftsByVersion byVersion;
+  std::pmr::unordered_map<VersionId, Draft*, VersionIdHash>
+      answers;  // of getMetamodel, that are no answer with just the version asked for; null: none
+  NameIndex index = SearchSpace::none;
+};
+
+/// All that a survey has met: drafts of what becomes a search space.
+struct SurveyDrafts {
+  /// `text` must outlive the survey.
+  DraftName& nameOf(const std::u16string& text) {
+    return names.try_emplace(text, text).first->second;
+  }
+
+  bool isHeldFromStart(const DraftName& name) const { return name.sources == sourceCount; }
+  bool isMentionedByEveryTarget(const DraftName& name) const {
+    return name.targets.size() == targetCount;
+  }
+
+  /// Whether a path may hold the version, as far as its own hops tell.
+  bool isOfUse(const Draft& draft) const {
+    return draft.leadsToTarget || !isMentionedByEveryTarget(*draft.name);
+  }
+
+  std::size_t sourceCount;
+  std::size_t targetCount;
+  std::pmr::monotonic_buffer_resource memory = {};
+  std::pmr::unordered_map<std::u16string_view, DraftName> names{&memory};
+  std::pmr::deque<Draft> drafts{&memory};
+};
+
+}  // namespace tarn::evolution::pathfinder
