@@ -143,6 +143,8 @@ class PlanSearch {
     BackwardPlan::Step step{{}, stage.after};
     std::uint64_t total = stage.total;
     WeightSequence weights = stage.weights;
+    selection.reserve(chosen.size());
+    step.hops.reserve(chosen.size());
     for (const Option& option : chosen) {
       selection.push_back(option.before);
       step.hops.push_back(option.hop);

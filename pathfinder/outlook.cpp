@@ -127,16 +127,20 @@ class OutlookComputation {
       if (starts_.contains(version)) added.push_back(version);
     }
     std::vector<VersionIndex> struck;
+    std::vector<VersionIndex> fresh;
     for (std::uint32_t level = 0; !added.empty(); ++level) {
       growWithoutOrdinaryHops(held, added);
       strikeLonely(held, added);
       // What had no partner yet may have one after another step.
-      const auto firstStruck = std::stable_partition(
-          added.begin(), added.end(), [&](VersionIndex version) { return held.contains(version); });
-      struck.assign(firstStruck, added.end());
-      added.erase(firstStruck, added.end());
+      struck.clear();
+      std::erase_if(added, [&](VersionIndex version) {
+        if (held.contains(version)) return false;
+        struck.push_back(version);
+        return true;
+      });
       for (const VersionIndex version : added) noteArrival(version, level);
-      added = growByOrdinaryHops(held, added, struck);
+      fresh.swap(added);
+      growByOrdinaryHops(held, fresh, struck, added);
     }
   }
 
@@ -148,13 +152,13 @@ class OutlookComputation {
     outlook.ordinarySteps = std::max(level, static_cast<std::uint32_t>(ordinaryHops));
   }
 
-  /// Adds what the versions added last lead to, and again what was struck; none when nothing new
-  /// has come that could make a difference.
-  std::vector<VersionIndex> growByOrdinaryHops(VersionSet& held,
-                                               const std::vector<VersionIndex>& fresh,
-                                               const std::vector<VersionIndex>& struck) const {
-    std::vector<VersionIndex> added;
-    if (fresh.empty()) return added;
+  /// Adds, and lists, what the versions added last lead to, and again what was struck; nothing when
+  /// nothing new has come that could make a difference.
+  void growByOrdinaryHops(VersionSet& held, const std::vector<VersionIndex>& fresh,
+                          const std::vector<VersionIndex>& struck,
+                          std::vector<VersionIndex>& added) const {
+    added.clear();
+    if (fresh.empty()) return;
     const auto add = [&](VersionIndex version) {
       if (held.contains(version)) return;
       held.insert(version);
@@ -166,7 +170,6 @@ class OutlookComputation {
       }
     }
     for (const VersionIndex version : struck) add(version);
-    return added;
   }
 
   /// Adds, and lists, what the listed versions lead to by expensive hops and as entries.
@@ -192,6 +195,10 @@ class OutlookComputation {
   /// Strikes versions beside which no version of some other name can stand, until there is none.
   /// Only those that were added can be such: what was there before has its partners.
   void strikeLonely(VersionSet& held, std::vector<VersionIndex>& added) const {
+    const bool anyMayBe = std::any_of(added.begin(), added.end(), [&](VersionIndex version) {
+      return !coexistence_.neighbours(space_.versions[version].name).empty();
+    });
+    if (!anyMayBe) return;
     std::sort(added.begin(), added.end());
     std::vector<bool> isOpen(space_.names.size());
     for (const VersionIndex version : added) isOpen[space_.versions[version].name] = true;

@@ -69,6 +69,7 @@ std::vector<BaselineHop> PathCache::makePath(const VersionBaseline& source, cons
 std::optional<std::vector<BaselineHop>> PathCache::find(
     const std::vector<VersionBaseline>& sources, const std::vector<VersionBaseline>& targets) {
   const std::shared_lock lock(cacheLock_);
+  if (pathCache_.empty()) return std::nullopt;  // nothing to hash for
   auto path = lookUp(sources, targets);
   if (path) traceHit(*path);
   return path;

@@ -6,11 +6,13 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// What `getMetamodel` answered while a question was put together. Refers to what its caller keeps.
+/// What `getMetamodel` answered while a question was put together, and what it was linked to.
+/// Refers to what its caller keeps.
 struct KnownMetamodel {
   const std::u16string* name;
   const VersionId* version;  ///< what was asked for
   const Metamodel* metamodel;
+  const std::vector<std::shared_ptr<LinkedMetamodel>>* linked;  ///< in the repository's own list
 };
 
 /// What every search engine is asked. Refers to the caller's lists.

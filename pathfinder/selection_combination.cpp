@@ -75,14 +75,15 @@ const SelectionCombination::Answer& SelectionCombination::ask(const std::u16stri
     tarn::reportException(tarn_evo::messages::InvalidFamilyVersion(versionArgument(version), name));
   }
   const auto& linked = repository_.getLinkedMetamodels(*metamodel);
-  return answers_.emplace_back(Answer{&name, &version, *std::move(metamodel), &linked});
+  answers_.push_back({&name, &version, *std::move(metamodel), &linked});
+  return answers_.back();
 }
 
 std::vector<KnownMetamodel> SelectionCombination::known() const {
   std::vector<KnownMetamodel> result;
   result.reserve(answers_.size());
   for (const Answer& answer : answers_) {
-    result.push_back({answer.name, answer.version, &answer.metamodel});
+    result.push_back({answer.name, answer.version, &answer.metamodel, answer.linked});
   }
   return result;
 }

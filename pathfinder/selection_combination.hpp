@@ -1,6 +1,7 @@
 #pragma once
 
-#include <deque>
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -16,7 +17,11 @@ namespace tarn::evolution::pathfinder {
 /// Refers to the selections, which must outlive it.
 class SelectionCombination {
  public:
-  explicit SelectionCombination(VersionRepository& repository) : repository_(repository) {}
+  /// For selections that have no more entries than that in all.
+  SelectionCombination(VersionRepository& repository, std::size_t entries)
+      : repository_(repository) {
+    answers_.reserve(entries);
+  }
 
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, VersionId>& selection);
@@ -39,7 +44,7 @@ class SelectionCombination {
   void sortByName(const Answers& answers);
 
   VersionRepository& repository_;
-  std::deque<Answer> answers_;
+  std::vector<Answer> answers_;         // never reallocated: what is below points into it
   Answers last_;                        // the last selection's, as it stands in its map
   std::vector<std::size_t> nameOrder_;  // the places of those, by ascending name
 };

@@ -81,7 +81,10 @@ class SpaceSurvey {
   void noteAnswer(const KnownMetamodel& known) {
     if (known.metamodel->name != *known.name) return;  // not fit; found out if a hop leads there
     DraftName& name = met_.nameOf(*known.name);
-    noteAnswer(name, *known.version, &draftOf(name, *known.metamodel));
+    Draft& draft = draftOf(name, *known.metamodel);
+    draft.linked = known.linked;
+    draft.isLinkTried = true;
+    noteAnswer(name, *known.version, &draft);
   }
 
   static void noteAnswer(DraftName& name, const VersionId& version, Draft* draft) {

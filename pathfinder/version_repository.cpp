@@ -76,7 +76,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
-  SelectionCombination combination(*this);
+  SelectionCombination combination(*this, from.size() + to.size());
   const std::vector<VersionBaseline> sources = combination.combine(from);
   if (sources.empty()) return std::nullopt;
   const std::vector<VersionBaseline> targets = combination.combine(to);
@@ -89,7 +89,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
-  SelectionCombination combination(*this);
+  SelectionCombination combination(*this, to.size());
   const std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
   const bool alreadyThere =
@@ -126,7 +126,7 @@ std::vector<VersionBaseline> VersionRepository::createTargetBaseline(
 
 std::vector<VersionBaseline> VersionRepository::combine(
     const std::unordered_map<std::u16string, VersionId>& selection) {
-  return SelectionCombination(*this).combine(selection);
+  return SelectionCombination(*this, selection.size()).combine(selection);
 }
 
 std::vector<VersionBaseline> VersionRepository::combine(

@@ -47,7 +47,8 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
       for (const auto& [name, linked] : baseline.metamodels) {
         if (auto answer = question.repository.getMetamodel(name, linked->version)) {
           answers.push_back(*std::move(answer));
-          question.known.push_back({&name, &linked->version, &answers.back()});
+          question.known.push_back({&name, &linked->version, &answers.back(),
+                                    &question.repository.getLinkedMetamodels(answers.back())});
         }
       }
     }
