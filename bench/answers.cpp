@@ -23,7 +23,7 @@ SearchAnswer searchWithin(CatalogueRepository& repository, std::uint64_t budget)
   const auto direction = repository.computeDirection(sources.front(), targets.front());
   SearchAnswer answer = tarn::evolution::pathfinder::searchExhaustively(
       {repository, sources, targets, direction}, budget);
-  answer.target = nullptr;  // one of the targets above, which end here
+  answer.source = answer.target = nullptr;  // of the lists above, which end here
   return answer;
 }
 

@@ -99,18 +99,18 @@ class Frontier {
   std::unordered_map<const VersionBaseline*, const Reached*, IdentityHash, SameBaseline> cheapest_;
 };
 
-std::vector<BaselineHop> pathTo(const Reached& end) {
+SearchAnswer pathTo(const Reached& end, const VersionBaseline& target) {
   std::vector<const Reached*> entries;
-  for (const Reached* entry = &end; entry->parent != nullptr; entry = entry->parent) {
-    entries.push_back(entry);
-  }
+  const Reached* entry = &end;
+  for (; entry->parent != nullptr; entry = entry->parent) entries.push_back(entry);
+  const VersionBaseline* source = entry->baseline;
   std::reverse(entries.begin(), entries.end());
   std::vector<BaselineHop> path;
   path.reserve(entries.size());
-  for (const Reached* entry : entries) {
-    path.emplace_back(*entry->parent->baseline, *entry->baseline, entry->hops);
+  for (const Reached* reached : entries) {
+    path.emplace_back(*reached->parent->baseline, *reached->baseline, reached->hops);
   }
-  return path;
+  return {SearchAnswer::Verdict::Found, std::move(path), source, &target};
 }
 
 }  // namespace
@@ -124,11 +124,10 @@ SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t bu
     });
     if (const VersionBaseline* target = question.targetIn(*current->baseline)) {
       traceValue("Reached target");
-      return {SearchAnswer::Verdict::Found, pathTo(*current), target};
+      return pathTo(*current, *target);
     }
     StepGeneration generation(question.repository, *current->baseline, question.direction, budget);
-    if (generation.combinationCount() > budget)
-      return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+    if (generation.combinationCount() > budget) return {SearchAnswer::Verdict::Unsettled};
     if (budget != unlimitedBudget) budget -= generation.combinationCount();
     for (BaselineHop& step : generation.run()) {
       frontier.addAfter(*current, question.repository.getWeight(step.hops), std::move(step));

@@ -35,13 +35,14 @@ class Realisation {
   SearchAnswer run() {
     answer_.steps.reserve(plan_.weights().size());
     for (const VersionBaseline& source : question_.sources) {
+      answer_.source = &source;
       if (goOn(source, space_.selectionOf(source), plan_.weights().size())) {
         std::reverse(answer_.steps.begin(), answer_.steps.end());
         answer_.verdict = SearchAnswer::Verdict::Found;
         return std::move(answer_);
       }
     }
-    return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+    return {SearchAnswer::Verdict::Unsettled};
   }
 
  private:
@@ -143,11 +144,10 @@ class Realisation {
                           space_.versions[selection[name]].hops[digit - 1]);
     }
     traceAttempt(combination);
-    std::vector<VersionBaseline> candidates = combine(baseline, selection, digits, afters);
+    std::vector<VersionBaseline> candidates = combine(baseline, selection, digits);
     traceCandidates(candidates);
     for (VersionBaseline& candidate : candidates) {
-      const VersionSelection after =
-          space_.isUnambiguous ? *afters.begin() : space_.selectionOf(candidate);
+      const VersionSelection after = space_.selectionOf(candidate);
       if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
       answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
       return true;
@@ -155,43 +155,37 @@ class Realisation {
     return false;
   }
 
-  /// The baselines that a combination leads to.
+  /// The baselines that a combination leads to. Only where the plan leaves open what is meant do
+  /// names have to be combined.
   std::vector<VersionBaseline> combine(const VersionBaseline& baseline,
-                                       const VersionSelection& selection, const Digits& digits,
-                                       const std::set<VersionSelection>& afters) const {
-    if (space_.isUnambiguous) {
-      std::vector<VersionBaseline> result;
-      result.push_back(baseline);
-      move(result.front(), selection, *afters.begin());
-      return result;
-    }
-    std::vector<Alternatives> alternatives;
-    alternatives.reserve(selection.size() + space_.bystanders.size());
+                                       const VersionSelection& selection,
+                                       const Digits& digits) const {
+    VersionBaseline moved = baseline;
+    std::vector<Alternatives> open;
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (space_.isAbsent(selection[name])) continue;
-      const SearchSpace::Version* version = &space_.versions[selection[name]];
       const std::uint32_t digit = digits[selection.size() - 1 - name];
+      const SearchSpace::Name& held = space_.names[name];
+      if (held.isCertain && digit == 0) continue;
+      const SearchSpace::Version* version = &space_.versions[selection[name]];
       if (digit != 0) version = &space_.versions[targetOf(*version, digit - 1)];
-      alternatives.push_back({&space_.names[name].text, version->linked});
+      if (held.isCertain) {
+        moved.metamodels.at(held.text) = version->linked->front();
+      } else {
+        open.push_back({&held.text, version->linked});
+      }
     }
-    const auto moving = static_cast<std::ptrdiff_t>(alternatives.size());
-    for (const SearchSpace::Bystander& bystander : space_.bystanders) {
-      alternatives.push_back({&bystander.text, bystander.linked});
+    const std::vector<VersionBaseline> combined =
+        open.empty() ? std::vector<VersionBaseline>(1) : combineInOrder(open);
+    if (combined.empty()) return {};
+    std::vector<VersionBaseline> result(combined.size() - 1, moved);
+    result.push_back(std::move(moved));
+    for (std::size_t i = 0; i < combined.size(); ++i) {
+      for (const auto& [name, linked] : combined[i].metamodels) {
+        result[i].metamodels.insert_or_assign(name, linked);
+      }
     }
-    std::inplace_merge(alternatives.begin(), alternatives.begin() + moving, alternatives.end(),
-                       [](const Alternatives& left, const Alternatives& right) {
-                         return *left.name < *right.name;
-                       });
-    return combineInOrder(alternatives);
-  }
-
-  /// In an unambiguous space, what is planned to stand together is a baseline.
-  void move(VersionBaseline& baseline, const VersionSelection& from,
-            const VersionSelection& to) const {
-    for (NameIndex name = 0; name < from.size(); ++name) {
-      if (from[name] == to[name]) continue;
-      baseline.metamodels.at(space_.names[name].text) = space_.versions[to[name]].linked->front();
-    }
+    return result;
   }
 
   static VersionIndex targetOf(const SearchSpace::Version& version, std::uint32_t place) {
@@ -245,10 +239,10 @@ SearchAnswer searchGoalDirected(const SearchQuestion& question) {
     const VersionBaseline* target = question.targetIn(source);
     if (target == nullptr) continue;
     traceValue("Reached target");
-    return {SearchAnswer::Verdict::Found, {}, target};
+    return {SearchAnswer::Verdict::Found, {}, &source, target};
   }
   const auto space = surveySearchSpace(question);
-  if (!space) return {SearchAnswer::Verdict::Unsettled, {}, nullptr};
+  if (!space) return {SearchAnswer::Verdict::Unsettled};
   const auto sources = startingSelections(*space, question.sources);
   const Coexistence coexistence(*space);
   const Outlooks outlooks = computeOutlooks(*space, coexistence, sources);

@@ -1,6 +1,5 @@
 #include "pathfinder/path_cache.hpp"
 
-#include <algorithm>
 #include <mutex>
 #include <ostream>
 #include <shared_mutex>
@@ -32,36 +31,32 @@ void traceStore(const std::vector<BaselineHop>& path) {
 
 }  // namespace
 
-PathCache::Step::Step(const VersionBaseline& from, const BaselineHop& step) : hops(step.hops) {
-  const auto& before = from.metamodels;
+PathCache::Step::Step(const BaselineHop& step) : hops(step.hops.begin(), step.hops.end()) {
+  const auto& before = step.from.metamodels;
   const auto& after = step.to.metamodels;
-  const bool haveSameNames =
-      std::equal(before.begin(), before.end(), after.begin(), after.end(),
-                 [](const auto& left, const auto& right) { return left.first == right.first; });
-  if (!haveSameNames) {
-    to = step.to;
-    return;
-  }
   changes.reserve(hops.size());
-  auto held = before.begin();
   for (const auto& [name, metamodel] : after) {
-    if ((held++)->second != metamodel) changes.emplace_back(name, metamodel);
+    const auto held = before.find(name);
+    if (after.size() != before.size() || held == before.end()) {
+      changes.clear();
+      to = step.to;
+      return;
+    }
+    if (held->second != metamodel) changes.emplace_back(name, metamodel);
   }
 }
 
-VersionBaseline PathCache::Step::applyTo(const VersionBaseline& from) const {
-  if (to) return *to;
-  VersionBaseline result = from;
-  for (const auto& [name, metamodel] : changes) result.metamodels.at(name) = metamodel;
-  return result;
+BaselineHop PathCache::Step::applyTo(const VersionBaseline& from) const {
+  VersionBaseline after = to ? *to : from;
+  for (const auto& [name, metamodel] : changes) after.metamodels.at(name) = metamodel;
+  return {from, std::move(after), LockstepHop(hops.begin(), hops.end())};
 }
 
 std::vector<BaselineHop> PathCache::makePath(const VersionBaseline& source, const Steps& steps) {
   std::vector<BaselineHop> path;
   path.reserve(steps.size());
   for (const Step& step : steps) {
-    const VersionBaseline& from = path.empty() ? source : path.back().to;
-    path.emplace_back(from, step.applyTo(from), LockstepHop(step.hops));
+    path.push_back(step.applyTo(path.empty() ? source : path.back().to));
   }
   return path;
 }
@@ -83,24 +78,18 @@ std::optional<std::vector<BaselineHop>> PathCache::lookUp(
     if (outer == pathCache_.end()) continue;
     for (const VersionBaseline& target : targets) {
       const auto inner = outer->second.find(target);
-      if (inner != outer->second.end()) return makePath(outer->first, inner->second);
+      if (inner != outer->second.end()) return makePath(source, inner->second);
     }
   }
   return std::nullopt;
 }
 
-void PathCache::store(const std::vector<BaselineHop>& path, const VersionBaseline& target) {
+void PathCache::store(const std::vector<BaselineHop>& path, VersionBaseline&& source,
+                      VersionBaseline&& target) {
   const std::unique_lock lock(cacheLock_);
-  const auto source = pathCache_.try_emplace(path.front().from).first;
-  if (!source->second.contains(target)) {
-    Steps steps;
-    steps.reserve(path.size());
-    const VersionBaseline* from = &source->first;
-    for (const BaselineHop& step : path) {
-      steps.emplace_back(*from, step);
-      from = &step.to;
-    }
-    source->second.emplace(target, std::move(steps));
+  auto& stored = pathCache_[std::move(source)];
+  if (!stored.contains(target)) {
+    stored.emplace(std::move(target), Steps(path.begin(), path.end()));
   }
   traceStore(path);
 }

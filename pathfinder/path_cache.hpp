@@ -24,22 +24,24 @@ class PathCache {
   std::optional<std::vector<BaselineHop>> find(const std::vector<VersionBaseline>& sources,
                                                const std::vector<VersionBaseline>& targets);
 
-  /// Stores a path, which is not empty, under its first baseline and `target`, unless there is one.
-  void store(const std::vector<BaselineHop>& path, const VersionBaseline& target);
+  /// Stores a path, which is not empty, under the source that it starts from and the target asked
+  /// for, unless there is one.
+  void store(const std::vector<BaselineHop>& path, VersionBaseline&& source,
+             VersionBaseline&& target);
 
   void clear();
 
  private:
-  /// What a step makes of the baseline before it. Most steps change few names, so that most often
+  /// What a step makes of the baseline before it. Most steps add no name and change few, so that
   /// just these are kept.
   struct Step {
-    Step(const VersionBaseline& from, const BaselineHop& step);
+    explicit Step(const BaselineHop& step);
 
-    VersionBaseline applyTo(const VersionBaseline& from) const;
+    BaselineHop applyTo(const VersionBaseline& from) const;
 
-    LockstepHop hops;
+    std::vector<LockstepHop::value_type> hops;
     std::vector<std::pair<std::u16string, std::shared_ptr<LinkedMetamodel>>> changes;
-    std::optional<VersionBaseline> to;  ///< if it has other names, or in another order
+    std::optional<VersionBaseline> to;  ///< if it has names of its own
   };
 
   template <class Value>

@@ -39,18 +39,23 @@ SearchAnswer search(const SearchQuestion& question) {
 
 }  // namespace
 
-std::optional<std::vector<BaselineHop>> answerPathQuestion(
-    VersionRepository& repository, PathCache& cache, const std::vector<VersionBaseline>& sources,
-    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction,
-    std::vector<KnownMetamodel> known) {
+std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
+                                                           PathCache& cache,
+                                                           const QuestionBaselines& sources,
+                                                           const QuestionBaselines& targets,
+                                                           VersionRepository::Direction direction,
+                                                           std::vector<KnownMetamodel> known) {
   static const instrument::Handle& handle =
       instrument::controls.getHandle("VersionRepository::findPath");
   const diagnostics::ScopedEvent event(handle);
-  traceQuestion(sources, targets, direction);
-  if (auto cached = cache.find(sources, targets)) return cached;
-  SearchAnswer answer = search({repository, sources, targets, direction, std::move(known)});
+  traceQuestion(sources.list(), targets.list(), direction);
+  if (auto cached = cache.find(sources.list(), targets.list())) return cached;
+  SearchAnswer answer =
+      search({repository, sources.list(), targets.list(), direction, std::move(known)});
   if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
-  if (!answer.steps.empty()) cache.store(answer.steps, *answer.target);
+  if (!answer.steps.empty()) {
+    cache.store(answer.steps, sources.take(*answer.source), targets.take(*answer.target));
+  }
   return std::move(answer.steps);
 }
 

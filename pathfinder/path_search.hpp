@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "pathfinder/path_cache.hpp"
@@ -15,11 +17,32 @@ namespace tarn::evolution::pathfinder {
 /// number of combinations grows exponentially with the number of metamodels.
 inline constexpr std::uint64_t combinationBudget = 2000;
 
+/// A list of baselines of a question, which may be used up if nobody else needs it.
+class QuestionBaselines {
+ public:
+  QuestionBaselines(const std::vector<VersionBaseline>& list) : list_(list) {}
+  QuestionBaselines(std::vector<VersionBaseline>&& list) : list_(list), spare_(&list) {}
+
+  const std::vector<VersionBaseline>& list() const { return list_; }
+
+  /// One element, for good.
+  VersionBaseline take(const VersionBaseline& element) const {
+    if (spare_ == nullptr) return element;
+    return std::move((*spare_)[static_cast<std::size_t>(&element - list_.data())]);
+  }
+
+ private:
+  const std::vector<VersionBaseline>& list_;
+  std::vector<VersionBaseline>* spare_ = nullptr;
+};
+
 /// `VersionRepository::findPath` for lists of baselines: asks the cache, searches, and stores what
 /// the search found.
-std::optional<std::vector<BaselineHop>> answerPathQuestion(
-    VersionRepository& repository, PathCache& cache, const std::vector<VersionBaseline>& sources,
-    const std::vector<VersionBaseline>& targets, VersionRepository::Direction direction,
-    std::vector<KnownMetamodel> known = {});
+std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
+                                                           PathCache& cache,
+                                                           const QuestionBaselines& sources,
+                                                           const QuestionBaselines& targets,
+                                                           VersionRepository::Direction direction,
+                                                           std::vector<KnownMetamodel> known = {});
 
 }  // namespace tarn::evolution::pathfinder

@@ -36,9 +36,11 @@ struct SearchAnswer {
   };
 
   Verdict verdict = Verdict::NoPath;
-  std::vector<BaselineHop> steps;  ///< when found; empty when a source includes the target
-  const VersionBaseline* target =
-      nullptr;  ///< when found: the target that the last baseline includes
+
+  // When found:
+  std::vector<BaselineHop> steps = {};      ///< empty when a source includes the target
+  const VersionBaseline* source = nullptr;  ///< the element of the question that the path starts at
+  const VersionBaseline* target = nullptr;  ///< the element that the last baseline includes
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -68,6 +68,11 @@ struct SearchSpace {
     VersionIndex first;          ///< its versions are those from here ...
     VersionIndex end;            ///< ... up to but without this one
     VersionIndex absent = none;  ///< the last of them, when some source does not hold the name
+
+    /// Whether a selection of versions that can stand together tells which linked metamodel of this
+    /// name is meant: each version has one, and neither it nor those that it has to do with leave
+    /// anything open.
+    bool isCertain = false;
   };
 
   /// A name that every source and every target that mentions it hold at one version, with nothing
@@ -82,10 +87,6 @@ struct SearchSpace {
   /// For each name but bystanders the version that the baseline holds, or "absent", or `none` where
   /// the name has no such version. Empty when the baseline holds what is not in the space at all.
   VersionSelection selectionOf(const VersionBaseline& baseline) const;
-
-  /// Whether versions that can stand together, one for each name, make one baseline and not
-  /// several: every name is held from the start, and every version has one linked metamodel.
-  bool isUnambiguous = false;
 
   std::vector<Name> names;
   std::vector<Version> versions;

@@ -27,10 +27,7 @@ class SpaceBuilding {
     for (DraftName* name : ordered) name->isBystander ? addBystander(*name) : addName(*name);
     addMoves();
     addClosures();
-    space_.isUnambiguous = std::all_of(
-        space_.versions.begin(), space_.versions.end(), [](const SearchSpace::Version& version) {
-          return version.linked != nullptr && version.linked->size() == 1;
-        });
+    markCertainNames(ordered);
   }
 
  private:
@@ -121,6 +118,26 @@ class SpaceBuilding {
       return {met_.nameOf(text).index, known->second};
     }
     return {met_.nameOf(text).index, addVariant(linked, SearchSpace::none)};
+  }
+
+  void markCertainNames(const std::vector<DraftName*>& met) {
+    const auto hasOneEach = [&](const SearchSpace::Name& name) {
+      return std::all_of(
+          space_.versions.begin() + name.first, space_.versions.begin() + name.end,
+          [](const auto& version) { return version.linked && version.linked->size() == 1; });
+    };
+    const auto linksNothing = [&](const SearchSpace::Name& name) {
+      return std::all_of(space_.versions.begin() + name.first, space_.versions.begin() + name.end,
+                         [&](const SearchSpace::Version& version) {
+                           return space_.variants[version.firstVariant].closure.size() == 1;
+                         });
+    };
+    const bool areAll = std::all_of(space_.names.begin(), space_.names.end(), hasOneEach);
+    for (const DraftName* draft : met) {
+      if (draft->isBystander) continue;
+      SearchSpace::Name& name = space_.names[draft->index];
+      name.isCertain = areAll || (!draft->isLinked && hasOneEach(name) && linksNothing(name));
+    }
   }
 
   SurveyDrafts& met_;

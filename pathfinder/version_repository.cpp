@@ -69,7 +69,8 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(const VersionBaseline& from,
                                                                     const VersionBaseline& to) {
   if (from.includes(to)) return std::vector<BaselineHop>();
-  return findPath(std::vector{from}, std::vector{to}, computeDirection(from, to));
+  return answerPathQuestion(*this, caches_->pathCache, std::vector{from}, std::vector{to},
+                            computeDirection(from, to));
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
@@ -77,27 +78,27 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
   SelectionCombination combination(*this, from.size() + to.size());
-  const std::vector<VersionBaseline> sources = combination.combine(from);
+  std::vector<VersionBaseline> sources = combination.combine(from);
   if (sources.empty()) return std::nullopt;
-  const std::vector<VersionBaseline> targets = combination.combine(to);
+  std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
-  return answerPathQuestion(*this, caches_->pathCache, sources, targets,
-                            computeDirection(sources.front(), targets.front()),
-                            combination.known());
+  const Direction direction = computeDirection(sources.front(), targets.front());
+  return answerPathQuestion(*this, caches_->pathCache, std::move(sources), std::move(targets),
+                            direction, combination.known());
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
   SelectionCombination combination(*this, to.size());
-  const std::vector<VersionBaseline> targets = combination.combine(to);
+  std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
   const bool alreadyThere =
       std::find_first_of(targets.begin(), targets.end(), from.begin(), from.end()) != targets.end();
   if (alreadyThere) return std::vector<BaselineHop>();
   const Direction direction =
       from.empty() ? Unknown : computeDirection(from.front(), targets.front());
-  return answerPathQuestion(*this, caches_->pathCache, from, targets, direction,
+  return answerPathQuestion(*this, caches_->pathCache, from, std::move(targets), direction,
                             combination.known());
 }
 
