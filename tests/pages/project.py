@@ -45,7 +45,8 @@ class Project:
         capitals stands for any other, and build/PRESET/ for the build."""
         if name.startswith("build/"):
             return (self.build / "/".join(name.split("/")[2:])).exists()
-        pattern = re.sub(r"NAME|COMPONENT|PRESET", "*", name.rstrip("/"))
+        name = name.rstrip("/")
+        pattern = re.sub(r"NAME|COMPONENT|PRESET", "*", name)
         paths = self.files if "/" in name else {pathlib.PurePath(file).name for file in self.files}
         return any(fnmatch.filter(paths, pattern))
 
