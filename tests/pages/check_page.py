@@ -112,9 +112,9 @@ class PageCheck:
     def check_sh(self, block):
         """Commands that could run."""
         for line in re.sub(r" *\\\n *", " ", block.text).splitlines():
-            command = re.sub(r"(^|\s)#.*", "", line).strip()
-            if command:
-                yield from self.check_command(command)
+            for command in re.split(r"&&|[;|]", re.sub(r"(^|\s)#.*", "", line)):
+                if command.strip():
+                    yield from self.check_command(command.strip())
 
     def check_command(self, command):
         """Whether the program, the files, the presets and the tests that a command names are there."""
