@@ -5,7 +5,8 @@ usage: check_page.py BUILD PAGE [COMPLAINTS]
 Every code block says after its fence what it is, and is checked accordingly; there is no block that
 is not checked.
 
-- ```cpp FILE: lines that stand together in FILE, which the build or scripts/test_consumers.sh compiles.
+- ```cpp FILE: lines that stand together in FILE, which the build or scripts/test_consumers.sh
+  compiles.
 - ```text PROGRAM: lines that PROGRAM, an example, prints one after the other.
 - ```console: lines that begin with "$ " are commands, continued in lines that begin with "> ", and
   what follows is all that they print. They run one after the other in one scratch folder, in which
@@ -15,8 +16,9 @@ is not checked.
 - ```json: a catalogue that loads.
 - ```sh: commands whose programs, files, presets and tests are there. They are not run.
 
-In what is printed, "..." on a line of its own stands for lines that are left out. Outside of blocks,
-links must lead somewhere, and what reads as a file of the project or a ctest command must name some.
+In what is printed, "..." on a line of its own stands for lines that are left out. Outside of
+blocks, links must lead somewhere, and what reads as a file of the project or as a command of ctest
+must name files and tests that are there.
 
 Given a file of complaints, the check is passed when it has exactly these.
 """
@@ -117,7 +119,7 @@ class PageCheck:
                     yield from self.check_command(command.strip())
 
     def check_command(self, command):
-        """Whether the program, the files, the presets and the tests that a command names are there."""
+        """Whether the program, files, presets and tests that a command names are there."""
         words = re.sub(r"^(\w+=\S+ )+", "", command).split()
         if "/" not in words[0] and self.scratch.run(["bash", "-c", f"type {words[0]}"])[1] != 0:
             yield f"there is no program {words[0]}"
@@ -160,7 +162,8 @@ class PageCheck:
             return
         if "drawn by hand" not in picture:
             yield f"no command of the page writes {target}"
-        for word in re.findall(r"[^\s<>]+", re.sub(r"<style>.*?</style>", "", picture, flags=re.DOTALL)):
+        shown = re.sub(r"<style>.*?</style>|<[^>]*>", " ", picture, flags=re.DOTALL)
+        for word in shown.split():
             if FILE_NAME.fullmatch(word) and not self.project.has(word):
                 yield f"{target} shows {word}, which is not there"
 

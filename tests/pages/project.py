@@ -41,8 +41,8 @@ class Project:
         return {preset["name"] for preset in presets["buildPresets"]}
 
     def has(self, name):
-        """Whether there is a file of that path or, without folders, of that name anywhere. A word in
-        capitals stands for any other, and build/PRESET/ for the build."""
+        """Whether there is a file of that path or, without folders, of that name anywhere. NAME,
+        COMPONENT and PRESET stand for any other words, and build/PRESET/ for the build."""
         if name.startswith("build/"):
             return (self.build / "/".join(name.split("/")[2:])).exists()
         name = name.rstrip("/")
