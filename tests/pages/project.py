@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import subprocess
+import tempfile
 
 
 class Project:
@@ -28,10 +29,14 @@ class Project:
 
     @functools.cached_property
     def tests(self):
-        """The names of all tests of the build."""
-        listing = subprocess.run(
-            ["ctest", "--test-dir", self.build, "-N"], check=True, stdout=subprocess.PIPE,
-            encoding="utf-8").stdout
+        """The names of all tests of the build. They are listed from another folder, where ctest may
+        leave its log: that of the build is in use."""
+        with tempfile.TemporaryDirectory() as folder:
+            pathlib.Path(folder, "CTestTestfile.cmake").write_text(
+                f'subdirs("{self.build}")\n', encoding="utf-8")
+            listing = subprocess.run(
+                ["ctest", "--test-dir", folder, "-N"], check=True, stdout=subprocess.PIPE,
+                encoding="utf-8").stdout
         return re.findall(r"^ *Test +#\d+: (\S+)", listing, re.MULTILINE)
 
     @functools.cached_property
