@@ -34,6 +34,7 @@ from scratch import Scratch
 
 COMPILED = ("examples/", "tests/consumer/")
 FILE_NAME = re.compile(r"[\w./*-]+\.(?:cmake|cpp|hpp|json|js|md|mjs|py|sh|svg|txt)|[\w./-]+/")
+OTHER_BLOCK = re.compile(r"(?<=\n\n)(?: {4}|\t)|<pre")
 REFERENCE = re.compile(r"\]\((?P<link>[^)]*)\)|`(?P<code>[^`]+)`")
 
 
@@ -52,10 +53,11 @@ class PageCheck:
         for block in blocks:
             for complaint in self.check_block(block):
                 yield f"line {block.line}: {complaint}"
+        for other in OTHER_BLOCK.finditer(prose):
+            yield f"line {line_of(other, prose)}: nothing checks a block without a fence"
         for reference in REFERENCE.finditer(prose):
-            number = prose.count("\n", 0, reference.start()) + 1
             for complaint in self.check_reference(reference):
-                yield f"line {number}: {complaint}"
+                yield f"line {line_of(reference, prose)}: {complaint}"
         yield from self.check_written()
 
     def check_block(self, block):
@@ -173,6 +175,11 @@ class PageCheck:
             kept = self.project.folder / "docs" / name
             if not kept.is_file() or kept.read_bytes() != written.read_bytes():
                 yield f"docs/{name} is not what the commands write"
+
+
+def line_of(match, text):
+    """The number of the line in which a match begins."""
+    return text.count("\n", 0, match.start()) + 1
 
 
 def commands_of(lines):
