@@ -10,7 +10,10 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A repository that can also list what it holds, as the tools need that explain, check and draw.
+/// A repository that can also list what it holds, as the tools need that explain and draw.
+///
+/// Every operation here may be called from any number of threads at once, as those of
+/// `VersionRepository` may.
 class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::VersionRepository {
  public:
   /// The names of all metamodels, ascending.

@@ -36,7 +36,8 @@ struct CatalogueContent {
   std::optional<Question> question;
 };
 
-/// A closed, sound set of metamodels and hops. A value; never changed once made.
+/// A closed, sound set of metamodels and hops. A value; never changed once made, so that any number
+/// of threads may read it. References that it returns are valid as long as it is.
 ///
 /// Sound: no version stands twice; no two text versions of a metamodel share a semantic equivalent;
 /// every dependency names a metamodel that has a version, and every hop leads between two versions

@@ -9,6 +9,7 @@ namespace tarn::evolution::catalogue {
 /// A repository whose metamodels and hops are those of a catalogue, in the catalogue's order.
 ///
 /// A text version that has a semantic equivalent is answered wherever the equivalent is asked for.
+/// The operations declared here take no lock, and throw nothing but std::bad_alloc.
 class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepository {
  public:
   explicit CatalogueRepository(Catalogue catalogue);

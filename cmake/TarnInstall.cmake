@@ -1,4 +1,4 @@
-# Where and as what the targets are installed. Every function does nothing without TARN_INSTALL.
+# Where and as what the targets are installed. Nothing is installed without TARN_INSTALL.
 #
 # The install components are also the Debian packages: platform, pathfinder, development, catalogue,
 # catalogue_development and evopath.
@@ -18,8 +18,14 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 # tarn_install_headers(COMPONENT HEADER...): each under the folder that it is included by. A header is
-# named relative to the project or to the folder of generated headers.
+# named relative to the project or to the folder of generated headers. Those of the project are noted in the global
+# property TARN_PUBLIC_HEADERS, installed or not.
 function(tarn_install_headers component)
+  foreach(header IN LISTS ARGN)
+    if(EXISTS ${PROJECT_SOURCE_DIR}/${header})
+      set_property(GLOBAL APPEND PROPERTY TARN_PUBLIC_HEADERS ${PROJECT_SOURCE_DIR}/${header})
+    endif()
+  endforeach()
   if(NOT TARN_INSTALL)
     return()
   endif()

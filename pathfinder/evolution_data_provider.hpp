@@ -12,7 +12,8 @@ namespace tarn::evolution {
 
 /// A source of evolution data, for applications that gather what their repository knows from
 /// several places: one provider per plug-in, say, all asked in turn by one class derived from
-/// `pathfinder::VersionRepository`. The path finder itself never calls it.
+/// `pathfinder::VersionRepository`. The path finder itself never calls it, so who owns it, which
+/// threads call it and what it throws is for the application to settle.
 ///
 /// Lists are returned by appending to `result`, in the provider's preferred order.
 class TARN_EVOLUTION_PATHFINDER_EXPORT EvolutionDataProvider {

@@ -39,7 +39,8 @@ TARN_EVOLUTION_PATHFINDER_EXPORT std::string dumpLockstepHop(const LockstepHop& 
 
 /// One step of a path: the baseline before it, the baseline after it, and the lockstep hop between.
 ///
-/// A plain value. Copies are deep, but for the linked metamodels, which the baselines share.
+/// A plain value, independent of the repository that made it. Copies are deep, but for the linked
+/// metamodels, which the baselines share.
 struct TARN_EVOLUTION_PATHFINDER_EXPORT BaselineHop {
   BaselineHop(const VersionBaseline& from, const VersionBaseline& to, const LockstepHop& hops);
   BaselineHop(const VersionBaseline& from, VersionBaseline&& to, LockstepHop&& hops);

@@ -19,8 +19,10 @@ namespace tarn::evolution::pathfinder {
 /// A metamodel whose dependencies admit several choices has one linked metamodel for each
 /// consistent choice. Linked metamodels are made by `VersionRepository`, shared through
 /// std::shared_ptr, and not changed once they are linked; from then on any number of threads may
-/// read them. Their identity is their address: the library compares them by pointer everywhere and
-/// never by content, so they cannot be copied except by `clone()`.
+/// read them. What changes them is for `VersionRepository::loadMetamodel`, on its thread. They
+/// share what they link and so may outlive the repository. Their identity is their address: the
+/// library compares them by pointer everywhere and never by content, so they cannot be copied
+/// except by `clone()`.
 class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
  public:
   /// Pass key of the operations that build and fill a linked metamodel. A repository hands it to
@@ -38,10 +40,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
   LinkedMetamodel& operator=(const LinkedMetamodel&) = delete;
   bool operator==(const LinkedMetamodel&) const = delete;  ///< compare pointers
 
-  /// Registers a type under its qualified name; the first registration under a name wins.
+  /// Registers a type, not an empty handle, under its qualified name; the first registration under
+  /// a name wins.
   void registerType(const AccessTag& tag, const tarn::meta::Type& type);
 
-  /// Registers a package under its qualified name; the first registration under a name wins.
+  /// Registers a package, not an empty handle, under its qualified name; the first registration
+  /// under a name wins.
   void registerPackage(const AccessTag& tag, const tarn::meta::Package& package);
 
   void setMetamodelPackage(const AccessTag& tag, const tarn::meta::Package& package);
@@ -49,8 +53,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
   /// The metamodel's own package; empty until it is set.
   tarn::meta::Package getMetamodelPackage() const { return metamodelPackage_; }
 
-  /// Links `other` and everything that it links. Returns false when a name is already linked to
-  /// another linked metamodel.
+  /// Links `other`, which must not be null, and everything that it links. Returns false when a name
+  /// is already linked to another linked metamodel.
   ///
   /// What was linked before a conflict was met stays linked: after false, `other` itself may be
   /// linked.

@@ -24,6 +24,7 @@ struct TARN_EVOLUTION_PATHFINDER_EXPORT Dependency {
 /// One version of one metamodel as the repository knows it: a descriptor, compared by value.
 ///
 /// Dependencies keep the order given, and their order matters for equality. They are not checked.
+/// Of two on one name, linking chooses among the candidates of the first.
 struct TARN_EVOLUTION_PATHFINDER_EXPORT Metamodel {
   Metamodel(const std::u16string& name, const VersionId& version,
             const std::vector<Dependency>& dependencies);

@@ -23,7 +23,9 @@ namespace tarn::evolution::pathfinder {
 /// metamodels with equal descriptors are different selections.
 ///
 /// Built by `create`, `tryEmplace` and `combine`, a baseline holds each linked metamodel under its
-/// own name together with all its links, and no null pointer.
+/// own name together with all its links, and no null pointer. Pointers given must not be null. Any
+/// number of threads may read one baseline that none of them changes. Nothing here throws but
+/// std::bad_alloc, and what the host's types do in the look-ups of types.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
  public:
   /// The baseline of `metamodels` and all that they link; no value when they disagree.
@@ -57,13 +59,15 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
 
   /// The type that a qualified name denotes in this selection: one registered for a selected
   /// metamodel, or else a standard type (see `lookupStandardType` for threads); empty when there is
-  /// none.
+  /// none. Of several metamodels that register the name, the first in the order of `metamodels`
+  /// counts.
   tarn::meta::Type findType(const std::u16string& qualifiedName) const;
 
   /// As `findType`; empty as well when the type is not a class.
   tarn::meta::Class findClass(const std::u16string& qualifiedName) const;
 
-  /// The registered types of all selected metamodels that are subclasses of `base`.
+  /// The registered types of all selected metamodels that are subclasses of `base`, in no
+  /// particular order.
   std::vector<tarn::meta::Type> fetchSubclasses(const tarn::meta::Type& base) const;
 
   /// The framework's standard type of that name: a primitive type, a model root class or another

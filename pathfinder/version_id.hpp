@@ -23,10 +23,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionId {
 
   bool isSemVer() const noexcept { return value_.index() == 0; }
 
-  /// The semantic version; throws std::bad_variant_access on a text.
+  /// The semantic version, valid until this object is changed; throws std::bad_variant_access on a
+  /// text.
   const SemVer& getSemVer() const { return std::get<SemVer>(value_); }
 
-  /// The text; throws std::bad_variant_access on a semantic version.
+  /// The text, valid until this object is changed; throws std::bad_variant_access on a semantic
+  /// version.
   const std::u16string& getText() const { return std::get<std::u16string>(value_); }
 
   const std::variant<SemVer, std::u16string>& value() const noexcept { return value_; }

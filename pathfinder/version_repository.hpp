@@ -41,7 +41,13 @@ namespace tarn::evolution::pathfinder {
 /// must then bear being called at once themselves. No lock is held while one of these runs. All
 /// callers get one and the same list of linked metamodels for a descriptor, for ever: when two
 /// threads link it at once, one of the two lists is dropped, after both were passed to
-/// `loadMetamodel`. Looking up what is linked takes no lock.
+/// `loadMetamodel`. Looking up what is linked takes no lock. Trace records about the path cache are
+/// written while it is locked: who receives them must not ask the same repository there, which may
+/// throw std::system_error or never end.
+///
+/// **Lifetime.** The repository must outlive every operation on it, and every reference that
+/// `getLinkedMetamodels` returns. Baselines, hops and paths are values, and share their linked
+/// metamodels: they outlive the repository.
 ///
 /// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
 /// any exception the repository answers correctly: what was linked completely stays, nothing
@@ -177,7 +183,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// hop. Nothing is removed: different choices that lead to one baseline are different steps.
   ///
   /// Cost: the number of choices, which is the product over all metamodels of (hops + 1), for time;
-  /// room for as many steps is reserved before the first is tried.
+  /// room for as many steps is reserved before the first is tried. The number is taken modulo 2^64.
   ///
   /// Throws std::length_error when the number of choices is beyond any list,
   /// ConflictingDependencies when the target of a choice cannot be linked, and, when
@@ -244,7 +250,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// True when one of the two is `Forward` and the other `Backward`.
   static bool areDirectionsInconsistent(Direction a, Direction b);
 
-  /// The name of the value; empty for a number that is none.
+  /// The name of the value, such as "Forward"; empty for a number that is none.
   static std::string getDirectionString(Direction direction);
 
   /// The direction from one version of a metamodel to another. A version without a semantic

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a build and checks what a host can do with it. Into build/consumers/ go the installed tree, which is moved
-# once to show that it may be, and the hosts that are built and run against it: by find_package, by pkg-config, with
-# the path finder as a part of their own build, and with a platform of their own, embedded and installed.
+# once to show that it may be, and the hosts that are built and run against it: by find_package (the examples too), by
+# pkg-config, with the path finder as a part of their own build, and with a platform of their own, embedded and
+# installed.
 #
 # usage: scripts/test_consumers.sh [PRESET]      the build to install: release (default), dev, clang
 set -euo pipefail
@@ -14,12 +15,12 @@ jobs=${JOBS:-$(nproc)}
 
 step() { echo "== $*"; }
 
-# Configures, builds and tests the host in FOLDER of tests/consumer/.
+# Configures, builds and tests the host in FOLDER.
 run_host() {
   local name=$1 folder=$2
   shift 2
   step "$name"
-  cmake -S "tests/consumer/$folder" -B "$work/$name" -G Ninja --log-level=WARNING -DCMAKE_CXX_COMPILER="$compiler" \
+  cmake -S "$folder" -B "$work/$name" -G Ninja --log-level=WARNING -DCMAKE_CXX_COMPILER="$compiler" \
     -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 "$@" >/dev/null
   cmake --build "$work/$name" -j "$jobs" -- --quiet
   ctest --test-dir "$work/$name" --output-on-failure --no-tests=error | grep -E 'tests passed|Passed|Failed'
@@ -48,11 +49,12 @@ mv "$work/first-place" "$work/installed"
 "$work/installed/bin/evopath" path data/operators.json --question >/dev/null
 export PKG_CONFIG_PATH=$work/installed/lib/pkgconfig
 
-run_host find_package installed -DCMAKE_PREFIX_PATH="$work/installed"
+run_host find_package tests/consumer/installed -DCMAKE_PREFIX_PATH="$work/installed"
+run_host examples examples -DCMAKE_PREFIX_PATH="$work/installed"
 run_pkg_config_host pkg_config tarn-evolution-pathfinder consumer
 run_pkg_config_host pkg_config_catalogue tarn-evolution-catalogue catalogue_consumer
-run_host embedded embedded
-run_host embedded_foreign_platform embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON
+run_host embedded tests/consumer/embedded
+run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON
 cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
-run_host find_package_foreign_platform installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
+run_host find_package_foreign_platform tests/consumer/installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
 step "all hosts work"

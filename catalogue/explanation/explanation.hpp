@@ -158,7 +158,8 @@ inline constexpr std::size_t explanationBudget = 400;
 /// the path finder needs long needs long here, too.
 ///
 /// Links what it needs in a repository of its own, and so leaves the linked metamodels and the path
-/// cache of `repository` alone. Throws what the repository's look-ups throw.
+/// cache of `repository` alone. What is explained stays valid without the repository. May be called
+/// from any number of threads at once. Throws what the repository's look-ups throw.
 TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
                                                     const Question& question,
                                                     std::size_t budget = explanationBudget);

@@ -11,7 +11,8 @@
 namespace tarn::evolution::catalogue {
 
 /// What a path does, ready to be shown: a lane for each metamodel, a column for each step. All
-/// texts are UTF-8 as the catalogue has them; it is for the writers to escape them.
+/// texts are UTF-8 as the catalogue has them; it is for the writers to escape them. A plain value,
+/// independent of the path and of the repository.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   enum class MoveKind {
     ordinary,

@@ -1,0 +1,41 @@
+"""Running the programs and commands of a page."""
+
+import os
+import pathlib
+import subprocess
+
+
+class Scratch:
+    """A folder in which programs run one after the other, with data/ of the project in it."""
+
+    def __init__(self, folder, project, build):
+        self.folder = pathlib.Path(folder)
+        self.build = build
+        (self.folder / "docs" / "images").mkdir(parents=True)
+        (self.folder / "data").symlink_to(project / "data")
+        path = os.pathsep.join([str(self.evopath.parent), os.environ["PATH"]])
+        self.environment = {"PATH": path, "LC_ALL": "C.UTF-8", "HOME": folder}
+        self.status = 0
+
+    @property
+    def evopath(self):
+        """The command-line tool."""
+        return self.build / "tools" / "evopath" / "evopath"
+
+    def run(self, arguments):
+        """What a program prints on either stream, and its exit status."""
+        done = subprocess.run(
+            arguments, cwd=self.folder, check=False, env=self.environment,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+            encoding="utf-8")
+        return done.stdout, done.returncode
+
+    def run_command(self, command):
+        """What a shell command prints; it finds the exit status of the one before in $?."""
+        printed, self.status = self.run(["bash", "-c", f"(exit {self.status}); {command}"])
+        return printed
+
+    def written(self):
+        """The files below docs/ that the commands have written, by their names there."""
+        return {str(file.relative_to(self.folder / "docs")): file
+                for file in (self.folder / "docs").rglob("*") if file.is_file()}
