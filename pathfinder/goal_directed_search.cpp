@@ -147,7 +147,7 @@ class Realisation {
     std::vector<VersionBaseline> candidates = combine(baseline, selection, digits);
     traceCandidates(candidates);
     for (VersionBaseline& candidate : candidates) {
-      const VersionSelection after = space_.selectionOf(candidate);
+      const VersionSelection after = selectionAfter(selection, digits, candidate);
       if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
       answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
       return true;
@@ -186,6 +186,22 @@ class Realisation {
       }
     }
     return result;
+  }
+
+  /// The versions that a combination leads to; `candidate` tells what it brings in.
+  VersionSelection selectionAfter(VersionSelection selection, const Digits& digits,
+                                  const VersionBaseline& candidate) const {
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      const std::uint32_t digit = digits[selection.size() - 1 - name];
+      if (digit != 0) {
+        selection[name] = targetOf(space_.versions[selection[name]], digit - 1);
+      } else if (space_.isAbsent(selection[name])) {
+        const auto broughtIn = candidate.metamodels.find(space_.names[name].text);
+        if (broughtIn == candidate.metamodels.end()) continue;
+        selection[name] = space_.versionOf(*broughtIn->second);
+      }
+    }
+    return selection;
   }
 
   static VersionIndex targetOf(const SearchSpace::Version& version, std::uint32_t place) {
@@ -232,17 +248,24 @@ std::vector<VersionSelection> startingSelections(const SearchSpace& space,
   return result;
 }
 
-}  // namespace
-
-SearchAnswer searchGoalDirected(const SearchQuestion& question) {
+/// Where all names are bystanders, a source includes a target or none ever will.
+SearchAnswer answerWithoutSteps(const SearchQuestion& question) {
   for (const VersionBaseline& source : question.sources) {
     const VersionBaseline* target = question.targetIn(source);
     if (target == nullptr) continue;
     traceValue("Reached target");
     return {SearchAnswer::Verdict::Found, {}, &source, target};
   }
+  traceValue("Exhausted search");
+  return {};
+}
+
+}  // namespace
+
+SearchAnswer searchGoalDirected(const SearchQuestion& question) {
   const auto space = surveySearchSpace(question);
   if (!space) return {SearchAnswer::Verdict::Unsettled};
+  if (space->names.empty()) return answerWithoutSteps(question);
   const auto sources = startingSelections(*space, question.sources);
   const Coexistence coexistence(*space);
   const Outlooks outlooks = computeOutlooks(*space, coexistence, sources);

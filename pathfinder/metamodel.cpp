@@ -19,7 +19,7 @@ Metamodel::Metamodel(const std::u16string& metamodelName, const VersionId& versi
     : name(metamodelName), version(versionId), dependencies(neededMetamodels) {}
 
 bool Metamodel::operator==(const Metamodel& other) const {
-  return name == other.name && version == other.version && dependencies == other.dependencies;
+  return version == other.version && name == other.name && dependencies == other.dependencies;
 }
 
 std::ostream& operator<<(std::ostream& out, const Metamodel& metamodel) {

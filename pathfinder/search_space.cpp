@@ -17,4 +17,9 @@ VersionSelection SearchSpace::selectionOf(const VersionBaseline& baseline) const
   return selection;
 }
 
+VersionIndex SearchSpace::versionOf(const LinkedMetamodel& linked) const {
+  const auto variant = variantOf.find(&linked);
+  return variant == variantOf.end() ? none : variants[variant->second].version;
+}
+
 }  // namespace tarn::evolution::pathfinder

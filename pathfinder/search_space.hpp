@@ -27,8 +27,10 @@ using VersionSelection = std::vector<VersionIndex>;
 /// A version is a descriptor, not a version number: what the application returns for a hop's target
 /// may carry another number, and several descriptors may share one. Names, and the versions of each
 /// name, are numbered consecutively; names ascend. A name that some source does not hold has one
-/// version more, "absent", which it has until a link brings it in. Names that stay where they are
-/// on every path, the bystanders, are not among these names. Made by `surveySearchSpace`;
+/// version more, "absent", which it has until a link brings it in.
+///
+/// Bystanders are not among the names: what every source and every target that mentions it holds at
+/// one version, which links nothing and which nothing links. Made by `surveySearchSpace`;
 /// read-only.
 struct SearchSpace {
   static constexpr std::uint32_t none = ~std::uint32_t{0};
@@ -75,23 +77,18 @@ struct SearchSpace {
     bool isCertain = false;
   };
 
-  /// A name that every source and every target that mentions it hold at one version, with nothing
-  /// to do with the others: it links nothing, nothing links it.
-  struct Bystander {
-    std::u16string text;
-    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked;  ///< just one
-  };
-
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
   /// For each name but bystanders the version that the baseline holds, or "absent", or `none` where
   /// the name has no such version. Empty when the baseline holds what is not in the space at all.
   VersionSelection selectionOf(const VersionBaseline& baseline) const;
 
+  /// The version that a linked metamodel is of; `none` when that is not in the space.
+  VersionIndex versionOf(const LinkedMetamodel& linked) const;
+
   std::vector<Name> names;
   std::vector<Version> versions;
   std::vector<Variant> variants;
-  std::vector<Bystander> bystanders;  ///< by ascending name
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory;

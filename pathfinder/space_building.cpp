@@ -19,24 +19,23 @@ class SpaceBuilding {
     space_.variantOf.reserve(met_.drafts.size());
     std::vector<DraftName*> ordered;
     for (auto& [text, name] : met_.names) {
-      if (!name.versions.empty()) ordered.push_back(&name);
+      if (name.isBystander) {
+        const auto& linked = name.versions.front()->linked->front();
+        space_.variantOf.emplace(linked.get(), SearchSpace::bystander);
+      } else if (!name.versions.empty()) {
+        ordered.push_back(&name);
+      }
     }
     std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
       return *left->text < *right->text;
     });
-    for (DraftName* name : ordered) name->isBystander ? addBystander(*name) : addName(*name);
+    for (DraftName* name : ordered) addName(*name);
     addMoves();
     addClosures();
     markCertainNames(ordered);
   }
 
  private:
-  void addBystander(const DraftName& name) {
-    const LinkedMetamodels& linked = *name.versions.front()->linked;
-    space_.bystanders.push_back({*name.text, &linked});
-    space_.variantOf.emplace(linked.front().get(), SearchSpace::bystander);
-  }
-
   void addName(DraftName& name) {
     name.index = static_cast<NameIndex>(space_.names.size());
     const auto first = static_cast<VersionIndex>(space_.versions.size());
@@ -134,7 +133,6 @@ class SpaceBuilding {
     };
     const bool areAll = std::all_of(space_.names.begin(), space_.names.end(), hasOneEach);
     for (const DraftName* draft : met) {
-      if (draft->isBystander) continue;
       SearchSpace::Name& name = space_.names[draft->index];
       name.isCertain = areAll || (!draft->isLinked && hasOneEach(name) && linksNothing(name));
     }

@@ -1,7 +1,6 @@
 #include "pathfinder/space_survey.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <memory_resource>
 #include <string>
 #include <unordered_set>
@@ -148,18 +147,39 @@ class SpaceSurvey {
       unasked_.pop_back();
       hops_.clear();
       question_.repository.findHops(*draft.name->text, draft.descriptor->version, hops_);
-      if (question_.direction != VersionRepository::Unknown) dropHopsAgainstDirection(draft);
-      for (std::uint32_t place = 0; place < hops_.size(); ++place) {
-        Draft* target = lookUp(*draft.name, hops_[place].to);
-        if (target == nullptr) continue;
-        if (leadsAwayFromTargets(*target)) continue;
-        enter(*target);
-        draft.targets.emplace_back(place, target);
-      }
       draft.firstHop = space_->hops.size();
-      draft.hopCount = hops_.size();
-      std::move(hops_.begin(), hops_.end(), std::back_inserter(space_->hops));
+      for (Hop& hop : hops_) follow(draft, hop);
     }
+  }
+
+  /// Keeps a hop of a version unless it goes against the direction; enters the version that it
+  /// leads to.
+  void follow(Draft& draft, Hop& hop) {
+    // Hop collection looks the target up under the hop's own name, which may differ from the key.
+    const bool hasOwnName = hop.name == *draft.name->text;
+    Draft* target = hasOwnName ? lookUp(*draft.name, hop.to) : nullptr;
+    if (goesAgainstDirection(draft, hop, target)) return;
+    if (!hasOwnName) target = lookUp(*draft.name, hop.to);
+    if (target != nullptr && !leadsAwayFromTargets(*target)) {
+      enter(*target);
+      draft.targets.emplace_back(draft.hopCount, target);
+    }
+    ++draft.hopCount;
+    space_->hops.push_back(std::move(hop));
+  }
+
+  bool goesAgainstDirection(Draft& draft, const Hop& hop, const Draft* target) {
+    if (question_.direction == VersionRepository::Unknown) return false;
+    std::optional<Metamodel> other;
+    if (hop.name != *draft.name->text) other = question_.repository.getMetamodel(hop.name, hop.to);
+    if (target == nullptr && !other) {
+      draft.losesHop = true;
+      return true;
+    }
+    return VersionRepository::areDirectionsInconsistent(
+        question_.direction,
+        question_.repository.getDirection(*draft.descriptor,
+                                          target != nullptr ? *target->descriptor : *other));
   }
 
   /// The version that a hop of this name leads to; null when the application has none.
@@ -191,26 +211,6 @@ class SpaceSurvey {
       return false;
     }
     return std::all_of(name.targets.begin(), name.targets.end(), [&](const Metamodel* target) {
-      return VersionRepository::areDirectionsInconsistent(
-          question_.direction, question_.repository.getDirection(*draft.descriptor, *target));
-    });
-  }
-
-  void dropHopsAgainstDirection(Draft& draft) {
-    std::erase_if(hops_, [&](const Hop& hop) {
-      // Hop collection looks the target up under the hop's own name, which may differ from the key.
-      std::optional<Metamodel> other;
-      const Metamodel* target = nullptr;
-      if (hop.name == *draft.name->text) {
-        const Draft* known = lookUp(*draft.name, hop.to);
-        if (known != nullptr) target = known->descriptor;
-      } else if ((other = question_.repository.getMetamodel(hop.name, hop.to))) {
-        target = &*other;
-      }
-      if (target == nullptr) {
-        draft.losesHop = true;
-        return true;
-      }
       return VersionRepository::areDirectionsInconsistent(
           question_.direction, question_.repository.getDirection(*draft.descriptor, *target));
     });

@@ -37,12 +37,12 @@ void StepFormation::addOption(const Option& option) {
 
 void StepFormation::endName() {
   const std::size_t first = names_.empty() ? 0 : names_.back().end;
-  std::sort(candidates_.begin() + static_cast<std::ptrdiff_t>(first), candidates_.end(),
-            [this](const Candidate& left, const Candidate& right) {
-              if (left.least != right.least) return left.least < right.least;
-              if (left.option.hop != right.option.hop) return left.option.hop > right.option.hop;
-              return hasHeavierRetreat(ground_.outlooks, left.option.before, right.option.before);
-            });
+  const auto begin = candidates_.begin() + static_cast<std::ptrdiff_t>(first);
+  std::sort(begin, candidates_.end(), [this](const Candidate& left, const Candidate& right) {
+    if (left.least != right.least) return left.least < right.least;
+    if (left.option.hop != right.option.hop) return left.option.hop > right.option.hop;
+    return hasHeavierRetreat(ground_.outlooks, left.option.before, right.option.before);
+  });
   names_.push_back({first, candidates_.size()});
   openWords_ = (candidates_.size() + 63) / 64;
 }

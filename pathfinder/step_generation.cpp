@@ -35,14 +35,14 @@ StepGeneration::StepGeneration(VersionRepository& repository, const VersionBasel
     : repository_(repository), from_(from) {
   trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from_; });
   choices_.byName.reserve(from_.metamodels.size());
-  for (const auto* entry : inNameOrder(from_.metamodels)) {
-    collectHops(repository_, direction, entry->first, *entry->second, choices_);
+  visitInNameOrder(from_.metamodels, [&](const auto& entry) {
+    collectHops(repository_, direction, entry.first, *entry.second, choices_);
     const std::uint64_t radix = choices_.byName.back().hops.size() + 1;
     if (__builtin_mul_overflow(permutations_, radix, &permutations_)) {
       permutations_ = std::numeric_limits<std::uint64_t>::max();
     }
-    if (combinationCount() > budget) return;
-  }
+    return combinationCount() <= budget;
+  });
 }
 
 std::vector<BaselineHop> StepGeneration::runReserved() {

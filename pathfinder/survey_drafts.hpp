@@ -34,7 +34,7 @@ struct Draft {
   DraftName* name;
   const Metamodel* descriptor;
   std::size_t firstHop = 0;  // of the hops that leave it and do not go against the direction
-  std::size_t hopCount = 0;
+  std::uint32_t hopCount = 0;
   std::pmr::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
   const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
   bool isAnswer = false;  // what getMetamodel returned when asked for just this version
