@@ -16,15 +16,10 @@ class SpaceBuilding {
     space_.names.reserve(met_.names.size());
     space_.versions.reserve(met_.drafts.size() + met_.names.size());
     space_.variants.reserve(met_.drafts.size());
-    space_.variantOf.reserve(met_.drafts.size());
+    space_.variantOf.reserve(space_.variantOf.size() + met_.drafts.size());
     std::vector<DraftName*> ordered;
     for (auto& [text, name] : met_.names) {
-      if (name.isBystander) {
-        const auto& linked = name.versions.front()->linked->front();
-        space_.variantOf.emplace(linked.get(), SearchSpace::bystander);
-      } else if (!name.versions.empty()) {
-        ordered.push_back(&name);
-      }
+      if (!name.versions.empty()) ordered.push_back(&name);
     }
     std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
       return *left->text < *right->text;

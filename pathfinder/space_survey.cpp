@@ -21,18 +21,20 @@ class SpaceSurvey {
   explicit SpaceSurvey(const SearchQuestion& question) : question_(question) {}
 
   std::unique_ptr<const SearchSpace> run() {
+    setBystandersAside();
     for (const VersionBaseline& target : question_.targets) enterTarget(target);
-    for (const KnownMetamodel& known : question_.known) noteAnswer(known);
+    for (const KnownMetamodel& known : question_.known) {
+      if (!isAside(known.linked->front())) noteAnswer(known);
+    }
     for (const VersionBaseline& source : question_.sources) {
       if (!enterSource(source)) return nullptr;
     }
-    passBystandersOver();
     do {
       askForHops();
       if (isUnfit_) return nullptr;
       markWhatLeadsToTargets();
       linkWhatIsOfUse();
-      takeInvolvedUp();
+      if (!isEveryNameHeld()) takeAllUp();
     } while (!unasked_.empty());
     if (isUnfit_) return nullptr;
     buildSearchSpace(met_, *space_);
@@ -71,9 +73,62 @@ class SpaceSurvey {
     unasked_.push_back(&draft);
   }
 
+  void setBystandersAside() {
+    if (question_.sources.empty()) return;
+    for (const KnownMetamodel& known : question_.known) setAside(*known.name, *known.linked);
+    if (!question_.known.empty()) return;
+    for (const auto& [name, linked] : question_.sources.front().metamodels) {
+      if (!linked || !linked->linkedMetamodels.empty()) continue;
+      const LinkedMetamodels* variants = linkedOf(*linked);
+      if (variants != nullptr) setAside(name, *variants);
+    }
+  }
+
+  /// Sets a name aside if it may be a bystander. Its linked metamodel stands for it.
+  void setAside(const std::u16string& name, const LinkedMetamodels& variants) {
+    const auto& only = variants.front();
+    if (variants.size() != 1 || !only->linkedMetamodels.empty() || only->name != name) return;
+    const auto standsIn = [&](const VersionBaseline& baseline, bool unlessAbsent) {
+      const auto held = baseline.metamodels.find(name);
+      return held == baseline.metamodels.end() ? unlessAbsent : held->second == only;
+    };
+    for (const VersionBaseline& source : question_.sources) {
+      if (!standsIn(source, false)) return;
+    }
+    for (const VersionBaseline& target : question_.targets) {
+      if (!standsIn(target, true)) return;
+    }
+    space_->variantOf.emplace(only.get(), SearchSpace::bystander);
+  }
+
+  bool isAside(const std::shared_ptr<LinkedMetamodel>& linked) const {
+    return space_->variantOf.contains(linked.get());
+  }
+
+  /// Takes a name up that was set aside, because it is involved after all.
+  void takeUp(const std::u16string& name, const std::shared_ptr<LinkedMetamodel>& linked) {
+    space_->variantOf.erase(linked.get());
+    for (const VersionBaseline& target : question_.targets) {
+      if (target.metamodels.contains(name)) met_.nameOf(name).targets.push_back(linked.get());
+    }
+    for (const VersionBaseline& source : question_.sources) enterSource(source, name, linked);
+  }
+
+  void takeAllUp() {
+    for (const auto& [name, linked] : question_.sources.front().metamodels) {
+      if (isAside(linked)) takeUp(name, linked);
+    }
+  }
+
+  /// Whether nothing has to be, or can be, brought in.
+  bool isEveryNameHeld() const {
+    return std::all_of(met_.names.begin(), met_.names.end(),
+                       [this](const auto& entry) { return met_.isHeldFromStart(entry.second); });
+  }
+
   void enterTarget(const VersionBaseline& target) {
     for (const auto& [name, linked] : target.metamodels) {
-      if (linked) met_.nameOf(name).targets.push_back(linked.get());
+      if (linked && !isAside(linked)) met_.nameOf(name).targets.push_back(linked.get());
     }
   }
 
@@ -96,16 +151,21 @@ class SpaceSurvey {
 
   bool enterSource(const VersionBaseline& source) {
     return std::all_of(source.metamodels.begin(), source.metamodels.end(), [&](const auto& entry) {
-      const auto& [key, linked] = entry;
-      if (!linked || linked->name != key || !holdsLinksOf(source, *linked)) return false;
-      DraftName& name = met_.nameOf(key);
-      ++name.sources;
-      Draft& draft = draftOf(name, static_cast<const Metamodel&>(*linked));
-      enter(draft);
-      link(draft);
-      return draft.linked != nullptr &&
-             std::find(draft.linked->begin(), draft.linked->end(), linked) != draft.linked->end();
+      const auto& [name, linked] = entry;
+      return isAside(linked) || enterSource(source, name, linked);
     });
+  }
+
+  bool enterSource(const VersionBaseline& source, const std::u16string& key,
+                   const std::shared_ptr<LinkedMetamodel>& linked) {
+    if (!linked || linked->name != key || !holdsLinksOf(source, *linked)) return false;
+    DraftName& name = met_.nameOf(key);
+    ++name.sources;
+    Draft& draft = draftOf(name, static_cast<const Metamodel&>(*linked));
+    enter(draft);
+    link(draft);
+    return draft.linked != nullptr &&
+           std::find(draft.linked->begin(), draft.linked->end(), linked) != draft.linked->end();
   }
 
   static bool holdsLinksOf(const VersionBaseline& source, const LinkedMetamodel& linked) {
@@ -114,31 +174,6 @@ class SpaceSurvey {
                          const auto held = source.metamodels.find(link.first);
                          return held != source.metamodels.end() && held->second == link.second;
                        });
-  }
-
-  void passBystandersOver() {
-    for (auto& [text, name] : met_.names) name.isBystander = mayBeBystander(name);
-    std::erase_if(unasked_, [](const Draft* draft) { return draft->name->isBystander; });
-  }
-
-  bool mayBeBystander(const DraftName& name) const {
-    if (!met_.isHeldFromStart(name) || name.versions.size() != 1) return false;
-    const LinkedMetamodels& linked = *name.versions.front()->linked;
-    if (linked.size() != 1 || !linked.front()->linkedMetamodels.empty()) return false;
-    return std::all_of(name.targets.begin(), name.targets.end(),
-                       [&](const Metamodel* target) { return target == linked.front().get(); });
-  }
-
-  /// Takes up those that were passed over, but are no bystanders after all.
-  void takeInvolvedUp() {
-    const bool mayStandBy =
-        std::all_of(met_.names.begin(), met_.names.end(),
-                    [this](const auto& entry) { return met_.isHeldFromStart(entry.second); });
-    for (auto& [text, name] : met_.names) {
-      if (!name.isBystander || (mayStandBy && !name.isLinked)) continue;
-      name.isBystander = false;
-      unasked_.push_back(name.versions.front());
-    }
   }
 
   void askForHops() {
@@ -258,17 +293,25 @@ class SpaceSurvey {
   }
 
   void link(Draft& draft) {
-    if (std::exchange(draft.isLinkTried, true)) return;
+    if (!std::exchange(draft.isLinkTried, true)) draft.linked = linkedOf(*draft.descriptor);
+  }
+
+  /// Null for what cannot be linked, and so never be held. An attempt to hold it, should there be
+  /// one, reports the conflict.
+  const LinkedMetamodels* linkedOf(const Metamodel& descriptor) const {
     try {
-      draft.linked = &question_.repository.getLinkedMetamodels(*draft.descriptor);
+      return &question_.repository.getLinkedMetamodels(descriptor);
     } catch (const Conflict&) {
-      // It can never be held. An attempt to hold it, should there be one, reports the conflict.
+      return nullptr;
     }
   }
 
   void enterLinks(const LinkedMetamodel& variant) {
     for (const auto& [text, linked] : variant.linkedMetamodels) {
       if (!linksSeen_.insert(linked.get()).second) continue;
+      const auto& held = question_.sources.front().metamodels;
+      const auto standing = held.find(text);
+      if (standing != held.end() && isAside(standing->second)) takeUp(text, standing->second);
       DraftName& name = met_.nameOf(text);
       name.isLinked = true;
       if (met_.isHeldFromStart(name)) continue;  // only hops move it

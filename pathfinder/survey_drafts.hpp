@@ -95,7 +95,6 @@ struct DraftName {
   const std::u16string* text;
   std::size_t sources = 0;                     // that hold the name
   bool isLinked = false;                       // by a version that can lie on a path
-  bool isBystander = false;                    // as far as is known
   std::pmr::vector<const Metamodel*> targets;  // what the targets hold under the name
   std::pmr::vector<Draft*> versions;           // in the order in which they were met
   DraftsByVersion byVersion;
