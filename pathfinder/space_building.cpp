@@ -65,14 +65,12 @@ class SpaceBuilding {
   }
 
   void addMoves() {
-    std::size_t count = 0;
-    for (const Draft& draft : met_.drafts) count += draft.targets.size();
-    space_.moves.reserve(count);  // versions point into it
+    space_.moves.reserve(met_.targets.size());  // versions point into it
     for (const Draft& draft : met_.drafts) {
       if (draft.index == SearchSpace::none) continue;
       SearchSpace::Version& version = space_.versions[draft.index];
       const std::size_t first = space_.moves.size();
-      for (const auto& [place, target] : draft.targets) {
+      for (const auto& [place, target] : met_.targetsOf(draft)) {
         if (target->index == SearchSpace::none) continue;
         space_.moves.push_back({target->index, version.hops[place].expensive, place});
       }

@@ -183,6 +183,7 @@ class SpaceSurvey {
       hops_.clear();
       question_.repository.findHops(*draft.name->text, draft.descriptor->version, hops_);
       draft.firstHop = space_->hops.size();
+      draft.firstTarget = met_.targets.size();
       for (Hop& hop : hops_) follow(draft, hop);
     }
   }
@@ -197,7 +198,8 @@ class SpaceSurvey {
     if (!hasOwnName) target = lookUp(*draft.name, hop.to);
     if (target != nullptr && !leadsAwayFromTargets(*target)) {
       enter(*target);
-      draft.targets.emplace_back(draft.hopCount, target);
+      met_.targets.push_back({draft.hopCount, target});
+      ++draft.targetCount;
     }
     ++draft.hopCount;
     space_->hops.push_back(std::move(hop));
@@ -261,16 +263,17 @@ class SpaceSurvey {
     }
   }
 
-  static void spreadBackwards(DraftName& name) {
+  void spreadBackwards(DraftName& name) const {
     for (bool changed = true; changed;) {
       changed = false;
       // Versions are met from the sources on, so most are marked in the first round.
       for (std::size_t i = name.versions.size(); i-- > 0;) {
         Draft& draft = *name.versions[i];
         if (draft.leadsToTarget) continue;
+        const auto targets = met_.targetsOf(draft);
         draft.leadsToTarget =
-            std::any_of(draft.targets.begin(), draft.targets.end(),
-                        [](const auto& target) { return target.second->leadsToTarget; });
+            std::any_of(targets.begin(), targets.end(),
+                        [](const DraftTarget& target) { return target.draft->leadsToTarget; });
         changed |= draft.leadsToTarget;
       }
     }

@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <memory_resource>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -26,16 +27,15 @@ struct DraftName;
 
 /// A version while the space is surveyed.
 struct Draft {
-  using allocator_type = std::pmr::polymorphic_allocator<>;
-
-  Draft(DraftName& draftName, const Metamodel& metamodel, const allocator_type& memory)
-      : name(&draftName), descriptor(&metamodel), targets(memory) {}
+  Draft(DraftName& draftName, const Metamodel& metamodel)
+      : name(&draftName), descriptor(&metamodel) {}
 
   DraftName* name;
   const Metamodel* descriptor;
   std::size_t firstHop = 0;  // of the hops that leave it and do not go against the direction
   std::uint32_t hopCount = 0;
-  std::pmr::vector<std::pair<std::uint32_t, Draft*>> targets;  // a hop's place and where it leads
+  std::size_t firstTarget = 0;  // of those hops that lead to a version that may be of use
+  std::uint32_t targetCount = 0;
   const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
   bool isAnswer = false;  // what getMetamodel returned when asked for just this version
   bool isLinkTried = false;
@@ -52,7 +52,9 @@ class DraftsByVersion {
  public:
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
-  explicit DraftsByVersion(const allocator_type& memory) : drafts_(memory), places_(memory) {}
+  explicit DraftsByVersion(const allocator_type& memory) : drafts_(memory), places_(memory) {
+    drafts_.reserve(fewDrafts);
+  }
 
   /// The first draft of that version for which `isWanted(draft)`; null when there is none.
   template <class IsWanted>
@@ -83,6 +85,12 @@ class DraftsByVersion {
 
   std::pmr::vector<Draft*> drafts_;
   std::pmr::unordered_multimap<VersionId, Draft*, VersionIdHash> places_;  // once they are many
+};
+
+/// Where a hop of a draft leads.
+struct DraftTarget {
+  std::uint32_t place;  ///< of the hop, among those of the draft
+  Draft* draft;
 };
 
 /// A name while the space is surveyed.
@@ -120,11 +128,16 @@ struct SurveyDrafts {
     return draft.leadsToTarget || !isMentionedByEveryTarget(*draft.name);
   }
 
+  std::span<const DraftTarget> targetsOf(const Draft& draft) const {
+    return std::span(targets).subspan(draft.firstTarget, draft.targetCount);
+  }
+
   std::size_t sourceCount;
   std::size_t targetCount;
   std::pmr::monotonic_buffer_resource memory = {};
   std::pmr::unordered_map<std::u16string_view, DraftName> names{&memory};
   std::pmr::deque<Draft> drafts{&memory};
+  std::vector<DraftTarget> targets = {};  // those of one draft stand together
 };
 
 }  // namespace tarn::evolution::pathfinder
