@@ -91,7 +91,7 @@ struct SearchSpace {
   std::vector<Variant> variants;
 
   /// What the containers of many small parts below are made in.
-  std::pmr::monotonic_buffer_resource memory;
+  std::pmr::monotonic_buffer_resource memory{32768};
 
   /// `bystander` for those.
   std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{&memory};

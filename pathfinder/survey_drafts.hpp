@@ -134,7 +134,7 @@ struct SurveyDrafts {
 
   std::size_t sourceCount;
   std::size_t targetCount;
-  std::pmr::monotonic_buffer_resource memory = {};
+  std::pmr::monotonic_buffer_resource memory{65536};
   std::pmr::unordered_map<std::u16string_view, DraftName> names{&memory};
   std::pmr::deque<Draft> drafts{&memory};
   std::vector<DraftTarget> targets = {};  // those of one draft stand together
