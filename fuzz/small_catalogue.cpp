@@ -61,11 +61,12 @@ std::string SmallCatalogue::range(char name, ByteSource& bytes) const {
   return versions(name)[choice % versions(name).size()];
 }
 
-/// A bit for each version to go to, and one for each that is expensive to go to.
+/// A bit for each version to go to, but that the next one's says where not to, and a bit for each that
+/// is expensive to go to.
 void SmallCatalogue::addHops(char name, ByteSource& bytes) {
   const auto& all = versions(name);
   for (std::size_t from = 0; from < all.size(); ++from) {
-    const std::size_t bits = bytes.byte();
+    const std::size_t bits = bytes.byte() ^ (std::size_t{2} << from);
     for (std::size_t to = 0; to < all.size(); ++to) {
       if (to == from || (bits >> to & 1) == 0) continue;
       text_ += " " + hop(name, all[from], all[to], (bits >> (to + 4) & 1) != 0);

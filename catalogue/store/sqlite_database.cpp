@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <system_error>
+#include <utility>
 
 #include "catalogue/catalogue_error.hpp"
 
@@ -117,12 +118,23 @@ void SqliteDatabase::limitWork() {
   std::error_code error;
   const auto size = std::filesystem::file_size(file_, error);
   workLimit_ = least + (error ? 0 : static_cast<std::int64_t>(size) / bytesForUnit);
+  callOnProgress();
+}
+
+void SqliteDatabase::callOnProgress() {
   sqlite3_progress_handler(handle_.get(), progressUnit, &SqliteDatabase::onProgress, this);
 }
 
+/// Whether the statement that runs is to be ended. No exception may pass through SQLite.
 int SqliteDatabase::onProgress(void* database) {
   auto& self = *static_cast<SqliteDatabase*>(database);
-  return ++self.work_ > self.workLimit_ ? 1 : 0;
+  try {
+    if (self.watch_) self.watch_();
+  } catch (...) {
+    self.thrownByWatch_ = std::current_exception();
+    return 1;
+  }
+  return self.workLimit_ > 0 && ++self.work_ > self.workLimit_ ? 1 : 0;
 }
 
 bool SqliteDatabase::isBusy() const {
@@ -146,6 +158,7 @@ void SqliteDatabase::fail(int code) const {
     case SQLITE_CORRUPT:
       failDamaged("", message);
     case SQLITE_INTERRUPT:
+      if (thrownByWatch_) std::rethrow_exception(std::exchange(thrownByWatch_, nullptr));
       failDamaged("", "its tables lead in circles");
     case SQLITE_NOTADB:
       throw CatalogueError("", "is not a catalogue store: " + message).inFile(file_.string());
@@ -235,6 +248,17 @@ std::string_view SqliteStatement::Rows::bytes(int column) const {
   if (data == nullptr) return {};
   return {static_cast<const char*>(data),
           static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
+}
+
+SqliteWatch::SqliteWatch(SqliteDatabase& database, std::function<void()> watch)
+    : database_(&database) {
+  if (!watch) return;
+  database.watch_ = std::move(watch);
+  database.callOnProgress();
+}
+
+SqliteWatch::~SqliteWatch() {
+  database_->watch_ = nullptr;
 }
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase& database, Kind kind) : database_(&database) {

@@ -33,9 +33,11 @@ BruteForce::BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
   }
   while (improve()) continue;
   const Way* best = nullptr;
-  for (const auto& [baseline, way] : ways_) {
-    const auto included = std::find_if(targets_.begin(), targets_.end(),
-                                       [&](const auto& part) { return includes(baseline, part); });
+  for (const auto& entry : ways_) {
+    const Way& way = entry.second;
+    const auto included =
+        std::find_if(targets_.begin(), targets_.end(),
+                     [&entry](const Baseline& part) { return includes(entry.first, part); });
     if (included == targets_.end() || (best != nullptr && best->rank < way.rank)) continue;
     best = &way;
     target = static_cast<std::size_t>(included - targets_.begin());
