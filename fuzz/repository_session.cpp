@@ -17,6 +17,7 @@ namespace {
 constexpr int mostOperations = 24;
 constexpr std::size_t mostKnown = 24;
 constexpr int mostAdditions = 6;
+constexpr std::size_t mostSteps = 3000;  // that the model is to try for one question
 
 constexpr const char* refused = "refused";  // for what cannot be linked, or is unknown
 constexpr const char* failed = "failed";    // for a callback that was told to
@@ -238,7 +239,8 @@ void RepositorySession::checkPath(const PathQuestion& question, const Ask& ask) 
 
 void RepositorySession::checkAgainstModel(const PathQuestion& question, const Outcome& found) {
   try {
-    const BruteForce best(model_, question.sources, question.targets, question.direction);
+    const BruteForce best(model_, question.sources, question.targets, question.direction,
+                          mostSteps);
     const std::string expected = best.path ? model_.describe(*best.path) : "none";
     check("path by the model", expected, found.text);
     if (best.path && !best.path->empty()) {

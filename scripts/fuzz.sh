@@ -11,7 +11,7 @@ seconds=${1:-300}
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || { sed -n 's/^# usage: /usage: /p' "$0" >&2; exit 2; }
 scripts/setup.sh
 cmake --preset fuzz --log-level=WARNING
-cmake --build --preset fuzz --target fuzzers
+cmake --build --preset fuzz
 
 failed=()
 for form in version json sqlite operations; do

@@ -7,8 +7,6 @@ namespace test {
 
 namespace {
 
-constexpr std::size_t mostSteps = 20'000;
-
 std::uint64_t weightOf(const LockstepHop& hops) {
   std::uint64_t expensive = 0;
   for (const auto& [name, hop] : hops) expensive += hop.expensive ? 1 : 0;
@@ -23,28 +21,12 @@ bool includes(const BruteForce::Baseline& baseline, const BruteForce::Baseline& 
 }  // namespace
 
 BruteForce::BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
-                       const std::vector<Baseline>& targets, VersionRepository::Direction direction)
-    : model_(model), targets_(targets), direction_(direction) {
-  for (std::size_t i = 0; i < sources.size(); ++i) {
-    Way start;
-    start.rank = {0, i};
-    start.source = i;
-    offer(sources[i], std::move(start));
-  }
+                       const std::vector<Baseline>& targets, VersionRepository::Direction direction,
+                       std::size_t mostSteps)
+    : model_(model), targets_(targets), direction_(direction), stepsLeft_(mostSteps) {
+  for (std::size_t i = 0; i < sources.size(); ++i) offer(sources[i], {0, i}, nullptr, i);
   while (improve()) continue;
-  const Way* best = nullptr;
-  for (const auto& entry : ways_) {
-    const Way& way = entry.second;
-    const auto included =
-        std::find_if(targets_.begin(), targets_.end(),
-                     [&entry](const Baseline& part) { return includes(entry.first, part); });
-    if (included == targets_.end() || (best != nullptr && best->rank < way.rank)) continue;
-    best = &way;
-    target = static_cast<std::size_t>(included - targets_.begin());
-  }
-  if (best == nullptr) return;
-  path = best->path;
-  source = best->source;
+  if (const Way* best = bestAtTarget()) takePathTo(*best);
 }
 
 /// Tries every step after every way that is new; returns whether one led to a better way.
@@ -59,32 +41,54 @@ bool BruteForce::improve() {
 bool BruteForce::goOn(const Way& way) {
   bool isBetter = false;
   for (std::size_t i = 0; i < way.steps.size(); ++i) {
-    Way next;
-    next.rank = {way.rank[0] + weightOf(way.steps[i].hops)};
-    next.rank.insert(next.rank.end(), way.rank.begin(), way.rank.end());
-    next.rank.push_back(i);
-    next.source = way.source;
-    next.path = way.path;
-    next.path.push_back(way.steps[i]);
-    isBetter |= offer(way.steps[i].to, std::move(next));
+    Rank rank{way.rank[0] + weightOf(way.steps[i].hops)};
+    rank.insert(rank.end(), way.rank.begin(), way.rank.end());
+    rank.push_back(i);
+    isBetter |= offer(way.steps[i].to, rank, &way, i);
   }
   return isBetter;
 }
 
 /// Takes a way to a baseline if it is the best one so far.
-bool BruteForce::offer(const Baseline& baseline, Way&& better) {
+bool BruteForce::offer(const Baseline& baseline, const Rank& rank, const Way* before,
+                       std::size_t place) {
   Way& way = ways_[baseline];
   if (way.rank.empty()) {
-    better.steps = model_.stepsFrom(baseline, direction_);
-    stepCount_ += better.steps.size();
-    if (stepCount_ > mostSteps) throw TooMany();
-  } else if (way.rank <= better.rank) {
+    way.steps = model_.stepsFrom(baseline, direction_);
+    if (way.steps.size() > stepsLeft_) throw TooMany();
+    stepsLeft_ -= way.steps.size();
+  } else if (way.rank <= rank) {
     return false;
-  } else {
-    better.steps = std::move(way.steps);
   }
-  way = std::move(better);
+  way.rank = rank;
+  way.before = before;
+  way.place = place;
+  way.isNew = true;
   return true;
+}
+
+const BruteForce::Way* BruteForce::bestAtTarget() {
+  const Way* best = nullptr;
+  for (const auto& entry : ways_) {
+    const Way& way = entry.second;
+    const auto included =
+        std::find_if(targets_.begin(), targets_.end(),
+                     [&entry](const Baseline& part) { return includes(entry.first, part); });
+    if (included == targets_.end() || (best != nullptr && best->rank < way.rank)) continue;
+    best = &way;
+    target = static_cast<std::size_t>(included - targets_.begin());
+  }
+  return best;
+}
+
+void BruteForce::takePathTo(const Way& end) {
+  path.emplace();
+  const Way* way = &end;
+  for (; way->before != nullptr; way = way->before) {
+    path->push_back(way->before->steps[way->place]);
+  }
+  std::reverse(path->begin(), path->end());
+  source = way->place;
 }
 
 }  // namespace test

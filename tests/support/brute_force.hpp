@@ -22,7 +22,8 @@ class BruteForce {
   struct TooMany {};
 
   BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
-             const std::vector<Baseline>& targets, VersionRepository::Direction direction);
+             const std::vector<Baseline>& targets, VersionRepository::Direction direction,
+             std::size_t mostSteps = ~std::size_t{0});
 
   std::optional<Steps> path;  ///< none when there is none
   std::size_t source = 0;     ///< the source that the path starts from
@@ -37,21 +38,23 @@ class BruteForce {
   /// The best way to one baseline, and the steps that go on from there.
   struct Way {
     Rank rank;
-    std::size_t source = 0;
-    Steps path;
+    const Way* before = nullptr;  // null at a source
+    std::size_t place = 0;        // of the last step among those of `before`; of the source
     Steps steps;
     bool isNew = true;  // its steps have not been tried since it was found
   };
 
   bool improve();
   bool goOn(const Way& way);
-  bool offer(const Baseline& baseline, Way&& better);
+  bool offer(const Baseline& baseline, const Rank& rank, const Way* before, std::size_t place);
+  const Way* bestAtTarget();
+  void takePathTo(const Way& end);
 
   PlainModel& model_;
   const std::vector<Baseline>& targets_;
   const VersionRepository::Direction direction_;
   std::map<Baseline, Way> ways_;
-  std::size_t stepCount_ = 0;
+  std::size_t stepsLeft_;
 };
 
 }  // namespace test
