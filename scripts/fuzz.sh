@@ -13,6 +13,7 @@ scripts/setup.sh
 cmake --preset fuzz --log-level=WARNING
 cmake --build --preset fuzz
 
+export ASAN_OPTIONS=malloc_context_size=8:quarantine_size_mb=64
 failed=()
 for form in version json sqlite operations; do
   corpus=build/fuzz/corpus/$form
