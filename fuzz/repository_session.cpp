@@ -21,7 +21,6 @@ constexpr std::size_t mostSteps = 3000;  // that the model is to try for one que
 
 constexpr const char* refused = "refused";  // for what cannot be linked, or is unknown
 constexpr const char* failed = "failed";    // for a callback that was told to
-constexpr const char* unforeseen = "";      // the model cannot tell
 
 Selection selectionOf(const PlainModel& model, const PlainModel::Baseline& baseline) {
   Selection result;
@@ -65,6 +64,12 @@ std::optional<std::vector<PlainModel::Baseline>> combined(PlainModel& model,
   } catch (const PlainModel::Conflict&) {
     return std::nullopt;
   }
+}
+
+/// What is answered when one side of a question has no baselines; null when it has some.
+const char* answerWithout(const std::optional<std::vector<PlainModel::Baseline>>& baselines) {
+  if (!baselines) return refused;
+  return baselines->empty() ? "none" : nullptr;
 }
 
 }  // namespace
@@ -208,22 +213,27 @@ std::shared_ptr<LinkedMetamodel> RepositorySession::someLinked() {
   return std::next(inOrder.begin(), static_cast<int>(bytes_.below(inOrder.size())))->second;
 }
 
+/// What the cache has to answer, if anything.
+std::optional<std::string> RepositorySession::cachedPath(const PathQuestion& question) const {
+  for (const Baseline& source : question.sources) {
+    for (const Baseline& target : question.targets) {
+      if (const auto found = paths_.find({source, target}); found != paths_.end()) {
+        return found->second;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
 /// Expects the path that the cache holds, or else what a fresh repository and the model answer.
 void RepositorySession::checkPath(const PathQuestion& question, const Ask& ask) {
   const std::string what = "path from " + model_.describe(question.sources) + " to " +
                            model_.describe(question.targets) + ", " +
                            VersionRepository::getDirectionString(question.direction) + "\n";
-  std::string cached = unforeseen;
-  for (auto source = question.sources.rbegin(); source != question.sources.rend(); ++source) {
-    for (auto target = question.targets.rbegin(); target != question.targets.rend(); ++target) {
-      if (const auto found = paths_.find({*source, *target}); found != paths_.end()) {
-        cached = found->second;
-      }
-    }
-  }
+  const std::optional<std::string> cached = cachedPath(question);
   const Outcome found = outcomeOf([&] { return ask(repository_); });
-  if (loads_ == 0 && cached != unforeseen) {
-    if (found.text != failed) check(what + "from the cache", cached, found.text);
+  if (loads_ == 0 && cached) {
+    if (found.text != failed) check(what + "from the cache", *cached, found.text);
   } else if (found.text != failed) {
     freshly([&](TestRepository& fresh) {
       const std::string expected = outcomeText([&] { return describe(ask(fresh)); });
@@ -247,12 +257,16 @@ void RepositorySession::checkAgainstModel(const PathQuestion& question, const Ou
       paths_.try_emplace({question.sources[best.source], question.targets[best.target]}, expected);
     }
   } catch (const PlainModel::Conflict&) {
-    // What cannot be linked lies within reach; the model cannot tell whether the search has to meet
-    // it.
-    if (found.path && !found.path->empty()) forgetPaths();
+    // What cannot be linked lies within reach, and the model cannot tell whether a search meets it.
+    forgetUnlessEmpty(found.path);
   } catch (const BruteForce::TooMany&) {
-    if (found.path && !found.path->empty()) forgetPaths();
+    forgetUnlessEmpty(found.path);
   }
+}
+
+/// Forgets what the cache has stored now, for a target that the model does not know.
+void RepositorySession::forgetUnlessEmpty(const Path& path) {
+  if (path && !path->empty()) forgetPaths();
 }
 
 /// A question that is settled before paths are looked for.
@@ -292,14 +306,10 @@ void RepositorySession::askBetweenSelections() {
   const auto targets = combined(model_, to);
   if (from == to) {
     checkSettled("", ask);
-  } else if (!sources) {
-    checkSettled(refused, ask);
-  } else if (sources->empty()) {
-    checkSettled("none", ask);
-  } else if (!targets) {
-    checkSettled(refused, ask);
-  } else if (targets->empty()) {
-    checkSettled("none", ask);
+  } else if (const char* answer = answerWithout(sources)) {
+    checkSettled(answer, ask);
+  } else if (const char* other = answerWithout(targets)) {
+    checkSettled(other, ask);
   } else {
     checkPath({*sources, *targets, model_.direction(sources->front(), targets->front())}, ask);
   }
@@ -312,10 +322,8 @@ void RepositorySession::askToSelection() {
     return repository.findPath(in(repository, sources), to);
   };
   const auto targets = combined(model_, to);
-  if (!targets) {
-    checkSettled(refused, ask);
-  } else if (targets->empty()) {
-    checkSettled("none", ask);
+  if (const char* answer = answerWithout(targets)) {
+    checkSettled(answer, ask);
   } else if (std::find_first_of(targets->begin(), targets->end(), sources.begin(), sources.end()) !=
              targets->end()) {
     checkSettled("", ask);

@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,7 +42,7 @@ class RepositorySession {
     test::Path path;
   };
 
-  /// Asks one repository, whose baselines the second function finds for those of the model.
+  /// Asks one repository, be it the one of the session or a fresh one.
   using Ask = std::function<test::Path(test::TestRepository&)>;
 
   void runOperation();
@@ -61,6 +63,8 @@ class RepositorySession {
   void failSoon();
 
   void checkPath(const PathQuestion& question, const Ask& ask);
+  void forgetUnlessEmpty(const test::Path& path);
+  std::optional<std::string> cachedPath(const PathQuestion& question) const;
   void checkSettled(const std::string& expected, const Ask& ask);
   void checkAgainstModel(const PathQuestion& question, const Outcome& found);
   void check(const std::string& what, const std::string& expected, const std::string& found) const;

@@ -61,8 +61,8 @@ std::string SmallCatalogue::range(char name, ByteSource& bytes) const {
   return versions(name)[choice % versions(name).size()];
 }
 
-/// A bit for each version to go to, but that the next one's says where not to, and a bit for each that
-/// is expensive to go to.
+/// A bit for each version to go to, the next one's the other way round, and a bit for each that is
+/// expensive to go to.
 void SmallCatalogue::addHops(char name, ByteSource& bytes) {
   const auto& all = versions(name);
   for (std::size_t from = 0; from < all.size(); ++from) {
@@ -92,7 +92,7 @@ std::string SmallCatalogue::addHop(ByteSource& bytes) {
   const auto& all = names_[place];
   const std::string& from = all[bytes.below(all.size())];
   const std::string& to = all[bytes.below(all.size())];
-  const std::string added = hop(static_cast<char>(firstName + place), from, to, choice >= 192);
+  std::string added = hop(static_cast<char>(firstName + place), from, to, choice >= 192);
   text_ += " " + added;
   return added;
 }

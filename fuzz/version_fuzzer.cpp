@@ -101,7 +101,7 @@ void readUnits(const std::u16string& units) {
 
 /// The version that a text is; nothing when it is refused.
 std::optional<VersionId> readVersion(const std::string& text) {
-  const auto version = readIfAny(parseVersion, text);
+  auto version = readIfAny(parseVersion, text);
   const auto semantic = readIfAny(parseSemVer, text);
   const auto name = readIfAny(parseName, text);
   const auto tell = [&](auto& out) { out << '"' << text << '"'; };
@@ -143,6 +143,7 @@ void compareAll(const std::vector<VersionId>& versions) {
 std::vector<VersionRange> rangesOf(const std::vector<std::string>& texts,
                                    const std::vector<VersionId>& versions) {
   std::vector<VersionRange> ranges;
+  ranges.reserve(versions.size() + texts.size() * texts.size());
   for (const VersionId& version : versions) ranges.push_back(VersionRange::singleVersion(version));
   for (const std::string& lower : texts) {
     for (const std::string& upper : texts) {

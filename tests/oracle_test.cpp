@@ -16,6 +16,7 @@ using Refused = foundation::core::except::IMsgIDException;
 std::vector<PlainModel::Baseline> plain(const PlainModel& model,
                                         const std::vector<VersionBaseline>& baselines) {
   std::vector<PlainModel::Baseline> result;
+  result.reserve(baselines.size());
   for (const VersionBaseline& baseline : baselines) result.push_back(model.baselineOf(baseline));
   return result;
 }
@@ -31,6 +32,7 @@ TEST(Oracle, LinkedMetamodelsAreExactlyTheConsistentChoices) {
       try {
         const auto& linked = question.repository.getLinkedMetamodels(metamodel);
         std::vector<VersionBaseline> found;
+        found.reserve(linked.size());
         for (const auto& variant : linked) {
           found.push_back(VersionBaseline::create({variant}).value());
         }

@@ -54,6 +54,7 @@ TEST_F(StoreConcurrency, EveryThreadGetsTheAnswersThatOneAloneGets) {
     std::vector<std::string> answers(4);
     std::atomic<std::size_t> waiting = answers.size();
     std::vector<std::thread> threads;
+    threads.reserve(answers.size());
     for (std::string& answer : answers) {
       threads.emplace_back([&] {
         for (--waiting; waiting > 0;) std::this_thread::yield();
