@@ -17,7 +17,7 @@ namespace {
 constexpr int mostOperations = 24;
 constexpr std::size_t mostKnown = 24;
 constexpr int mostAdditions = 6;
-constexpr std::size_t mostSteps = 3000;  // that the model is to try for one question
+constexpr std::size_t mostSteps = 1000;  // that the model is to try for one question
 
 constexpr const char* refused = "refused";  // for what cannot be linked, or is unknown
 constexpr const char* failed = "failed";    // for a callback that was told to

@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <memory>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -31,6 +34,15 @@ std::string uriOf(const std::filesystem::path& file, const std::string& paramete
     }
   }
   return uri + "?" + parameters;
+}
+
+/// Whether there is memory for what a row of the file can hold.
+bool hasMemoryFor(const std::filesystem::path& file) {
+  constexpr std::uintmax_t mostOfOneRow = 64 << 20;
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file, error);
+  const auto wanted = static_cast<std::size_t>(error ? 1 : std::min(size, mostOfOneRow));
+  return std::unique_ptr<char[]>(new (std::nothrow) char[wanted]) != nullptr;
 }
 
 bool isEmptyOrMissing(const std::filesystem::path& file) {
@@ -174,6 +186,8 @@ void SqliteDatabase::fail(int code) const {
     case SQLITE_READONLY:
       throw CatalogueError("", "cannot be written").inFile(file_.string());
     case SQLITE_NOMEM:
+      // That is also what SQLite says of a damaged row that claims a length beyond all memory.
+      if (hasMemoryFor(file_)) failDamaged("", "a row claims to be larger than memory");
       throw std::bad_alloc();
     default:
       throw CatalogueError("", "cannot be used: " + message).inFile(file_.string());
