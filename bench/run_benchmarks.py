@@ -16,6 +16,7 @@ from harness.operators import compare_operators
 from harness.programs import Programs
 from harness.results import Results
 from harness.settings import FULL, QUICK, Settings
+from harness.stores import compare_stores
 from report.document import document
 
 
@@ -27,6 +28,7 @@ def measure(programs: Programs, settings: Settings) -> Results:
     results.families += compare_families(programs, settings)
     results.operators += compare_operators(programs, settings)
     results.random += compare_random(programs, settings)
+    results.stores += compare_stores(programs, settings)
     results.minutes = (time.monotonic() - begin) / 60
     return results
 

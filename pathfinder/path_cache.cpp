@@ -35,8 +35,10 @@ PathCache::Step::Step(const BaselineHop& step) : hops(step.hops.begin(), step.ho
   const auto& before = step.from.metamodels;
   const auto& after = step.to.metamodels;
   changes.reserve(hops.size());
+  auto next = before.begin();  // most often the maps have the same order
   for (const auto& [name, metamodel] : after) {
-    const auto held = before.find(name);
+    const bool isNext = next != before.end() && next->first == name;
+    const auto held = isNext ? next++ : before.find(name);
     if (after.size() != before.size() || held == before.end()) {
       changes.clear();
       to = step.to;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory_resource>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -141,11 +142,11 @@ class SpaceSurvey {
     noteAnswer(name, *known.version, &draft);
   }
 
-  static void noteAnswer(DraftName& name, const VersionId& version, Draft* draft) {
+  void noteAnswer(DraftName& name, const VersionId& version, Draft* draft) {
     if (draft != nullptr && draft->descriptor->version == version) {
       draft->isAnswer = true;
     } else {
-      name.answers.emplace(version, draft);
+      otherAnswers_[&name].emplace(version, draft);
     }
   }
 
@@ -223,9 +224,9 @@ class SpaceSurvey {
   Draft* lookUp(DraftName& name, const VersionId& version) {
     Draft* answer = name.byVersion.find(version, [](const Draft& draft) { return draft.isAnswer; });
     if (answer != nullptr) return answer;
-    if (!name.answers.empty()) {
-      const auto known = name.answers.find(version);
-      if (known != name.answers.end()) return known->second;
+    if (const auto others = otherAnswers_.find(&name); others != otherAnswers_.end()) {
+      const auto known = others->second.find(version);
+      if (known != others->second.end()) return known->second;
     }
     Draft* draft = ask(name, version);
     noteAnswer(name, version, draft);
@@ -329,6 +330,10 @@ class SpaceSurvey {
   SurveyDrafts met_{question_.sources.size(), question_.targets.size()};
   std::pmr::vector<Draft*> unasked_{&met_.memory};
   std::vector<Hop> hops_;  // of the version that is being asked for
+
+  /// What `getMetamodel` answered with another version than the one asked for, or with none.
+  std::unordered_map<const DraftName*, std::unordered_map<VersionId, Draft*, VersionIdHash>>
+      otherAnswers_;
   std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&met_.memory};
   bool isUnfit_ = false;
 };

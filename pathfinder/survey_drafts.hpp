@@ -98,7 +98,7 @@ struct DraftName {
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
   DraftName(const std::u16string& nameText, const allocator_type& memory)
-      : text(&nameText), targets(memory), versions(memory), byVersion(memory), answers(memory) {}
+      : text(&nameText), targets(memory), versions(memory), byVersion(memory) {}
 
   const std::u16string* text;
   std::size_t sources = 0;                     // that hold the name
@@ -106,8 +106,6 @@ struct DraftName {
   std::pmr::vector<const Metamodel*> targets;  // what the targets hold under the name
   std::pmr::vector<Draft*> versions;           // in the order in which they were met
   DraftsByVersion byVersion;
-  std::pmr::unordered_map<VersionId, Draft*, VersionIdHash>
-      answers;  // of getMetamodel, that are no answer with just the version asked for; null: none
   NameIndex index = SearchSpace::none;
 };
 

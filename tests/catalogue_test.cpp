@@ -8,6 +8,7 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "support/catalogue_json.hpp"
+#include "support/legal_path.hpp"
 #include "support/store_folder.hpp"
 #include "support/test_repository.hpp"
 

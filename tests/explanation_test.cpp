@@ -10,6 +10,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
+#include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
 

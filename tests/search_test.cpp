@@ -9,6 +9,7 @@
 #include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/goal_directed_search.hpp"
 #include "platform/exception.hpp"
+#include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 
 namespace test {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <random>
+#include <set>
 #include <thread>
 
 #include "catalogue/catalogue_error.hpp"
@@ -28,12 +29,14 @@ class StoreCommand : public StoreFolder {
     return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
   }
 
-  /// Runs the program and kills it after a while. Whether it was killed before it ended.
-  bool runAndKill(const std::string& command, const std::string& first, const std::string& second,
-                  std::chrono::microseconds after) const {
-    std::string arguments[] = {EVOPATH_PROGRAM, command, path(first), path(second)};
-    char* argv[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(),
-                    arguments[3].data(), nullptr};
+  /// Runs the program in the folder and sends it a signal after a while. Whether it ended by the
+  /// signal; otherwise it had ended in success.
+  bool runAndSignal(const std::string& arguments, int signal,
+                    std::chrono::microseconds after) const {
+    std::string script = "cd '" + folder_.string() + "' && exec '" EVOPATH_PROGRAM "' " + arguments;
+    std::string shell = "/bin/sh";
+    std::string option = "-c";
+    char* argv[] = {shell.data(), option.data(), script.data(), nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
@@ -43,10 +46,26 @@ class StoreCommand : public StoreFolder {
     EXPECT_EQ(posix_spawn(&process, argv[0], &actions, nullptr, argv, environ), 0);
     posix_spawn_file_actions_destroy(&actions);
     std::this_thread::sleep_for(after);
-    kill(process, SIGKILL);
+    kill(process, signal);
     int status = 0;
     waitpid(process, &status, 0);
-    return WIFSIGNALED(status);
+    const bool isHit = WIFSIGNALED(status) && WTERMSIG(status) == signal;
+    EXPECT_TRUE(isHit || status == 0) << arguments << ": " << status;
+    return isHit;
+  }
+
+  /// The names of all files in the folder.
+  std::set<std::string> files() const {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+      names.insert(entry.path().filename());
+    }
+    return names;
+  }
+
+  /// All that the commands below may have changed.
+  std::string exportedAll() const {
+    return exported("work.store") + exported("full.store") + read("work.json") + read("path.json");
   }
 
   std::string exported(const std::string& store) const {
@@ -137,8 +156,8 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
     const bool adds = run % 3 == 2;
     write("killed.store", store);
     const auto after = latest * (random() % 1'000) / 1'000;
-    const bool hit = adds ? runAndKill("add", "killed.store", "new.json", after)
-                          : runAndKill("import", "new.json", "killed.store", after);
+    const bool hit = runAndSignal(
+        adds ? "add killed.store new.json" : "import new.json killed.store", SIGKILL, after);
     killed += hit;
     latest = hit ? latest * 5 / 4 : latest * 2 / 3;
     const std::string left = exported("killed.store");
@@ -146,6 +165,39 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
         << "killed after " << after.count();
   }
   EXPECT_EQ(killed, 50);
+}
+
+TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
+  const std::string versions = "..700";
+  TestRepository large("B1" + versions + " C1" + versions + " D1" + versions);
+  make("large", contentOf(large));
+  TestRepository small("A1 A2 A1>2");
+  make("small", contentOf(small));
+  const std::string store = read("small.store");
+  const std::string full = read("large.store");
+  std::mt19937 random(2);
+  for (const char* command :
+       {"import large.json work.store", "add work.store large.json", "remove full.store B C",
+        "export full.store work.json", "check large.json",
+        "path large.json --from B=1.0,C=1.0 --to B=700.0,C=700.0 --output path.json --json"}) {
+    std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
+    std::set<std::string> outcomes;
+    int interrupted = 0;
+    for (int run = 0; interrupted < 12 && run < 1'000; ++run) {
+      write("work.store", store);
+      write("full.store", full);
+      write("work.json", "old");
+      write("path.json", "old");
+      const auto before = files();
+      const bool hit = runAndSignal(command, SIGINT, latest * (random() % 1'000) / 1'000);
+      interrupted += hit;
+      latest = hit ? latest * 5 / 4 : latest * 2 / 3;
+      EXPECT_EQ(files(), before) << command;
+      outcomes.insert(exportedAll());
+    }
+    EXPECT_EQ(interrupted, 12) << command;
+    EXPECT_LE(outcomes.size(), 2U) << command;  // all is done, or nothing
+  }
 }
 
 }  // namespace

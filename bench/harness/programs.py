@@ -13,6 +13,7 @@ from .results import Answer, Measurement, Outcome
 from .settings import BenchmarkRun
 
 GRACE = 1.0  # seconds for starting, reading and the floor
+STORE_LIMIT = 300.0  # seconds for each measurement of a store; they take some at most
 SECONDS_PER = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
 
@@ -49,6 +50,12 @@ class Programs:
             return TimedPath(Answer(Outcome.TIME_LIMIT, limit))
         outcome = Outcome.NO_PATH if weight is None else Outcome.PATH
         return TimedPath(Answer(outcome, seconds, weight), report["steps"], report["floor_seconds"])
+
+    def measure_store(self, what: str, *arguments: object) -> dict[str, float]:
+        """What bench_store tells; fails when an answer was wrong."""
+        program = self.build / "bench" / "bench_store"
+        command = [program, what, *map(str, arguments)]
+        return json.loads(run_limited(command, seconds=STORE_LIMIT).output)
 
     def run_benchmarks(self, run: BenchmarkRun) -> list[Measurement]:
         """Shows the program's own report on the way; fails when an answer was wrong."""

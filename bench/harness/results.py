@@ -59,6 +59,24 @@ class Measurement:
 
 
 @dataclass(frozen=True)
+class StoreComparison:
+    """One large catalogue as a JSON file and as a store."""
+
+    metamodels: int
+    versions: int  # of each metamodel
+    json_bytes: int
+    store_bytes: int
+    read_seconds: float  # the JSON form
+    read_peak_bytes: int
+    import_seconds: float
+    import_peak_bytes: int
+    open_seconds: float  # the store
+    open_and_ask_seconds: float
+    ask_store_seconds: float  # one question alone
+    ask_memory_seconds: float
+
+
+@dataclass(frozen=True)
 class Machine:
     processor: str
     cores: int
@@ -80,6 +98,7 @@ class Results:
     families: list[Comparison] = field(default_factory=list)
     random: list[Comparison] = field(default_factory=list)
     operators: list[Comparison] = field(default_factory=list)
+    stores: list[StoreComparison] = field(default_factory=list)
 
     def save(self, file: Path) -> None:
         file.write_text(json.dumps(asdict(self), indent=1))
@@ -94,6 +113,7 @@ class Results:
             families=[_comparison(entry) for entry in stored["families"]],
             random=[_comparison(entry) for entry in stored["random"]],
             operators=[_comparison(entry) for entry in stored["operators"]],
+            stores=[StoreComparison(**entry) for entry in stored["stores"]],
         )
 
 

@@ -21,6 +21,12 @@ class RandomQuestions:
 
 
 @dataclass(frozen=True)
+class LargeCatalogue:
+    metamodels: int
+    versions: int  # of each
+
+
+@dataclass(frozen=True)
 class Settings:
     benchmark_runs: tuple[BenchmarkRun, ...]
     clingo_sizes: tuple[int, ...]  # of the families
@@ -28,6 +34,7 @@ class Settings:
     random: tuple[RandomQuestions, ...]
     joined_sizes: tuple[int, ...]  # most metamodels of the questions joined from families
     operators_limit: float
+    stores: tuple[LargeCatalogue, ...]
 
 
 FULL = Settings(
@@ -45,6 +52,7 @@ FULL = Settings(
     ),
     joined_sizes=(10, 14, 20),
     operators_limit=60,
+    stores=(LargeCatalogue(100, 50), LargeCatalogue(300, 100), LargeCatalogue(1000, 100)),
 )
 
 QUICK = Settings(
@@ -57,4 +65,5 @@ QUICK = Settings(
     random=(RandomQuestions(16, range(1, 3), limit=1),),
     joined_sizes=(10,),
     operators_limit=10,
+    stores=(LargeCatalogue(33, 10),),
 )

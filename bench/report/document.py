@@ -10,6 +10,7 @@ from .families import families
 from .hard_questions import hard_questions
 from .markdown import counted, listed, paragraph, section, table
 from .operations import operations
+from .stores import stores
 from .targets import rows, targets
 from .view import View
 
@@ -81,6 +82,7 @@ def document(results: Results) -> str:
         operators(view),
         hard_questions(view),
         operations(view),
+        stores(view),
     ]
     return "\n\n".join(blocks) + "\n"
 

@@ -11,6 +11,12 @@ constexpr std::uint64_t rowsBetween = 1000;
 
 }  // namespace
 
+std::function<void()> toldAgain(const StoreProgress& progress, double share) {
+  if (!progress) return {};
+  progress(share);
+  return [&progress, share] { progress(share); };
+}
+
 ProgressSink::ProgressSink(CatalogueSink& next, const StoreProgress& progress,
                            std::function<double()> share)
     : next_(next), progress_(progress), share_(std::move(share)) {}

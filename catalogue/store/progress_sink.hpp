@@ -7,6 +7,10 @@
 
 namespace tarn::evolution::catalogue {
 
+/// Tells a share of the work, and returns what tells it again, which refers to `progress`; empty
+/// when there is nobody to tell.
+std::function<void()> toldAgain(const StoreProgress& progress, double share);
+
 /// Hands rows on, counts them, and tells how far along they are.
 class ProgressSink : public CatalogueSink {
  public:

@@ -19,9 +19,11 @@ namespace tarn::evolution::catalogue {
 /// (`store_editing.hpp`), and be seen by repositories that are opened later. A store of an older
 /// form is brought to the present one when it is opened, which needs leave to write it.
 ///
-/// **Threads.** The operations that this class and `BrowsableRepository` declare may be called from
-/// any number of threads at once: they take turns at the connection. For those of
-/// `VersionRepository` its own rules hold.
+/// **Threads.** Any number of threads may call any operations at once, those of `VersionRepository`
+/// included, and may ask different questions. What reads the store takes turns at its one
+/// connection, holding a lock only while it reads, never while it calls anything of the path
+/// finder; all else, searching above all, goes on side by side. Construction and destruction must
+/// not overlap with any other call.
 ///
 /// **Exceptions.** CatalogueError, which names the file: from the constructor when the file cannot
 /// be read, is no store, is damaged so that this shows at once, or is of a newer form; from every

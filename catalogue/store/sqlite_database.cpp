@@ -2,7 +2,11 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <memory>
+#include <new>
 #include <system_error>
+#include <utility>
 
 #include "catalogue/catalogue_error.hpp"
 
@@ -30,6 +34,15 @@ std::string uriOf(const std::filesystem::path& file, const std::string& paramete
     }
   }
   return uri + "?" + parameters;
+}
+
+/// Whether there is memory for what a row of the file can hold.
+bool hasMemoryFor(const std::filesystem::path& file) {
+  constexpr std::uintmax_t mostOfOneRow = 64 << 20;
+  std::error_code error;
+  const auto size = std::filesystem::file_size(file, error);
+  const auto wanted = static_cast<std::size_t>(error ? 1 : std::min(size, mostOfOneRow));
+  return std::unique_ptr<char[]>(new (std::nothrow) char[wanted]) != nullptr;
 }
 
 bool isEmptyOrMissing(const std::filesystem::path& file) {
@@ -117,12 +130,23 @@ void SqliteDatabase::limitWork() {
   std::error_code error;
   const auto size = std::filesystem::file_size(file_, error);
   workLimit_ = least + (error ? 0 : static_cast<std::int64_t>(size) / bytesForUnit);
+  callOnProgress();
+}
+
+void SqliteDatabase::callOnProgress() {
   sqlite3_progress_handler(handle_.get(), progressUnit, &SqliteDatabase::onProgress, this);
 }
 
+/// Whether the statement that runs is to be ended. No exception may pass through SQLite.
 int SqliteDatabase::onProgress(void* database) {
   auto& self = *static_cast<SqliteDatabase*>(database);
-  return ++self.work_ > self.workLimit_ ? 1 : 0;
+  try {
+    if (self.watch_) self.watch_();
+  } catch (...) {
+    self.thrownByWatch_ = std::current_exception();
+    return 1;
+  }
+  return self.workLimit_ > 0 && ++self.work_ > self.workLimit_ ? 1 : 0;
 }
 
 bool SqliteDatabase::isBusy() const {
@@ -146,6 +170,7 @@ void SqliteDatabase::fail(int code) const {
     case SQLITE_CORRUPT:
       failDamaged("", message);
     case SQLITE_INTERRUPT:
+      if (thrownByWatch_) std::rethrow_exception(std::exchange(thrownByWatch_, nullptr));
       failDamaged("", "its tables lead in circles");
     case SQLITE_NOTADB:
       throw CatalogueError("", "is not a catalogue store: " + message).inFile(file_.string());
@@ -161,6 +186,8 @@ void SqliteDatabase::fail(int code) const {
     case SQLITE_READONLY:
       throw CatalogueError("", "cannot be written").inFile(file_.string());
     case SQLITE_NOMEM:
+      // That is also what SQLite says of a damaged row that claims a length beyond all memory.
+      if (hasMemoryFor(file_)) failDamaged("", "a row claims to be larger than memory");
       throw std::bad_alloc();
     default:
       throw CatalogueError("", "cannot be used: " + message).inFile(file_.string());
@@ -235,6 +262,17 @@ std::string_view SqliteStatement::Rows::bytes(int column) const {
   if (data == nullptr) return {};
   return {static_cast<const char*>(data),
           static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
+}
+
+SqliteWatch::SqliteWatch(SqliteDatabase& database, std::function<void()> watch)
+    : database_(&database) {
+  if (!watch) return;
+  database.watch_ = std::move(watch);
+  database.callOnProgress();
+}
+
+SqliteWatch::~SqliteWatch() {
+  database_->watch_ = nullptr;
 }
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase& database, Kind kind) : database_(&database) {

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,6 +64,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
 
  private:
   friend class SqliteStatement;
+  friend class SqliteWatch;
 
   struct Close {
     void operator()(sqlite3* handle) const noexcept;
@@ -75,12 +78,15 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
   void limitWork();
 
   void expect(int code) const;
+  void callOnProgress();
   static int onProgress(void* database);
 
   std::filesystem::path file_;
   std::unique_ptr<sqlite3, Close> handle_;
   std::int64_t workLimit_ = 0;  // in units of progress; 0 for none
   std::int64_t work_ = 0;       // of the statement that runs
+  std::function<void()> watch_;
+  mutable std::exception_ptr thrownByWatch_;
 };
 
 /// A prepared statement.
@@ -137,6 +143,20 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
 
   SqliteDatabase* database_;
   std::unique_ptr<sqlite3_stmt, Finalize> handle_;
+};
+
+/// While it lives, calls a function now and then while the database's statements run. What that
+/// throws ends the statement, which throws it on. An empty function is not called. Only one at a
+/// time.
+class SqliteWatch {
+ public:
+  SqliteWatch(SqliteDatabase& database, std::function<void()> watch);
+  SqliteWatch(const SqliteWatch&) = delete;
+  SqliteWatch& operator=(const SqliteWatch&) = delete;
+  ~SqliteWatch();
+
+ private:
+  SqliteDatabase* database_;
 };
 
 /// Rolled back when it goes, unless it was committed.

@@ -1,6 +1,7 @@
 #include "catalogue/store/store_editing.hpp"
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/sqlite_open.hpp"
 #include "catalogue/store/store_filling.hpp"
 #include "catalogue/store/store_removal.hpp"
@@ -34,15 +35,21 @@ StoreCounts addToStore(const std::filesystem::path& store, const std::filesystem
                        const StoreProgress& progress) {
   Editing editing(store);
   const StoreCounts counts = fillStore(editing.database(), json, progress);
-  editing.commit();
   if (progress) progress(1);
+  editing.commit();
   return counts;
 }
 
 RemovalResult removeFromStore(const std::filesystem::path& store,
-                              const std::vector<RemovalChoice>& choices) {
+                              const std::vector<RemovalChoice>& choices,
+                              const StoreProgress& progress) {
   Editing editing(store);
-  RemovalResult result = StoreRemoval(editing.database()).run(choices);
+  RemovalResult result;
+  {
+    const SqliteWatch watch(editing.database(), toldAgain(progress, 0));
+    result = StoreRemoval(editing.database()).run(choices);
+  }
+  if (progress) progress(1);
   if (result.obstacleCount == 0) editing.commit();
   return result;
 }

@@ -51,6 +51,7 @@ constexpr std::size_t listedObstacles = 20;
 /// none stays, or whose name has no version left. Where there is any, nothing is removed. Throws
 /// CatalogueError also for a choice that the store does not hold.
 TARN_EVOLUTION_CATALOGUE_EXPORT RemovalResult
-removeFromStore(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices);
+removeFromStore(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices,
+                const StoreProgress& progress = {});
 
 }  // namespace tarn::evolution::catalogue

@@ -55,7 +55,7 @@ StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
       return size > 0 ? readingShare * static_cast<double>(in.tellg()) / size : 0;
     });
     streamJsonCatalogue(in, sink);
-    if (progress) progress(readingShare);
+    const SqliteWatch watch(store, toldAgain(progress, readingShare));
     validateAdded(store, writer.firstMetamodel(), writer.firstHop());
     return sink.counts();
   } catch (const CatalogueError& error) {

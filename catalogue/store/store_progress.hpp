@@ -6,8 +6,9 @@
 namespace tarn::evolution::catalogue {
 
 /// Told now and then, by long operations on stores, which share of the work is done: from 0 to 1,
-/// on the caller's thread. What it throws ends the operation, which then has changed nothing,
-/// unless the share was 1: then all is done.
+/// on the caller's thread. Told so also within long steps, with the same share again, up to the
+/// moment from which on the operation can only succeed or fail. What it throws ends the operation,
+/// which then has changed nothing.
 using StoreProgress = std::function<void(double share)>;
 
 /// How much an operation has moved.

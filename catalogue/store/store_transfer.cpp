@@ -52,8 +52,8 @@ StoreCounts importCatalogue(const std::filesystem::path& json, const std::filesy
   }
   const StoreCounts counts = makeStore(file.path(), json, progress);
   const auto old = replaces ? lockStoreForReplacement(file.target()) : nullptr;
-  file.replaceTarget();
   if (progress) progress(1);
+  file.replaceTarget();
   return counts;
 }
 
@@ -83,8 +83,8 @@ StoreCounts exportCatalogue(const std::filesystem::path& store, const std::files
   writer.finish();
   out.close();
   if (!out) fail(json, "cannot be written");
-  file.replaceTarget();
   if (progress) progress(1);
+  file.replaceTarget();
   return counts;
 }
 

@@ -99,19 +99,21 @@ class TestRepository : public VersionRepository {
 /// The hops that the repository offers from there.
 std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamodel);
 
+/// "A1", "B2.5.0", "Cspring".
+std::string brief(const std::u16string& name, const VersionId& version);
+
 /// The metamodels of a baseline by ascending name: "A1 B2.5.0 Cspring".
 std::string describe(const VersionBaseline& baseline);
 
 /// The same for each of several: "A1 B1, A1 B2".
 std::string describe(const std::vector<VersionBaseline>& baselines);
 
+/// Hops by ascending name, each with a blank after it: "A1>2! B1>2 ".
+std::string describe(const LockstepHop& hops);
+
 /// The steps, one per line, with hops by ascending name: "A1>2! B1>2 => A2 B2 C1". "none" for an
 /// absent path.
 std::string describe(const Path& path);
-
-/// Checks that each step starts where the one before ended, takes hops that are offered, moves what
-/// they move and nothing else, and ends with every dependency met.
-void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path);
 
 /// What a value's stream operator writes.
 template <class Value>

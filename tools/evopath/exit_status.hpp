@@ -9,6 +9,7 @@ enum ExitStatus : int {
   noPath = 1,
   doubtful = 1,  ///< a checked catalogue, with warnings
   badInput = 2,  ///< of the command line or of a catalogue
+  // 130, as shells put it, is to be ended by Ctrl-C
 };
 
 }  // namespace evopath

@@ -1,7 +1,9 @@
+#include <csignal>
 #include <exception>
 #include <iostream>
 
 #include "program.hpp"
+#include "progress_bar.hpp"
 
 int main(int argc, char** argv) {
   CLI::App program("", "evopath");
@@ -13,6 +15,9 @@ int main(int argc, char** argv) {
     return action();
   } catch (const CLI::ParseError& error) {
     return program.exit(error) == 0 ? 0 : evopath::badInput;
+  } catch (const evopath::Interrupted& error) {
+    std::cerr << "evopath: " << error.what() << "\n";
+    return std::raise(SIGINT);  // so that who started the program sees how it ended
   } catch (const std::exception& error) {
     std::cerr << "evopath: " << error.what() << "\n";
     return evopath::badInput;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -43,6 +44,23 @@ mode_t permissionsOf(const std::string& file) {
   return 0666 & ~mask;
 }
 
+/// Has Ctrl-C wait as long as it lives.
+class InterruptDelay {
+ public:
+  InterruptDelay() {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    ::pthread_sigmask(SIG_BLOCK, &interrupt, &former_);
+  }
+  InterruptDelay(const InterruptDelay&) = delete;
+  InterruptDelay& operator=(const InterruptDelay&) = delete;
+  ~InterruptDelay() { ::pthread_sigmask(SIG_SETMASK, &former_, nullptr); }
+
+ private:
+  sigset_t former_{};
+};
+
 /// A file beside the one to be written that is renamed to it when complete, or else removed.
 class TemporaryFile {
  public:
@@ -67,6 +85,7 @@ class TemporaryFile {
   }
 
  private:
+  const InterruptDelay delay_;  // would leave the file behind
   const std::string target_;
   std::string name_;
   const int descriptor_;

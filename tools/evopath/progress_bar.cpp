@@ -19,18 +19,24 @@ void noteInterrupt(int /*signal*/) {
 }  // namespace
 
 ProgressBar::ProgressBar(const std::string& title)
-    : title_(title),
-      isShown_(isatty(STDERR_FILENO) != 0),
-      formerHandler_(std::signal(SIGINT, noteInterrupt)) {}
+    : title_(title), isShown_(isatty(STDERR_FILENO) != 0) {
+  isInterrupted = 0;
+  sigaction(SIGINT, nullptr, &formerAction_);
+  if (formerAction_.sa_handler == SIG_IGN) return;  // as for what a shell runs in the background
+  struct sigaction action {};
+  action.sa_handler = noteInterrupt;
+  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  sigaction(SIGINT, &action, nullptr);
+}
 
 ProgressBar::~ProgressBar() {
   if (isShown_ && percent_ >= 0) std::cerr << "\r\033[K" << std::flush;
-  static_cast<void>(std::signal(SIGINT, formerHandler_));
+  sigaction(SIGINT, &formerAction_, nullptr);
 }
 
 tarn::evolution::catalogue::StoreProgress ProgressBar::progress() {
   return [this](double share) {
-    if (isInterrupted != 0) throw std::runtime_error("interrupted; nothing has been changed");
+    if (isInterrupted != 0) throw Interrupted();
     if (isShown_) show(share);
   };
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <stdexcept>
 #include <string>
 
@@ -7,11 +8,17 @@
 
 namespace evopath {
 
+/// An operation was ended by Ctrl-C and has changed nothing.
+class Interrupted : public std::runtime_error {
+ public:
+  Interrupted() : std::runtime_error("interrupted; nothing has been changed") {}
+};
+
 /// Shows on standard error how far a long operation is, if that is a terminal; otherwise nothing.
 /// Goes away with the object.
 ///
 /// While it exists, Ctrl-C ends the operation in good order instead of the process at once: the
-/// progress function then throws.
+/// progress function then throws Interrupted. A second Ctrl-C ends the process.
 class ProgressBar {
  public:
   /// `title` says what is going on.
@@ -29,7 +36,7 @@ class ProgressBar {
   std::string title_;
   bool isShown_;
   int percent_ = -1;
-  void (*formerHandler_)(int);
+  struct sigaction formerAction_ {};
 };
 
 /// What the operation, which takes a progress function, returns; with a bar while it runs.

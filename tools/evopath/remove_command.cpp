@@ -8,6 +8,7 @@
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "platform/text.hpp"
+#include "progress_bar.hpp"
 #include "store_report.hpp"
 
 namespace evopath {
@@ -49,7 +50,9 @@ void printObstacles(const RemovalResult& result, std::ostream& out) {
 ExitStatus runRemove(const RemoveOptions& options) {
   std::vector<RemovalChoice> choices;
   for (const std::string& argument : options.choices) choices.push_back(parseChoice(argument));
-  const RemovalResult result = removeFromStore(options.store, choices);
+  const RemovalResult result = withProgressBar("Removing", [&](const StoreProgress& progress) {
+    return removeFromStore(options.store, choices, progress);
+  });
   if (result.obstacleCount > 0) {
     printObstacles(result, std::cerr);
     return badInput;

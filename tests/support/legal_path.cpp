@@ -1,0 +1,30 @@
+#include "support/legal_path.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace test {
+
+void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path) {
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const auto& [from, to, hops] = path[i];
+    EXPECT_TRUE(i == 0 || from == path[i - 1].to);
+    for (const auto& [name, before] : from.metamodels) {
+      const auto hop = hops.find(name);
+      EXPECT_EQ(to.metamodels.at(name)->version,
+                hop == hops.end() ? before->version : hop->second.to);
+      if (hop == hops.end()) continue;
+      const std::vector<Hop> offered = hopsFrom(repository, *before);
+      EXPECT_NE(std::find(offered.begin(), offered.end(), hop->second), offered.end());
+    }
+    for (const auto& [name, linked] : to.metamodels) {
+      for (const auto& [needed, range] : linked->dependencies) {
+        const auto held = to.metamodels.find(needed);
+        EXPECT_TRUE(held != to.metamodels.end() && repository.includes(range, *held->second)) << to;
+      }
+    }
+  }
+}
+
+}  // namespace test

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "support/test_repository.hpp"
+
+namespace test {
+
+/// Checks that each step starts where the one before ended, takes hops that are offered, moves what
+/// they move and nothing else, and ends with every dependency met.
+void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path);
+
+}  // namespace test
