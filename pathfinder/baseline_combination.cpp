@@ -4,6 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "pathfinder/covering_link.hpp"
+
 namespace tarn::evolution::pathfinder {
 
 namespace {
@@ -63,25 +65,15 @@ void extend(VersionBaseline&& baseline, const Candidates& candidates,
   }
 }
 
-/// A link that itself links all the others; null when there is none. A baseline that holds it holds
-/// all of them.
-const std::shared_ptr<LinkedMetamodel>* coveringLink(const LinkedMetamodel& candidate) {
-  const auto& links = candidate.linkedMetamodels;
-  const auto covering = std::find_if(links.begin(), links.end(), [&](const auto& link) {
-    return link.second->linkedMetamodels.size() + 1 == links.size();
-  });
-  return covering == links.end() ? nullptr : &covering->second;
-}
-
 /// Gives the baseline the only candidate of a name, with its links; false, and the baseline is
 /// spoilt, when it holds another linked metamodel under one of their names.
 bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>& candidate) {
   const auto [own, isNew] = baseline.metamodels.try_emplace(candidate->name, candidate);
   if (!isNew) return own->second == candidate;
   const auto& links = candidate->linkedMetamodels;
-  if (const auto* covering = coveringLink(*candidate)) {
-    const auto held = baseline.metamodels.find((*covering)->name);
-    if (held != baseline.metamodels.end() && held->second == *covering) return true;
+  if (const LinkedMetamodel* covering = coveringLink(*candidate)) {
+    const auto held = baseline.metamodels.find(covering->name);
+    if (held != baseline.metamodels.end() && held->second.get() == covering) return true;
   }
   return std::all_of(links.begin(), links.end(), [&](const auto& link) {
     if (link.first == candidate->name) return true;  // stands back behind the candidate itself

@@ -1,8 +1,12 @@
 #include "pathfinder/space_building.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 #include <utility>
+#include <vector>
+
+#include "pathfinder/covering_link.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -83,33 +87,75 @@ class SpaceBuilding {
     for (const auto& [linked, variant] : space_.variantOf)
       count += linked->linkedMetamodels.size() + 1;
     space_.links.reserve(count);  // variants point into it
+    std::vector<Linking> linking;
     for (const Draft& draft : met_.drafts) {
       if (draft.index == SearchSpace::none) continue;
       VariantIndex variant = space_.versions[draft.index].firstVariant;
-      for (const auto& linked : *draft.linked) addClosure(variant++, *linked);
+      for (const auto& linked : *draft.linked) {
+        if (linked->linkedMetamodels.empty()) {
+          addClosure(variant++, {});
+        } else {
+          linking.push_back({variant++, linked.get()});
+        }
+      }
+    }
+    addClosures(std::move(linking));
+  }
+
+  struct Linking {
+    VariantIndex variant;
+    const LinkedMetamodel* linked;
+  };
+
+  /// Along covering links, each closure is the one before and one link more.
+  void addClosures(std::vector<Linking> linking) {
+    std::sort(linking.begin(), linking.end(), [](const Linking& left, const Linking& right) {
+      return left.linked->linkedMetamodels.size() < right.linked->linkedMetamodels.size();
+    });
+    for (const auto& [variant, linked] : linking) {
+      const LinkedMetamodel* covering = coveringLink(*linked);
+      const auto known =
+          covering == nullptr ? space_.variantOf.end() : space_.variantOf.find(covering);
+      if (known != space_.variantOf.end() && !space_.variants[known->second].closure.empty()) {
+        addClosure(variant, space_.variants[known->second].closure);
+      } else {
+        addClosure(variant, linksOf(*linked));
+      }
     }
   }
 
-  void addClosure(VariantIndex variant, const LinkedMetamodel& linked) {
+  /// Adds what a variant links, by ascending name, and the variant itself.
+  void addClosure(VariantIndex variant, std::span<const SearchSpace::Link> linked) {
+    const SearchSpace::Link own{space_.versions[space_.variants[variant].version].name, variant};
     const std::size_t first = space_.links.size();
-    space_.links.push_back({space_.versions[space_.variants[variant].version].name, variant});
+    const auto place = std::upper_bound(linked.begin(), linked.end(), own, isBefore);
+    std::copy(linked.begin(), place, std::back_inserter(space_.links));
+    space_.links.push_back(own);
+    std::copy(place, linked.end(), std::back_inserter(space_.links));
+    space_.variants[variant].closure = std::span(space_.links).subspan(first);
+  }
+
+  std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
+    std::vector<SearchSpace::Link> links;
+    links.reserve(linked.linkedMetamodels.size());
     for (const auto& [text, link] : linked.linkedMetamodels) {
-      space_.links.push_back(linkTo(text, link.get()));
+      links.push_back(linkTo(text, link.get()));
     }
-    const auto closure = std::span(space_.links).subspan(first);
-    std::sort(closure.begin(), closure.end(),
-              [](const auto& left, const auto& right) { return left.name < right.name; });
-    space_.variants[variant].closure = closure;
+    std::sort(links.begin(), links.end(), isBefore);
+    return links;
+  }
+
+  static bool isBefore(const SearchSpace::Link& left, const SearchSpace::Link& right) {
+    return left.name < right.name;
   }
 
   SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {
     const auto known = space_.variantOf.find(linked);
-    if (known != space_.variantOf.end()) {
-      const VersionIndex version = space_.variants[known->second].version;
-      if (version != SearchSpace::none) return {space_.versions[version].name, known->second};
-      return {met_.nameOf(text).index, known->second};
-    }
-    return {met_.nameOf(text).index, addVariant(linked, SearchSpace::none)};
+    const VariantIndex variant =
+        known != space_.variantOf.end() ? known->second : addVariant(linked, SearchSpace::none);
+    const VersionIndex version = space_.variants[variant].version;
+    if (version != SearchSpace::none) return {space_.versions[version].name, variant};
+    return {met_.nameOf(text).index, variant};
   }
 
   void markCertainNames(const std::vector<DraftName*>& met) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/covering_link.hpp"
 #include "pathfinder/space_building.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -170,11 +171,14 @@ class SpaceSurvey {
   }
 
   static bool holdsLinksOf(const VersionBaseline& source, const LinkedMetamodel& linked) {
+    const auto holds = [&](const LinkedMetamodel& link) {
+      const auto held = source.metamodels.find(link.name);
+      return held != source.metamodels.end() && held->second.get() == &link;
+    };
+    // The covering link is asked for its own.
+    if (const LinkedMetamodel* covering = coveringLink(linked)) return holds(*covering);
     return std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
-                       [&](const auto& link) {
-                         const auto held = source.metamodels.find(link.first);
-                         return held != source.metamodels.end() && held->second == link.second;
-                       });
+                       [&](const auto& link) { return holds(*link.second); });
   }
 
   void askForHops() {
@@ -311,18 +315,27 @@ class SpaceSurvey {
   }
 
   void enterLinks(const LinkedMetamodel& variant) {
-    for (const auto& [text, linked] : variant.linkedMetamodels) {
-      if (!linksSeen_.insert(linked.get()).second) continue;
-      const auto& held = question_.sources.front().metamodels;
-      const auto standing = held.find(text);
-      if (standing != held.end() && isAside(standing->second)) takeUp(text, standing->second);
-      DraftName& name = met_.nameOf(text);
-      name.isLinked = true;
-      if (met_.isHeldFromStart(name)) continue;  // only hops move it
-      Draft& entry = draftOf(name, static_cast<const Metamodel&>(*linked));
-      entry.isEntry = true;
-      enter(entry);
+    const LinkedMetamodel* linking = &variant;
+    while (const LinkedMetamodel* covering = coveringLink(*linking)) {
+      if (!enterLink(*covering)) return;
+      linking = covering;
     }
+    for (const auto& [text, linked] : linking->linkedMetamodels) enterLink(*linked);
+  }
+
+  /// False for one that has been entered before, with all that it links.
+  bool enterLink(const LinkedMetamodel& linked) {
+    if (!linksSeen_.insert(&linked).second) return false;
+    const auto& held = question_.sources.front().metamodels;
+    const auto standing = held.find(linked.name);
+    if (standing != held.end() && isAside(standing->second)) takeUp(linked.name, standing->second);
+    DraftName& name = met_.nameOf(linked.name);
+    name.isLinked = true;
+    if (met_.isHeldFromStart(name)) return true;  // only hops move it
+    Draft& entry = draftOf(name, static_cast<const Metamodel&>(linked));
+    entry.isEntry = true;
+    enter(entry);
+    return true;
   }
 
   const SearchQuestion& question_;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "pathfinder/linked_metamodel.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A direct link that itself links all the others; null when there is none. What holds it, holds
+/// all of them.
+///
+/// Closures along a chain of dependencies grow with its length; with this they can be followed link
+/// by link.
+const LinkedMetamodel* coveringLink(const LinkedMetamodel& linked);
+
+}  // namespace tarn::evolution::pathfinder
