@@ -137,6 +137,8 @@ class Realisation {
                const Digits& digits, const std::set<VersionSelection>& afters,
                std::size_t stepsLeft) {
     LockstepHop combination;
+    combination.reserve(digits.size() -
+                        static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
     for (NameIndex name = 0; name < selection.size(); ++name) {
       const std::uint32_t digit = digits[selection.size() - 1 - name];
       if (digit == 0) continue;

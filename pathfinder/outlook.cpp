@@ -1,6 +1,7 @@
 #include "pathfinder/outlook.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <span>
 #include <utility>
@@ -194,18 +195,20 @@ class OutlookComputation {
 
   /// Strikes versions beside which no version of some other name can stand, until there is none.
   /// Only those that were added can be such: what was there before has its partners.
-  void strikeLonely(VersionSet& held, std::vector<VersionIndex>& added) const {
-    const bool anyMayBe = std::any_of(added.begin(), added.end(), [&](VersionIndex version) {
-      return !coexistence_.neighbours(space_.versions[version].name).empty();
-    });
-    if (!anyMayBe) return;
-    std::sort(added.begin(), added.end());
+  void strikeLonely(VersionSet& held, const std::vector<VersionIndex>& added) {
+    checked_.clear();
+    std::copy_if(added.begin(), added.end(), std::back_inserter(checked_),
+                 [&](VersionIndex version) {
+                   return !coexistence_.neighbours(space_.versions[version].name).empty();
+                 });
+    if (checked_.empty()) return;
+    std::sort(checked_.begin(), checked_.end());
     std::vector<bool> isOpen(space_.names.size());
-    for (const VersionIndex version : added) isOpen[space_.versions[version].name] = true;
+    for (const VersionIndex version : checked_) isOpen[space_.versions[version].name] = true;
     for (bool anyOpen = true; std::exchange(anyOpen, false);) {
-      for (auto begin = added.begin(); begin != added.end();) {
+      for (auto begin = checked_.begin(); begin != checked_.end();) {
         const NameIndex name = space_.versions[*begin].name;
-        const auto end = std::find_if(begin, added.end(), [&](VersionIndex version) {
+        const auto end = std::find_if(begin, checked_.end(), [&](VersionIndex version) {
           return space_.versions[version].name != name;
         });
         if (isOpen[name]) {
@@ -285,6 +288,7 @@ class OutlookComputation {
   // Kept for their memory.
   std::vector<Waiting> waiting_;
   std::vector<VersionIndex> byDistance_;
+  std::vector<VersionIndex> checked_;
 };
 
 }  // namespace

@@ -199,7 +199,15 @@ class SpaceSurvey {
     // Hop collection looks the target up under the hop's own name, which may differ from the key.
     const bool hasOwnName = hop.name == *draft.name->text;
     Draft* target = hasOwnName ? lookUp(*draft.name, hop.to) : nullptr;
-    if (goesAgainstDirection(draft, hop, target)) return;
+    if (question_.direction != VersionRepository::Unknown) {
+      std::optional<Metamodel> other;
+      if (!hasOwnName) other = question_.repository.getMetamodel(hop.name, hop.to);
+      if (target == nullptr && !other) {
+        draft.losesHop = true;
+        return;
+      }
+      if (goesAgainstDirection(draft, target != nullptr ? *target->descriptor : *other)) return;
+    }
     if (!hasOwnName) target = lookUp(*draft.name, hop.to);
     if (target != nullptr && !leadsAwayFromTargets(*target)) {
       enter(*target);
@@ -210,18 +218,9 @@ class SpaceSurvey {
     space_->hops.push_back(std::move(hop));
   }
 
-  bool goesAgainstDirection(Draft& draft, const Hop& hop, const Draft* target) {
-    if (question_.direction == VersionRepository::Unknown) return false;
-    std::optional<Metamodel> other;
-    if (hop.name != *draft.name->text) other = question_.repository.getMetamodel(hop.name, hop.to);
-    if (target == nullptr && !other) {
-      draft.losesHop = true;
-      return true;
-    }
+  bool goesAgainstDirection(const Draft& draft, const Metamodel& target) const {
     return VersionRepository::areDirectionsInconsistent(
-        question_.direction,
-        question_.repository.getDirection(*draft.descriptor,
-                                          target != nullptr ? *target->descriptor : *other));
+        question_.direction, question_.repository.getDirection(*draft.descriptor, target));
   }
 
   /// The version that a hop of this name leads to; null when the application has none.
