@@ -45,13 +45,40 @@ void StepFormation::endName() {
   });
   names_.push_back({first, candidates_.size()});
   openWords_ = (candidates_.size() + 63) / 64;
+  const auto name = static_cast<NameIndex>(names_.size() - 1);
+  if (isDecided(name)) {
+    addDecided(candidates_.back());
+  } else {
+    open_.push_back(name);
+  }
+}
+
+bool StepFormation::isDecided(NameIndex name) const {
+  const Row& row = names_[name];
+  return row.end - row.first == 1 && !candidates_[row.first].option.withoutOrdinaryHop &&
+         ground_.coexistence.neighbours(name).empty();
+}
+
+void StepFormation::addDecided(const Candidate& candidate) {
+  decidedSteps_ = std::max(decidedSteps_, candidate.outlook->ordinarySteps);
+  decidedSum_.least += candidate.least;
+  decidedSum_.hops += candidate.option.hop;
+  if (decidedRetreats_.size() < candidate.outlook->retreatLength) {
+    decidedRetreats_.resize(candidate.outlook->retreatLength);
+  }
+  auto retreat = decidedRetreats_.begin();
+  visitRetreat(ground_.outlooks, candidate.option.before,
+               [&](std::uint64_t weight) { *retreat++ += weight; });
 }
 
 StepFormation::Partial StepFormation::begin() const {
   Partial partial;
   partial.words.resize(openWords_ + retreatLength_);
   std::fill_n(partial.words.begin(), openWords_, ~std::uint64_t{0});
-  for (const Row& row : names_) partial.steps = std::max(partial.steps, fewestSteps(partial, row));
+  partial.steps = decidedSteps_;
+  for (const NameIndex name : open_) {
+    partial.steps = std::max(partial.steps, fewestSteps(partial, names_[name]));
+  }
   recount(partial);
   return partial;
 }
@@ -95,16 +122,17 @@ void StepFormation::discount(Partial& partial, const Row& row) const {
 }
 
 void StepFormation::recount(Partial& partial) const {
-  partial.leastEver = 0;
-  partial.sum = {};
-  std::fill(partial.words.begin() + static_cast<std::ptrdiff_t>(openWords_), partial.words.end(),
-            0);
-  for (const Row& row : names_) count(partial, row);
+  partial.leastEver = decidedSum_.least;
+  partial.sum = decidedSum_;
+  const auto retreats = partial.words.begin() + static_cast<std::ptrdiff_t>(openWords_);
+  std::fill(std::copy(decidedRetreats_.begin(), decidedRetreats_.end(), retreats),
+            partial.words.end(), 0);
+  for (const NameIndex name : open_) count(partial, names_[name]);
 }
 
 bool StepFormation::settle(Partial& partial) const {
-  for (; partial.next < names_.size(); ++partial.next) {
-    const Row& row = names_[partial.next];
+  for (; partial.next < open_.size(); ++partial.next) {
+    const Row& row = names_[open_[partial.next]];
     std::size_t open = 0;
     std::size_t last = 0;
     for (std::size_t candidate = row.first; candidate < row.end && open < 2; ++candidate) {

@@ -47,10 +47,10 @@ class StepFormation {
     std::uint32_t unmet = 0;  ///< names that have no option for that number of steps
   };
 
-  /// A step of which the names before `next` are decided. An option is open while it can stand
+  /// A step of which the rows before `next` are decided. An option is open while it can stand
   /// beside the options decided.
   struct Partial {
-    NameIndex next = 0;
+    std::size_t next = 0;
 
     /// Whether the sums below are out of date. The bound of such a step is good enough to put it in
     /// its place among others; most of them are never looked at again.
@@ -94,16 +94,16 @@ class StepFormation {
   /// Everything open.
   Partial begin() const;
 
-  /// Decides the next names as long as they have one option each; false when a name has none left.
+  /// Decides the next rows as long as they have one option each; false when one has none left.
   bool settle(Partial& partial) const;
 
-  bool isComplete(const Partial& partial) const { return partial.next == names_.size(); }
+  bool isComplete(const Partial& partial) const { return partial.next == open_.size(); }
 
-  /// Calls `visit(Partial&&)` with the partial steps that decide the next name, one for each of its
+  /// Calls `visit(Partial&&)` with the partial steps that decide the next row, one for each of its
   /// open options.
   template <class Visit>
   void branch(const Partial& partial, const Visit& visit) const {
-    const Row& row = names_[partial.next];
+    const Row& row = names_[open_[partial.next]];
     for (std::size_t candidate = row.first; candidate < row.end; ++candidate) {
       if (!isOpen(partial, candidate)) continue;
       Partial narrowed = partial;
@@ -150,6 +150,8 @@ class StepFormation {
   const Candidate* best(const Partial& partial, const Row& row, std::uint32_t steps,
                         bool withOrdinaryHop) const;
 
+  bool isDecided(NameIndex name) const;
+  void addDecided(const Candidate& candidate);
   void count(Partial& partial, const Row& row) const;
   void discount(Partial& partial, const Row& row) const;
   void recount(Partial& partial) const;
@@ -166,6 +168,13 @@ class StepFormation {
   std::size_t retreatLength_ = 0;  // of the longest
   std::vector<Row> names_;
   std::vector<Candidate> candidates_;
+
+  // Names that have one option, beside which everything can stand, are decided from the start.
+  // Their part of what a partial step keeps up to date:
+  std::uint32_t decidedSteps_ = 0;
+  Sum decidedSum_;
+  std::vector<std::uint64_t> decidedRetreats_;
+  std::vector<NameIndex> open_;  // the other names, ascending
 };
 
 }  // namespace tarn::evolution::pathfinder
