@@ -28,15 +28,14 @@ namespace {
 /// combination index, so that the first way through is the path.
 class Realisation {
  public:
-  Realisation(const SearchQuestion& question, const SearchSpace& space,
-              const std::vector<VersionSelection>& targets, const BackwardPlan& plan)
-      : question_(question), space_(space), targets_(targets), plan_(plan) {}
+  Realisation(const SearchQuestion& question, const SearchSpace& space, const BackwardPlan& plan)
+      : question_(question), space_(space), plan_(plan) {}
 
   SearchAnswer run() {
     answer_.steps.reserve(plan_.weights().size());
-    for (const VersionBaseline& source : question_.sources) {
-      answer_.source = &source;
-      if (goOn(source, space_.selectionOf(source), plan_.weights().size())) {
+    for (std::size_t i = 0; i < question_.sources.size(); ++i) {
+      answer_.source = &question_.sources[i];
+      if (goOn(question_.sources[i], space_.sources[i], plan_.weights().size())) {
         std::reverse(answer_.steps.begin(), answer_.steps.end());
         answer_.verdict = SearchAnswer::Verdict::Found;
         return std::move(answer_);
@@ -74,8 +73,8 @@ class Realisation {
 
   const VersionBaseline* targetIn(const VersionBaseline& baseline,
                                   const VersionSelection& selection) const {
-    const bool mayBe =
-        std::any_of(targets_.begin(), targets_.end(), [&](const VersionSelection& target) {
+    const bool mayBe = std::any_of(
+        space_.targets.begin(), space_.targets.end(), [&](const VersionSelection& target) {
           return std::equal(target.begin(), target.end(), selection.begin(), selection.end(),
                             [](VersionIndex wanted, VersionIndex held) {
                               return wanted == held || wanted == SearchSpace::none;
@@ -214,38 +213,16 @@ class Realisation {
 
   const SearchQuestion& question_;
   const SearchSpace& space_;
-  const std::vector<VersionSelection>& targets_;
   const BackwardPlan& plan_;
   SearchAnswer answer_;
   std::map<std::size_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
 };
 
-/// The selections that targets admit: `none` for a name that a target leaves free. A target that
-/// holds what is not in the space cannot be reached.
-std::vector<VersionSelection> admittedSelections(const SearchSpace& space,
-                                                 const std::vector<VersionBaseline>& targets) {
+/// The selections of the sources that a path can start from.
+std::vector<VersionSelection> startingSelections(const SearchSpace& space) {
   std::vector<VersionSelection> result;
-  for (const VersionBaseline& target : targets) {
-    VersionSelection selection = space.selectionOf(target);
-    if (selection.empty()) continue;
-    for (NameIndex name = 0; name < selection.size(); ++name) {
-      if (selection[name] == space.names[name].absent) selection[name] = SearchSpace::none;
-    }
-    result.push_back(std::move(selection));
-  }
-  return result;
-}
-
-/// The selections of the sources that a path can start from: those whose versions are all in the
-/// space.
-std::vector<VersionSelection> startingSelections(const SearchSpace& space,
-                                                 const std::vector<VersionBaseline>& sources) {
-  std::vector<VersionSelection> result;
-  for (const VersionBaseline& source : sources) {
-    VersionSelection selection = space.selectionOf(source);
-    const bool isComplete = !selection.empty() && std::find(selection.begin(), selection.end(),
-                                                            SearchSpace::none) == selection.end();
-    if (isComplete) result.push_back(std::move(selection));
+  for (const VersionSelection& source : space.sources) {
+    if (!source.empty()) result.push_back(source);
   }
   return result;
 }
@@ -268,17 +245,16 @@ SearchAnswer searchGoalDirected(const SearchQuestion& question) {
   const auto space = surveySearchSpace(question);
   if (!space) return {SearchAnswer::Verdict::Unsettled};
   if (space->names.empty()) return answerWithoutSteps(question);
-  const auto sources = startingSelections(*space, question.sources);
+  const auto sources = startingSelections(*space);
   const Coexistence coexistence(*space);
   const Outlooks outlooks = computeOutlooks(*space, coexistence, sources);
   const StepFormation::Ground ground{*space, coexistence, outlooks};
-  const auto targets = admittedSelections(*space, question.targets);
-  const auto plan = BackwardPlan::make(ground, sources, targets);
+  const auto plan = BackwardPlan::make(ground, sources, space->targets);
   if (!plan) {
     traceValue("Exhausted search");
     return {};
   }
-  SearchAnswer answer = Realisation(question, *space, targets, *plan).run();
+  SearchAnswer answer = Realisation(question, *space, *plan).run();
   if (answer.verdict == SearchAnswer::Verdict::Found) traceValue("Reached target");
   return answer;
 }

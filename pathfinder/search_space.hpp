@@ -34,7 +34,6 @@ using VersionSelection = std::vector<VersionIndex>;
 /// read-only.
 struct SearchSpace {
   static constexpr std::uint32_t none = ~std::uint32_t{0};
-  static constexpr VariantIndex bystander = none - 1;
 
   /// A hop to another version of the space.
   struct Move {
@@ -79,21 +78,25 @@ struct SearchSpace {
 
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
-  /// For each name but bystanders the version that the baseline holds, or "absent", or `none` where
-  /// the name has no such version. Empty when the baseline holds what is not in the space at all.
-  VersionSelection selectionOf(const VersionBaseline& baseline) const;
-
-  /// The version that a linked metamodel is of; `none` when that is not in the space.
+  /// The version that a linked metamodel of a name that is linked is of; `none` when that is not in
+  /// the space.
   VersionIndex versionOf(const LinkedMetamodel& linked) const;
 
   std::vector<Name> names;
   std::vector<Version> versions;
+
+  /// What each source holds; empty for one that no path of several steps can start from.
+  std::vector<VersionSelection> sources;
+
+  /// What the targets admit that can be reached: `none` for a name that a target leaves free.
+  std::vector<VersionSelection> targets;
+
   std::vector<Variant> variants;
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory{32768};
 
-  /// `bystander` for those.
+  /// The variants of names that link or are linked.
   std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{&memory};
 
   // What versions and variants point to.

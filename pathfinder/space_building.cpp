@@ -20,7 +20,6 @@ class SpaceBuilding {
     space_.names.reserve(met_.names.size());
     space_.versions.reserve(met_.drafts.size() + met_.names.size());
     space_.variants.reserve(met_.drafts.size());
-    space_.variantOf.reserve(space_.variantOf.size() + met_.drafts.size());
     std::vector<DraftName*> ordered;
     for (auto& [text, name] : met_.names) {
       if (!name.versions.empty()) ordered.push_back(&name);
@@ -32,6 +31,7 @@ class SpaceBuilding {
     addMoves();
     addClosures();
     markCertainNames(ordered);
+    addSelections();
   }
 
  private:
@@ -49,7 +49,7 @@ class SpaceBuilding {
       version.hops = std::span(space_.hops).subspan(draft->firstHop, draft->hopCount);
       version.losesHop = draft->losesHop;
       version.isEntry = draft->isEntry;
-      for (const auto& linked : *draft->linked) addVariant(linked.get(), draft->index);
+      for (const auto& linked : *draft->linked) addVariant(name, *linked, draft->index);
     }
     SearchSpace::Name& added = space_.names.emplace_back();
     added.text = *name.text;
@@ -61,15 +61,17 @@ class SpaceBuilding {
     added.end = static_cast<VersionIndex>(space_.versions.size());
   }
 
-  VariantIndex addVariant(const LinkedMetamodel* linked, VersionIndex version) {
+  VariantIndex addVariant(const DraftName& name, const LinkedMetamodel& linked,
+                          VersionIndex version) {
     const auto index = static_cast<VariantIndex>(space_.variants.size());
     space_.variants.emplace_back().version = version;
-    space_.variantOf.emplace(linked, index);
+    if (name.isLinked || !linked.linkedMetamodels.empty()) space_.variantOf.emplace(&linked, index);
+    linkCount_ += linked.linkedMetamodels.size() + 1;
     return index;
   }
 
   void addMoves() {
-    space_.moves.reserve(met_.targets.size());  // versions point into it
+    space_.moves.reserve(met_.hopTargets.size());  // versions point into it
     for (const Draft& draft : met_.drafts) {
       if (draft.index == SearchSpace::none) continue;
       SearchSpace::Version& version = space_.versions[draft.index];
@@ -83,10 +85,7 @@ class SpaceBuilding {
   }
 
   void addClosures() {
-    std::size_t count = 0;
-    for (const auto& [linked, variant] : space_.variantOf)
-      count += linked->linkedMetamodels.size() + 1;
-    space_.links.reserve(count);  // variants point into it
+    space_.links.reserve(linkCount_);  // variants point into it
     std::vector<Linking> linking;
     for (const Draft& draft : met_.drafts) {
       if (draft.index == SearchSpace::none) continue;
@@ -138,9 +137,7 @@ class SpaceBuilding {
   std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
     std::vector<SearchSpace::Link> links;
     links.reserve(linked.linkedMetamodels.size());
-    for (const auto& [text, link] : linked.linkedMetamodels) {
-      links.push_back(linkTo(text, link.get()));
-    }
+    for (const auto& [text, link] : linked.linkedMetamodels) links.push_back(linkTo(*link));
     std::sort(links.begin(), links.end(), isBefore);
     return links;
   }
@@ -149,13 +146,13 @@ class SpaceBuilding {
     return left.name < right.name;
   }
 
-  SearchSpace::Link linkTo(const std::u16string& text, const LinkedMetamodel* linked) {
-    const auto known = space_.variantOf.find(linked);
-    const VariantIndex variant =
-        known != space_.variantOf.end() ? known->second : addVariant(linked, SearchSpace::none);
-    const VersionIndex version = space_.variants[variant].version;
-    if (version != SearchSpace::none) return {space_.versions[version].name, variant};
-    return {met_.nameOf(text).index, variant};
+  SearchSpace::Link linkTo(const LinkedMetamodel& linked) {
+    const auto known = space_.variantOf.find(&linked);
+    const DraftName& name = met_.nameOf(linked.name);
+    const VariantIndex variant = known != space_.variantOf.end()
+                                     ? known->second
+                                     : addVariant(name, linked, SearchSpace::none);
+    return {name.index, variant};
   }
 
   void markCertainNames(const std::vector<DraftName*>& met) {
@@ -177,8 +174,49 @@ class SpaceBuilding {
     }
   }
 
+  void addSelections() {
+    VersionSelection absent;
+    for (const SearchSpace::Name& name : space_.names) absent.push_back(name.absent);
+    for (const auto& source : met_.sources) {
+      VersionSelection selection = absent;
+      const bool isComplete =
+          select(source, selection) &&
+          std::find(selection.begin(), selection.end(), SearchSpace::none) == selection.end();
+      if (!isComplete) selection.clear();
+      space_.sources.push_back(std::move(selection));
+    }
+    for (const auto& target : met_.targets) {
+      VersionSelection selection(space_.names.size(), SearchSpace::none);
+      if (select(target, selection)) space_.targets.push_back(std::move(selection));
+    }
+  }
+
+  /// False when something held is of no version of the space.
+  static bool select(const std::vector<HeldDraft>& held, VersionSelection& selection) {
+    return std::all_of(held.begin(), held.end(), [&](const HeldDraft& one) {
+      if (one.linked == nullptr) return false;
+      const VersionIndex version = versionOf(one);
+      if (version == SearchSpace::none) return false;
+      selection[one.name->index] = version;
+      return true;
+    });
+  }
+
+  static VersionIndex versionOf(const HeldDraft& held) {
+    for (const Draft* draft : held.name->versions) {
+      if (draft->index == SearchSpace::none) continue;
+      const auto& variants = *draft->linked;
+      const bool isIn = std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
+        return variant.get() == held.linked;
+      });
+      if (isIn) return draft->index;
+    }
+    return SearchSpace::none;
+  }
+
   SurveyDrafts& met_;
   SearchSpace& space_;
+  std::size_t linkCount_ = 0;
 };
 
 }  // namespace

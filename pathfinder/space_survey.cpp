@@ -24,13 +24,11 @@ class SpaceSurvey {
 
   std::unique_ptr<const SearchSpace> run() {
     setBystandersAside();
-    for (const VersionBaseline& target : question_.targets) enterTarget(target);
+    enterTargets();
     for (const KnownMetamodel& known : question_.known) {
-      if (!isAside(known.linked->front())) noteAnswer(known);
+      if (!isAside(*known.linked->front())) noteAnswer(known);
     }
-    for (const VersionBaseline& source : question_.sources) {
-      if (!enterSource(source)) return nullptr;
-    }
+    if (!enterSources()) return nullptr;
     do {
       askForHops();
       if (isUnfit_) return nullptr;
@@ -75,50 +73,49 @@ class SpaceSurvey {
     unasked_.push_back(&draft);
   }
 
+  /// Sets aside the names that may be bystanders. Their linked metamodels stand for them.
   void setBystandersAside() {
     if (question_.sources.empty()) return;
-    for (const KnownMetamodel& known : question_.known) setAside(*known.name, *known.linked);
-    if (!question_.known.empty()) return;
     for (const auto& [name, linked] : question_.sources.front().metamodels) {
-      if (!linked || !linked->linkedMetamodels.empty()) continue;
-      const LinkedMetamodels* variants = linkedOf(*linked);
-      if (variants != nullptr) setAside(name, *variants);
+      if (linked && linked->dependencies.empty() && mayStandBy(name, linked)) {
+        aside_.insert(linked.get());
+      }
     }
   }
 
-  /// Sets a name aside if it may be a bystander. Its linked metamodel stands for it.
-  void setAside(const std::u16string& name, const LinkedMetamodels& variants) {
-    const auto& only = variants.front();
-    if (variants.size() != 1 || !only->linkedMetamodels.empty() || only->name != name) return;
-    const auto standsIn = [&](const VersionBaseline& baseline, bool unlessAbsent) {
+  bool mayStandBy(const std::u16string& name,
+                  const std::shared_ptr<LinkedMetamodel>& linked) const {
+    const auto holdsOther = [&](const VersionBaseline& baseline, bool unlessAbsent) {
       const auto held = baseline.metamodels.find(name);
-      return held == baseline.metamodels.end() ? unlessAbsent : held->second == only;
+      return held == baseline.metamodels.end() ? !unlessAbsent : held->second != linked;
     };
-    for (const VersionBaseline& source : question_.sources) {
-      if (!standsIn(source, false)) return;
+    const auto& sources = question_.sources;
+    const auto& targets = question_.targets;
+    if (std::any_of(targets.begin(), targets.end(),
+                    [&](const auto& target) { return holdsOther(target, true); }) ||
+        std::any_of(sources.begin() + 1, sources.end(),
+                    [&](const auto& source) { return holdsOther(source, false); })) {
+      return false;
     }
-    for (const VersionBaseline& target : question_.targets) {
-      if (!standsIn(target, true)) return;
-    }
-    space_->variantOf.emplace(only.get(), SearchSpace::bystander);
+    const LinkedMetamodels* own = linkedOf(*linked);
+    return linked->name == name && own != nullptr && own->front() == linked;
   }
 
-  bool isAside(const std::shared_ptr<LinkedMetamodel>& linked) const {
-    return space_->variantOf.contains(linked.get());
-  }
+  bool isAside(const LinkedMetamodel& linked) const { return aside_.contains(&linked); }
 
   /// Takes a name up that was set aside, because it is involved after all.
-  void takeUp(const std::u16string& name, const std::shared_ptr<LinkedMetamodel>& linked) {
-    space_->variantOf.erase(linked.get());
-    for (const VersionBaseline& target : question_.targets) {
-      if (target.metamodels.contains(name)) met_.nameOf(name).targets.push_back(linked.get());
+  void takeUp(const std::u16string& name, const LinkedMetamodel& linked) {
+    aside_.erase(&linked);
+    for (std::size_t i = 0; i < question_.targets.size(); ++i) {
+      if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, &linked);
     }
-    for (const VersionBaseline& source : question_.sources) enterSource(source, name, linked);
+    for (std::size_t i = 0; i < question_.sources.size(); ++i) enterSource(i, name, linked);
   }
 
   void takeAllUp() {
+    if (aside_.empty()) return;
     for (const auto& [name, linked] : question_.sources.front().metamodels) {
-      if (isAside(linked)) takeUp(name, linked);
+      if (isAside(*linked)) takeUp(name, *linked);
     }
   }
 
@@ -128,10 +125,20 @@ class SpaceSurvey {
                        [this](const auto& entry) { return met_.isHeldFromStart(entry.second); });
   }
 
-  void enterTarget(const VersionBaseline& target) {
-    for (const auto& [name, linked] : target.metamodels) {
-      if (linked && !isAside(linked)) met_.nameOf(name).targets.push_back(linked.get());
+  void enterTargets() {
+    for (std::size_t i = 0; i < question_.targets.size(); ++i) {
+      const auto& metamodels = question_.targets[i].metamodels;
+      met_.targets[i].reserve(metamodels.size());
+      for (const auto& [name, linked] : metamodels) {
+        if (!linked || !isAside(*linked)) enterTarget(i, name, linked.get());
+      }
     }
+  }
+
+  void enterTarget(std::size_t target, const std::u16string& key, const LinkedMetamodel* linked) {
+    DraftName& name = met_.nameOf(key);
+    if (linked != nullptr) name.targets.push_back(linked);
+    met_.targets[target].push_back({&name, linked});
   }
 
   void noteAnswer(const KnownMetamodel& known) {
@@ -151,23 +158,29 @@ class SpaceSurvey {
     }
   }
 
-  bool enterSource(const VersionBaseline& source) {
-    return std::all_of(source.metamodels.begin(), source.metamodels.end(), [&](const auto& entry) {
-      const auto& [name, linked] = entry;
-      return isAside(linked) || enterSource(source, name, linked);
-    });
+  bool enterSources() {
+    for (std::size_t i = 0; i < question_.sources.size(); ++i) {
+      const auto& metamodels = question_.sources[i].metamodels;
+      met_.sources[i].reserve(metamodels.size());
+      for (const auto& [name, linked] : metamodels) {
+        if (!linked) return false;
+        if (!isAside(*linked) && !enterSource(i, name, *linked)) return false;
+      }
+    }
+    return true;
   }
 
-  bool enterSource(const VersionBaseline& source, const std::u16string& key,
-                   const std::shared_ptr<LinkedMetamodel>& linked) {
-    if (!linked || linked->name != key || !holdsLinksOf(source, *linked)) return false;
+  bool enterSource(std::size_t source, const std::u16string& key, const LinkedMetamodel& linked) {
+    if (linked.name != key || !holdsLinksOf(question_.sources[source], linked)) return false;
     DraftName& name = met_.nameOf(key);
     ++name.sources;
-    Draft& draft = draftOf(name, static_cast<const Metamodel&>(*linked));
+    met_.sources[source].push_back({&name, &linked});
+    Draft& draft = draftOf(name, static_cast<const Metamodel&>(linked));
     enter(draft);
     link(draft);
     return draft.linked != nullptr &&
-           std::find(draft.linked->begin(), draft.linked->end(), linked) != draft.linked->end();
+           std::any_of(draft.linked->begin(), draft.linked->end(),
+                       [&](const auto& variant) { return variant.get() == &linked; });
   }
 
   static bool holdsLinksOf(const VersionBaseline& source, const LinkedMetamodel& linked) {
@@ -188,7 +201,7 @@ class SpaceSurvey {
       hops_.clear();
       question_.repository.findHops(*draft.name->text, draft.descriptor->version, hops_);
       draft.firstHop = space_->hops.size();
-      draft.firstTarget = met_.targets.size();
+      draft.firstTarget = met_.hopTargets.size();
       for (Hop& hop : hops_) follow(draft, hop);
     }
   }
@@ -211,7 +224,7 @@ class SpaceSurvey {
     if (!hasOwnName) target = lookUp(*draft.name, hop.to);
     if (target != nullptr && !leadsAwayFromTargets(*target)) {
       enter(*target);
-      met_.targets.push_back({draft.hopCount, target});
+      met_.hopTargets.push_back({draft.hopCount, target});
       ++draft.targetCount;
     }
     ++draft.hopCount;
@@ -327,7 +340,9 @@ class SpaceSurvey {
     if (!linksSeen_.insert(&linked).second) return false;
     const auto& held = question_.sources.front().metamodels;
     const auto standing = held.find(linked.name);
-    if (standing != held.end() && isAside(standing->second)) takeUp(linked.name, standing->second);
+    if (standing != held.end() && isAside(*standing->second)) {
+      takeUp(standing->first, *standing->second);
+    }
     DraftName& name = met_.nameOf(linked.name);
     name.isLinked = true;
     if (met_.isHeldFromStart(name)) return true;  // only hops move it
@@ -347,6 +362,7 @@ class SpaceSurvey {
   std::unordered_map<const DraftName*, std::unordered_map<VersionId, Draft*, VersionIdHash>>
       otherAnswers_;
   std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&met_.memory};
+  std::pmr::unordered_set<const LinkedMetamodel*> aside_{&met_.memory};
   bool isUnfit_ = false;
 };
 

@@ -109,16 +109,25 @@ struct DraftName {
   NameIndex index = SearchSpace::none;
 };
 
+/// What a baseline of the question holds under a name.
+struct HeldDraft {
+  DraftName* name;
+  const LinkedMetamodel* linked;
+};
+
 /// All that a survey has met: drafts of what becomes a search space.
 struct SurveyDrafts {
+  SurveyDrafts(std::size_t sourceCount, std::size_t targetCount)
+      : sources(sourceCount), targets(targetCount) {}
+
   /// `text` must outlive the survey.
   DraftName& nameOf(const std::u16string& text) {
     return names.try_emplace(text, text).first->second;
   }
 
-  bool isHeldFromStart(const DraftName& name) const { return name.sources == sourceCount; }
+  bool isHeldFromStart(const DraftName& name) const { return name.sources == sources.size(); }
   bool isMentionedByEveryTarget(const DraftName& name) const {
-    return name.targets.size() == targetCount;
+    return name.targets.size() == targets.size();
   }
 
   /// Whether a path may hold the version, as far as its own hops tell.
@@ -127,15 +136,17 @@ struct SurveyDrafts {
   }
 
   std::span<const DraftTarget> targetsOf(const Draft& draft) const {
-    return std::span(targets).subspan(draft.firstTarget, draft.targetCount);
+    return std::span(hopTargets).subspan(draft.firstTarget, draft.targetCount);
   }
 
-  std::size_t sourceCount;
-  std::size_t targetCount;
   std::pmr::monotonic_buffer_resource memory{65536};
   std::pmr::unordered_map<std::u16string_view, DraftName> names{&memory};
   std::pmr::deque<Draft> drafts{&memory};
-  std::vector<DraftTarget> targets = {};  // those of one draft stand together
+  std::vector<DraftTarget> hopTargets;  // those of one draft stand together
+
+  // What the baselines of the question hold, bystanders left out.
+  std::vector<std::vector<HeldDraft>> sources;
+  std::vector<std::vector<HeldDraft>> targets;
 };
 
 }  // namespace tarn::evolution::pathfinder
