@@ -181,7 +181,7 @@ class OutlookComputation {
       added.push_back(version);
     };
     // The list grows on the way.
-    for (std::size_t i = 0; i < added.size(); ++i) {
+    for (std::size_t i = 0; i < added.size(); ++i) {  // NOLINT(modernize-loop-convert)
       for (const SearchSpace::Move& move : space_.versions[added[i]].moves) {
         if (move.expensive) add(move.target);
       }
