@@ -85,7 +85,7 @@ void writeCommand(const Command& command, std::ostream& out) {
 
 void writeManualPage(const Command& program, const std::string& version, std::ostream& out) {
   out << ".TH " << program.name << " 1 \"\" \"" << program.name << " " << version
-      << "\" \"User Commands\"\n"
+      << R"(" "User Commands")" << "\n"
       << ".SH NAME\n"
       << program.name << " \\- " << escape(program.description) << "\n"
       << ".SH SYNOPSIS\n.nf\n";
