@@ -7,6 +7,4 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 cmake --preset clang --log-level=WARNING >/dev/null
-# Headers that the build generates.
-cmake --build --preset clang --target tarn_evolution_pathfinder tarn_evolution_catalogue >/dev/null
 python3 scripts/run_tidy.py build/clang "$@"

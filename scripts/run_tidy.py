@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Runs clang-tidy over every source of a build; scripts/check_tidy.sh calls it.
 
-Most of what clang-tidy does to a source is reading and matching other people's headers. So the sources of a folder
-that are compiled alike are written into one, which is checked as if it were theirs; what is found is reported where
-it stands. Sources that cannot be compiled together, because their own names collide, go to different ones.
+Most of what clang-tidy does to a source is reading and matching other people's headers. So sources that are compiled
+alike are written into one, which is checked instead of them; what is found is reported where it stands. Sources that
+cannot be compiled together, because their own names collide, go to different ones.
 
 usage: run_tidy.py BUILD [FILE...]      FILE: a source or folder to check, instead of all
 """
@@ -18,7 +18,9 @@ import sys
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-MOST_TOGETHER = 24
+MOST_TOGETHER = 32
+# Functions that many sources have, each for another program.
+ONCE_A_PROGRAM = ("main", "LLVMFuzzerTestOneInput")
 # What two sources may well do each: include the same header and declare the same function. Formatting drops a second
 # #include of one source, and the compiler's own warnings are for builds to show.
 NOT_WHEN_UNITED = "-clang-diagnostic-*,-readability-duplicate-include,-readability-redundant-declaration"
@@ -41,31 +43,37 @@ def compiled_sources(build):
     return sources
 
 
+def rules_of(source):
+    """The folder whose .clang-tidy is for the source."""
+    return next(folder for folder in source.parents if (folder / ".clang-tidy").exists())
+
+
 class United:
-    """Several sources in one, in the folder of BUILD/tidy that stands for theirs, so that its .clang-tidy is found."""
+    """Several sources in one, in the folder of BUILD/tidy that stands for that of their rules, which are found so."""
 
     def __init__(self, build, number, sources, flags):
         self.sources = sources
-        folder = sources[0].parent
-        self.path = build / "tidy" / folder.relative_to(root) / f"united_{number}.cpp"
-        self.flags = [*flags, "-iquote", str(folder)]
+        rules = rules_of(sources[0])
+        self.path = build / "tidy" / rules.relative_to(root) / f"united_{number}.cpp"
+        folders = sorted({str(source.parent) for source in sources})
+        self.flags = [*flags, *(word for folder in folders for word in ("-iquote", folder))]
         self.first_lines = []
         self.path.parent.mkdir(parents=True, exist_ok=True)
-        own_rules = folder / ".clang-tidy"
-        if folder != root and own_rules.exists():
-            shutil.copy(own_rules, self.path.parent)
+        if rules != root:
+            shutil.copy(rules / ".clang-tidy", self.path.parent)
         line = 1
         with self.path.open("w", encoding="utf-8") as out:
-            for source in sources:
+            for index, source in enumerate(sources):
+                renaming = "".join(f"#undef {name}\n#define {name} {name}_{index}\n" for name in ONCE_A_PROGRAM)
                 text = source.read_text(encoding="utf-8")
                 text += "" if text.endswith("\n") else "\n"
-                self.first_lines.append(line)
-                out.write(text)
-                line += text.count("\n")
+                self.first_lines.append(line + renaming.count("\n"))
+                out.write(renaming + text)
+                line += (renaming + text).count("\n")
 
     def place(self, line):
         """The source that a line comes from, and its number there."""
-        last = max(index for index, first in enumerate(self.first_lines) if first <= line)
+        last = max((index for index, first in enumerate(self.first_lines) if first <= line), default=0)
         return self.sources[last], line - self.first_lines[last] + 1
 
     def run(self, *command):
@@ -91,16 +99,16 @@ class United:
         return self.run("clang-tidy", "--quiet", *checks, str(self.path), "--", *self.flags, *ANALYZER_LIMIT)
 
 
-def unite(build, folder_number, sources, flags):
+def unite(build, group, sources, flags):
     """As few united sources as can be, each of which compiles."""
     pending, number = sources, 0
     while pending:
         together, pending = pending[:MOST_TOGETHER], pending[MOST_TOGETHER:]
-        united = United(build, f"{folder_number}_{number}", together, flags)
+        united = United(build, f"{group}_{number}", together, flags)
         while len(together) > 1 and (colliding := united.colliding()):
             pending = [source for source in together if source in colliding] + pending
             together = [source for source in together if source not in colliding]
-            united = United(build, f"{folder_number}_{number}", together, flags)
+            united = United(build, f"{group}_{number}", together, flags)
         yield united
         number += 1
 
@@ -112,12 +120,12 @@ def main(build, *only):
     alike = {}
     for source, flags in compiled_sources(build).items():
         if not wanted or any(source.is_relative_to(name) for name in wanted):
-            alike.setdefault((source.parent, flags), []).append(source)
+            alike.setdefault((rules_of(source), flags), []).append(source)
     if not alike:
         sys.exit(f"No source of {build} is among: {' '.join(only)}")
 
-    def unite_folder(folder):
-        number, ((_, flags), sources) = folder
+    def unite_group(group):
+        number, ((_, flags), sources) = group
         return list(unite(build, number, sorted(sources), flags))
 
     def check(united):
@@ -127,7 +135,7 @@ def main(build, *only):
         return content
 
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        everything = [united for part in pool.map(unite_folder, enumerate(alike.items())) for united in part]
+        everything = [united for part in pool.map(unite_group, enumerate(alike.items())) for united in part]
         # The longest first, so that no processor is left alone with it at the end.
         everything.sort(key=lambda united: united.path.stat().st_size, reverse=True)
         contents = list(pool.map(check, everything))

@@ -84,8 +84,8 @@ void writeCommand(const Command& command, std::ostream& out) {
 }  // namespace
 
 void writeManualPage(const Command& program, const std::string& version, std::ostream& out) {
-  out << ".TH " << program.name << " 1 \"\" \"" << program.name << " " << version
-      << R"(" "User Commands")" << "\n"
+  out << ".TH " << program.name << R"( 1 "" ")" << program.name << " " << version
+      << "\" \"User Commands\"\n"
       << ".SH NAME\n"
       << program.name << " \\- " << escape(program.description) << "\n"
       << ".SH SYNOPSIS\n.nf\n";
