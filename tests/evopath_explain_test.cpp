@@ -112,8 +112,8 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
     TestRepository repository(content);
     const std::string name = "c" + std::to_string(made++);
     make(name, contentOf(repository));
-    std::string question = " --from '";
-    question += argument(from) + "' --to '" + argument(to) + "'";
+    std::string question = " --from '" + argument(from);
+    question += "' --to '" + argument(to) + "'";
     const auto [found, output] = run("explain " + name + ".json" + question);
     EXPECT_EQ(found, status) << content;
     std::string text = output;
