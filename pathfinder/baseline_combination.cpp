@@ -56,6 +56,7 @@ void extend(VersionBaseline&& baseline, const Candidates& candidates,
     const auto next = std::find_if(candidate + 1, candidates.end(), isAdmitted);
     // Only what another candidate is given as well need be copied.
     if (next == candidates.end()) {
+      // NOLINTNEXTLINE(bugprone-use-after-move): there is no further round
       result.push_back(std::move(baseline));
     } else {
       result.push_back(baseline);

@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 kept=abi/tarn_evolution_pathfinder.abi.xz
 library=build/dev/pathfinder/libtarn_evolution_pathfinder.so
 scripts/setup.sh
-scripts/setup_packaging.sh
+scripts/setup_abi.sh
 cmake --preset dev --log-level=WARNING >/dev/null
 cmake --build --preset dev --target tarn_evolution_pathfinder
 

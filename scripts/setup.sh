@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs every Debian 12 package that building and testing needs. Asks nothing; does nothing when all are there.
+# Installs every Debian 12 package that building and testing needs.
 set -euo pipefail
 
 packages=(
@@ -13,20 +13,8 @@ packages=(
   pkg-config                                       # tests: hosts that find the library by it
   libxml2-utils                                    # tests: xmllint
   groff-base fish zsh                              # tests: manual page and completions
+  git                                              # checks: which files are the repository's
   python3                                          # tests, and the benchmarks' harness
   gringo                                           # benchmarks: clingo to compare with
 )
-
-missing=()
-for package in "${packages[@]}"; do
-  state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
-  [ "$state" = installed ] || missing+=("$package")
-done
-[ "${#missing[@]}" -eq 0 ] && exit 0
-
-echo "Installing: ${missing[*]}"
-as_root=()
-[ "$(id -u)" -eq 0 ] || as_root=(sudo)
-export DEBIAN_FRONTEND=noninteractive
-"${as_root[@]}" apt-get update -qq
-"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+exec "$(dirname "$0")/install_packages.sh" "${packages[@]}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Sets the machine up, builds one CMake preset and runs its tests.
+# Builds one CMake preset and runs its tests.
 #
 # usage: scripts/test.sh [PRESET [CTEST-ARGUMENT...]]      PRESET: release (default), dev, asan-ubsan, tsan, clang
 set -euo pipefail
@@ -8,7 +8,5 @@ cd "$(dirname "$0")/.."
 preset=${1:-release}
 shift || true
 
-scripts/setup.sh
-cmake --preset "$preset" --log-level=WARNING
-cmake --build --preset "$preset"
+scripts/build.sh "$preset"
 ctest --preset "$preset" "$@"

@@ -53,8 +53,8 @@ run_host find_package tests/consumer/installed -DCMAKE_PREFIX_PATH="$work/instal
 run_host examples examples -DCMAKE_PREFIX_PATH="$work/installed"
 run_pkg_config_host pkg_config tarn-evolution-pathfinder consumer
 run_pkg_config_host pkg_config_catalogue tarn-evolution-catalogue catalogue_consumer
-run_host embedded tests/consumer/embedded
-run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON
+run_host embedded tests/consumer/embedded -DTARN_UNITY=ON
+run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON -DTARN_UNITY=ON
 cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
 run_host find_package_foreign_platform tests/consumer/installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
 step "all hosts work"

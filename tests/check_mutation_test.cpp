@@ -93,7 +93,7 @@ class Mutation {
       objects.push_back(at + 1);
     }
     if (objects.empty()) return;
-    const char* fields[] = {"\"name\":\"A\",", "\"hops\":[],", "\"range\":\"1.0\","};
+    const char* fields[] = {R"("name":"A",)", R"("hops":[],)", R"("range":"1.0",)"};
     text.insert(objects[upTo(objects.size())], fields[upTo(std::size(fields))]);
   }
 

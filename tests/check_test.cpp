@@ -173,7 +173,7 @@ std::string randomContent(std::mt19937& random) {
       char separator = ':';
       for (std::size_t i = upTo(5); i < 5; ++i) {
         const std::size_t lower = upTo(3);
-        const std::size_t earlier = static_cast<std::size_t>(name - 'A');
+        const auto earlier = static_cast<std::size_t>(name - 'A');
         const std::size_t needed = random() % (upTo(12) == 1 ? names : earlier + 1);
         if (needed == earlier && upTo(9) > 1) continue;
         content += std::string{separator, static_cast<char>('A' + needed)} + "[" +

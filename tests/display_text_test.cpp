@@ -13,6 +13,7 @@ TEST(DisplayText, ShowsWhatWouldDisturb) {
   const std::pair<std::string, std::string> cases[] = {
       {"plain-1.0_x", "plain-1.0_x"},
       {"a\nb\tc\x1b[31m\x7f", R"(a\u{a}b\u{9}c\u{1b}[31m\u{7f})"},
+      // NOLINTNEXTLINE(misc-misleading-bidirectional): that is what is shown
       {"\u0085\u2028\u202Ex\u2066\uFEFF", R"(\u{85}\u{2028}\u{202e}x\u{2066}\u{feff})"},
       {"\uFFFF", R"(\u{ffff})"},
       {"שלום 図 é e\u0301 👩\u200D🔧", "שלום 図 é e\u0301 👩\u200D🔧"},
@@ -34,7 +35,8 @@ TEST(DisplayText, ShortensBetweenCharactersOnly) {
   EXPECT_EQ(shortenTo(estimateWidth("abcdef"), "abcdef"), "abcdef");
   EXPECT_EQ(shortenTo(estimateWidth("abcdef"), "abcdefg"), "abcd\u2026");
   EXPECT_EQ(shortenTo(estimateWidth("é") + 1, "e\u0301e\u0301e\u0301"), "e\u0301\u2026");
-  for (double width = 1; width < 20; width += 0.3) {
+  for (int tenths = 10; tenths < 200; tenths += 3) {
+    const double width = tenths / 10.0;
     for (const std::string text :
          {"WWWWWWWWWWWWWWWWWWWWWW", "👩\u200D🔧👩\u200D🔧👩\u200D🔧図形図形図形"}) {
       const std::string shortened = shortenTo(width, text);

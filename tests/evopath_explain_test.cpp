@@ -112,7 +112,8 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
     TestRepository repository(content);
     const std::string name = "c" + std::to_string(made++);
     make(name, contentOf(repository));
-    const std::string question = " --from '" + argument(from) + "' --to '" + argument(to) + "'";
+    std::string question = " --from '" + argument(from);
+    question += "' --to '" + argument(to) + "'";
     const auto [found, output] = run("explain " + name + ".json" + question);
     EXPECT_EQ(found, status) << content;
     std::string text = output;
@@ -169,8 +170,8 @@ TEST_F(EvopathExplain, TakesSelectionsFromFiles) {
   make("plain", content);
   content.question = Question{selection("A1 B1"), selection("A2")};
   make("asks", content);
-  write("a.json", "{\"A\": \"1.0\"}");
-  write("twice.json", "{\"A\": \"1.0\", \"A\": \"1.0\"}");
+  write("a.json", R"({"A": "1.0"})");
+  write("twice.json", R"({"A": "1.0", "A": "1.0"})");
   write("number.json", "{\"A\": 1}");
   write("list.json", "[]");
   write("broken.json", "{\"A\": \n]");

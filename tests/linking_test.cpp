@@ -80,8 +80,8 @@ TEST(Linking, CyclesAreNamed) {
 void runOnSmallStack(std::function<void()> work) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 128 * 1024);
-  pthread_t thread;
+  pthread_attr_setstacksize(&attributes, std::size_t{128} * 1024);
+  pthread_t thread{};
   const auto start = [](void* argument) -> void* {
     (*static_cast<std::function<void()>*>(argument))();
     return nullptr;

@@ -74,6 +74,7 @@ TEST(PathPicture, OfNothingToDoIsTheSource) {
 /// A picture whose texts try to get out of every language.
 PathPicture makeHostile() {
   PathPicture picture = draw(lockstep, "A1 B1 D1 E1", "A3");
+  // NOLINTNEXTLINE(misc-misleading-bidirectional): one of the tries
   const std::string hostile = "]]>--><x y=\"z\">&amp;\\n\\\"}\n\x1b[0m\u202E\x01 図👩\u200D🔧 `|#;";
   for (PathPicture::Lane& lane : picture.lanes) lane.name += hostile;
   for (PathPicture::Step& step : picture.steps) {

@@ -217,6 +217,7 @@ TEST(Concurrency, EverythingAtOnceGivesEveryoneTheSameLists) {
       }
     };
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int index = 0; index < threadCount; ++index) threads.emplace_back(work, index);
     for (std::thread& thread : threads) thread.join();
     for (int index = 1; index < threadCount; ++index) {

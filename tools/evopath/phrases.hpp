@@ -32,6 +32,7 @@ std::string listed(const std::vector<std::string>& items, const std::string& con
 template <class Item>
 std::vector<std::string> textsOf(const std::vector<Item>& items) {
   std::vector<std::string> result;
+  result.reserve(items.size());
   for (const Item& item : items) result.push_back(textOf(item));
   return result;
 }

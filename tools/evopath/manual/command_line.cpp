@@ -1,5 +1,6 @@
 #include "command_line.hpp"
 
+#include <CLI/CLI.hpp>
 #include <set>
 #include <sstream>
 #include <stdexcept>

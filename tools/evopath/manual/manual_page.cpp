@@ -84,7 +84,7 @@ void writeCommand(const Command& command, std::ostream& out) {
 }  // namespace
 
 void writeManualPage(const Command& program, const std::string& version, std::ostream& out) {
-  out << ".TH " << program.name << " 1 \"\" \"" << program.name << " " << version
+  out << ".TH " << program.name << R"( 1 "" ")" << program.name << " " << version
       << "\" \"User Commands\"\n"
       << ".SH NAME\n"
       << program.name << " \\- " << escape(program.description) << "\n"
