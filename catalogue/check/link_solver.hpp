@@ -86,7 +86,6 @@ class LinkSolver {
 
   void start(std::uint64_t budget);
   Outcome run();
-  void push(const LinkRequirement& requirement);
   bool meet(const LinkRequirement& requirement);
   bool takeForced();
   bool take(NameNumber name, Slot slot, std::uint32_t level);

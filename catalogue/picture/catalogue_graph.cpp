@@ -6,9 +6,9 @@
 #include <optional>
 #include <set>
 
-#include "catalogue/explanation/printed_text.hpp"
 #include "catalogue/picture/display_text.hpp"
-#include "catalogue/picture/range_text.hpp"
+#include "catalogue/printed_text.hpp"
+#include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
