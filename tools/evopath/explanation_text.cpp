@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/printed_text.hpp"
 #include "phrases.hpp"
 
 namespace evopath {
@@ -157,7 +158,7 @@ class Details {
   void print(const NearestBaseline& nearest) {
     const std::size_t goals = nearest.arrived.size() + nearest.unfinished.size();
     out_ << "Nearest baseline that can be reached, with " << nearest.arrived.size() << " of "
-         << counted(goals, "metamodel") << " at the version asked for"
+         << countedText(goals, "metamodel") << " at the version asked for"
          << (nearest.isProven ? "" : " (the best found before the budget ended)") << ":\n";
     std::size_t width = 0;
     for (const auto& [name, version] : nearest.arrived) width = std::max(width, name.size());
@@ -263,7 +264,7 @@ class Details {
     if (!rest.held) return "not brought in, " + target + " asked for";
     const std::string held = textOf(*rest.held);
     if (!rest.hopsLeft) return held + ", no hops lead on to " + target;
-    return held + ", " + counted(*rest.hopsLeft, "hop") + " short of " + target;
+    return held + ", " + countedText(*rest.hopsLeft, "hop") + " short of " + target;
   }
 
   void printPath(const std::vector<tarn::evolution::pathfinder::BaselineHop>& path) {

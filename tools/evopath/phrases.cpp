@@ -1,7 +1,6 @@
 #include "phrases.hpp"
 
-#include <sstream>
-
+#include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {
@@ -15,13 +14,6 @@ namespace {
 
 constexpr std::size_t mostListed = 6;
 
-template <class Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
-
 }  // namespace
 
 std::string textOf(const std::u16string& name) {
@@ -29,15 +21,15 @@ std::string textOf(const std::u16string& name) {
 }
 
 std::string textOf(const VersionId& version) {
-  return printed(version);
+  return tarn::evolution::catalogue::textOf(version);
 }
 
 std::string textOf(const VersionRange& range) {
   if (range.isSemVerRange()) {
     const VersionId lower = range.getSemVerRange().lower;
-    if (range == VersionRange::singleVersion(lower)) return printed(lower);
+    if (range == VersionRange::singleVersion(lower)) return textOf(lower);
   }
-  return printed(range);
+  return tarn::evolution::catalogue::textOf(range);
 }
 
 std::string textOf(const NamedVersion& version) {
@@ -46,10 +38,6 @@ std::string textOf(const NamedVersion& version) {
 
 std::string textOf(const Hop& hop) {
   return textOf(hop.from) + " -> " + textOf(hop.to);
-}
-
-std::string counted(std::size_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
 std::string listed(const std::vector<std::string>& items, const std::string& conjunction) {

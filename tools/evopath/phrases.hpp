@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -22,9 +21,6 @@ std::string textOf(const tarn::evolution::catalogue::NamedVersion& version);
 
 /// "1.0.0 -> 2.0.0".
 std::string textOf(const tarn::evolution::pathfinder::Hop& hop);
-
-/// "1 step", "2 steps".
-std::string counted(std::size_t number, const std::string& noun);
 
 /// "a", "a and b", "a, b and c"; of more than a few only the first, and how many others there are.
 std::string listed(const std::vector<std::string>& items, const std::string& conjunction = "and");
