@@ -15,7 +15,7 @@ class EvopathExplain : public StoreFolder {
  protected:
   /// The exit status, and what goes to standard output and standard error.
   std::pair<int, std::string> run(const std::string& arguments) const {
-    return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
+    return runEvopath(folder_, arguments + " 2>&1");
   }
 
   /// "A=1.0.0,B=spring," for "A1 Bspring".
