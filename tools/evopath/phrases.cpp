@@ -1,11 +1,14 @@
 #include "phrases.hpp"
 
+#include "catalogue/picture/display_text.hpp"
 #include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {
 
 using tarn::evolution::catalogue::NamedVersion;
+using tarn::evolution::catalogue::textOf;
+using tarn::evolution::catalogue::toVisible;
 using tarn::evolution::pathfinder::Hop;
 using tarn::evolution::pathfinder::VersionId;
 using tarn::evolution::pathfinder::VersionRange;
@@ -16,28 +19,28 @@ constexpr std::size_t mostListed = 6;
 
 }  // namespace
 
-std::string textOf(const std::u16string& name) {
-  return fl::i18n::ustring_to_utf8(name);
+std::string visible(const std::u16string& name) {
+  return toVisible(fl::i18n::ustring_to_utf8(name));
 }
 
-std::string textOf(const VersionId& version) {
-  return tarn::evolution::catalogue::textOf(version);
+std::string visible(const VersionId& version) {
+  return toVisible(textOf(version));
 }
 
-std::string textOf(const VersionRange& range) {
+std::string visible(const VersionRange& range) {
   if (range.isSemVerRange()) {
     const VersionId lower = range.getSemVerRange().lower;
-    if (range == VersionRange::singleVersion(lower)) return textOf(lower);
+    if (range == VersionRange::singleVersion(lower)) return visible(lower);
   }
-  return tarn::evolution::catalogue::textOf(range);
+  return toVisible(textOf(range));
 }
 
-std::string textOf(const NamedVersion& version) {
-  return textOf(version.name) + " " + textOf(version.version);
+std::string visible(const NamedVersion& version) {
+  return visible(version.name) + " " + visible(version.version);
 }
 
-std::string textOf(const Hop& hop) {
-  return textOf(hop.from) + " -> " + textOf(hop.to);
+std::string visible(const Hop& hop) {
+  return visible(hop.from) + " -> " + visible(hop.to);
 }
 
 std::string listed(const std::vector<std::string>& items, const std::string& conjunction) {
