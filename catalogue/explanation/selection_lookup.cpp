@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
-#include <optional>
 #include <utility>
 
 #include "catalogue/printed_text.hpp"
@@ -84,19 +83,8 @@ std::vector<VersionId> mostSimilar(const VersionId& version,
   return result;
 }
 
-void addUnknown(BrowsableRepository& repository, QuestionSide side, const Selection& selection,
-                std::vector<UnknownEntry>& result) {
-  for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
-    if (repository.getMetamodel(name, version)) continue;
-    const std::vector<CatalogueMetamodel> known = repository.listMetamodels(name);
-    UnknownEntry entry{side, {name, version}, !known.empty(), {}, nearestVersions(version, known)};
-    if (known.empty()) entry.nearestNames = nearestNames(name, repository.listNames());
-    result.push_back(std::move(entry));
-  }
-}
-
-}  // namespace
-
+/// The names among `known` most like `name`, the most similar first: at most three, of which one
+/// contains the other or at most a third of the characters (at least two) differ.
 std::vector<std::u16string> nearestNames(const std::u16string& name,
                                          const std::vector<std::u16string>& known) {
   const std::size_t tolerance = std::max<std::size_t>(2, name.size() / 3);
@@ -112,6 +100,19 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
   for (auto& [distance, candidate] : ranked) result.push_back(std::move(candidate));
   return result;
 }
+
+void addUnknown(BrowsableRepository& repository, QuestionSide side, const Selection& selection,
+                std::vector<UnknownEntry>& result) {
+  for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
+    if (repository.getMetamodel(name, version)) continue;
+    const std::vector<CatalogueMetamodel> known = repository.listMetamodels(name);
+    UnknownEntry entry{side, {name, version}, !known.empty(), {}, nearestVersions(version, known)};
+    if (known.empty()) entry.nearestNames = nearestNames(name, repository.listNames());
+    result.push_back(std::move(entry));
+  }
+}
+
+}  // namespace
 
 std::vector<VersionId> nearestVersions(const VersionId& version,
                                        const std::vector<CatalogueMetamodel>& known) {

@@ -1,6 +1,5 @@
 #include "catalogue/picture/catalogue_graph.hpp"
 
-#include <algorithm>
 #include <deque>
 #include <map>
 #include <optional>

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
 #include <stdexcept>
+#include <unordered_map>
 
 #include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/picture/display_text.hpp"

@@ -67,8 +67,8 @@ CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name
     reason << hop << " leads to no version";
     database_.failDamaged("table hops", reason.str());
   }
-  const std::size_t weight = 1 + found.size();
-  return hops_.add(key, std::move(found), weight);
+  const std::size_t size = 1 + found.size();
+  return hops_.add(key, std::move(found), size);
 }
 
 bool CachedSqliteReader::hasVersion(const std::u16string& name, const VersionId& version) {
@@ -83,8 +83,8 @@ CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& 
   const std::u16string key = keyOf(name, range);
   if (Metamodels cached = metamodels_.find(key)) return cached;
   auto found = reader_.metamodelsIn(name, range);
-  const std::size_t weight = 1 + found.size();
-  return metamodels_.add(key, std::move(found), weight);
+  const std::size_t size = 1 + found.size();
+  return metamodels_.add(key, std::move(found), size);
 }
 
 void CachedSqliteReader::expectNoCycle(const Metamodels& candidates) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "catalogue/catalogue_sink.hpp"
 #include "catalogue/store/store_progress.hpp"
 
