@@ -12,13 +12,17 @@ std::string nodeId(std::size_t lane, std::size_t column) {
   return "m" + std::to_string(lane) + "s" + std::to_string(column);
 }
 
+std::string labelOf(std::string name, const std::string& version) {
+  return name.append(" ").append(version);
+}
+
 PathGraph::Cluster startOf(const PathPicture& picture) {
   PathGraph::Cluster cluster{"Start", {}, {}, std::nullopt};
   for (std::size_t i = 0; i < picture.lanes.size(); ++i) {
     const auto& [name, start, isMoved] = picture.lanes[i];
     if (start.empty()) continue;
     cluster.nodes.push_back(
-        {nodeId(i, 0), name + " " + start, isMoved ? NodeKind::ordinary : NodeKind::unmoved});
+        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::ordinary : NodeKind::unmoved});
   }
   return cluster;
 }
@@ -40,7 +44,7 @@ PathGraph::PathGraph(const PathPicture& picture) {
       const bool enters = move.kind == MoveKind::entering;
       const std::string id = nodeId(move.lane, column);
       cluster.nodes.push_back(
-          {id, picture.lanes[move.lane].name + " " + move.to + (enters ? " (brought in)" : ""),
+          {id, labelOf(picture.lanes[move.lane].name, move.to) + (enters ? " (brought in)" : ""),
            enters ? NodeKind::entering : NodeKind::ordinary});
       if (!enters) {
         cluster.edges.push_back(

@@ -9,7 +9,6 @@ namespace evopath {
 using namespace tarn::evolution::catalogue;
 using nlohmann::ordered_json;
 using tarn::evolution::pathfinder::BaselineHop;
-using tarn::evolution::pathfinder::Dependency;
 using tarn::evolution::pathfinder::Hop;
 using tarn::evolution::pathfinder::VersionBaseline;
 using tarn::evolution::pathfinder::VersionId;

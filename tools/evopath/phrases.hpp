@@ -29,6 +29,7 @@ std::string listed(const std::vector<std::string>& items, const std::string& con
 template <class Item>
 std::vector<std::string> visibleEach(const std::vector<Item>& items) {
   std::vector<std::string> result;
+  result.reserve(items.size());
   for (const Item& item : items) result.push_back(visible(item));
   return result;
 }
