@@ -1,7 +1,6 @@
 #include "answers.hpp"
 
 #include <algorithm>
-#include <stdexcept>
 #include <utility>
 
 #include "pathfinder/exhaustive_search.hpp"

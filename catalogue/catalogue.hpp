@@ -18,6 +18,11 @@ struct CatalogueMetamodel {
 
   /// What a text version stands for among the semantic versions, if anything.
   std::optional<pathfinder::SemVer> equivalent;
+
+  /// Its semantic version, or else the equivalent of its text version, if there is one.
+  std::optional<pathfinder::SemVer> semVer() const {
+    return descriptor.version.isSemVer() ? descriptor.version.getSemVer() : equivalent;
+  }
 };
 
 /// One version for each name.

@@ -47,15 +47,13 @@ std::size_t CatalogueIndex::VersionKeyHash::operator()(const VersionKeyView& key
 CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels,
                                const std::vector<pathfinder::Hop>& hops) {
   for (Position position = 0; position < metamodels.size(); ++position) {
-    const auto& [descriptor, equivalent] = metamodels[position];
-    metamodels_[{descriptor.name, descriptor.version}].push_back(position);
-    auto& semantic = semanticVersions_[descriptor.name];
-    if (descriptor.version.isSemVer()) {
-      semantic.push_back({descriptor.version.getSemVer(), position});
-    } else if (equivalent) {
-      semantic.push_back({*equivalent, position});
-      metamodels_[{descriptor.name, *equivalent}].push_back(position);
-    }
+    const auto& [name, version, dependencies] = metamodels[position].descriptor;
+    metamodels_[{name, version}].push_back(position);
+    auto& semantic = semanticVersions_[name];  // there also for a name of text versions only
+    const auto semVer = metamodels[position].semVer();
+    if (!semVer) continue;
+    semantic.push_back({*semVer, position});
+    if (!version.isSemVer()) metamodels_[{name, *semVer}].push_back(position);
   }
   for (auto& [name, semantic] : semanticVersions_) {
     std::sort(semantic.begin(), semantic.end(), precedes);

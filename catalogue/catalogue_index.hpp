@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "pathfinder/hop.hpp"

@@ -3,37 +3,23 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <ostream>
-#include <sstream>
 #include <string>
 
+#include "catalogue/printed_text.hpp"
+#include "catalogue/range_json.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using nlohmann::ordered_json;
-using pathfinder::VersionRange;
 
 namespace {
 
-template <class Version>
-std::string printed(const Version& version) {
-  std::ostringstream out;
-  out << version;
-  return out.str();
-}
-
-ordered_json rangeAsJson(const VersionRange& range) {
-  if (!range.isSemVerRange()) return fl::i18n::ustring_to_utf8(range.getText());
-  const auto& [lower, upper] = range.getSemVerRange();
-  if (range == VersionRange::singleVersion(lower)) return printed(lower);
-  return {printed(lower), printed(upper)};
-}
-
-ordered_json selectionAsJson(const Selection& selection) {
+ordered_json selectionToJson(const Selection& selection) {
   std::map<std::u16string, pathfinder::VersionId> sorted(selection.begin(), selection.end());
   ordered_json result = ordered_json::object();
   for (const auto& [name, version] : sorted) {
-    result[fl::i18n::ustring_to_utf8(name)] = printed(version);
+    result[fl::i18n::ustring_to_utf8(name)] = textOf(version);
   }
   return result;
 }
@@ -47,12 +33,12 @@ JsonCatalogueWriter::JsonCatalogueWriter(std::ostream& out) : out_(out) {
 void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
   const auto& [descriptor, equivalent] = metamodel;
   ordered_json row{{"name", fl::i18n::ustring_to_utf8(descriptor.name)},
-                   {"version", printed(descriptor.version)}};
-  if (equivalent) row["semver"] = printed(*equivalent);
+                   {"version", textOf(descriptor.version)}};
+  if (equivalent) row["semver"] = textOf(*equivalent);
   ordered_json& dependencies = row["dependencies"] = ordered_json::array();
   for (const auto& [name, range] : descriptor.dependencies) {
     dependencies.push_back(
-        {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeAsJson(range)}});
+        {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeToJson(range)}});
   }
   beginRow();
   out_ << row.dump();
@@ -61,8 +47,8 @@ void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
 void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop) {
   if (!isInHops_) endMetamodels();
   const ordered_json row{{"name", fl::i18n::ustring_to_utf8(hop.name)},
-                         {"from", printed(hop.from)},
-                         {"to", printed(hop.to)},
+                         {"from", textOf(hop.from)},
+                         {"to", textOf(hop.to)},
                          {"expensive", hop.expensive}};
   beginRow();
   out_ << row.dump();
@@ -70,8 +56,8 @@ void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop) {
 
 void JsonCatalogueWriter::setQuestion(const Question& question) {
   endHops();
-  const ordered_json value{{"from", selectionAsJson(question.from)},
-                           {"to", selectionAsJson(question.to)}};
+  const ordered_json value{{"from", selectionToJson(question.from)},
+                           {"to", selectionToJson(question.to)}};
   out_ << ",\n\"question\":" << value.dump();
 }
 

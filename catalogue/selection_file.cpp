@@ -6,6 +6,7 @@
 #include <string>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 #include "catalogue/json_stream.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/version_text.hpp"
@@ -115,7 +116,7 @@ Selection readSelectionFile(const std::filesystem::path& file, QuestionSide side
     throw error.inFile(file.string());
   }
   const auto question = openCatalogue(file)->getQuestion();
-  if (!question) throw CatalogueError("", "the catalogue has no question").inFile(file.string());
+  if (!question) failFor(file, "the catalogue has no question");
   return side == QuestionSide::From ? question->from : question->to;
 }
 

@@ -1,27 +1,10 @@
 #include "catalogue/unsoundness.hpp"
 
-#include <sstream>
-
-#include "platform/text.hpp"
+#include "catalogue/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Metamodel;
-
-namespace {
-
-std::string quoted(const std::u16string& text) {
-  return "\"" + fl::i18n::ustring_to_utf8(text) + "\"";
-}
-
-template <class Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
-
-}  // namespace
 
 std::string metamodelPlace(std::size_t position) {
   return "/metamodels/" + std::to_string(position);
@@ -33,30 +16,30 @@ std::string hopPlace(std::size_t position) {
 
 CatalogueError standsTwice(std::size_t position, const Metamodel& metamodel,
                            const std::string& where) {
-  return {metamodelPlace(position), printed(metamodel) + " stands already " + where};
+  return {metamodelPlace(position), textOf(metamodel) + " stands already " + where};
 }
 
 CatalogueError sharesEquivalent(std::size_t position, const pathfinder::SemVer& equivalent,
                                 const Metamodel& holder, const std::string& where) {
   return {metamodelPlace(position) + "/semver",
-          printed(equivalent) + " is already the equivalent of " + printed(holder) + " " + where};
+          textOf(equivalent) + " is already the equivalent of " + textOf(holder) + " " + where};
 }
 
 CatalogueError dependsOnUnknownName(std::size_t position, std::size_t dependency,
                                     const std::u16string& name) {
   return {metamodelPlace(position) + "/dependencies/" + std::to_string(dependency) + "/name",
-          "there is no metamodel " + quoted(name)};
+          "there is no metamodel " + quotedName(name)};
 }
 
 CatalogueError hopOfUnknownName(std::size_t position, const std::u16string& name) {
-  return {hopPlace(position) + "/name", "there is no metamodel " + quoted(name)};
+  return {hopPlace(position) + "/name", "there is no metamodel " + quotedName(name)};
 }
 
 CatalogueError hopOfUnknownVersion(std::size_t position, const std::string& end,
                                    const std::u16string& name,
                                    const pathfinder::VersionId& version) {
   return {hopPlace(position) + "/" + end,
-          "there is no version " + printed(version) + " of metamodel " + quoted(name)};
+          "there is no version " + textOf(version) + " of metamodel " + quotedName(name)};
 }
 
 CatalogueError dependsOnItself(std::size_t position, const std::vector<Metamodel>& cycle) {
@@ -65,8 +48,8 @@ CatalogueError dependsOnItself(std::size_t position, const std::vector<Metamodel
 
 std::string describeCycle(const std::vector<Metamodel>& cycle) {
   std::string text = "the dependencies form a cycle: ";
-  for (const Metamodel& metamodel : cycle) text += printed(metamodel) + " -> ";
-  return text + printed(cycle.front());
+  for (const Metamodel& metamodel : cycle) text += textOf(metamodel) + " -> ";
+  return text + textOf(cycle.front());
 }
 
 }  // namespace tarn::evolution::catalogue

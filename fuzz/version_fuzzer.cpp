@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "catalogue/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "expectation.hpp"
 #include "pathfinder/metamodel.hpp"
@@ -21,13 +22,6 @@ using fuzz::expect;
 namespace {
 
 constexpr std::size_t mostTexts = 8;  // every three of them are compared
-
-template <class Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
 
 /// What `read` makes of its texts; nothing when it refuses them.
 template <class Read, class... Texts>
@@ -94,9 +88,9 @@ std::optional<SemVer> plainlyParsed(std::u16string text) {
 void readUnits(const std::u16string& units) {
   const auto version = SemVer::parse(units);
   expect(version == plainlyParsed(units), [&](auto& out) { out << VersionId(units); });
-  expect(!version || SemVer::parse(widened(printed(*version))) == version,
+  expect(!version || SemVer::parse(widened(textOf(*version))) == version,
          [&](auto& out) { out << *version; });
-  printed(VersionId(units));
+  textOf(VersionId(units));
 }
 
 /// The version that a text is; nothing when it is refused.
@@ -105,14 +99,14 @@ std::optional<VersionId> readVersion(const std::string& text) {
   const auto semantic = readIfAny(parseSemVer, text);
   const auto name = readIfAny(parseName, text);
   const auto tell = [&](auto& out) { out << '"' << text << '"'; };
-  expect(!name || printed(VersionId(*name)) == text, tell);
+  expect(!name || textOf(VersionId(*name)) == text, tell);
   expect(name || !version, tell);
   expect(semantic.has_value() == (version && version->isSemVer()), tell);
   if (!version) return std::nullopt;
   expect(!semantic || *semantic == version->getSemVer(), tell);
-  const std::string shown = printed(*version);
+  const std::string shown = textOf(*version);
   expect(shown == text || (semantic && shown == text + ".0"), tell);
-  expect(readIfAny(parseVersion, shown) == version && printed(parseVersion(shown)) == shown, tell);
+  expect(readIfAny(parseVersion, shown) == version && textOf(parseVersion(shown)) == shown, tell);
   return version;
 }
 
@@ -124,7 +118,7 @@ void compareAll(const std::vector<VersionId>& versions) {
   for (const VersionId& left : versions) {
     for (const VersionId& right : versions) {
       const auto tell = [&](auto& out) { out << left << " and " << right; };
-      const bool isSame = printed(left) == printed(right);
+      const bool isSame = textOf(left) == textOf(right);
       expect((left == right) == isSame && (right == left) == isSame, tell);
       expect(!isSame || hashOf(left) == hashOf(right), tell);
       if (!left.isSemVer() || !right.isSemVer()) continue;
@@ -154,7 +148,7 @@ std::vector<VersionRange> rangesOf(const std::vector<std::string>& texts,
       expect(range.has_value() == (first && last && !(*last < *first)), tell);
       if (!range) continue;
       expect(*range == VersionRange(SemVerRange{*first, *last}), tell);
-      expect(printed(*range) == "[" + printed(*first) + ", " + printed(*last) + ")", tell);
+      expect(textOf(*range) == "[" + textOf(*first) + ", " + textOf(*last) + ")", tell);
       ranges.push_back(*range);
     }
   }

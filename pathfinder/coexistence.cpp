@@ -10,8 +10,14 @@ namespace tarn::evolution::pathfinder {
 namespace {
 
 using Closure = std::span<const SearchSpace::Link>;
-
 using Projection = std::vector<VariantIndex>;
+
+/// The linked metamodels of a version; none for "absent".
+std::span<const SearchSpace::Variant> variantsOf(const SearchSpace& space, VersionIndex index) {
+  if (space.isAbsent(index)) return {};
+  const SearchSpace::Version& version = space.versions[index];
+  return std::span(space.variants).subspan(version.firstVariant, version.linked->size());
+}
 
 /// The variant that a closure holds under a name; `none` when it holds none.
 VariantIndex heldUnder(const Closure& closure, NameIndex name) {
@@ -40,14 +46,12 @@ bool anyAgree(const std::vector<Projection>& left, const std::vector<Projection>
 /// The different projections of a version's closures that hold nothing under `without`.
 std::vector<Projection> project(const SearchSpace& space, VersionIndex index, NameIndex without,
                                 const std::vector<NameIndex>& shared) {
-  const SearchSpace::Version& version = space.versions[index];
   std::vector<Projection> result;
-  for (std::size_t i = 0; i < version.linked->size(); ++i) {
-    const Closure closure = space.variants[version.firstVariant + i].closure;
-    if (heldUnder(closure, without) != SearchSpace::none) continue;
+  for (const SearchSpace::Variant& variant : variantsOf(space, index)) {
+    if (heldUnder(variant.closure, without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
-    for (const NameIndex name : shared) projection.push_back(heldUnder(closure, name));
+    for (const NameIndex name : shared) projection.push_back(heldUnder(variant.closure, name));
     result.push_back(std::move(projection));
   }
   std::sort(result.begin(), result.end());
@@ -86,12 +90,13 @@ void Coexistence::surveyClosures() {
     if (!isLinked[name]) continue;
     Holdings& holdings = holdings_[name];
     std::size_t closures = 0;
-    for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
-      if (space_.isAbsent(index)) continue;
-      const SearchSpace::Version& version = space_.versions[index];
-      holdings.isSingle &= version.linked->size() == 1;
-      for (std::size_t i = 0; i < version.linked->size(); ++i, ++closures) {
-        for (const SearchSpace::Link& link : space_.variants[version.firstVariant + i].closure) {
+    for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
+         ++version) {
+      const auto variants = variantsOf(space_, version);
+      closures += variants.size();
+      holdings.isSingle &= variants.size() <= 1;
+      for (const SearchSpace::Variant& variant : variants) {
+        for (const SearchSpace::Link& link : variant.closure) {
           if (closuresHolding[link.name]++ == 0) holdings.any.push_back(link.name);
         }
       }
@@ -238,10 +243,8 @@ void Coexistence::fillRows(NameIndex name, NameIndex neighbour) {
 void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
   for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
        ++version) {
-    if (space_.isAbsent(version)) continue;
-    for (std::size_t i = 0; i < space_.versions[version].linked->size(); ++i) {
-      const Closure closure = space_.variants[space_.versions[version].firstVariant + i].closure;
-      const VariantIndex held = heldUnder(closure, linked);
+    for (const SearchSpace::Variant& variant : variantsOf(space_, version)) {
+      const VariantIndex held = heldUnder(variant.closure, linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);
     }
@@ -268,11 +271,12 @@ void Coexistence::admitAgreeing(NameIndex left, NameIndex right) {
 bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
   for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
     if (space_.isAbsent(index)) return true;
-    const SearchSpace::Version& version = space_.versions[index];
-    for (std::size_t i = 0; i < version.linked->size(); ++i) {
-      const Closure closure = space_.variants[version.firstVariant + i].closure;
-      if (heldUnder(closure, other) == SearchSpace::none) return true;
-    }
+    const auto variants = variantsOf(space_, index);
+    const bool isWithout =
+        std::any_of(variants.begin(), variants.end(), [&](const SearchSpace::Variant& variant) {
+          return heldUnder(variant.closure, other) == SearchSpace::none;
+        });
+    if (isWithout) return true;
   }
   return false;
 }

@@ -48,9 +48,8 @@ void collectHops(VersionRepository& repository, VersionRepository::Direction dir
       out << "Retained " << hops.size() << " hops after direction filtering";
     });
   }
-  const std::uint64_t radix = hops.size() + 1;
   choices.byName.push_back({name, std::move(hops)});
-  choices.permutationCount *= radix;
+  choices.combinationCount *= choices.byName.back().hops.size() + 1;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -18,8 +18,9 @@ struct MetamodelHops {
 struct HopChoices {
   std::vector<MetamodelHops> byName;
 
-  /// In how many ways each metamodel can take one of its hops or none. Wraps at 64 bits.
-  std::uint64_t permutationCount = 1;
+  /// The combinations of each metamodel taking one of its hops or none; that all take none is one
+  /// of them. Wraps at 64 bits.
+  std::uint64_t combinationCount = 1;
 };
 
 /// Adds to `choices` the hops that leave `linked`, which the baseline holds under `name`, and do

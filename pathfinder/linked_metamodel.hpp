@@ -16,8 +16,8 @@ namespace tarn::evolution::pathfinder {
 /// One version of one metamodel, bound to the meta types registered for it and linked to exactly
 /// one linked metamodel for each metamodel that it needs.
 ///
-/// A metamodel whose dependencies admit several choices has one linked metamodel for each
-/// consistent choice. Linked metamodels are made by `VersionRepository`, shared through
+/// A metamodel whose dependencies admit several choices has one linked metamodel, a variant, for
+/// each consistent choice. Linked metamodels are made by `VersionRepository`, shared through
 /// std::shared_ptr, and not changed once they are linked; from then on any number of threads may
 /// read them. What changes them is for `VersionRepository::loadMetamodel`, on its thread. They
 /// share what they link and so may outlive the repository. Their identity is their address: the

@@ -38,22 +38,22 @@ StepGeneration::StepGeneration(VersionRepository& repository, const VersionBasel
   visitInNameOrder(from_.metamodels, [&](const auto& entry) {
     collectHops(repository_, direction, entry.first, *entry.second, choices_);
     const std::uint64_t radix = choices_.byName.back().hops.size() + 1;
-    if (__builtin_mul_overflow(permutations_, radix, &permutations_)) {
-      permutations_ = std::numeric_limits<std::uint64_t>::max();
+    if (__builtin_mul_overflow(combinations_, radix, &combinations_)) {
+      combinations_ = std::numeric_limits<std::uint64_t>::max();
     }
     return combinationCount() <= budget;
   });
 }
 
 std::vector<BaselineHop> StepGeneration::runReserved() {
-  steps_.reserve(choices_.permutationCount);
-  return tryAll(choices_.permutationCount);
+  steps_.reserve(choices_.combinationCount);
+  return tryAll(choices_.combinationCount);
 }
 
-std::vector<BaselineHop> StepGeneration::tryAll(std::uint64_t permutations) {
+std::vector<BaselineHop> StepGeneration::tryAll(std::uint64_t combinations) {
   trace(TraceLevel::Reasoning,
-        [&](std::ostream& out) { out << "count of possible hop permutations=" << permutations; });
-  for (std::uint64_t index = 1; index < permutations; ++index) {
+        [&](std::ostream& out) { out << "count of possible hop permutations=" << combinations; });
+  for (std::uint64_t index = 1; index < combinations; ++index) {
     attempt(decodeCombination(index, choices_));
   }
   trace(TraceLevel::Reasoning, [&](std::ostream& out) {

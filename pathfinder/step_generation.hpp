@@ -21,24 +21,25 @@ class StepGeneration {
   StepGeneration(VersionRepository& repository, const VersionBaseline& from,
                  VersionRepository::Direction direction, std::uint64_t budget = unlimitedBudget);
 
-  /// How many combinations there are to try; the largest number when there are more.
-  std::uint64_t combinationCount() const { return permutations_ - 1; }
+  /// How many combinations there are to try, all but that of no hops; the largest number when there
+  /// are more.
+  std::uint64_t combinationCount() const { return combinations_ - 1; }
 
   /// Tries every combination. Only for a count within the budget.
-  std::vector<BaselineHop> run() { return tryAll(permutations_); }
+  std::vector<BaselineHop> run() { return tryAll(combinations_); }
 
-  /// The same, but the number of permutations is taken modulo 2^64, and room for as many steps is
+  /// The same, but the number of combinations is taken modulo 2^64, and room for as many steps is
   /// reserved first: throws std::length_error when that is beyond any list.
   std::vector<BaselineHop> runReserved();
 
  private:
-  std::vector<BaselineHop> tryAll(std::uint64_t permutations);
+  std::vector<BaselineHop> tryAll(std::uint64_t combinations);
   void attempt(const LockstepHop& combination);
 
   VersionRepository& repository_;
   const VersionBaseline& from_;
   HopChoices choices_;
-  std::uint64_t permutations_ = 1;  // as in choices_, but stopping at the largest number
+  std::uint64_t combinations_ = 1;  // as in choices_, but stopping at the largest number
   std::vector<BaselineHop> steps_;
 };
 

@@ -39,8 +39,11 @@ class TARN_PLATFORM_API IUserException : public IException {
  public:
   ~IUserException() override;
 
+  /// UTF-16 as UTF-8, and UTF-8 as UTF-16.
   virtual std::string convert_str(const std::u16string& text) const;
   virtual std::u16string convert_str(const std::string& text) const;
+
+  /// The text of `what()` as UTF-16.
   virtual std::u16string ToUstringImpl() const;
 
  protected:
@@ -55,6 +58,7 @@ class TARN_PLATFORM_API IMsgIDException : public IUserException, public boost::e
   /// The identifier of the error, made by `get_error_id`.
   virtual std::string GetID() const = 0;
 
+  /// The message as one line of UTF-16.
   virtual std::u16string GetUnicodeMessageTxt() const;
 
   /// The message: catalogue, key and arguments. Valid as long as this object.

@@ -28,16 +28,6 @@ Catalogue read(const std::string& json) {
   return readJsonCatalogue(in);
 }
 
-/// What is said of a catalogue that is refused.
-std::string errorOf(const std::function<void()>& make) {
-  try {
-    make();
-  } catch (const CatalogueError& error) {
-    return error.what();
-  }
-  return "no error";
-}
-
 TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
   const auto document = [](const std::string& metamodels, const std::string& hops = "",
                            const std::string& more = "") {
@@ -82,7 +72,7 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
        "/question/from/a~1b: must be a text, not a number"},
   };
   for (const auto& [json, expected] : cases) {
-    const std::string error = errorOf([&json = json] { read(json); });
+    const std::string error = catalogueErrorOf({}, [&json = json] { read(json); });
     EXPECT_EQ(error.substr(0, expected.size()), quoted(expected)) << json;
     EXPECT_TRUE(hasError(findingsIn(quoted(json)))) << json;
   }
@@ -134,7 +124,8 @@ TEST(Catalogue, RefusesWhatIsUnsoundAndSaysWhere) {
   };
   for (const auto& [content, expected] : cases) {
     TestRepository repository(content);
-    EXPECT_EQ(errorOf([&] { Catalogue{contentOf(repository)}; }), quoted(expected)) << content;
+    EXPECT_EQ(catalogueErrorOf({}, [&] { Catalogue{contentOf(repository)}; }), quoted(expected))
+        << content;
     EXPECT_EQ(hasError(findingsIn(toJson(repository).dump())), expected != "no error") << content;
   }
 }

@@ -107,6 +107,16 @@ TEST_F(EvopathBrowse, ShowsMetamodelsVersionsAndBaselines) {
             R"("expensive":true}],"hopsOut":[],"variants":[{"C":"1.0.0"},{"C":"2.0.0"}]}]}]})");
 }
 
+TEST_F(EvopathBrowse, ShowsARangeOfTheLargestPatchAsTheOneVersionThatItIs) {
+  const std::string largest = "1.0.18446744073709551615";
+  write("largest.json", R"({"metamodels": [{"name": "E", "dependencies": [], "version": ")" +
+                            largest + R"("}, {"name": "F", "version": "1.0.0", "dependencies": [)" +
+                            R"({"name": "E", "range": ")" + largest + R"("}]}], "hops": []})");
+  expect("show largest.json F", "F\n  1.0.0\n    needs    E " + largest + "\n");
+  const auto json = run("show largest.json F --json").second;
+  EXPECT_NE(json.find("\"range\": \"" + largest + "\""), std::string::npos) << json;
+}
+
 TEST_F(EvopathBrowse, SaysWhatItCannotShow) {
   const std::tuple<std::string, int, std::string> cases[] = {
       {"show small.json B", 2, "evopath: no metamodel \"B\"\n"},

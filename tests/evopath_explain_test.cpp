@@ -15,7 +15,7 @@ class EvopathExplain : public StoreFolder {
  protected:
   /// The exit status, and what goes to standard output and standard error.
   std::pair<int, std::string> run(const std::string& arguments) const {
-    return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
+    return runEvopath(folder_, arguments + " 2>&1");
   }
 
   /// "A=1.0.0,B=spring," for "A1 Bspring".
@@ -124,6 +124,34 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
     for (const std::string& other : {"explain " + name + ".store", "path " + name + ".json"}) {
       EXPECT_EQ(run(other + question), std::pair(found, output)) << other;
     }
+  }
+}
+
+TEST_F(EvopathExplain, NamesNothingThatWouldDisturbATerminal) {
+  TestRepository repository("A1..2 B1 C1:B1");
+  for (Metamodel& metamodel : repository.metamodels) metamodel.name += u"\u00e9\x1b[31m";
+  for (Hop& hop : repository.hops) hop.name += u"\u00e9\x1b[31m";
+  repository.metamodels[3].dependencies[0].name += u"\u00e9\x1b[31m";
+  make("c", contentOf(repository));
+  write("twice.json",
+        R"({"metamodels": [{"name": "A\u001b", "version": "1.0", "dependencies": []},)"
+        R"({"name": "A\u001b", "version": "1.0", "dependencies": []}], "hops": []})");
+  const std::string suffix = "\u00e9\x1b[31m";
+  const std::string from = " --from 'A" + suffix + "=1.0,B" + suffix + "=1.0'";
+  const std::pair<std::string, std::string> cases[] = {
+      {"explain c.json" + from + " --to 'A" + suffix + "=1.0,C" + suffix + "=1.0'",
+       "\n  A\u00e9\\u{1b}[31m  1.0.0\n  C\u00e9\\u{1b}[31m  not brought in, 1.0.0 asked for\n"},
+      {"path c.json" + from + " --to 'A" + suffix + "=9.0'",
+       "evopath: there is no version 9.0.0 of metamodel \"A\u00e9\\u{1b}[31m\" to reach"},
+      {"remove c.store 'B" + suffix + "'",
+       "  C\u00e9\\u{1b}[31m@1.0.0 depends on B\u00e9\\u{1b}[31m [1.0.0, 1.0.1)\n"},
+      {"check twice.json", "/metamodels/1  A\\u{1b}@1.0.0 stands already at /metamodels/0\n"},
+      {"path twice.json --question", "/metamodels/1: A\\u{1b}@1.0.0 stands already"},
+  };
+  for (const auto& [arguments, expected] : cases) {
+    const std::string output = run(arguments).second;
+    EXPECT_NE(output.find(expected), std::string::npos) << arguments << "\n" << output;
+    EXPECT_EQ(output.find('\x1b'), std::string::npos) << arguments << "\n" << output;
   }
 }
 

@@ -1,8 +1,6 @@
 // Runs the real program.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "support/evopath_program.hpp"
 
 namespace test {

@@ -14,6 +14,7 @@
 #include "pathfinder/reader_writer_lock.hpp"
 #include "platform/in_memory/listener.hpp"
 #include "platform/text.hpp"
+#include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
@@ -21,8 +22,6 @@ namespace test {
 namespace {
 
 using namespace foundation::core::except;
-using Conflict = Exception<tarn_evo::messages::ConflictingDependencies, std::exception, void>;
-using Unknown = Exception<tarn_evo::messages::InvalidFamilyVersion, std::exception, void>;
 using tarn::evolution::diagnostics::ScopedEvent;
 using tarn::evolution::diagnostics::trace;
 using tarn::evolution::diagnostics::TraceLevel;
@@ -168,7 +167,7 @@ TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {
   EXPECT_TRUE(conflict.GetBaseMsgIDObj().args.empty());
   EXPECT_NE(std::string(conflict.what()).find("dependencies"), std::string::npos);
 
-  const Unknown unknown(
+  const UnknownVersion unknown(
       tarn_evo::messages::InvalidFamilyVersion(std::u16string(u"Fr\u00fchling %1"), u"\u00c4"));
   const std::unique_ptr<IException> copy(unknown.clone());
   EXPECT_THROW(copy->rethrow(), IMsgIDException);
@@ -176,7 +175,7 @@ TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {
   EXPECT_THROW(copy->rethrow(), boost::exception);
   try {
     copy->rethrow();
-  } catch (const Unknown& caught) {
+  } catch (const UnknownVersion& caught) {
     EXPECT_NE(&caught, copy.get());
     EXPECT_EQ(caught.GetBaseMsgIDObj().args, unknown.GetBaseMsgIDObj().args);
     EXPECT_EQ(caught.GetID(), "tarn_evo:messages/InvalidFamilyVersion");

@@ -5,15 +5,11 @@
 #include <algorithm>
 #include <functional>
 
-#include "messages/report_exception.hpp"
+#include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
 namespace {
-
-using foundation::core::except::Exception;
-using Conflict = Exception<tarn_evo::messages::ConflictingDependencies, std::exception, void>;
-using UnknownVersion = Exception<tarn_evo::messages::InvalidFamilyVersion, std::exception, void>;
 
 TEST(Linking, OneVariantForEachAdmissibleVersionInOrderKeptOnceLoaded) {
   TestRepository repository("B1.1 B1 B2 A1:B[1,2)");

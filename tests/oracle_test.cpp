@@ -1,8 +1,6 @@
 // Compares the library's answers with plain ones, on random small catalogues.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "platform/exception.hpp"
 #include "support/brute_force.hpp"
 #include "support/legal_path.hpp"

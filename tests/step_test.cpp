@@ -2,15 +2,12 @@
 
 #include <stdexcept>
 
-#include "messages/report_exception.hpp"
+#include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
 namespace test {
 namespace {
-
-using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
-                                                     std::exception, void>;
 
 TEST(Steps, AreTriedAsMixedRadixNumbersFirstNameLeastSignificant) {
   TestRepository repository("A1..3 A1>3 B1..2 C1 D1 E1 F1");

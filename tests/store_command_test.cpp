@@ -26,7 +26,7 @@ class StoreCommand : public StoreFolder {
  protected:
   /// The exit status, and what goes to standard output and standard error.
   std::pair<int, std::string> run(const std::string& arguments) const {
-    return runInFolder(folder_, "'" EVOPATH_PROGRAM "' " + arguments + " 2>&1");
+    return runEvopath(folder_, arguments + " 2>&1");
   }
 
   /// Runs the program in the folder and sends it a signal after a while. Whether it ended by the

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -38,7 +39,7 @@ class DependencyCheck {
     const NameNumber name = index_.find(*dependency.name);
     if (name == nothing) {
       find(FindingCode::UnknownDependency, index_.draft().placeOf(row, dependency, "name"),
-           "there is no metamodel " + quoted(*dependency.name));
+           "there is no metamodel " + quotedName(*dependency.name));
     } else if (dependency.range) {
       checkRange(row, dependency, name);
       checkRepeated(row, dependency, name);
@@ -46,7 +47,7 @@ class DependencyCheck {
   }
 
   void checkRange(const MetamodelRow& row, const DependencyRow& dependency, NameNumber name) {
-    const std::string wanted = quoted(*dependency.name) + " " + printed(*dependency.range);
+    const std::string wanted = quotedName(*dependency.name) + " " + rangeText(*dependency.range);
     if (admitsNothing(*dependency.range)) {
       find(FindingCode::EmptyRange, index_.draft().placeOf(row, dependency, "range"),
            subject(row) + " depends on " + wanted + ", a range that no version can lie in");
@@ -68,8 +69,9 @@ class DependencyCheck {
     const SlotInterval here = index_.versionsIn(name, *dependency.range);
     const SlotInterval shared{std::max(before.begin, here.begin), std::min(before.end, here.end)};
     const bool isContradictory = !before.empty() && !here.empty() && shared.empty();
-    std::string message = subject(row) + " depends on " + quoted(*dependency.name) + " twice, " +
-                          printed(*first.dependency->range) + " and " + printed(*dependency.range);
+    std::string message = subject(row) + " depends on " + quotedName(*dependency.name) +
+                          " twice, " + rangeText(*first.dependency->range) + " and " +
+                          rangeText(*dependency.range);
     if (isContradictory) message += ", which share no version";
     message += "; versions are chosen by the first only";
     find(isContradictory ? FindingCode::ContradictoryDependency : FindingCode::RepeatedDependency,

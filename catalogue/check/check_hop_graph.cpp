@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -55,7 +56,7 @@ class HopGraphCheck {
     if (stranded.size() == name.all.end - name.all.begin) {
       findings_.push_back(findingAt(index_, FindingCode::NoHops, {stranded.front()},
                                     "none of the " + std::to_string(stranded.size()) +
-                                        " versions of " + quoted(name.text) + " has a hop"));
+                                        " versions of " + quotedName(name.text) + " has a hop"));
       return;
     }
     find(FindingCode::StrandedVersions, name, "no hop enters or leaves ", stranded);
@@ -101,7 +102,7 @@ class HopGraphCheck {
     if (slots.empty()) return;
     findings_.push_back(
         findingAt(index_, code, slots,
-                  beginning + quoted(name.text) + " " + listed(versionsOf(index_, slots))));
+                  beginning + quotedName(name.text) + " " + listed(versionsOf(index_, slots))));
   }
 
   const DraftIndex& index_;

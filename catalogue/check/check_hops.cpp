@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -28,7 +29,7 @@ class HopCheck {
     const NameNumber name = index_.find(*row.name);
     if (name == nothing) {
       find(FindingCode::UnknownHopMetamodel, row, "name",
-           "there is no metamodel " + quoted(*row.name));
+           "there is no metamodel " + quotedName(*row.name));
       return;
     }
     const bool hasFrom = checkEnd(row, name, row.from, "from");
@@ -44,7 +45,7 @@ class HopCheck {
     if (!index_.versionsAt(name, *version).empty()) return true;
     if (index_.names()[name].isComplete) {
       find(FindingCode::UnknownHopVersion, row, field,
-           "there is no version " + printed(*version) + " of metamodel " + quoted(*row.name));
+           "there is no version " + textOf(*version) + " of metamodel " + quotedName(*row.name));
     }
     return false;
   }
@@ -56,7 +57,7 @@ class HopCheck {
       if (index_.row(slot).version->isSemVer()) return;
     }
     find(FindingCode::UnofferedHop, row, "from",
-         "only " + index_.describe(denoted.begin) + " stands for " + printed(*row.from) +
+         "only " + index_.describe(denoted.begin) + " stands for " + textOf(*row.from) +
              "; hops from there must name the text version");
   }
 
@@ -64,7 +65,7 @@ class HopCheck {
     const Slot to = index_.denotedBy(name, *row.to);
     if (index_.denotedBy(name, *row.from) == to) {
       find(FindingCode::SelfHop, row, "to",
-           "the hop of " + quoted(*row.name) + " from " + printed(*row.from) +
+           "the hop of " + quotedName(*row.name) + " from " + textOf(*row.from) +
                " leads to where it starts");
       return;
     }
@@ -73,8 +74,8 @@ class HopCheck {
     if (isNew) return;
     const Place before = index_.draft().placeOf(*first->second);
     find(FindingCode::DuplicateHop, row, "",
-         "the hop of " + quoted(*row.name) + " from " + printed(*row.from) + " to " +
-             printed(*row.to) + " stands already at " + before.text);
+         "the hop of " + quotedName(*row.name) + " from " + textOf(*row.from) + " to " +
+             textOf(*row.to) + " stands already at " + before.text);
     findings_.back().related.push_back(before);
   }
 

@@ -2,6 +2,7 @@
 #include <map>
 
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -33,8 +34,8 @@ std::string described(const DraftIndex& index, const LinkRequirement& requiremen
                       const std::vector<Slot>& chain) {
   if (chain.empty()) return index.describe(requirement.candidates.begin) + " is asked for";
   const DependencyRow& dependency = index.row(chain.back()).dependencies[requirement.row];
-  return chained(index, chain) + " needs " + quoted(*dependency.name) + " " +
-         printed(*dependency.range);
+  return chained(index, chain) + " needs " + quotedName(*dependency.name) + " " +
+         rangeText(*dependency.range);
 }
 
 /// Versions by the version that keeps them from linking.
@@ -58,7 +59,7 @@ void findBlocked(const DraftIndex& index, const Blocked& blocked, std::vector<Fi
 std::string explained(const DraftIndex& index, const LinkAnalysis::Reason& reason) {
   std::vector<std::string> names;
   for (const NameNumber name : reason.choices) {
-    const std::string text = quoted(index.names()[name].text);
+    const std::string text = quotedName(index.names()[name].text);
     if (std::find(names.begin(), names.end(), text) == names.end()) names.push_back(text);
   }
   std::string result;

@@ -1,4 +1,5 @@
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -29,13 +30,13 @@ class SelectionCheck {
     const NameNumber name = index_.find(row.name);
     if (name == nothing) {
       find(FindingCode::UnknownQuestionMetamodel, row.place,
-           "there is no metamodel " + quoted(row.name));
+           "there is no metamodel " + quotedName(row.name));
       return nothing;
     }
     const Slot slot = index_.denotedBy(name, row.version);
     if (slot == nothing && index_.names()[name].isComplete) {
       find(FindingCode::UnknownQuestionVersion, row.place,
-           "there is no version " + printed(row.version) + " of metamodel " + quoted(row.name));
+           "there is no version " + textOf(row.version) + " of metamodel " + quotedName(row.name));
     }
     return slot;
   }

@@ -1,4 +1,5 @@
 #include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/finding_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -40,7 +41,7 @@ class VersionCheck {
       } else {
         findings_.push_back({FindingCode::DuplicateEquivalent,
                              index_.draft().placeOf(index_.row(slot), "semver"),
-                             printed(VersionId(index_.semanticVersion(slot))) +
+                             textOf(index_.semanticVersion(slot)) +
                                  " is already the equivalent of " + index_.describe(first) +
                                  " at " + place(first).text,
                              {place(first)}});
@@ -49,7 +50,7 @@ class VersionCheck {
     if (carrier == nothing || holder == nothing) return;
     findings_.push_back({FindingCode::AmbiguousEquivalent,
                          index_.draft().placeOf(index_.row(holder), "semver"),
-                         index_.describe(holder) + " stands for " + printed(version(carrier)) +
+                         index_.describe(holder) + " stands for " + textOf(version(carrier)) +
                              ", which is a version of its own; asking for either gives " +
                              index_.describe(same.begin),
                          {place(carrier)}});
@@ -74,7 +75,7 @@ class VersionCheck {
     for (Slot slot = name_.semanticEnd; slot < name_.all.end; ++slot) texts.push_back(slot);
     texts = inFileOrder(index_, texts);
     findings_.push_back(findingAt(index_, FindingCode::MissingEquivalent, texts,
-                                  "no range of semantic versions admits " + quoted(name_.text) +
+                                  "no range of semantic versions admits " + quotedName(name_.text) +
                                       " " + listed(versionsOf(index_, texts))));
   }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "catalogue/check/dependency_components.hpp"
@@ -36,25 +35,5 @@ void checkQuestion(const DraftIndex& index, LinkAnalysis& links, std::vector<Fin
 
 /// A clause that says why versions cannot stand together.
 std::string explained(const DraftIndex& index, const LinkAnalysis::Reason& reason);
-
-/// A name between quotes.
-std::string quoted(std::u16string_view name);
-
-/// A version, or a range: "[1.0.0, 2.0.0)"; one of a single version as that version.
-std::string printed(const pathfinder::VersionId& version);
-std::string printed(const pathfinder::VersionRange& range);
-
-/// "a, b and c"; of many texts the first few and how many more there are.
-std::string listed(const std::vector<std::string>& texts);
-
-/// The slots in the order of the file.
-std::vector<Slot> inFileOrder(const DraftIndex& index, std::vector<Slot> slots);
-
-/// A finding about several versions, in the order given, which stands at the first of them.
-Finding findingAt(const DraftIndex& index, FindingCode code, const std::vector<Slot>& slots,
-                  const std::string& message);
-
-/// The versions of these slots, without their names.
-std::vector<std::string> versionsOf(const DraftIndex& index, const std::vector<Slot>& slots);
 
 }  // namespace tarn::evolution::catalogue

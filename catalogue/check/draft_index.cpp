@@ -36,13 +36,23 @@ void DraftIndex::numberNames() {
   }
 }
 
-void DraftIndex::placeVersions() {
-  struct Entry {
-    NameNumber name;
-    std::uint32_t row;
-    bool isText;  // without equivalent
-    SemVer semantic;
-  };
+/// A version that could be read.
+struct DraftIndex::Entry {
+  NameNumber name;
+  std::uint32_t row;
+  bool isText;  // without equivalent
+  SemVer semantic;
+
+  bool operator<(const Entry& other) const {
+    if (name != other.name) return name < other.name;
+    if (isText != other.isText) return other.isText;
+    if (!(semantic == other.semantic)) return semantic < other.semantic;
+    return row < other.row;
+  }
+};
+
+/// All versions that could be read, in the order of their slots.
+std::vector<DraftIndex::Entry> DraftIndex::entriesInOrder() {
   std::vector<Entry> entries;
   for (std::uint32_t position = 0; position < draft_.metamodels.size(); ++position) {
     const MetamodelRow& row = draft_.metamodels[position];
@@ -56,14 +66,13 @@ void DraftIndex::placeVersions() {
       entries.push_back({name, position, !row.equivalent, row.equivalent.value_or(SemVer{})});
     }
   }
-  std::sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
-    if (left.name != right.name) return left.name < right.name;
-    if (left.isText != right.isText) return right.isText;
-    if (!(left.semantic == right.semantic)) return left.semantic < right.semantic;
-    return left.row < right.row;
-  });
+  std::sort(entries.begin(), entries.end());
+  return entries;
+}
+
+void DraftIndex::placeVersions() {
   slotOfRow_.assign(draft_.metamodels.size(), nothing);
-  for (const Entry& entry : entries) {
+  for (const Entry& entry : entriesInOrder()) {
     const Slot slot = slotCount();
     Name& name = names_[entry.name];
     if (name.all.empty()) name.all = {slot, slot}, name.semanticEnd = slot;

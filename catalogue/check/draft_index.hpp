@@ -97,7 +97,10 @@ class DraftIndex {
     }
   };
 
+  struct Entry;
+
   void numberNames();
+  std::vector<Entry> entriesInOrder();
   void placeVersions();
   void resolveDependencies();
   Slot firstAtLeast(NameNumber name, const pathfinder::SemVer& bound) const;

@@ -53,8 +53,8 @@ enum class FindingCode {
   DuplicateHop,         ///< a hop that stands twice: every step with it is tried twice
   SelfHop,              ///< a hop that leads to where it starts
   UnofferedHop,         ///< a hop from a semantic version that is there only as a text version's
-                        ///< equivalent:
-                        ///< hops are asked for by the version itself, so it is never offered
+                        ///< equivalent: hops are asked for by the version itself, so it is never
+                        ///< offered
   UnknownQuestionMetamodel,  ///< the catalogue's question names a metamodel that is not there
   UnknownQuestionVersion,    ///< or a version that is not there
   EmptyQuestion,             ///< or nothing at all

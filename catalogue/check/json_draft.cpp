@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -18,21 +19,6 @@ using Kind = JsonValue::Kind;
 
 namespace {
 
-/// The token of a JSON pointer for a field of any name.
-std::string pointerToken(const std::string& key) {
-  std::string token = "/";
-  for (const char character : key) {
-    if (character == '~') {
-      token += "~0";
-    } else if (character == '/') {
-      token += "~1";
-    } else {
-      token += character;
-    }
-  }
-  return token;
-}
-
 /// Where a value stands, spelled out only when something is found there.
 struct Spot {
   const JsonValue& value;
@@ -40,11 +26,12 @@ struct Spot {
   std::size_t index = 0;         // among the elements of the parent
   const char* list = nullptr;    // of an element: the root's field that holds it
 
-  std::string pointer() const {
-    if (list != nullptr) return std::string("/") + list + "/" + std::to_string(index);
-    const std::string before = parent == nullptr ? "" : parent->pointer();
+  nlohmann::json::json_pointer pointer() const {
+    nlohmann::json::json_pointer before;
+    if (list != nullptr) return before / list / index;
+    if (parent != nullptr) before = parent->pointer();
     const bool isElement = parent != nullptr && parent->value.kind == Kind::Array;
-    return before + (isElement ? "/" + std::to_string(index) : pointerToken(value.key));
+    return isElement ? before / index : before / value.key;
   }
 };
 
@@ -92,10 +79,7 @@ class DraftReader : public JsonPieceReceiver {
 
  private:
   void find(FindingCode code, Place place, const std::string& message) {
-    Finding& finding = draft_.findings.emplace_back();
-    finding.code = code;
-    finding.place = std::move(place);
-    finding.message = message;
+    draft_.findings.push_back({code, std::move(place), message, {}});
   }
   void find(FindingCode code, const Spot& spot, const std::string& message) {
     find(code, placeOf(spot), message);
@@ -110,7 +94,7 @@ class DraftReader : public JsonPieceReceiver {
     find(FindingCode::DuplicateField, spot, "the field \"" + spot.value.key + "\" stands twice");
   }
 
-  static Place placeOf(const Spot& spot) { return {spot.pointer(), spot.value.order}; }
+  static Place placeOf(const Spot& spot) { return {spot.pointer().to_string(), spot.value.order}; }
 
   bool expect(const Spot& spot, Kind kind, const std::string& wanted) {
     if (spot.value.kind == kind) return true;

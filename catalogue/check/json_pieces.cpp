@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "catalogue/json_stream.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using nlohmann::json;
@@ -39,9 +41,7 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const json::exception& error) override {
-    error_ = error.what();
-    const std::size_t prefix = error_.find("] ");
-    if (prefix != std::string::npos) error_.erase(0, prefix + 2);
+    error_ = withoutPrefix(error.what());
     return false;
   }
 

@@ -62,7 +62,7 @@ class LinkAnalysis {
   std::uint64_t budget_;
   std::vector<State> states_;
   std::vector<Slot>
-      culprits_;  // of each node: the version that keeps what leads there from linking
+      culprits_;  // of each node: what keeps the versions that lead there from linking
 };
 
 }  // namespace tarn::evolution::catalogue

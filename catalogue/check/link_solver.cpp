@@ -89,15 +89,23 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
     blame(requirement.holder);
     return false;
   }
-  const bool isNew = known.left.empty();
-  if (!isNew && areDisjoint(known.left, wanted)) {
+  if (!known.left.empty() && areDisjoint(known.left, wanted)) {
     const LinkRequirement& other = wanted.end <= known.left.begin ? known.lower : known.upper;
     noteClash(other, requirement);
     blame(other.holder);
     blame(requirement.holder);
     return false;
   }
-  if (!isNew && wanted.begin <= known.left.begin && known.left.end <= wanted.end) return true;
+  narrow(requirement);
+  return true;
+}
+
+/// Leaves of a name what meets the requirement, which is something.
+void LinkSolver::narrow(const LinkRequirement& requirement) {
+  const SlotInterval left = domain(requirement.name).left;
+  const SlotInterval wanted = requirement.candidates;
+  const bool isNew = left.empty();
+  if (!isNew && wanted.begin <= left.begin && left.end <= wanted.end) return;
   Domain& changed = changedDomain(requirement.name);
   if (isNew) {
     changed.left = wanted;
@@ -114,7 +122,6 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
     changed.upper = requirement;
   }
   if (changed.left.end - changed.left.begin == 1) forced_.push_back(requirement.name);
-  return true;
 }
 
 /// Takes the versions of all names that have just one left.

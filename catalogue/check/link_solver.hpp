@@ -86,8 +86,8 @@ class LinkSolver {
 
   void start(std::uint64_t budget);
   Outcome run();
-  void push(const LinkRequirement& requirement);
   bool meet(const LinkRequirement& requirement);
+  void narrow(const LinkRequirement& requirement);
   bool takeForced();
   bool take(NameNumber name, Slot slot, std::uint32_t level);
   bool requireAll(Slot holder);

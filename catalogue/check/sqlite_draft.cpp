@@ -185,10 +185,7 @@ class SqliteDraftReader {
   }
 
   void find(FindingCode code, const Place& place, const std::string& message) {
-    Finding& finding = draft_.findings.emplace_back();
-    finding.code = code;
-    finding.place = place;
-    finding.message = message;
+    draft_.findings.push_back({code, place, message, {}});
   }
 
   SqliteDatabase& database_;

@@ -22,6 +22,28 @@ VersionBaseline cutDown(const VersionBaseline& baseline, const Names& names) {
   return result;
 }
 
+/// The question about some names only, as `NeverTogether` defines what leaving the others out
+/// means.
+PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
+  PosedQuestion part{question.inquiry, question.graphs, question.direction, {}, {}, {}, {}};
+  part.goals = restrictTo(question.goals, names);
+  for (const auto& [name, goal] : part.goals) {
+    part.starts.emplace(name, question.starts.at(name));
+    if (question.newcomers.contains(name)) part.newcomers.insert(name);
+  }
+  if (!part.newcomers.empty()) {
+    part.sources = question.sources;
+    return part;
+  }
+  for (const VersionBaseline& source : question.sources) {
+    VersionBaseline cut = cutDown(source, names);
+    const bool isNew =
+        std::find(part.sources.begin(), part.sources.end(), cut) == part.sources.end();
+    if (isNew) part.sources.push_back(std::move(cut));
+  }
+  return part;
+}
+
 class Minimisation {
  public:
   explicit Minimisation(const PosedQuestion& question) : question_(question) {}
@@ -46,7 +68,7 @@ class Minimisation {
   /// Whether the question about these names only has no path. Denied when it cannot be asked any
   /// more, so that names are kept then and what remains blocks for certain.
   bool isBlocked(const Names& names) {
-    const PosedQuestion part = restrictTo(question_, names);
+    const PosedQuestion part = partOf(question_, names);
     if (part.goals.empty()) return false;
     if (question_.inquiry->isSpent()) {
       isMinimal_ = false;
@@ -165,31 +187,11 @@ std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
 
 }  // namespace
 
-PosedQuestion restrictTo(const PosedQuestion& question, const Names& names) {
-  PosedQuestion part{question.inquiry, question.graphs, question.direction, {}, {}, {}, {}};
-  part.goals = restrictTo(question.goals, names);
-  for (const auto& [name, goal] : part.goals) {
-    part.starts.emplace(name, question.starts.at(name));
-    if (question.newcomers.contains(name)) part.newcomers.insert(name);
-  }
-  if (!part.newcomers.empty()) {
-    part.sources = question.sources;
-    return part;
-  }
-  for (const VersionBaseline& source : question.sources) {
-    VersionBaseline cut = cutDown(source, names);
-    const bool isNew =
-        std::find(part.sources.begin(), part.sources.end(), cut) == part.sources.end();
-    if (isNew) part.sources.push_back(std::move(cut));
-  }
-  return part;
-}
-
 NeverTogether explainBlocking(const PosedQuestion& question) {
   Minimisation minimisation(question);
   const Names names = minimisation.run();
   NeverTogether result{{names.begin(), names.end()}, minimisation.isMinimal(), {}, {}};
-  const PosedQuestion part = restrictTo(question, names);
+  const PosedQuestion part = partOf(question, names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);
     result.blocked = HopInspection(part, *stuckAt).run();

@@ -13,8 +13,4 @@ namespace tarn::evolution::catalogue {
 /// and then those of `findClosestBaseline` for what remains.
 NeverTogether explainBlocking(const PosedQuestion& question);
 
-/// The question about some names only, as `NeverTogether` defines what leaving the others out
-/// means.
-PosedQuestion restrictTo(const PosedQuestion& question, const std::set<std::u16string>& names);
-
 }  // namespace tarn::evolution::catalogue

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <deque>
-#include <functional>
 #include <limits>
 #include <map>
 #include <set>
-#include <tuple>
 
 #include "pathfinder/linked_metamodel.hpp"
 

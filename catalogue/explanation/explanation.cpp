@@ -1,7 +1,6 @@
 #include "catalogue/explanation/explanation.hpp"
 
 #include <algorithm>
-#include <limits>
 
 #include "catalogue/explanation/blocking_set.hpp"
 #include "catalogue/explanation/inconsistent_selection.hpp"

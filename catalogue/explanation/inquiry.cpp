@@ -1,14 +1,11 @@
 #include "catalogue/explanation/inquiry.hpp"
 
+#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/candidate_combination.hpp"
-#include "messages/messages.hpp"
-#include "platform/exception.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::VersionBaseline;
-using ConflictingDependencies =
-    foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
 
 namespace {
 

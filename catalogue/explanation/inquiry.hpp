@@ -19,8 +19,8 @@ using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 /// Puts questions to the path finder and counts them, over the content of a repository that must
 /// outlive it.
 ///
-/// Questions are asked of the whole content at first. As soon as the path finder meets
-/// a version that cannot be linked, the hops to all such versions are left out for good.
+/// Questions are asked of the whole content at first. As soon as the path finder meets a version
+/// that cannot be linked, the hops to all such versions are left out for good.
 class Inquiry {
  public:
   explicit Inquiry(BrowsableRepository& content) : content_(content), repository_(content) {}

@@ -2,15 +2,12 @@
 
 #include <algorithm>
 
-#include "messages/messages.hpp"
-#include "platform/exception.hpp"
+#include "catalogue/conflicting_dependencies.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Hop;
 using pathfinder::Metamodel;
-using ConflictingDependencies =
-    foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
 
 const LinkedMetamodels* LinkableRepository::tryLink(const Metamodel& metamodel) {
   if (unlinkable_.contains(metamodel)) return nullptr;

@@ -14,6 +14,13 @@ using pathfinder::VersionRepository;
 
 namespace {
 
+/// Adds a version unless it is known; returns whether it was not.
+bool addNew(const VersionId& version, std::vector<VersionId>& known) {
+  const bool isNew = std::find(known.begin(), known.end(), version) == known.end();
+  if (isNew) known.push_back(version);
+  return isNew;
+}
+
 /// What hops and dependencies lead to, each metamodel by itself.
 class Reach {
  public:
@@ -21,10 +28,7 @@ class Reach {
       : repository_(repository), direction_(direction), held_(held) {}
 
   void enter(const Metamodel& metamodel) {
-    std::vector<VersionId>& known = reached_[metamodel.name];
-    if (std::find(known.begin(), known.end(), metamodel.version) != known.end()) return;
-    known.push_back(metamodel.version);
-    waiting_.push_back(metamodel);
+    if (addNew(metamodel.version, reached_[metamodel.name])) waiting_.push_back(metamodel);
   }
 
   void spread() {
@@ -60,9 +64,7 @@ class Reach {
       std::vector<Metamodel> candidates;
       repository_.findMetamodels(dependency.name, dependency.range, candidates);
       for (const Metamodel& candidate : candidates) {
-        std::vector<VersionId>& known = broughtIn_[candidate.name];
-        const bool isNew = std::find(known.begin(), known.end(), candidate.version) == known.end();
-        if (isNew) known.push_back(candidate.version);
+        addNew(candidate.version, broughtIn_[candidate.name]);
         enter(candidate);
       }
     }
@@ -91,9 +93,7 @@ void addHeld(const std::vector<VersionBaseline>& baselines, const std::u16string
              std::vector<VersionId>& result) {
   for (const VersionBaseline& baseline : baselines) {
     const auto held = baseline.metamodels.find(name);
-    if (held == baseline.metamodels.end()) continue;
-    const VersionId& version = held->second->version;
-    if (std::find(result.begin(), result.end(), version) == result.end()) result.push_back(version);
+    if (held != baseline.metamodels.end()) addNew(held->second->version, result);
   }
 }
 
@@ -112,12 +112,7 @@ void findStarts(PosedQuestion& question) {
   }
   reach.spread();
   for (const std::u16string& name : question.newcomers) {
-    for (const VersionId& version : reach.broughtIn(name)) {
-      std::vector<VersionId>& starts = question.starts[name];
-      if (std::find(starts.begin(), starts.end(), version) == starts.end()) {
-        starts.push_back(version);
-      }
-    }
+    for (const VersionId& version : reach.broughtIn(name)) addNew(version, question.starts[name]);
   }
 }
 

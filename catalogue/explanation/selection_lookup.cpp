@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
-#include <optional>
-#include <sstream>
 #include <utility>
 
+#include "catalogue/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -44,22 +43,11 @@ std::size_t dissimilarity(const std::u16string& left, const std::u16string& righ
   return editDistance(left, right);
 }
 
-std::u16string textOf(const VersionId& version) {
-  std::ostringstream out;
-  out << version;
-  return toUtf16(out.str());
-}
-
-std::optional<SemVer> semanticOf(const CatalogueMetamodel& metamodel) {
-  const VersionId& version = metamodel.descriptor.version;
-  return version.isSemVer() ? version.getSemVer() : metamodel.equivalent;
-}
-
 std::vector<VersionId> neighbours(const SemVer& version,
                                   const std::vector<CatalogueMetamodel>& known) {
   std::vector<std::pair<SemVer, const VersionId*>> ordered;
   for (const CatalogueMetamodel& metamodel : known) {
-    if (const auto semantic = semanticOf(metamodel)) {
+    if (const auto semantic = metamodel.semVer()) {
       ordered.emplace_back(*semantic, &metamodel.descriptor.version);
     }
   }
@@ -80,11 +68,11 @@ std::vector<VersionId> neighbours(const SemVer& version,
 
 std::vector<VersionId> mostSimilar(const VersionId& version,
                                    const std::vector<CatalogueMetamodel>& known) {
-  const std::u16string text = textOf(version);
+  const std::u16string text = toUtf16(textOf(version));
   std::vector<std::pair<std::size_t, const VersionId*>> ranked;
   for (const CatalogueMetamodel& metamodel : known) {
     const VersionId& candidate = metamodel.descriptor.version;
-    ranked.emplace_back(editDistance(text, textOf(candidate)), &candidate);
+    ranked.emplace_back(editDistance(text, toUtf16(textOf(candidate))), &candidate);
   }
   std::stable_sort(ranked.begin(), ranked.end(),
                    [](const auto& left, const auto& right) { return left.first < right.first; });
@@ -95,19 +83,8 @@ std::vector<VersionId> mostSimilar(const VersionId& version,
   return result;
 }
 
-void addUnknown(BrowsableRepository& repository, QuestionSide side, const Selection& selection,
-                std::vector<UnknownEntry>& result) {
-  for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
-    if (repository.getMetamodel(name, version)) continue;
-    const std::vector<CatalogueMetamodel> known = repository.listMetamodels(name);
-    UnknownEntry entry{side, {name, version}, !known.empty(), {}, nearestVersions(version, known)};
-    if (known.empty()) entry.nearestNames = nearestNames(name, repository.listNames());
-    result.push_back(std::move(entry));
-  }
-}
-
-}  // namespace
-
+/// The names among `known` most like `name`, the most similar first: at most three, of which one
+/// contains the other or at most a third of the characters (at least two) differ.
 std::vector<std::u16string> nearestNames(const std::u16string& name,
                                          const std::vector<std::u16string>& known) {
   const std::size_t tolerance = std::max<std::size_t>(2, name.size() / 3);
@@ -123,6 +100,19 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
   for (auto& [distance, candidate] : ranked) result.push_back(std::move(candidate));
   return result;
 }
+
+void addUnknown(BrowsableRepository& repository, QuestionSide side, const Selection& selection,
+                std::vector<UnknownEntry>& result) {
+  for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
+    if (repository.getMetamodel(name, version)) continue;
+    const std::vector<CatalogueMetamodel> known = repository.listMetamodels(name);
+    UnknownEntry entry{side, {name, version}, !known.empty(), {}, nearestVersions(version, known)};
+    if (known.empty()) entry.nearestNames = nearestNames(name, repository.listNames());
+    result.push_back(std::move(entry));
+  }
+}
+
+}  // namespace
 
 std::vector<VersionId> nearestVersions(const VersionId& version,
                                        const std::vector<CatalogueMetamodel>& known) {

@@ -1,7 +1,9 @@
 #include "catalogue/picture/baseline_output.hpp"
 
-#include "catalogue/explanation/printed_text.hpp"
+#include <map>
+
 #include "catalogue/picture/display_text.hpp"
+#include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -15,6 +17,11 @@ std::map<std::u16string, std::string> inOrder(const LinkedByName& members) {
 }
 
 }  // namespace
+
+std::string headingOfBaseline(std::size_t place, std::size_t count, Colouring colouring) {
+  return emphasise("Baseline " + std::to_string(place + 1) + " of " + std::to_string(count),
+                   colouring);
+}
 
 std::string listMembers(const LinkedByName& members) {
   std::string list;

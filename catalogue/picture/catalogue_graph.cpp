@@ -1,14 +1,13 @@
 #include "catalogue/picture/catalogue_graph.hpp"
 
-#include <algorithm>
 #include <deque>
 #include <map>
 #include <optional>
 #include <set>
 
-#include "catalogue/explanation/printed_text.hpp"
 #include "catalogue/picture/display_text.hpp"
-#include "catalogue/picture/range_text.hpp"
+#include "catalogue/printed_text.hpp"
+#include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -2,37 +2,27 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
 #include <stdexcept>
+#include <unordered_map>
 
-#include "catalogue/explanation/printed_text.hpp"
+#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/picture/display_text.hpp"
-#include "messages/messages.hpp"
-#include "platform/exception.hpp"
+#include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Hop;
-using pathfinder::SemVer;
 using pathfinder::VersionId;
 
 namespace {
-
-using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
-                                                     std::exception>;
-
-std::optional<SemVer> orderOf(const CatalogueMetamodel& metamodel) {
-  const VersionId& version = metamodel.descriptor.version;
-  return version.isSemVer() ? version.getSemVer() : metamodel.equivalent;
-}
 
 std::vector<CatalogueMetamodel> listInOrder(BrowsableRepository& repository,
                                             const std::u16string& name) {
   auto versions = repository.listMetamodels(name);
   std::stable_sort(versions.begin(), versions.end(),
                    [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-                     return orderOf(left) < orderOf(right);
+                     return left.semVer() < right.semVer();
                    });
   return versions;
 }
@@ -88,13 +78,10 @@ MetamodelDetails describeMetamodel(BrowsableRepository& repository, const std::u
 MetamodelDetails describeVersion(BrowsableRepository& repository, const std::u16string& name,
                                  const VersionId& version) {
   MetamodelDetails details = describeMetamodel(repository, name);
-  const auto other = [&](const VersionDetails& detail) {
-    const CatalogueMetamodel& metamodel = detail.metamodel;
-    const bool isEquivalent =
-        version.isSemVer() && metamodel.equivalent && *metamodel.equivalent == version.getSemVer();
-    return metamodel.descriptor.version != version && !isEquivalent;
-  };
-  std::erase_if(details.versions, other);
+  std::erase_if(details.versions, [&](const VersionDetails& detail) {
+    if (version.isSemVer()) return detail.metamodel.semVer() != version.getSemVer();
+    return detail.metamodel.descriptor.version != version;
+  });
   if (details.versions.empty()) {
     throw std::invalid_argument("no version " + toVisible(textOf(version)) + " of metamodel \"" +
                                 toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
@@ -102,7 +89,7 @@ MetamodelDetails describeVersion(BrowsableRepository& repository, const std::u16
   for (VersionDetails& detail : details.versions) {
     try {
       detail.variants = repository.getLinkedMetamodels(detail.metamodel.descriptor);
-    } catch (const Conflict&) {
+    } catch (const ConflictingDependencies&) {
       detail.variants.emplace();
     }
   }

@@ -1,10 +1,10 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "catalogue/explanation/printed_text.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
-#include "catalogue/picture/range_text.hpp"
+#include "catalogue/printed_text.hpp"
+#include "catalogue/range_json.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -13,13 +13,6 @@ using nlohmann::ordered_json;
 using pathfinder::Hop;
 
 namespace {
-
-/// A range as a catalogue writes it: a text, or a pair of versions.
-ordered_json rangeToJson(const pathfinder::VersionRange& range) {
-  if (const auto single = findSingleVersion(range)) return textOf(*single);
-  return ordered_json::array(
-      {textOf(range.getSemVerRange().lower), textOf(range.getSemVerRange().upper)});
-}
 
 ordered_json versionToJson(const VersionDetails& version) {
   const pathfinder::Metamodel& descriptor = version.metamodel.descriptor;

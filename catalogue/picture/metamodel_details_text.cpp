@@ -3,11 +3,11 @@
 #include <map>
 #include <ostream>
 
-#include "catalogue/explanation/printed_text.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
-#include "catalogue/picture/range_text.hpp"
+#include "catalogue/printed_text.hpp"
+#include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -101,7 +101,7 @@ void writeDetailsText(const std::vector<MetamodelDetails>& details, Colouring co
 
 void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baselines,
                         const Selection& selection, Colouring colouring, std::ostream& out) {
-  if (baselines.empty()) out << "No baseline: the versions cannot stand together.\n";
+  if (baselines.empty()) out << noBaseline;
   std::size_t nameColumns = 0;
   for (const auto& baseline : baselines) {
     for (const auto& [name, linked] : baseline.metamodels) {
@@ -109,10 +109,7 @@ void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baseline
     }
   }
   for (std::size_t i = 0; i < baselines.size(); ++i) {
-    out << emphasise(
-               "Baseline " + std::to_string(i + 1) + " of " + std::to_string(baselines.size()),
-               colouring)
-        << "\n";
+    out << headingOfBaseline(i, baselines.size(), colouring) << "\n";
     std::map<std::u16string, std::string> members;
     for (const auto& [name, linked] : baselines[i].metamodels) {
       members.emplace(name, visible(linked->version));

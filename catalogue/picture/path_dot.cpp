@@ -1,55 +1,43 @@
 #include "catalogue/picture/path_dot.hpp"
 
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "catalogue/picture/markup.hpp"
+#include "catalogue/picture/path_graph.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-/// The node of a lane's version reached in a column.
-std::string nodeId(std::size_t lane, std::size_t column) {
-  return "m" + std::to_string(lane) + "s" + std::to_string(column);
+const char* attributesOf(PathGraph::NodeKind kind) {
+  switch (kind) {
+    case PathGraph::NodeKind::unmoved:
+      return R"(, color="#999999", fontcolor="#595959")";
+    case PathGraph::NodeKind::entering:
+      return ", style=\"rounded,filled,dashed\"";
+    case PathGraph::NodeKind::ordinary:
+      break;
+  }
+  return "";
 }
 
-void openCluster(std::size_t column, const std::string& label, std::ostream& out) {
-  out << "  subgraph cluster_" << column << " {\n    label=" << quoteDot(label)
+void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::ostream& out) {
+  out << "  subgraph cluster_" << column << " {\n    label=" << quoteDot(cluster.label)
       << ";\n    style=\"rounded,filled\";\n    color=\"#9bb8cc\";\n    fillcolor=\"#eef4f9\";\n";
-}
-
-void writeNode(const std::string& id, const std::string& name, const std::string& version,
-               const std::string& attributes, std::ostream& out) {
-  out << "    " << id << " [label=" << quoteDot(name + " " + version) << attributes << "];\n";
-}
-
-void writeStart(const PathPicture& picture, std::ostream& out) {
-  openCluster(0, "Start", out);
-  for (std::size_t lane = 0; lane < picture.lanes.size(); ++lane) {
-    const PathPicture::Lane& start = picture.lanes[lane];
-    if (start.start.empty()) continue;
-    writeNode(nodeId(lane, 0), start.name, start.start,
-              start.isMoved ? "" : R"(, color="#999999", fontcolor="#595959")", out);
+  for (const auto& [id, label, kind] : cluster.nodes) {
+    out << "    " << id << " [label=" << quoteDot(label) << attributesOf(kind) << "];\n";
   }
   out << "  }\n";
-}
-
-void writeEdge(const std::string& from, const std::string& to, bool isExpensive,
-               std::ostream& out) {
-  out << "  " << from << " -> " << to;
-  if (isExpensive) {
-    out << R"( [color="#b34700:white:#b34700", fontcolor="#b34700", label="expensive"])";
+  if (cluster.order) {
+    out << "  " << cluster.order->first << " -> " << cluster.order->second << " [style=invis];\n";
   }
-  out << ";\n";
-}
-
-/// Keeps a step to the right of the one before it also when they share no metamodel.
-void writeOrder(const PathPicture& picture, std::size_t column, std::ostream& out) {
-  if (column < 2) return;
-  out << "  " << nodeId(picture.steps[column - 2].moves.front().lane, column - 1) << " -> "
-      << nodeId(picture.steps[column - 1].moves.front().lane, column) << " [style=invis];\n";
+  for (const auto& [from, to, isExpensive] : cluster.edges) {
+    out << "  " << from << " -> " << to;
+    if (isExpensive) {
+      out << R"( [color="#b34700:white:#b34700", fontcolor="#b34700", label="expensive"])";
+    }
+    out << ";\n";
+  }
 }
 
 }  // namespace
@@ -59,27 +47,9 @@ void writePathDot(const PathPicture& picture, std::ostream& out) {
       << ";\n  fontname=\"sans-serif\";\n"
          "  node [shape=box, style=\"rounded,filled\", fillcolor=white, fontname=\"sans-serif\"];\n"
          "  edge [color=\"#0072b2\", fontname=\"sans-serif\"];\n";
-  writeStart(picture, out);
-  std::vector<std::size_t> columnOf(picture.lanes.size(), 0);
-  for (std::size_t column = 1; column <= picture.steps.size(); ++column) {
-    const PathPicture::Step& step = picture.steps[column - 1];
-    openCluster(column,
-                "Step " + std::to_string(column) + ", weight " + std::to_string(step.weight), out);
-    for (const PathPicture::Move& move : step.moves) {
-      const bool enters = move.kind == PathPicture::MoveKind::entering;
-      writeNode(nodeId(move.lane, column), picture.lanes[move.lane].name,
-                move.to + (enters ? " (brought in)" : ""),
-                enters ? ", style=\"rounded,filled,dashed\"" : "", out);
-    }
-    out << "  }\n";
-    writeOrder(picture, column, out);
-    for (const PathPicture::Move& move : step.moves) {
-      if (move.kind != PathPicture::MoveKind::entering) {
-        writeEdge(nodeId(move.lane, columnOf[move.lane]), nodeId(move.lane, column),
-                  move.kind == PathPicture::MoveKind::expensive, out);
-      }
-      columnOf[move.lane] = column;
-    }
+  const PathGraph graph(picture);
+  for (std::size_t column = 0; column < graph.clusters.size(); ++column) {
+    writeCluster(column, graph.clusters[column], out);
   }
   out << "}\n";
 }

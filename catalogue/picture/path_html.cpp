@@ -4,27 +4,16 @@
 #include <ostream>
 #include <string>
 
-#include "catalogue/explanation/printed_text.hpp"
 #include "catalogue/picture/markup.hpp"
+#include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/path_page.hpp"
+#include "catalogue/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
 using MoveKind = PathPicture::MoveKind;
-
-const char* classOf(MoveKind kind) {
-  switch (kind) {
-    case MoveKind::expensive:
-      return "dear";
-    case MoveKind::entering:
-      return "enter";
-    case MoveKind::ordinary:
-      break;
-  }
-  return "move";
-}
 
 class PageWriter {
  public:
@@ -101,15 +90,13 @@ class PageWriter {
   void writeCell(const PathPicture::Lane& lane, const PathCell& cell, bool begins) const {
     std::string classes;
     if (cell.kind != PathCell::Kind::absent) classes += begins ? " held begins" : " held";
-    if (cell.move != nullptr) classes += std::string(" ") + classOf(cell.move->kind);
+    if (cell.move != nullptr) classes += std::string(" ") + styleClassOf(cell.move->kind);
     const bool isTied = cell.isTiedUpward || cell.isTiedDownward;
     if (cell.move != nullptr || isTied) classes += " band";
     out_ << "<td";
     if (!classes.empty()) out_ << " class=\"" << classes.substr(1) << "\"";
     if (!cell.version.empty()) {
-      const std::string text =
-          cell.move == nullptr ? lane.name + " at " + cell.version : describe(picture_, *cell.move);
-      out_ << " title=\"" << escapeXml(text) << "\"";
+      out_ << " title=\"" << escapeXml(tooltipOf(picture_, lane, cell)) << "\"";
     }
     out_ << ">";
     if (cell.isTiedUpward) out_ << "<i class=\"tie up\"></i>";

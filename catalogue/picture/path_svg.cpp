@@ -5,6 +5,7 @@
 #include <string>
 
 #include "catalogue/picture/markup.hpp"
+#include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/swim_lanes.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -43,18 +44,6 @@ constexpr const char* style = R"(<style>
   .mark { fill: none; stroke: var(--paper); stroke-width: 1.75; stroke-linecap: round; }
 </style>
 )";
-
-const char* classOf(PathPicture::MoveKind kind) {
-  switch (kind) {
-    case PathPicture::MoveKind::expensive:
-      return "dear";
-    case PathPicture::MoveKind::entering:
-      return "enter";
-    case PathPicture::MoveKind::ordinary:
-      break;
-  }
-  return "move";
-}
 
 class SvgWriter {
  public:
@@ -160,11 +149,9 @@ class SvgWriter {
   void writeBox(std::size_t lane, std::size_t column) const {
     const PathCell& cell = cells_[lane][column];
     if (cell.kind != PathCell::Kind::start && cell.kind != PathCell::Kind::move) return;
-    const std::string whole = cell.move == nullptr
-                                  ? picture_.lanes[lane].name + " at " + cell.version
-                                  : describe(picture_, *cell.move);
-    const char* kind = cell.move == nullptr ? "start" : classOf(cell.move->kind);
-    out_ << "<g class=\"" << kind << "\"><title>" << escapeXml(whole) << "</title>";
+    const char* kind = cell.move == nullptr ? "start" : styleClassOf(cell.move->kind);
+    out_ << "<g class=\"" << kind << "\"><title>"
+         << escapeXml(tooltipOf(picture_, picture_.lanes[lane], cell)) << "</title>";
     const int middle = SwimLanes::middle(lane);
     const int left = lanes_.boxLeft(column);
     if (cell.move != nullptr) writeArrow(cell.move->kind, column, middle);
@@ -210,7 +197,7 @@ class SvgWriter {
     const int y = lanes_.lanesBottom() + 28;
     int x = SwimLanes::margin;
     const auto sample = [&](PathPicture::MoveKind kind, const char* label) {
-      out_ << "<g class=\"" << classOf(kind) << "\">";
+      out_ << "<g class=\"" << styleClassOf(kind) << "\">";
       writeArrow(x, x + 30, y, kind == PathPicture::MoveKind::expensive);
       x += 34;
       if (kind != PathPicture::MoveKind::ordinary) {

@@ -41,14 +41,11 @@ void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& 
 
 void writeStepsText(const std::vector<StepListing>& listings, Colouring colouring,
                     std::ostream& out) {
-  if (listings.empty()) out << "No baseline: the versions cannot stand together.\n";
+  if (listings.empty()) out << noBaseline;
   for (std::size_t i = 0; i < listings.size(); ++i) {
     if (listings.size() > 1) {
-      out << (i == 0 ? "" : "\n")
-          << emphasise(
-                 "Baseline " + std::to_string(i + 1) + " of " + std::to_string(listings.size()),
-                 colouring)
-          << ": " << listMembers(listings[i].baseline) << "\n";
+      out << (i == 0 ? "" : "\n") << headingOfBaseline(i, listings.size(), colouring) << ": "
+          << listMembers(listings[i].baseline) << "\n";
     }
     writeGroups(listings[i], colouring, out);
   }

@@ -25,23 +25,22 @@ void append(std::u16string& key, const SemVer& version) {
   }
 }
 
-/// A text of its own for each name and range; names hold no NUL in a store.
-std::u16string keyOf(const std::u16string& name, const VersionRange& range) {
-  std::u16string key = name;
-  key += u'\0';
-  if (!range.isSemVerRange()) return key + u't' + range.getText();
-  key += u's';
-  append(key, range.getSemVerRange().lower);
-  append(key, range.getSemVerRange().upper);
-  return key;
-}
-
+/// A text of its own for each name and version; names hold no NUL in a store.
 std::u16string keyOf(const std::u16string& name, const VersionId& version) {
   std::u16string key = name;
   key += u'\0';
   if (!version.isSemVer()) return key + u't' + version.getText();
   key += u's';
   append(key, version.getSemVer());
+  return key;
+}
+
+/// The same for each name and range.
+std::u16string keyOf(const std::u16string& name, const VersionRange& range) {
+  if (!range.isSemVerRange()) return keyOf(name, VersionId(range.getText()));
+  const auto& [lower, upper] = range.getSemVerRange();
+  std::u16string key = keyOf(name, VersionId(lower));
+  append(key, upper);
   return key;
 }
 
@@ -68,8 +67,8 @@ CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name
     reason << hop << " leads to no version";
     database_.failDamaged("table hops", reason.str());
   }
-  const std::size_t weight = 1 + found.size();
-  return hops_.add(key, std::move(found), weight);
+  const std::size_t size = 1 + found.size();
+  return hops_.add(key, std::move(found), size);
 }
 
 bool CachedSqliteReader::hasVersion(const std::u16string& name, const VersionId& version) {
@@ -84,8 +83,8 @@ CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& 
   const std::u16string key = keyOf(name, range);
   if (Metamodels cached = metamodels_.find(key)) return cached;
   auto found = reader_.metamodelsIn(name, range);
-  const std::size_t weight = 1 + found.size();
-  return metamodels_.add(key, std::move(found), weight);
+  const std::size_t size = 1 + found.size();
+  return metamodels_.add(key, std::move(found), size);
 }
 
 void CachedSqliteReader::expectNoCycle(const Metamodels& candidates) {

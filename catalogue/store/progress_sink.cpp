@@ -17,9 +17,8 @@ std::function<void()> toldAgain(const StoreProgress& progress, double share) {
   return [&progress, share] { progress(share); };
 }
 
-ProgressSink::ProgressSink(CatalogueSink& next, const StoreProgress& progress,
-                           std::function<double()> share)
-    : next_(next), progress_(progress), share_(std::move(share)) {}
+ProgressSink::ProgressSink(CatalogueSink& next, const StoreProgress& progress, ShareOf shareOf)
+    : next_(next), progress_(progress), shareOf_(std::move(shareOf)) {}
 
 void ProgressSink::addMetamodel(const CatalogueMetamodel& metamodel) {
   next_.addMetamodel(metamodel);
@@ -35,7 +34,7 @@ void ProgressSink::addHop(const pathfinder::Hop& hop) {
 
 void ProgressSink::tell() const {
   if (!progress_ || (counts_.metamodels + counts_.hops) % rowsBetween != 1) return;
-  progress_(share_());
+  progress_(shareOf_(counts_));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "catalogue/catalogue_sink.hpp"
 #include "catalogue/store/store_progress.hpp"
 
@@ -14,8 +12,11 @@ std::function<void()> toldAgain(const StoreProgress& progress, double share);
 /// Hands rows on, counts them, and tells how far along they are.
 class ProgressSink : public CatalogueSink {
  public:
-  /// `share` says which share of the work is done; called now and then.
-  ProgressSink(CatalogueSink& next, const StoreProgress& progress, std::function<double()> share);
+  /// Says which share of the work is done after that many rows.
+  using ShareOf = std::function<double(const StoreCounts&)>;
+
+  /// `shareOf` is called now and then.
+  ProgressSink(CatalogueSink& next, const StoreProgress& progress, ShareOf shareOf);
 
   void addMetamodel(const CatalogueMetamodel& metamodel) override;
   void addHop(const pathfinder::Hop& hop) override;
@@ -28,7 +29,7 @@ class ProgressSink : public CatalogueSink {
 
   CatalogueSink& next_;
   const StoreProgress& progress_;
-  std::function<double()> share_;
+  ShareOf shareOf_;
   StoreCounts counts_;
 };
 

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -27,9 +27,8 @@ std::filesystem::path beside(const std::filesystem::path& file, const char* suff
   return result;
 }
 
-[[noreturn]] void fail(const std::filesystem::path& file, int error) {
-  throw CatalogueError("", "cannot be written: " + std::generic_category().message(error))
-      .inFile(file.string());
+[[noreturn]] void failToWrite(const std::filesystem::path& file, int error) {
+  failFor(file, "cannot be written: " + std::generic_category().message(error));
 }
 
 bool isSameFile(int descriptor, const std::filesystem::path& file) {
@@ -45,7 +44,7 @@ ReplacingFile::ReplacingFile(const std::filesystem::path& target)
     : target_(resolved(target)),
       path_(target_.parent_path() / ("." + target_.filename().string() + ".partial")) {
   if (std::filesystem::is_directory(target_)) {
-    throw CatalogueError("", "is a directory, not a file").inFile(target.string());
+    failFor(target, "is a directory, not a file");
   }
   while (!lock()) close(descriptor_);
   // The files that SQLite keeps beside its own may have been left as well.
@@ -61,16 +60,16 @@ ReplacingFile::ReplacingFile(const std::filesystem::path& target)
 bool ReplacingFile::lock() {
   constexpr int mode = 0666;
   descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, mode);
-  if (descriptor_ < 0) fail(path_, errno);
+  if (descriptor_ < 0) failToWrite(path_, errno);
   if (flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
     close(descriptor_);
-    throw CatalogueError("", "is being written by another program").inFile(path_.string());
+    failFor(path_, "is being written by another program");
   }
   if (!isSameFile(descriptor_, path_)) return false;
   if (ftruncate(descriptor_, 0) != 0) {
     const int error = errno;
     close(descriptor_);
-    fail(path_, error);
+    failToWrite(path_, error);
   }
   return true;
 }
@@ -85,8 +84,8 @@ ReplacingFile::~ReplacingFile() {
 }
 
 void ReplacingFile::replaceTarget() {
-  if (fsync(descriptor_) != 0) fail(path_, errno);
-  if (rename(path_.c_str(), target_.c_str()) != 0) fail(target_, errno);
+  if (fsync(descriptor_) != 0) failToWrite(path_, errno);
+  if (rename(path_.c_str(), target_.c_str()) != 0) failToWrite(target_, errno);
   isInPlace_ = true;
   const auto folder = std::filesystem::absolute(target_).parent_path();
   const int folderDescriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

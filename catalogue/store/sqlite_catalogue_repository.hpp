@@ -15,9 +15,8 @@ namespace tarn::evolution::catalogue {
 /// index; what was asked for lately is remembered, up to a few megabytes.
 ///
 /// **What it sees** is the store as it was when it was opened. Others may change the store
-/// meanwhile
-/// (`store_editing.hpp`), and be seen by repositories that are opened later. A store of an older
-/// form is brought to the present one when it is opened, which needs leave to write it.
+/// (`store_editing.hpp`) meanwhile, and be seen by repositories that are opened later. A store of
+/// an older form is brought to the present one when it is opened, which needs leave to write it.
 ///
 /// **Threads.** Any number of threads may call any operations at once, those of `VersionRepository`
 /// included, and may ask different questions. What reads the store takes turns at its one

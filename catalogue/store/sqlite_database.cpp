@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -94,7 +95,7 @@ void SqliteDatabase::openForReading() {
 
 void SqliteDatabase::open(int flags, bool isImmutable) {
   if (std::filesystem::is_directory(file_)) {
-    throw CatalogueError("", "is a directory, not a file").inFile(file_.string());
+    failFor(file_, "is a directory, not a file");
   }
   const std::string uri = uriOf(file_, isImmutable ? "immutable=1" : "");
   sqlite3* handle = nullptr;
@@ -173,24 +174,23 @@ void SqliteDatabase::fail(int code) const {
       if (thrownByWatch_) std::rethrow_exception(std::exchange(thrownByWatch_, nullptr));
       failDamaged("", "its tables lead in circles");
     case SQLITE_NOTADB:
-      throw CatalogueError("", "is not a catalogue store: " + message).inFile(file_.string());
+      failFor(file_, "is not a catalogue store: " + message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      throw CatalogueError("", "is in use by another program").inFile(file_.string());
+      failFor(file_, "is in use by another program");
     case SQLITE_CANTOPEN: {
       const int error = handle_ == nullptr ? 0 : sqlite3_system_errno(handle_.get());
-      throw CatalogueError("", "cannot be opened: " +
-                                   (error == 0 ? message : std::generic_category().message(error)))
-          .inFile(file_.string());
+      failFor(file_, "cannot be opened: " +
+                         (error == 0 ? message : std::generic_category().message(error)));
     }
     case SQLITE_READONLY:
-      throw CatalogueError("", "cannot be written").inFile(file_.string());
+      failFor(file_, "cannot be written");
     case SQLITE_NOMEM:
       // That is also what SQLite says of a damaged row that claims a length beyond all memory.
       if (hasMemoryFor(file_)) failDamaged("", "a row claims to be larger than memory");
       throw std::bad_alloc();
     default:
-      throw CatalogueError("", "cannot be used: " + message).inFile(file_.string());
+      failFor(file_, "cannot be used: " + message);
   }
 }
 

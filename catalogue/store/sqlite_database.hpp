@@ -8,9 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <variant>
-#include <vector>
 
 #include "tarn_evolution_catalogue_export.hpp"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 #include <unordered_map>
-#include <utility>
 
 #include "catalogue/dependency_graph.hpp"
 #include "catalogue/store/sqlite_rows.hpp"

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 #include "catalogue/store/sqlite_schema.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -41,12 +42,10 @@ void expectSqlite(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) return;  // SQLite says why it cannot be read
   if (!isSqliteFile(file)) {
-    throw CatalogueError("", "is not a catalogue store: it is not a SQLite database")
-        .inFile(file.string());
+    failFor(file, "is not a catalogue store: it is not a SQLite database");
   }
   if (std::filesystem::file_size(file, error) < headerSize) {
-    throw CatalogueError("", "the store is damaged: it ends within its header")
-        .inFile(file.string());
+    failFor(file, "the store is damaged: it ends within its header");
   }
 }
 
@@ -78,7 +77,7 @@ std::unique_ptr<SqliteDatabase> lockStoreForReplacement(const std::filesystem::p
     SqliteStatement fold(*database, "PRAGMA journal_mode = DELETE");
     auto rows = fold.query();
     if (rows.next() && rows.bytes(0) != "delete") {
-      throw CatalogueError("", "is in use by another program").inFile(file.string());
+      failFor(file, "is in use by another program");
     }
   } catch (const CatalogueError&) {
     if (database->isBusy() || isIntact(*database)) throw;
@@ -98,9 +97,7 @@ std::unique_ptr<SqliteDatabase> openStoreForEditing(const std::filesystem::path&
   expectSqlite(file);
   auto database = std::make_unique<SqliteDatabase>(file, SqliteDatabase::Access::Edit);
   if (!SqliteSchema::current().check(*database)) SqliteSchema::current().migrate(*database);
-  if (database->hasMoved()) {
-    throw CatalogueError("", "has been replaced meanwhile").inFile(file.string());
-  }
+  if (database->hasMoved()) failFor(file, "has been replaced meanwhile");
   database->run("PRAGMA journal_mode = WAL");
   database->run("PRAGMA synchronous = FULL");
   return database;

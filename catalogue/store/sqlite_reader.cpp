@@ -1,7 +1,6 @@
 #include "catalogue/store/sqlite_reader.hpp"
 
 #include <algorithm>
-#include <utility>
 
 #include "catalogue/store/sqlite_rows.hpp"
 

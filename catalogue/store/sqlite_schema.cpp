@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -106,16 +106,13 @@ void SqliteSchema::advance(SqliteDatabase& database, std::int64_t from) const {
 }
 
 bool SqliteSchema::check(SqliteDatabase& database) const {
-  const auto fail = [&](const std::string& reason) {
-    throw CatalogueError("", reason).inFile(database.file().string());
-  };
   if (database.number("PRAGMA application_id") != applicationId) {
-    fail("is not a catalogue store, but a SQLite database of another kind");
+    failFor(database.file(), "is not a catalogue store, but a SQLite database of another kind");
   }
   const std::int64_t found = database.number("PRAGMA user_version");
   if (found > version()) {
-    fail("is a store of form " + std::to_string(found) + ", newer than form " +
-         std::to_string(version()) + ", the last that this program knows");
+    failFor(database.file(), "is a store of form " + std::to_string(found) + ", newer than form " +
+                                 std::to_string(version()) + ", the last that this program knows");
   }
   if (found < 1) database.failDamaged("", "it is of no known form");
   SqliteDatabase model(SqliteDatabase::inMemory, SqliteDatabase::Access::Create);

@@ -1,9 +1,6 @@
 #include "catalogue/store/sqlite_validation.hpp"
 
 #include <algorithm>
-#include <limits>
-#include <map>
-#include <optional>
 #include <string>
 #include <utility>
 

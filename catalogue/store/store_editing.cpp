@@ -1,6 +1,6 @@
 #include "catalogue/store/store_editing.hpp"
 
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 #include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/sqlite_open.hpp"
 #include "catalogue/store/store_filling.hpp"
@@ -16,9 +16,7 @@ class Editing {
   explicit Editing(const std::filesystem::path& store)
       : database_(openStoreForEditing(store)),
         transaction_(*database_, SqliteTransaction::Kind::Write) {
-    if (database_->hasMoved()) {
-      throw CatalogueError("", "has been replaced meanwhile").inFile(store.string());
-    }
+    if (database_->hasMoved()) failFor(store, "has been replaced meanwhile");
   }
 
   SqliteDatabase& database() { return *database_; }

@@ -51,7 +51,7 @@ StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
     std::ifstream in = openForReading(json);
     const double size = sizeOf(in);
     FillingSink writer(store);
-    ProgressSink sink(writer, progress, [&] {
+    ProgressSink sink(writer, progress, [&](const StoreCounts& /*rows*/) {
       return size > 0 ? readingShare * static_cast<double>(in.tellg()) / size : 0;
     });
     streamJsonCatalogue(in, sink);

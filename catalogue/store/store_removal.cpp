@@ -1,11 +1,9 @@
 #include "catalogue/store/store_removal.hpp"
 
-#include <sstream>
-
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
+#include "catalogue/printed_text.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
-#include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -56,12 +54,6 @@ constexpr const char* removeNames = R"(
   DELETE FROM names WHERE id IN (SELECT name FROM touched)
     AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = names.id))";
 
-std::string printed(const pathfinder::VersionId& version) {
-  std::ostringstream out;
-  out << version;
-  return out.str();
-}
-
 }  // namespace
 
 RemovalResult StoreRemoval::run(const std::vector<RemovalChoice>& choices) {
@@ -93,10 +85,9 @@ void StoreRemoval::choose(const RemovalChoice& choice) {
     if (rows.next()) found = rows.number(0);
   }
   if (found > 0) return;
-  const std::string metamodel = "metamodel \"" + fl::i18n::ustring_to_utf8(name) + "\"";
-  throw CatalogueError("", version ? "there is no version " + printed(*version) + " of " + metamodel
-                                   : "there is no " + metamodel)
-      .inFile(store_.file().string());
+  const std::string metamodel = "metamodel " + quotedName(name);
+  failFor(store_.file(), version ? "there is no version " + textOf(*version) + " of " + metamodel
+                                 : "there is no " + metamodel);
 }
 
 void StoreRemoval::collectObstacles(RemovalResult& result) {

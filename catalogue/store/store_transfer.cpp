@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <fstream>
 
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/file_error.hpp"
 #include "catalogue/json_writer.hpp"
 #include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/replacing_file.hpp"
@@ -25,10 +25,6 @@ bool hasContent(const std::filesystem::path& file) {
   return error || size > 0;
 }
 
-[[noreturn]] void fail(const std::filesystem::path& file, const std::string& reason) {
-  throw CatalogueError("", reason).inFile(file.string());
-}
-
 /// Leaves a complete store in the file, in one piece.
 StoreCounts makeStore(const std::filesystem::path& file, const std::filesystem::path& json,
                       const StoreProgress& progress) {
@@ -48,7 +44,7 @@ StoreCounts importCatalogue(const std::filesystem::path& json, const std::filesy
   ReplacingFile file(store);
   const bool replaces = hasContent(file.target());
   if (replaces && !isStoreFile(file.target())) {
-    fail(store, "exists and is not a catalogue store; it is left alone");
+    failFor(store, "exists and is not a catalogue store; it is left alone");
   }
   const StoreCounts counts = makeStore(file.path(), json, progress);
   const auto old = replaces ? lockStoreForReplacement(file.target()) : nullptr;
@@ -61,7 +57,7 @@ StoreCounts exportCatalogue(const std::filesystem::path& store, const std::files
                             const StoreProgress& progress) {
   const auto database = openStoreForReading(store);
   if (isSqliteFile(json)) {
-    fail(json, "is a SQLite database, not a JSON catalogue; it is left alone");
+    failFor(json, "is a SQLite database, not a JSON catalogue; it is left alone");
   }
   const SqliteTransaction snapshot(*database, Kind::Read);
   const auto rows = static_cast<double>(
@@ -70,22 +66,16 @@ StoreCounts exportCatalogue(const std::filesystem::path& store, const std::files
   ReplacingFile file(json);
   std::ofstream out(file.path(), std::ios::binary);
   JsonCatalogueWriter writer(out);
-  StoreCounts counts;
-  {
-    ProgressSink* self = nullptr;
-    ProgressSink sink(writer, progress, [&] {
-      return static_cast<double>(self->counts().metamodels + self->counts().hops) / rows;
-    });
-    self = &sink;
-    SqliteReader(*database).readAll(sink);
-    counts = sink.counts();
-  }
+  ProgressSink sink(writer, progress, [rows](const StoreCounts& written) {
+    return static_cast<double>(written.metamodels + written.hops) / rows;
+  });
+  SqliteReader(*database).readAll(sink);
   writer.finish();
   out.close();
-  if (!out) fail(json, "cannot be written");
+  if (!out) failFor(json, "cannot be written");
   if (progress) progress(1);
   file.replaceTarget();
-  return counts;
+  return sink.counts();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -17,8 +17,7 @@ struct Texts {
   std::map<TextKey, std::string> byKey{
       {{"tarn_evo:messages", "ConflictingDependencies"},
        "The dependencies of the metamodels cannot all be satisfied, or a metamodel that is needed "
-       "is "
-       "missing."},
+       "is missing."},
       {{"tarn_evo:messages", "InvalidFamilyVersion"},
        "There is no version %1 of metamodel \"%2\"."},
   };

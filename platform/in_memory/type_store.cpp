@@ -72,7 +72,6 @@ struct TypeStore::Content {
     for (const char16_t* name : {u"Model", u"ModelElement"}) {
       addStandard(Class(new StoredClass(prefix + name, metaPackage, {})));
     }
-    types = standardTypes;
   }
 
   void addStandard(const Type& type) { standardTypes.emplace(type->getQualifiedName(), type); }

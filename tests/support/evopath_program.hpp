@@ -37,7 +37,7 @@ class EvopathProgram {
   }
 
   std::pair<int, std::string> run(const std::string& arguments) const {
-    return runShell("'" EVOPATH_PROGRAM "' " + arguments);
+    return runEvopath(folder_, arguments);
   }
 
  private:

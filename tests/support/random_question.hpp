@@ -16,12 +16,10 @@ class RandomQuestion {
  public:
   enum Shape {
     /// Ranges, hops that skip, go sideways or back, doubled hops, expensive hops, text versions
-    /// with and
-    /// without equivalents, names that only links bring in, targets that name a part.
+    /// with and without equivalents, names that only links bring in, targets that name a part.
     Loose,
     /// A hidden way through narrow ranges, with dear and cheap hops beside it: what one metamodel
-    /// saves,
-    /// others may have to pay for.
+    /// saves, others may have to pay for.
     Web,
   };
 

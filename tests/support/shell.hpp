@@ -19,4 +19,10 @@ inline std::pair<int, std::string> runInFolder(const std::filesystem::path& fold
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
 }
 
+/// The same for evopath.
+inline std::pair<int, std::string> runEvopath(const std::filesystem::path& folder,
+                                              const std::string& arguments) {
+  return runInFolder(folder, "'" EVOPATH_PROGRAM "' " + arguments);
+}
+
 }  // namespace test

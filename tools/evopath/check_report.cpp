@@ -1,20 +1,16 @@
 #include "check_report.hpp"
 
 #include <algorithm>
-#include <iomanip>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "catalogue/picture/display_text.hpp"
+#include "catalogue/printed_text.hpp"
+
 namespace evopath {
 
-using tarn::evolution::catalogue::Finding;
-using tarn::evolution::catalogue::FindingCode;
-using tarn::evolution::catalogue::identifierOf;
-using tarn::evolution::catalogue::nameOf;
-using tarn::evolution::catalogue::Severity;
-using tarn::evolution::catalogue::severityOf;
-using tarn::evolution::catalogue::titleOf;
+using namespace tarn::evolution::catalogue;
 
 namespace {
 
@@ -31,10 +27,12 @@ using Group = std::vector<const Finding*>;
 void printGroup(FindingCode code, const Group& group, std::ostream& out) {
   out << nameOf(severityOf(code)) << " " << identifierOf(code) << ": " << titleOf(code) << "\n";
   std::size_t widest = 0;
-  for (const Finding* finding : group) widest = std::max(widest, finding->place.text.size());
   for (const Finding* finding : group) {
-    out << "  " << std::left << std::setw(static_cast<int>(widest)) << finding->place.text
-        << (widest > 0 ? "  " : "") << finding->message << "\n";
+    widest = std::max(widest, countColumns(toVisible(finding->place.text)));
+  }
+  for (const Finding* finding : group) {
+    out << "  " << padTo(widest, toVisible(finding->place.text)) << (widest > 0 ? "  " : "")
+        << toVisible(finding->message) << "\n";
   }
 }
 
@@ -51,8 +49,7 @@ void printText(const CheckReport& report, std::ostream& out) {
   out << report.catalogue << ": ";
   std::string separator;
   for (const Severity severity : gravestFirst) {
-    const std::size_t count = countOf(report, severity);
-    out << separator << count << " " << nameOf(severity) << (count == 1 ? "" : "s");
+    out << separator << countedText(countOf(report, severity), nameOf(severity));
     separator = ", ";
   }
   out << "\n";

@@ -15,7 +15,8 @@ struct CheckReport {
   tarn::evolution::catalogue::Severity least;  ///< what is less is counted only
 };
 
-/// Grouped by what was found, the gravest first, and ending with a line of numbers.
+/// Grouped by what was found, the gravest first, and ending with a line of numbers; safe on a
+/// terminal.
 void printText(const CheckReport& report, std::ostream& out);
 
 /// In the order of the file.

@@ -1,7 +1,8 @@
 #include "explanation_json.hpp"
 
 #include "catalogue/picture/step_json.hpp"
-#include "phrases.hpp"
+#include "catalogue/printed_text.hpp"
+#include "platform/text.hpp"
 
 namespace evopath {
 
@@ -17,7 +18,7 @@ using tarn::evolution::pathfinder::VersionRepository;
 namespace {
 
 ordered_json json(const std::u16string& name) {
-  return textOf(name);
+  return fl::i18n::ustring_to_utf8(name);
 }
 
 ordered_json json(const VersionId& version) {
@@ -27,7 +28,7 @@ ordered_json json(const VersionId& version) {
 ordered_json json(const VersionRange& range) {
   if (!range.isSemVerRange()) return textOf(range);
   const auto& bounds = range.getSemVerRange();
-  return {textOf(VersionId(bounds.lower)), textOf(VersionId(bounds.upper))};
+  return {textOf(bounds.lower), textOf(bounds.upper)};
 }
 
 ordered_json json(const NamedVersion& version) {

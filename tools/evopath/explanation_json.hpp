@@ -17,13 +17,13 @@ namespace evopath {
 ///     path                    "steps"
 ///     unknown                 "entries": [{"side", "name", "version", "unknown", "nearest"}]
 ///     inconsistent            "side", "unlinkableSelected": [UNLINKABLE], "clash", "remedies"
-///     missing-chain           "direction", "chains": [{"target", "held", "starts", "reached",
-///     "leading",
-///                                         "missing", "chainInAnyDirection", "dependents"}]
+///     missing-chain           "direction", "chains": [CHAIN]
 ///     against-direction       "direction", "against": [HOP], "steps"
 ///     never-together          "names", "minimal", "stuckAt", "blocked": [{"hop", "clash"}]
 ///     path-beside-unlinkable  "steps"
 ///
+///     CHAIN       {"target", "held", "starts", "reached", "leading", "missing",
+///                  "chainInAnyDirection", "dependents"}
 ///     CLASH       {"parties", "contested", "requirements": [{"chain", "name", "range"}]}
 ///     UNLINKABLE  {"chain", "unmet": {"name", "range", "nearest"}, "clash"}
 ///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}

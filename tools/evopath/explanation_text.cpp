@@ -1,10 +1,11 @@
 #include "explanation_text.hpp"
 
 #include <algorithm>
-#include <iomanip>
 #include <ostream>
 
+#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/printed_text.hpp"
 #include "phrases.hpp"
 
 namespace evopath {
@@ -28,7 +29,7 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 std::string joined(const std::vector<NamedVersion>& chain) {
   std::string result;
-  for (const NamedVersion& link : chain) result += (result.empty() ? "" : " -> ") + textOf(link);
+  for (const NamedVersion& link : chain) result += (result.empty() ? "" : " -> ") + visible(link);
   return result;
 }
 
@@ -56,16 +57,16 @@ const auto headline = Overloaded{
     [](const MissingChains& reason) {
       std::vector<NamedVersion> targets;
       for (const MissingChain& chain : reason.chains) targets.push_back(chain.target);
-      return "no hops lead to " + listed(textsOf(targets), "or") + ".";
+      return "no hops lead to " + listed(visibleEach(targets), "or") + ".";
     },
     [](const AgainstDirection& reason) {
       return "every way there has hops that do not go " + directionText(reason.direction) + ".";
     },
     [](const NeverTogether& reason) {
       if (reason.names.size() == 1) {
-        return textOf(reason.names.front()) + " is blocked by what it needs.";
+        return visible(reason.names.front()) + " is blocked by what it needs.";
       }
-      return listed(textsOf(reason.names)) + " block one another.";
+      return listed(visibleEach(reason.names)) + " block one another.";
     },
     [](const PathBesideUnlinkable&) {
       return std::string("versions that might lie on the way cannot be linked.");
@@ -84,7 +85,7 @@ class Details {
     print(*reason.clash, "  ", " is selected at ");
     for (const auto& [name, versions] : reason.remedies) {
       if (versions.empty()) continue;
-      out_ << "With " << textOf(name) << " at " << listed(textsOf(versions), "or")
+      out_ << "With " << visible(name) << " at " << listed(visibleEach(versions), "or")
            << " the selection would be consistent.\n";
     }
   }
@@ -106,7 +107,7 @@ class Details {
   void operator()(const AgainstDirection& reason) {
     out_ << "If all hops counted, there would be a path. Against the direction go:\n";
     for (const auto& hop : reason.against) {
-      out_ << "  " << textOf(hop.name) << " " << textOf(hop) << "\n";
+      out_ << "  " << visible(hop.name) << " " << visible(hop) << "\n";
     }
     out_ << "The path in both directions:\n";
     printPath(reason.path);
@@ -119,9 +120,10 @@ class Details {
       out_ << "With any one of them left out, the others get there.\n";
     }
     if (reason.stuckAt.empty()) return;
-    out_ << "They get stuck with " << listed(textsOf(blockersAmong(reason))) << ".\n";
+    out_ << "They get stuck with " << listed(visibleEach(blockersAmong(reason))) << ".\n";
     for (const BlockedHop& blocked : reason.blocked) {
-      out_ << "There " << textOf(blocked.hop.name) << " cannot go " << textOf(blocked.hop) << ":\n";
+      out_ << "There " << visible(blocked.hop.name) << " cannot go " << visible(blocked.hop)
+           << ":\n";
       print(blocked.clash, "  ", " can then only be ");
     }
   }
@@ -132,12 +134,12 @@ class Details {
   }
 
   void print(const Unlinkable& unlinkable) {
-    out_ << textOf(unlinkable.chain.front()) << " cannot be linked: " << joined(unlinkable.chain);
+    out_ << visible(unlinkable.chain.front()) << " cannot be linked: " << joined(unlinkable.chain);
     if (unlinkable.unmet) {
-      out_ << " needs " << textOf(unlinkable.unmet->name) << " " << textOf(unlinkable.unmet->range)
-           << ", which no version satisfies";
+      out_ << " needs " << visible(unlinkable.unmet->name) << " "
+           << visible(unlinkable.unmet->range) << ", which no version satisfies";
       if (!unlinkable.nearestVersions.empty()) {
-        out_ << "; the nearest known: " << listed(textsOf(unlinkable.nearestVersions));
+        out_ << "; the nearest known: " << listed(visibleEach(unlinkable.nearestVersions));
       }
       out_ << ".\n";
     } else {
@@ -148,7 +150,7 @@ class Details {
 
   void printWithoutOrder(const std::vector<NamedVersion>& versions) {
     if (versions.empty()) return;
-    out_ << listed(textsOf(versions)) << " without a semantic equivalent "
+    out_ << listed(visibleEach(versions)) << " without a semantic equivalent "
          << (versions.size() == 1 ? "counts" : "count")
          << " as older than every semantic version. If the hop is right, give it one in the "
             "catalogue.\n";
@@ -157,15 +159,16 @@ class Details {
   void print(const NearestBaseline& nearest) {
     const std::size_t goals = nearest.arrived.size() + nearest.unfinished.size();
     out_ << "Nearest baseline that can be reached, with " << nearest.arrived.size() << " of "
-         << counted(goals, "metamodel") << " at the version asked for"
+         << countedText(goals, "metamodel") << " at the version asked for"
          << (nearest.isProven ? "" : " (the best found before the budget ended)") << ":\n";
     std::size_t width = 0;
-    for (const auto& [name, version] : nearest.arrived) width = std::max(width, name.size());
-    for (const Unfinished& rest : nearest.unfinished) {
-      width = std::max(width, rest.target.name.size());
-    }
+    const auto widen = [&width](const NamedVersion& target) {
+      width = std::max(width, countColumns(visible(target.name)));
+    };
+    for (const NamedVersion& arrived : nearest.arrived) widen(arrived);
+    for (const Unfinished& rest : nearest.unfinished) widen(rest.target);
     for (const NamedVersion& arrived : nearest.arrived) {
-      printName(arrived.name, width) << textOf(arrived.version) << "\n";
+      printName(arrived.name, width) << visible(arrived.version) << "\n";
     }
     for (const Unfinished& rest : nearest.unfinished) {
       printName(rest.target.name, width) << standingOf(rest) << "\n";
@@ -191,18 +194,18 @@ class Details {
 
   void printGap(const MissingChain& chain) {
     const auto& [name, from, to, expensive] = *chain.missingHop;
-    const std::string target = textOf(chain.target.version);
-    const std::string starts = listed(textsOf(chain.starts), "or");
+    const std::string target = visible(chain.target.version);
+    const std::string starts = listed(visibleEach(chain.starts), "or");
     const bool isLeaving = chain.reached.size() > chain.starts.size();
-    out_ << textOf(name) << (chain.isHeld ? "" : " can be brought in, but")
-         << (isLeaving ? " gets from " + starts + " as far as " + textOf(from)
+    out_ << visible(name) << (chain.isHeld ? "" : " can be brought in, but")
+         << (isLeaving ? " gets from " + starts + " as far as " + visible(from)
                        : " cannot leave " + starts);
     if (chain.leading.size() > 1) {
-      out_ << "; to " << target << " hops lead only from " << textOf(to) << " on.\n";
+      out_ << "; to " << target << " hops lead only from " << visible(to) << " on.\n";
     } else {
       out_ << ", and no hop leads to " << target << ".\n";
     }
-    out_ << "  Missing is a hop " << textOf(from) << " -> " << textOf(to);
+    out_ << "  Missing is a hop " << visible(from) << " -> " << visible(to);
     if (chain.reached.size() * chain.leading.size() > 1) {
       out_ << ", or another one in the right direction from " << choiceOf(chain.reached) << " to "
            << choiceOf(chain.leading);
@@ -210,23 +213,23 @@ class Details {
     out_ << ".\n";
     if (chain.chainInAnyDirection.empty()) return;
     out_ << "  Were it not for the direction, this chain would do: "
-         << textOf(chain.chainInAnyDirection.front().from);
-    for (const auto& hop : chain.chainInAnyDirection) out_ << " -> " << textOf(hop.to);
+         << visible(chain.chainInAnyDirection.front().from);
+    for (const auto& hop : chain.chainInAnyDirection) out_ << " -> " << visible(hop.to);
     out_ << "\n";
   }
 
   static std::string choiceOf(const std::vector<VersionId>& versions) {
-    if (versions.size() <= mostChoices) return listed(textsOf(versions), "or");
+    if (versions.size() <= mostChoices) return listed(visibleEach(versions), "or");
     return "one of " + std::to_string(versions.size()) + " versions from " +
-           textOf(versions.front()) + " to " + textOf(versions.back());
+           visible(versions.front()) + " to " + visible(versions.back());
   }
 
   void printNewcomer(const MissingChain& chain) {
-    const std::string name = textOf(chain.target.name);
+    const std::string name = visible(chain.target.name);
     out_ << "The source does not hold " << name << ", and nothing within reach brings it in.\n"
          << "  Let the source hold " << name << " at " << choiceOf(chain.leading);
     if (!chain.dependents.empty()) {
-      out_ << ", or a metamodel that gets to " << listed(textsOf(chain.dependents), "or")
+      out_ << ", or a metamodel that gets to " << listed(visibleEach(chain.dependents), "or")
            << ", which brings it in";
     }
     out_ << ".\n";
@@ -238,13 +241,14 @@ class Details {
     std::vector<VersionId> selected;
     for (const auto& [chain, name, range] : clash.requirements) {
       if (range) {
-        lines.push_back(joined(chain) + " needs " + textOf(name) + " " + textOf(*range));
+        lines.push_back(joined(chain) + " needs " + visible(name) + " " + visible(*range));
       } else {
         selected.push_back(chain.back().version);
       }
     }
     if (!selected.empty()) {
-      lines.push_back(textOf(clash.contested) + whenSelected + listed(textsOf(selected), "or"));
+      lines.push_back(visible(clash.contested) + whenSelected +
+                      listed(visibleEach(selected), "or"));
     }
     for (std::size_t i = 0; i < std::min(lines.size(), mostRequirements); ++i) {
       out_ << indent << lines[i] << "\n";
@@ -255,15 +259,15 @@ class Details {
   }
 
   std::ostream& printName(const std::u16string& name, std::size_t width) {
-    return out_ << "  " << std::left << std::setw(static_cast<int>(width)) << textOf(name) << "  ";
+    return out_ << "  " << padTo(width, visible(name)) << "  ";
   }
 
   static std::string standingOf(const Unfinished& rest) {
-    const std::string target = textOf(rest.target.version);
+    const std::string target = visible(rest.target.version);
     if (!rest.held) return "not brought in, " + target + " asked for";
-    const std::string held = textOf(*rest.held);
+    const std::string held = visible(*rest.held);
     if (!rest.hopsLeft) return held + ", no hops lead on to " + target;
-    return held + ", " + counted(*rest.hopsLeft, "hop") + " short of " + target;
+    return held + ", " + countedText(*rest.hopsLeft, "hop") + " short of " + target;
   }
 
   void printPath(const std::vector<tarn::evolution::pathfinder::BaselineHop>& path) {
@@ -277,14 +281,14 @@ class Details {
 
 std::string describeUnknown(const UnknownEntry& unknown) {
   const std::string side = unknown.side == QuestionSide::From ? "to start from" : "to reach";
-  const std::string name = "metamodel \"" + textOf(unknown.entry.name) + "\"";
+  const std::string name = "metamodel \"" + visible(unknown.entry.name) + "\"";
   if (!unknown.isNameKnown) {
     std::string result = "there is no " + name + " " + side;
     if (unknown.nearestNames.empty()) return result + ".";
-    return result + "; did you mean " + listed(textsOf(unknown.nearestNames), "or") + "?";
+    return result + "; did you mean " + listed(visibleEach(unknown.nearestNames), "or") + "?";
   }
-  return "there is no version " + textOf(unknown.entry.version) + " of " + name + " " + side +
-         "; the nearest known: " + listed(textsOf(unknown.nearestVersions)) + ".";
+  return "there is no version " + visible(unknown.entry.version) + " of " + name + " " + side +
+         "; the nearest known: " + listed(visibleEach(unknown.nearestVersions)) + ".";
 }
 
 }  // namespace

@@ -1,9 +1,24 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <sstream>
 
+#include "catalogue/picture/display_text.hpp"
 #include "program.hpp"
 #include "progress_bar.hpp"
+
+namespace {
+
+/// Errors name what catalogues hold, which must not disturb a terminal.
+void printError(const std::exception& error) {
+  std::istringstream lines(error.what());
+  const char* beginning = "evopath: ";
+  for (std::string line; std::getline(lines, line); beginning = "") {
+    std::cerr << beginning << tarn::evolution::catalogue::toVisible(line) << "\n";
+  }
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   CLI::App program("", "evopath");
@@ -16,10 +31,10 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return program.exit(error) == 0 ? 0 : evopath::badInput;
   } catch (const evopath::Interrupted& error) {
-    std::cerr << "evopath: " << error.what() << "\n";
+    printError(error);
     return std::raise(SIGINT);  // so that who started the program sees how it ended
   } catch (const std::exception& error) {
-    std::cerr << "evopath: " << error.what() << "\n";
+    printError(error);
     return evopath::badInput;
   }
 }

@@ -3,17 +3,16 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/path_picture.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
 #include "explanation_text.hpp"
-#include "messages/messages.hpp"
 #include "no_path_report.hpp"
 #include "output_option.hpp"
 #include "path_format.hpp"
-#include "platform/exception.hpp"
 #include "platform/in_memory/logging.hpp"
 #include "question_options.hpp"
 
@@ -22,8 +21,6 @@ namespace evopath {
 using namespace tarn::evolution::catalogue;
 using tarn::evolution::pathfinder::BaselineHop;
 using tarn::evolution::pathfinder::VersionBaseline;
-using ConflictingDependencies =
-    foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies>;
 
 namespace {
 

@@ -1,12 +1,14 @@
 #include "phrases.hpp"
 
-#include <sstream>
-
+#include "catalogue/picture/display_text.hpp"
+#include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {
 
 using tarn::evolution::catalogue::NamedVersion;
+using tarn::evolution::catalogue::textOf;
+using tarn::evolution::catalogue::toVisible;
 using tarn::evolution::pathfinder::Hop;
 using tarn::evolution::pathfinder::VersionId;
 using tarn::evolution::pathfinder::VersionRange;
@@ -15,41 +17,30 @@ namespace {
 
 constexpr std::size_t mostListed = 6;
 
-template <class Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
-
 }  // namespace
 
-std::string textOf(const std::u16string& name) {
-  return fl::i18n::ustring_to_utf8(name);
+std::string visible(const std::u16string& name) {
+  return toVisible(fl::i18n::ustring_to_utf8(name));
 }
 
-std::string textOf(const VersionId& version) {
-  return printed(version);
+std::string visible(const VersionId& version) {
+  return toVisible(textOf(version));
 }
 
-std::string textOf(const VersionRange& range) {
+std::string visible(const VersionRange& range) {
   if (range.isSemVerRange()) {
     const VersionId lower = range.getSemVerRange().lower;
-    if (range == VersionRange::singleVersion(lower)) return printed(lower);
+    if (range == VersionRange::singleVersion(lower)) return visible(lower);
   }
-  return printed(range);
+  return toVisible(textOf(range));
 }
 
-std::string textOf(const NamedVersion& version) {
-  return textOf(version.name) + " " + textOf(version.version);
+std::string visible(const NamedVersion& version) {
+  return visible(version.name) + " " + visible(version.version);
 }
 
-std::string textOf(const Hop& hop) {
-  return textOf(hop.from) + " -> " + textOf(hop.to);
-}
-
-std::string counted(std::size_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+std::string visible(const Hop& hop) {
+  return visible(hop.from) + " -> " + visible(hop.to);
 }
 
 std::string listed(const std::vector<std::string>& items, const std::string& conjunction) {

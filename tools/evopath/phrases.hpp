@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,32 +7,30 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/version_id.hpp"
 
-/// Names, versions and lists as the program writes them in sentences.
+/// Names, versions and lists as the program writes them in sentences, safe on a terminal (see
+/// `toVisible`).
 namespace evopath {
 
-std::string textOf(const std::u16string& name);
-std::string textOf(const tarn::evolution::pathfinder::VersionId& version);
+std::string visible(const std::u16string& name);
+std::string visible(const tarn::evolution::pathfinder::VersionId& version);
 
 /// "[1.0.0, 2.0.0)", or just the version when the range admits no other.
-std::string textOf(const tarn::evolution::pathfinder::VersionRange& range);
+std::string visible(const tarn::evolution::pathfinder::VersionRange& range);
 
 /// "shape 1.0.0".
-std::string textOf(const tarn::evolution::catalogue::NamedVersion& version);
+std::string visible(const tarn::evolution::catalogue::NamedVersion& version);
 
 /// "1.0.0 -> 2.0.0".
-std::string textOf(const tarn::evolution::pathfinder::Hop& hop);
-
-/// "1 step", "2 steps".
-std::string counted(std::size_t number, const std::string& noun);
+std::string visible(const tarn::evolution::pathfinder::Hop& hop);
 
 /// "a", "a and b", "a, b and c"; of more than a few only the first, and how many others there are.
 std::string listed(const std::vector<std::string>& items, const std::string& conjunction = "and");
 
 template <class Item>
-std::vector<std::string> textsOf(const std::vector<Item>& items) {
+std::vector<std::string> visibleEach(const std::vector<Item>& items) {
   std::vector<std::string> result;
   result.reserve(items.size());
-  for (const Item& item : items) result.push_back(textOf(item));
+  for (const Item& item : items) result.push_back(visible(item));
   return result;
 }
 

@@ -3,11 +3,13 @@
 #include <memory>
 #include <stdexcept>
 
+#include "catalogue/picture/display_text.hpp"
+#include "catalogue/printed_text.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
-#include "platform/text.hpp"
+#include "phrases.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
 
@@ -39,8 +41,8 @@ void printObstacles(const RemovalResult& result, std::ostream& out) {
   out << "evopath: nothing was removed, for others depend on it:\n";
   for (const auto& [dependent, dependency] : result.obstacles) {
     const auto& [name, range] = dependent.dependencies.at(dependency);
-    out << "  " << dependent << " depends on " << fl::i18n::ustring_to_utf8(name) << " " << range
-        << "\n";
+    out << "  " << toVisible(textOf(dependent)) << " depends on " << visible(name) << " "
+        << toVisible(textOf(range)) << "\n";
   }
   if (result.obstacleCount > result.obstacles.size()) {
     out << "  and " << result.obstacleCount - result.obstacles.size() << " more\n";

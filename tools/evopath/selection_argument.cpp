@@ -28,7 +28,7 @@ Selection parseOne(const std::string& argument, QuestionSide side) {
 void addTo(Selection& selection, const Selection& added) {
   for (const auto& [name, version] : added) {
     if (selection.emplace(name, version).second) continue;
-    throw std::invalid_argument("the name " + textOf(name) + " stands twice");
+    throw std::invalid_argument("the name " + visible(name) + " stands twice");
   }
 }
 

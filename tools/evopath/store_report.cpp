@@ -1,18 +1,16 @@
 #include "store_report.hpp"
 
+#include "catalogue/printed_text.hpp"
+
 namespace evopath {
 
-namespace {
-
-std::string counted(std::uint64_t number, const std::string& one, const std::string& many) {
-  return std::to_string(number) + " " + (number == 1 ? one : many);
-}
-
-}  // namespace
+using tarn::evolution::catalogue::countedText;
 
 std::string describeCounts(const tarn::evolution::catalogue::StoreCounts& counts) {
-  return counted(counts.metamodels, "version of a metamodel", "versions of metamodels") + " and " +
-         counted(counts.hops, "hop", "hops");
+  const std::string metamodels =
+      counts.metamodels == 1 ? "1 version of a metamodel"
+                             : std::to_string(counts.metamodels) + " versions of metamodels";
+  return metamodels + " and " + countedText(counts.hops, "hop");
 }
 
 }  // namespace evopath

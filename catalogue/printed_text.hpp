@@ -3,7 +3,11 @@
 #include <cstddef>
 #include <sstream>
 #include <string>
+#include <string_view>
 
+#include "platform/text.hpp"
+
+/// Values, names and numbers as they stand in sentences.
 namespace tarn::evolution::catalogue {
 
 /// What a value's stream operator writes.
@@ -12,6 +16,11 @@ std::string textOf(const Value& value) {
   std::ostringstream out;
   out << value;
   return out.str();
+}
+
+/// A name between quotation marks.
+inline std::string quotedName(std::u16string_view name) {
+  return "\"" + fl::i18n::ustring_to_utf8(std::u16string(name)) + "\"";
 }
 
 /// "1 step", "2 steps".

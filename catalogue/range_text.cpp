@@ -1,6 +1,6 @@
-#include "catalogue/picture/range_text.hpp"
+#include "catalogue/range_text.hpp"
 
-#include "catalogue/explanation/printed_text.hpp"
+#include "catalogue/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -9,9 +9,9 @@ using pathfinder::VersionRange;
 
 std::optional<VersionId> findSingleVersion(const VersionRange& range) {
   if (!range.isSemVerRange()) return VersionId(range.getText());
-  const auto& [lower, upper] = range.getSemVerRange();
-  const bool isSingle = lower < upper && range == VersionRange::singleVersion(lower);
-  return isSingle ? std::optional<VersionId>(lower) : std::nullopt;
+  const pathfinder::SemVer& lower = range.getSemVerRange().lower;
+  return range == VersionRange::singleVersion(lower) ? std::optional<VersionId>(lower)
+                                                     : std::nullopt;
 }
 
 std::string rangeText(const VersionRange& range) {

@@ -5,9 +5,11 @@
 
 #include "pathfinder/version_id.hpp"
 
+/// Ranges as catalogues and messages write them.
 namespace tarn::evolution::catalogue {
 
-/// The version when a range includes just this one, as a catalogue may write it.
+/// The version of a range that is of one version only (`VersionRange::singleVersion`), also of one
+/// with the largest patch, whose upper bound has wrapped.
 std::optional<pathfinder::VersionId> findSingleVersion(const pathfinder::VersionRange& range);
 
 /// "1.0.0", "[1.0.0, 2.0.0)" or "spring".

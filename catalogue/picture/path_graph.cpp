@@ -1,0 +1,58 @@
+#include "catalogue/picture/path_graph.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+using MoveKind = PathPicture::MoveKind;
+using NodeKind = PathGraph::NodeKind;
+
+/// The node of a lane's version reached in a column.
+std::string nodeId(std::size_t lane, std::size_t column) {
+  return "m" + std::to_string(lane) + "s" + std::to_string(column);
+}
+
+std::string labelOf(std::string name, const std::string& version) {
+  return name.append(" ").append(version);
+}
+
+PathGraph::Cluster startOf(const PathPicture& picture) {
+  PathGraph::Cluster cluster{"Start", {}, {}, std::nullopt};
+  for (std::size_t i = 0; i < picture.lanes.size(); ++i) {
+    const auto& [name, start, isMoved] = picture.lanes[i];
+    if (start.empty()) continue;
+    cluster.nodes.push_back(
+        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::ordinary : NodeKind::unmoved});
+  }
+  return cluster;
+}
+
+}  // namespace
+
+PathGraph::PathGraph(const PathPicture& picture) {
+  clusters.push_back(startOf(picture));
+  std::vector<std::size_t> columnOf(picture.lanes.size(), 0);  // that each lane was reached in last
+  for (std::size_t column = 1; column <= picture.steps.size(); ++column) {
+    const PathPicture::Step& step = picture.steps[column - 1];
+    Cluster& cluster = clusters.emplace_back();
+    cluster.label = "Step " + std::to_string(column) + ", weight " + std::to_string(step.weight);
+    if (column > 1) {
+      cluster.order.emplace(clusters[column - 1].nodes.front().id,
+                            nodeId(step.moves.front().lane, column));
+    }
+    for (const PathPicture::Move& move : step.moves) {
+      const bool enters = move.kind == MoveKind::entering;
+      const std::string id = nodeId(move.lane, column);
+      cluster.nodes.push_back(
+          {id, labelOf(picture.lanes[move.lane].name, move.to) + (enters ? " (brought in)" : ""),
+           enters ? NodeKind::entering : NodeKind::ordinary});
+      if (!enters) {
+        cluster.edges.push_back(
+            {nodeId(move.lane, columnOf[move.lane]), id, move.kind == MoveKind::expensive});
+      }
+      columnOf[move.lane] = column;
+    }
+  }
+}
+
+}  // namespace tarn::evolution::catalogue
