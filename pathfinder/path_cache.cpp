@@ -51,7 +51,7 @@ PathCache::Step::Step(const BaselineHop& step) : hops(step.hops.begin(), step.ho
 BaselineHop PathCache::Step::applyTo(const VersionBaseline& from) const {
   VersionBaseline after = to ? *to : from;
   for (const auto& [name, metamodel] : changes) after.metamodels.at(name) = metamodel;
-  return {from, std::move(after), LockstepHop(hops.begin(), hops.end())};
+  return {from, std::move(after), LockstepHop(hops.begin(), hops.end(), hops.size())};
 }
 
 std::vector<BaselineHop> PathCache::makePath(const VersionBaseline& source, const Steps& steps) {
