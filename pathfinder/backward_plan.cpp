@@ -26,7 +26,7 @@ class PlanSearch {
     while (!waiting_.empty()) {
       const std::shared_ptr<Node> node = waiting_.top();
       waiting_.pop();
-      if (best_ && isWorseThanBest(*node)) break;
+      if (best_ && comesFirst(*best_, node->cost)) break;
       if (node->partial.isRough) {
         node->stage->formation.refine(node->partial);
         push(node->stage, std::move(node->partial));
@@ -50,24 +50,21 @@ class PlanSearch {
   struct Stage {
     StepFormation formation;
     const VersionSelection* after;  // null for the formation of a last selection
-    std::uint64_t total;
-    WeightSequence weights;
+    PlanCost cost;
   };
 
   struct Node {
-    std::uint64_t total;
-    WeightSequence weights;  // decided, then the heaviest possible
+    PlanCost cost;  // of what is decided, and the bound of the rest
     std::uint64_t sequence;
     std::shared_ptr<const Stage> stage;
     StepFormation::Partial partial;
   };
 
-  /// Orders the queue: the best key first, among equal keys the one added last.
+  /// Orders the queue: the best cost first, among equal costs the one added last.
   struct IsAfter {
     bool operator()(const std::shared_ptr<Node>& left, const std::shared_ptr<Node>& right) const {
-      if (left->total != right->total) return left->total > right->total;
-      if (left->weights != right->weights) return comesFirst(right->weights, left->weights);
-      return left->sequence < right->sequence;
+      if (left->cost == right->cost) return left->sequence < right->sequence;
+      return comesFirst(right->cost, left->cost);
     }
   };
 
@@ -81,11 +78,10 @@ class PlanSearch {
       for (VersionIndex version = first; version < end; ++version) formation.addOption({version});
       formation.endName();
     }
-    open({std::move(formation), nullptr, 0, {}});
+    open({std::move(formation), nullptr, {}});
   }
 
-  void stepBackFrom(const VersionSelection& selection, std::uint64_t total,
-                    const WeightSequence& weights) {
+  void stepBackFrom(const VersionSelection& selection, const PlanCost& cost) {
     const bool mayRest = std::any_of(selection.begin(), selection.end(), [this](VersionIndex held) {
       const auto hops = incoming_.into(held);
       return std::any_of(hops.begin(), hops.end(),
@@ -107,7 +103,7 @@ class PlanSearch {
       if (held.isEntry && absent != SearchSpace::none) formation.addOption({absent});
       formation.endName();
     }
-    open({std::move(formation), &selection, total, weights});
+    open({std::move(formation), &selection, cost});
   }
 
   void open(Stage stage) {
@@ -119,19 +115,15 @@ class PlanSearch {
   void push(const std::shared_ptr<const Stage>& stage, StepFormation::Partial partial) {
     if (!stage->formation.findBound(partial, bound_)) return;
     auto node = std::make_shared<Node>();
-    node->total = stage->total + bound_.total;
-    node->weights.reserve(stage->weights.size() + bound_.weights.size());
-    node->weights = stage->weights;
-    node->weights.insert(node->weights.end(), bound_.weights.begin(), bound_.weights.end());
+    node->cost.total = stage->cost.total + bound_.total;
+    WeightSequence& weights = node->cost.weights;
+    weights.reserve(stage->cost.weights.size() + bound_.weights.size());
+    weights = stage->cost.weights;
+    weights.insert(weights.end(), bound_.weights.begin(), bound_.weights.end());
     node->sequence = ++added_;
     node->stage = stage;
     node->partial = std::move(partial);
     waiting_.push(std::move(node));
-  }
-
-  bool isWorseThanBest(const Node& node) const {
-    if (node.total != best_->total) return node.total > best_->total;
-    return comesFirst(best_->weights, node.weights);
   }
 
   /// A step is formed: the selection before it is reached.
@@ -141,8 +133,7 @@ class PlanSearch {
     if (chosen.empty()) return;
     VersionSelection selection;
     BackwardPlan::Step step{{}, stage.after};
-    std::uint64_t total = stage.total;
-    WeightSequence weights = stage.weights;
+    PlanCost cost = stage.cost;
     selection.reserve(chosen.size());
     step.hops.reserve(chosen.size());
     for (const Option& option : chosen) {
@@ -153,35 +144,24 @@ class PlanSearch {
       std::uint64_t hopWeights = 0;
       for (const std::uint64_t hop : step.hops) hopWeights += hop;
       if (!isBroughtIn(selection, *stage.after)) return;
-      total += stepWeight(hopWeights);
-      weights.push_back(stepWeight(hopWeights));
+      cost.total += stepWeight(hopWeights);
+      cost.weights.push_back(stepWeight(hopWeights));
     }
-    reach(std::move(selection), total, weights, std::move(step));
+    reach(std::move(selection), cost, std::move(step));
   }
 
-  void reach(VersionSelection selection, std::uint64_t total, const WeightSequence& weights,
-             BackwardPlan::Step step) {
+  void reach(VersionSelection selection, const PlanCost& cost, BackwardPlan::Step step) {
     const auto [entry, isNew] = plan_.continuations_.try_emplace(std::move(selection));
     BackwardPlan::Continuation& known = entry->second;
     // The guess may improve on the way, so a later arrival can be the better one.
-    const bool isBetter = isNew || total < known.total ||
-                          (total == known.total && comesFirst(weights, known.weights));
-    if (isBetter) {
-      known = {total, weights, {}};
-      noteSource(entry->first, known);
-      stepBackFrom(entry->first, total, weights);
+    if (isNew || comesFirst(cost, known.cost)) {
+      known = {cost, {}};
+      if (sources_.contains(entry->first) && (!best_ || comesFirst(cost, *best_))) best_ = cost;
+      stepBackFrom(entry->first, cost);
     }
-    if (step.after != nullptr && known.total == total && known.weights == weights) {
+    if (step.after != nullptr && known.cost == cost) {
       known.steps.insert(std::move(step));
     }
-  }
-
-  void noteSource(const VersionSelection& selection, const BackwardPlan::Continuation& reached) {
-    if (!sources_.contains(selection)) return;
-    const bool isBetter =
-        !best_ || reached.total < best_->total ||
-        (reached.total == best_->total && comesFirst(reached.weights, best_->weights));
-    if (isBetter) best_ = PlanBound{reached.total, reached.weights};
   }
 
   /// Whether every name that the step adds is linked by a name that was held before it.
@@ -220,8 +200,8 @@ class PlanSearch {
   const Deferral deferral_;
   std::priority_queue<std::shared_ptr<Node>, std::vector<std::shared_ptr<Node>>, IsAfter> waiting_;
   std::uint64_t added_ = 0;
-  PlanBound bound_;  // of the node being added; kept for its memory
-  std::optional<PlanBound> best_;
+  PlanCost bound_;  // of the node being added; kept for its memory
+  std::optional<PlanCost> best_;
   BackwardPlan plan_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -30,9 +29,8 @@ class BackwardPlan {
 
   /// What is planned from a selection on.
   struct Continuation {
-    std::uint64_t total;
-    WeightSequence weights;  ///< of the steps that follow, the last one first
-    std::set<Step> steps;    ///< the next step
+    PlanCost cost;         ///< of the steps that follow
+    std::set<Step> steps;  ///< the next step
   };
 
   /// No value when there is no plan, and so no path.

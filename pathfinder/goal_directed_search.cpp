@@ -85,8 +85,9 @@ class Realisation {
 
   /// Whether what is planned from here on has the step weights with which the best plans end.
   bool isBestWithStepsLeft(const BackwardPlan::Continuation& planned, std::size_t stepsLeft) const {
-    return stepsLeft > 0 && planned.weights.size() == stepsLeft &&
-           std::equal(planned.weights.begin(), planned.weights.end(), plan_.weights().begin());
+    const WeightSequence& weights = planned.cost.weights;
+    return stepsLeft > 0 && weights.size() == stepsLeft &&
+           std::equal(weights.begin(), weights.end(), plan_.weights().begin());
   }
 
   bool hasFailed(const VersionBaseline& baseline, std::size_t stepsLeft) {

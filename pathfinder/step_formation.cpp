@@ -8,18 +8,11 @@
 
 namespace tarn::evolution::pathfinder {
 
-namespace {
-
-bool isBetter(const PlanBound& left, const PlanBound& right) {
+bool comesFirst(const PlanCost& left, const PlanCost& right) {
   if (left.total != right.total) return left.total < right.total;
-  return comesFirst(left.weights, right.weights);
-}
-
-}  // namespace
-
-bool comesFirst(const WeightSequence& left, const WeightSequence& right) {
-  const auto [l, r] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
-  if (l == left.end() || r == right.end()) return r != right.end();
+  const auto [l, r] = std::mismatch(left.weights.begin(), left.weights.end(), right.weights.begin(),
+                                    right.weights.end());
+  if (l == left.weights.end() || r == right.weights.end()) return r != right.weights.end();
   return *l > *r;
 }
 
@@ -208,7 +201,7 @@ const StepFormation::Candidate* StepFormation::best(const Partial& partial, cons
   return nullptr;
 }
 
-void StepFormation::setBound(PlanBound& bound, const Sum& sum, const std::uint64_t* retreats,
+void StepFormation::setBound(PlanCost& bound, const Sum& sum, const std::uint64_t* retreats,
                              std::uint32_t steps, bool withOrdinaryHop) const {
   bound.total = sum.least + steps + (withOrdinaryHop ? 1 : 0);
   bound.weights.clear();
@@ -226,7 +219,7 @@ void StepFormation::refine(Partial& partial) const {
   partial.isRough = false;
 }
 
-bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
+bool StepFormation::findBound(const Partial& partial, PlanCost& bound) const {
   if (partial.isRough) {
     bound.total = partial.leastEver + partial.steps + 1;
     bound.weights = {std::numeric_limits<std::uint64_t>::max()};
@@ -240,13 +233,13 @@ bool StepFormation::findBound(const Partial& partial, PlanBound& bound) const {
 }
 
 /// The bound, by looking at every number of steps before that could be the best.
-bool StepFormation::findBoundByTrial(const Partial& partial, PlanBound& bound) const {
+bool StepFormation::findBoundByTrial(const Partial& partial, PlanCost& bound) const {
   std::uint32_t most = 0;
   for (std::size_t i = 0; i < candidates_.size(); ++i) {
     if (isOpen(partial, i)) most = std::max(most, candidates_[i].outlook->ordinarySteps);
   }
   bool isFound = false;
-  PlanBound tried;
+  PlanCost tried;
   WeightSequence retreats;
   for (const bool withOrdinaryHop : {false, true}) {
     if (withOrdinaryHop ? !isStep() : kind_ == Kind::StepWithOrdinaryHop) continue;
@@ -255,7 +248,7 @@ bool StepFormation::findBoundByTrial(const Partial& partial, PlanBound& bound) c
       Sum sum;
       if (!sumUp(partial, steps, withOrdinaryHop, sum, retreats)) continue;
       setBound(tried, sum, retreats.data(), steps, withOrdinaryHop);
-      if (!isFound || isBetter(tried, bound)) std::swap(bound, tried);
+      if (!isFound || comesFirst(tried, bound)) std::swap(bound, tried);
       isFound = true;
     }
   }

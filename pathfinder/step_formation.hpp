@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -14,15 +13,18 @@ namespace tarn::evolution::pathfinder {
 /// Step weights from the last step of a path back.
 using WeightSequence = std::vector<std::uint64_t>;
 
-/// Whether, of two plans of one total, the one with these step weights comes first: the one that is
-/// heavier where they first differ, or that ends there.
-bool comesFirst(const WeightSequence& left, const WeightSequence& right);
-
-/// An optimistic guess at what a way back to the sources costs.
-struct PlanBound {
+/// What a plan costs. As a bound: the least total, and the heaviest possible weights.
+struct PlanCost {
   std::uint64_t total = 0;
-  WeightSequence weights;  ///< the heaviest possible first
+  WeightSequence weights;
+
+  bool operator==(const PlanCost&) const = default;
 };
+
+/// Whether, of two plans, the one that costs `left` comes first: the one with the smaller total or,
+/// of equal totals, the one that is heavier where the step weights first differ, or that ends
+/// there.
+bool comesFirst(const PlanCost& left, const PlanCost& right);
 
 /// The ways to go one step back from a selection, formed name by name: there are exponentially
 /// many, and a step of which some names are decided already tells what the others can still do.
@@ -116,7 +118,7 @@ class StepFormation {
   /// Finds the least total of the step and all before it, and the heaviest weights among those of
   /// that total; false when a name has no option that leads back to a source. `bound` is
   /// overwritten.
-  bool findBound(const Partial& partial, PlanBound& bound) const;
+  bool findBound(const Partial& partial, PlanCost& bound) const;
 
   /// Brings a rough step's sums up to date, so that its bound is as good as can be.
   void refine(Partial& partial) const;
@@ -156,9 +158,9 @@ class StepFormation {
   void discount(Partial& partial, const Row& row) const;
   void recount(Partial& partial) const;
 
-  void setBound(PlanBound& bound, const Sum& sum, const std::uint64_t* retreats,
-                std::uint32_t steps, bool withOrdinaryHop) const;
-  bool findBoundByTrial(const Partial& partial, PlanBound& bound) const;
+  void setBound(PlanCost& bound, const Sum& sum, const std::uint64_t* retreats, std::uint32_t steps,
+                bool withOrdinaryHop) const;
+  bool findBoundByTrial(const Partial& partial, PlanCost& bound) const;
   bool sumUp(const Partial& partial, std::uint32_t steps, bool withOrdinaryHop, Sum& sum,
              WeightSequence& retreats) const;
 
