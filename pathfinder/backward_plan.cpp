@@ -172,11 +172,9 @@ class PlanSearch {
     }
     for (NameIndex name = 0; name < before.size() && !added.empty(); ++name) {
       if (ground_.space.isAbsent(before[name])) continue;
-      const SearchSpace::Version& version = ground_.space.versions[after[name]];
-      for (std::size_t i = 0; i < version.linked->size(); ++i) {
-        const auto& closure = ground_.space.variants[version.firstVariant + i].closure;
-        if (!matches(closure, after)) continue;
-        for (const SearchSpace::Link& link : closure) added.erase(link.name);
+      for (const SearchSpace::Variant& variant : ground_.space.variantsOf(after[name])) {
+        if (!matches(variant.closure, after)) continue;
+        for (const SearchSpace::Link& link : variant.closure) added.erase(link.name);
       }
     }
     return added.empty();

@@ -12,13 +12,6 @@ namespace {
 using Closure = std::span<const SearchSpace::Link>;
 using Projection = std::vector<VariantIndex>;
 
-/// The linked metamodels of a version; none for "absent".
-std::span<const SearchSpace::Variant> variantsOf(const SearchSpace& space, VersionIndex index) {
-  if (space.isAbsent(index)) return {};
-  const SearchSpace::Version& version = space.versions[index];
-  return std::span(space.variants).subspan(version.firstVariant, version.linked->size());
-}
-
 /// The variant that a closure holds under a name; `none` when it holds none.
 VariantIndex heldUnder(const Closure& closure, NameIndex name) {
   const auto found = std::lower_bound(
@@ -47,7 +40,7 @@ bool anyAgree(const std::vector<Projection>& left, const std::vector<Projection>
 std::vector<Projection> project(const SearchSpace& space, VersionIndex index, NameIndex without,
                                 const std::vector<NameIndex>& shared) {
   std::vector<Projection> result;
-  for (const SearchSpace::Variant& variant : variantsOf(space, index)) {
+  for (const SearchSpace::Variant& variant : space.variantsOf(index)) {
     if (heldUnder(variant.closure, without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
@@ -92,7 +85,7 @@ void Coexistence::surveyClosures() {
     std::size_t closures = 0;
     for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
          ++version) {
-      const auto variants = variantsOf(space_, version);
+      const auto variants = space_.variantsOf(version);
       closures += variants.size();
       holdings.isSingle &= variants.size() <= 1;
       for (const SearchSpace::Variant& variant : variants) {
@@ -243,7 +236,7 @@ void Coexistence::fillRows(NameIndex name, NameIndex neighbour) {
 void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
   for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
        ++version) {
-    for (const SearchSpace::Variant& variant : variantsOf(space_, version)) {
+    for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
       const VariantIndex held = heldUnder(variant.closure, linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);
@@ -271,7 +264,7 @@ void Coexistence::admitAgreeing(NameIndex left, NameIndex right) {
 bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
   for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
     if (space_.isAbsent(index)) return true;
-    const auto variants = variantsOf(space_, index);
+    const auto variants = space_.variantsOf(index);
     const bool isWithout =
         std::any_of(variants.begin(), variants.end(), [&](const SearchSpace::Variant& variant) {
           return heldUnder(variant.closure, other) == SearchSpace::none;

@@ -78,6 +78,13 @@ struct SearchSpace {
 
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
+  /// The variants of a version; none of "absent".
+  std::span<const Variant> variantsOf(VersionIndex version) const {
+    const auto* linked = versions[version].linked;
+    if (linked == nullptr) return {};
+    return std::span(variants).subspan(versions[version].firstVariant, linked->size());
+  }
+
   /// The version that a linked metamodel of a name that is linked is of; `none` when that is not in
   /// the space.
   VersionIndex versionOf(const LinkedMetamodel& linked) const;

@@ -7,26 +7,23 @@
 #include <unordered_set>
 #include <utility>
 
-#include "messages/report_exception.hpp"
+#include "pathfinder/bystanders.hpp"
 #include "pathfinder/covering_link.hpp"
+#include "pathfinder/link_attempt.hpp"
 #include "pathfinder/space_building.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
-using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
-                                                     std::exception, void>;
-
 class SpaceSurvey {
  public:
   explicit SpaceSurvey(const SearchQuestion& question) : question_(question) {}
 
   std::unique_ptr<const SearchSpace> run() {
-    setBystandersAside();
     enterTargets();
     for (const KnownMetamodel& known : question_.known) {
-      if (!isAside(*known.linked->front())) noteAnswer(known);
+      if (!bystanders_.contain(*known.linked->front())) noteAnswer(known);
     }
     if (!enterSources()) return nullptr;
     do {
@@ -73,39 +70,9 @@ class SpaceSurvey {
     unasked_.push_back(&draft);
   }
 
-  /// Sets aside the names that may be bystanders. Their linked metamodels stand for them.
-  void setBystandersAside() {
-    if (question_.sources.empty()) return;
-    for (const auto& [name, linked] : question_.sources.front().metamodels) {
-      if (linked && linked->dependencies.empty() && mayStandBy(name, linked)) {
-        aside_.insert(linked.get());
-      }
-    }
-  }
-
-  bool mayStandBy(const std::u16string& name,
-                  const std::shared_ptr<LinkedMetamodel>& linked) const {
-    const auto holdsOther = [&](const VersionBaseline& baseline, bool unlessAbsent) {
-      const auto held = baseline.metamodels.find(name);
-      return held == baseline.metamodels.end() ? !unlessAbsent : held->second != linked;
-    };
-    const auto& sources = question_.sources;
-    const auto& targets = question_.targets;
-    if (std::any_of(targets.begin(), targets.end(),
-                    [&](const auto& target) { return holdsOther(target, true); }) ||
-        std::any_of(sources.begin() + 1, sources.end(),
-                    [&](const auto& source) { return holdsOther(source, false); })) {
-      return false;
-    }
-    const LinkedMetamodels* own = linkedOf(*linked);
-    return linked->name == name && own != nullptr && own->front() == linked;
-  }
-
-  bool isAside(const LinkedMetamodel& linked) const { return aside_.contains(&linked); }
-
-  /// Takes a name up that was set aside, because it is involved after all.
+  /// Takes a bystander up, because it is involved after all.
   void takeUp(const std::u16string& name, const LinkedMetamodel& linked) {
-    aside_.erase(&linked);
+    bystanders_.remove(linked);
     for (std::size_t i = 0; i < question_.targets.size(); ++i) {
       if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, &linked);
     }
@@ -113,9 +80,9 @@ class SpaceSurvey {
   }
 
   void takeAllUp() {
-    if (aside_.empty()) return;
+    if (bystanders_.empty()) return;
     for (const auto& [name, linked] : question_.sources.front().metamodels) {
-      if (isAside(*linked)) takeUp(name, *linked);
+      if (bystanders_.contain(*linked)) takeUp(name, *linked);
     }
   }
 
@@ -130,7 +97,7 @@ class SpaceSurvey {
       const auto& metamodels = question_.targets[i].metamodels;
       met_.targets[i].reserve(metamodels.size());
       for (const auto& [name, linked] : metamodels) {
-        if (!linked || !isAside(*linked)) enterTarget(i, name, linked.get());
+        if (!linked || !bystanders_.contain(*linked)) enterTarget(i, name, linked.get());
       }
     }
   }
@@ -164,7 +131,7 @@ class SpaceSurvey {
       met_.sources[i].reserve(metamodels.size());
       for (const auto& [name, linked] : metamodels) {
         if (!linked) return false;
-        if (!isAside(*linked) && !enterSource(i, name, *linked)) return false;
+        if (!bystanders_.contain(*linked) && !enterSource(i, name, *linked)) return false;
       }
     }
     return true;
@@ -313,17 +280,8 @@ class SpaceSurvey {
   }
 
   void link(Draft& draft) {
-    if (!std::exchange(draft.isLinkTried, true)) draft.linked = linkedOf(*draft.descriptor);
-  }
-
-  /// Null for what cannot be linked, and so never be held. An attempt to hold it, should there be
-  /// one, reports the conflict.
-  const LinkedMetamodels* linkedOf(const Metamodel& descriptor) const {
-    try {
-      return &question_.repository.getLinkedMetamodels(descriptor);
-    } catch (const Conflict&) {
-      return nullptr;
-    }
+    if (!std::exchange(draft.isLinkTried, true))
+      draft.linked = tryLink(question_.repository, *draft.descriptor);
   }
 
   void enterLinks(const LinkedMetamodel& variant) {
@@ -338,10 +296,8 @@ class SpaceSurvey {
   /// False for one that has been entered before, with all that it links.
   bool enterLink(const LinkedMetamodel& linked) {
     if (!linksSeen_.insert(&linked).second) return false;
-    const auto& held = question_.sources.front().metamodels;
-    const auto standing = held.find(linked.name);
-    if (standing != held.end() && isAside(*standing->second)) {
-      takeUp(standing->first, *standing->second);
+    if (const auto* bystander = bystanders_.find(linked.name)) {
+      takeUp(bystander->first, *bystander->second);
     }
     DraftName& name = met_.nameOf(linked.name);
     name.isLinked = true;
@@ -362,7 +318,7 @@ class SpaceSurvey {
   std::unordered_map<const DraftName*, std::unordered_map<VersionId, Draft*, VersionIdHash>>
       otherAnswers_;
   std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&met_.memory};
-  std::pmr::unordered_set<const LinkedMetamodel*> aside_{&met_.memory};
+  Bystanders bystanders_{question_, &met_.memory};
   bool isUnfit_ = false;
 };
 

@@ -14,9 +14,7 @@ namespace tarn::evolution::pathfinder {
 /// Left out are versions that cannot be linked and, for a name that every target mentions, versions
 /// from which no hops lead to a target's: no path holds them. The latter are not linked either.
 ///
-/// Bystanders are not even asked for their hops. A best path does not move one: without its hops,
-/// every baseline on the way would be as consistent, and the path lighter. This holds as long as no
-/// name needs to be brought in, which a bystander's other versions might do.
+/// Bystanders are not even asked for their hops (see `Bystanders`).
 ///
 /// Null when a source is not a consistent baseline of the repository's own linked metamodels,
 /// when the application answers a name with a metamodel of another name, or when a metamodel links

@@ -13,11 +13,10 @@
 #include <vector>
 
 #include "pathfinder/hashing.hpp"
+#include "pathfinder/linked_metamodel_cache.hpp"
 #include "pathfinder/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
-
-using LinkedMetamodels = std::vector<std::shared_ptr<LinkedMetamodel>>;
 
 struct VersionIdHash {
   std::size_t operator()(const VersionId& version) const noexcept { return hashVersion(version); }
