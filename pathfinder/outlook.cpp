@@ -49,9 +49,12 @@ class VersionSet {
     const SetLayout::Place& place = layout_->places[version];
     return (bits_[place.word] & place.mask) != 0;
   }
-  void insert(VersionIndex version) {
+  /// Whether it is new.
+  bool insert(VersionIndex version) {
     const SetLayout::Place& place = layout_->places[version];
+    const bool isNew = (bits_[place.word] & place.mask) == 0;
     bits_[place.word] |= place.mask;
+    return isNew;
   }
   void erase(VersionIndex version) {
     const SetLayout::Place& place = layout_->places[version];
@@ -161,9 +164,7 @@ class OutlookComputation {
     added.clear();
     if (fresh.empty()) return;
     const auto add = [&](VersionIndex version) {
-      if (held.contains(version)) return;
-      held.insert(version);
-      added.push_back(version);
+      if (held.insert(version)) added.push_back(version);
     };
     for (const VersionIndex version : fresh) {
       for (const SearchSpace::Move& move : space_.versions[version].moves) {
@@ -176,9 +177,7 @@ class OutlookComputation {
   /// Adds, and lists, what the listed versions lead to by expensive hops and as entries.
   void growWithoutOrdinaryHops(VersionSet& held, std::vector<VersionIndex>& added) const {
     const auto add = [&](VersionIndex version) {
-      if (held.contains(version)) return;
-      held.insert(version);
-      added.push_back(version);
+      if (held.insert(version)) added.push_back(version);
     };
     // The list grows on the way.
     for (std::size_t i = 0; i < added.size(); ++i) {  // NOLINT(modernize-loop-convert)
@@ -201,28 +200,34 @@ class OutlookComputation {
                  [&](VersionIndex version) {
                    return !coexistence_.neighbours(space_.versions[version].name).empty();
                  });
-    if (checked_.empty()) return;
     std::sort(checked_.begin(), checked_.end());
-    std::vector<bool> isOpen(space_.names.size());
-    for (const VersionIndex version : checked_) isOpen[space_.versions[version].name] = true;
-    for (bool anyOpen = true; std::exchange(anyOpen, false);) {
-      for (auto begin = checked_.begin(); begin != checked_.end();) {
-        const NameIndex name = space_.versions[*begin].name;
-        const auto end = std::find_if(begin, checked_.end(), [&](VersionIndex version) {
-          return space_.versions[version].name != name;
-        });
-        if (isOpen[name]) {
-          isOpen[name] = false;
-          if (strikeLonely({begin, end}, held)) {
-            anyOpen = true;
-            for (const NameIndex neighbour : coexistence_.neighbours(name)) {
-              isOpen[neighbour] = true;
-            }
-          }
-        }
-        begin = end;
+    const auto groups = groupedByName(checked_);
+    std::vector<bool> isOpen(groups.empty() ? 0 : space_.names.size(), true);
+    for (bool anyStruck = true; std::exchange(anyStruck, false);) {
+      for (const std::span<const VersionIndex> group : groups) {
+        const NameIndex name = space_.versions[group.front()].name;
+        if (!isOpen[name]) continue;
+        isOpen[name] = false;
+        if (!strikeLonely(group, held)) continue;
+        anyStruck = true;
+        for (const NameIndex neighbour : coexistence_.neighbours(name)) isOpen[neighbour] = true;
       }
     }
+  }
+
+  /// The versions of each name; those given ascend.
+  std::vector<std::span<const VersionIndex>> groupedByName(
+      std::span<const VersionIndex> versions) const {
+    std::vector<std::span<const VersionIndex>> groups;
+    while (!versions.empty()) {
+      const auto end = std::find_if(versions.begin(), versions.end(), [&](VersionIndex version) {
+        return space_.versions[version].name != space_.versions[versions.front()].name;
+      });
+      const auto size = static_cast<std::size_t>(end - versions.begin());
+      groups.push_back(versions.first(size));
+      versions = versions.subspan(size);
+    }
+    return groups;
   }
 
   bool strikeLonely(std::span<const VersionIndex> added, VersionSet& held) const {
