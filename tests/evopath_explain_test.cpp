@@ -114,7 +114,8 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
     make(name, contentOf(repository));
     std::string question = " --from '" + argument(from);
     question += "' --to '" + argument(to) + "'";
-    const auto [found, output] = run("explain " + name + ".json" + question);
+    const std::string explain = "explain " + name + ".json";
+    const auto [found, output] = run(explain + question);
     EXPECT_EQ(found, status) << content;
     std::string text = output;
     std::replace(text.begin(), text.end(), '"', '\'');

@@ -79,6 +79,7 @@ int main() try {
   findsPath(repository);
   errorArrives(repository);
   std::cout << "A repository of its own is asked, and fails by type.\n";
+  return 0;
 } catch (const std::exception& error) {
   std::cerr << "Not so: " << error.what() << "\n";
   return 1;
