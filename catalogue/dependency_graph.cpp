@@ -6,12 +6,12 @@
 
 namespace tarn::evolution::catalogue {
 
-using Node = DependencyGraph::Node;
-using Slot = DependencyGraph::Slot;
-
 /// Depth-first search that keeps its own stack: chains of dependencies may be long.
 class CycleSearch {
  public:
+  using Node = DependencyGraph::Node;
+  using Slot = DependencyGraph::Slot;
+
   explicit CycleSearch(const DependencyGraph& graph)
       : graph_(graph), states_(graph.size(), State::Untouched), next_(graph.size() + 1) {
     std::iota(next_.begin(), next_.end(), Slot{0});
@@ -106,7 +106,7 @@ void DependencyGraph::addDependency(Node node, Candidates candidates) {
   dependencies_.push_back(candidates);
 }
 
-std::vector<Node> DependencyGraph::findCycle() const {
+std::vector<DependencyGraph::Node> DependencyGraph::findCycle() const {
   return CycleSearch(*this).run();
 }
 

@@ -10,9 +10,6 @@ function(tarn_target_defaults target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${target} PRIVATE -Wno-restrict)  # g++ 12 sees overlaps in std::string's operator+
   endif()
-  if(TARN_UNITY)
-    target_compile_options(${target} PRIVATE -Wno-shadow)  # a local name may be another source's own
-  endif()
   if(TARN_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

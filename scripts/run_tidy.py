@@ -8,15 +8,15 @@ cannot be compiled together, because their own names collide, go to different on
 usage: run_tidy.py BUILD [FILE...]      FILE: a source or folder to check, instead of all
 """
 
-import json
 import os
 import re
-import shlex
 import shutil
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+
+from compiled_sources import compiled_sources, root
 
 MOST_TOGETHER = 32
 # Functions that many sources have, each for another program.
@@ -27,20 +27,6 @@ NOT_WHEN_UNITED = "-clang-diagnostic-*,-readability-duplicate-include,-readabili
 # The analyzer follows the paths of a function until it has seen so many states. Its default, 225000, takes it four
 # times as long, in the tests for the most part, and finds no more here.
 ANALYZER_LIMIT = ["-Xclang", "-analyzer-config", "-Xclang", "max-nodes=40000"]
-
-root = Path(__file__).resolve().parent.parent
-
-
-def compiled_sources(build):
-    """Each source of the repository with the flags that it is first compiled with."""
-    sources = {}
-    for entry in json.loads((build / "compile_commands.json").read_text()):
-        source = (Path(entry["directory"]) / entry["file"]).resolve()
-        if source.is_relative_to(root) and not source.is_relative_to(build):
-            words = shlex.split(entry["command"])
-            end = words.index("-o")
-            sources.setdefault(source, tuple(words[1:end]))
-    return sources
 
 
 def rules_of(source):
@@ -116,11 +102,9 @@ def unite(build, group, sources, flags):
 def main(build, *only):
     build = Path(build).resolve()
     shutil.rmtree(build / "tidy", ignore_errors=True)
-    wanted = [Path(name).resolve() for name in only]
     alike = {}
-    for source, flags in compiled_sources(build).items():
-        if not wanted or any(source.is_relative_to(name) for name in wanted):
-            alike.setdefault((rules_of(source), flags), []).append(source)
+    for source, flags in compiled_sources(build, only).items():
+        alike.setdefault((rules_of(source), flags), []).append(source)
     if not alike:
         sys.exit(f"No source of {build} is among: {' '.join(only)}")
 

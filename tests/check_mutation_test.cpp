@@ -6,6 +6,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "support/catalogue_json.hpp"
+#include "support/random_cases.hpp"
 
 namespace test {
 namespace {
@@ -106,9 +107,10 @@ TEST(Check, FindsAnErrorExactlyWhereLoadingRefuses) {
       "B2>1! Ax>3 C1>2");
   ordered_json document = toJson(repository);
   document["question"] = {{"from", selectionJson("A1 B1")}, {"to", selectionJson("A3 D1")}};
-  int refused = 0;
-  int accepted = 0;
-  for (unsigned seed = 0; seed < 4000; ++seed) {
+  unsigned refused = 0;
+  unsigned accepted = 0;
+  const unsigned mutations = randomCases(4000);
+  for (unsigned seed = 0; seed < mutations; ++seed) {
     const std::string text = Mutation(seed).of(document);
     const std::vector<Finding> findings = findingsIn(text);
     try {
@@ -121,8 +123,8 @@ TEST(Check, FindsAnErrorExactlyWhereLoadingRefuses) {
       EXPECT_TRUE(hasError(findings)) << text << error.what();
     }
   }
-  EXPECT_GT(refused, 1000);
-  EXPECT_GT(accepted, 200);
+  EXPECT_GT(refused, mutations / 4);
+  EXPECT_GT(accepted, mutations / 20);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <deque>
 #include <iostream>
 
@@ -10,18 +9,13 @@
 #include "pathfinder/goal_directed_search.hpp"
 #include "platform/exception.hpp"
 #include "support/legal_path.hpp"
+#include "support/random_cases.hpp"
 #include "support/random_question.hpp"
 
 namespace test {
 namespace {
 
 using Verdict = SearchAnswer::Verdict;
-
-/// How many random questions to ask of each shape; TARN_DIFFERENTIAL_CASES asks for another number.
-unsigned numberOfQuestions() {
-  const char* wanted = std::getenv("TARN_DIFFERENTIAL_CASES");
-  return wanted == nullptr ? 2000 : static_cast<unsigned>(std::stoul(wanted));
-}
 
 /// What the two answers have in common with others of their kind.
 struct Tally {
@@ -82,7 +76,8 @@ void compare(RandomQuestion& question, Tally& tally) {
 
 TEST(Engines, AgreeOnRandomQuestions) {
   Tally tally;
-  for (unsigned seed = 1; seed <= numberOfQuestions() && !HasFailure(); ++seed) {
+  const unsigned seeds = randomCases(2000);  // each with one question of each shape
+  for (unsigned seed = 1; seed <= seeds && !HasFailure(); ++seed) {
     for (const auto shape : {RandomQuestion::Loose, RandomQuestion::Web}) {
       RandomQuestion question(seed, shape);
       SCOPED_TRACE("seed " + std::to_string(seed) + ":" + question.catalogue);

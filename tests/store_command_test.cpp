@@ -14,6 +14,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "support/random_cases.hpp"
 #include "support/shell.hpp"
 #include "support/store_folder.hpp"
 
@@ -151,20 +152,21 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
   const std::string store = read("old.store");
   std::mt19937 random(1);
   std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
-  int killed = 0;
-  for (int run = 0; killed < 50 && run < 1'000; ++run) {
+  unsigned killed = 0;
+  const unsigned enough = randomCases(50);
+  for (int run = 0; killed < enough && run < 1'000; ++run) {
     const bool adds = run % 3 == 2;
     write("killed.store", store);
     const auto after = latest * (random() % 1'000) / 1'000;
     const bool hit = runAndSignal(
         adds ? "add killed.store new.json" : "import new.json killed.store", SIGKILL, after);
-    killed += hit;
+    if (hit) ++killed;
     latest = hit ? latest * 5 / 4 : latest * 2 / 3;
     const std::string left = exported("killed.store");
     ASSERT_TRUE(left == before || left == (adds ? grown : replaced))
         << "killed after " << after.count();
   }
-  EXPECT_EQ(killed, 50);
+  EXPECT_EQ(killed, enough);
 }
 
 TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
@@ -176,26 +178,27 @@ TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
   const std::string store = read("small.store");
   const std::string full = read("large.store");
   std::mt19937 random(2);
+  const unsigned enough = randomCases(12);
   for (const char* command :
        {"import large.json work.store", "add work.store large.json", "remove full.store B C",
         "export full.store work.json", "check large.json",
         "path large.json --from B=1.0,C=1.0 --to B=700.0,C=700.0 --output path.json --json"}) {
     std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
     std::set<std::string> outcomes;
-    int interrupted = 0;
-    for (int run = 0; interrupted < 12 && run < 1'000; ++run) {
+    unsigned interrupted = 0;
+    for (int run = 0; interrupted < enough && run < 1'000; ++run) {
       write("work.store", store);
       write("full.store", full);
       write("work.json", "old");
       write("path.json", "old");
       const auto before = files();
       const bool hit = runAndSignal(command, SIGINT, latest * (random() % 1'000) / 1'000);
-      interrupted += hit;
+      if (hit) ++interrupted;
       latest = hit ? latest * 5 / 4 : latest * 2 / 3;
       EXPECT_EQ(files(), before) << command;
       outcomes.insert(exportedAll());
     }
-    EXPECT_EQ(interrupted, 12) << command;
+    EXPECT_EQ(interrupted, enough) << command;
     EXPECT_LE(outcomes.size(), 2U) << command;  // all is done, or nothing
   }
 }

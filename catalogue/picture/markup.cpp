@@ -11,11 +11,11 @@ template <class Replace>
 std::string replaceBytes(std::string_view utf8, const Replace& replace) {
   std::string result;
   for (const char character : toVisible(utf8)) {
-    const std::string_view replacement = replace(character);
-    if (replacement.empty()) {
+    const std::string_view instead = replace(character);
+    if (instead.empty()) {
       result += character;
     } else {
-      result += replacement;
+      result += instead;
     }
   }
   return result;

@@ -27,7 +27,7 @@ struct CheckOptions {
   bool json = false;
 };
 
-ExitStatus statusOf(const std::vector<Finding>& findings) {
+ExitStatus worstStatus(const std::vector<Finding>& findings) {
   Severity worst = Severity::Note;
   for (const Finding& finding : findings) worst = std::max(worst, severityOf(finding.code));
   if (worst == Severity::Error) return badInput;
@@ -38,8 +38,12 @@ ExitStatus runCheck(const CheckOptions& options) {
   const CheckReport report{options.catalogue.string(),
                            check(tarn::evolution::catalogue::readDraft(options.catalogue)),
                            severities.at(options.least)};
-  (options.json ? printJson : printText)(report, std::cout);
-  return statusOf(report.findings);
+  if (options.json) {
+    printJson(report, std::cout);
+  } else {
+    printText(report, std::cout);
+  }
+  return worstStatus(report.findings);
 }
 
 }  // namespace

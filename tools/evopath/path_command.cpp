@@ -54,7 +54,11 @@ void printNoPath(const NoPathReport& report, const PathOptions& options) {
     return;
   }
   std::ostringstream text;
-  (options.form.format == PathFormat::json ? printJson : printText)(report, text);
+  if (options.form.format == PathFormat::json) {
+    printJson(report, text);
+  } else {
+    printText(report, text);
+  }
   options.output.write(text.str());
 }
 
