@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <locale>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -10,10 +11,12 @@
 /// Values, names and numbers as they stand in sentences.
 namespace tarn::evolution::catalogue {
 
-/// What a value's stream operator writes.
+/// What a value's stream operator writes, its numbers without the grouping that the global locale
+/// may ask for.
 template <class Value>
 std::string textOf(const Value& value) {
   std::ostringstream out;
+  out.imbue(std::locale::classic());
   out << value;
   return out.str();
 }

@@ -1,9 +1,9 @@
 #include "catalogue/version_text.hpp"
 
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 
+#include "catalogue/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -30,9 +30,8 @@ std::u16string parseText(const std::string& utf8) {
 /// Whether the version reads as the text again. It does not when a component was beyond 64 bits and
 /// has wrapped: nothing else is lost in parsing but a patch that was left out.
 bool readsAs(const SemVer& version, const std::string& text) {
-  std::ostringstream full;
-  full << version;
-  return full.str() == text || full.str() == text + ".0";
+  const std::string full = textOf(version);
+  return full == text || full == text + ".0";
 }
 
 std::optional<SemVer> parseSemVerIfAny(const std::u16string& text, const std::string& utf8) {

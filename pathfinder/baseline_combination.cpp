@@ -66,13 +66,27 @@ void extend(VersionBaseline&& baseline, const Candidates& candidates,
   }
 }
 
+/// Whether each linked metamodel that a baseline of these candidates holds has all that it links
+/// beside it. One that links another version under its own name has not: that version stands back.
+bool areLinksHeld(const std::vector<Alternatives>& alternatives, Links links) {
+  const auto linksOwnName = [](const auto& candidate) {
+    return candidate && candidate->linkedMetamodels.contains(candidate->name);
+  };
+  return links == Links::Closed &&
+         std::all_of(alternatives.begin(), alternatives.end(), [&](const Alternatives& name) {
+           return std::none_of(name.candidates->begin(), name.candidates->end(), linksOwnName);
+         });
+}
+
 /// Gives the baseline the only candidate of a name, with its links; false, and the baseline is
 /// spoilt, when it holds another linked metamodel under one of their names.
-bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>& candidate) {
+bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>& candidate,
+              bool haveLinks) {
   const auto [own, isNew] = baseline.metamodels.try_emplace(candidate->name, candidate);
   if (!isNew) return own->second == candidate;
   const auto& links = candidate->linkedMetamodels;
-  if (const LinkedMetamodel* covering = coveringLink(*candidate)) {
+  const LinkedMetamodel* covering = haveLinks ? coveringLink(*candidate) : nullptr;
+  if (covering != nullptr) {
     const auto held = baseline.metamodels.find(covering->name);
     if (held != baseline.metamodels.end() && held->second.get() == covering) return true;
   }
@@ -85,10 +99,10 @@ bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>&
 
 /// Gives each baseline the only candidate of a name; drops those that disagree with it.
 void keepComplete(std::vector<VersionBaseline>& partial,
-                  const std::shared_ptr<LinkedMetamodel>& candidate) {
+                  const std::shared_ptr<LinkedMetamodel>& candidate, bool haveLinks) {
   auto kept = partial.begin();
   for (auto baseline = partial.begin(); baseline != partial.end(); ++baseline) {
-    if (!complete(*baseline, candidate)) continue;
+    if (!complete(*baseline, candidate, haveLinks)) continue;
     if (kept != baseline) *kept = std::move(*baseline);
     ++kept;
   }
@@ -101,14 +115,16 @@ bool hasOnlyCandidate(const Alternatives& name) {
 
 }  // namespace
 
-std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives) {
+std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives,
+                                            Links links) {
   if (alternatives.empty()) return {};
+  const bool haveLinks = areLinksHeld(alternatives, links);
   std::vector<VersionBaseline> partial =
       startWith(*alternatives.front().candidates, alternatives.size());
   for (auto next = alternatives.begin() + 1; next != alternatives.end() && !partial.empty();
        ++next) {
     if (hasOnlyCandidate(*next)) {
-      keepComplete(partial, next->candidates->front());
+      keepComplete(partial, next->candidates->front(), haveLinks);
       continue;
     }
     const CandidateSet candidates(*next->candidates);

@@ -14,7 +14,16 @@ struct Alternatives {
   const std::vector<std::shared_ptr<LinkedMetamodel>>* candidates;
 };
 
+/// What is known of the links of candidates.
+enum class Links {
+  Any,
+  /// With each link, all that it links is linked too, and nothing is linked any more: so it is with
+  /// what a repository has linked.
+  Closed,
+};
+
 /// `VersionBaseline::combine` with the names visited in the order given.
-std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives);
+std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alternatives,
+                                            Links links);
 
 }  // namespace tarn::evolution::pathfinder

@@ -178,7 +178,7 @@ class Realisation {
       }
     }
     const std::vector<VersionBaseline> combined =
-        open.empty() ? std::vector<VersionBaseline>(1) : combineInOrder(open);
+        open.empty() ? std::vector<VersionBaseline>(1) : combineInOrder(open, Links::Closed);
     if (combined.empty()) return {};
     std::vector<VersionBaseline> result(combined.size() - 1, moved);
     result.push_back(std::move(moved));

@@ -35,7 +35,7 @@ std::vector<VersionBaseline> SelectionCombination::combine(
     alternatives.push_back({answers[i]->name, answers[i]->linked});
   }
   last_ = std::move(answers);
-  return combineInOrder(alternatives);
+  return combineInOrder(alternatives, Links::Closed);
 }
 
 /// The answer for that version, if the last selection held it. Selections of one question mostly
@@ -98,7 +98,7 @@ std::vector<VersionBaseline> combineMetamodels(VersionRepository& repository,
   std::sort(
       alternatives.begin(), alternatives.end(),
       [](const Alternatives& left, const Alternatives& right) { return *left.name < *right.name; });
-  return combineInOrder(alternatives);
+  return combineInOrder(alternatives, Links::Closed);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -194,7 +194,6 @@ class SpaceBuilding {
   /// False when something held is of no version of the space.
   static bool select(const std::vector<HeldDraft>& held, VersionSelection& selection) {
     return std::all_of(held.begin(), held.end(), [&](const HeldDraft& one) {
-      if (one.linked == nullptr) return false;
       const VersionIndex version = versionOf(one);
       if (version == SearchSpace::none) return false;
       selection[one.name->index] = version;

@@ -74,7 +74,7 @@ class SpaceSurvey {
   void takeUp(const std::u16string& name, const LinkedMetamodel& linked) {
     bystanders_.remove(linked);
     for (std::size_t i = 0; i < question_.targets.size(); ++i) {
-      if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, &linked);
+      if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, linked);
     }
     for (std::size_t i = 0; i < question_.sources.size(); ++i) enterSource(i, name, linked);
   }
@@ -97,15 +97,16 @@ class SpaceSurvey {
       const auto& metamodels = question_.targets[i].metamodels;
       met_.targets[i].reserve(metamodels.size());
       for (const auto& [name, linked] : metamodels) {
-        if (!linked || !bystanders_.contain(*linked)) enterTarget(i, name, linked.get());
+        isUnfit_ |= !linked;  // includes any baseline that lacks the name
+        if (linked && !bystanders_.contain(*linked)) enterTarget(i, name, *linked);
       }
     }
   }
 
-  void enterTarget(std::size_t target, const std::u16string& key, const LinkedMetamodel* linked) {
+  void enterTarget(std::size_t target, const std::u16string& key, const LinkedMetamodel& linked) {
     DraftName& name = met_.nameOf(key);
-    if (linked != nullptr) name.targets.push_back(linked);
-    met_.targets[target].push_back({&name, linked});
+    name.targets.push_back(&linked);
+    met_.targets[target].push_back({&name, &linked});
   }
 
   void noteAnswer(const KnownMetamodel& known) {

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <ostream>
+#include <stdexcept>
 #include <utility>
 
 #include "messages/trace.hpp"
@@ -43,6 +44,13 @@ StepGeneration::StepGeneration(VersionRepository& repository, const VersionBasel
     }
     return combinationCount() <= budget;
   });
+}
+
+std::vector<BaselineHop> StepGeneration::run() {
+  if (combinations_ > steps_.max_size()) {
+    throw std::length_error("more combinations of hops than a list of steps can hold");
+  }
+  return tryAll(combinations_);
 }
 
 std::vector<BaselineHop> StepGeneration::runReserved() {

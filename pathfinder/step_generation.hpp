@@ -25,8 +25,9 @@ class StepGeneration {
   /// are more.
   std::uint64_t combinationCount() const { return combinations_ - 1; }
 
-  /// Tries every combination. Only for a count within the budget.
-  std::vector<BaselineHop> run() { return tryAll(combinations_); }
+  /// Tries every combination. Only for a count within the budget. Throws std::length_error when
+  /// there are more than steps in any list.
+  std::vector<BaselineHop> run();
 
   /// The same, but the number of combinations is taken modulo 2^64, and room for as many steps is
   /// reserved first: throws std::length_error when that is beyond any list.

@@ -28,7 +28,7 @@ std::vector<VersionBaseline> VersionBaseline::combine(
   std::vector<Alternatives> inMapOrder;
   inMapOrder.reserve(alternatives.size());
   for (const auto& [name, candidates] : alternatives) inMapOrder.push_back({&name, &candidates});
-  return combineInOrder(inMapOrder);
+  return combineInOrder(inMapOrder, Links::Any);
 }
 
 bool VersionBaseline::admits(const std::shared_ptr<LinkedMetamodel>& metamodel) const {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the Debian packages into build/package/ and has lintian check them. What lintian reports and is meant stands,
-# with its reason, in packaging/COMPONENT.lintian-overrides.
+# with its reason, in packaging/*.lintian-overrides.
 #
 # usage: scripts/package.sh
 set -euo pipefail

@@ -26,13 +26,16 @@ run_host() {
   ctest --test-dir "$work/$name" --output-on-failure --no-tests=error | grep -E 'tests passed|Passed|Failed'
 }
 
+# Compiles and runs a host's PROGRAM with what pkg-config says of the PACKAGE under PREFIX.
 run_pkg_config_host() {
-  local name=$1 package=$2 program=$3
+  local name=$1 prefix=$2 package=$3 program=$4
+  shift 4
+  local -x PKG_CONFIG_PATH=$prefix/lib/pkgconfig
   step "$name"
   mkdir -p "$work/$name"
   # The flags are words to be split.
   # shellcheck disable=SC2046
-  "$compiler" -std=c++20 "tests/consumer/programs/$program.cpp" -o "$work/$name/$program" \
+  "$compiler" -std=c++20 "tests/consumer/programs/$program.cpp" -o "$work/$name/$program" "$@" \
     $(pkg-config --cflags --libs "$package") -Wl,-rpath,"$(pkg-config --variable=libdir "$package")"
   (cd "$work/$name" && "./$program")
 }
@@ -47,14 +50,16 @@ rm -rf "$work"
 DESTDIR='' cmake --install "build/$preset" --prefix "$work/first-place" >/dev/null
 mv "$work/first-place" "$work/installed"
 "$work/installed/bin/evopath" path data/operators.json --question >/dev/null
-export PKG_CONFIG_PATH=$work/installed/lib/pkgconfig
 
 run_host find_package tests/consumer/installed -DCMAKE_PREFIX_PATH="$work/installed"
 run_host examples examples -DCMAKE_PREFIX_PATH="$work/installed"
-run_pkg_config_host pkg_config tarn-evolution-pathfinder consumer
-run_pkg_config_host pkg_config_catalogue tarn-evolution-catalogue catalogue_consumer
+run_pkg_config_host pkg_config "$work/installed" tarn-evolution-pathfinder consumer
+run_pkg_config_host pkg_config_catalogue "$work/installed" tarn-evolution-catalogue catalogue_consumer
 run_host embedded tests/consumer/embedded -DTARN_UNITY=ON
 run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON -DTARN_UNITY=ON
 cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
 run_host find_package_foreign_platform tests/consumer/installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
+foreign=$work/find_package_foreign_platform/foreign_platform
+run_pkg_config_host pkg_config_foreign_platform "$work/installed-foreign" tarn-evolution-pathfinder consumer \
+  -I tests/consumer/foreign_platform/include -L "$foreign" -lforeign_platform -Wl,-rpath,"$foreign"
 step "all hosts work"

@@ -90,6 +90,10 @@ TEST(Combination, IsInMixedRadixOrderOfTheMapAndInCandidateOrder) {
   const Linked b1 = make("B1");
   const Linked b2 = make("B2");
   const Linked linking = make("A2", {b2});
+  const Linked d1 = make("D1");
+  const Linked b3 = make("B3");
+  const Linked linkedBefore = make("A3", {b3, d1});
+  b3->linkMetamodel(make("C1"));
   const std::tuple<Alternatives, std::string, std::string> cases[] = {
       // What is expected when A is visited first, and when B is.
       {{{u"A", {}}, {u"B", {b1}}}, "", ""},
@@ -98,11 +102,20 @@ TEST(Combination, IsInMixedRadixOrderOfTheMapAndInCandidateOrder) {
        "A2 B2, A1 B2, A2 B1, A1 B1"},
       // What a link brings in must be a candidate, and counts once.
       {{{u"A", {a1, linking}}, {u"B", {b1}}}, "A1 B1", "A1 B1"},
-      {{{u"A", {linking}}, {u"B", {b2, b1, b2}}}, "A2 B2", "A2 B2, A2 B2"}};
+      {{{u"A", {linking}}, {u"B", {b2, b1, b2}}}, "A2 B2", "A2 B2, A2 B2"},
+      // A link that links more than is linked with it stands for none of the others.
+      {{{u"A", {linkedBefore}}, {u"B", {b3}}}, "A3 B3 D1", "A3 B3 C1 D1"}};
   for (const auto& [alternatives, fromA, fromB] : cases) {
     EXPECT_EQ(describe(VersionBaseline::combine(alternatives)),
               alternatives.begin()->first == u"A" ? fromA : fromB);
   }
+}
+
+TEST(Combination, OfOneThatLinksAnotherVersionOfItselfHoldsNobodyWhoLinksThatToo) {
+  TestRepository repository("A1 M1 N1:M1 M2:N1 P1:N1");
+  EXPECT_EQ(describe(repository.combine(selection("A1 M2"))), "A1 M2 N1");
+  EXPECT_EQ(describe(repository.combine(selection("A1 M2 P1"))), "");
+  EXPECT_EQ(describe(repository.combine(selection("A1 M1 P1"))), "A1 M1 N1 P1");
 }
 
 }  // namespace

@@ -144,6 +144,8 @@ TEST_F(EvopathExplain, NamesNothingThatWouldDisturbATerminal) {
        "\n  A\u00e9\\u{1b}[31m  1.0.0\n  C\u00e9\\u{1b}[31m  not brought in, 1.0.0 asked for\n"},
       {"path c.json" + from + " --to 'A" + suffix + "=9.0'",
        "evopath: there is no version 9.0.0 of metamodel \"A\u00e9\\u{1b}[31m\" to reach"},
+      {"path c.json --trace" + from + " --to 'A" + suffix + "=2.0'",
+       "Attempting Lockstep {Hop {A\u00e9\\u{1b}[31m@1.0.0->2.0.0}}\n"},
       {"remove c.store 'B" + suffix + "'",
        "  C\u00e9\\u{1b}[31m@1.0.0 depends on B\u00e9\\u{1b}[31m [1.0.0, 1.0.1)\n"},
       {"check twice.json", "/metamodels/1  A\\u{1b}@1.0.0 stands already at /metamodels/0\n"},

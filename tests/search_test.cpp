@@ -134,6 +134,16 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
   }
 }
 
+TEST(Engines, ATargetWithAnEmptyEntryIsLeftToThePlainSearch) {
+  TestRepository repository("A1..3 B1..3");
+  const auto sources = repository.baselines("A1 B1");
+  auto targets = repository.baselines("A3");
+  targets[0].metamodels[u"Z"] = nullptr;  // includes any that lack Z
+  const SearchQuestion lacking{repository, sources, targets, forward};
+  EXPECT_EQ(searchExhaustively(lacking).steps.size(), 2U);
+  EXPECT_EQ(searchGoalDirected(lacking).verdict, Verdict::Unsettled);
+}
+
 /// Metamodels A to Z and a to z, each at 1.0.0 to 3.0.0, and what there is besides.
 TestRepository wideRepository(const std::string& more) {
   std::string content;

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "pathfinder/step_generation.hpp"
 #include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
@@ -89,6 +90,8 @@ TEST(Steps, TooManyToListIsALengthErrorBeforeAnyAttempt) {
   for (char name = 'A'; name < 'P'; ++name) addNameWith15Hops({name});
   EXPECT_THROW(repository.steps(selected, anyDirection), std::length_error);
   EXPECT_EQ(repository.calls.size(), 15U) << "one findHops for each name, and nothing else";
+  const VersionBaseline from = repository.baseline(selected);
+  EXPECT_THROW(StepGeneration(repository, from, anyDirection).run(), std::length_error);
   addNameWith15Hops("P");
   EXPECT_EQ(repository.steps(selected, anyDirection), "") << "the count wraps to zero";
 }

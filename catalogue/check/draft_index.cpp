@@ -1,8 +1,8 @@
 #include "catalogue/check/draft_index.hpp"
 
 #include <algorithm>
-#include <sstream>
 
+#include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -145,9 +145,7 @@ Slot DraftIndex::denotedBy(NameNumber name, const VersionId& version) const {
 }
 
 std::string DraftIndex::describe(Slot slot) const {
-  std::ostringstream out;
-  out << fl::i18n::ustring_to_utf8(*row(slot).name) << "@" << *row(slot).version;
-  return out.str();
+  return fl::i18n::ustring_to_utf8(*row(slot).name) + "@" + textOf(*row(slot).version);
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -3,6 +3,7 @@
 
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/markup.hpp"
+#include "catalogue/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -15,6 +16,7 @@ std::string idOf(const CatalogueGraph::End& end) {
 }  // namespace
 
 void writeGraphDot(const CatalogueGraph& graph, std::ostream& out) {
+  const PlainNumbers plain(out);
   out << "digraph catalogue {\n  rankdir=LR;\n  fontname=\"sans-serif\";\n"
          "  node [shape=box, style=\"rounded,filled\", fillcolor=white, fontname=\"sans-serif\"];\n"
          "  edge [color=\"#0072b2\", fontname=\"sans-serif\"];\n";
@@ -44,6 +46,7 @@ void writeGraphDot(const CatalogueGraph& graph, std::ostream& out) {
 }
 
 void writeGraphMermaid(const CatalogueGraph& graph, std::ostream& out) {
+  const PlainNumbers plain(out);
   out << "flowchart LR\n";
   for (std::size_t group = 0; group < graph.groups.size(); ++group) {
     out << "  subgraph m" << group << "[" << quoteMermaid(graph.groups[group].name) << "]\n";

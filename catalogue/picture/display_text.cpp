@@ -3,7 +3,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
-#include <iomanip>
+#include <locale>
 #include <sstream>
 
 namespace tarn::evolution::catalogue {
@@ -86,6 +86,7 @@ double widthOf(utf8proc_int32_t codePoint) {
 
 std::string toVisible(std::string_view utf8) {
   std::ostringstream out;
+  out.imbue(std::locale::classic());
   out << std::hex;
   while (!utf8.empty()) {
     const Character character = takeCharacter(utf8);

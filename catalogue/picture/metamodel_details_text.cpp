@@ -6,6 +6,7 @@
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
+#include "catalogue/plain_numbers.hpp"
 #include "catalogue/printed_text.hpp"
 #include "catalogue/range_text.hpp"
 #include "platform/text.hpp"
@@ -78,6 +79,7 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
 
 void writeSummaryText(const std::vector<MetamodelSummary>& all, Colouring colouring,
                       std::ostream& out) {
+  const PlainNumbers plain(out);
   std::size_t nameColumns = countColumns("Metamodel");
   for (const MetamodelSummary& summary : all) {
     nameColumns = std::max(nameColumns, countColumns(visibleName(summary.name)));

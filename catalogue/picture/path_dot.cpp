@@ -4,6 +4,7 @@
 
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
+#include "catalogue/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -43,6 +44,7 @@ void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::os
 }  // namespace
 
 void writePathDot(const PathPicture& picture, std::ostream& out) {
+  const PlainNumbers plain(out);
   out << "digraph path {\n  rankdir=LR;\n  label=" << quoteDot(summarise(picture))
       << ";\n  fontname=\"sans-serif\";\n"
          "  node [shape=box, style=\"rounded,filled\", fillcolor=white, fontname=\"sans-serif\"];\n"

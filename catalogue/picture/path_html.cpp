@@ -7,6 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/path_page.hpp"
+#include "catalogue/plain_numbers.hpp"
 #include "catalogue/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -147,6 +148,7 @@ class PageWriter {
 }  // namespace
 
 void writePathHtml(const PathPicture& picture, std::ostream& out) {
+  const PlainNumbers plain(out);
   PageWriter(picture, out).write();
 }
 

@@ -4,6 +4,7 @@
 
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
+#include "catalogue/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -39,6 +40,7 @@ void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::os
 }  // namespace
 
 void writePathMermaid(const PathPicture& picture, std::ostream& out) {
+  const PlainNumbers plain(out);
   out << "flowchart LR\n";
   const PathGraph graph(picture);
   for (std::size_t column = 0; column < graph.clusters.size(); ++column) {

@@ -7,6 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/swim_lanes.hpp"
+#include "catalogue/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -243,6 +244,7 @@ class SvgWriter {
 }  // namespace
 
 void writePathSvg(const PathPicture& picture, std::ostream& out) {
+  const PlainNumbers plain(out);
   SvgWriter(picture, out).write();
 }
 

@@ -1,8 +1,8 @@
 #include "catalogue/store/cached_sqlite_reader.hpp"
 
 #include <algorithm>
-#include <sstream>
 
+#include "catalogue/printed_text.hpp"
 #include "catalogue/unsoundness.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -63,9 +63,7 @@ CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name
   auto found = reader_.hopsFrom(name, version);
   for (const pathfinder::Hop& hop : found) {
     if (hasVersion(name, hop.to)) continue;
-    std::ostringstream reason;
-    reason << hop << " leads to no version";
-    database_.failDamaged("table hops", reason.str());
+    database_.failDamaged("table hops", textOf(hop) + " leads to no version");
   }
   const std::size_t size = 1 + found.size();
   return hops_.add(key, std::move(found), size);

@@ -6,6 +6,7 @@
 #include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/explanation.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/path_picture.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
@@ -33,7 +34,8 @@ struct PathOptions : QuestionOptions {
 void traceToStandardError() {
   foundation::log::in_memory::addRecordSink(
       [](const foundation::log::in_memory::RecordView& record) {
-        std::cerr << record.channel << " [" << record.severity << "] " << record.text << "\n";
+        std::cerr << record.channel << " [" << record.severity << "] " << toVisible(record.text)
+                  << "\n";
       });
   foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
 }
