@@ -14,7 +14,8 @@ enum class TraceLevel : unsigned {
   CacheStore = 8,  ///< what enters the path cache
 };
 
-/// Constructed when the library is loaded, destroyed at process exit.
+/// Constructed when the library is loaded, destroyed when it is unloaded, at the latest
+/// at process exit.
 extern foundation::log::basic_diagnostic_logger<char> logger;
 
 /// Writes one record whose text `writeText(std::ostream&)` forms.

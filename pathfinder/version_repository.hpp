@@ -25,10 +25,14 @@ namespace tarn::evolution::pathfinder {
 ///
 /// **What it keeps.** Linked metamodels, one list for each descriptor, are made on first demand and
 /// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
-/// `invalidatePathfindingCache` is called. The application's answers must be stable: a metamodel
-/// that has been linked is not asked for again, while hops are asked for afresh in every search.
-/// Dependencies must be free of cycles; linking one throws std::logic_error, which names its
-/// metamodels.
+/// `invalidatePathfindingCache` is called. Dependencies must be free of cycles; linking one throws
+/// std::logic_error, which names its metamodels.
+///
+/// **What may change.** Asked the same twice, the application must say the same, in the same order,
+/// for the repository's lifetime: a metamodel that has been linked is not linked again. Hops alone
+/// may change, for they are asked for afresh in every search. A search that runs meanwhile may
+/// answer by former and new ones mixed; when it has ended, `invalidatePathfindingCache` is to be
+/// called. Where versions, dependencies or equivalents change, it takes a new repository.
 ///
 /// **Equal questions, equal answers.** Wherever an order decides (which of several paths of equal
 /// weight is returned, the list of steps, the list of baselines), it is a function of the
@@ -42,8 +46,9 @@ namespace tarn::evolution::pathfinder {
 /// callers get one and the same list of linked metamodels for a descriptor, for ever: when two
 /// threads link it at once, one of the two lists is dropped, after both were passed to
 /// `loadMetamodel`. Looking up what is linked takes no lock. Trace records about the path cache are
-/// written while it is locked: who receives them must not ask the same repository there, which may
-/// throw std::system_error or never end.
+/// written while it is locked: who receives them must neither ask the same repository there nor
+/// wait for another thread that does, as a synchronous call to a user interface's thread may. To do
+/// so may throw std::system_error or never end.
 ///
 /// **Lifetime.** The repository must outlive every operation on it, and every reference that
 /// `getLinkedMetamodels` returns. Baselines, hops and paths are values, and share their linked
@@ -51,9 +56,10 @@ namespace tarn::evolution::pathfinder {
 ///
 /// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
 /// any exception the repository answers correctly: what was linked completely stays, nothing
-/// half-made does, and no path of the failed search is kept. Besides what is said at each
-/// operation, std::bad_alloc may leave any of them, and std::system_error, when the path cache
-/// cannot be locked, any that asks it, stores in it or empties it, as linking does.
+/// half-made does, and no path of a search that failed is kept. A path that was found is kept when
+/// the record about its being stored is what throws. Besides what is said at each operation,
+/// std::bad_alloc may leave any of them, and std::system_error, when the path cache cannot be
+/// locked, any that asks it, stores in it or empties it, as linking does.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
  public:
   /// Which way a move between versions goes. As the direction asked for, `Forward` excludes hops
@@ -135,8 +141,18 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// most catalogues (planning with constraints is in the question, and some catalogues stay
   /// exponential). It asks the application once for each version that can lie on a path, and links
   /// only these: reachable from a source and, for a name that every target mentions, able to reach
-  /// a target. So a version off every path need not be linkable. Sources that are not consistent
-  /// baselines of the repository's own linked metamodels are left to the first search.
+  /// a target. So a version off every path need not be linkable. One that cannot be linked counts
+  /// as one that is not there: with no other way the path is absent, where the first search would
+  /// throw ConflictingDependencies. Sources that are not consistent baselines of the repository's
+  /// own linked metamodels are left to the first search, without a limit, and so are questions
+  /// whose plans all turn out to be impossible.
+  ///
+  /// How often a version is asked for is not promised: one that both selections hold may be asked
+  /// for once only, and so may one that a baseline of the question holds.
+  ///
+  /// A question that the second search answers is traced by what that one does: the records of the
+  /// first search end where its limit was met, and after them only the combinations of hops on the
+  /// way of best plans are attempted.
   std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
                                                    const std::vector<VersionBaseline>& to,
                                                    Direction direction);
@@ -168,7 +184,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   unsigned long getWeight(const std::unordered_map<std::u16string, Hop>& hops) const;
 
   /// Forgets every path found. Waits for look-ups in progress, not for searches: a search that runs
-  /// stores its path afterwards.
+  /// stores its path afterwards, which it may have found with hops of before. So after hops have
+  /// changed, call it when no search runs, or once more when those that run have ended.
+  ///
+  /// The lock is the operating system's reader/writer lock as it is by default, which prefers
+  /// readers: under look-ups that follow one another without a gap, this, linking and the storing
+  /// of a path that was found may wait long.
   void invalidatePathfindingCache();
 
   /// @}
@@ -183,9 +204,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// hop. Nothing is removed: different choices that lead to one baseline are different steps.
   ///
   /// Cost: the number of choices, which is the product over all metamodels of (hops + 1), for time;
-  /// room for as many steps is reserved before the first is tried. The number is taken modulo 2^64.
+  /// room for as many steps is reserved before the first is tried. The number is taken modulo 2^64,
+  /// and just as many choices are tried: where the product is 2^64 or more, the list is short of
+  /// steps and nothing tells so. The steps out of 64 metamodels with one hop each are none.
   ///
-  /// Throws std::length_error when the number of choices is beyond any list,
+  /// Throws std::length_error when the number so taken is beyond any list,
   /// ConflictingDependencies when the target of a choice cannot be linked, and, when
   /// `direction` is not `Unknown`, std::logic_error (in debug builds an assertion fails) for a hop
   /// whose target `getMetamodel` does not find.

@@ -22,7 +22,8 @@ namespace tarn::evolution::catalogue {
 /// included, and may ask different questions. What reads the store takes turns at its one
 /// connection, holding a lock only while it reads, never while it calls anything of the path
 /// finder; all else, searching above all, goes on side by side. Construction and destruction must
-/// not overlap with any other call.
+/// not overlap with any other call. A child that `fork` makes must neither ask nor destroy one that
+/// is open.
 ///
 /// **Exceptions.** CatalogueError, which names the file: from the constructor when the file cannot
 /// be read, is no store, is damaged so that this shows at once, or is of a newer form; from every
