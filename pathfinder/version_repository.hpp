@@ -143,9 +143,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// only these: reachable from a source and, for a name that every target mentions, able to reach
   /// a target. So a version off every path need not be linkable. One that cannot be linked counts
   /// as one that is not there: with no other way the path is absent, where the first search would
-  /// throw ConflictingDependencies. Sources that are not consistent baselines of the repository's
-  /// own linked metamodels are left to the first search, without a limit, and so are questions
-  /// whose plans all turn out to be impossible.
+  /// throw ConflictingDependencies (which an application's operation must not throw for another
+  /// reason: here it could not be told apart). Sources that are not consistent baselines of the
+  /// repository's own linked metamodels are left to the first search, without a limit, and so are
+  /// questions whose plans all turn out to be impossible; it throws std::length_error when a
+  /// baseline has more choices of hops than a list of steps can hold.
   ///
   /// How often a version is asked for is not promised: one that both selections hold may be asked
   /// for once only, and so may one that a baseline of the question holds.
