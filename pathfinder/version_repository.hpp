@@ -74,6 +74,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   };
 
   VersionRepository();
+  virtual ~VersionRepository();
   VersionRepository(const VersionRepository&) = delete;
   VersionRepository& operator=(const VersionRepository&) = delete;
 
@@ -84,8 +85,6 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// `getMetamodel`, nor `loadMetamodel` for the linked metamodels of the descriptor that is being
   /// linked.
   /// @{
-
-  virtual ~VersionRepository();
 
   /// The semantic version that a text version of a metamodel stands for, if any. With none, which
   /// is the default, a text version satisfies no semantic range and counts as older than every
