@@ -1,7 +1,9 @@
 #include "pathfinder/goal_directed_search.hpp"
 
 #include <algorithm>
+#include <deque>
 #include <map>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <utility>
@@ -32,14 +34,12 @@ class Realisation {
       : question_(question), space_(space), plan_(plan) {}
 
   SearchAnswer run() {
-    answer_.steps.reserve(plan_.weights().size());
     for (std::size_t i = 0; i < question_.sources.size(); ++i) {
+      if (!walkFrom(question_.sources[i], space_.sources[i])) continue;
       answer_.source = &question_.sources[i];
-      if (goOn(question_.sources[i], space_.sources[i], plan_.weights().size())) {
-        std::reverse(answer_.steps.begin(), answer_.steps.end());
-        answer_.verdict = SearchAnswer::Verdict::Found;
-        return std::move(answer_);
-      }
+      answer_.verdict = SearchAnswer::Verdict::Found;
+      takeSteps();
+      return std::move(answer_);
     }
     return {SearchAnswer::Verdict::Unsettled};
   }
@@ -49,10 +49,48 @@ class Realisation {
   /// place of its hop counted from one, or 0.
   using Digits = std::vector<std::uint32_t>;
 
-  /// Goes on from a baseline by the plans that have as many steps left; adds the steps of the first
-  /// way that leads to a target, last step first.
-  bool goOn(const VersionBaseline& baseline, const VersionSelection& selection,
-            std::size_t stepsLeft) {
+  /// The combinations that the planned steps stand for, by their place, and where each may lead.
+  using Combinations = std::map<Digits, std::set<VersionSelection>>;
+
+  /// A baseline on the way that is being tried, and how far its combinations have been.
+  struct Visit {
+    Visit(const VersionBaseline& held, const VersionSelection& versions, Combinations&& planned)
+        : baseline(held),
+          selection(versions),
+          combinations(std::move(planned)),
+          next(combinations.begin()) {}
+
+    const VersionBaseline& baseline;  // a source's, or a candidate of the visit before
+    VersionSelection selection;
+    Combinations combinations;
+    Combinations::const_iterator next;
+    Combinations::const_iterator tried;       // the one before
+    LockstepHop hops;                         // of that
+    std::vector<VersionBaseline> candidates;  // that it leads to
+    std::size_t seen = 0;                     // of the candidates
+  };
+
+  /// Goes by the best plans as far as they lead; true when that is to a target. Keeps its own
+  /// stack: a path may have many steps.
+  bool walkFrom(const VersionBaseline& source, const VersionSelection& selection) {
+    if (enter(source, selection, plan_.weights().size())) return true;
+    while (!trail_.empty()) {
+      Visit& visit = trail_.back();
+      const std::size_t stepsLeft = plan_.weights().size() + 1 - trail_.size();
+      if (const auto after = nextCandidate(visit)) {
+        if (enter(visit.candidates[visit.seen - 1], *after, stepsLeft - 1)) return true;
+      } else {
+        failed_[stepsLeft].push_back(visit.baseline);
+        trail_.pop_back();
+      }
+    }
+    return false;
+  }
+
+  /// Begins to go on from a baseline, if there are plans that have as many steps left; true when a
+  /// target is reached and there are none left.
+  bool enter(const VersionBaseline& baseline, const VersionSelection& selection,
+             std::size_t stepsLeft) {
     if (const VersionBaseline* target = targetIn(baseline, selection)) {
       answer_.target = target;
       return stepsLeft == 0;
@@ -64,11 +102,33 @@ class Realisation {
       out << "Trying unvisited baseline with least weight: " << baseline;
     });
     reportLostHops(baseline, selection);
-    for (const auto& [digits, afters] : order(*planned, selection)) {
-      if (attempt(baseline, selection, digits, afters, stepsLeft)) return true;
-    }
-    failed_[stepsLeft].push_back(baseline);
+    trail_.emplace_back(baseline, selection, order(*planned, selection));
     return false;
+  }
+
+  /// What the next candidate that a plan leads to holds; none when all have been seen.
+  std::optional<VersionSelection> nextCandidate(Visit& visit) const {
+    while (true) {
+      while (visit.seen < visit.candidates.size()) {
+        VersionSelection after =
+            selectionAfter(visit.selection, visit.tried->first, visit.candidates[visit.seen++]);
+        if (visit.tried->second.contains(after)) return after;
+      }
+      if (visit.next == visit.combinations.end()) return std::nullopt;
+      visit.tried = visit.next++;
+      attempt(visit);
+    }
+  }
+
+  /// The steps that have been tried last at every baseline on the way.
+  void takeSteps() {
+    answer_.steps.reserve(trail_.size());
+    // From the end: each step begins with what the one before leads to.
+    for (auto visit = trail_.rbegin(); visit != trail_.rend(); ++visit) {
+      answer_.steps.emplace_back(visit->baseline, std::move(visit->candidates[visit->seen - 1]),
+                                 std::move(visit->hops));
+    }
+    std::reverse(answer_.steps.begin(), answer_.steps.end());
   }
 
   const VersionBaseline* targetIn(const VersionBaseline& baseline,
@@ -106,10 +166,9 @@ class Realisation {
     }
   }
 
-  /// The combinations that the planned steps stand for, by their place, and where each may lead.
-  std::map<Digits, std::set<VersionSelection>> order(const BackwardPlan::Continuation& planned,
-                                                     const VersionSelection& selection) const {
-    std::map<Digits, std::set<VersionSelection>> result;
+  Combinations order(const BackwardPlan::Continuation& planned,
+                     const VersionSelection& selection) const {
+    Combinations result;
     for (const BackwardPlan::Step& step : planned.steps) {
       Digits digits;
       digits.reserve(selection.size());
@@ -133,28 +192,21 @@ class Realisation {
     return move->place + 1;
   }
 
-  bool attempt(const VersionBaseline& baseline, const VersionSelection& selection,
-               const Digits& digits, const std::set<VersionSelection>& afters,
-               std::size_t stepsLeft) {
-    LockstepHop combination;
-    combination.reserve(digits.size() -
-                        static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
+  void attempt(Visit& visit) const {
+    const Digits& digits = visit.tried->first;
+    const VersionSelection& selection = visit.selection;
+    visit.hops.clear();
+    visit.hops.reserve(digits.size() -
+                       static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
     for (NameIndex name = 0; name < selection.size(); ++name) {
       const std::uint32_t digit = digits[selection.size() - 1 - name];
       if (digit == 0) continue;
-      combination.emplace(space_.names[name].text,
-                          space_.versions[selection[name]].hops[digit - 1]);
+      visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
     }
-    traceAttempt(combination);
-    std::vector<VersionBaseline> candidates = combine(baseline, selection, digits);
-    traceCandidates(candidates);
-    for (VersionBaseline& candidate : candidates) {
-      const VersionSelection after = selectionAfter(selection, digits, candidate);
-      if (!afters.contains(after) || !goOn(candidate, after, stepsLeft - 1)) continue;
-      answer_.steps.emplace_back(baseline, std::move(candidate), std::move(combination));
-      return true;
-    }
-    return false;
+    traceAttempt(visit.hops);
+    visit.candidates = combine(visit.baseline, selection, digits);
+    visit.seen = 0;
+    traceCandidates(visit.candidates);
   }
 
   /// The baselines that a combination leads to. Only where the plan leaves open what is meant do
@@ -216,6 +268,7 @@ class Realisation {
   const SearchSpace& space_;
   const BackwardPlan& plan_;
   SearchAnswer answer_;
+  std::deque<Visit> trail_;                                     // from the source on
   std::map<std::size_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
 };
 

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <pthread.h>
-
 #include <algorithm>
-#include <functional>
 
 #include "support/path_finder_errors.hpp"
+#include "support/small_stack.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -70,21 +68,6 @@ TEST(Linking, CyclesAreNamed) {
       EXPECT_EQ(error.what(), std::string("Metamodels depend on one another in a cycle: ") + cycle);
     }
   }
-}
-
-/// Runs on a thread that has 128 KiB of stack.
-void runOnSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, std::size_t{128} * 1024);
-  pthread_t thread{};
-  const auto start = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
 }
 
 TEST(Linking, LongChainsAndManyDependenciesTakeNoStack) {

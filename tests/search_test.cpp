@@ -11,6 +11,7 @@
 #include "support/legal_path.hpp"
 #include "support/random_cases.hpp"
 #include "support/random_question.hpp"
+#include "support/small_stack.hpp"
 
 namespace test {
 namespace {
@@ -142,6 +143,15 @@ TEST(Engines, ATargetWithAnEmptyEntryIsLeftToThePlainSearch) {
   const SearchQuestion lacking{repository, sources, targets, forward};
   EXPECT_EQ(searchExhaustively(lacking).steps.size(), 2U);
   EXPECT_EQ(searchGoalDirected(lacking).verdict, Verdict::Unsettled);
+}
+
+TEST(Engines, LongPathsTakeNoStack) {
+  TestRepository repository("A1..2000");
+  const auto sources = repository.baselines("A1");
+  const auto targets = repository.baselines("A2000");
+  runOnSmallStack([&] {
+    EXPECT_EQ(searchGoalDirected({repository, sources, targets, forward}).steps.size(), 1999U);
+  });
 }
 
 /// Metamodels A to Z and a to z, each at 1.0.0 to 3.0.0, and what there is besides.
