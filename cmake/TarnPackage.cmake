@@ -49,9 +49,9 @@ macro(tarn_package component name section summary text depends)
 endmacro()
 
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
-set(platform "libtarn-platform-in-memory${PROJECT_VERSION_MAJOR}")
-set(pathfinder "libtarn-evolution-pathfinder${PROJECT_VERSION_MAJOR}")
-set(catalogue "libtarn-evolution-catalogue${PROJECT_VERSION_MAJOR}")
+set(platform "libtarn-platform-in-memory${TARN_SOVERSION}")
+set(pathfinder "libtarn-evolution-pathfinder${TARN_SOVERSION}")
+set(catalogue "libtarn-evolution-catalogue${TARN_SOVERSION}")
 set(boost_log "libboost-log${TARN_BOOST_VERSION}-dev")
 
 tarn_package(platform ${platform} libs
