@@ -83,7 +83,7 @@ function(tarn_install_program target component)
   set(built ${CMAKE_CURRENT_BINARY_DIR})
   install(FILES ${built}/${target}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
     COMPONENT ${component} OPTIONAL)
-  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # Debian's manual pages are compressed
+  if(TARN_DEBIAN_PACKAGES)
     set(page "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/${target}.1")
     install(CODE "if(EXISTS \"${page}\")\n  execute_process(COMMAND gzip -9nf \"${page}\" COMMAND_ERROR_IS_FATAL ANY)\nendif()"
       COMPONENT ${component})
