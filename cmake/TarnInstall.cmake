@@ -83,7 +83,7 @@ function(tarn_install_program target component)
   set(built ${CMAKE_CURRENT_BINARY_DIR})
   install(FILES ${built}/${target}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
     COMPONENT ${component} OPTIONAL)
-  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # Debian's manual pages are compressed
+  if(TARN_DEBIAN_PACKAGES)
     set(page "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_MANDIR}/man1/${target}.1")
     install(CODE "if(EXISTS \"${page}\")\n  execute_process(COMMAND gzip -9nf \"${page}\" COMMAND_ERROR_IS_FATAL ANY)\nendif()"
       COMPONENT ${component})
@@ -96,7 +96,7 @@ function(tarn_install_program target component)
     COMPONENT ${component} OPTIONAL)
 endfunction()
 
-# What find_package(tarn_evolution_pathfinder) reads first. Below 1.0 every minor version may break.
+# What find_package(tarn_evolution_pathfinder) reads first.
 function(tarn_install_package_config component)
   if(NOT TARN_INSTALL)
     return()
@@ -108,7 +108,7 @@ function(tarn_install_package_config component)
   set(config ${PROJECT_BINARY_DIR}/tarn_evolution_pathfinder-config)
   configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/tarn_evolution_pathfinder-config.cmake.in
     ${config}.cmake INSTALL_DESTINATION ${TARN_PACKAGE_DIR} NO_SET_AND_CHECK_MACRO)
-  write_basic_package_version_file(${config}-version.cmake COMPATIBILITY SameMinorVersion)
+  write_basic_package_version_file(${config}-version.cmake COMPATIBILITY ${TARN_COMPATIBILITY})
   install(FILES ${config}.cmake ${config}-version.cmake DESTINATION ${TARN_PACKAGE_DIR}
     COMPONENT ${component})
 endfunction()

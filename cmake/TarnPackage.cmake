@@ -20,6 +20,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY "=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 find_program(GZIP_PROGRAM gzip REQUIRED)
+string(TIMESTAMP PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)  # now, or as SOURCE_DATE_EPOCH tells
 set(CPACK_COMPONENTS_ALL "")
 
 # tarn_package(COMPONENT NAME SECTION SUMMARY TEXT DEPENDS): DEPENDS is a list of packages.
@@ -49,9 +50,9 @@ macro(tarn_package component name section summary text depends)
 endmacro()
 
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
-set(platform "libtarn-platform-in-memory${PROJECT_VERSION_MAJOR}")
-set(pathfinder "libtarn-evolution-pathfinder${PROJECT_VERSION_MAJOR}")
-set(catalogue "libtarn-evolution-catalogue${PROJECT_VERSION_MAJOR}")
+set(platform "libtarn-platform-in-memory${TARN_SOVERSION}")
+set(pathfinder "libtarn-evolution-pathfinder${TARN_SOVERSION}")
+set(catalogue "libtarn-evolution-catalogue${TARN_SOVERSION}")
 set(boost_log "libboost-log${TARN_BOOST_VERSION}-dev")
 
 tarn_package(platform ${platform} libs

@@ -27,7 +27,7 @@ function(tarn_library target)
   tarn_target_defaults(${target})
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${TARN_SOVERSION})
   # Nobody replaces a function of ours at load time, so that our own calls need no detour.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition)
   target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)

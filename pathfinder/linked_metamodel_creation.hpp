@@ -47,7 +47,7 @@ class LinkedMetamodelCreation {
 
   VersionRepository& repository_;
   LinkedMetamodelCache& cache_;
-  const LinkedMetamodel::AccessTag& tag_;
+  LinkedMetamodel::AccessTag tag_;
   std::vector<Pending> pending_;  // each needs the next one
 
   // Going round a cycle, the descriptor watched comes again, if only it is replaced more and more

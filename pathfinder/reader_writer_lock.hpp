@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <thread>
 
 namespace tarn::evolution::pathfinder {
 
@@ -28,10 +29,11 @@ class ReaderWriterLock {
 
   // The names are those that std::shared_lock and std::unique_lock call.
   void lock_shared() {
-    int error = 0;
-    do {
+    int error = Calls::lockShared(&lock_);
+    while (error == EAGAIN) {
+      std::this_thread::yield();
       error = Calls::lockShared(&lock_);
-    } while (error == EAGAIN);
+    }
     throwOn(error);
   }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "platform/meta_registry.hpp"
 #include "platform/model.hpp"
@@ -39,13 +40,16 @@ constexpr StandardPrimitive standardPrimitives[] = {
     {&StandardTypes::stringToStringMapMeta, u"StringToStringMap"},
 };
 
-/// Whether the primitive goes by that name. Fills its handle if it is empty; a registry that lacks
-/// the primitive leaves it empty, and no name matches.
+/// Whether the primitive goes by that name. Fills its handle if it is empty; where the registry
+/// lacks the primitive, no name matches, and the handle, which other threads read, is not touched.
 bool isNamed(const StandardPrimitive& primitive, const std::u16string& qualifiedName) {
   tarn::meta::PrimitiveType& handle = *primitive.handle;
-  if (!handle)
-    handle = tarn::meta::internal::getPrimitiveTypeFromMetaRegistry(primitive.registryName);
-  return handle && handle->getQualifiedName() == qualifiedName;
+  if (!handle) {
+    auto found = tarn::meta::internal::getPrimitiveTypeFromMetaRegistry(primitive.registryName);
+    if (!found) return false;
+    handle = std::move(found);
+  }
+  return handle->getQualifiedName() == qualifiedName;
 }
 
 bool isStandardPrimitive(const std::u16string& qualifiedName) {

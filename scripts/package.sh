@@ -8,6 +8,9 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 scripts/setup_packaging.sh
+# The packages are as old as the last commit, whenever they are built; without a history, as old as the build.
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
+export SOURCE_DATE_EPOCH
 cmake --preset package --log-level=WARNING
 cmake --build --preset package
 rm -f build/package/*.deb

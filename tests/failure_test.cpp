@@ -84,6 +84,13 @@ class EventLog : public instrument::in_memory::Listener {
   Event last{};
 };
 
+class RefusingListener : public EventLog {
+ public:
+  void started(const Handle& /*handle*/, Event /*event*/, Time /*time*/) override {
+    throw CallbackFailure();
+  }
+};
+
 TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
   const auto log = std::make_shared<EventLog>();
   instrument::in_memory::addListener(log);
@@ -111,6 +118,18 @@ TEST(Instrumentation, EventIsStoppedOnEveryWayOut) {
   };
   EXPECT_EQ(eventsOf(disableWhileItRuns), Lines{"start test"});
   EXPECT_EQ(eventsOf(disableWhileItRuns), Lines()) << "disabled before";
+
+  handle.enable(true);
+  const auto refusing = std::make_shared<RefusingListener>();
+  const auto late = std::make_shared<EventLog>();
+  instrument::in_memory::addListener(refusing);
+  instrument::in_memory::addListener(late);
+  EXPECT_EQ(eventsOf([&] { EXPECT_THROW(ScopedEvent{handle}, CallbackFailure); }),
+            (Lines{"start test", "stop test"}));
+  EXPECT_EQ(refusing->events, Lines());
+  EXPECT_EQ(late->events, Lines());
+  instrument::in_memory::removeListener(refusing);
+  instrument::in_memory::removeListener(late);
   instrument::in_memory::removeListener(log);
 }
 

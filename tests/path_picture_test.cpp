@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <sstream>
+#include <stdexcept>
 
 #include "catalogue/picture/graphviz.hpp"
 #include "catalogue/picture/path_dot.hpp"
@@ -116,6 +118,23 @@ TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
                   countOf("s1[\"", written(writePathMermaid, picture)) +
                   countOf("s2[\"", written(writePathMermaid, picture)),
               boxes);
+  }
+}
+
+TEST(Graphviz, FailureIsToldToHostsThatIgnoreTheEndOfChildrenToo) {
+  for (const auto handler : {SIG_DFL, SIG_IGN}) {
+    const auto before = std::signal(SIGCHLD, handler);
+    std::string drawn;
+    std::string fault;
+    try {
+      drawn = drawWithGraphviz("digraph { a -> b }");
+      drawWithGraphviz("digraph { a -> ");
+    } catch (const std::runtime_error& error) {
+      fault = error.what();
+    }
+    EXPECT_EQ(std::signal(SIGCHLD, before), handler);
+    EXPECT_EQ(countOf("</svg>", drawn), 1U);
+    EXPECT_NE(fault.find("syntax error"), std::string::npos) << fault;
   }
 }
 

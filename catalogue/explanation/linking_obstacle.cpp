@@ -3,7 +3,7 @@
 #include <set>
 
 #include "catalogue/explanation/clash_search.hpp"
-#include "catalogue/explanation/selection_lookup.hpp"
+#include "catalogue/explanation/suggestions.hpp"
 
 namespace tarn::evolution::catalogue {
 

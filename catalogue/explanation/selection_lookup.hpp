@@ -32,8 +32,4 @@ struct UnknownEntries {
 TARN_EVOLUTION_CATALOGUE_EXPORT UnknownEntries findUnknown(BrowsableRepository& repository,
                                                            const Question& question);
 
-/// The nearest of a metamodel's versions, as `UnknownEntry::nearestVersions` tells.
-std::vector<pathfinder::VersionId> nearestVersions(const pathfinder::VersionId& version,
-                                                   const std::vector<CatalogueMetamodel>& known);
-
 }  // namespace tarn::evolution::catalogue

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -49,6 +50,10 @@ std::pair<Descriptor, Descriptor> connect() {
   return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
+bool isCompleteSvg(std::string_view text) {
+  return text.substr(0, text.find_last_not_of('\n') + 1).ends_with("</svg>");
+}
+
 /// The program `dot` with channels to its input and from its output and errors.
 class Dot {
  public:
@@ -58,7 +63,7 @@ class Dot {
   ~Dot() {
     output_.close();
     errors_.close();
-    if (isRunning_) ::waitpid(process_, nullptr, 0);
+    if (isRunning_) waitForEnd();
   }
 
   /// Passes the input and gives the output.
@@ -74,8 +79,8 @@ class Dot {
       if ((waited[0].revents & ~POLLOUT) != 0) receive(output_, output);
       if (waited[1].revents != 0) receive(errors_, errors);
     }
-    const int status = waitForEnd();
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    const std::optional<int> status = waitForEnd();
+    if (status ? *status != 0 : !isCompleteSvg(output)) {
       throw std::runtime_error("Graphviz: dot failed" + (errors.empty() ? "" : ": " + errors));
     }
     return output;
@@ -123,12 +128,16 @@ class Dot {
     }
   }
 
-  int waitForEnd() {
+  /// The status in which the program ended, 0 for success; none where the host keeps it from us: it
+  /// ignores SIGCHLD, or waits for all children itself.
+  std::optional<int> waitForEnd() {
     int status = 0;
-    while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
-    }
+    pid_t ended = -1;
+    do {
+      ended = ::waitpid(process_, &status, 0);
+    } while (ended < 0 && errno == EINTR);
     isRunning_ = false;
-    return status;
+    return ended == process_ ? std::optional(status) : std::nullopt;
   }
 
   Descriptor output_;

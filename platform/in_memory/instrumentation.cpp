@@ -60,7 +60,15 @@ EventId Listeners::onEventStart(const Handle& handle, const ContextSet& /*contex
                                 std::optional<TimePoint> time) {
   const EventId event{++state().lastEvent};
   const TimePoint start = orNow(time);
-  for (const auto& listener : *state().currentListeners()) listener->started(handle, event, start);
+  const std::shared_ptr<const ListenerList> told = state().currentListeners();
+  auto next = told->begin();
+  try {
+    for (; next != told->end(); ++next) (*next)->started(handle, event, start);
+  } catch (...) {
+    std::for_each(told->begin(), next,
+                  [&](const auto& listener) { listener->stopped(handle, event, start); });
+    throw;
+  }
   return event;
 }
 

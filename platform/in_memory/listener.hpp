@@ -13,6 +13,9 @@ namespace instrument::in_memory {
 class TARN_PLATFORM_API Listener {
  public:
   virtual ~Listener();
+
+  /// What it throws reaches whoever started the event: the event does not run, the listeners told
+  /// before are told that it stops, and this one and those after it are told no more of it.
   virtual void started(const Handle& handle, EventId event, TimePoint time) = 0;
 
   /// Must not throw.
