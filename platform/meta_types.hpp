@@ -20,6 +20,12 @@ class TARN_PLATFORM_API NamedElementImpl : public RefCounted {
   ~NamedElementImpl() override;
 };
 
+/// Any element of a metamodel.
+class NamedElement : public Handle<NamedElementImpl> {
+ public:
+  using Handle::Handle;
+};
+
 class TARN_PLATFORM_API PackageImpl : public NamedElementImpl {
  public:
   /// The package's URI; `MetaRegistry::parseUri` splits it.
