@@ -1,5 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include "pathfinder/baseline_combination.hpp"
+#include "support/path_finder_errors.hpp"
+#include "support/random_cases.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -116,6 +123,53 @@ TEST(Combination, OfOneThatLinksAnotherVersionOfItselfHoldsNobodyWhoLinksThatToo
   EXPECT_EQ(describe(repository.combine(selection("A1 M2"))), "A1 M2 N1");
   EXPECT_EQ(describe(repository.combine(selection("A1 M2 P1"))), "");
   EXPECT_EQ(describe(repository.combine(selection("A1 M1 P1"))), "A1 M1 N1 P1");
+}
+
+/// Three versions of each of A to F. Any may depend on some that stand before it in a random order,
+/// of its own name as well.
+std::string randomContent(std::mt19937& random) {
+  std::vector<std::string> versions;
+  for (char name = 'A'; name <= 'F'; ++name) {
+    for (char number = '1'; number <= '3'; ++number) versions.push_back({name, number});
+  }
+  std::shuffle(versions.begin(), versions.end(), random);
+  std::string content;
+  for (std::size_t i = 0; i < versions.size(); ++i) {
+    content += " " + versions[i];
+    char separator = ':';
+    for (std::size_t left = i == 0 ? 0 : random() % 3; left > 0; --left) {
+      content += separator + versions[random() % i];
+      separator = '+';
+    }
+  }
+  return content;
+}
+
+TEST(Combination, OfWhatIsLinkedIsTheSameAsLinkByLink) {
+  std::mt19937 random(1);
+  std::size_t combined = 0;
+  const unsigned questions = randomCases(20'000);
+  for (unsigned question = 0; question < questions; ++question) {
+    const std::string content = randomContent(random);
+    SCOPED_TRACE(content);
+    TestRepository repository(content);
+    std::map<std::u16string, std::vector<Linked>> held;
+    for (const Metamodel& metamodel : repository.metamodels) {
+      if (random() % 4 != 0) continue;
+      try {
+        const auto& linked = repository.getLinkedMetamodels(metamodel);
+        held[metamodel.name].insert(held[metamodel.name].end(), linked.begin(), linked.end());
+      } catch (const Conflict&) {
+        // Never held.
+      }
+    }
+    std::vector<Alternatives> alternatives;
+    for (const auto& [name, candidates] : held) alternatives.push_back({&name, &candidates});
+    const auto expected = combineInOrder(alternatives, Links::Any);
+    ASSERT_EQ(combineInOrder(alternatives, Links::Closed), expected);
+    combined += expected.size();
+  }
+  EXPECT_GT(combined, questions / 10);
 }
 
 }  // namespace
