@@ -29,7 +29,7 @@ for form in version json sqlite operations; do
   esac
   [ ! -e "fuzz/$form.dict" ] || options+=(-dict="fuzz/$form.dict")
   echo "Fuzzing $form for $seconds seconds"
-  "build/fuzz/fuzz/fuzz_$form" "${options[@]}" "$corpus" "fuzz/corpus/$form" || failed+=("$form")
+  scripts/run_sanitized.sh "build/fuzz/fuzz/fuzz_$form" "${options[@]}" "$corpus" "fuzz/corpus/$form" || failed+=("$form")
 done
 
 for form in "${failed[@]}"; do

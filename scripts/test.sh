@@ -9,4 +9,7 @@ preset=${1:-release}
 shift || true
 
 scripts/build.sh "$preset"
-ctest --preset "$preset" "$@"
+case $preset in
+  asan-ubsan | tsan) exec scripts/run_sanitized.sh ctest --preset "$preset" "$@" ;;
+  *) exec ctest --preset "$preset" "$@" ;;
+esac
