@@ -124,9 +124,10 @@ class Realisation {
   void takeSteps() {
     answer_.steps.reserve(trail_.size());
     // From the end: each step begins with what the one before leads to.
-    for (auto visit = trail_.rbegin(); visit != trail_.rend(); ++visit) {
-      answer_.steps.emplace_back(visit->baseline, std::move(visit->candidates[visit->seen - 1]),
-                                 std::move(visit->hops));
+    for (; !trail_.empty(); trail_.pop_back()) {
+      Visit& last = trail_.back();
+      answer_.steps.emplace_back(last.baseline, std::move(last.candidates[last.seen - 1]),
+                                 std::move(last.hops));
     }
     std::reverse(answer_.steps.begin(), answer_.steps.end());
   }
