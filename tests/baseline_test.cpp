@@ -164,6 +164,7 @@ TEST(Combination, OfWhatIsLinkedIsTheSameAsLinkByLink) {
       }
     }
     std::vector<Alternatives> alternatives;
+    alternatives.reserve(held.size());
     for (const auto& [name, candidates] : held) alternatives.push_back({&name, &candidates});
     const auto expected = combineInOrder(alternatives, Links::Any);
     ASSERT_EQ(combineInOrder(alternatives, Links::Closed), expected);
