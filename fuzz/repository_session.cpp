@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "pathfinder/exhaustive_search.hpp"
-#include "pathfinder/goal_directed_search.hpp"
+#include "pathfinder/planning/goal_directed_search.hpp"
 #include "support/brute_force.hpp"
 
 namespace fuzz {

@@ -6,7 +6,7 @@
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
 #include "pathfinder/exhaustive_search.hpp"
-#include "pathfinder/goal_directed_search.hpp"
+#include "pathfinder/planning/goal_directed_search.hpp"
 
 namespace tarn::evolution::pathfinder {
 

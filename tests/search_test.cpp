@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "pathfinder/exhaustive_search.hpp"
-#include "pathfinder/goal_directed_search.hpp"
+#include "pathfinder/planning/goal_directed_search.hpp"
 #include "platform/exception.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_cases.hpp"

@@ -1,4 +1,4 @@
-#include "pathfinder/bystanders.hpp"
+#include "pathfinder/planning/irrelevant_names.hpp"
 
 #include <algorithm>
 

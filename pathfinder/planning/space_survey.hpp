@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/search_question.hpp"
-#include "pathfinder/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -11,6 +11,7 @@
 
 #include "pathfinder/hop.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/planning/bit_row.hpp"
 #include "pathfinder/version_baseline.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -51,6 +52,7 @@ struct SearchSpace {
     std::span<const Move> moves;    ///< those of the hops that lead to a version of the space
     bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
     bool isEntry = false;   ///< whether a link can bring this version in
+    std::span<const VersionIndex> entries;  ///< the versions that its links can bring in, ascending
   };
 
   /// A linked metamodel that another one links.
@@ -69,12 +71,20 @@ struct SearchSpace {
     VersionIndex first;          ///< its versions are those from here ...
     VersionIndex end;            ///< ... up to but without this one
     VersionIndex absent = none;  ///< the last of them, when some source does not hold the name
+    std::size_t firstWord = 0;   ///< of its versions, in a set of versions of all names
 
     /// Whether a selection of versions that can stand together tells which linked metamodel of this
     /// name is meant: each version has one, and neither it nor those that it has to do with leave
     /// anything open.
     bool isCertain = false;
+
+    std::size_t words() const { return wordsFor(end - first); }
   };
+
+  /// The version's number among those of its name.
+  std::size_t rankOf(VersionIndex version) const {
+    return version - names[versions[version].name].first;
+  }
 
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
@@ -91,6 +101,7 @@ struct SearchSpace {
 
   std::vector<Name> names;
   std::vector<Version> versions;
+  std::size_t words = 0;  ///< of a set of versions of all names
 
   /// What each source holds; empty for one that no path of several steps can start from.
   std::vector<VersionSelection> sources;
@@ -111,6 +122,7 @@ struct SearchSpace {
   std::vector<Hop> hops;
   std::vector<Move> moves;
   std::vector<Link> links;
+  std::vector<VersionIndex> entries;
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "pathfinder/outlook.hpp"
-#include "pathfinder/search_space.hpp"
+#include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/planning/version_bounds.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -24,7 +24,7 @@ struct IncomingHop {
 /// are one: which of them is taken is decided when a plan is carried out.
 class IncomingHops {
  public:
-  IncomingHops(const SearchSpace& space, const Outlooks& outlooks);
+  IncomingHops(const SearchSpace& space, const AllVersionBounds& bounds);
 
   std::span<const IncomingHop> into(VersionIndex version) const {
     return std::span(hops_).subspan(starts_[version], starts_[version + 1] - starts_[version]);

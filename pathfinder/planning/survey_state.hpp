@@ -14,7 +14,7 @@
 
 #include "pathfinder/hashing.hpp"
 #include "pathfinder/linked_metamodel_cache.hpp"
-#include "pathfinder/search_space.hpp"
+#include "pathfinder/planning/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -1,4 +1,4 @@
-#include "pathfinder/coexistence.hpp"
+#include "pathfinder/planning/compatibility.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -54,7 +54,7 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
 
 }  // namespace
 
-Coexistence::Coexistence(const SearchSpace& space) : space_(space) {
+Compatibility::Compatibility(const SearchSpace& space) : space_(space) {
   surveyClosures();
   findNeighbours();
   layOutRows();
@@ -66,7 +66,7 @@ Coexistence::Coexistence(const SearchSpace& space) : space_(space) {
 }
 
 /// Which names link others or are linked.
-std::vector<bool> Coexistence::linkedNames() const {
+std::vector<bool> Compatibility::linkedNames() const {
   std::vector<bool> isLinked(space_.names.size());
   for (const SearchSpace::Variant& variant : space_.variants) {
     if (variant.closure.size() <= 1) continue;
@@ -75,7 +75,7 @@ std::vector<bool> Coexistence::linkedNames() const {
   return isLinked;
 }
 
-void Coexistence::surveyClosures() {
+void Compatibility::surveyClosures() {
   holdings_.resize(space_.names.size());
   std::vector<std::size_t> closuresHolding(space_.names.size());
   const std::vector<bool> isLinked = linkedNames();
@@ -103,7 +103,7 @@ void Coexistence::surveyClosures() {
   }
 }
 
-void Coexistence::findNeighbours() {
+void Compatibility::findNeighbours() {
   const std::size_t count = space_.names.size();
   std::vector<std::vector<NameIndex>> holders(count);
   for (NameIndex name = 0; name < count; ++name) {
@@ -130,17 +130,17 @@ void Coexistence::findNeighbours() {
   for (auto& neighbours : neighbours_) std::sort(neighbours.begin(), neighbours.end());
 }
 
-bool Coexistence::holds(NameIndex holder, NameIndex held) const {
+bool Compatibility::holds(NameIndex holder, NameIndex held) const {
   const auto& any = holdings_[holder].any;
   return std::binary_search(any.begin(), any.end(), held);
 }
 
-bool Coexistence::alwaysHolds(NameIndex holder, NameIndex held) const {
+bool Compatibility::alwaysHolds(NameIndex holder, NameIndex held) const {
   const auto& always = holdings_[holder].always;
   return std::binary_search(always.begin(), always.end(), held);
 }
 
-std::vector<NameIndex> Coexistence::sharedNames(NameIndex left, NameIndex right) const {
+std::vector<NameIndex> Compatibility::sharedNames(NameIndex left, NameIndex right) const {
   std::vector<NameIndex> shared;
   std::set_intersection(holdings_[left].any.begin(), holdings_[left].any.end(),
                         holdings_[right].any.begin(), holdings_[right].any.end(),
@@ -149,14 +149,14 @@ std::vector<NameIndex> Coexistence::sharedNames(NameIndex left, NameIndex right)
 }
 
 /// The name that a name links, when there is just one.
-NameIndex Coexistence::linkedBy(NameIndex name) const {
+NameIndex Compatibility::linkedBy(NameIndex name) const {
   const auto& any = holdings_[name].any;
   return any.front() == name ? any.back() : any.front();
 }
 
 /// Whether versions of the two names can stand together whenever each can stand beside the same
 /// version of a third name.
-bool Coexistence::followsFromThird(NameIndex left, NameIndex right) const {
+bool Compatibility::followsFromThird(NameIndex left, NameIndex right) const {
   const bool leftHolds = holds(left, right);
   const bool rightHolds = holds(right, left);
   if (leftHolds || rightHolds) {
@@ -180,8 +180,8 @@ bool Coexistence::followsFromThird(NameIndex left, NameIndex right) const {
 
 /// Below the two: all that they share comes with the third, of which each version has one closure
 /// only.
-bool Coexistence::followsFrom(NameIndex third, NameIndex left, NameIndex right,
-                              const std::vector<NameIndex>& shared) const {
+bool Compatibility::followsFrom(NameIndex third, NameIndex left, NameIndex right,
+                                const std::vector<NameIndex>& shared) const {
   if (!holdings_[third].isSingle) return false;
   if (shared.size() == 1) return true;
   const auto& any = holdings_[third].any;
@@ -189,7 +189,7 @@ bool Coexistence::followsFrom(NameIndex third, NameIndex left, NameIndex right,
          std::includes(any.begin(), any.end(), shared.begin(), shared.end());
 }
 
-void Coexistence::layOutRows() {
+void Compatibility::layOutRows() {
   rowOffset_.resize(space_.names.size());
   rowStart_.resize(space_.versions.size());
   std::size_t end = 0;
@@ -197,7 +197,7 @@ void Coexistence::layOutRows() {
     std::size_t size = 0;
     for (const NameIndex neighbour : neighbours_[name]) {
       rowOffset_[name].push_back(size);
-      size += words(neighbour);
+      size += space_.names[neighbour].words();
     }
     for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
          ++version) {
@@ -208,24 +208,23 @@ void Coexistence::layOutRows() {
   rows_.resize(end);
 }
 
-VersionBits* Coexistence::mutableRow(VersionIndex version, NameIndex neighbour) {
+BitRow Compatibility::mutableRow(VersionIndex version, NameIndex neighbour) {
   const NameIndex name = space_.versions[version].name;
   const auto& all = neighbours_[name];
   const auto slot = std::lower_bound(all.begin(), all.end(), neighbour) - all.begin();
-  return &rows_[rowStart_[version] + rowOffset_[name][static_cast<std::size_t>(slot)]];
+  return {&rows_[rowStart_[version] + rowOffset_[name][static_cast<std::size_t>(slot)]],
+          space_.names[neighbour].words()};
 }
 
-void Coexistence::admit(VersionIndex left, VersionIndex right) {
+void Compatibility::admit(VersionIndex left, VersionIndex right) {
   const auto set = [this](VersionIndex version, VersionIndex other) {
-    const NameIndex otherName = space_.versions[other].name;
-    const VersionIndex rank = other - space_.names[otherName].first;
-    mutableRow(version, otherName)[rank / 64] |= VersionBits{1} << (rank % 64);
+    mutableRow(version, space_.versions[other].name).insert(space_.rankOf(other));
   };
   set(left, right);
   set(right, left);
 }
 
-void Coexistence::fillRows(NameIndex name, NameIndex neighbour) {
+void Compatibility::fillRows(NameIndex name, NameIndex neighbour) {
   admitLinked(name, neighbour);
   admitLinked(neighbour, name);
   admitAgreeing(name, neighbour);
@@ -233,7 +232,7 @@ void Coexistence::fillRows(NameIndex name, NameIndex neighbour) {
 
 /// A version that links a variant of the other name agrees with it in all: its closure holds the
 /// variant's.
-void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
+void Compatibility::admitLinked(NameIndex linking, NameIndex linked) {
   for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
        ++version) {
     for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
@@ -245,7 +244,7 @@ void Coexistence::admitLinked(NameIndex linking, NameIndex linked) {
 }
 
 /// Closures of which neither holds the other's name agree when they do on what both hold.
-void Coexistence::admitAgreeing(NameIndex left, NameIndex right) {
+void Compatibility::admitAgreeing(NameIndex left, NameIndex right) {
   if (!anyWithout(left, right) || !anyWithout(right, left)) return;
   const std::vector<NameIndex> shared = sharedNames(left, right);
   const auto leftProjections = projectAll(left, right, shared);
@@ -261,7 +260,7 @@ void Coexistence::admitAgreeing(NameIndex left, NameIndex right) {
 }
 
 /// Whether some version of a name has a closure that does not hold `other`.
-bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
+bool Compatibility::anyWithout(NameIndex name, NameIndex other) const {
   for (VersionIndex index = space_.names[name].first; index < space_.names[name].end; ++index) {
     if (space_.isAbsent(index)) return true;
     const auto variants = space_.variantsOf(index);
@@ -274,7 +273,7 @@ bool Coexistence::anyWithout(NameIndex name, NameIndex other) const {
   return false;
 }
 
-std::vector<std::vector<Coexistence::Projection>> Coexistence::projectAll(
+std::vector<std::vector<Compatibility::Projection>> Compatibility::projectAll(
     NameIndex name, NameIndex without, const std::vector<NameIndex>& shared) const {
   std::vector<std::vector<Projection>> result;
   for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;

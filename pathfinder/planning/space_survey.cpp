@@ -1,4 +1,4 @@
-#include "pathfinder/space_survey.hpp"
+#include "pathfinder/planning/space_survey.hpp"
 
 #include <algorithm>
 #include <memory_resource>
@@ -7,10 +7,10 @@
 #include <unordered_set>
 #include <utility>
 
-#include "pathfinder/bystanders.hpp"
 #include "pathfinder/covering_link.hpp"
 #include "pathfinder/link_attempt.hpp"
-#include "pathfinder/space_building.hpp"
+#include "pathfinder/planning/irrelevant_names.hpp"
+#include "pathfinder/planning/space_building.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -1,4 +1,4 @@
-#include "pathfinder/space_building.hpp"
+#include "pathfinder/planning/space_building.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -30,6 +30,7 @@ class SpaceBuilding {
     for (DraftName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    addEntries();
     markCertainNames(ordered);
     addSelections();
   }
@@ -59,6 +60,8 @@ class SpaceBuilding {
       space_.versions.emplace_back().name = name.index;
     }
     added.end = static_cast<VersionIndex>(space_.versions.size());
+    added.firstWord = space_.words;
+    space_.words += added.words();
   }
 
   VariantIndex addVariant(const DraftName& name, const LinkedMetamodel& linked,
@@ -153,6 +156,38 @@ class SpaceBuilding {
                                      ? known->second
                                      : addVariant(name, linked, SearchSpace::none);
     return {name.index, variant};
+  }
+
+  /// Notes which versions of names that may be absent each version may bring in.
+  void addEntries() {
+    const bool anyIsEntry =
+        std::any_of(space_.versions.begin(), space_.versions.end(),
+                    [](const SearchSpace::Version& version) { return version.isEntry; });
+    if (!anyIsEntry) return;
+    const auto isEntry = [this](const SearchSpace::Link& link) {
+      const VersionIndex version = space_.variants[link.variant].version;
+      return version != SearchSpace::none && space_.versions[version].isEntry;
+    };
+    std::vector<std::size_t> ends;
+    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+      const std::size_t first = space_.entries.size();
+      for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+        for (const SearchSpace::Link& link : variant.closure) {
+          if (!isEntry(link)) continue;
+          const VersionIndex entry = space_.variants[link.variant].version;
+          if (entry != version) space_.entries.push_back(entry);
+        }
+      }
+      const auto added = space_.entries.begin() + static_cast<std::ptrdiff_t>(first);
+      std::sort(added, space_.entries.end());
+      space_.entries.erase(std::unique(added, space_.entries.end()), space_.entries.end());
+      ends.push_back(space_.entries.size());
+    }
+    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+      const std::size_t first = version == 0 ? 0 : ends[version - 1];
+      space_.versions[version].entries =
+          std::span(space_.entries).subspan(first, ends[version] - first);
+    }
   }
 
   void markCertainNames(const std::vector<DraftName*>& met) {

@@ -3,12 +3,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "pathfinder/search_space.hpp"
+#include "pathfinder/planning/bit_row.hpp"
+#include "pathfinder/planning/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
-
-/// A set of the versions of one name, or a row of them: a bit each, in words of 64.
-using VersionBits = std::uint64_t;
 
 /// Which two versions of different names can stand together in a baseline.
 ///
@@ -19,21 +17,18 @@ using VersionBits = std::uint64_t;
 /// `followsFrom`).
 ///
 /// Memory is one bit row for each version and neighbour of its name.
-class Coexistence {
+class Compatibility {
  public:
-  explicit Coexistence(const SearchSpace& space);
+  explicit Compatibility(const SearchSpace& space);
 
   /// The names that a name may disagree with, ascending.
   const std::vector<NameIndex>& neighbours(NameIndex name) const { return neighbours_[name]; }
 
   /// The versions of the i-th neighbour of the version's name that can stand beside it.
-  const VersionBits* row(VersionIndex version, std::size_t neighbour) const {
-    return &rows_[rowStart_[version] + rowOffset_[space_.versions[version].name][neighbour]];
-  }
-
-  /// How many words a set of the name's versions takes.
-  std::size_t words(NameIndex name) const {
-    return (space_.names[name].end - space_.names[name].first + 63) / 64;
+  ConstBitRow row(VersionIndex version, std::size_t neighbour) const {
+    const NameIndex name = space_.versions[version].name;
+    return {&rows_[rowStart_[version] + rowOffset_[name][neighbour]],
+            space_.names[neighbours_[name][neighbour]].words()};
   }
 
  private:
@@ -60,7 +55,7 @@ class Coexistence {
   std::vector<std::vector<Projection>> projectAll(NameIndex name, NameIndex without,
                                                   const std::vector<NameIndex>& shared) const;
   void admit(VersionIndex left, VersionIndex right);
-  VersionBits* mutableRow(VersionIndex version, NameIndex neighbour);
+  BitRow mutableRow(VersionIndex version, NameIndex neighbour);
 
   /// What the closures of a name's versions hold; empty for a name that has no links at all.
   struct Holdings {
@@ -74,7 +69,7 @@ class Coexistence {
   std::vector<std::vector<NameIndex>> neighbours_;
   std::vector<std::vector<std::size_t>> rowOffset_;  // of each neighbour, within a version's rows
   std::vector<std::size_t> rowStart_;                // of each version
-  std::vector<VersionBits> rows_;
+  std::vector<BitWord> rows_;
 };
 
 }  // namespace tarn::evolution::pathfinder

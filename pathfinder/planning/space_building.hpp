@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pathfinder/search_space.hpp"
-#include "pathfinder/survey_drafts.hpp"
+#include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/planning/survey_state.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -1,4 +1,4 @@
-#include "pathfinder/search_space.hpp"
+#include "pathfinder/planning/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
 

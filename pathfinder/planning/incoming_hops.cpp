@@ -1,4 +1,4 @@
-#include "pathfinder/incoming_hops.hpp"
+#include "pathfinder/planning/incoming_hops.hpp"
 
 #include <algorithm>
 
@@ -6,10 +6,10 @@
 
 namespace tarn::evolution::pathfinder {
 
-IncomingHops::IncomingHops(const SearchSpace& space, const Outlooks& outlooks) {
+IncomingHops::IncomingHops(const SearchSpace& space, const AllVersionBounds& bounds) {
   hops_.reserve(space.moves.size());
   for (VersionIndex before = 0; before < space.versions.size(); ++before) {
-    if (!outlooks[before].arrives) continue;
+    if (!bounds[before].isReachable) continue;
     for (const SearchSpace::Move& move : space.versions[before].moves) {
       hops_.push_back({move.target, before, hopWeight(move.expensive)});
     }

@@ -1,0 +1,311 @@
+// Depth-first search from the sources on, sources in list order, steps by their combination index
+// (the hops of the last name are its most significant digit), and the baselines that a combination
+// leads to in the order in which they are combined. What has failed with as many steps left is not
+// tried again. It keeps its own stack, because a path may have many steps.
+//
+// Invariant: the trail is a beginning of a best plan, and each of its baselines holds just the
+// versions of its selection.
+
+#include "pathfinder/planning/plan_execution.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <ostream>
+#include <utility>
+
+#include "messages/trace.hpp"
+#include "pathfinder/baseline_combination.hpp"
+#include "pathfinder/hop_collection.hpp"
+#include "pathfinder/planning/variant_filter.hpp"
+#include "pathfinder/step_generation.hpp"
+#include "pathfinder/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using diagnostics::trace;
+using diagnostics::TraceLevel;
+
+namespace {
+
+class PlanExecution {
+ public:
+  PlanExecution(const SearchQuestion& question, const SearchSpace& space, const BackwardPlan& plan)
+      : question_(question),
+        space_(space),
+        plan_(plan),
+        selections_(plan.selections()),
+        steps_(plan.chains().length(plan.cost().weights)),
+        filter_(space) {}
+
+  SearchAnswer run() {
+    for (std::size_t i = 0; i < question_.sources.size(); ++i) {
+      if (space_.sources[i].empty()) continue;
+      if (!walkFrom(question_.sources[i], selections_.find(space_.sources[i]))) continue;
+      answer_.source = &question_.sources[i];
+      answer_.verdict = SearchAnswer::Verdict::Found;
+      takeSteps();
+      return std::move(answer_);
+    }
+    return {SearchAnswer::Verdict::Unsettled};
+  }
+
+ private:
+  /// What each name does in a step, the last name first: the place of its hop counted from one, or
+  /// 0. Compares as the combination's index does.
+  using Digits = std::vector<std::uint32_t>;
+
+  /// A combination of hops that is planned, and the selections that it may lead to.
+  struct Combination {
+    Digits digits;
+    std::vector<SelectionIndex> after;
+  };
+
+  /// A baseline on the way that is being tried, and how far its combinations have been.
+  struct Visit {
+    const VersionBaseline* baseline;  // a source's, or a candidate of the visit before
+    SelectionIndex selection;
+    std::vector<Combination> combinations;  // those left to try, in reverse order
+    std::vector<SelectionIndex> after;      // what the one tried last may lead to
+    LockstepHop hops;                       // of that one
+    std::vector<VersionBaseline> candidates;
+    std::size_t seen = 0;  // of the candidates
+  };
+
+  /// Goes by the best plans as far as they lead; true when that is to a target.
+  bool walkFrom(const VersionBaseline& source, SelectionIndex selection) {
+    if (enter(source, selection, steps_)) return true;
+    while (!trail_.empty()) {
+      Visit& visit = trail_.back();
+      const std::uint32_t stepsLeft = steps_ + 1 - static_cast<std::uint32_t>(trail_.size());
+      const SelectionIndex after = nextCandidate(visit);
+      if (after != SearchSpace::none) {
+        if (enter(visit.candidates[visit.seen - 1], after, stepsLeft - 1)) return true;
+      } else {
+        failed_[stepsLeft].push_back(*visit.baseline);
+        trail_.pop_back();
+      }
+    }
+    return false;
+  }
+
+  /// Begins to go on from a baseline, if there are plans that have as many steps left; true when a
+  /// target is reached and there are none left.
+  bool enter(const VersionBaseline& baseline, SelectionIndex selection, std::uint32_t stepsLeft) {
+    if (const VersionBaseline* target = targetIn(baseline, selections_[selection])) {
+      answer_.target = target;
+      return stepsLeft == 0;
+    }
+    if (!isBestWithStepsLeft(selection, stepsLeft) || hasFailed(baseline, stepsLeft)) return false;
+    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+      out << "Trying unvisited baseline with least weight: " << baseline;
+    });
+    reportLostHops(baseline, selections_[selection]);
+    trail_.push_back({&baseline, selection, combinationsFrom(selection), {}, {}, {}});
+    return false;
+  }
+
+  /// The selection of the next candidate that a plan leads to; none when all have been seen.
+  SelectionIndex nextCandidate(Visit& visit) {
+    while (true) {
+      while (visit.seen < visit.candidates.size()) {
+        const VersionBaseline& candidate = visit.candidates[visit.seen++];
+        for (const SelectionIndex after : visit.after) {
+          if (holds(candidate, visit.selection, after)) return after;
+        }
+      }
+      if (visit.combinations.empty()) return SearchSpace::none;
+      attempt(visit);
+    }
+  }
+
+  /// The steps that have been tried last at every baseline on the way.
+  void takeSteps() {
+    answer_.steps.reserve(trail_.size());
+    // From the end: each step begins with what the one before leads to.
+    for (; !trail_.empty(); trail_.pop_back()) {
+      Visit& last = trail_.back();
+      answer_.steps.emplace_back(*last.baseline, std::move(last.candidates[last.seen - 1]),
+                                 std::move(last.hops));
+    }
+    std::reverse(answer_.steps.begin(), answer_.steps.end());
+  }
+
+  const VersionBaseline* targetIn(const VersionBaseline& baseline, SelectionView selection) const {
+    const bool mayBe = std::any_of(
+        space_.targets.begin(), space_.targets.end(), [&](const VersionSelection& target) {
+          return std::equal(target.begin(), target.end(), selection.begin(), selection.end(),
+                            [](VersionIndex wanted, VersionIndex held) {
+                              return wanted == held || wanted == SearchSpace::none;
+                            });
+        });
+    return mayBe ? question_.targetIn(baseline) : nullptr;
+  }
+
+  /// Whether what is planned from here on has the step weights with which the best plans end.
+  bool isBestWithStepsLeft(SelectionIndex selection, std::uint32_t stepsLeft) const {
+    const WeightChains& chains = plan_.chains();
+    return stepsLeft > 0 && plan_.reaches(selection) &&
+           plan_.costFrom(selection).weights == chains.prefix(plan_.cost().weights, stepsLeft);
+  }
+
+  bool hasFailed(const VersionBaseline& baseline, std::uint32_t stepsLeft) {
+    const auto failed = failed_.find(stepsLeft);
+    return failed != failed_.end() && std::find(failed->second.begin(), failed->second.end(),
+                                                baseline) != failed->second.end();
+  }
+
+  /// A hop whose target was missing is reported as soon as a baseline that offers it is processed.
+  void reportLostHops(const VersionBaseline& baseline, SelectionView selection) const {
+    for (const VersionIndex index : selection) {
+      if (!space_.versions[index].losesHop) continue;
+      const std::u16string& name = space_.names[space_.versions[index].name].text;
+      HopChoices choices;
+      collectHops(question_.repository, question_.direction, name, *baseline.metamodels.at(name),
+                  choices);
+    }
+  }
+
+  /// The combinations that are planned from a selection, the last one first.
+  std::vector<Combination> combinationsFrom(SelectionIndex selection) const {
+    std::vector<Combination> result;
+    plan_.visitStepsFrom(selection, [&](std::span<const PlannedHop> hops, SelectionIndex after) {
+      result.push_back({digitsOf(selections_[selection], hops, selections_[after]), {after}});
+    });
+    std::sort(result.begin(), result.end(), [](const Combination& left, const Combination& right) {
+      return left.digits > right.digits;
+    });
+    auto kept = result.begin();
+    for (auto next = result.begin(); next != result.end(); ++next) {
+      if (next == result.begin()) continue;
+      if (kept->digits == next->digits) {
+        kept->after.push_back(next->after.front());
+      } else if (++kept != next) {
+        *kept = std::move(*next);
+      }
+    }
+    if (!result.empty()) result.erase(kept + 1, result.end());
+    return result;
+  }
+
+  Digits digitsOf(SelectionView before, std::span<const PlannedHop> hops,
+                  SelectionView after) const {
+    Digits digits;
+    digits.reserve(before.size());
+    for (std::size_t name = before.size(); name-- > 0;) {
+      digits.push_back(placeOf(before[name], hops[name], after[name]));
+    }
+    return digits;
+  }
+
+  /// The place, counted from one, of the first hop of this kind to that version; 0 for no hop. Of
+  /// several equal hops the first decides: the others lead to the same baselines.
+  std::uint32_t placeOf(VersionIndex version, PlannedHop hop, VersionIndex after) const {
+    if (hop == PlannedHop::None) return 0;
+    const auto& moves = space_.versions[version].moves;
+    const auto move =
+        std::find_if(moves.begin(), moves.end(), [&](const SearchSpace::Move& candidate) {
+          return candidate.target == after && candidate.expensive == (hop == PlannedHop::Expensive);
+        });
+    return move->place + 1;
+  }
+
+  /// Tries the next combination.
+  void attempt(Visit& visit) {
+    const Combination combination = std::move(visit.combinations.back());
+    visit.combinations.pop_back();
+    visit.after = combination.after;
+    const SelectionView selection = selections_[visit.selection];
+    const Digits& digits = combination.digits;
+    visit.hops.clear();
+    visit.hops.reserve(digits.size() -
+                       static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      const std::uint32_t digit = digits[selection.size() - 1 - name];
+      if (digit == 0) continue;
+      visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
+    }
+    traceAttempt(visit.hops);
+    visit.candidates =
+        combine(*visit.baseline, selection, digits, selections_[visit.after.front()]);
+    visit.seen = 0;
+    traceCandidates(visit.candidates);
+  }
+
+  /// The baselines that a combination leads to. Only where the plan leaves open what is meant do
+  /// names have to be combined.
+  std::vector<VersionBaseline> combine(const VersionBaseline& baseline, SelectionView selection,
+                                       const Digits& digits, SelectionView after) {
+    VersionBaseline moved = baseline;
+    std::vector<OpenVersion> open;
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      if (space_.isAbsent(selection[name])) continue;
+      const bool hops = digits[selection.size() - 1 - name] != 0;
+      const SearchSpace::Name& held = space_.names[name];
+      const SearchSpace::Version& version = space_.versions[after[name]];
+      if (!held.isCertain) {
+        open.push_back({after[name], version.linked});
+      } else if (hops) {
+        moved.metamodels.at(held.text) = version.linked->front();
+      }
+    }
+    filter_.narrow(open);
+    return combine(std::move(moved), open);
+  }
+
+  /// The baseline with every choice for what is open.
+  std::vector<VersionBaseline> combine(VersionBaseline&& moved,
+                                       const std::vector<OpenVersion>& open) const {
+    std::vector<Alternatives> alternatives;
+    alternatives.reserve(open.size());
+    for (const OpenVersion& one : open) {
+      const SearchSpace::Name& name = space_.names[space_.versions[one.version].name];
+      alternatives.push_back({&name.text, one.candidates});
+    }
+    const std::vector<VersionBaseline> combined = open.empty()
+                                                      ? std::vector<VersionBaseline>(1)
+                                                      : combineInOrder(alternatives, Links::Closed);
+    if (combined.empty()) return {};
+    std::vector<VersionBaseline> result(combined.size() - 1, moved);
+    result.push_back(std::move(moved));
+    for (std::size_t i = 0; i < combined.size(); ++i) {
+      for (const auto& [name, linked] : combined[i].metamodels) {
+        result[i].metamodels.insert_or_assign(name, linked);
+      }
+    }
+    return result;
+  }
+
+  /// Whether what a candidate brings in beside a selection is what another one holds.
+  bool holds(const VersionBaseline& candidate, SelectionIndex before, SelectionIndex after) const {
+    const SelectionView former = selections_[before];
+    for (NameIndex name = 0; name < former.size(); ++name) {
+      if (!space_.isAbsent(former[name])) continue;
+      const auto broughtIn = candidate.metamodels.find(space_.names[name].text);
+      const VersionIndex version = broughtIn == candidate.metamodels.end()
+                                       ? former[name]
+                                       : space_.versionOf(*broughtIn->second);
+      if (version != selections_[after][name]) return false;
+    }
+    return true;
+  }
+
+  const SearchQuestion& question_;
+  const SearchSpace& space_;
+  const BackwardPlan& plan_;
+  const SelectionTable& selections_;
+  const std::uint32_t steps_;  // of the best plans
+  VariantFilter filter_;
+  SearchAnswer answer_;
+  std::deque<Visit> trail_;                                       // from the source on
+  std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
+};
+
+}  // namespace
+
+SearchAnswer executePlan(const SearchQuestion& question, const SearchSpace& space,
+                         const BackwardPlan& plan) {
+  return PlanExecution(question, space, plan).run();
+}
+
+}  // namespace tarn::evolution::pathfinder
