@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <ostream>
 #include <queue>
 #include <unordered_map>
 #include <utility>
@@ -14,8 +13,6 @@
 
 namespace tarn::evolution::pathfinder {
 
-using diagnostics::trace;
-using diagnostics::TraceLevel;
 using diagnostics::traceValue;
 
 namespace {
@@ -119,9 +116,7 @@ SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t bu
   Frontier frontier;
   for (const VersionBaseline& source : question.sources) frontier.addSource(source);
   while (const Reached* current = frontier.take()) {
-    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-      out << "Trying unvisited baseline with least weight: " << *current->baseline;
-    });
+    question.traceTrying(*current->baseline);
     if (const VersionBaseline* target = question.targetIn(*current->baseline)) {
       traceValue("Reached target");
       return pathTo(*current, *target);

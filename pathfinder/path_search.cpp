@@ -7,6 +7,7 @@
 #include "messages/trace.hpp"
 #include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/tried_baselines.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -30,7 +31,9 @@ void traceQuestion(const std::vector<VersionBaseline>& sources,
 }
 
 /// Asks one engine after the other until one settles the question.
-SearchAnswer search(const SearchQuestion& question) {
+SearchAnswer search(SearchQuestion question) {
+  TriedBaselines tried;
+  question.tried = &tried;
   SearchAnswer answer = searchExhaustively(question, combinationBudget);
   if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchGoalDirected(question);
   if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchExhaustively(question);

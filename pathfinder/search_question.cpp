@@ -2,7 +2,17 @@
 
 #include <algorithm>
 
+#include "pathfinder/tried_baselines.hpp"
+
 namespace tarn::evolution::pathfinder {
+
+void SearchQuestion::traceTrying(const VersionBaseline& baseline) const {
+  if (tried != nullptr) {
+    tried->trace(baseline);
+  } else {
+    TriedBaselines().trace(baseline);
+  }
+}
 
 const VersionBaseline* SearchQuestion::targetIn(const VersionBaseline& baseline) const {
   const auto found =

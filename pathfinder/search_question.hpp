@@ -15,6 +15,8 @@ struct KnownMetamodel {
   const std::vector<std::shared_ptr<LinkedMetamodel>>* linked;  ///< in the repository's own list
 };
 
+class TriedBaselines;
+
 /// What every search engine is asked. Refers to the caller's lists.
 struct SearchQuestion {
   VersionRepository& repository;
@@ -22,6 +24,10 @@ struct SearchQuestion {
   const std::vector<VersionBaseline>& targets;
   VersionRepository::Direction direction;
   std::vector<KnownMetamodel> known = {};  ///< need not be asked for again
+  TriedBaselines* tried = nullptr;         ///< shared by the engines of one search; may be null
+
+  /// Writes the record that a baseline is tried, unless an engine has written it already.
+  void traceTrying(const VersionBaseline& baseline) const;
 
   /// The first target, in list order, that the baseline includes; null when there is none.
   const VersionBaseline* targetIn(const VersionBaseline& baseline) const;

@@ -29,20 +29,27 @@ using Lines = std::vector<std::string>;
 
 using Ask = std::function<std::string(TestRepository&)>;
 
-/// Asks with the k-th callback failing, and then again.
-void failOnce(TestRepository& repository, std::size_t k, const Ask& ask,
+/// Asks with the k-th callback failing, and then again. Whether the failure arrived; otherwise the
+/// answer must not have depended on it.
+bool failOnce(TestRepository& repository, std::size_t k, const Ask& ask,
               const std::string& expected) {
   repository.onCall = [&k](const std::string&) {
     if (--k == 0) throw CallbackFailure();
   };
-  EXPECT_THROW(ask(repository), CallbackFailure);
-  const Lines records = traceOf(4, [&] { EXPECT_EQ(ask(repository), expected); });
-  EXPECT_EQ(std::count(records.begin(), records.end(), "4 Found Path in cache"), 0);
+  try {
+    EXPECT_EQ(ask(repository), expected);
+    return false;
+  } catch (const CallbackFailure&) {
+    const Lines records = traceOf(4, [&] { EXPECT_EQ(ask(repository), expected); });
+    EXPECT_EQ(std::count(records.begin(), records.end(), "4 Found Path in cache"), 0);
+    return true;
+  }
 }
 
-/// Asks a question once for each callback that it takes, with just that callback failing.
-void failAtEachCallback(const std::string& catalogue, const std::string& from,
-                        const std::string& to) {
+/// Asks a question once for each callback that it takes, with just that callback failing. The
+/// callbacks whose failure did not arrive.
+std::set<std::string> failAtEachCallback(const std::string& catalogue, const std::string& from,
+                                         const std::string& to) {
   const Ask ask = [&](TestRepository& repository) {
     return describe(repository.findPath(selection(from), selection(to)));
   };
@@ -51,19 +58,25 @@ void failAtEachCallback(const std::string& catalogue, const std::string& from,
   std::set<std::string> callbacks;
   for (const std::string& call : fresh.calls) callbacks.insert(call.substr(0, call.find(' ')));
   EXPECT_TRUE(expected != "none" && callbacks.size() == 5U);
+  std::set<std::string> survived;
   for (std::size_t k = 1; k <= fresh.calls.size(); ++k) {
     SCOPED_TRACE("call " + std::to_string(k) + ": " + fresh.calls[k - 1]);
     TestRepository repository(catalogue);
-    failOnce(repository, k, ask, expected);
+    if (!failOnce(repository, k, ask, expected)) survived.insert(fresh.calls[k - 1]);
   }
+  return survived;
 }
 
-TEST(CallbackFailures, ReachTheCallerAndLeaveTheRepositoryWhole) {
+TEST(CallbackFailures, ReachTheCallerIfTheAnswerDependsOnThemAndLeaveTheRepositoryWhole) {
   const std::string small = "Afirst~1 A2 A3 Afirst>2 A2>3 B1:A[1,3) B2:A[3,4) B1>2";
-  failAtEachCallback(small, "Afirst B1", "B2");
-  // With so many more that can move, the exhaustive search hands over.
-  failAtEachCallback(small + " C1..3 D1..3 E1..3 F1..2 G1..2 H1..2 I1..2 J1..2 K1..2 L1..2",
-                     "Afirst B1 C1 D1 E1 F1 G1 H1 I1 J1 K1 L1", "B2 C3 D2 E1 L2");
+  EXPECT_TRUE(failAtEachCallback(small, "Afirst B1", "B2").empty());
+  // With so many more that can move, the exhaustive search hands over. Nothing leads on from where
+  // the path ends.
+  EXPECT_EQ(
+      failAtEachCallback(small + " C1..3 D1..3 E1..3 F1..2 G1..2 H1..2 I1..2 J1..2 K1..2 L1..2",
+                         "Afirst B1 C1 D1 E1 F1 G1 H1 I1 J1 K1 L1", "B2 C3 D2 E1 L2"),
+      (std::set<std::string>{"findHops A3", "findHops B2", "findHops C3", "findHops D2",
+                             "findHops L2"}));
 }
 
 class EventLog : public instrument::in_memory::Listener {

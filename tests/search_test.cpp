@@ -135,14 +135,17 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
   }
 }
 
-TEST(Engines, ATargetWithAnEmptyEntryIsLeftToThePlainSearch) {
-  TestRepository repository("A1..3 B1..3");
+TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
+  TestRepository repository("A1..3 B1..3 C1:Z1 C2 C1>2 C2>1 Z1");
   const auto sources = repository.baselines("A1 B1");
-  auto targets = repository.baselines("A3");
-  targets[0].metamodels[u"Z"] = nullptr;  // includes any that lack Z
-  const SearchQuestion lacking{repository, sources, targets, forward};
-  EXPECT_EQ(searchExhaustively(lacking).steps.size(), 2U);
-  EXPECT_EQ(searchGoalDirected(lacking).verdict, Verdict::Unsettled);
+  for (const auto& [name, steps] : {std::pair(u"Z", 2U), std::pair(u"B", 0U)}) {
+    auto targets = repository.baselines("A3");
+    targets[0].metamodels[name] = nullptr;
+    const SearchQuestion lacking{repository, sources, targets, forward};
+    const SearchAnswer expected = searchExhaustively(lacking);
+    EXPECT_EQ(expected.steps.size(), steps);
+    expectSame(expected, searchGoalDirected(lacking));
+  }
 }
 
 TEST(Engines, LongPathsTakeNoStack) {

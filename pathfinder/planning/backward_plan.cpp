@@ -2,20 +2,55 @@
 
 namespace tarn::evolution::pathfinder {
 
-bool BackwardPlan::improve(SelectionIndex selection, const PlanCost& cost) {
-  if (selection >= continuations_.size()) continuations_.resize(selection + std::size_t{1});
-  Continuation& known = continuations_[selection];
-  if (known.isReached && !comesFirst(chains_, boundOf(cost), boundOf(known.cost))) return false;
-  known = {cost, noStep, true};
+BackwardPlan::Continuation& BackwardPlan::continuationOf(SelectionIndex selection) {
+  if (selection >= continuations_.size()) continuations_.resize(selections_.size());
+  return continuations_[selection];
+}
+
+bool BackwardPlan::improve(Continuation& continuation, const PlanCost& cost) const {
+  if (continuation.isReached && !comesFirst(chains_, boundOf(cost), boundOf(continuation.cost))) {
+    return false;
+  }
+  continuation = {cost, noStep, true};
   return true;
 }
 
-void BackwardPlan::addStep(SelectionIndex before, std::span<const PlannedHop> hops,
+void BackwardPlan::addStep(Continuation& continuation, std::span<const PlannedHop> hops,
                            SelectionIndex after) {
-  std::uint32_t& first = continuations_[before].firstStep;
   const std::uint32_t added = hops_.add(hops);
-  steps_.push_back({after, first});
-  first = added;
+  steps_.push_back({after, continuation.firstStep});
+  continuation.firstStep = added;
+}
+
+std::vector<std::uint64_t> BackwardPlan::weights() const {
+  std::vector<std::uint64_t> result(chains_.length(cost_.weights));
+  chains_.copy(cost_.weights, 0, chains_.length(cost_.weights), result.data());
+  return result;
+}
+
+std::vector<SelectionIndex> BackwardPlan::bestSelections() const {
+  std::vector<SelectionIndex> result;
+  std::vector<bool> isListed(selections_.size());
+  const auto list = [&](SelectionIndex selection) {
+    if (isListed[selection]) return;
+    isListed[selection] = true;
+    result.push_back(selection);
+  };
+  const auto listStep = [&](std::span<const PlannedHop> /*hops*/, SelectionIndex after) {
+    list(after);
+  };
+  for (SelectionIndex source = 0; source < regularSources_; ++source) {
+    if (source < continuations_.size() && continuations_[source].isReached &&
+        continuations_[source].cost == cost_) {
+      list(source);
+    }
+  }
+  for (std::size_t source = 0; source < irregular_.size(); ++source) {
+    if (isBestFromIrregular(source)) visit(stepsFromIrregular(source), listStep);
+  }
+  // The list grows on the way.
+  for (std::size_t i = 0; i < result.size(); ++i) visit(stepsFrom(result[i]), listStep);
+  return result;
 }
 
 std::size_t BackwardPlan::bytes() const {

@@ -228,6 +228,18 @@ void Compatibility::fillRows(NameIndex name, NameIndex neighbour) {
   admitLinked(name, neighbour);
   admitLinked(neighbour, name);
   admitAgreeing(name, neighbour);
+  admitUnknown(name, neighbour);
+  admitUnknown(neighbour, name);
+}
+
+/// What is not known may stand beside anything.
+void Compatibility::admitUnknown(NameIndex name, NameIndex neighbour) {
+  const SearchSpace::Name& others = space_.names[neighbour];
+  for (VersionIndex version = space_.names[name].first; version < space_.names[name].end;
+       ++version) {
+    if (!space_.versions[version].isUnknown) continue;
+    for (VersionIndex other = others.first; other < others.end; ++other) admit(version, other);
+  }
 }
 
 /// A version that links a variant of the other name agrees with it in all: its closure holds the

@@ -51,6 +51,7 @@ class Compatibility {
   void fillRows(NameIndex name, NameIndex neighbour);
   void admitLinked(NameIndex linking, NameIndex linked);
   void admitAgreeing(NameIndex left, NameIndex right);
+  void admitUnknown(NameIndex name, NameIndex neighbour);
   bool anyWithout(NameIndex name, NameIndex other) const;
   std::vector<std::vector<Projection>> projectAll(NameIndex name, NameIndex without,
                                                   const std::vector<NameIndex>& shared) const;

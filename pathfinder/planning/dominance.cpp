@@ -35,14 +35,14 @@ bool mayBeAbsent(const SearchSpace& space, NameIndex name) {
 }  // namespace
 
 Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibility,
-                     const IncomingHops& incoming, const std::vector<VersionSelection>& sources)
+                     const IncomingHops& incoming)
     : space_(space),
       compatibility_(compatibility),
       incoming_(incoming),
       isInSource_(space.versions.size()),
       cannotWait_(space.names.size()) {
-  for (const VersionSelection& source : sources) {
-    for (const VersionIndex version : source) isInSource_[version] = true;
+  for (const SearchSpace::Source& source : space.sources) {
+    for (const VersionIndex version : source.selection) isInSource_[version] = true;
   }
   findNamesThatCannotWait();
   for (NameIndex name = 0; name < space.names.size(); ++name) findWaysInto(name);

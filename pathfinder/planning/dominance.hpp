@@ -23,7 +23,7 @@ class Dominance {
   };
 
   Dominance(const SearchSpace& space, const Compatibility& compatibility,
-            const IncomingHops& incoming, const std::vector<VersionSelection>& sources);
+            const IncomingHops& incoming);
 
   /// In which steps that lead to `after` the name of that version can stay at it.
   Stay stayAt(VersionIndex version, SelectionView after) const;

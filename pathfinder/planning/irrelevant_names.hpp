@@ -8,19 +8,24 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// The names of a question that may stand by: every source, and every target that mentions it,
-/// holds the same linked metamodel under the name, one that depends on nothing.
+/// The names of a question that no best path moves, as far as the question itself tells: every
+/// source, and every target that mentions it, holds the same linked metamodel under the name, one
+/// that links nothing.
 ///
-/// A best path does not move such a name if nothing that the path may hold links it and no name has
-/// to be brought in: without its hops, every baseline on the way would be as consistent, and the
-/// path lighter. Who finds that a name is involved after all removes it.
-class Bystanders {
+/// Without the hops of such a name, every baseline on the way would be as consistent, and the path
+/// lighter, if nothing that the path may hold links it, and no target needs a name to be brought
+/// in. Who finds that a name is relevant after all removes it.
+class IrrelevantNames {
  public:
-  Bystanders(const SearchQuestion& question, std::pmr::memory_resource* memory);
+  /// Without names yet.
+  IrrelevantNames(const SearchQuestion& question, std::pmr::memory_resource* memory)
+      : question_(question), linked_(memory) {}
+
+  void find();
 
   bool contain(const LinkedMetamodel& linked) const { return linked_.contains(&linked); }
 
-  /// The name's entry in the first source; null when it does not stand by.
+  /// The name's entry in the first source; null when the name is relevant.
   const std::pair<const std::u16string, std::shared_ptr<LinkedMetamodel>>* find(
       const std::u16string& name) const;
 
@@ -28,7 +33,8 @@ class Bystanders {
   bool empty() const { return linked_.empty(); }
 
  private:
-  bool mayStandBy(const std::u16string& name, const std::shared_ptr<LinkedMetamodel>& linked) const;
+  bool maybeIrrelevant(const std::u16string& name,
+                       const std::shared_ptr<LinkedMetamodel>& linked) const;
 
   const SearchQuestion& question_;
   std::pmr::unordered_set<const LinkedMetamodel*> linked_;

@@ -11,10 +11,8 @@
 #include <algorithm>
 #include <deque>
 #include <map>
-#include <ostream>
 #include <utility>
 
-#include "messages/trace.hpp"
 #include "pathfinder/baseline_combination.hpp"
 #include "pathfinder/hop_collection.hpp"
 #include "pathfinder/planning/variant_filter.hpp"
@@ -22,9 +20,6 @@
 #include "pathfinder/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
-
-using diagnostics::trace;
-using diagnostics::TraceLevel;
 
 namespace {
 
@@ -40,8 +35,7 @@ class PlanExecution {
 
   SearchAnswer run() {
     for (std::size_t i = 0; i < question_.sources.size(); ++i) {
-      if (space_.sources[i].empty()) continue;
-      if (!walkFrom(question_.sources[i], selections_.find(space_.sources[i]))) continue;
+      if (!walkFrom(i)) continue;
       answer_.source = &question_.sources[i];
       answer_.verdict = SearchAnswer::Verdict::Found;
       takeSteps();
@@ -66,15 +60,16 @@ class PlanExecution {
     const VersionBaseline* baseline;  // a source's, or a candidate of the visit before
     SelectionIndex selection;
     std::vector<Combination> combinations;  // those left to try, in reverse order
-    std::vector<SelectionIndex> after;      // what the one tried last may lead to
-    LockstepHop hops;                       // of that one
-    std::vector<VersionBaseline> candidates;
+    bool linksAnew = false;  // whether its linked metamodels are not of the repository's making
+    std::vector<SelectionIndex> after = {};  // what the combination tried last may lead to
+    LockstepHop hops = {};                   // of that combination
+    std::vector<VersionBaseline> candidates = {};
     std::size_t seen = 0;  // of the candidates
   };
 
-  /// Goes by the best plans as far as they lead; true when that is to a target.
-  bool walkFrom(const VersionBaseline& source, SelectionIndex selection) {
-    if (enter(source, selection, steps_)) return true;
+  /// Goes by the best plans from a source as far as they lead; true when that is to a target.
+  bool walkFrom(std::size_t source) {
+    if (enterSource(source)) return true;
     while (!trail_.empty()) {
       Visit& visit = trail_.back();
       const std::uint32_t stepsLeft = steps_ + 1 - static_cast<std::uint32_t>(trail_.size());
@@ -89,19 +84,32 @@ class PlanExecution {
     return false;
   }
 
+  bool enterSource(std::size_t source) {
+    const auto& [selection, isRegular] = space_.sources[source];
+    const VersionBaseline& baseline = question_.sources[source];
+    if (selection.empty()) return false;
+    if (isRegular) return enter(baseline, selections_.find(selection), steps_);
+    if (!plan_.isBestFromIrregular(source)) return false;
+    question_.traceTrying(baseline);
+    reportLostHops(baseline, selection);
+    trail_.push_back({&baseline, selections_.find(selection),
+                      combinationsFrom(plan_.stepsFromIrregular(source), selection), true});
+    return false;
+  }
+
   /// Begins to go on from a baseline, if there are plans that have as many steps left; true when a
   /// target is reached and there are none left.
   bool enter(const VersionBaseline& baseline, SelectionIndex selection, std::uint32_t stepsLeft) {
     if (const VersionBaseline* target = targetIn(baseline, selections_[selection])) {
+      question_.traceTrying(baseline);
       answer_.target = target;
       return stepsLeft == 0;
     }
     if (!isBestWithStepsLeft(selection, stepsLeft) || hasFailed(baseline, stepsLeft)) return false;
-    trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-      out << "Trying unvisited baseline with least weight: " << baseline;
-    });
+    question_.traceTrying(baseline);
     reportLostHops(baseline, selections_[selection]);
-    trail_.push_back({&baseline, selection, combinationsFrom(selection), {}, {}, {}});
+    trail_.push_back({&baseline, selection,
+                      combinationsFrom(plan_.stepsFrom(selection), selections_[selection])});
     return false;
   }
 
@@ -166,11 +174,11 @@ class PlanExecution {
     }
   }
 
-  /// The combinations that are planned from a selection, the last one first.
-  std::vector<Combination> combinationsFrom(SelectionIndex selection) const {
+  /// The combinations that planned steps stand for, the last one first.
+  std::vector<Combination> combinationsFrom(PlannedSteps steps, SelectionView selection) const {
     std::vector<Combination> result;
-    plan_.visitStepsFrom(selection, [&](std::span<const PlannedHop> hops, SelectionIndex after) {
-      result.push_back({digitsOf(selections_[selection], hops, selections_[after]), {after}});
+    plan_.visit(steps, [&](std::span<const PlannedHop> hops, SelectionIndex after) {
+      result.push_back({digitsOf(selection, hops, selections_[after]), {after}});
     });
     std::sort(result.begin(), result.end(), [](const Combination& left, const Combination& right) {
       return left.digits > right.digits;
@@ -226,24 +234,24 @@ class PlanExecution {
       visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
     }
     traceAttempt(visit.hops);
-    visit.candidates =
-        combine(*visit.baseline, selection, digits, selections_[visit.after.front()]);
+    visit.candidates = combine(visit, selections_[visit.after.front()], digits);
     visit.seen = 0;
     traceCandidates(visit.candidates);
   }
 
   /// The baselines that a combination leads to. Only where the plan leaves open what is meant do
   /// names have to be combined.
-  std::vector<VersionBaseline> combine(const VersionBaseline& baseline, SelectionView selection,
-                                       const Digits& digits, SelectionView after) {
-    VersionBaseline moved = baseline;
+  std::vector<VersionBaseline> combine(const Visit& visit, SelectionView after,
+                                       const Digits& digits) {
+    VersionBaseline moved = visit.linksAnew ? irrelevantPartOf(*visit.baseline) : *visit.baseline;
+    const SelectionView selection = selections_[visit.selection];
     std::vector<OpenVersion> open;
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (space_.isAbsent(selection[name])) continue;
       const bool hops = digits[selection.size() - 1 - name] != 0;
       const SearchSpace::Name& held = space_.names[name];
       const SearchSpace::Version& version = space_.versions[after[name]];
-      if (!held.isCertain) {
+      if (!held.isCertain || visit.linksAnew) {
         open.push_back({after[name], version.linked});
       } else if (hops) {
         moved.metamodels.at(held.text) = version.linked->front();
@@ -251,6 +259,13 @@ class PlanExecution {
     }
     filter_.narrow(open);
     return combine(std::move(moved), open);
+  }
+
+  /// What a source holds under names that are not in the space.
+  VersionBaseline irrelevantPartOf(const VersionBaseline& source) const {
+    VersionBaseline result = source;
+    for (const SearchSpace::Name& name : space_.names) result.metamodels.erase(name.text);
+    return result;
   }
 
   /// The baseline with every choice for what is open.

@@ -27,13 +27,21 @@ namespace tarn::evolution::pathfinder {
 
 class PlanSearch {
  public:
-  PlanSearch(const PlanningGround& ground, const std::vector<VersionSelection>& sources)
+  explicit PlanSearch(const PlanningGround& ground)
       : ground_(ground),
         incoming_(ground.space, ground.bounds),
-        dominance_(ground.space, ground.compatibility, incoming_, sources),
-        plan_(ground.space.names.size()) {
-    for (const VersionSelection& source : sources) plan_.selections_.intern(source);
-    sourceCount_ = plan_.selections_.size();
+        dominance_(ground.space, ground.compatibility, incoming_),
+        plan_(ground.space.names.size(), ground.space.sources.size()) {
+    const auto& sources = ground.space.sources;
+    for (const SearchSpace::Source& source : sources) {
+      if (source.isRegular && !source.selection.empty()) plan_.selections_.intern(source.selection);
+    }
+    plan_.regularSources_ = plan_.selections_.size();
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+      if (sources[i].isRegular || sources[i].selection.empty()) continue;
+      plan_.selections_.intern(sources[i].selection);
+      irregularSources_.push_back(i);
+    }
   }
 
   std::optional<BackwardPlan> run(const std::vector<VersionSelection>& targets) {
@@ -241,14 +249,71 @@ class PlanSearch {
   /// Notes that the step of `hops_` leads from `before_` to `after`.
   void reach(const PlanCost& cost, SelectionIndex after) {
     const SelectionIndex before = plan_.selections_.intern(before_);
-    if (plan_.improve(before, cost)) {
-      const bool isBest = !best_ || comesFirst(plan_.chains_, boundOf(cost), boundOf(*best_));
-      if (before < sourceCount_ && isBest) best_ = cost;
-      if (after != SearchSpace::none) plan_.addStep(before, hops_, after);
-      stepBackFrom(before, cost);
-    } else if (after != SearchSpace::none && plan_.costFrom(before) == cost) {
-      plan_.addStep(before, hops_, after);
+    const bool isBetter = plan_.improve(plan_.continuationOf(before), cost);
+    if (after != SearchSpace::none && plan_.costFrom(before) == cost) {
+      plan_.addStep(plan_.continuationOf(before), hops_, after);
     }
+    if (!isBetter) return;
+    if (before < plan_.regularSources_) offerBest(cost);
+    for (const std::size_t source : irregularSources_) stepBackToIrregular(source, before, cost);
+    stepBackFrom(before, cost);
+  }
+
+  void offerBest(const PlanCost& cost) {
+    if (!best_ || comesFirst(plan_.chains_, boundOf(cost), boundOf(*best_))) best_ = cost;
+  }
+
+  /// Looks whether one step leads from a source that is not regular to a selection. What such a
+  /// source holds need not be able to stand together, so that no step problem finds it.
+  void stepBackToIrregular(std::size_t source, SelectionIndex after, const PlanCost& cost) {
+    const SelectionView from = ground_.space.sources[source].selection;
+    const SelectionView to = plan_.selections_[after];
+    hops_.assign(from.size(), PlannedHop::None);
+    std::uint64_t hopWeights = 0;
+    for (NameIndex name = 0; name < from.size(); ++name) {
+      if (from[name] == to[name] || mayEnter(from[name], to[name])) continue;
+      hops_[name] = cheapestHop(from[name], to[name]);
+      if (hops_[name] == PlannedHop::None) return;
+      hopWeights += hopWeight(hops_[name] == PlannedHop::Expensive);
+    }
+    if (!isBroughtIn(from, to)) return;
+    if (hopWeights > 0) {
+      addIrregular(source, after, cost, hopWeights);
+      return;
+    }
+    // All that is left to do is to link anew, for which it takes a hop that leads nowhere.
+    for (NameIndex name = 0; name < from.size(); ++name) {
+      if (ground_.space.isAbsent(from[name])) continue;
+      hops_[name] = cheapestHop(from[name], to[name]);
+      if (hops_[name] == PlannedHop::None) continue;
+      addIrregular(source, after, cost, hopWeight(hops_[name] == PlannedHop::Expensive));
+      hops_[name] = PlannedHop::None;
+    }
+  }
+
+  bool mayEnter(VersionIndex before, VersionIndex after) const {
+    return ground_.space.isAbsent(before) && ground_.space.versions[after].isEntry;
+  }
+
+  PlannedHop cheapestHop(VersionIndex before, VersionIndex after) const {
+    PlannedHop cheapest = PlannedHop::None;
+    for (const SearchSpace::Move& move : ground_.space.versions[before].moves) {
+      if (move.target != after) continue;
+      if (!move.expensive) return PlannedHop::Ordinary;
+      cheapest = PlannedHop::Expensive;
+    }
+    return cheapest;
+  }
+
+  /// Takes the step of `hops_` from a source that is not regular, if there is none better.
+  void addIrregular(std::size_t source, SelectionIndex after, const PlanCost& costAfter,
+                    std::uint64_t hopWeights) {
+    const std::uint64_t weight = stepWeight(hopWeights);
+    const PlanCost cost{costAfter.total + weight, plan_.chains_.append(costAfter.weights, weight)};
+    BackwardPlan::Continuation& continuation = plan_.irregular_[source];
+    plan_.improve(continuation, cost);
+    if (continuation.cost == cost) plan_.addStep(continuation, hops_, after);
+    offerBest(cost);
   }
 
   /// Whether every name that the step adds is linked by a name that was held before it.
@@ -281,7 +346,7 @@ class PlanSearch {
   const IncomingHops incoming_;
   const Dominance dominance_;
   BackwardPlan plan_;
-  std::uint32_t sourceCount_ = 0;  // the sources are the first selections of the table
+  std::vector<std::size_t> irregularSources_;
   std::optional<PlanCost> best_;
 
   WordPool nodes_;
@@ -299,9 +364,8 @@ class PlanSearch {
 };
 
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& sources,
                                          const std::vector<VersionSelection>& targets) {
-  return PlanSearch(ground, sources).run(targets);
+  return PlanSearch(ground).run(targets);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -8,10 +8,9 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// The best plans from any of the sources to any of the targets; no value when there is no plan,
-/// and so no path.
+/// The best plans from any source of the space to any of the targets; no value when there is no
+/// plan, and so no path.
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& sources,
                                          const std::vector<VersionSelection>& targets);
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <memory_resource>
 #include <span>
@@ -30,9 +29,7 @@ using VersionSelection = std::vector<VersionIndex>;
 /// name, are numbered consecutively; names ascend. A name that some source does not hold has one
 /// version more, "absent", which it has until a link brings it in.
 ///
-/// Bystanders are not among the names: what every source and every target that mentions it holds at
-/// one version, which links nothing and which nothing links. Made by `surveySearchSpace`;
-/// read-only.
+/// Irrelevant names are not among them. Made by a `SpaceSurvey`, to which it refers; read-only.
 struct SearchSpace {
   static constexpr std::uint32_t none = ~std::uint32_t{0};
 
@@ -45,13 +42,19 @@ struct SearchSpace {
 
   struct Version {
     NameIndex name;
-    const Metamodel* descriptor = nullptr;  ///< null for "absent"
-    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked = nullptr;
+    const Metamodel* descriptor = nullptr;                                  ///< null for "absent"
+    const std::vector<std::shared_ptr<LinkedMetamodel>>* linked = nullptr;  ///< null if it failed
     VariantIndex firstVariant = 0;  ///< its linked metamodels are variants from here on, in order
-    std::span<const Hop> hops;      ///< those that do not go against the direction, in order
-    std::span<const Move> moves;    ///< those of the hops that lead to a version of the space
+    VariantIndex variantCount = 0;
+    std::span<const Hop> hops;    ///< those that do not go against the direction, in order
+    std::span<const Move> moves;  ///< those of the hops that lead to a version of the space
     bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
     bool isEntry = false;   ///< whether a link can bring this version in
+
+    /// Whether it stands for whatever versions unknown hops may lead to: it can stand beside
+    /// anything.
+    bool isUnknown = false;
+
     std::span<const VersionIndex> entries;  ///< the versions that its links can bring in, ascending
   };
 
@@ -90,9 +93,8 @@ struct SearchSpace {
 
   /// The variants of a version; none of "absent".
   std::span<const Variant> variantsOf(VersionIndex version) const {
-    const auto* linked = versions[version].linked;
-    if (linked == nullptr) return {};
-    return std::span(variants).subspan(versions[version].firstVariant, linked->size());
+    return std::span(variants).subspan(versions[version].firstVariant,
+                                       versions[version].variantCount);
   }
 
   /// The version that a linked metamodel of a name that is linked is of; `none` when that is not in
@@ -103,8 +105,16 @@ struct SearchSpace {
   std::vector<Version> versions;
   std::size_t words = 0;  ///< of a set of versions of all names
 
-  /// What each source holds; empty for one that no path of several steps can start from.
-  std::vector<VersionSelection> sources;
+  struct Source {
+    VersionSelection selection;  ///< empty when no plan can start from it
+
+    /// Whether it is a consistent baseline of the repository's own linked metamodels. Otherwise the
+    /// first step links everything anew.
+    bool isRegular = true;
+  };
+
+  /// What each source of the question holds.
+  std::vector<Source> sources;
 
   /// What the targets admit that can be reached: `none` for a name that a target leaves free.
   std::vector<VersionSelection> targets;
@@ -118,8 +128,6 @@ struct SearchSpace {
   std::pmr::unordered_map<const LinkedMetamodel*, VariantIndex> variantOf{&memory};
 
   // What versions and variants point to.
-  std::pmr::deque<Metamodel> descriptors{&memory};
-  std::vector<Hop> hops;
   std::vector<Move> moves;
   std::vector<Link> links;
   std::vector<VersionIndex> entries;

@@ -14,92 +14,166 @@ namespace {
 
 class SpaceBuilding {
  public:
-  SpaceBuilding(SurveyDrafts& met, SearchSpace& space) : met_(met), space_(space) {}
+  explicit SpaceBuilding(SurveyState& met) : met_(met), space_(std::make_unique<SearchSpace>()) {}
 
-  void run() {
-    space_.names.reserve(met_.names.size());
-    space_.versions.reserve(met_.drafts.size() + met_.names.size());
-    space_.variants.reserve(met_.drafts.size());
-    std::vector<DraftName*> ordered;
+  std::unique_ptr<const SearchSpace> run() {
+    space_->names.reserve(met_.names.size());
+    space_->versions.reserve(met_.versions.size() + met_.names.size());
+    space_->variants.reserve(met_.versions.size());
+    std::vector<SurveyedName*> ordered;
     for (auto& [text, name] : met_.names) {
+      name.index = SearchSpace::none;
+      name.unknown = SearchSpace::none;
       if (!name.versions.empty()) ordered.push_back(&name);
     }
-    std::sort(ordered.begin(), ordered.end(), [](const DraftName* left, const DraftName* right) {
-      return *left->text < *right->text;
-    });
-    for (DraftName* name : ordered) addName(*name);
+    for (SurveyedVersion& version : met_.versions) version.index = SearchSpace::none;
+    std::sort(ordered.begin(), ordered.end(),
+              [](const SurveyedName* left, const SurveyedName* right) {
+                return *left->text < *right->text;
+              });
+    for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
     addEntries();
     markCertainNames(ordered);
-    addSelections();
+    addSources();
+    addTargets();
+    return std::move(space_);
   }
 
  private:
-  void addName(DraftName& name) {
-    name.index = static_cast<NameIndex>(space_.names.size());
-    const auto first = static_cast<VersionIndex>(space_.versions.size());
-    for (Draft* draft : name.versions) {
-      if (draft->linked == nullptr || !met_.isOfUse(*draft)) continue;
-      draft->index = static_cast<VersionIndex>(space_.versions.size());
-      SearchSpace::Version& version = space_.versions.emplace_back();
-      version.name = name.index;
-      version.descriptor = draft->descriptor;
-      version.linked = draft->linked;
-      version.firstVariant = static_cast<VariantIndex>(space_.variants.size());
-      version.hops = std::span(space_.hops).subspan(draft->firstHop, draft->hopCount);
-      version.losesHop = draft->losesHop;
-      version.isEntry = draft->isEntry;
-      for (const auto& linked : *draft->linked) addVariant(name, *linked, draft->index);
+  void addName(SurveyedName& name) {
+    name.index = static_cast<NameIndex>(space_->names.size());
+    const auto first = static_cast<VersionIndex>(space_->versions.size());
+    for (SurveyedVersion* version : name.versions) {
+      if (isIn(*version)) addVersion(name, *version);
     }
-    SearchSpace::Name& added = space_.names.emplace_back();
+    if (hasUnknownHops(name)) addUnknownVersion(name);
+    SearchSpace::Name& added = space_->names.emplace_back();
     added.text = *name.text;
     added.first = first;
     if (!met_.isHeldFromStart(name)) {
-      added.absent = static_cast<VersionIndex>(space_.versions.size());
-      space_.versions.emplace_back().name = name.index;
+      added.absent = static_cast<VersionIndex>(space_->versions.size());
+      space_->versions.emplace_back().name = name.index;
     }
-    added.end = static_cast<VersionIndex>(space_.versions.size());
-    added.firstWord = space_.words;
-    space_.words += added.words();
+    added.end = static_cast<VersionIndex>(space_->versions.size());
+    added.firstWord = space_->words;
+    space_->words += added.words();
   }
 
-  VariantIndex addVariant(const DraftName& name, const LinkedMetamodel& linked,
+  bool isIn(const SurveyedVersion& version) const {
+    const bool isLinked =
+        version.linked != nullptr || (version.isAssumedBest && version.isUnlinkable);
+    return isLinked && met_.isOfUse(version);
+  }
+
+  void addVersion(SurveyedName& name, SurveyedVersion& surveyed) {
+    surveyed.index = static_cast<VersionIndex>(space_->versions.size());
+    SearchSpace::Version& version = space_->versions.emplace_back();
+    version.name = name.index;
+    version.descriptor = surveyed.descriptor;
+    version.linked = surveyed.linked;
+    version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
+    version.hops = surveyed.hops;
+    version.losesHop = surveyed.losesHop;
+    version.isEntry = surveyed.isEntry;
+    if (surveyed.linked == nullptr) {
+      space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
+      ++linkCount_;
+    } else {
+      for (const auto& linked : *surveyed.linked) addVariant(name, *linked, surveyed.index);
+    }
+    version.variantCount =
+        static_cast<VariantIndex>(space_->variants.size()) - version.firstVariant;
+  }
+
+  VariantIndex addVariant(const SurveyedName& name, const LinkedMetamodel& linked,
                           VersionIndex version) {
-    const auto index = static_cast<VariantIndex>(space_.variants.size());
-    space_.variants.emplace_back().version = version;
-    if (name.isLinked || !linked.linkedMetamodels.empty()) space_.variantOf.emplace(&linked, index);
+    const auto index = static_cast<VariantIndex>(space_->variants.size());
+    space_->variants.emplace_back().version = version;
+    if (name.isLinked || !linked.linkedMetamodels.empty())
+      space_->variantOf.emplace(&linked, index);
     linkCount_ += linked.linkedMetamodels.size() + 1;
     return index;
   }
 
+  static bool hasUnknownHops(const SurveyedVersion& version) {
+    return version.isAssumedBest && version.hasUnknownHops;
+  }
+
+  static bool hasUnknownHops(const SurveyedName& name) {
+    return std::any_of(name.versions.begin(), name.versions.end(),
+                       [](const SurveyedVersion* version) { return hasUnknownHops(*version); });
+  }
+
+  /// Adds the version that stands for all that unknown hops may lead to.
+  void addUnknownVersion(SurveyedName& name) {
+    name.unknown = static_cast<VersionIndex>(space_->versions.size());
+    SearchSpace::Version& version = space_->versions.emplace_back();
+    version.name = name.index;
+    version.descriptor = name.versions.front()->descriptor;
+    version.isUnknown = true;
+    version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
+    version.variantCount = 1;
+    space_->variants.emplace_back().version = name.unknown;
+    ++linkCount_;
+  }
+
   void addMoves() {
-    space_.moves.reserve(met_.hopTargets.size());  // versions point into it
-    for (const Draft& draft : met_.drafts) {
-      if (draft.index == SearchSpace::none) continue;
-      SearchSpace::Version& version = space_.versions[draft.index];
-      const std::size_t first = space_.moves.size();
-      for (const auto& [place, target] : met_.targetsOf(draft)) {
+    std::size_t most = met_.hopTargets.size();
+    for (const auto& [text, name] : met_.names) {
+      if (name.unknown == SearchSpace::none) continue;
+      const std::size_t versions = name.versions.size() + 1;
+      most += versions * versions;
+    }
+    space_->moves.reserve(most);  // versions point into it
+    for (const SurveyedVersion& surveyed : met_.versions) {
+      if (surveyed.index == SearchSpace::none) continue;
+      SearchSpace::Version& version = space_->versions[surveyed.index];
+      const std::size_t first = space_->moves.size();
+      for (const auto& [place, target] : met_.targetsOf(surveyed)) {
         if (target->index == SearchSpace::none) continue;
-        space_.moves.push_back({target->index, version.hops[place].expensive, place});
+        space_->moves.push_back({target->index, version.hops[place].expensive, place});
       }
-      version.moves = std::span(space_.moves).subspan(first);
+      if (hasUnknownHops(surveyed)) addMovesToAll(*surveyed.name);
+      version.moves = std::span(space_->moves).subspan(first);
+    }
+    for (const auto& [text, name] : met_.names) {
+      if (name.unknown == SearchSpace::none) continue;
+      const std::size_t first = space_->moves.size();
+      addMovesToAll(name);
+      space_->versions[name.unknown].moves = std::span(space_->moves).subspan(first);
     }
   }
 
+  void addMovesToAll(const SurveyedName& name) {
+    for (const SurveyedVersion* target : name.versions) {
+      if (target->index != SearchSpace::none) space_->moves.push_back({target->index, false, 0});
+    }
+    space_->moves.push_back({name.unknown, false, 0});
+  }
+
   void addClosures() {
-    space_.links.reserve(linkCount_);  // variants point into it
+    space_->links.reserve(linkCount_);  // variants point into it
     std::vector<Linking> linking;
-    for (const Draft& draft : met_.drafts) {
-      if (draft.index == SearchSpace::none) continue;
-      VariantIndex variant = space_.versions[draft.index].firstVariant;
-      for (const auto& linked : *draft.linked) {
+    for (const SurveyedVersion& surveyed : met_.versions) {
+      if (surveyed.index == SearchSpace::none) continue;
+      VariantIndex variant = space_->versions[surveyed.index].firstVariant;
+      if (surveyed.linked == nullptr) {
+        addClosure(variant, {});
+        continue;
+      }
+      for (const auto& linked : *surveyed.linked) {
         if (linked->linkedMetamodels.empty()) {
           addClosure(variant++, {});
         } else {
           linking.push_back({variant++, linked.get()});
         }
       }
+    }
+    for (const auto& [text, name] : met_.names) {
+      if (name.unknown == SearchSpace::none) continue;
+      addClosure(space_->versions[name.unknown].firstVariant, {});
     }
     addClosures(std::move(linking));
   }
@@ -117,9 +191,9 @@ class SpaceBuilding {
     for (const auto& [variant, linked] : linking) {
       const LinkedMetamodel* covering = coveringLink(*linked);
       const auto known =
-          covering == nullptr ? space_.variantOf.end() : space_.variantOf.find(covering);
-      if (known != space_.variantOf.end() && !space_.variants[known->second].closure.empty()) {
-        addClosure(variant, space_.variants[known->second].closure);
+          covering == nullptr ? space_->variantOf.end() : space_->variantOf.find(covering);
+      if (known != space_->variantOf.end() && !space_->variants[known->second].closure.empty()) {
+        addClosure(variant, space_->variants[known->second].closure);
       } else {
         addClosure(variant, linksOf(*linked));
       }
@@ -128,13 +202,13 @@ class SpaceBuilding {
 
   /// Adds what a variant links, by ascending name, and the variant itself.
   void addClosure(VariantIndex variant, std::span<const SearchSpace::Link> linked) {
-    const SearchSpace::Link own{space_.versions[space_.variants[variant].version].name, variant};
-    const std::size_t first = space_.links.size();
+    const SearchSpace::Link own{space_->versions[space_->variants[variant].version].name, variant};
+    const std::size_t first = space_->links.size();
     const auto place = std::upper_bound(linked.begin(), linked.end(), own, isBefore);
-    std::copy(linked.begin(), place, std::back_inserter(space_.links));
-    space_.links.push_back(own);
-    std::copy(place, linked.end(), std::back_inserter(space_.links));
-    space_.variants[variant].closure = std::span(space_.links).subspan(first);
+    std::copy(linked.begin(), place, std::back_inserter(space_->links));
+    space_->links.push_back(own);
+    std::copy(place, linked.end(), std::back_inserter(space_->links));
+    space_->variants[variant].closure = std::span(space_->links).subspan(first);
   }
 
   std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
@@ -150,9 +224,9 @@ class SpaceBuilding {
   }
 
   SearchSpace::Link linkTo(const LinkedMetamodel& linked) {
-    const auto known = space_.variantOf.find(&linked);
-    const DraftName& name = met_.nameOf(linked.name);
-    const VariantIndex variant = known != space_.variantOf.end()
+    const auto known = space_->variantOf.find(&linked);
+    const SurveyedName& name = met_.nameOf(linked.name);
+    const VariantIndex variant = known != space_->variantOf.end()
                                      ? known->second
                                      : addVariant(name, linked, SearchSpace::none);
     return {name.index, variant};
@@ -161,102 +235,122 @@ class SpaceBuilding {
   /// Notes which versions of names that may be absent each version may bring in.
   void addEntries() {
     const bool anyIsEntry =
-        std::any_of(space_.versions.begin(), space_.versions.end(),
+        std::any_of(space_->versions.begin(), space_->versions.end(),
                     [](const SearchSpace::Version& version) { return version.isEntry; });
     if (!anyIsEntry) return;
     const auto isEntry = [this](const SearchSpace::Link& link) {
-      const VersionIndex version = space_.variants[link.variant].version;
-      return version != SearchSpace::none && space_.versions[version].isEntry;
+      const VersionIndex version = space_->variants[link.variant].version;
+      return version != SearchSpace::none && space_->versions[version].isEntry;
     };
     std::vector<std::size_t> ends;
-    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
-      const std::size_t first = space_.entries.size();
-      for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+    for (VersionIndex version = 0; version < space_->versions.size(); ++version) {
+      const std::size_t first = space_->entries.size();
+      for (const SearchSpace::Variant& variant : space_->variantsOf(version)) {
         for (const SearchSpace::Link& link : variant.closure) {
           if (!isEntry(link)) continue;
-          const VersionIndex entry = space_.variants[link.variant].version;
-          if (entry != version) space_.entries.push_back(entry);
+          const VersionIndex entry = space_->variants[link.variant].version;
+          if (entry != version) space_->entries.push_back(entry);
         }
       }
-      const auto added = space_.entries.begin() + static_cast<std::ptrdiff_t>(first);
-      std::sort(added, space_.entries.end());
-      space_.entries.erase(std::unique(added, space_.entries.end()), space_.entries.end());
-      ends.push_back(space_.entries.size());
+      const auto added = space_->entries.begin() + static_cast<std::ptrdiff_t>(first);
+      std::sort(added, space_->entries.end());
+      space_->entries.erase(std::unique(added, space_->entries.end()), space_->entries.end());
+      ends.push_back(space_->entries.size());
     }
-    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+    for (VersionIndex version = 0; version < space_->versions.size(); ++version) {
       const std::size_t first = version == 0 ? 0 : ends[version - 1];
-      space_.versions[version].entries =
-          std::span(space_.entries).subspan(first, ends[version] - first);
+      space_->versions[version].entries =
+          std::span(space_->entries).subspan(first, ends[version] - first);
     }
   }
 
-  void markCertainNames(const std::vector<DraftName*>& met) {
+  void markCertainNames(const std::vector<SurveyedName*>& met) {
     const auto hasOneEach = [&](const SearchSpace::Name& name) {
       return std::all_of(
-          space_.versions.begin() + name.first, space_.versions.begin() + name.end,
-          [](const auto& version) { return version.linked && version.linked->size() == 1; });
+          space_->versions.begin() + name.first, space_->versions.begin() + name.end,
+          [](const SearchSpace::Version& version) { return version.variantCount == 1; });
     };
     const auto linksNothing = [&](const SearchSpace::Name& name) {
-      return std::all_of(space_.versions.begin() + name.first, space_.versions.begin() + name.end,
+      return std::all_of(space_->versions.begin() + name.first, space_->versions.begin() + name.end,
                          [&](const SearchSpace::Version& version) {
-                           return space_.variants[version.firstVariant].closure.size() == 1;
+                           return space_->variants[version.firstVariant].closure.size() == 1;
                          });
     };
-    const bool areAll = std::all_of(space_.names.begin(), space_.names.end(), hasOneEach);
-    for (const DraftName* draft : met) {
-      SearchSpace::Name& name = space_.names[draft->index];
-      name.isCertain = areAll || (!draft->isLinked && hasOneEach(name) && linksNothing(name));
+    const bool areAll = std::all_of(space_->names.begin(), space_->names.end(), hasOneEach);
+    for (const SurveyedName* surveyed : met) {
+      SearchSpace::Name& name = space_->names[surveyed->index];
+      name.isCertain = areAll || (!surveyed->isLinked && hasOneEach(name) && linksNothing(name));
     }
   }
 
-  void addSelections() {
+  void addSources() {
     VersionSelection absent;
-    for (const SearchSpace::Name& name : space_.names) absent.push_back(name.absent);
-    for (const auto& source : met_.sources) {
-      VersionSelection selection = absent;
-      const bool isComplete =
-          select(source, selection) &&
-          std::find(selection.begin(), selection.end(), SearchSpace::none) == selection.end();
-      if (!isComplete) selection.clear();
-      space_.sources.push_back(std::move(selection));
-    }
-    for (const auto& target : met_.targets) {
-      VersionSelection selection(space_.names.size(), SearchSpace::none);
-      if (select(target, selection)) space_.targets.push_back(std::move(selection));
+    for (const SearchSpace::Name& name : space_->names) absent.push_back(name.absent);
+    for (const SurveyedSource& source : met_.sources) {
+      SearchSpace::Source& added = space_->sources.emplace_back();
+      added.isRegular = source.isRegular;
+      added.selection = absent;
+      const bool isComplete = std::all_of(source.entries.begin(), source.entries.end(),
+                                          [&](const SurveyedEntry& entry) {
+                                            const SurveyedVersion* version = versionOf(entry);
+                                            if (version == nullptr) return false;
+                                            added.selection[entry.name->index] = version->index;
+                                            return true;
+                                          });
+      if (!isComplete) added.selection.clear();
     }
   }
 
-  /// False when something held is of no version of the space.
-  static bool select(const std::vector<HeldDraft>& held, VersionSelection& selection) {
-    return std::all_of(held.begin(), held.end(), [&](const HeldDraft& one) {
-      const VersionIndex version = versionOf(one);
-      if (version == SearchSpace::none) return false;
-      selection[one.name->index] = version;
-      return true;
-    });
-  }
-
-  static VersionIndex versionOf(const HeldDraft& held) {
-    for (const Draft* draft : held.name->versions) {
-      if (draft->index == SearchSpace::none) continue;
-      const auto& variants = *draft->linked;
-      const bool isIn = std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
-        return variant.get() == held.linked;
-      });
-      if (isIn) return draft->index;
+  void addTargets() {
+    for (const SurveyedTarget& target : met_.targets) {
+      VersionSelection selection(space_->names.size(), SearchSpace::none);
+      if (target.isPossible && select(target, selection)) {
+        space_->targets.push_back(std::move(selection));
+      }
     }
-    return SearchSpace::none;
   }
 
-  SurveyDrafts& met_;
-  SearchSpace& space_;
+  /// False when no selection of the space can include the target.
+  bool select(const SurveyedTarget& target, VersionSelection& selection) const {
+    for (const auto& [name, linked] : target.entries) {
+      const SurveyedVersion* version = versionOf({name, linked});
+      if (version == nullptr || !isOneOf(*linked, *version)) return false;
+      selection[name->index] = version->index;
+    }
+    for (const SurveyedName* name : target.absent) {
+      if (name->index == SearchSpace::none) continue;
+      selection[name->index] = space_->names[name->index].absent;
+      if (selection[name->index] == SearchSpace::none) return false;
+    }
+    return true;
+  }
+
+  /// The version of the space that has the descriptor of a linked metamodel; null when there is
+  /// none.
+  static const SurveyedVersion* versionOf(const SurveyedEntry& entry) {
+    const auto found = std::find_if(
+        entry.name->versions.begin(), entry.name->versions.end(), [&](const auto* version) {
+          return version->index != SearchSpace::none &&
+                 *version->descriptor == static_cast<const Metamodel&>(*entry.linked);
+        });
+    return found == entry.name->versions.end() ? nullptr : *found;
+  }
+
+  static bool isOneOf(const LinkedMetamodel& linked, const SurveyedVersion& version) {
+    return version.linked != nullptr &&
+           std::any_of(version.linked->begin(), version.linked->end(),
+                       [&](const auto& variant) { return variant.get() == &linked; });
+  }
+
+  SurveyState& met_;
+  std::unique_ptr<SearchSpace> space_;
   std::size_t linkCount_ = 0;
 };
 
 }  // namespace
 
-void buildSearchSpace(SurveyDrafts& met, SearchSpace& space) {
-  SpaceBuilding(met, space).run();
+std::unique_ptr<const SearchSpace> buildSearchSpace(SurveyState& met) {
+  return SpaceBuilding(met).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

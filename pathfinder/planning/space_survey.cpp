@@ -1,332 +1,638 @@
+// Uniform-cost exploration of each name by itself, from what the sources hold on, in three rounds
+// that are repeated until nothing changes: ask for hops; mark, backwards, what leads to a target;
+// link what a path may hold, and enter what its links may bring in.
+//
+// Names that a target leaves free have a radius, beyond which they are not explored. It starts with
+// the least distance at which a version of the name can stand beside each target. A plan that uses
+// a version further away by d costs at least d more than the least that the targets need together;
+// so when a plan is found, its total tells how large a radius proves that there is no better one.
+//
+// Whatever the application throws of a version is noted with the version, which is left out.
+
 #include "pathfinder/planning/space_survey.hpp"
 
 #include <algorithm>
-#include <memory_resource>
-#include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <new>
 #include <utility>
 
+#include "messages/report_exception.hpp"
 #include "pathfinder/covering_link.hpp"
-#include "pathfinder/link_attempt.hpp"
-#include "pathfinder/planning/irrelevant_names.hpp"
 #include "pathfinder/planning/space_building.hpp"
+#include "pathfinder/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
-class SpaceSurvey {
- public:
-  explicit SpaceSurvey(const SearchQuestion& question) : question_(question) {}
+constexpr std::uint64_t unreached = SurveyedVersion::unreached;
 
-  std::unique_ptr<const SearchSpace> run() {
-    enterTargets();
-    for (const KnownMetamodel& known : question_.known) {
-      if (!bystanders_.contain(*known.linked->front())) noteAnswer(known);
-    }
-    if (!enterSources()) return nullptr;
-    do {
-      askForHops();
-      if (isUnfit_) return nullptr;
-      markWhatLeadsToTargets();
-      linkWhatIsOfUse();
-      if (!isEveryNameHeld()) takeAllUp();
-    } while (!unasked_.empty());
-    if (isUnfit_) return nullptr;
-    buildSearchSpace(met_, *space_);
-    return std::move(space_);
-  }
+using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
+                                                     std::exception, void>;
 
- private:
-  Draft* known(const DraftName& name, const Metamodel& descriptor) const {
-    return name.byVersion.find(descriptor.version, [&](const Draft& draft) {
-      return draft.descriptor == &descriptor || *draft.descriptor == descriptor;
-    });
-  }
+bool isFarther(const std::pair<std::uint64_t, SurveyedVersion*>& left,
+               const std::pair<std::uint64_t, SurveyedVersion*>& right) {
+  return left.first > right.first;
+}
 
-  /// The version of a descriptor that lasts as long as the space.
-  Draft& draftOf(DraftName& name, const Metamodel& descriptor) {
-    Draft* draft = known(name, descriptor);
-    return draft != nullptr ? *draft : addDraft(name, descriptor);
-  }
-
-  Draft& draftOf(DraftName& name, Metamodel&& descriptor) {
-    Draft* draft = known(name, descriptor);
-    if (draft != nullptr) return *draft;
-    return addDraft(name, space_->descriptors.emplace_back(std::move(descriptor)));
-  }
-
-  Draft& addDraft(DraftName& name, const Metamodel& descriptor) {
-    Draft& draft = met_.drafts.emplace_back(name, descriptor);
-    name.byVersion.add(draft);
-    return draft;
-  }
-
-  /// Takes a version that is within reach into the space.
-  void enter(Draft& draft) {
-    if (std::exchange(draft.isEntered, true)) return;
-    draft.name->versions.push_back(&draft);
-    unasked_.push_back(&draft);
-  }
-
-  /// Takes a bystander up, because it is involved after all.
-  void takeUp(const std::u16string& name, const LinkedMetamodel& linked) {
-    bystanders_.remove(linked);
-    for (std::size_t i = 0; i < question_.targets.size(); ++i) {
-      if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, linked);
-    }
-    for (std::size_t i = 0; i < question_.sources.size(); ++i) enterSource(i, name, linked);
-  }
-
-  void takeAllUp() {
-    if (bystanders_.empty()) return;
-    for (const auto& [name, linked] : question_.sources.front().metamodels) {
-      if (bystanders_.contain(*linked)) takeUp(name, *linked);
-    }
-  }
-
-  /// Whether nothing has to be, or can be, brought in.
-  bool isEveryNameHeld() const {
-    return std::all_of(met_.names.begin(), met_.names.end(),
-                       [this](const auto& entry) { return met_.isHeldFromStart(entry.second); });
-  }
-
-  void enterTargets() {
-    for (std::size_t i = 0; i < question_.targets.size(); ++i) {
-      const auto& metamodels = question_.targets[i].metamodels;
-      met_.targets[i].reserve(metamodels.size());
-      for (const auto& [name, linked] : metamodels) {
-        isUnfit_ |= !linked;  // includes any baseline that lacks the name
-        if (linked && !bystanders_.contain(*linked)) enterTarget(i, name, *linked);
-      }
-    }
-  }
-
-  void enterTarget(std::size_t target, const std::u16string& key, const LinkedMetamodel& linked) {
-    DraftName& name = met_.nameOf(key);
-    name.targets.push_back(&linked);
-    met_.targets[target].push_back({&name, &linked});
-  }
-
-  void noteAnswer(const KnownMetamodel& known) {
-    if (known.metamodel->name != *known.name) return;  // not fit; found out if a hop leads there
-    DraftName& name = met_.nameOf(*known.name);
-    Draft& draft = draftOf(name, *known.metamodel);
-    draft.linked = known.linked;
-    draft.isLinkTried = true;
-    noteAnswer(name, *known.version, &draft);
-  }
-
-  void noteAnswer(DraftName& name, const VersionId& version, Draft* draft) {
-    if (draft != nullptr && draft->descriptor->version == version) {
-      draft->isAnswer = true;
-    } else {
-      otherAnswers_[&name].emplace(version, draft);
-    }
-  }
-
-  bool enterSources() {
-    for (std::size_t i = 0; i < question_.sources.size(); ++i) {
-      const auto& metamodels = question_.sources[i].metamodels;
-      met_.sources[i].reserve(metamodels.size());
-      for (const auto& [name, linked] : metamodels) {
-        if (!linked) return false;
-        if (!bystanders_.contain(*linked) && !enterSource(i, name, *linked)) return false;
-      }
-    }
-    return true;
-  }
-
-  bool enterSource(std::size_t source, const std::u16string& key, const LinkedMetamodel& linked) {
-    if (linked.name != key || !holdsLinksOf(question_.sources[source], linked)) return false;
-    DraftName& name = met_.nameOf(key);
-    ++name.sources;
-    met_.sources[source].push_back({&name, &linked});
-    Draft& draft = draftOf(name, static_cast<const Metamodel&>(linked));
-    enter(draft);
-    link(draft);
-    return draft.linked != nullptr &&
-           std::any_of(draft.linked->begin(), draft.linked->end(),
-                       [&](const auto& variant) { return variant.get() == &linked; });
-  }
-
-  static bool holdsLinksOf(const VersionBaseline& source, const LinkedMetamodel& linked) {
-    const auto holds = [&](const LinkedMetamodel& link) {
-      const auto held = source.metamodels.find(link.name);
-      return held != source.metamodels.end() && held->second.get() == &link;
-    };
-    // The covering link is asked for its own.
-    if (const LinkedMetamodel* covering = coveringLink(linked)) return holds(*covering);
-    return std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
-                       [&](const auto& link) { return holds(*link.second); });
-  }
-
-  void askForHops() {
-    while (!unasked_.empty()) {
-      Draft& draft = *unasked_.back();
-      unasked_.pop_back();
-      hops_.clear();
-      question_.repository.findHops(*draft.name->text, draft.descriptor->version, hops_);
-      draft.firstHop = space_->hops.size();
-      draft.firstTarget = met_.hopTargets.size();
-      for (Hop& hop : hops_) follow(draft, hop);
-    }
-  }
-
-  /// Keeps a hop of a version unless it goes against the direction; enters the version that it
-  /// leads to.
-  void follow(Draft& draft, Hop& hop) {
-    // Hop collection looks the target up under the hop's own name, which may differ from the key.
-    const bool hasOwnName = hop.name == *draft.name->text;
-    Draft* target = hasOwnName ? lookUp(*draft.name, hop.to) : nullptr;
-    if (question_.direction != VersionRepository::Unknown) {
-      std::optional<Metamodel> other;
-      if (!hasOwnName) other = question_.repository.getMetamodel(hop.name, hop.to);
-      if (target == nullptr && !other) {
-        draft.losesHop = true;
-        return;
-      }
-      if (goesAgainstDirection(draft, target != nullptr ? *target->descriptor : *other)) return;
-    }
-    if (!hasOwnName) target = lookUp(*draft.name, hop.to);
-    if (target != nullptr && !leadsAwayFromTargets(*target)) {
-      enter(*target);
-      met_.hopTargets.push_back({draft.hopCount, target});
-      ++draft.targetCount;
-    }
-    ++draft.hopCount;
-    space_->hops.push_back(std::move(hop));
-  }
-
-  bool goesAgainstDirection(const Draft& draft, const Metamodel& target) const {
-    return VersionRepository::areDirectionsInconsistent(
-        question_.direction, question_.repository.getDirection(*draft.descriptor, target));
-  }
-
-  /// The version that a hop of this name leads to; null when the application has none.
-  Draft* lookUp(DraftName& name, const VersionId& version) {
-    Draft* answer = name.byVersion.find(version, [](const Draft& draft) { return draft.isAnswer; });
-    if (answer != nullptr) return answer;
-    if (const auto others = otherAnswers_.find(&name); others != otherAnswers_.end()) {
-      const auto known = others->second.find(version);
-      if (known != others->second.end()) return known->second;
-    }
-    Draft* draft = ask(name, version);
-    noteAnswer(name, version, draft);
-    return draft;
-  }
-
-  Draft* ask(DraftName& name, const VersionId& version) {
-    std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, version);
-    if (!found) return nullptr;
-    if (found->name == *name.text) return &draftOf(name, *std::move(found));
-    isUnfit_ = true;
-    return nullptr;
-  }
-
-  /// Whether no hops in the direction asked for can lead from a version to what a target holds:
-  /// hops that do not go against a direction never lead back behind where they began.
-  bool leadsAwayFromTargets(const Draft& draft) const {
-    const DraftName& name = *draft.name;
-    if (question_.direction == VersionRepository::Unknown || !met_.isMentionedByEveryTarget(name)) {
-      return false;
-    }
-    return std::all_of(name.targets.begin(), name.targets.end(), [&](const Metamodel* target) {
-      return VersionRepository::areDirectionsInconsistent(
-          question_.direction, question_.repository.getDirection(*draft.descriptor, *target));
-    });
-  }
-
-  void markWhatLeadsToTargets() {
-    for (auto& [text, name] : met_.names) {
-      if (!met_.isMentionedByEveryTarget(name)) continue;
-      for (const Metamodel* target : name.targets) {
-        for (Draft* draft : name.versions) draft->leadsToTarget |= *draft->descriptor == *target;
-      }
-      spreadBackwards(name);
-    }
-  }
-
-  void spreadBackwards(DraftName& name) const {
-    for (bool changed = true; changed;) {
-      changed = false;
-      // Versions are met from the sources on, so most are marked in the first round.
-      for (std::size_t i = name.versions.size(); i-- > 0;) {
-        Draft& draft = *name.versions[i];
-        if (draft.leadsToTarget) continue;
-        const auto targets = met_.targetsOf(draft);
-        draft.leadsToTarget =
-            std::any_of(targets.begin(), targets.end(),
-                        [](const DraftTarget& target) { return target.draft->leadsToTarget; });
-        changed |= draft.leadsToTarget;
-      }
-    }
-  }
-
-  /// Links versions that can lie on a path, and enters those that their links bring in.
-  void linkWhatIsOfUse() {
-    // New drafts may be added on the way.
-    for (std::size_t i = 0; i < met_.drafts.size(); ++i) {  // NOLINT(modernize-loop-convert)
-      Draft& draft = met_.drafts[i];
-      if (!draft.isEntered || !met_.isOfUse(draft) || draft.areLinksEntered) continue;
-      link(draft);
-      draft.areLinksEntered = true;
-      if (draft.linked == nullptr) continue;
-      for (const auto& variant : *draft.linked) {
-        isUnfit_ |= variant->linkedMetamodels.contains(variant->name);
-        enterLinks(*variant);
-      }
-    }
-  }
-
-  void link(Draft& draft) {
-    if (!std::exchange(draft.isLinkTried, true))
-      draft.linked = tryLink(question_.repository, *draft.descriptor);
-  }
-
-  void enterLinks(const LinkedMetamodel& variant) {
-    const LinkedMetamodel* linking = &variant;
-    while (const LinkedMetamodel* covering = coveringLink(*linking)) {
-      if (!enterLink(*covering)) return;
-      linking = covering;
-    }
-    for (const auto& [text, linked] : linking->linkedMetamodels) enterLink(*linked);
-  }
-
-  /// False for one that has been entered before, with all that it links.
-  bool enterLink(const LinkedMetamodel& linked) {
-    if (!linksSeen_.insert(&linked).second) return false;
-    if (const auto* bystander = bystanders_.find(linked.name)) {
-      takeUp(bystander->first, *bystander->second);
-    }
-    DraftName& name = met_.nameOf(linked.name);
-    name.isLinked = true;
-    if (met_.isHeldFromStart(name)) return true;  // only hops move it
-    Draft& entry = draftOf(name, static_cast<const Metamodel&>(linked));
-    entry.isEntry = true;
-    enter(entry);
-    return true;
-  }
-
-  const SearchQuestion& question_;
-  std::unique_ptr<SearchSpace> space_ = std::make_unique<SearchSpace>();
-  SurveyDrafts met_{question_.sources.size(), question_.targets.size()};
-  std::pmr::vector<Draft*> unasked_{&met_.memory};
-  std::vector<Hop> hops_;  // of the version that is being asked for
-
-  /// What `getMetamodel` answered with another version than the one asked for, or with none.
-  std::unordered_map<const DraftName*, std::unordered_map<VersionId, Draft*, VersionIdHash>>
-      otherAnswers_;
-  std::pmr::unordered_set<const LinkedMetamodel*> linksSeen_{&met_.memory};
-  Bystanders bystanders_{question_, &met_.memory};
-  bool isUnfit_ = false;
-};
+bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked) {
+  const auto holds = [&](const LinkedMetamodel& link) {
+    const auto held = baseline.metamodels.find(link.name);
+    return held != baseline.metamodels.end() && held->second.get() == &link;
+  };
+  // The covering link is asked for its own.
+  if (const LinkedMetamodel* covering = coveringLink(linked)) return holds(*covering);
+  return std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
+                     [&](const auto& link) { return holds(*link.second); });
+}
 
 }  // namespace
 
-std::unique_ptr<const SearchSpace> surveySearchSpace(const SearchQuestion& question) {
-  return SpaceSurvey(question).run();
+SpaceSurvey::SpaceSurvey(const SearchQuestion& question, Scope scope)
+    : question_(question),
+      state_(question.sources.size(), question.targets.size()),
+      irrelevant_(question, &state_.memory) {
+  if (scope == Scope::Relevant) irrelevant_.find();
+}
+
+void SpaceSurvey::begin() {
+  enterTargets();
+  noteKnownAnswers();
+  enterSources();
+  if (!isUnfit_ && mayNeedToBringIn()) takeAllUp();
+  survey();
+  goAsFarAsTargetsNeed();
+}
+
+// Versions.
+
+SurveyedVersion* SpaceSurvey::known(const SurveyedName& name, const Metamodel& descriptor) const {
+  return name.known.find(descriptor.version, [&](const SurveyedVersion& version) {
+    return version.descriptor == &descriptor || *version.descriptor == descriptor;
+  });
+}
+
+/// The version of a descriptor that lasts as long as the survey.
+SurveyedVersion& SpaceSurvey::versionOf(SurveyedName& name, const Metamodel& descriptor) {
+  SurveyedVersion* version = known(name, descriptor);
+  return version != nullptr ? *version : addVersion(name, descriptor);
+}
+
+SurveyedVersion& SpaceSurvey::versionOf(SurveyedName& name, Metamodel&& descriptor) {
+  SurveyedVersion* version = known(name, descriptor);
+  if (version != nullptr) return *version;
+  return addVersion(name, state_.descriptors.emplace_back(std::move(descriptor)));
+}
+
+SurveyedVersion& SpaceSurvey::addVersion(SurveyedName& name, const Metamodel& descriptor) {
+  SurveyedVersion& version = state_.versions.emplace_back(name, descriptor);
+  name.known.add(version);
+  return version;
+}
+
+// What the question holds.
+
+void SpaceSurvey::enterTargets() {
+  for (std::size_t i = 0; i < question_.targets.size(); ++i) {
+    const auto& metamodels = question_.targets[i].metamodels;
+    state_.targets[i].entries.reserve(metamodels.size());
+    for (const auto& [name, linked] : metamodels) {
+      if (linked == nullptr) {
+        state_.targets[i].absent.push_back(&state_.nameOf(name));
+      } else if (!irrelevant_.contain(*linked)) {
+        enterTarget(i, name, *linked);
+      }
+    }
+  }
+}
+
+void SpaceSurvey::enterTarget(std::size_t target, const std::u16string& key,
+                              const LinkedMetamodel& linked) {
+  state_.targets[target].isPossible &= linked.name == key;  // baselines hold no others
+  SurveyedName& name = state_.nameOf(key);
+  name.targets.push_back(&linked);
+  state_.targets[target].entries.push_back({&name, &linked});
+  if (!holdsLinksOf(question_.targets[target], linked)) closeTarget(target, linked);
+}
+
+/// What holds a linked metamodel holds all that it links.
+void SpaceSurvey::closeTarget(std::size_t target, const LinkedMetamodel& linked) {
+  SurveyedTarget& surveyed = state_.targets[target];
+  for (const auto& [key, link] : linked.linkedMetamodels) {
+    const LinkedMetamodel* held = heldBy(target, key);
+    if (held == link.get()) continue;
+    const bool isMentioned = held != nullptr || question_.targets[target].metamodels.contains(key);
+    surveyed.isPossible &= !isMentioned;
+    if (isMentioned) continue;
+    SurveyedName& name = state_.nameOf(key);
+    name.targets.push_back(link.get());
+    surveyed.entries.push_back({&name, link.get()});
+    surveyed.added.emplace(key, link.get());
+  }
+}
+
+const LinkedMetamodel* SpaceSurvey::heldBy(std::size_t target, const std::u16string& name) const {
+  const auto& metamodels = question_.targets[target].metamodels;
+  if (const auto held = metamodels.find(name); held != metamodels.end()) return held->second.get();
+  const auto& added = state_.targets[target].added;
+  const auto held = added.find(name);
+  return held == added.end() ? nullptr : held->second;
+}
+
+void SpaceSurvey::noteKnownAnswers() {
+  for (const KnownMetamodel& known : question_.known) {
+    if (irrelevant_.contain(*known.linked->front())) continue;
+    if (known.metamodel->name != *known.name) continue;  // found out if a hop leads there
+    SurveyedName& name = state_.nameOf(*known.name);
+    SurveyedVersion& version = versionOf(name, *known.metamodel);
+    version.linked = known.linked;
+    version.isLinkTried = true;
+    noteAnswer(name, *known.version, &version);
+  }
+}
+
+void SpaceSurvey::enterSources() {
+  for (std::size_t i = 0; i < question_.sources.size(); ++i) {
+    const auto& metamodels = question_.sources[i].metamodels;
+    state_.sources[i].entries.reserve(metamodels.size());
+    for (const auto& [name, linked] : metamodels) {
+      isUnfit_ |= linked == nullptr || linked->name != name;
+      if (isUnfit_) return;
+      if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
+    }
+  }
+}
+
+void SpaceSurvey::enterSource(std::size_t source, const std::u16string& key,
+                              const LinkedMetamodel& linked) {
+  SurveyedName& name = state_.nameOf(key);
+  ++name.sources;
+  SurveyedSource& surveyed = state_.sources[source];
+  surveyed.entries.push_back({&name, &linked});
+  SurveyedVersion& version = versionOf(name, static_cast<const Metamodel&>(linked));
+  reach(version, 0);
+  if (!std::exchange(version.isLinkTried, true)) {
+    // Every step from here tries to hold it, but for those that move it.
+    version.linked = &question_.repository.getLinkedMetamodels(linked);
+  }
+  surveyed.isRegular &= isOwn(version, linked) && holdsLinksOf(question_.sources[source], linked);
+}
+
+/// Whether the linked metamodel is of the repository's own making.
+bool SpaceSurvey::isOwn(const SurveyedVersion& version, const LinkedMetamodel& linked) const {
+  return version.linked != nullptr &&
+         std::any_of(version.linked->begin(), version.linked->end(),
+                     [&](const auto& variant) { return variant.get() == &linked; });
+}
+
+/// Whether some target mentions a name that some source does not hold.
+bool SpaceSurvey::mayNeedToBringIn() const {
+  return std::any_of(
+      state_.targets.begin(), state_.targets.end(), [this](const SurveyedTarget& target) {
+        return std::any_of(
+            target.entries.begin(), target.entries.end(),
+            [this](const SurveyedEntry& entry) { return !state_.isHeldFromStart(*entry.name); });
+      });
+}
+
+/// Takes a name up that is relevant after all.
+void SpaceSurvey::takeUp(const std::u16string& name, const LinkedMetamodel& linked) {
+  irrelevant_.remove(linked);
+  for (std::size_t i = 0; i < question_.targets.size(); ++i) {
+    if (question_.targets[i].metamodels.contains(name)) enterTarget(i, name, linked);
+  }
+  for (std::size_t i = 0; i < question_.sources.size(); ++i) enterSource(i, name, linked);
+}
+
+void SpaceSurvey::takeAllUp() {
+  if (irrelevant_.empty()) return;
+  for (const auto& [name, linked] : question_.sources.front().metamodels) {
+    if (irrelevant_.contain(*linked)) takeUp(name, *linked);
+  }
+}
+
+// Exploration.
+
+void SpaceSurvey::survey() {
+  while (!waiting_.empty() && !isUnfit_) {
+    while (!waiting_.empty()) {
+      SurveyedName& name = *waiting_.back();
+      waiting_.pop_back();
+      name.isWaiting = false;
+      explore(name);
+    }
+    markWhatLeadsToTargets();
+    linkWhatIsOfUse();
+  }
+}
+
+/// Runs an action that asks the application of a version; false when it failed, which is noted.
+template <class Action>
+bool SpaceSurvey::attempt(SurveyedVersion& version, const Action& action) {
+  try {
+    action();
+    return true;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const Conflict&) {
+    state_.failures.push_back({&version, std::current_exception(), true});
+  } catch (...) {
+    state_.failures.push_back({&version, std::current_exception(), false});
+  }
+  return false;
+}
+
+/// A version can be held, by itself, after hops of that weight.
+void SpaceSurvey::reach(SurveyedVersion& version, std::uint64_t distance) {
+  if (distance >= version.distance) return;
+  version.distance = distance;
+  SurveyedName& name = *version.name;
+  name.waiting.emplace_back(distance, &version);
+  std::push_heap(name.waiting.begin(), name.waiting.end(), isFarther);
+  if (!std::exchange(name.isWaiting, true)) waiting_.push_back(&name);
+}
+
+void SpaceSurvey::explore(SurveyedName& name) {
+  const std::uint64_t radius = state_.isMentionedByEveryTarget(name) ? unreached : name.radius;
+  while (!name.waiting.empty() && name.waiting.front().first <= radius) {
+    const auto [distance, version] = name.waiting.front();
+    std::pop_heap(name.waiting.begin(), name.waiting.end(), isFarther);
+    name.waiting.pop_back();
+    if (distance != version->distance) continue;
+    if (!std::exchange(version->isEntered, true)) {
+      name.versions.push_back(version);
+      ++findings_;
+    }
+    if (distance < radius) {
+      if (!version->isAsked) askForHops(*version);
+      followHops(*version);
+    } else {
+      name.unasked.push_back(version);
+    }
+  }
+}
+
+void SpaceSurvey::askForHops(SurveyedVersion& version) {
+  version.isAsked = true;
+  ++findings_;
+  hops_.clear();
+  kept_.clear();
+  const bool areKnown = attempt(version, [&] {
+    question_.repository.findHops(*version.name->text, version.descriptor->version, hops_);
+  });
+  if (!areKnown) {
+    noteUnknownHops(version);
+    return;
+  }
+  version.firstTarget = state_.hopTargets.size();
+  for (Hop& hop : hops_) {
+    if (!attempt(version, [&] { keepHop(version, hop); })) noteUnknownHops(version);
+  }
+  version.hops = state_.hops.add(kept_);
+}
+
+/// Some hop might lead anywhere, above all to what a target holds.
+void SpaceSurvey::noteUnknownHops(SurveyedVersion& version) {
+  SurveyedName& name = *version.name;
+  version.hasUnknownHops = true;
+  for (const Metamodel* target : name.targets) {
+    reach(versionOf(name, *target), version.distance + hopWeight(false));
+  }
+}
+
+/// Keeps a hop of a version unless it goes against the direction.
+void SpaceSurvey::keepHop(SurveyedVersion& version, Hop& hop) {
+  // Hop collection looks the target up under the hop's own name, which may differ from the key.
+  SurveyedName& name = *version.name;
+  const bool hasOwnName = hop.name == *name.text;
+  SurveyedVersion* target = hasOwnName ? lookUp(name, hop.to) : nullptr;
+  if (question_.direction != VersionRepository::Unknown) {
+    std::optional<Metamodel> other;
+    if (!hasOwnName) other = question_.repository.getMetamodel(hop.name, hop.to);
+    if (target == nullptr && !other) {
+      version.losesHop = true;
+      return;
+    }
+    if (goesAgainstDirection(version, target != nullptr ? *target->descriptor : *other)) return;
+  }
+  if (!hasOwnName) {
+    target = lookUp(name, hop.to);
+    name.hasForeignHops = true;
+  }
+  if (target != nullptr) {
+    state_.hopTargets.push_back({static_cast<std::uint32_t>(kept_.size()), target});
+    ++version.targetCount;
+  }
+  kept_.push_back(std::move(hop));
+}
+
+void SpaceSurvey::followHops(SurveyedVersion& version) {
+  for (std::size_t i = 0; i < version.targetCount; ++i) {
+    const auto [place, target] = state_.hopTargets[version.firstTarget + i];
+    if (leadsAwayFromTargets(*target)) continue;
+    reach(*target, version.distance + hopWeight(version.hops[place].expensive));
+  }
+  SurveyedName& name = *version.name;
+  if (!name.hasForeignHops || std::exchange(name.areAllFollowed, true)) return;
+  for (SurveyedVersion* other : name.versions) {
+    if (other->isAsked) followHops(*other);
+  }
+}
+
+bool SpaceSurvey::goesAgainstDirection(const SurveyedVersion& version,
+                                       const Metamodel& target) const {
+  return VersionRepository::areDirectionsInconsistent(
+      question_.direction, question_.repository.getDirection(*version.descriptor, target));
+}
+
+/// The version that a hop of this name leads to; null when the application has none.
+SurveyedVersion* SpaceSurvey::lookUp(SurveyedName& name, const VersionId& number) {
+  SurveyedVersion* answer =
+      name.known.find(number, [](const SurveyedVersion& version) { return version.isAnswer; });
+  if (answer != nullptr) return answer;
+  if (const auto others = otherAnswers_.find(&name); others != otherAnswers_.end()) {
+    const auto known = others->second.find(number);
+    if (known != others->second.end()) return known->second;
+  }
+  SurveyedVersion* version = ask(name, number);
+  noteAnswer(name, number, version);
+  return version;
+}
+
+SurveyedVersion* SpaceSurvey::ask(SurveyedName& name, const VersionId& number) {
+  std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, number);
+  if (!found) return nullptr;
+  if (found->name == *name.text) return &versionOf(name, *std::move(found));
+  isUnfit_ = true;
+  return nullptr;
+}
+
+void SpaceSurvey::noteAnswer(SurveyedName& name, const VersionId& number,
+                             SurveyedVersion* version) {
+  if (version != nullptr && version->descriptor->version == number) {
+    version->isAnswer = true;
+  } else {
+    otherAnswers_[&name].emplace(number, version);
+  }
+}
+
+/// Whether no hops in the direction asked for can lead from a version to what a target holds: hops
+/// that do not go against a direction never lead back behind where they began, unless a hop is
+/// judged by another name than the one it moves.
+bool SpaceSurvey::leadsAwayFromTargets(SurveyedVersion& version) {
+  const SurveyedName& name = *version.name;
+  if (question_.direction == VersionRepository::Unknown || name.hasForeignHops ||
+      !state_.isMentionedByEveryTarget(name)) {
+    return false;
+  }
+  if (!version.leadsAway) {
+    version.leadsAway = false;
+    attempt(version, [&] {
+      version.leadsAway = std::all_of(
+          name.targets.begin(), name.targets.end(),
+          [&](const Metamodel* target) { return goesAgainstDirection(version, *target); });
+    });
+  }
+  return *version.leadsAway;
+}
+
+void SpaceSurvey::markWhatLeadsToTargets() {
+  for (auto& [text, name] : state_.names) {
+    if (!state_.isMentionedByEveryTarget(name)) continue;
+    for (const Metamodel* target : name.targets) {
+      for (SurveyedVersion* version : name.versions) {
+        version->leadsToTarget |= *version->descriptor == *target;
+      }
+    }
+    spreadBackwards(name);
+  }
+}
+
+void SpaceSurvey::spreadBackwards(SurveyedName& name) const {
+  for (bool changed = true; changed;) {
+    changed = false;
+    // Versions are entered from the sources on, so most are marked in the first round.
+    for (std::size_t i = name.versions.size(); i-- > 0;) {
+      SurveyedVersion& version = *name.versions[i];
+      if (version.leadsToTarget) continue;
+      const auto targets = state_.targetsOf(version);
+      version.leadsToTarget =
+          version.hasUnknownHops ||
+          std::any_of(targets.begin(), targets.end(),
+                      [](const SurveyedHop& hop) { return hop.target->leadsToTarget; });
+      changed |= version.leadsToTarget;
+    }
+  }
+}
+
+/// Links versions that can lie on a path, and enters those that their links bring in.
+void SpaceSurvey::linkWhatIsOfUse() {
+  // New versions may be added on the way.
+  for (std::size_t i = 0; i < state_.versions.size(); ++i) {  // NOLINT(modernize-loop-convert)
+    SurveyedVersion& version = state_.versions[i];
+    if (!version.isEntered || !state_.isOfUse(version) || version.areLinksEntered) continue;
+    link(version);
+    version.areLinksEntered = true;
+    if (version.linked == nullptr) continue;
+    for (const auto& variant : *version.linked) {
+      isUnfit_ |= variant->linkedMetamodels.contains(variant->name);
+      enterLinks(*variant);
+    }
+  }
+}
+
+void SpaceSurvey::link(SurveyedVersion& version) {
+  if (std::exchange(version.isLinkTried, true)) return;
+  version.isUnlinkable = !attempt(version, [&] {
+    version.linked = &question_.repository.getLinkedMetamodels(*version.descriptor);
+  });
+}
+
+void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {
+  const LinkedMetamodel* linking = &variant;
+  while (const LinkedMetamodel* covering = coveringLink(*linking)) {
+    if (!enterLink(*covering)) return;
+    linking = covering;
+  }
+  for (const auto& [text, linked] : linking->linkedMetamodels) enterLink(*linked);
+}
+
+/// False for one that has been entered before, with all that it links.
+bool SpaceSurvey::enterLink(const LinkedMetamodel& linked) {
+  if (!linksSeen_.insert(&linked).second) return false;
+  if (const auto* irrelevant = irrelevant_.find(linked.name)) {
+    takeUp(irrelevant->first, *irrelevant->second);
+  }
+  SurveyedName& name = state_.nameOf(linked.name);
+  name.isLinked = true;
+  if (state_.isHeldFromStart(name)) return true;  // only hops move it
+  SurveyedVersion& entry = versionOf(name, static_cast<const Metamodel&>(linked));
+  entry.isEntry = true;
+  reach(entry, 0);
+  return true;
+}
+
+// How far.
+
+/// Extends names that some target leaves free until they have a version for each target.
+void SpaceSurvey::goAsFarAsTargetsNeed() {
+  for (bool isExtended = true; std::exchange(isExtended, false) && !isUnfit_;) {
+    for (auto& [text, name] : state_.names) {
+      if (frontier(name) == unreached) continue;
+      for (std::size_t target = 0; target < state_.targets.size(); ++target) {
+        if (!state_.targets[target].isPossible || distanceFor(name, target)) continue;
+        isExtended |= goTo(name, frontier(name));
+        break;
+      }
+    }
+    survey();
+  }
+}
+
+/// The least distance of a version of the name with which a plan can end at a target, as far as
+/// that is surveyed; no value when there is none.
+std::optional<std::uint64_t> SpaceSurvey::distanceFor(const SurveyedName& name,
+                                                      std::size_t target) const {
+  if (!state_.isHeldFromStart(name) && heldBy(target, *name.text) == nullptr) return 0;
+  std::optional<std::uint64_t> least;
+  for (const SurveyedVersion* version : name.versions) {
+    if (least && *least <= version->distance) continue;
+    if (suits(*version, target)) least = version->distance;
+  }
+  return least;
+}
+
+/// Whether a plan that ends with this version may end at a target.
+bool SpaceSurvey::suits(const SurveyedVersion& version, std::size_t target) const {
+  const LinkedMetamodel* wanted = heldBy(target, *version.name->text);
+  if (wanted != nullptr) return *version.descriptor == static_cast<const Metamodel&>(*wanted);
+  if (version.linked == nullptr) return version.isUnlinkable;
+  return std::any_of(version.linked->begin(), version.linked->end(),
+                     [&](const auto& variant) { return agrees(*variant, target); });
+}
+
+bool SpaceSurvey::agrees(const LinkedMetamodel& variant, std::size_t target) const {
+  return std::all_of(variant.linkedMetamodels.begin(), variant.linkedMetamodels.end(),
+                     [&](const auto& link) {
+                       const LinkedMetamodel* held = heldBy(target, link.first);
+                       return held == nullptr || held == link.second.get();
+                     });
+}
+
+/// The least distance at which versions of the name may be found that have not been entered.
+std::uint64_t SpaceSurvey::frontier(const SurveyedName& name) const {
+  if (state_.isMentionedByEveryTarget(name)) return unreached;
+  std::uint64_t least = name.waiting.empty() ? unreached : name.waiting.front().first;
+  for (const SurveyedVersion* version : name.unasked) {
+    least = std::min(least, version->distance + hopWeight(false));
+  }
+  return least;
+}
+
+/// Lets a name be explored up to a radius; false when that changes nothing.
+bool SpaceSurvey::goTo(SurveyedName& name, std::uint64_t radius) {
+  if (frontier(name) > radius || radius <= name.radius) return false;
+  name.radius = radius;
+  for (SurveyedVersion* version : std::exchange(name.unasked, {})) {
+    name.waiting.emplace_back(version->distance, version);
+    std::push_heap(name.waiting.begin(), name.waiting.end(), isFarther);
+  }
+  if (!std::exchange(name.isWaiting, true)) waiting_.push_back(&name);
+  return true;
+}
+
+bool SpaceSurvey::goAllTo(std::uint64_t radius) {
+  const std::size_t before = findings_;
+  for (auto& [text, name] : state_.names) goTo(name, radius);
+  survey();
+  return findings_ > before;
+}
+
+/// The least total that a plan can have, by the least distance of each name and the steps that
+/// these take.
+std::uint64_t SpaceSurvey::leastTotal() const {
+  std::uint64_t least = unreached;
+  for (std::size_t target = 0; target < state_.targets.size(); ++target) {
+    std::uint64_t hops = 0;
+    std::uint64_t steps = 0;
+    bool isWithinReach = state_.targets[target].isPossible;
+    for (const auto& [text, name] : state_.names) {
+      if (name.versions.empty()) continue;
+      const auto distance = distanceFor(name, target);
+      isWithinReach &= distance.has_value();
+      if (!isWithinReach) break;
+      hops += *distance;
+      steps = std::max(steps, ordinaryPart(*distance));
+    }
+    if (isWithinReach) least = std::min(least, hops + steps);
+  }
+  return least;
+}
+
+/// How far a name has to be surveyed when a plan may cost so much more than the least.
+std::uint64_t SpaceSurvey::radiusFor(const SurveyedName& name, std::uint64_t slack) const {
+  std::uint64_t farthest = 0;
+  for (std::size_t target = 0; target < state_.targets.size(); ++target) {
+    farthest = std::max(farthest, distanceFor(name, target).value_or(0));
+  }
+  return farthest + slack;
+}
+
+bool SpaceSurvey::extendToCover(std::uint64_t total) {
+  const bool isOver =
+      std::all_of(state_.names.begin(), state_.names.end(),
+                  [this](const auto& entry) { return frontier(entry.second) == unreached; });
+  if (isOver) return false;
+  const std::uint64_t least = leastTotal();
+  const std::uint64_t slack = total > least ? total - least : 0;
+  const std::size_t before = findings_;
+  for (auto& [text, name] : state_.names) {
+    if (frontier(name) != unreached) goTo(name, radiusFor(name, slack));
+  }
+  survey();
+  return findings_ > before;
+}
+
+bool SpaceSurvey::extend() {
+  // A search that tried everything would by then have gone that far with each name alone.
+  const std::uint64_t least = leastTotal();
+  const std::uint64_t near = least == unreached ? 1 : ordinaryPart(least) / 2 + 1;
+  for (; extensions_ < 3; ++extensions_) {
+    const std::uint64_t radii[] = {near, expensiveHopWeight - 1, unreached - 1};
+    if (goAllTo(radii[extensions_])) return true;
+  }
+  return false;
+}
+
+std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {
+  for (SurveyedVersion& version : state_.versions) version.isAssumedBest = false;
+  for (const SurveyFailure& failure : state_.failures) {
+    failure.version->isAssumedBest |= isAssumedBest(failure, failed);
+  }
+  return buildSearchSpace(state_);
+}
+
+bool SpaceSurvey::isAssumedBest(const SurveyFailure& failure, Failed failed) {
+  if (failed == Failed::UnknownAssumedBest) return !failure.isConflict;
+  return failed == Failed::AllAssumedBest;
+}
+
+bool SpaceSurvey::anyFailed(Failed failed) const {
+  return std::any_of(state_.failures.begin(), state_.failures.end(),
+                     [&](const SurveyFailure& failure) { return isAssumedBest(failure, failed); });
+}
+
+void SpaceSurvey::throwFailureOf(const std::vector<VersionIndex>& versions) const {
+  for (const SurveyFailure& failure : state_.failures) {
+    const bool isAsked =
+        failure.version->isAssumedBest &&
+        std::find(versions.begin(), versions.end(), failure.version->index) != versions.end();
+    if (isAsked) std::rethrow_exception(failure.exception);
+  }
+}
+
+bool SpaceSurvey::anyLosesHop() const {
+  return std::any_of(state_.versions.begin(), state_.versions.end(),
+                     [](const SurveyedVersion& version) { return version.losesHop; });
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
+#include <exception>
+#include <iterator>
+#include <limits>
 #include <memory_resource>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,130 +26,195 @@ struct VersionIdHash {
   std::size_t operator()(const VersionId& version) const noexcept { return hashVersion(version); }
 };
 
-struct DraftName;
+struct SurveyedName;
 
-/// A version while the space is surveyed.
-struct Draft {
-  Draft(DraftName& draftName, const Metamodel& metamodel)
-      : name(&draftName), descriptor(&metamodel) {}
+/// A version that a survey has met.
+struct SurveyedVersion {
+  static constexpr std::uint64_t unreached = std::numeric_limits<std::uint64_t>::max();
 
-  DraftName* name;
+  SurveyedVersion(SurveyedName& itsName, const Metamodel& metamodel)
+      : name(&itsName), descriptor(&metamodel) {}
+
+  SurveyedName* name;
   const Metamodel* descriptor;
-  std::size_t firstHop = 0;  // of the hops that leave it and do not go against the direction
-  std::uint32_t hopCount = 0;
-  std::size_t firstTarget = 0;  // of those hops that lead to a version that may be of use
+  std::uint64_t distance = unreached;  // least weights of hops from where the name can begin
+  std::span<const Hop> hops;           // that leave it and do not go against the direction
+  std::size_t firstTarget = 0;         // of those of these hops that lead to a version
   std::uint32_t targetCount = 0;
   const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
-  bool isAnswer = false;  // what getMetamodel returned when asked for just this version
+  bool isAnswer = false;   // what getMetamodel returned when asked for just this version
+  bool isEntered = false;  // within reach, as far as the survey goes
+  bool isAsked = false;    // for its hops
   bool isLinkTried = false;
-  bool losesHop = false;
-  bool isEntered = false;
-  bool leadsToTarget = false;
   bool areLinksEntered = false;
+  bool isUnlinkable = false;    // it conflicts, or the application failed
+  bool hasUnknownHops = false;  // the application failed when it was asked for them
+  bool isAssumedBest = false;   // although it failed, for the space that is being made
+  bool losesHop = false;
+  bool leadsToTarget = false;
+  std::optional<bool> leadsAway;  // from what every target holds
   bool isEntry = false;
   VersionIndex index = SearchSpace::none;
 };
 
 /// Versions of one name: scanned while they are few, hashed when they are many.
-class DraftsByVersion {
+class SurveyedVersions {
  public:
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
-  explicit DraftsByVersion(const allocator_type& memory) : drafts_(memory), places_(memory) {
-    drafts_.reserve(fewDrafts);
+  explicit SurveyedVersions(const allocator_type& memory) : versions_(memory), places_(memory) {
+    versions_.reserve(few);
   }
 
-  /// The first draft of that version for which `isWanted(draft)`; null when there is none.
+  /// The first one of that number for which `isWanted(version)`; null when there is none.
   template <class IsWanted>
-  Draft* find(const VersionId& version, const IsWanted& isWanted) const {
-    if (drafts_.size() <= fewDrafts) {
-      for (Draft* draft : drafts_) {
-        if (draft->descriptor->version == version && isWanted(*draft)) return draft;
+  SurveyedVersion* find(const VersionId& number, const IsWanted& isWanted) const {
+    if (versions_.size() <= few) {
+      for (SurveyedVersion* version : versions_) {
+        if (version->descriptor->version == number && isWanted(*version)) return version;
       }
       return nullptr;
     }
-    const auto [begin, end] = places_.equal_range(version);
+    const auto [begin, end] = places_.equal_range(number);
     for (auto place = begin; place != end; ++place) {
       if (isWanted(*place->second)) return place->second;
     }
     return nullptr;
   }
 
-  void add(Draft& draft) {
-    drafts_.push_back(&draft);
-    if (drafts_.size() <= fewDrafts) return;
-    for (std::size_t i = places_.size(); i < drafts_.size(); ++i) {
-      places_.emplace(drafts_[i]->descriptor->version, drafts_[i]);
+  void add(SurveyedVersion& version) {
+    versions_.push_back(&version);
+    if (versions_.size() <= few) return;
+    for (std::size_t i = places_.size(); i < versions_.size(); ++i) {
+      places_.emplace(versions_[i]->descriptor->version, versions_[i]);
     }
   }
 
  private:
-  static constexpr std::size_t fewDrafts = 8;
+  static constexpr std::size_t few = 8;
 
-  std::pmr::vector<Draft*> drafts_;
-  std::pmr::unordered_multimap<VersionId, Draft*, VersionIdHash> places_;  // once they are many
+  std::pmr::vector<SurveyedVersion*> versions_;
+  std::pmr::unordered_multimap<VersionId, SurveyedVersion*, VersionIdHash> places_;  // once many
 };
 
-/// Where a hop of a draft leads.
-struct DraftTarget {
-  std::uint32_t place;  ///< of the hop, among those of the draft
-  Draft* draft;
+/// Where a hop of a version leads.
+struct SurveyedHop {
+  std::uint32_t place;  ///< of the hop, among those of the version
+  SurveyedVersion* target;
 };
 
-/// A name while the space is surveyed.
-struct DraftName {
+/// A name that a survey has met.
+struct SurveyedName {
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
-  DraftName(const std::u16string& nameText, const allocator_type& memory)
-      : text(&nameText), targets(memory), versions(memory), byVersion(memory) {}
+  SurveyedName(const std::u16string& nameText, const allocator_type& memory)
+      : text(&nameText),
+        targets(memory),
+        versions(memory),
+        waiting(memory),
+        unasked(memory),
+        known(memory) {}
 
   const std::u16string* text;
-  std::size_t sources = 0;                     // that hold the name
-  bool isLinked = false;                       // by a version that can lie on a path
-  std::pmr::vector<const Metamodel*> targets;  // what the targets hold under the name
-  std::pmr::vector<Draft*> versions;           // in the order in which they were met
-  DraftsByVersion byVersion;
+  std::size_t sources = 0;                      // that hold the name
+  bool isLinked = false;                        // by a version that can lie on a path
+  bool hasForeignHops = false;                  // hops offered for it that bear another name
+  bool areAllFollowed = false;                  // again, after such hops were met
+  std::pmr::vector<const Metamodel*> targets;   // what the targets hold under the name
+  std::pmr::vector<SurveyedVersion*> versions;  // entered, in the order of their distance
+  std::pmr::vector<std::pair<std::uint64_t, SurveyedVersion*>> waiting;  // a heap, by distance
+  std::pmr::vector<SurveyedVersion*> unasked;  // entered, where the survey ends for now
+  std::uint64_t radius = 0;  // how far the survey goes, where it is not without a limit
+  bool isWaiting = false;    // for its versions to be entered
+  SurveyedVersions known;
   NameIndex index = SearchSpace::none;
+  VersionIndex unknown = SearchSpace::none;  // stands for what unknown hops may lead to
+};
+
+/// The hops of versions, those of one version together. They stay where they are.
+class HopStore {
+ public:
+  std::span<const Hop> add(std::vector<Hop>& hops) {
+    if (chunks_.empty() || chunks_.back().capacity() - chunks_.back().size() < hops.size()) {
+      chunks_.emplace_back().reserve(std::max(usualChunk, hops.size()));
+    }
+    std::vector<Hop>& chunk = chunks_.back();
+    const std::size_t first = chunk.size();
+    std::move(hops.begin(), hops.end(), std::back_inserter(chunk));
+    return std::span(chunk).subspan(first);
+  }
+
+ private:
+  static constexpr std::size_t usualChunk = 64;
+
+  std::vector<std::vector<Hop>> chunks_;
 };
 
 /// What a baseline of the question holds under a name.
-struct HeldDraft {
-  DraftName* name;
+struct SurveyedEntry {
+  SurveyedName* name;
   const LinkedMetamodel* linked;
 };
 
-/// All that a survey has met: drafts of what becomes a search space.
-struct SurveyDrafts {
-  SurveyDrafts(std::size_t sourceCount, std::size_t targetCount)
+/// A source of the question, irrelevant names left out.
+struct SurveyedSource {
+  std::vector<SurveyedEntry> entries;
+  bool isRegular = true;  ///< whether it is a consistent baseline of the repository's own making
+};
+
+/// A target of the question, irrelevant names left out, and closed under its links.
+struct SurveyedTarget {
+  std::vector<SurveyedEntry> entries;
+  std::unordered_map<std::u16string_view, const LinkedMetamodel*> added;  ///< by closing it
+  std::vector<SurveyedName*> absent;  ///< names that it must not hold
+  bool isPossible = true;
+};
+
+/// Something that the application failed at, or that conflicts. Kept, because the answer need not
+/// depend on it.
+struct SurveyFailure {
+  SurveyedVersion* version;
+  std::exception_ptr exception;
+  bool isConflict;
+};
+
+/// All that a survey has met: what becomes a search space.
+struct SurveyState {
+  SurveyState(std::size_t sourceCount, std::size_t targetCount)
       : sources(sourceCount), targets(targetCount) {}
+  SurveyState(const SurveyState&) = delete;
+  SurveyState& operator=(const SurveyState&) = delete;
+  ~SurveyState() = default;
 
   /// `text` must outlive the survey.
-  DraftName& nameOf(const std::u16string& text) {
+  SurveyedName& nameOf(const std::u16string& text) {
     return names.try_emplace(text, text).first->second;
   }
 
-  bool isHeldFromStart(const DraftName& name) const { return name.sources == sources.size(); }
-  bool isMentionedByEveryTarget(const DraftName& name) const {
+  bool isHeldFromStart(const SurveyedName& name) const { return name.sources == sources.size(); }
+  bool isMentionedByEveryTarget(const SurveyedName& name) const {
     return name.targets.size() == targets.size();
   }
 
   /// Whether a path may hold the version, as far as its own hops tell.
-  bool isOfUse(const Draft& draft) const {
-    return draft.leadsToTarget || !isMentionedByEveryTarget(*draft.name);
+  bool isOfUse(const SurveyedVersion& version) const {
+    return version.leadsToTarget || !isMentionedByEveryTarget(*version.name);
   }
 
-  std::span<const DraftTarget> targetsOf(const Draft& draft) const {
-    return std::span(hopTargets).subspan(draft.firstTarget, draft.targetCount);
+  std::span<const SurveyedHop> targetsOf(const SurveyedVersion& version) const {
+    return std::span(hopTargets).subspan(version.firstTarget, version.targetCount);
   }
 
   std::pmr::monotonic_buffer_resource memory{65536};
-  std::pmr::unordered_map<std::u16string_view, DraftName> names{&memory};
-  std::pmr::deque<Draft> drafts{&memory};
-  std::vector<DraftTarget> hopTargets;  // those of one draft stand together
+  std::pmr::unordered_map<std::u16string_view, SurveyedName> names{&memory};
+  std::pmr::deque<SurveyedVersion> versions{&memory};
+  std::pmr::deque<Metamodel> descriptors{&memory};
+  HopStore hops;
+  std::vector<SurveyedHop> hopTargets;  // those of one version stand together
+  std::vector<SurveyFailure> failures;
 
-  // What the baselines of the question hold, bystanders left out.
-  std::vector<std::vector<HeldDraft>> sources;
-  std::vector<std::vector<HeldDraft>> targets;
+  std::vector<SurveyedSource> sources;
+  std::vector<SurveyedTarget> targets;
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -32,15 +32,20 @@ constexpr std::uint64_t unreached = std::numeric_limits<std::uint64_t>::max();
 
 class BoundsComputation {
  public:
-  BoundsComputation(const SearchSpace& space, const Compatibility& compatibility,
-                    const std::vector<VersionSelection>& sources)
+  BoundsComputation(const SearchSpace& space, const Compatibility& compatibility)
       : space_(space),
         compatibility_(compatibility),
         bounds_(space.versions.size()),
         distances_(space.versions.size(), unreached),
-        starts_(space) {
-    for (const VersionSelection& source : sources) {
-      for (const VersionIndex version : source) starts_.insert(version);
+        starts_(space),
+        needsNoSupport_(space),
+        isGrounded_(space.versions.size()) {
+    for (const auto& [selection, isRegular] : space.sources) {
+      for (const VersionIndex version : selection) {
+        starts_.insert(version);
+        isGrounded_[version] = true;
+        if (!isRegular) needsNoSupport_.insert(version);
+      }
     }
   }
 
@@ -109,6 +114,7 @@ class BoundsComputation {
   }
 
   void noteReachable(VersionIndex version, std::uint32_t level) {
+    visitWithoutOrdinaryHop(version, [this](VersionIndex next) { isGrounded_[next] = true; });
     VersionBounds& bounds = bounds_[version];
     bounds.isReachable = true;
     bounds.distance = distances_[version];
@@ -120,7 +126,7 @@ class BoundsComputation {
   /// when nothing new has come that could make a difference.
   void growByOrdinaryHops(VersionSet& held, const std::vector<VersionIndex>& fresh,
                           const std::vector<VersionIndex>& unsupported,
-                          std::vector<VersionIndex>& added) const {
+                          std::vector<VersionIndex>& added) {
     added.clear();
     if (fresh.empty()) return;
     const auto add = [&](VersionIndex version) {
@@ -128,7 +134,9 @@ class BoundsComputation {
     };
     for (const VersionIndex version : fresh) {
       for (const SearchSpace::Move& move : space_.versions[version].moves) {
-        if (!move.expensive) add(move.target);
+        if (move.expensive) continue;
+        isGrounded_[move.target] = true;
+        add(move.target);
       }
     }
     for (const VersionIndex version : unsupported) add(version);
@@ -141,17 +149,59 @@ class BoundsComputation {
     };
     // The list grows on the way.
     for (std::size_t i = 0; i < added.size(); ++i) {  // NOLINT(modernize-loop-convert)
-      for (const SearchSpace::Move& move : space_.versions[added[i]].moves) {
-        if (move.expensive) add(move.target);
-      }
-      for (const VersionIndex entry : space_.versions[added[i]].entries) {
-        if (startsAbsent(space_.names[space_.versions[entry].name])) add(entry);
-      }
+      visitWithoutOrdinaryHop(added[i], add);
     }
   }
 
-  /// Removes listed versions that have no support, until all have.
+  /// Removes listed versions that have no support, and those that only such ones lead to or bring
+  /// in, until there are none.
   void removeUnsupported(VersionSet& held, const std::vector<VersionIndex>& added) {
+    while (removeIncompatible(held, added) && removeUngrounded(held, added)) {
+    }
+  }
+
+  /// Whether anything was removed.
+  bool removeUngrounded(VersionSet& held, const std::vector<VersionIndex>& added) {
+    grounded_.clear();
+    isMarked_.resize(space_.versions.size());
+    for (const VersionIndex version : added) {
+      if (held.contains(version) && isGrounded_[version]) mark(version);
+    }
+    // The list grows on the way.
+    for (std::size_t i = 0; i < grounded_.size(); ++i) {  // NOLINT(modernize-loop-convert)
+      visitWithoutOrdinaryHop(grounded_[i], [&](VersionIndex next) {
+        if (held.contains(next) && !isMarked_[next]) mark(next);
+      });
+    }
+    bool anyRemoved = false;
+    for (const VersionIndex version : added) {
+      if (!held.contains(version) || isMarked_[version]) continue;
+      held.erase(version);
+      anyRemoved = true;
+    }
+    for (const VersionIndex version : grounded_) isMarked_[version] = false;
+    return anyRemoved;
+  }
+
+  void mark(VersionIndex version) {
+    isMarked_[version] = true;
+    grounded_.push_back(version);
+  }
+
+  /// Calls `visit(next)` for what a version leads to by expensive hops and brings in by links.
+  template <class Visit>
+  void visitWithoutOrdinaryHop(VersionIndex version, const Visit& visit) const {
+    for (const SearchSpace::Move& move : space_.versions[version].moves) {
+      if (move.expensive) visit(move.target);
+    }
+    for (const VersionIndex entry : space_.versions[version].entries) {
+      if (startsAbsent(space_.names[space_.versions[entry].name])) visit(entry);
+    }
+  }
+
+  /// Removes listed versions beside which no version of some other name can stand, until there are
+  /// none. Whether anything was removed.
+  bool removeIncompatible(VersionSet& held, const std::vector<VersionIndex>& added) {
     checked_.clear();
     std::copy_if(added.begin(), added.end(), std::back_inserter(checked_),
                  [&](VersionIndex version) {
@@ -160,16 +210,19 @@ class BoundsComputation {
     std::sort(checked_.begin(), checked_.end());
     const auto groups = groupedByName(checked_);
     std::vector<bool> isOpen(groups.empty() ? 0 : space_.names.size(), true);
+    bool hasRemoved = false;
     for (bool anyRemoved = true; std::exchange(anyRemoved, false);) {
       for (const std::span<const VersionIndex> group : groups) {
         const NameIndex name = space_.versions[group.front()].name;
         if (!isOpen[name]) continue;
         isOpen[name] = false;
-        if (!removeUnsupported(group, held)) continue;
+        if (!removeIncompatible(group, held)) continue;
         anyRemoved = true;
+        hasRemoved = true;
         for (const NameIndex neighbour : compatibility_.neighbours(name)) isOpen[neighbour] = true;
       }
     }
+    return hasRemoved;
   }
 
   /// The versions of each name; those given ascend.
@@ -187,7 +240,7 @@ class BoundsComputation {
     return groups;
   }
 
-  bool removeUnsupported(std::span<const VersionIndex> added, VersionSet& held) const {
+  bool removeIncompatible(std::span<const VersionIndex> added, VersionSet& held) const {
     bool anyRemoved = false;
     for (const VersionIndex version : added) {
       if (!held.contains(version) || isSupported(version, held)) continue;
@@ -198,6 +251,7 @@ class BoundsComputation {
   }
 
   bool isSupported(VersionIndex version, const VersionSet& held) const {
+    if (needsNoSupport_.contains(version)) return true;
     const auto& neighbours = compatibility_.neighbours(space_.versions[version].name);
     for (std::size_t i = 0; i < neighbours.size(); ++i) {
       if (!compatibility_.row(version, i).meets(held.of(neighbours[i]))) return false;
@@ -239,11 +293,18 @@ class BoundsComputation {
   AllVersionBounds bounds_;
   std::vector<std::uint64_t> distances_;
   VersionSet starts_;
+  VersionSet needsNoSupport_;  // held by a source that is not consistent
+
+  /// By version: whether it is held from the start, or a version that is reachable leads to it or
+  /// brings it in.
+  std::vector<bool> isGrounded_;
 
   // Kept for their memory.
   std::vector<Waiting> waiting_;
   std::vector<VersionIndex> byDistance_;
   std::vector<VersionIndex> checked_;
+  std::vector<VersionIndex> grounded_;
+  std::vector<bool> isMarked_;  // by version: whether it is in that list
 };
 
 }  // namespace
@@ -260,9 +321,9 @@ bool isHeavierFromEnd(const AllVersionBounds& all, VersionIndex left, VersionInd
   return false;
 }
 
-AllVersionBounds computeVersionBounds(const SearchSpace& space, const Compatibility& compatibility,
-                                      const std::vector<VersionSelection>& sources) {
-  return BoundsComputation(space, compatibility, sources).run();
+AllVersionBounds computeVersionBounds(const SearchSpace& space,
+                                      const Compatibility& compatibility) {
+  return BoundsComputation(space, compatibility).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

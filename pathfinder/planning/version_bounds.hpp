@@ -55,7 +55,6 @@ void visitHopsAhead(const AllVersionBounds& all, VersionIndex version, const Vis
 /// Whether, of the cheapest ways to two versions, the first is heavier where they first differ.
 bool isHeavierFromEnd(const AllVersionBounds& all, VersionIndex left, VersionIndex right);
 
-AllVersionBounds computeVersionBounds(const SearchSpace& space, const Compatibility& compatibility,
-                                      const std::vector<VersionSelection>& sources);
+AllVersionBounds computeVersionBounds(const SearchSpace& space, const Compatibility& compatibility);
 
 }  // namespace tarn::evolution::pathfinder
