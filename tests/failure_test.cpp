@@ -76,7 +76,7 @@ TEST(CallbackFailures, ReachTheCallerIfTheAnswerDependsOnThemAndLeaveTheReposito
       failAtEachCallback(small + " C1..3 D1..3 E1..3 F1..2 G1..2 H1..2 I1..2 J1..2 K1..2 L1..2",
                          "Afirst B1 C1 D1 E1 F1 G1 H1 I1 J1 K1 L1", "B2 C3 D2 E1 L2"),
       (std::set<std::string>{"findHops A3", "findHops B2", "findHops C3", "findHops D2",
-                             "findHops L2"}));
+                             "findHops L2", "findMetamodels D[3.0.0, 3.0.1)", "getMetamodel D3"}));
 }
 
 class EventLog : public instrument::in_memory::Listener {

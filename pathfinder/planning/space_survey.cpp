@@ -489,10 +489,11 @@ void SpaceSurvey::goAsFarAsTargetsNeed() {
 }
 
 /// The least distance of a version of the name with which a plan can end at a target, as far as
-/// that is surveyed; no value when there is none.
+/// that is surveyed; no value when there is none. Of a name that can be brought in, who knows what
+/// may still do that.
 std::optional<std::uint64_t> SpaceSurvey::distanceFor(const SurveyedName& name,
                                                       std::size_t target) const {
-  if (!state_.isHeldFromStart(name) && heldBy(target, *name.text) == nullptr) return 0;
+  if (!state_.isHeldFromStart(name)) return 0;
   std::optional<std::uint64_t> least;
   for (const SurveyedVersion* version : name.versions) {
     if (least && *least <= version->distance) continue;
