@@ -54,8 +54,6 @@ struct SearchSpace {
     /// Whether it stands for whatever versions unknown hops may lead to: it can stand beside
     /// anything.
     bool isUnknown = false;
-
-    std::span<const VersionIndex> entries;  ///< the versions that its links can bring in, ascending
   };
 
   /// A linked metamodel that another one links.
@@ -89,6 +87,13 @@ struct SearchSpace {
     return version - names[versions[version].name].first;
   }
 
+  /// The versions that a version's links can bring in, ascending.
+  std::span<const VersionIndex> entriesBy(VersionIndex version) const {
+    if (entryStarts.empty()) return {};
+    return std::span(entries).subspan(entryStarts[version],
+                                      entryStarts[version + 1] - entryStarts[version]);
+  }
+
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
 
   /// The variants of a version; none of "absent".
@@ -103,7 +108,8 @@ struct SearchSpace {
 
   std::vector<Name> names;
   std::vector<Version> versions;
-  std::size_t words = 0;  ///< of a set of versions of all names
+  std::size_t words = 0;             ///< of a set of versions of all names
+  std::vector<std::uint32_t> bitOf;  ///< by version: its number in such a set
 
   struct Source {
     VersionSelection selection;  ///< empty when no plan can start from it
@@ -131,6 +137,7 @@ struct SearchSpace {
   std::vector<Move> moves;
   std::vector<Link> links;
   std::vector<VersionIndex> entries;
+  std::vector<std::size_t> entryStarts;  // by version, and the end; empty when there are no entries
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -19,6 +19,7 @@ class SpaceBuilding {
   std::unique_ptr<const SearchSpace> run() {
     space_->names.reserve(met_.names.size());
     space_->versions.reserve(met_.versions.size() + met_.names.size());
+    space_->bitOf.reserve(met_.versions.size() + met_.names.size());
     space_->variants.reserve(met_.versions.size());
     std::vector<SurveyedName*> ordered;
     for (auto& [text, name] : met_.names) {
@@ -59,6 +60,9 @@ class SpaceBuilding {
     added.end = static_cast<VersionIndex>(space_->versions.size());
     added.firstWord = space_->words;
     space_->words += added.words();
+    for (VersionIndex rank = 0; rank < added.end - first; ++rank) {
+      space_->bitOf.push_back(static_cast<std::uint32_t>(added.firstWord * bitsOfWord + rank));
+    }
   }
 
   bool isIn(const SurveyedVersion& version) const {
@@ -242,9 +246,9 @@ class SpaceBuilding {
       const VersionIndex version = space_->variants[link.variant].version;
       return version != SearchSpace::none && space_->versions[version].isEntry;
     };
-    std::vector<std::size_t> ends;
     for (VersionIndex version = 0; version < space_->versions.size(); ++version) {
       const std::size_t first = space_->entries.size();
+      space_->entryStarts.push_back(first);
       for (const SearchSpace::Variant& variant : space_->variantsOf(version)) {
         for (const SearchSpace::Link& link : variant.closure) {
           if (!isEntry(link)) continue;
@@ -255,13 +259,8 @@ class SpaceBuilding {
       const auto added = space_->entries.begin() + static_cast<std::ptrdiff_t>(first);
       std::sort(added, space_->entries.end());
       space_->entries.erase(std::unique(added, space_->entries.end()), space_->entries.end());
-      ends.push_back(space_->entries.size());
     }
-    for (VersionIndex version = 0; version < space_->versions.size(); ++version) {
-      const std::size_t first = version == 0 ? 0 : ends[version - 1];
-      space_->versions[version].entries =
-          std::span(space_->entries).subspan(first, ends[version] - first);
-    }
+    space_->entryStarts.push_back(space_->entries.size());
   }
 
   void markCertainNames(const std::vector<SurveyedName*>& met) {
@@ -331,7 +330,8 @@ class SpaceBuilding {
     const auto found = std::find_if(
         entry.name->versions.begin(), entry.name->versions.end(), [&](const auto* version) {
           return version->index != SearchSpace::none &&
-                 *version->descriptor == static_cast<const Metamodel&>(*entry.linked);
+                 (version->descriptor == entry.linked ||
+                  *version->descriptor == static_cast<const Metamodel&>(*entry.linked));
         });
     return found == entry.name->versions.end() ? nullptr : *found;
   }

@@ -35,6 +35,7 @@ bool isFarther(const std::pair<std::uint64_t, SurveyedVersion*>& left,
 }
 
 bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked) {
+  if (linked.linkedMetamodels.empty()) return true;
   const auto holds = [&](const LinkedMetamodel& link) {
     const auto held = baseline.metamodels.find(link.name);
     return held != baseline.metamodels.end() && held->second.get() == &link;
@@ -217,7 +218,6 @@ void SpaceSurvey::survey() {
     while (!waiting_.empty()) {
       SurveyedName& name = *waiting_.back();
       waiting_.pop_back();
-      name.isWaiting = false;
       explore(name);
     }
     markWhatLeadsToTargets();
@@ -245,37 +245,43 @@ bool SpaceSurvey::attempt(SurveyedVersion& version, const Action& action) {
 void SpaceSurvey::reach(SurveyedVersion& version, std::uint64_t distance) {
   if (distance >= version.distance) return;
   version.distance = distance;
-  SurveyedName& name = *version.name;
-  name.waiting.emplace_back(distance, &version);
-  std::push_heap(name.waiting.begin(), name.waiting.end(), isFarther);
-  if (!std::exchange(name.isWaiting, true)) waiting_.push_back(&name);
+  wait(version);
+}
+
+void SpaceSurvey::wait(SurveyedVersion& version) {
+  auto& waiting = version.name->waiting;
+  if (waiting.empty()) waiting_.push_back(version.name);
+  waiting.emplace_back(version.distance, &version);
+  std::push_heap(waiting.begin(), waiting.end(), isFarther);
 }
 
 void SpaceSurvey::explore(SurveyedName& name) {
-  const std::uint64_t radius = state_.isMentionedByEveryTarget(name) ? unreached : name.radius;
-  while (!name.waiting.empty() && name.waiting.front().first <= radius) {
+  while (!name.waiting.empty()) {
     const auto [distance, version] = name.waiting.front();
     std::pop_heap(name.waiting.begin(), name.waiting.end(), isFarther);
     name.waiting.pop_back();
-    if (distance != version->distance) continue;
-    if (!std::exchange(version->isEntered, true)) {
-      name.versions.push_back(version);
-      ++findings_;
-    }
-    if (distance < radius) {
-      if (!version->isAsked) askForHops(*version);
-      followHops(*version);
-    } else {
-      name.unasked.push_back(version);
-    }
+    if (distance == version->distance) explore(*version);
   }
+}
+
+void SpaceSurvey::explore(SurveyedVersion& version) {
+  SurveyedName& name = *version.name;
+  const std::uint64_t radius = state_.isMentionedByEveryTarget(name) ? unreached : name.radius;
+  if (version.distance >= radius) name.beyond.push_back(&version);
+  if (version.distance > radius) return;
+  if (!std::exchange(version.isEntered, true)) {
+    name.versions.push_back(&version);
+    ++findings_;
+  }
+  if (version.distance == radius) return;
+  if (!version.isAsked) askForHops(version);
+  followHops(version);
 }
 
 void SpaceSurvey::askForHops(SurveyedVersion& version) {
   version.isAsked = true;
   ++findings_;
   hops_.clear();
-  kept_.clear();
   const bool areKnown = attempt(version, [&] {
     question_.repository.findHops(*version.name->text, version.descriptor->version, hops_);
   });
@@ -284,10 +290,11 @@ void SpaceSurvey::askForHops(SurveyedVersion& version) {
     return;
   }
   version.firstTarget = state_.hopTargets.size();
+  state_.hops.begin(hops_.size());
   for (Hop& hop : hops_) {
     if (!attempt(version, [&] { keepHop(version, hop); })) noteUnknownHops(version);
   }
-  version.hops = state_.hops.add(kept_);
+  version.hops = state_.hops.last();
 }
 
 /// Some hop might lead anywhere, above all to what a target holds.
@@ -319,10 +326,10 @@ void SpaceSurvey::keepHop(SurveyedVersion& version, Hop& hop) {
     name.hasForeignHops = true;
   }
   if (target != nullptr) {
-    state_.hopTargets.push_back({static_cast<std::uint32_t>(kept_.size()), target});
+    state_.hopTargets.push_back({static_cast<std::uint32_t>(state_.hops.last().size()), target});
     ++version.targetCount;
   }
-  kept_.push_back(std::move(hop));
+  state_.hops.add(std::move(hop));
 }
 
 void SpaceSurvey::followHops(SurveyedVersion& version) {
@@ -521,23 +528,20 @@ bool SpaceSurvey::agrees(const LinkedMetamodel& variant, std::size_t target) con
 
 /// The least distance at which versions of the name may be found that have not been entered.
 std::uint64_t SpaceSurvey::frontier(const SurveyedName& name) const {
-  if (state_.isMentionedByEveryTarget(name)) return unreached;
-  std::uint64_t least = name.waiting.empty() ? unreached : name.waiting.front().first;
-  for (const SurveyedVersion* version : name.unasked) {
-    least = std::min(least, version->distance + hopWeight(false));
+  std::uint64_t least = unreached;
+  for (const SurveyedVersion* version : name.beyond) {
+    const std::uint64_t next = version->isEntered ? hopWeight(false) : 0;
+    least = std::min(least, version->distance + next);
   }
   return least;
 }
 
 /// Lets a name be explored up to a radius; false when that changes nothing.
 bool SpaceSurvey::goTo(SurveyedName& name, std::uint64_t radius) {
-  if (frontier(name) > radius || radius <= name.radius) return false;
+  if (frontier(name) > radius) return false;
   name.radius = radius;
-  for (SurveyedVersion* version : std::exchange(name.unasked, {})) {
-    name.waiting.emplace_back(version->distance, version);
-    std::push_heap(name.waiting.begin(), name.waiting.end(), isFarther);
-  }
-  if (!std::exchange(name.isWaiting, true)) waiting_.push_back(&name);
+  for (SurveyedVersion* version : name.beyond) wait(*version);
+  name.beyond.clear();
   return true;
 }
 
@@ -578,11 +582,13 @@ std::uint64_t SpaceSurvey::radiusFor(const SurveyedName& name, std::uint64_t sla
   return farthest + slack;
 }
 
+bool SpaceSurvey::isOver() const {
+  return std::all_of(state_.names.begin(), state_.names.end(),
+                     [this](const auto& entry) { return frontier(entry.second) == unreached; });
+}
+
 bool SpaceSurvey::extendToCover(std::uint64_t total) {
-  const bool isOver =
-      std::all_of(state_.names.begin(), state_.names.end(),
-                  [this](const auto& entry) { return frontier(entry.second) == unreached; });
-  if (isOver) return false;
+  if (isOver()) return false;
   const std::uint64_t least = leastTotal();
   const std::uint64_t slack = total > least ? total - least : 0;
   const std::size_t before = findings_;
@@ -594,6 +600,7 @@ bool SpaceSurvey::extendToCover(std::uint64_t total) {
 }
 
 bool SpaceSurvey::extend() {
+  if (isOver()) return false;
   // A search that tried everything would by then have gone that far with each name alone.
   const std::uint64_t least = leastTotal();
   const std::uint64_t near = least == unreached ? 1 : ordinaryPart(least) / 2 + 1;

@@ -91,7 +91,9 @@ class SpaceSurvey {
 
   void survey();
   void reach(SurveyedVersion& version, std::uint64_t distance);
+  void wait(SurveyedVersion& version);
   void explore(SurveyedName& name);
+  void explore(SurveyedVersion& version);
   void askForHops(SurveyedVersion& version);
   void noteUnknownHops(SurveyedVersion& version);
   void keepHop(SurveyedVersion& version, Hop& hop);
@@ -118,6 +120,7 @@ class SpaceSurvey {
   const LinkedMetamodel* heldBy(std::size_t target, const std::u16string& name) const;
   std::uint64_t frontier(const SurveyedName& name) const;
   bool goTo(SurveyedName& name, std::uint64_t radius);
+  bool isOver() const;
   bool goAllTo(std::uint64_t radius);
   std::uint64_t leastTotal() const;
   std::uint64_t radiusFor(const SurveyedName& name, std::uint64_t slack) const;
@@ -125,9 +128,8 @@ class SpaceSurvey {
   const SearchQuestion& question_;
   SurveyState state_;
   IrrelevantNames irrelevant_;
-  std::vector<SurveyedName*> waiting_;  // for versions of theirs to be entered
+  std::vector<SurveyedName*> waiting_;  // those of which versions wait
   std::vector<Hop> hops_;               // of the version that is being asked for
-  std::vector<Hop> kept_;
 
   /// What `getMetamodel` answered with another version than the one asked for, or with none.
   std::unordered_map<const SurveyedName*,

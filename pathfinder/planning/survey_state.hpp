@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <deque>
 #include <exception>
-#include <iterator>
 #include <limits>
 #include <memory_resource>
 #include <optional>
@@ -108,12 +107,7 @@ struct SurveyedName {
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
   SurveyedName(const std::u16string& nameText, const allocator_type& memory)
-      : text(&nameText),
-        targets(memory),
-        versions(memory),
-        waiting(memory),
-        unasked(memory),
-        known(memory) {}
+      : text(&nameText), targets(memory), versions(memory), beyond(memory), known(memory) {}
 
   const std::u16string* text;
   std::size_t sources = 0;                      // that hold the name
@@ -123,9 +117,8 @@ struct SurveyedName {
   std::pmr::vector<const Metamodel*> targets;   // what the targets hold under the name
   std::pmr::vector<SurveyedVersion*> versions;  // entered, in the order of their distance
   std::pmr::vector<std::pair<std::uint64_t, SurveyedVersion*>> waiting;  // a heap, by distance
-  std::pmr::vector<SurveyedVersion*> unasked;  // entered, where the survey ends for now
+  std::pmr::vector<SurveyedVersion*> beyond;  // the radius: to be entered, or asked for hops
   std::uint64_t radius = 0;  // how far the survey goes, where it is not without a limit
-  bool isWaiting = false;    // for its versions to be entered
   SurveyedVersions known;
   NameIndex index = SearchSpace::none;
   VersionIndex unknown = SearchSpace::none;  // stands for what unknown hops may lead to
@@ -134,20 +127,24 @@ struct SurveyedName {
 /// The hops of versions, those of one version together. They stay where they are.
 class HopStore {
  public:
-  std::span<const Hop> add(std::vector<Hop>& hops) {
-    if (chunks_.empty() || chunks_.back().capacity() - chunks_.back().size() < hops.size()) {
-      chunks_.emplace_back().reserve(std::max(usualChunk, hops.size()));
+  /// Begins with another version, which has so many hops at most.
+  void begin(std::size_t most) {
+    if (chunks_.empty() || chunks_.back().capacity() - chunks_.back().size() < most) {
+      chunks_.emplace_back().reserve(std::max(usualChunk, most));
     }
-    std::vector<Hop>& chunk = chunks_.back();
-    const std::size_t first = chunk.size();
-    std::move(hops.begin(), hops.end(), std::back_inserter(chunk));
-    return std::span(chunk).subspan(first);
+    first_ = chunks_.back().size();
   }
+
+  void add(Hop&& hop) { chunks_.back().push_back(std::move(hop)); }
+
+  /// The hops of the version that was begun with last.
+  std::span<const Hop> last() const { return std::span(chunks_.back()).subspan(first_); }
 
  private:
   static constexpr std::size_t usualChunk = 64;
 
   std::vector<std::vector<Hop>> chunks_;
+  std::size_t first_ = 0;
 };
 
 /// What a baseline of the question holds under a name.

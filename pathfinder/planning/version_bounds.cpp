@@ -194,7 +194,7 @@ class BoundsComputation {
     for (const SearchSpace::Move& move : space_.versions[version].moves) {
       if (move.expensive) visit(move.target);
     }
-    for (const VersionIndex entry : space_.versions[version].entries) {
+    for (const VersionIndex entry : space_.entriesBy(version)) {
       if (startsAbsent(space_.names[space_.versions[entry].name])) visit(entry);
     }
   }

@@ -19,24 +19,21 @@ class VersionSet {
   }
 
   bool contains(VersionIndex version) const {
-    return of(space_->versions[version].name).contains(space_->rankOf(version));
+    return ConstBitRow(words_.data(), words_.size()).contains(space_->bitOf[version]);
   }
 
   /// Whether it is new.
   bool insert(VersionIndex version) {
     if (contains(version)) return false;
-    row(version).insert(space_->rankOf(version));
+    BitRow(words_.data(), words_.size()).insert(space_->bitOf[version]);
     return true;
   }
 
-  void erase(VersionIndex version) { row(version).erase(space_->rankOf(version)); }
-
- private:
-  BitRow row(VersionIndex version) {
-    const SearchSpace::Name& name = space_->names[space_->versions[version].name];
-    return {&words_[name.firstWord], name.words()};
+  void erase(VersionIndex version) {
+    BitRow(words_.data(), words_.size()).erase(space_->bitOf[version]);
   }
 
+ private:
   const SearchSpace* space_;
   std::vector<BitWord> words_;
 };
