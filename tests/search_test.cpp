@@ -12,6 +12,7 @@
 #include "support/random_cases.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
+#include "support/trace_capture.hpp"
 
 namespace test {
 namespace {
@@ -157,28 +158,40 @@ TEST(Engines, LongPathsTakeNoStack) {
   });
 }
 
+/// "A1 B1 ... Z1 a1 ... z1" for "1".
+std::string everyName(const std::string& what) {
+  std::string result;
+  for (char name = 'A'; name <= 'z'; ++name) {
+    if (std::isalpha(name) != 0) result += std::string{' ', name} + what;
+  }
+  return result;
+}
+
 /// Metamodels A to Z and a to z, each at 1.0.0 to 3.0.0, and what there is besides.
 TestRepository wideRepository(const std::string& more) {
-  std::string content;
-  for (char name = 'A'; name <= 'z'; ++name) {
-    if (std::isalpha(name) != 0) content += std::string{' ', name} + "1..3";
+  return TestRepository(everyName("1..3") + more);
+}
+
+TEST(Engines, LargeQuestionTellsOfEachBaselineOnce) {
+  TestRepository repository = wideRepository("");
+  const VersionBaseline source = repository.baseline(everyName("1"));
+  const VersionBaseline target = repository.baseline(everyName("3"));
+  Path path;
+  std::vector<std::string> tried;
+  for (const std::string& record :
+       traceOf(4, [&] { path = repository.findPath(source, target); })) {
+    const std::string mark = "4 Trying unvisited baseline with least weight: ";
+    if (record.starts_with(mark)) tried.push_back(record.substr(mark.size()));
   }
-  return TestRepository(content + more);
+  EXPECT_EQ(tried, (std::vector{printed(source), printed(path->at(0).to), printed(target)}));
 }
 
 TEST(Engines, LargeQuestionIsAnsweredAndMayHaveUnlinkableVersionsOffItsPaths) {
   // 3.0.0 to 4.0.0 leads past every target, and 4.0.0 cannot be linked.
   TestRepository repository = wideRepository(" A4:Z9 A3>4");
-  std::string from;
-  std::string to;
-  for (char name = 'A'; name <= 'z'; ++name) {
-    if (std::isalpha(name) == 0) continue;
-    from += std::string{' ', name} + "1";
-    to += std::string{' ', name} + "3";
-  }
-  const VersionBaseline source = repository.baseline(from);
+  const VersionBaseline source = repository.baseline(everyName("1"));
   repository.calls.clear();
-  const Path path = repository.findPath(source, repository.baseline(to));
+  const Path path = repository.findPath(source, repository.baseline(everyName("3")));
   ASSERT_TRUE(path);
   expectLegal(repository, *path);
   EXPECT_EQ(path->size(), 2U);
