@@ -1,0 +1,58 @@
+// As in a timeline, one literal for each node and step, "entered before", monotone; a hop comes in a
+// later step than the one before of its name, and an order carries over to the steps. A node from
+// which a way takes k more hops is entered before the k last steps, for which it takes no literal.
+
+#include "pathfinder/learning/last_steps.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+LastSteps::LastSteps(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver)
+    : network_(network), formula_(formula), solver_(solver), before_(1) {
+  for (NodeIndex node = 0; node < network.nodes.size(); ++node) {
+    before_[0].push_back(formula.isHeld(node));
+  }
+}
+
+void LastSteps::add() {
+  const std::uint32_t step = count() + 1;
+  std::vector<Literal> before = before_.back();
+  for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    if (network_.nodes[node].hopsLeft >= step) continue;
+    before[node] = solver_.newVariable();
+    solver_.addClause({-before[node], before_.back()[node]});
+    solver_.addClause({-formula_.startsAt(node), before[node]});
+  }
+  for (ArcIndex index = 0; index < network_.arcs.size(); ++index) {
+    const PlanNetwork::Arc& arc = network_.arcs[index];
+    solver_.addClause({-formula_.isUsed(index), -before_.back()[arc.to], before[arc.from]});
+  }
+  for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
+    for (const PlanFormula::Order& order : formula_.ordersOf(left)) {
+      for (const ArcIndex arc : network_.nodes[left].out) {
+        solver_.addClause({-order.literal, -formula_.isUsed(arc), -before[order.entered],
+                           formula_.startsAt(order.entered), before[network_.arcs[arc].to]});
+      }
+    }
+  }
+  before_.push_back(std::move(before));
+}
+
+Literal LastSteps::isMadeIn(ArcIndex arc, std::uint32_t step) {
+  const NodeIndex entered = network_.arcs[arc].to;
+  const Literal result = solver_.newVariable();
+  solver_.addClause({-result, formula_.isUsed(arc)});
+  solver_.addClause({-result, before_[step - 1][entered]});
+  solver_.addClause({-result, -before_[step][entered]});
+  return result;
+}
+
+Literal LastSteps::isRestWithin(const Timeline& timeline, std::uint32_t layers) {
+  const Literal result = solver_.newVariable();
+  for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    solver_.addClause(
+        {-result, -before_.back()[node], timeline.isEnteredAfter(node, layers)});
+  }
+  return result;
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "pathfinder/learning/timeline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// The last steps of plans, one by one, after a timeline in which all else happens. Steps count from
+/// the end: 1 is the last one.
+class LastSteps {
+ public:
+  LastSteps(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver);
+
+  /// Adds a step before those that are there.
+  void add();
+
+  std::uint32_t count() const { return static_cast<std::uint32_t>(before_.size() - 1); }
+
+  /// Whether a node is entered before a step, or is where its name starts. Before step 0: at all.
+  Literal isEnteredBefore(NodeIndex node, std::uint32_t step) const { return before_[step][node]; }
+
+  /// Whether a hop may be made in a step, as far as what is left to do after it tells.
+  bool mayBeIn(ArcIndex arc, std::uint32_t step) const {
+    return network_.nodes[network_.arcs[arc].to].hopsLeft < step;
+  }
+
+  /// A new literal that is true only if the hop is made in that step.
+  Literal isMadeIn(ArcIndex arc, std::uint32_t step);
+
+  /// A new literal that is true only if all before the first of these steps happens in so many
+  /// layers and the gaps around them.
+  Literal isRestWithin(const Timeline& timeline, std::uint32_t layers);
+
+ private:
+  const PlanNetwork& network_;
+  const PlanFormula& formula_;
+  SatSolver& solver_;
+  std::vector<std::vector<Literal>> before_;  // by step and node
+};
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,217 @@
+// Strongly connected components of the graph of events (Tarjan's algorithm, with a stack of its
+// own). A strict edge inside a component lies on a circle; for each of them the circle with the
+// fewest orders is found by a breadth-first search over orders (0-1 BFS) and forbidden by a clause:
+// not all of these orders, of nodes that are held. Where the circle enters a node and leaves the one
+// before by one hop, that hop is named too, since another hop would make an edge of it. So a clause
+// holds in every plan, however long.
+//
+// Without circles, the layers of a plan are the longest chains of components, each counting one if
+// it has an ordinary hop.
+
+#include "pathfinder/learning/order_check.hpp"
+
+#include <algorithm>
+#include <deque>
+#include <limits>
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+constexpr std::uint32_t none = SearchSpace::none;
+
+}  // namespace
+
+bool OrderCheck::accept() {
+  readWays();
+  findEdges();
+  findComponents();
+  if (forbidCircles()) return false;
+  countSteps();
+  return true;
+}
+
+void OrderCheck::readWays() {
+  ways_.assign(network_.names.size(), {});
+  events_.clear();
+  eventInto_.assign(network_.nodes.size(), none);
+  eventOutOf_.assign(network_.nodes.size(), none);
+  ordinaryHops_ = expensiveHops_ = 0;
+  for (NameIndex name = 0; name < network_.names.size(); ++name) {
+    Way& way = ways_[name];
+    way.firstEvent = static_cast<EventIndex>(events_.size());
+    NodeIndex node = network_.names[name].first;
+    while (!solver_.isTrue(formula_.startsAt(node))) ++node;
+    way.nodes.push_back(node);
+    while (!solver_.isTrue(formula_.endsAt(node))) {
+      const auto& out = network_.nodes[node].out;
+      const ArcIndex arc = *std::find_if(out.begin(), out.end(), [this](ArcIndex candidate) {
+        return solver_.isTrue(formula_.isUsed(candidate));
+      });
+      eventOutOf_[node] = static_cast<EventIndex>(events_.size());
+      node = network_.arcs[arc].to;
+      eventInto_[node] = static_cast<EventIndex>(events_.size());
+      events_.push_back({arc, false});
+      way.nodes.push_back(node);
+      way.arcs.push_back(arc);
+      ++(network_.arcs[arc].expensive ? expensiveHops_ : ordinaryHops_);
+    }
+    if (!way.arcs.empty()) events_.back().isLast = true;
+  }
+}
+
+void OrderCheck::findEdges() {
+  edges_.clear();
+  edgesOf_.clear();
+  for (const Event& event : events_) {
+    edgesOf_.push_back(edges_.size());
+    const NodeIndex left = network_.arcs[event.arc].from;
+    for (const PlanFormula::Order& order : formula_.ordersOf(left)) {
+      const EventIndex to = eventInto_[order.entered];
+      if (to == none || !solver_.isTrue(order.literal)) continue;
+      edges_.push_back({to, left, order.entered, order.literal});
+    }
+  }
+  edgesOf_.push_back(edges_.size());
+}
+
+void OrderCheck::findComponents() {
+  const auto count = static_cast<EventIndex>(events_.size());
+  componentOf_.assign(count, none);
+  components_ = 0;
+  std::vector<std::uint32_t> number(count, none);
+  std::vector<std::uint32_t> lowest(count);
+  std::vector<EventIndex> open;
+  std::uint32_t numbered = 0;
+  struct Visit {
+    EventIndex event;
+    std::size_t edge;    // the next one to follow
+    bool isStrictLeft;   // whether the next hop of the name has not been followed yet
+  };
+  std::vector<Visit> trail;
+  const auto enter = [&](EventIndex event) {
+    number[event] = lowest[event] = numbered++;
+    open.push_back(event);
+    trail.push_back({event, edgesOf_[event], !events_[event].isLast});
+  };
+  for (EventIndex root = 0; root < count; ++root) {
+    if (number[root] == none) enter(root);
+    while (!trail.empty()) {
+      Visit& visit = trail.back();
+      const EventIndex event = visit.event;
+      if (visit.isStrictLeft || visit.edge < edgesOf_[event + 1]) {
+        const EventIndex next = visit.isStrictLeft ? event + 1 : edges_[visit.edge++].to;
+        visit.isStrictLeft = false;
+        if (number[next] == none) {
+          enter(next);
+        } else if (componentOf_[next] == none) {
+          lowest[event] = std::min(lowest[event], number[next]);
+        }
+        continue;
+      }
+      trail.pop_back();
+      if (!trail.empty()) {
+        lowest[trail.back().event] = std::min(lowest[trail.back().event], lowest[event]);
+      }
+      if (lowest[event] != number[event]) continue;
+      while (componentOf_[event] == none) {
+        componentOf_[open.back()] = components_;
+        open.pop_back();
+      }
+      ++components_;
+    }
+  }
+}
+
+/// Whether there were any.
+bool OrderCheck::forbidCircles() {
+  bool anyFound = false;
+  for (EventIndex event = 0; event < events_.size(); ++event) {
+    if (events_[event].isLast || componentOf_[event] != componentOf_[event + 1]) continue;
+    forbidCircleThrough(event);
+    anyFound = true;
+  }
+  return anyFound;
+}
+
+/// Forbids the circle with the fewest orders from the event after this one back to it.
+void OrderCheck::forbidCircleThrough(EventIndex event) {
+  struct Arrival {
+    std::uint32_t orders = none;
+    EventIndex before = none;
+    const Edge* edge = nullptr;  // null for the next hop of the name
+  };
+  std::vector<Arrival> arrivals(events_.size());
+  std::deque<EventIndex> waiting{event + 1};
+  arrivals[event + 1].orders = 0;
+  const auto reach = [&](EventIndex from, EventIndex to, const Edge* edge) {
+    const std::uint32_t orders = arrivals[from].orders + (edge == nullptr ? 0 : 1);
+    if (componentOf_[to] != componentOf_[event] || orders >= arrivals[to].orders) return;
+    arrivals[to] = {orders, from, edge};
+    if (edge == nullptr) {
+      waiting.push_front(to);
+    } else {
+      waiting.push_back(to);
+    }
+  };
+  while (!waiting.empty() && waiting.front() != event) {
+    const EventIndex from = waiting.front();
+    waiting.pop_front();
+    if (!events_[from].isLast) reach(from, from + 1, nullptr);
+    for (std::size_t i = edgesOf_[from]; i < edgesOf_[from + 1]; ++i) {
+      reach(from, edges_[i].to, &edges_[i]);
+    }
+  }
+  std::vector<const Edge*> circle;
+  for (EventIndex on = event; on != event + 1; on = arrivals[on].before) {
+    if (arrivals[on].edge != nullptr) circle.push_back(arrivals[on].edge);
+  }
+  std::reverse(circle.begin(), circle.end());
+  addClause(circle);
+}
+
+void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
+  std::vector<Literal> clause;
+  for (std::size_t i = 0; i < circle.size(); ++i) {
+    const Edge& edge = *circle[i];
+    const Edge& next = *circle[(i + 1) % circle.size()];
+    clause.push_back(-edge.literal);
+    clause.push_back(-formula_.isHeld(edge.left));
+    clause.push_back(-formula_.isHeld(edge.entered));
+    const EventIndex joined = eventInto_[edge.entered];
+    if (joined == eventOutOf_[next.left]) clause.push_back(-formula_.isUsed(events_[joined].arc));
+  }
+  std::sort(clause.begin(), clause.end());
+  clause.erase(std::unique(clause.begin(), clause.end()), clause.end());
+  solver_.addClause(clause);
+  ++circles_;
+}
+
+void OrderCheck::countSteps() {
+  std::vector<std::uint32_t> own(components_);
+  std::vector<std::uint32_t> before(components_);
+  std::vector<std::vector<EventIndex>> members(components_);
+  for (EventIndex event = 0; event < events_.size(); ++event) {
+    members[componentOf_[event]].push_back(event);
+    if (!network_.arcs[events_[event].arc].expensive) own[componentOf_[event]] = 1;
+  }
+  ordinarySteps_ = 0;
+  for (std::uint32_t component = components_; component-- > 0;) {  // what comes first, first
+    const std::uint32_t layer = before[component] + own[component];
+    ordinarySteps_ = std::max(ordinarySteps_, layer);
+    for (const EventIndex event : members[component]) {
+      if (!events_[event].isLast) {
+        std::uint32_t& next = before[componentOf_[event + 1]];
+        next = std::max(next, layer);
+      }
+      for (std::size_t i = edgesOf_[event]; i < edgesOf_[event + 1]; ++i) {
+        // No later: two components with ordinary hops may be in one layer.
+        const std::uint32_t to = componentOf_[edges_[i].to];
+        const std::uint32_t shared = own[component] & own[to];
+        if (to != component) before[to] = std::max(before[to], layer - shared);
+      }
+    }
+  }
+}
+
+}  // namespace tarn::evolution::pathfinder

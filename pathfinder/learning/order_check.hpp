@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/learning/plan_formula.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// Looks whether the orders of a model can be kept all at once, and then what the plan is.
+///
+/// The events of a plan are the hops that are used. A hop comes strictly later than the one before of
+/// its name, and a hop out of v no later than a hop into w if v is to be left before w is entered.
+/// The plan can be carried out if no circle of these has a strict part; the hops of a circle that
+/// has none are made in one step.
+class OrderCheck {
+ public:
+  OrderCheck(const PlanNetwork& network, PlanFormula& formula, SatSolver& solver)
+      : network_(network), formula_(formula), solver_(solver) {}
+
+  /// Whether the solver's model is a plan. Otherwise forbids what contradicts itself in it.
+  bool accept();
+
+  // Of the model accepted last:
+
+  /// The nodes that a name goes through, and the arcs between them.
+  const std::vector<NodeIndex>& nodesOf(NameIndex name) const { return ways_[name].nodes; }
+  const std::vector<ArcIndex>& arcsOf(NameIndex name) const { return ways_[name].arcs; }
+
+  std::uint64_t ordinaryHops() const { return ordinaryHops_; }
+  std::uint64_t expensiveHops() const { return expensiveHops_; }
+
+  /// How many steps with an ordinary hop it takes to keep all orders.
+  std::uint32_t ordinarySteps() const { return ordinarySteps_; }
+
+  std::uint64_t circles() const { return circles_; }  ///< forbidden so far
+
+ private:
+  using EventIndex = std::uint32_t;
+
+  struct Way {
+    std::vector<NodeIndex> nodes;
+    std::vector<ArcIndex> arcs;
+    EventIndex firstEvent;
+  };
+
+  /// A hop that is used.
+  struct Event {
+    ArcIndex arc;
+    bool isLast;  ///< of its name
+  };
+
+  /// That an event comes no later than another one, because of how two nodes are ordered.
+  struct Edge {
+    EventIndex to;
+    NodeIndex left;
+    NodeIndex entered;
+    Literal literal;
+  };
+
+  void readWays();
+  void findEdges();
+  void findComponents();
+  bool forbidCircles();
+  void forbidCircleThrough(EventIndex event);
+  void addClause(const std::vector<const Edge*>& circle);
+  void countSteps();
+
+  EventIndex entering(NodeIndex node) const { return eventInto_[node]; }
+
+  const PlanNetwork& network_;
+  PlanFormula& formula_;
+  SatSolver& solver_;
+  std::vector<Way> ways_;
+  std::vector<Event> events_;
+  std::vector<EventIndex> eventInto_;  // by node; none for one that is not held, or a start
+  std::vector<EventIndex> eventOutOf_;
+  std::vector<Edge> edges_;
+  std::vector<std::size_t> edgesOf_;  // by event, and the end
+  std::vector<std::uint32_t> componentOf_;  // ascending against the edges
+  std::uint32_t components_ = 0;
+  std::uint64_t ordinaryHops_ = 0;
+  std::uint64_t expensiveHops_ = 0;
+  std::uint32_t ordinarySteps_ = 0;
+  std::uint64_t circles_ = 0;
+};
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,223 @@
+#include "pathfinder/learning/plan_network.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+constexpr std::uint32_t unreached = std::numeric_limits<std::uint32_t>::max();
+
+class NetworkBuilding {
+ public:
+  NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets)
+      : space_(ground.space),
+        ground_(ground),
+        targets_(targets),
+        nodeOf_(ground.space.versions.size(), SearchSpace::none) {}
+
+  std::optional<PlanNetwork> run() {
+    for (const SearchSpace::Name& name : space_.names) {
+      if (name.absent != SearchSpace::none) return std::nullopt;
+    }
+    for (const SearchSpace::Source& source : space_.sources) {
+      if (!source.isRegular) return std::nullopt;
+    }
+    for (NameIndex name = 0; name < space_.names.size(); ++name) {
+      if (!addName(name)) return std::nullopt;
+    }
+    addNeighbours();
+    addSources();
+    addTargets();
+    return std::move(network_);
+  }
+
+ private:
+  /// The hops of a version that matter: of several to one version the first of the lightest.
+  std::map<VersionIndex, SearchSpace::Move> lightestMoves(VersionIndex version) const {
+    std::map<VersionIndex, SearchSpace::Move> result;
+    for (const SearchSpace::Move& move : space_.versions[version].moves) {
+      if (move.target == version || !ground_.bounds[move.target].isReachable) continue;
+      const auto [known, isNew] = result.try_emplace(move.target, move);
+      if (!isNew && known->second.expensive && !move.expensive) known->second = move;
+    }
+    return result;
+  }
+
+  bool isEnd(VersionIndex version) const {
+    const NameIndex name = space_.versions[version].name;
+    return std::any_of(targets_.begin(), targets_.end(), [&](const VersionSelection& target) {
+      return target[name] == SearchSpace::none || target[name] == version;
+    });
+  }
+
+  bool isStart(VersionIndex version) const {
+    const NameIndex name = space_.versions[version].name;
+    return std::any_of(
+        space_.sources.begin(), space_.sources.end(), [&](const SearchSpace::Source& source) {
+          return !source.selection.empty() && source.selection[name] == version;
+        });
+  }
+
+  /// False when the name's hops make a cycle.
+  bool addName(NameIndex name) {
+    const VersionIndex first = space_.names[name].first;
+    const VersionIndex end = space_.names[name].end;
+    moves_.assign(end - first, {});
+    for (VersionIndex version = first; version < end; ++version) {
+      if (ground_.bounds[version].isReachable) moves_[version - first] = lightestMoves(version);
+    }
+    std::vector<VersionIndex> order;
+    if (!sortTopologically(first, end, order)) return false;
+    const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
+    for (const VersionIndex version : order) {
+      nodeOf_[version] = static_cast<NodeIndex>(network_.nodes.size());
+      network_.nodes.push_back({version, name, {}, {}});
+    }
+    network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
+    addArcs(first, order);
+    measureRest(network_.names.back());
+    return true;
+  }
+
+  /// Lists the versions that lie on a way from a start to an end, each after those before it; false
+  /// when they form a cycle.
+  bool sortTopologically(VersionIndex first, VersionIndex end, std::vector<VersionIndex>& order) {
+    const std::vector<bool> isLive = liveVersions(first, end);
+    std::vector<std::uint32_t> before(end - first);
+    for (VersionIndex version = first; version < end; ++version) {
+      if (!isLive[version - first]) continue;
+      for (const auto& [target, move] : moves_[version - first]) ++before[target - first];
+    }
+    for (VersionIndex version = first; version < end; ++version) {
+      if (isLive[version - first] && before[version - first] == 0) order.push_back(version);
+    }
+    // The list grows on the way.
+    for (std::size_t i = 0; i < order.size(); ++i) {  // NOLINT(modernize-loop-convert)
+      for (const auto& [target, move] : moves_[order[i] - first]) {
+        if (isLive[target - first] && --before[target - first] == 0) order.push_back(target);
+      }
+    }
+    return order.size() ==
+           static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
+  }
+
+  std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
+    std::vector<bool> isReached(end - first);
+    std::vector<bool> leadsOn(end - first);
+    for (VersionIndex version = first; version < end; ++version) {
+      isReached[version - first] = ground_.bounds[version].isReachable && isStart(version);
+      leadsOn[version - first] = ground_.bounds[version].isReachable && isEnd(version);
+    }
+    for (bool changed = true; std::exchange(changed, false);) {
+      for (VersionIndex version = first; version < end; ++version) {
+        for (const auto& [target, move] : moves_[version - first]) {
+          if (isReached[version - first] && !isReached[target - first]) {
+            isReached[target - first] = changed = true;
+          }
+          if (leadsOn[target - first] && !leadsOn[version - first]) {
+            leadsOn[version - first] = changed = true;
+          }
+        }
+      }
+    }
+    for (std::size_t i = 0; i < isReached.size(); ++i) isReached[i] = isReached[i] && leadsOn[i];
+    return isReached;
+  }
+
+  void addArcs(VersionIndex first, const std::vector<VersionIndex>& versions) {
+    for (const VersionIndex version : versions) {
+      for (const auto& [target, move] : moves_[version - first]) {
+        if (nodeOf_[target] == SearchSpace::none) continue;
+        const auto arc = static_cast<ArcIndex>(network_.arcs.size());
+        network_.arcs.push_back({nodeOf_[version], nodeOf_[target], move.expensive, move.place});
+        network_.nodes[nodeOf_[version]].out.push_back(arc);
+        network_.nodes[nodeOf_[target]].in.push_back(arc);
+      }
+    }
+  }
+
+  void measureRest(const PlanNetwork::Name& name) {
+    for (NodeIndex index = name.end; index-- > name.first;) {
+      PlanNetwork::Node& node = network_.nodes[index];
+      const bool isAtEnd = isEnd(node.version);
+      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : unreached;
+      for (const ArcIndex arc : node.out) {
+        const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
+        const bool isExpensive = network_.arcs[arc].expensive;
+        node.expensiveLeft =
+            std::min(node.expensiveLeft, next.expensiveLeft + (isExpensive ? 1 : 0));
+        node.ordinaryLeft = std::min(node.ordinaryLeft, next.ordinaryLeft + (isExpensive ? 0 : 1));
+        node.hopsLeft = std::min(node.hopsLeft, next.hopsLeft + 1);
+      }
+    }
+  }
+
+  void addNeighbours() {
+    for (NameIndex left = 0; left < space_.names.size(); ++left) {
+      const auto& neighbours = ground_.compatibility.neighbours(left);
+      for (std::size_t i = 0; i < neighbours.size(); ++i) {
+        if (neighbours[i] > left) addNeighbours(left, neighbours[i], i);
+      }
+    }
+  }
+
+  void addNeighbours(NameIndex left, NameIndex right, std::size_t place) {
+    PlanNetwork::Neighbours neighbours{left, right, {}};
+    const auto& [leftFirst, leftEnd] = network_.names[left];
+    const auto& [rightFirst, rightEnd] = network_.names[right];
+    for (NodeIndex one = leftFirst; one < leftEnd; ++one) {
+      const ConstBitRow row = ground_.compatibility.row(network_.nodes[one].version, place);
+      for (NodeIndex other = rightFirst; other < rightEnd; ++other) {
+        if (!row.contains(space_.rankOf(network_.nodes[other].version))) {
+          neighbours.incompatible.emplace_back(one, other);
+        }
+      }
+    }
+    if (!neighbours.incompatible.empty()) network_.neighbours.push_back(std::move(neighbours));
+  }
+
+  void addSources() {
+    for (std::size_t place = 0; place < space_.sources.size(); ++place) {
+      PlanNetwork::Source source{place, {}};
+      for (const VersionIndex version : space_.sources[place].selection) {
+        if (nodeOf_[version] != SearchSpace::none) source.nodes.push_back(nodeOf_[version]);
+      }
+      const bool isComplete = source.nodes.size() == space_.names.size();
+      if (isComplete) network_.sources.push_back(std::move(source));
+    }
+  }
+
+  void addTargets() {
+    for (const VersionSelection& target : targets_) {
+      std::vector<std::vector<NodeIndex>> ends(target.size());
+      const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
+        return end == SearchSpace::none || nodeOf_[end] != SearchSpace::none;
+      });
+      if (!isWithinReach) continue;
+      for (NameIndex name = 0; name < target.size(); ++name) {
+        if (target[name] != SearchSpace::none) ends[name].push_back(nodeOf_[target[name]]);
+      }
+      network_.targets.push_back(std::move(ends));
+    }
+  }
+
+  const SearchSpace& space_;
+  const PlanningGround& ground_;
+  const std::vector<VersionSelection>& targets_;
+  PlanNetwork network_;
+  std::vector<NodeIndex> nodeOf_;                                // by version
+  std::vector<std::map<VersionIndex, SearchSpace::Move>> moves_;  // of the name that is added
+};
+
+}  // namespace
+
+std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
+                                           const std::vector<VersionSelection>& targets) {
+  return NetworkBuilding(ground, targets).run();
+}
+
+}  // namespace tarn::evolution::pathfinder

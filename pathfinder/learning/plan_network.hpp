@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "pathfinder/planning/compatibility.hpp"
+#include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/planning/step_problem.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using NodeIndex = std::uint32_t;
+using ArcIndex = std::uint32_t;
+
+/// The ways that the names of a search space can go: for each name a graph without cycles, whose
+/// nodes are versions that some way from a source to a target holds, and whose arcs are hops.
+///
+/// Where the hops of a name form cycles, a node is a version after a number of hops, and ways have a
+/// limited length.
+struct PlanNetwork {
+  struct Node {
+    VersionIndex version;
+    NameIndex name;
+    std::vector<ArcIndex> in;
+    std::vector<ArcIndex> out;
+
+    // The least that a way from here to an end of the name takes.
+    std::uint32_t expensiveLeft = 0;
+    std::uint32_t ordinaryLeft = 0;  ///< whatever that means for expensive ones
+    std::uint32_t hopsLeft = 0;
+  };
+
+  struct Arc {
+    NodeIndex from;
+    NodeIndex to;
+    bool expensive;
+    std::uint32_t place;  ///< of the hop, among those of the version that it leaves
+  };
+
+  struct Name {
+    NodeIndex first;  ///< its nodes are those from here ...
+    NodeIndex end;    ///< ... up to but without this one
+  };
+
+  /// Two names, the first one smaller, of which some versions cannot stand together.
+  struct Neighbours {
+    NameIndex left;
+    NameIndex right;
+    std::vector<std::pair<NodeIndex, NodeIndex>> incompatible;
+  };
+
+  std::span<const Node> nodesOf(NameIndex name) const {
+    return std::span(nodes).subspan(names[name].first, names[name].end - names[name].first);
+  }
+
+  std::vector<Node> nodes;
+  std::vector<Arc> arcs;
+  std::vector<Name> names;
+  std::vector<Neighbours> neighbours;
+
+  /// For each source that a plan can start from: its place in the space, and the node of each name.
+  struct Source {
+    std::size_t place;
+    std::vector<NodeIndex> nodes;
+  };
+  std::vector<Source> sources;
+
+  /// For each target that can be reached: the nodes that each name may end at; none for a name that
+  /// it leaves free.
+  std::vector<std::vector<std::vector<NodeIndex>>> targets;
+};
+
+/// How the ways of names with cycles of hops are limited: the number of hops that each may take.
+using WayLimits = std::vector<std::uint32_t>;
+
+/// No value when the space has names that links can bring in, or sources that are not regular.
+std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
+                                           const std::vector<VersionSelection>& targets);
+
+}  // namespace tarn::evolution::pathfinder

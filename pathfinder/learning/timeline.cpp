@@ -1,0 +1,57 @@
+// An order encoding: one literal for each node and phase, "entered by then", monotone in the phase.
+// An order between nodes carries over to the phases in which they are left and entered, and a hop
+// comes in a later phase than the one before of its name, or in the same gap.
+
+#include "pathfinder/learning/timeline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+void Timeline::extendTo(std::uint32_t layers) {
+  for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
+    const auto orders = formula_.ordersOf(left);
+    for (std::size_t i = followed_[left]; i < orders.size(); ++i) {
+      for (std::uint32_t phase = 0; phase < phases_; ++phase) follow(left, orders[i], phase);
+    }
+    followed_[left] = orders.size();
+  }
+  while (phases_ <= 2 * layers) addPhase();
+}
+
+void Timeline::addPhase() {
+  const std::uint32_t phase = phases_++;
+  for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    const Literal entered = solver_.newVariable();
+    entered_[node].push_back(entered);
+    if (phase > 0) solver_.addClause({-entered_[node][phase - 1], entered});
+    solver_.addClause({-entered, formula_.isHeld(node)});
+    solver_.addClause({-formula_.startsAt(node), entered});
+  }
+  for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) addArc(arc, phase);
+  for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
+    for (const PlanFormula::Order& order : formula_.ordersOf(left)) follow(left, order, phase);
+  }
+}
+
+void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
+  const PlanNetwork::Arc& arc = network_.arcs[index];
+  const Literal used = formula_.isUsed(index);
+  const Literal entered = entered_[arc.to][phase];
+  const bool isGap = phase % 2 == 0;
+  if (isGap && !arc.expensive) {
+    const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
+    solver_.addClause({-used, -entered, before});
+  }
+  // A layer is one step; several can be in a gap.
+  const Literal isReady = entered_[arc.from][isGap ? phase : phase - 1];
+  solver_.addClause({-used, -entered, isReady});
+}
+
+void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase) {
+  for (const ArcIndex arc : network_.nodes[left].out) {
+    const Literal isLeft = entered_[network_.arcs[arc].to][phase];
+    solver_.addClause({-order.literal, -formula_.isUsed(arc), -entered_[order.entered][phase],
+                       formula_.startsAt(order.entered), isLeft});
+  }
+}
+
+}  // namespace tarn::evolution::pathfinder
