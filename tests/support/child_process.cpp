@@ -19,9 +19,9 @@ constexpr bool isSanitized = __has_feature(address_sanitizer) || __has_feature(t
 constexpr bool isSanitized = false;
 #endif
 #ifdef NDEBUG
-constexpr unsigned slowness = isSanitized ? 10 : 1;
+constexpr rlim_t slowness = isSanitized ? 10 : 1;
 #else
-constexpr unsigned slowness = 10;
+constexpr rlim_t slowness = 10;
 #endif
 
 void limit(decltype(RLIMIT_CPU) resource, rlim_t most) {

@@ -72,10 +72,9 @@ void TestRepository::add(const std::string& content) {
         if (n < std::stoull(last)) hops.emplace_back(name, v(n), v(n + 1), false);
       }
     } else if (const std::string callback = after(item, "?"); !callback.empty()) {
-      failing.insert((callback == "load"   ? "loadMetamodel "
-                      : callback == "hops" ? "findHops "
-                                           : "getMetamodel ") +
-                     brief(name, id));
+      static const std::map<std::string, std::string> operations{
+          {"load", "loadMetamodel "}, {"hops", "findHops "}, {"get", "getMetamodel "}};
+      failing.insert(operations.at(callback) + brief(name, id));
     } else if (const std::string answer = after(item, "->"); !answer.empty()) {
       otherAnswers.emplace(brief(name, id), version(answer));
     } else if (item.find('>') != std::string::npos) {
