@@ -14,8 +14,17 @@ std::uint64_t weightOf(const LockstepHop& hops) {
   return expensive * 1'000'000'000 + (others == 0 ? 0 : others + 1);
 }
 
-bool includes(const BruteForce::Baseline& baseline, const BruteForce::Baseline& part) {
-  return std::includes(baseline.begin(), baseline.end(), part.begin(), part.end());
+bool reaches(const BruteForce::Baseline& baseline, const BruteForce::Goal& goal) {
+  return std::includes(baseline.begin(), baseline.end(), goal.holds.begin(), goal.holds.end()) &&
+         std::none_of(goal.lacks.begin(), goal.lacks.end(),
+                      [&](const std::u16string& name) { return baseline.contains(name); });
+}
+
+std::vector<BruteForce::Goal> goalsOf(const std::vector<BruteForce::Baseline>& targets) {
+  std::vector<BruteForce::Goal> goals;
+  goals.reserve(targets.size());
+  for (const BruteForce::Baseline& target : targets) goals.push_back({target});
+  return goals;
 }
 
 }  // namespace
@@ -23,7 +32,12 @@ bool includes(const BruteForce::Baseline& baseline, const BruteForce::Baseline& 
 BruteForce::BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
                        const std::vector<Baseline>& targets, VersionRepository::Direction direction,
                        std::size_t mostSteps)
-    : model_(model), targets_(targets), direction_(direction), stepsLeft_(mostSteps) {
+    : BruteForce(model, sources, goalsOf(targets), direction, mostSteps) {}
+
+BruteForce::BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
+                       std::vector<Goal> targets, VersionRepository::Direction direction,
+                       std::size_t mostSteps)
+    : model_(model), targets_(std::move(targets)), direction_(direction), stepsLeft_(mostSteps) {
   for (std::size_t i = 0; i < sources.size(); ++i) offer(sources[i], {0, i}, nullptr, i);
   while (improve()) continue;
   if (const Way* best = bestAtTarget()) takePathTo(*best);
@@ -73,7 +87,7 @@ const BruteForce::Way* BruteForce::bestAtTarget() {
     const Way& way = entry.second;
     const auto included =
         std::find_if(targets_.begin(), targets_.end(),
-                     [&entry](const Baseline& part) { return includes(entry.first, part); });
+                     [&entry](const Goal& goal) { return reaches(entry.first, goal); });
     if (included == targets_.end() || (best != nullptr && best->rank < way.rank)) continue;
     best = &way;
     target = static_cast<std::size_t>(included - targets_.begin());

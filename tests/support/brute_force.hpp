@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "support/plain_model.hpp"
@@ -11,8 +13,8 @@
 namespace test {
 
 /// Finds the first of the least-weight paths without a frontier: improves the best way to each
-/// baseline until nothing changes. Throws PlainModel::Conflict when it meets a version that cannot
-/// be linked, be it off every path.
+/// baseline until nothing changes. Throws PlainModel::Failure when it meets what fails, be it off
+/// every path, unless the model avoids it.
 class BruteForce {
  public:
   using Baseline = PlainModel::Baseline;
@@ -21,6 +23,14 @@ class BruteForce {
   /// Thrown when there are more steps than it can be asked to try.
   struct TooMany {};
 
+  /// A target: what a baseline has to hold, and names that it must not.
+  struct Goal {
+    Baseline holds;
+    std::set<std::u16string> lacks = {};
+  };
+
+  BruteForce(PlainModel& model, const std::vector<Baseline>& sources, std::vector<Goal> targets,
+             VersionRepository::Direction direction, std::size_t mostSteps = ~std::size_t{0});
   BruteForce(PlainModel& model, const std::vector<Baseline>& sources,
              const std::vector<Baseline>& targets, VersionRepository::Direction direction,
              std::size_t mostSteps = ~std::size_t{0});
@@ -51,7 +61,7 @@ class BruteForce {
   void takePathTo(const Way& end);
 
   PlainModel& model_;
-  const std::vector<Baseline>& targets_;
+  const std::vector<Goal> targets_;
   const VersionRepository::Direction direction_;
   std::map<Baseline, Way> ways_;
   std::size_t stepsLeft_;

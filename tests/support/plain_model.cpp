@@ -39,8 +39,17 @@ bool PlainModel::includes(const VersionRange& range, const Metamodel& metamodel)
   return version && (lower < *version || lower == *version) && *version < upper;
 }
 
+std::size_t PlainModel::placeOf(const Metamodel& descriptor) const {
+  const auto& all = repository_.metamodels;
+  return static_cast<std::size_t>(std::find(all.begin(), all.end(), descriptor) - all.begin());
+}
+
 std::optional<std::size_t> PlainModel::find(const std::u16string& name,
-                                            const VersionId& version) const {
+                                            const VersionId& asked) const {
+  const std::string text = brief(name, asked);
+  if (repository_.failing.contains("getMetamodel " + text)) return std::nullopt;
+  const auto other = repository_.otherAnswers.find(text);
+  const VersionId& version = other == repository_.otherAnswers.end() ? asked : other->second;
   const auto wanted = semVerOf(Metamodel(name, version, {}));
   const auto& all = repository_.metamodels;
   const auto found = std::find_if(all.begin(), all.end(), [&](const Metamodel& metamodel) {
@@ -77,7 +86,7 @@ std::vector<Baseline> PlainModel::optionsFor(const Dependency& dependency) {
   for (std::size_t place = 0; place < repository_.metamodels.size(); ++place) {
     const Metamodel& candidate = metamodel(place);
     if (candidate.name != dependency.name || !includes(dependency.range, candidate)) continue;
-    const auto& choices = linked(place);
+    const auto& choices = linked(placeOf(candidate));
     options.insert(options.end(), choices.begin(), choices.end());
   }
   return options;
@@ -85,23 +94,48 @@ std::vector<Baseline> PlainModel::optionsFor(const Dependency& dependency) {
 
 const std::vector<Baseline>& PlainModel::linked(std::size_t place) {
   if (const auto known = linked_.find(place); known != linked_.end()) return known->second;
-  // The repository's order is that of such a map, filled in the order of the dependencies.
-  std::unordered_map<std::u16string, std::vector<Baseline>> optionsByName;
-  for (const Dependency& dependency : metamodel(place).dependencies) {
-    optionsByName.try_emplace(dependency.name, optionsFor(dependency));
-  }
+  if (!pending_.insert(place).second) throw Conflict();  // depends on itself
   std::vector<Baseline> choices{{{metamodel(place).name, place}}};
-  for (const auto& [name, options] : optionsByName) {
-    std::vector<Baseline> extended;
-    for (const Baseline& option : options) {
-      for (const Baseline& choice : choices) {
-        if (auto both = merged(choice, option)) extended.push_back(*std::move(both));
-      }
+  try {
+    // The repository's order is that of such a map, filled in the order of the dependencies.
+    std::unordered_map<std::u16string, std::vector<Baseline>> optionsByName;
+    for (const Dependency& dependency : metamodel(place).dependencies) {
+      optionsByName.try_emplace(dependency.name, optionsFor(dependency));
     }
-    choices = std::move(extended);
+    for (const auto& [name, options] : optionsByName) extend(place, choices, options);
+    if (choices.empty() || fails("loadMetamodel", place)) throw Conflict();
+    for (Baseline& choice : choices) linkAsHost(place, choice);
+  } catch (...) {
+    pending_.erase(place);
+    throw;
   }
-  if (choices.empty()) throw Conflict();
+  pending_.erase(place);
   return linked_.emplace(place, std::move(choices)).first->second;
+}
+
+void PlainModel::extend(std::size_t linking, std::vector<Baseline>& choices,
+                        const std::vector<Baseline>& options) {
+  std::vector<Baseline> extended;
+  for (const Baseline& option : options) {
+    isExact_ &= !option.contains(metamodel(linking).name);
+    for (const Baseline& choice : choices) {
+      if (auto both = merged(choice, option)) extended.push_back(*std::move(both));
+    }
+  }
+  choices = std::move(extended);
+}
+
+void PlainModel::linkAsHost(std::size_t linking, Baseline& choice) {
+  const auto links =
+      repository_.hostLinks.find(brief(metamodel(linking).name, metamodel(linking).version));
+  if (links == repository_.hostLinks.end()) return;
+  for (const auto& [name, version] : links->second) {
+    const auto place = find(name, version);
+    if (!place) throw Conflict();
+    std::vector<Baseline> choices{choice};
+    extend(linking, choices, linked(*place));
+    if (!choices.empty()) choice = choices.front();
+  }
 }
 
 std::vector<Baseline> PlainModel::combine(const Baseline& selection) {
@@ -120,20 +154,68 @@ std::vector<Baseline> PlainModel::combine(const Baseline& selection) {
   return result;
 }
 
-std::vector<Hop> PlainModel::hopsFrom(std::size_t from, Direction wanted) const {
+bool PlainModel::fails(const std::string& operation, std::size_t place) const {
+  return repository_.failing.contains(operation + " " +
+                                      brief(metamodel(place).name, metamodel(place).version));
+}
+
+std::vector<Hop> PlainModel::offeredHops(std::size_t from) const {
   std::vector<Hop> result;
+  const auto leaves = [&](const std::u16string& name, const Hop& hop) {
+    return name == metamodel(from).name && hop.from == metamodel(from).version;
+  };
   for (const Hop& hop : repository_.hops) {
-    if (hop.name != metamodel(from).name || !(hop.from == metamodel(from).version)) continue;
-    if (!areOpposite(wanted, direction(from, find(hop.name, hop.to).value()))) {
-      result.push_back(hop);
-    }
+    if (leaves(hop.name, hop)) result.push_back(hop);
+  }
+  for (const auto& [name, hop] : repository_.foreignHops) {
+    if (leaves(name, hop)) result.push_back(hop);
   }
   return result;
+}
+
+std::vector<Hop> PlainModel::hopsFrom(std::size_t from, Direction wanted) const {
+  std::vector<Hop> result = offeredHops(from);
+  if (wanted == anyDirection) return result;
+  std::erase_if(result, [&](const Hop& hop) {
+    const auto target = find(hop.name, hop.to);
+    if (!target && failures_ == Failures::Thrown) throw Failure();
+    return !target || areOpposite(wanted, direction(from, *target));
+  });
+  return result;
+}
+
+bool PlainModel::losesHop(const Baseline& baseline, Direction wanted) const {
+  return wanted != anyDirection &&
+         std::any_of(baseline.begin(), baseline.end(), [&](const auto& entry) {
+           const auto hops = offeredHops(entry.second);
+           return std::any_of(hops.begin(), hops.end(), [&](const Hop& hop) {
+             return !find(hop.name, hop.to) &&
+                    !repository_.failing.contains("getMetamodel " + brief(hop.name, hop.to));
+           });
+         });
+}
+
+/// The versions that hops lead to; none when one is not there.
+std::optional<Baseline> PlainModel::selectionAfter(const Baseline& from,
+                                                   const LockstepHop& hops) const {
+  Baseline selection = from;
+  for (const auto& [name, hop] : hops) {
+    const auto place = find(name, hop.to);
+    const bool fails = repository_.failing.contains("getMetamodel " + brief(name, hop.to));
+    if (fails && failures_ == Failures::Thrown) throw Failure();
+    if (!place) return std::nullopt;
+    selection[name] = *place;
+  }
+  return selection;
 }
 
 std::vector<PlainModel::Step> PlainModel::stepsFrom(const Baseline& from, Direction direction) {
   std::vector<LockstepHop> choices(1);
   for (const auto& [name, place] : from) {
+    if (fails("findHops", place)) {
+      if (failures_ == Failures::Thrown) throw Failure();
+      return {};
+    }
     const std::vector<LockstepHop> withoutThis = choices;
     for (const Hop& hop : hopsFrom(place, direction)) {
       for (LockstepHop choice : withoutThis) {
@@ -145,18 +227,20 @@ std::vector<PlainModel::Step> PlainModel::stepsFrom(const Baseline& from, Direct
   choices.erase(choices.begin());  // the one without hops
   std::vector<Step> steps;
   for (const LockstepHop& choice : choices) {
-    Baseline selection = from;
-    for (const auto& [name, hop] : choice) selection[name] = find(name, hop.to).value();
-    for (const Baseline& to : combine(selection)) steps.push_back({choice, to});
+    const auto selection = selectionAfter(from, choice);
+    if (!selection) continue;
+    try {
+      for (const Baseline& to : combine(*selection)) steps.push_back({choice, to});
+    } catch (const Conflict&) {
+      if (failures_ == Failures::Thrown) throw;
+    }
   }
   return steps;
 }
 
 Baseline PlainModel::baselineOf(const VersionBaseline& baseline) const {
   Baseline result;
-  for (const auto& [name, linked] : baseline.metamodels) {
-    result[name] = find(name, linked->version).value();
-  }
+  for (const auto& [name, linked] : baseline.metamodels) result[name] = placeOf(*linked);
   return result;
 }
 

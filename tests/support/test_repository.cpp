@@ -1,5 +1,7 @@
 #include "support/test_repository.hpp"
 
+#include <algorithm>
+
 #include "platform/text.hpp"
 
 namespace test {
@@ -62,22 +64,48 @@ void TestRepository::add(const std::string& content) {
   std::istringstream items(content);
   for (std::string item; items >> item;) {
     const std::u16string name = nameIn(item);
-    const VersionId id = version(item.substr(1, item.find_first_of("~:>") - 1));
+    const std::size_t end = std::min(item.find_first_of("~:=>?"), item.find("->"));
+    const VersionId id = version(item.substr(1, end - 1));
     if (const std::string last = after(item, ".."); !last.empty()) {
       for (std::uint64_t n = std::stoull(item.substr(1)); n <= std::stoull(last); ++n) {
         metamodels.emplace_back(name, v(n), std::vector<Dependency>());
         if (n < std::stoull(last)) hops.emplace_back(name, v(n), v(n + 1), false);
       }
-    } else if (const std::string to = after(item, ">", "!"); !to.empty()) {
-      hops.emplace_back(name, id, version(to), item.back() == '!');
+    } else if (const std::string callback = after(item, "?"); !callback.empty()) {
+      static const std::map<std::string, std::string> operations{
+          {"load", "loadMetamodel "}, {"hops", "findHops "}, {"get", "getMetamodel "}};
+      failing.insert(operations.at(callback) + brief(name, id));
+    } else if (const std::string answer = after(item, "->"); !answer.empty()) {
+      otherAnswers.emplace(brief(name, id), version(answer));
+    } else if (item.find('>') != std::string::npos) {
+      addHop(name, id, item);
     } else {
-      const std::string equivalent = after(item, "~", ":");
-      if (!equivalent.empty()) equivalents[{name, id.getText()}] = version(equivalent).getSemVer();
-      Metamodel& added = metamodels.emplace_back(name, id, std::vector<Dependency>());
-      for (const auto& needed : split(after(item, ":"), '+')) {
-        added.dependencies.push_back(dependency(needed));
-      }
+      addMetamodel(name, id, item);
     }
+  }
+}
+
+void TestRepository::addHop(const std::u16string& name, const VersionId& from,
+                            const std::string& item) {
+  Hop hop(name, from, version(after(item, ">", "!@")), item.find('!') != std::string::npos);
+  if (const std::string other = after(item, "@"); !other.empty()) {
+    hop.name = nameIn(other);
+    foreignHops.emplace_back(name, hop);
+  } else {
+    hops.push_back(hop);
+  }
+}
+
+void TestRepository::addMetamodel(const std::u16string& name, const VersionId& id,
+                                  const std::string& item) {
+  const std::string equivalent = after(item, "~", ":=");
+  if (!equivalent.empty()) equivalents[{name, id.getText()}] = version(equivalent).getSemVer();
+  Metamodel& added = metamodels.emplace_back(name, id, std::vector<Dependency>());
+  for (const auto& needed : split(after(item, ":", "="), '+')) {
+    added.dependencies.push_back(dependency(needed));
+  }
+  for (const auto& linked : split(after(item, "="), '=')) {
+    hostLinks[brief(name, id)].emplace_back(nameIn(linked), version(linked.substr(1)));
   }
 }
 
@@ -114,7 +142,9 @@ std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& 
 std::optional<Metamodel> TestRepository::getMetamodel(const std::u16string& name,
                                                       const VersionId& version) {
   note("getMetamodel " + brief(name, version));
-  return VersionRepository::getMetamodel(name, version);
+  const auto other = otherAnswers.find(brief(name, version));
+  return VersionRepository::getMetamodel(name,
+                                         other == otherAnswers.end() ? version : other->second);
 }
 
 void TestRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
@@ -131,11 +161,27 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
   for (const Hop& hop : hops) {
     if (hop.name == name && hop.from == from) result.push_back(hop);
   }
+  for (const auto& [offeredFor, hop] : foreignHops) {
+    if (offeredFor == name && hop.from == from) result.push_back(hop);
+  }
 }
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
   note("loadMetamodel " + brief(linked->name, linked->version));
   if (isNoting) loaded.push_back(linked);
+  const auto links = hostLinks.find(brief(linked->name, linked->version));
+  if (links == hostLinks.end()) return;
+  for (const auto& [name, version] : links->second) linkFirst(*linked, name, version);
+}
+
+void TestRepository::linkFirst(LinkedMetamodel& linked, const std::u16string& name,
+                               const VersionId& version) {
+  for (const auto& option : getLinkedMetamodels(name, version)) {
+    if (linked.clone()->linkMetamodel(option)) {
+      linked.linkMetamodel(option);
+      return;
+    }
+  }
 }
 
 std::string TestRepository::callsOf(const std::string& operation) const {
@@ -149,6 +195,7 @@ std::string TestRepository::callsOf(const std::string& operation) const {
 void TestRepository::note(const std::string& call) {
   if (isNoting) calls.push_back(call);
   if (onCall) onCall(call);
+  if (failing.contains(call)) throw CallbackFailure{call};
 }
 
 std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamodel) {

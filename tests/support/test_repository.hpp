@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,7 +37,9 @@ VersionId version(const std::string& text);
 Selection selection(const std::string& text);
 
 /// Thrown by a TestRepository that was told to fail.
-struct CallbackFailure {};
+struct CallbackFailure {
+  std::string call;  ///< as it is noted; empty when a test throws it for reasons of its own
+};
 
 /// A repository that is filled in code, notes every call that it gets, and can fail at any of them.
 class TestRepository : public VersionRepository {
@@ -50,6 +53,14 @@ class TestRepository : public VersionRepository {
   ///     Aspring~1.2           A at a text version, for which 1.2.0 is the semantic equivalent
   ///     B2:A[1,3)+C1+Dspring  B at 2.0.0, with a range of A, one version of C and one of D
   ///     A1>3  A1>3!           a hop of A from 1.0.0 to 3.0.0, and an expensive one
+  ///
+  /// and what only a wilful application does:
+  ///
+  ///     B2:A1=C1=D2           B as above, which when it is loaded links C at 1.0.0 and D at 2.0.0,
+  ///                           of each the first linked metamodel that agrees with what is linked
+  ///     A1>3@C                a hop that is offered for A and says that it is one of C
+  ///     A5->3                 who asks for A at 5.0.0 is answered A at 3.0.0
+  ///     A3?load  ?hops  ?get  loadMetamodel, findHops, getMetamodel fails for A at 3.0.0
   void add(const std::string& content);
 
   /// All baselines of some selections, which commas separate: "A1 B1, A2". The first one.
@@ -75,6 +86,16 @@ class TestRepository : public VersionRepository {
   std::vector<Hop> hops;
   std::map<std::pair<std::u16string, std::u16string>, SemVer> equivalents;
 
+  /// Offered for the names given, under other names.
+  std::vector<std::pair<std::u16string, Hop>> foreignHops;
+
+  // By the version that they concern, in brief ("A3").
+  std::map<std::string, std::vector<std::pair<std::u16string, VersionId>>> hostLinks;
+  std::map<std::string, VersionId> otherAnswers;
+
+  /// The calls that fail: "findHops A3".
+  std::set<std::string> failing;
+
   /// What was called since this list was last cleared: "findHops A1", "loadMetamodel B2".
   std::vector<std::string> calls;
 
@@ -93,6 +114,9 @@ class TestRepository : public VersionRepository {
   using VersionRepository::accessTag;
 
  private:
+  void addMetamodel(const std::u16string& name, const VersionId& id, const std::string& item);
+  void addHop(const std::u16string& name, const VersionId& from, const std::string& item);
+  void linkFirst(LinkedMetamodel& linked, const std::u16string& name, const VersionId& version);
   void note(const std::string& call);
 };
 
