@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <sstream>
 
 #include "catalogue/catalogue_error.hpp"
@@ -9,6 +8,7 @@
 #include "catalogue/json_catalogue.hpp"
 #include "support/catalogue_json.hpp"
 #include "support/legal_path.hpp"
+#include "support/random_run.hpp"
 #include "support/store_folder.hpp"
 #include "support/test_repository.hpp"
 
@@ -142,7 +142,7 @@ TEST(Catalogue, LongChainsAndWideRangesAreNoBurden) {
 }
 
 TEST(CatalogueRepository, AnswersAsAScanOfTheListsWould) {
-  std::mt19937 random(5);
+  Random random(RandomRun(1).seed());
   std::vector<std::string> items;
   for (int i = 0; i < 150; ++i) {
     const std::string number = std::to_string(i / 30) + "." + std::to_string(i / 6 % 5);

@@ -1,12 +1,10 @@
 // Loading and checking must agree on which catalogues are sound.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "support/catalogue_json.hpp"
-#include "support/random_cases.hpp"
+#include "support/random_run.hpp"
 
 namespace test {
 namespace {
@@ -14,37 +12,38 @@ namespace {
 using namespace tarn::evolution::catalogue;
 using nlohmann::ordered_json;
 
+/// A value and all values in it.
+std::vector<ordered_json*> valuesIn(ordered_json& value) {
+  std::vector<ordered_json*> values{&value};
+  if (!value.is_structured()) return values;
+  for (ordered_json& child : value) {
+    for (ordered_json* inner : valuesIn(child)) values.push_back(inner);
+  }
+  return values;
+}
+
 /// Changes one or two places of a JSON document at random.
 class Mutation {
  public:
-  explicit Mutation(unsigned seed) : random_(seed) {}
+  explicit Mutation(Random& random) : random_(random) {}
 
   std::string of(ordered_json document) {
-    for (std::size_t count = 1 + upTo(2); count > 0; --count) change(document);
+    for (std::size_t count = random_.upTo(2); count > 0; --count) change(document);
     std::string text = document.dump();
-    if (upTo(10) == 0) repeatField(text);
-    if (upTo(40) == 0) text.erase(upTo(text.size()), 1);
+    if (random_.chance(10)) repeatField(text);
+    if (random_.chance(3)) text.erase(random_.below(text.size()), 1);
     return text;
   }
 
  private:
-  std::size_t upTo(std::size_t end) { return random_() % end; }
-
-  void collect(ordered_json& value, std::vector<ordered_json*>& values) const {
-    values.push_back(&value);
-    if (!value.is_structured()) return;
-    for (ordered_json& child : value) collect(child, values);
-  }
-
   void change(ordered_json& document) {
-    std::vector<ordered_json*> values;
-    collect(document, values);
-    ordered_json& chosen = *values[upTo(values.size())];
-    const ordered_json other = *values[upTo(values.size())];
-    const std::size_t kind = upTo(4);
+    const std::vector<ordered_json*> values = valuesIn(document);
+    ordered_json& chosen = *random_.oneOf(values);
+    const ordered_json other = *random_.oneOf(values);
+    const std::size_t kind = random_.below(4);
     if (chosen.is_structured() && !chosen.empty() && kind < 3) {
       const auto place =
-          std::next(chosen.begin(), static_cast<std::ptrdiff_t>(upTo(chosen.size())));
+          std::next(chosen.begin(), static_cast<std::ptrdiff_t>(random_.below(chosen.size())));
       if (kind == 0) {
         chosen.erase(place);
       } else if (kind == 1) {
@@ -83,7 +82,7 @@ class Mutation {
                                           "1.0.18446744073709551615",
                                           ordered_json::array({ordered_json::array(
                                               {ordered_json::array({ordered_json::object()})})})};
-    return values[upTo(std::size(values))];
+    return random_.oneOf(values);
   }
 
   /// Gives some object a field before its own, perhaps one that it has.
@@ -95,11 +94,27 @@ class Mutation {
     }
     if (objects.empty()) return;
     const char* fields[] = {R"("name":"A",)", R"("hops":[],)", R"("range":"1.0",)"};
-    text.insert(objects[upTo(objects.size())], fields[upTo(std::size(fields))]);
+    text.insert(random_.oneOf(objects), random_.oneOf(fields));
   }
 
-  std::mt19937 random_;
+  Random& random_;
 };
+
+/// The document without one of the values in it; of one that is no JSON, nothing.
+std::vector<std::string> simplerJson(const std::string& text) {
+  std::vector<std::string> simpler;
+  ordered_json document = ordered_json::parse(text, nullptr, false);
+  for (std::size_t i = 0; i < valuesIn(document).size(); ++i) {
+    for (std::size_t child = 0; child < valuesIn(document)[i]->size(); ++child) {
+      ordered_json changed = document;
+      ordered_json& parent = *valuesIn(changed)[i];
+      if (!parent.is_structured()) continue;
+      parent.erase(std::next(parent.begin(), static_cast<std::ptrdiff_t>(child)));
+      simpler.push_back(changed.dump());
+    }
+  }
+  return simpler;
+}
 
 TEST(Check, FindsAnErrorExactlyWhereLoadingRefuses) {
   TestRepository repository(
@@ -107,24 +122,22 @@ TEST(Check, FindsAnErrorExactlyWhereLoadingRefuses) {
       "B2>1! Ax>3 C1>2");
   ordered_json document = toJson(repository);
   document["question"] = {{"from", selectionJson("A1 B1")}, {"to", selectionJson("A3 D1")}};
-  unsigned refused = 0;
-  unsigned accepted = 0;
-  const unsigned mutations = randomCases(4000);
-  for (unsigned seed = 0; seed < mutations; ++seed) {
-    const std::string text = Mutation(seed).of(document);
+  RandomRun run(4000);
+  const auto mutate = [&](Random& random) { return Mutation(random).of(document); };
+  const auto check = [&](const std::string& text, Random&) {
     const std::vector<Finding> findings = findingsIn(text);
     try {
       std::istringstream in(text);
       readJsonCatalogue(in);
-      ++accepted;
-      EXPECT_FALSE(hasError(findings)) << text;
+      run.count("accepted");
+      EXPECT_FALSE(hasError(findings));
     } catch (const CatalogueError& error) {
-      ++refused;
-      EXPECT_TRUE(hasError(findings)) << text << error.what();
+      run.count("refused");
+      EXPECT_TRUE(hasError(findings)) << error.what();
     }
-  }
-  EXPECT_GT(refused, mutations / 4);
-  EXPECT_GT(accepted, mutations / 20);
+  };
+  run.ask(mutate, check, simplerJson);
+  run.expectPercentages({{"refused", 20}, {"accepted", 1.5}});
 }
 
 }  // namespace

@@ -5,15 +5,14 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
 #include "support/legal_path.hpp"
-#include "support/random_cases.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
+#include "support/test_question.hpp"
 
 namespace test {
 namespace {
@@ -44,22 +43,28 @@ std::size_t countHeld(const VersionBaseline& baseline, const Versions& versions)
       }));
 }
 
-/// A random catalogue with a question that may well have no path.
+/// A question that may well have no path.
+std::string questionableCase(Random& random) {
+  const std::size_t names = random.upTo(3) + (random.chance(25) ? 3 : 0);
+  QuestionDraft draft = QuestionDraft::either(random, names);
+  std::erase_if(draft.hops, [&](const auto&) { return random.chance(5); });
+  draft.from.assign(1, {});
+  draft.to.assign(1, {});
+  for (const auto& name : draft.names) {
+    if (random.chance(90)) draft.from[0].push_back(name.letter + name.start);
+    const bool isGoal = name.versions.size() == 1 || random.chance(50);
+    if (!random.chance(60)) continue;
+    draft.to[0].push_back(name.letter + (isGoal ? name.goal : random.oneOf(name.versions).number));
+  }
+  return draft.text(random);
+}
+
+/// Such a question, with its catalogue.
 class RandomCase {
  public:
-  explicit RandomCase(unsigned seed) : random_(seed) {
-    RandomQuestion made(seed, seed % 2 == 0 ? RandomQuestion::Web : RandomQuestion::Loose);
-    TestRepository& content = made.repository;
-    std::erase_if(content.hops, [&](const Hop&) { return random_() % 20 == 0; });
-    std::map<std::u16string, std::vector<VersionId>> versions;
-    for (const Metamodel& metamodel : content.metamodels) {
-      versions[metamodel.name].push_back(metamodel.version);
-    }
-    for (const auto& [name, known] : versions) {
-      if (random_() % 10 < 9) question.from.emplace(name, known.front());
-      const std::size_t fromLast = random_() % 2 % known.size();
-      if (random_() % 10 < 6) question.to.emplace(name, known[known.size() - 1 - fromLast]);
-    }
+  explicit RandomCase(const QuestionText& text)
+      : question{selection(text.from), selection(text.to)} {
+    TestRepository content(text.catalogue);
     repository = std::make_unique<CatalogueRepository>(Catalogue(contentOf(content)));
     for (const auto& [name, version] : question.to) {
       goals.emplace(name, repository->getMetamodel(name, version)->version);
@@ -112,9 +117,6 @@ class RandomCase {
   Question question;
   Versions goals;
   std::unique_ptr<CatalogueRepository> repository;
-
- private:
-  std::mt19937 random_;
 };
 
 /// Whether those named can be brought to their goals in a model that has no use for the others.
@@ -175,35 +177,34 @@ void expectMinimal(const RandomCase& random, const std::vector<VersionBaseline>&
 }
 
 TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
-  std::map<std::size_t, unsigned> reasons;  // by index; no version is unknown here
-  unsigned blockedHops = 0;
-  const unsigned questions = randomCases(2000);
-  for (unsigned seed = 0; seed < questions; ++seed) {
-    SCOPED_TRACE(seed);
-    RandomCase random(seed);
+  RandomRun run(2000);
+  run.ask(questionableCase, [&](const std::string& text, Random&) {
+    RandomCase random{QuestionText(text)};
     CatalogueRepository& repository = *random.repository;
     const Explanation explanation = explain(repository, random.question);
-    ++reasons[explanation.reason.index()];
+    run.count("reason " + std::to_string(explanation.reason.index()));
     try {
       const auto path = repository.findPath(random.question.from, random.question.to);
       EXPECT_EQ(std::holds_alternative<PathExists>(explanation.reason), path.has_value());
-      if (path || !explanation.nearest) continue;
+      if (path || !explanation.nearest) return;
       const auto sources = repository.combine(random.question.from);
       const auto direction = repository.computeDirection(sources[0], random.someTarget());
       expectNearest(random, sources, *explanation.nearest, direction);
       if (const auto* reason = std::get_if<NeverTogether>(&explanation.reason)) {
         expectMinimal(random, sources, *reason, direction);
-        blockedHops += reason->blocked.empty() ? 0 : 1;
+        run.count("blocked hops", !reason->blocked.empty());
       }
     } catch (const foundation::core::except::IMsgIDException&) {
       // The path finder, and so enumeration, stumbles over a version that cannot be linked.
       EXPECT_FALSE(std::holds_alternative<PathExists>(explanation.reason));
     }
-  }
-  for (const std::size_t reason : {0U, 2U, 3U, 4U, 5U}) {
-    EXPECT_GE(reasons[reason], questions / 400) << reason;
-  }
-  EXPECT_GT(blockedHops, questions / 100);
+  });
+  run.expectPercentages({{"reason 0", 10},
+                         {"reason 2", 10},
+                         {"reason 3", 2},
+                         {"reason 4", 0.25},
+                         {"reason 5", 0.35},
+                         {"blocked hops", 0.3}});
 }
 
 }  // namespace

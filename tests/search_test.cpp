@@ -3,28 +3,19 @@
 
 #include <cctype>
 #include <deque>
-#include <iostream>
 
 #include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/goal_directed_search.hpp"
 #include "platform/exception.hpp"
 #include "support/legal_path.hpp"
-#include "support/random_cases.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
+#include "support/test_question.hpp"
 
 namespace test {
 namespace {
 
 using Verdict = SearchAnswer::Verdict;
-
-/// What the two answers have in common with others of their kind.
-struct Tally {
-  std::size_t paths = 0;
-  std::size_t longPaths = 0;
-  std::size_t absences = 0;
-  std::size_t unsettled = 0;
-};
 
 void expectSame(const SearchAnswer& expected, const SearchAnswer& found) {
   ASSERT_EQ(found.verdict, expected.verdict);
@@ -52,8 +43,9 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
   return question;
 }
 
-void compare(RandomQuestion& question, Tally& tally) {
-  if (question.sources.empty() || question.targets.empty()) return;
+void compare(const std::string& text, RandomRun& run) {
+  TestQuestion question(text);
+  if (!question.isPosed()) return;
   const SearchQuestion asked{question.repository, question.sources, question.targets,
                              question.direction};
   SearchAnswer expected;
@@ -63,34 +55,18 @@ void compare(RandomQuestion& question, Tally& tally) {
     return;  // it met a version that cannot be linked, which may lie off every path
   }
   const SearchAnswer found = searchGoalDirected(asked);
-  if (found.verdict == Verdict::Unsettled) {
-    ++tally.unsettled;
-    return;
-  }
   expectSame(expected, found);
   std::deque<Metamodel> answers;
   expectSame(expected, searchGoalDirected(knowing(asked, answers)));
-  if (expected.verdict == Verdict::NoPath) ++tally.absences;
-  if (expected.verdict == Verdict::Found) ++tally.paths;
-  if (expected.steps.size() >= 3) ++tally.longPaths;
+  run.count("absences", expected.verdict == Verdict::NoPath);
+  run.count("paths", expected.verdict == Verdict::Found);
+  run.count("long paths", expected.steps.size() >= 3);
 }
 
 TEST(Engines, AgreeOnRandomQuestions) {
-  Tally tally;
-  const unsigned seeds = randomCases(2000);  // each with one question of each shape
-  for (unsigned seed = 1; seed <= seeds && !HasFailure(); ++seed) {
-    for (const auto shape : {RandomQuestion::Loose, RandomQuestion::Web}) {
-      RandomQuestion question(seed, shape);
-      SCOPED_TRACE("seed " + std::to_string(seed) + ":" + question.catalogue);
-      compare(question, tally);
-    }
-  }
-  std::cout << tally.paths << " paths, " << tally.longPaths
-            << " of them of three steps or more, and " << tally.absences << " absences agree; "
-            << tally.unsettled << " were left unsettled\n";
-  EXPECT_GE(tally.longPaths * 3, tally.paths);
-  EXPECT_GE(tally.absences * 10, tally.paths + tally.absences);
-  EXPECT_EQ(tally.unsettled, 0U);
+  RandomRun run(4000);
+  run.ask(randomQuestion, [&](const std::string& text, Random&) { compare(text, run); });
+  run.expectPercentages({{"paths", 15}, {"long paths", 6}, {"absences", 1}});
 }
 
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {

@@ -7,14 +7,13 @@
 
 #include <csignal>
 #include <cstdio>
-#include <random>
 #include <set>
 #include <thread>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
-#include "support/random_cases.hpp"
+#include "support/random_run.hpp"
 #include "support/shell.hpp"
 #include "support/store_folder.hpp"
 
@@ -150,14 +149,14 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
   const std::string replaced = exported("new.store");
   const std::string grown = exported("grown.store");
   const std::string store = read("old.store");
-  std::mt19937 random(1);
   std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
   unsigned killed = 0;
-  const unsigned enough = randomCases(50);
-  for (int run = 0; killed < enough && run < 1'000; ++run) {
+  const RandomRun rounds(50);
+  Random random(rounds.seed());
+  for (int run = 0; killed < rounds.cases() && run < 1'000; ++run) {
     const bool adds = run % 3 == 2;
     write("killed.store", store);
-    const auto after = latest * (random() % 1'000) / 1'000;
+    const auto after = latest * random.below(1'000) / 1'000;
     const bool hit = runAndSignal(
         adds ? "add killed.store new.json" : "import new.json killed.store", SIGKILL, after);
     if (hit) ++killed;
@@ -166,7 +165,7 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
     ASSERT_TRUE(left == before || left == (adds ? grown : replaced))
         << "killed after " << after.count();
   }
-  EXPECT_EQ(killed, enough);
+  EXPECT_EQ(killed, rounds.cases());
 }
 
 TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
@@ -177,8 +176,8 @@ TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
   make("small", contentOf(small));
   const std::string store = read("small.store");
   const std::string full = read("large.store");
-  std::mt19937 random(2);
-  const unsigned enough = randomCases(12);
+  const RandomRun rounds(12);
+  Random random(rounds.seed());
   for (const char* command :
        {"import large.json work.store", "add work.store large.json", "remove full.store B C",
         "export full.store work.json", "check large.json",
@@ -186,19 +185,19 @@ TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
     std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
     std::set<std::string> outcomes;
     unsigned interrupted = 0;
-    for (int run = 0; interrupted < enough && run < 1'000; ++run) {
+    for (int run = 0; interrupted < rounds.cases() && run < 1'000; ++run) {
       write("work.store", store);
       write("full.store", full);
       write("work.json", "old");
       write("path.json", "old");
       const auto before = files();
-      const bool hit = runAndSignal(command, SIGINT, latest * (random() % 1'000) / 1'000);
+      const bool hit = runAndSignal(command, SIGINT, latest * random.below(1'000) / 1'000);
       if (hit) ++interrupted;
       latest = hit ? latest * 5 / 4 : latest * 2 / 3;
       EXPECT_EQ(files(), before) << command;
       outcomes.insert(exportedAll());
     }
-    EXPECT_EQ(interrupted, enough) << command;
+    EXPECT_EQ(interrupted, rounds.cases()) << command;
     EXPECT_LE(outcomes.size(), 2U) << command;  // all is done, or nothing
   }
 }

@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
-#include "support/random_question.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {

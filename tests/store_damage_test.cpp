@@ -1,6 +1,5 @@
 // Files that are no stores, or no longer whole ones.
 #include <filesystem>
-#include <random>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/open_catalogue.hpp"
@@ -8,7 +7,8 @@
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "platform/exception.hpp"
-#include "support/random_cases.hpp"
+#include "support/items.hpp"
+#include "support/random_run.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
@@ -103,22 +103,30 @@ TEST_F(DamagedStore, AnswersOrSaysThatItIsDamaged) {
   catalogue.question = Question{selection("A1 B1"), selection("A6 B6")};
   make("good", catalogue);
   const std::string good = read("good.store");
-  unsigned errors = 0;
-  const unsigned damages = randomCases(400);
-  for (unsigned seed = 0; seed < damages; ++seed) {
-    std::mt19937 random(seed);
-    std::string bytes = good;
-    for (unsigned left = 1 + seed % 8; left > 0; --left) {
-      char& byte = bytes[random() % (left % 2 == 0 ? bytes.size() : 4096)];
-      byte = static_cast<char>(byte ^ (1 << random() % 8));
+  // Bits that are turned over, by their places, and perhaps a size after "#".
+  const auto damage = [&](Random& random) {
+    std::string bits;
+    for (std::size_t left = random.upTo(8); left > 0; --left) {
+      bits += std::to_string(random.below(8 * (left % 2 == 0 ? good.size() : 4096))) + " ";
     }
-    if (seed % 10 == 0) bytes.resize(random() % bytes.size());
+    return bits + (random.chance(10) ? "#" + std::to_string(random.below(good.size())) : "");
+  };
+  RandomRun run(400);
+  run.ask(damage, [&](const std::string& bits, Random&) {
+    std::string bytes = good;
+    for (const std::string& bit : itemsIn(bits)) {
+      if (bit[0] == '#') {
+        bytes.resize(std::stoul(bit.substr(1)));
+      } else {
+        char& byte = bytes.at(std::stoul(bit) / 8);
+        byte = static_cast<char>(byte ^ (1 << std::stoul(bit) % 8));
+      }
+    }
     write("damaged", bytes);
     const auto file = path("damaged");
-    const std::string error = catalogueErrorOf(file, [&] { readAll(file); });
-    if (error != "no error") ++errors;
-  }
-  EXPECT_GT(errors, damages / 8);
+    run.count("errors", catalogueErrorOf(file, [&] { readAll(file); }) != "no error");
+  });
+  run.expectPercentages({{"errors", 20}});
 }
 
 TEST_F(DamagedStore, IsReplacedByAnImport) {

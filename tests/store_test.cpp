@@ -1,6 +1,5 @@
 // Stores answer as the catalogues in memory do that they were made of.
 #include <algorithm>
-#include <random>
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
@@ -9,6 +8,7 @@
 #include "catalogue/store/store_transfer.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
+#include "support/test_question.hpp"
 
 namespace test {
 namespace {
@@ -43,10 +43,10 @@ void expectSameLists(BrowsableRepository& left, BrowsableRepository& right) {
 }
 
 TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
-  int asked = 0;
-  for (unsigned seed = 0; seed < 80; ++seed) {
-    RandomQuestion random(seed, seed % 2 == 0 ? RandomQuestion::Loose : RandomQuestion::Web);
-    if (random.sources.empty() || random.targets.empty()) continue;
+  RandomRun run(80);
+  run.ask(randomQuestion, [&](const std::string& text, Random&) {
+    TestQuestion random(text);
+    if (!random.isPosed()) return;
     CatalogueContent content = contentOf(random.repository);
     content.question =
         Question{selectionOf(random.sources.front()), selectionOf(random.targets.front())};
@@ -57,15 +57,17 @@ TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
     EXPECT_EQ(question.from, content.question->from);
     EXPECT_EQ(question.to, content.question->to);
     const auto pathIn = [&](VersionRepository& repository) {
-      return describe(repository.findPath(repository.combine(question.from),
-                                          repository.combine(question.to), random.direction));
+      return outcomeOf([&] {
+        return repository.findPath(repository.combine(question.from),
+                                   repository.combine(question.to), random.direction);
+      });
     };
-    EXPECT_EQ(pathIn(store), pathIn(memory)) << random.catalogue;
+    EXPECT_EQ(pathIn(store), pathIn(memory));
     EXPECT_EQ(describe(store.combine(question.to)), describe(memory.combine(question.to)));
     expectSameLists(store, memory);
-    ++asked;
-  }
-  EXPECT_GT(asked, 50);
+    run.count("asked");
+  });
+  run.expectPercentages({{"asked", 15}});
 }
 
 TEST_F(Store, LooksUpVersionsOfEverySizeAndKindAsInMemory) {
@@ -77,7 +79,7 @@ TEST_F(Store, LooksUpVersionsOfEverySizeAndKindAsInMemory) {
       for (const auto patch : components) versions.push_back({major, minor, patch});
     }
   }
-  std::mt19937 random(3);
+  Random random(RandomRun(1).seed());
   std::shuffle(versions.begin(), versions.end(), random);
   CatalogueContent content;
   for (std::size_t i = 0; i < versions.size(); ++i) {
@@ -124,7 +126,7 @@ TEST_F(Store, LooksUpVersionsOfEverySizeAndKindAsInMemory) {
 }
 
 /// A small catalogue that is seldom sound.
-std::string randomContent(std::mt19937& random) {
+std::string randomContent(Random& random) {
   const auto someVersion = [&] {
     return random() % 4 == 0 ? "x" + std::to_string(random() % 3) : std::to_string(random() % 6);
   };
@@ -146,27 +148,27 @@ std::string randomContent(std::mt19937& random) {
 }
 
 TEST_F(Store, RefusesWhatLoadingRefusesInTheSameWords) {
-  std::map<bool, int> outcomes;
-  for (unsigned seed = 0; seed < 150; ++seed) {
-    std::mt19937 random(seed);
-    const std::string content = randomContent(random);
+  RandomRun run(150);
+  run.ask(randomContent, [&](const std::string& content, Random&) {
     TestRepository repository(content);
     make("random", contentOf(repository), false);
     const auto file = path("random.json");
     const std::string expected = catalogueErrorOf(file, [&] { readJsonCatalogue(file); });
     EXPECT_EQ(catalogueErrorOf(file, [&] { importCatalogue(file, path("random.store")); }),
-              expected)
-        << content;
-    ++outcomes[expected == "no error"];
-  }
-  EXPECT_GT(outcomes[true], 10);
-  EXPECT_GT(outcomes[false], 60);
+              expected);
+    run.count(expected == "no error" ? "sound" : "refused");
+  });
+  run.expectPercentages({{"sound", 6}, {"refused", 18}});
 }
 
 TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
-  for (unsigned seed = 0; seed < 20; ++seed) {
-    RandomQuestion random(seed);
-    const CatalogueContent whole = contentOf(random.repository);
+  RandomRun run(20);
+  const auto inOrder = [](Random& random) {
+    return QuestionDraft::loose(random, random.upTo(4)).text(random);
+  };
+  run.ask(inOrder, [&](const std::string& text, Random&) {
+    TestRepository repository(QuestionText(text).catalogue);
+    const CatalogueContent whole = contentOf(repository);
     CatalogueContent parts[2] = {whole, whole};
     const auto half = static_cast<std::ptrdiff_t>(whole.metamodels.size() / 2);
     parts[0].metamodels.erase(parts[0].metamodels.begin() + half, parts[0].metamodels.end());
@@ -178,7 +180,7 @@ TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
     addToStore(path("first.store"), path("second.json"));
     exportCatalogue(path("first.store"), path("exported.json"));
     EXPECT_EQ(read("exported.json"), read("whole.json"));
-  }
+  });
 }
 
 TEST_F(Store, AddsAllOrNothing) {

@@ -1,121 +1,199 @@
 #include "support/random_question.hpp"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
-#include "platform/exception.hpp"
+#include "support/items.hpp"
 
 namespace test {
 
-RandomQuestion::RandomQuestion(unsigned seed, Shape shape) : random_(seed) {
-  if (shape == Web) {
-    weave(static_cast<char>('B' + (chance(5) ? 4 + upTo(2) : upTo(4))));
-  } else {
-    make(static_cast<char>('B' + (chance(3) ? 3 + upTo(3) : upTo(3))));
-  }
+namespace {
+
+std::string rangeText(std::size_t lower, std::size_t upper) {
+  return "[" + std::to_string(lower) + "," + std::to_string(upper) + ")";
 }
 
-void RandomQuestion::ask(const std::string& from, const std::string& to) {
-  repository.add(catalogue);
-  try {
-    sources = repository.baselines(from);
-    targets = repository.baselines(to);
-  } catch (const foundation::core::except::IMsgIDException&) {
-    sources.clear();
-  }
+/// A range that some of the versions may lie in.
+std::string someRange(const QuestionDraft::Name& name, Random& random) {
+  const std::size_t lower = random.upTo(name.versions.size());
+  const std::string& single = name.versions[lower - 1].number;
+  if (single.starts_with("text") && random.chance(50)) return name.letter + single;
+  return name.letter + rangeText(lower, lower + random.upTo(3));
 }
 
-void RandomQuestion::make(char end) {
-  std::string from;
-  std::string to;
-  for (char name = 'A'; name < end; ++name) {
-    addVersions(name, upTo(5));
-    if (chance(80)) from += std::string{' ', name} + versions_[name].front();
-    if (chance(80)) to += std::string{' ', name} + versions_[name].back();
-  }
-  direction = chance(60) ? forward : anyDirection;
-  ask(from, to);
-}
-
-void RandomQuestion::addVersions(char name, std::size_t last) {
-  std::vector<std::string>& versions = versions_[name];
+void addLooseName(QuestionDraft& draft, Random& random) {
+  const std::size_t last = random.upTo(5);
+  QuestionDraft::Name& name = draft.addName();
   for (std::size_t n = 1; n <= last; ++n) {
     const std::string number = std::to_string(n);
-    const bool isText = chance(10);
-    versions.push_back((isText ? "text" : "") + number);
-    catalogue +=
-        std::string{' ', name} + versions.back() + (isText && n % 2 == 0 ? "~" + number : "");
-    char separator = ':';
-    for (char needed = 'A'; needed < name; ++needed) {
-      if (!chance(35)) continue;
-      catalogue += std::string{separator, needed} + someRange(versions_[needed]);
-      separator = '+';
+    const bool isText = random.chance(10);
+    name.versions.push_back(
+        {(isText ? "text" : "") + number, isText && n % 2 == 0 ? "~" + number : "", {}, {}});
+    for (const QuestionDraft::Name& needed : draft.names) {
+      if (needed.letter == name.letter || !random.chance(35)) continue;
+      name.versions.back().needs.push_back(someRange(needed, random));
     }
   }
-  for (const auto& before : versions) {
-    for (const auto& after : versions) {
-      if (&before == &after || (&before + 1 != &after && !chance(20))) continue;
-      const std::string hop = std::string{' ', name}.append(before).append(">").append(after);
-      for (int copies = chance(8) ? 2 : 1; copies > 0; --copies) {
-        catalogue += hop + (chance(15) ? "!" : "");
+  for (const auto& before : name.versions) {
+    for (const auto& after : name.versions) {
+      if (&before == &after || (&before + 1 != &after && !random.chance(20))) continue;
+      for (int copies = random.chance(8) ? 2 : 1; copies > 0; --copies) {
+        draft.addHop(name, before.number, after.number, random.chance(15) ? "!" : "");
       }
     }
   }
 }
 
-std::string RandomQuestion::someRange(const std::vector<std::string>& versions) {
-  const std::size_t lower = upTo(versions.size());
-  const std::string& single = versions[lower - 1];
-  if (single.starts_with("text") && chance(50)) return single;
-  return "[" + std::to_string(lower) + "," + std::to_string(lower + upTo(3)) + ")";
-}
+/// Which versions of the names stand beside one another at one time.
+using Epoch = std::map<char, std::size_t>;
 
-/// Lets some of the metamodels move in each of a few epochs, and has versions need what they stood
-/// beside.
-void RandomQuestion::weave(char end) {
-  std::vector<std::map<char, std::size_t>> epochs(1);
-  for (char name = 'A'; name < end; ++name) epochs[0][name] = 1;
-  for (std::size_t left = 2 + upTo(3); left > 0; --left) {
-    epochs.push_back(epochs.back());
-    for (auto& [name, version] : epochs.back()) version += chance(50) ? 1 : 0;
-  }
-  std::string from;
-  std::string to;
-  for (const auto& [name, last] : epochs.back()) {
-    for (std::size_t version = 1; version <= last; ++version) weaveVersion(name, version, epochs);
-    for (std::size_t version = 1; version < last; ++version) {
-      const std::string hop = std::string{' ', name} + std::to_string(version) + ">";
-      catalogue += hop + std::to_string(version + 1) + (chance(20) ? "!" : "");
-      if (chance(10)) catalogue += hop + std::to_string(version + 1) + (chance(50) ? "!" : "");
-      if (version + 2 <= last && chance(35)) {
-        catalogue += hop + std::to_string(version + 2) + (chance(50) ? "!" : "");
-      }
-    }
-    from += std::string{' ', name, '1'};
-    if (chance(90)) to += std::string{' ', name} + std::to_string(last);
-  }
-  direction = chance(80) ? forward : anyDirection;
-  ask(from, to);
-}
-
-void RandomQuestion::weaveVersion(char name, std::size_t version,
-                                  const std::vector<std::map<char, std::size_t>>& epochs) {
-  catalogue += std::string{' ', name} + std::to_string(version);
-  char separator = ':';
+/// What a version needs: what it stands beside, or a little more.
+std::vector<std::string> wovenNeeds(char name, std::size_t version,
+                                    const std::vector<Epoch>& epochs, Random& random) {
+  std::vector<std::string> needs;
   for (char needed = 'A'; needed < name; ++needed) {
-    if (!chance(45)) continue;
+    if (!random.chance(45)) continue;
     std::size_t lower = ~std::size_t{0};
     std::size_t upper = 0;
-    for (const auto& epoch : epochs) {
+    for (const Epoch& epoch : epochs) {
       if (epoch.at(name) != version) continue;
       lower = std::min(lower, epoch.at(needed));
       upper = std::max(upper, epoch.at(needed) + 1);
     }
-    if (chance(25) && lower > 1) --lower;
-    if (chance(25)) ++upper;
-    catalogue += std::string{separator, needed} + "[" + std::to_string(lower) + "," +
-                 std::to_string(upper) + ")";
-    separator = '+';
+    if (random.chance(25) && lower > 1) --lower;
+    if (random.chance(25)) ++upper;
+    needs.push_back(needed + rangeText(lower, upper));
   }
+  return needs;
+}
+
+void addWovenHops(QuestionDraft& draft, const QuestionDraft::Name& name, Random& random) {
+  const auto mark = [&](unsigned percent) { return random.chance(percent) ? "!" : ""; };
+  const std::size_t last = name.versions.size();
+  for (std::size_t version = 1; version < last; ++version) {
+    const std::string number = std::to_string(version);
+    const std::string next = std::to_string(version + 1);
+    draft.addHop(name, number, next, mark(20));
+    if (random.chance(10)) draft.addHop(name, number, next, mark(50));
+    if (version + 2 <= last && random.chance(35)) {
+      draft.addHop(name, number, std::to_string(version + 2), mark(50));
+    }
+  }
+}
+
+}  // namespace
+
+QuestionDraft QuestionDraft::loose(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  for (; nameCount > 0; --nameCount) addLooseName(draft, random);
+  draft.direction = random.chance(60) ? "forward" : "any";
+  for (Name& name : draft.names) {
+    name.start = name.versions.front().number;
+    name.goal = name.versions.back().number;
+  }
+  draft.settleEnds(random, 80, 80);
+  return draft;
+}
+
+QuestionDraft QuestionDraft::web(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  std::vector<Epoch> epochs(1);
+  for (; nameCount > 0; --nameCount) epochs[0][draft.addName().letter] = 1;
+  for (std::size_t left = 2 + random.upTo(3); left > 0; --left) {
+    epochs.push_back(epochs.back());
+    for (auto& [name, version] : epochs.back()) version += random.chance(50) ? 1 : 0;
+  }
+  for (Name& name : draft.names) {
+    const std::size_t last = epochs.back()[name.letter];
+    for (std::size_t version = 1; version <= last; ++version) {
+      name.versions.push_back(
+          {std::to_string(version), {}, wovenNeeds(name.letter, version, epochs, random), {}});
+    }
+    name.start = "1";
+    name.goal = std::to_string(last);
+    addWovenHops(draft, name, random);
+  }
+  draft.direction = random.chance(80) ? "forward" : "any";
+  draft.settleEnds(random, 100, 90);
+  return draft;
+}
+
+QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
+  return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
+}
+
+QuestionDraft::Name& QuestionDraft::addName() {
+  names.push_back({static_cast<char>('A' + names.size()), {}, {}, {}});
+  return names.back();
+}
+
+void QuestionDraft::addHop(const Name& name, const std::string& before, const std::string& after,
+                           const std::string& mark) {
+  hops.push_back({name.letter, before, after, mark});
+}
+
+void QuestionDraft::settleEnds(Random& random, unsigned heldPercent, unsigned wantedPercent) {
+  if (random.chance(25)) turnRound();
+  from.emplace_back();
+  to.emplace_back();
+  for (const Name& name : names) {
+    if (random.chance(heldPercent)) from[0].push_back(name.letter + name.start);
+    if (random.chance(wantedPercent)) to[0].push_back(name.letter + name.goal);
+  }
+  for (auto* end : {&from, &to}) {
+    if (!random.chance(15) || end->front().empty()) continue;
+    end->push_back(end->front());
+    std::string& changed = random.oneOf(end->back());
+    const Name& name = names[static_cast<std::size_t>(changed[0] - 'A')];
+    changed = name.letter + random.oneOf(name.versions).number;
+    if (random.chance(50)) std::swap(end->front(), end->back());
+  }
+}
+
+void QuestionDraft::turnRound() {
+  for (Hop& hop : hops) std::swap(hop.from, hop.to);
+  for (Name& name : names) std::swap(name.start, name.goal);
+  if (direction == "forward") direction = "backward";
+}
+
+std::string QuestionDraft::text(Random& random) const {
+  std::vector<std::string> items;
+  for (const Name& name : names) {
+    for (const Version& version : name.versions) {
+      std::string item = name.letter + version.number + version.equivalent;
+      char separator = ':';
+      for (const std::string& need : version.needs) {
+        item += std::exchange(separator, '+') + need;
+      }
+      for (const std::string& link : version.links) item += "=" + link;
+      items.push_back(item);
+    }
+  }
+  for (const Hop& hop : hops) items.push_back(hop.letter + hop.from + ">" + hop.to + hop.mark);
+  items.insert(items.end(), more.begin(), more.end());
+  if (!isInOrder) std::shuffle(items.begin(), items.end(), random);
+  std::string text = joined(items);
+  for (const auto* end : {&from, &to}) {
+    for (const auto& entries : *end) {
+      text += (&entries == &end->front() ? " | " : " , ") + joined(entries);
+    }
+  }
+  text += " | " + direction;
+  if (!beside.empty()) text += " | " + joined(beside);
+  std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXY";  // Z is nobody's
+  std::shuffle(letters.begin(), letters.end(), random);
+  for (char& letter : text) {
+    if (letter >= 'A' && letter < 'Z') letter = letters[static_cast<std::size_t>(letter - 'A')];
+  }
+  return text;
+}
+
+std::string randomQuestion(Random& random) {
+  const std::size_t names = random.upTo(3) + (random.chance(25) ? 3 : 0);
+  QuestionDraft draft = QuestionDraft::either(random, names);
+  draft.isInOrder = random.chance(80);
+  return draft.text(random);
 }
 
 }  // namespace test

@@ -1,49 +1,70 @@
 #pragma once
 
-#include <cstddef>
-#include <map>
-#include <random>
 #include <string>
 #include <vector>
 
-#include "support/test_repository.hpp"
+#include "support/random_run.hpp"
 
 namespace test {
 
-/// A small random catalogue with a question, or a question without sources when a version at its
-/// ends cannot be linked.
-class RandomQuestion {
- public:
-  enum Shape {
-    /// Ranges, hops that skip, go sideways or back, doubled hops, expensive hops, text versions
-    /// with and without equivalents, names that only links bring in, targets that name a part.
-    Loose,
-    /// A hidden way through narrow ranges, with dear and cheap hops beside it: what one metamodel
-    /// saves, others may have to pay for.
-    Web,
+/// A question in the making. Names, A, B and so on, depend only on names before them.
+struct QuestionDraft {
+  struct Version {
+    std::string number;              ///< "2", "text2"
+    std::string equivalent = {};     ///< "~2"
+    std::vector<std::string> needs;  ///< "A[1,3)"
+    std::vector<std::string> links;  ///< by the host: "A1"
+  };
+  struct Name {
+    char letter;
+    std::vector<Version> versions;
+    std::string start;  ///< the version of the sources
+    std::string goal;   ///< and that of the targets
+  };
+  struct Hop {
+    char letter;
+    std::string from;
+    std::string to;
+    std::string mark;  ///< "", "!", "@B"
   };
 
-  explicit RandomQuestion(unsigned seed, Shape shape = Loose);
+  /// Loose: ranges, hops that skip, go sideways or back, doubled hops, expensive hops, text
+  /// versions with and without equivalents, names that only links bring in, targets that name a
+  /// part.
+  static QuestionDraft loose(Random& random, std::size_t nameCount);
 
-  std::string catalogue;
-  TestRepository repository{""};
-  std::vector<VersionBaseline> sources;
-  std::vector<VersionBaseline> targets;
-  VersionRepository::Direction direction = anyDirection;
+  /// A hidden way through narrow ranges, with dear and cheap hops beside it: what one name saves,
+  /// others may have to pay for.
+  static QuestionDraft web(Random& random, std::size_t nameCount);
 
- private:
-  bool chance(unsigned percent) { return random_() % 100 < percent; }
-  std::size_t upTo(std::size_t last) { return 1 + random_() % last; }
-  void make(char end);
-  void addVersions(char name, std::size_t last);
-  std::string someRange(const std::vector<std::string>& versions);
-  void weave(char end);
-  void weaveVersion(char name, std::size_t version,
-                    const std::vector<std::map<char, std::size_t>>& epochs);
-  void ask(const std::string& from, const std::string& to);
+  static QuestionDraft either(Random& random, std::size_t nameCount);
 
-  std::mt19937 random_;
-  std::map<char, std::vector<std::string>> versions_;
+  Name& addName();
+  Name& someName(Random& random) { return random.oneOf(names); }
+  Version& someVersion(Random& random) { return random.oneOf(someName(random).versions); }
+  void addHop(const Name& name, const std::string& from, const std::string& to,
+              const std::string& mark = {});
+
+  /// Says which names the ends hold, and adds alternatives.
+  void settleEnds(Random& random, unsigned heldPercent, unsigned wantedPercent);
+
+  /// Turns hops and ends round.
+  void turnRound();
+
+  /// As TestQuestion reads it, with other letters in any order.
+  std::string text(Random& random) const;
+
+  std::vector<Name> names;
+  std::vector<Hop> hops;
+  std::vector<std::string> more;               ///< further items of the catalogue
+  std::vector<std::vector<std::string>> from;  ///< the alternatives of the sources, as entries
+  std::vector<std::vector<std::string>> to;
+  std::string direction;
+  std::vector<std::string> beside;
+  bool isInOrder = true;  ///< the catalogue; or its items stand in any order
 };
+
+/// A loose question or a web, as a text.
+std::string randomQuestion(Random& random);
 
 }  // namespace test

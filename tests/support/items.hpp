@@ -1,0 +1,24 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace test {
+
+/// What blanks separate in a text.
+inline std::vector<std::string> itemsIn(const std::string& text) {
+  std::vector<std::string> items;
+  std::istringstream in(text);
+  for (std::string item; in >> item;) items.push_back(item);
+  return items;
+}
+
+/// The items with a blank between them.
+inline std::string joined(const std::vector<std::string>& items) {
+  std::string text;
+  for (const std::string& item : items) text += (text.empty() ? "" : " ") + item;
+  return text;
+}
+
+}  // namespace test
