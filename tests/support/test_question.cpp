@@ -62,9 +62,10 @@ QuestionText QuestionText::withBesideInside() const {
   return withInside(beside);
 }
 
-QuestionText QuestionText::withFewInside() const {
+QuestionText QuestionText::withFirstInside(const std::set<std::string>& kinds) const {
   std::map<std::string, std::string> firstOfKind;
   for (const std::string& item : itemsIn(beside)) {
+    if (!kinds.contains(item.substr(1))) continue;
     std::string& first = firstOfKind.try_emplace(item.substr(1), item).first->second;
     first = std::min(first, item);
   }

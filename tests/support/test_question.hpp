@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -26,10 +27,10 @@ namespace test {
 struct QuestionText {
   explicit QuestionText(const std::string& text);
 
-  /// The same question with the names beside as part of catalogue and ends; with only the first of
-  /// each kind.
+  /// The same question with the names beside as part of catalogue and ends; with only the first one
+  /// of each of some kinds ("", ".", ">").
   QuestionText withBesideInside() const;
-  QuestionText withFewInside() const;
+  QuestionText withFirstInside(const std::set<std::string>& kinds) const;
 
   VersionRepository::Direction askedDirection() const;
 

@@ -171,7 +171,15 @@ void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linke
   if (isNoting) loaded.push_back(linked);
   const auto links = hostLinks.find(brief(linked->name, linked->version));
   if (links == hostLinks.end()) return;
-  for (const auto& [name, version] : links->second) linkFirst(*linked, name, version);
+  // What is linked here may need the very version that is loaded.
+  if (!loading_.insert(links->first).second) throw CallbackFailure{"loadMetamodel " + links->first};
+  try {
+    for (const auto& [name, version] : links->second) linkFirst(*linked, name, version);
+  } catch (...) {
+    loading_.erase(links->first);
+    throw;
+  }
+  loading_.erase(links->first);
 }
 
 void TestRepository::linkFirst(LinkedMetamodel& linked, const std::u16string& name,

@@ -118,6 +118,8 @@ class TestRepository : public VersionRepository {
   void addHop(const std::u16string& name, const VersionId& from, const std::string& item);
   void linkFirst(LinkedMetamodel& linked, const std::u16string& name, const VersionId& version);
   void note(const std::string& call);
+
+  std::set<std::string> loading_;  // versions that the host links something to just now
 };
 
 /// The hops that the repository offers from there.
