@@ -1,11 +1,9 @@
 #include "catalogue/json_stream.hpp"
 
-#include <cerrno>
 #include <istream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -209,18 +207,6 @@ void streamJsonCatalogue(std::istream& in, CatalogueSink& sink) {
 std::string withoutPrefix(const std::string& message) {
   const std::size_t end = message.find("] ");
   return end == std::string::npos ? message : message.substr(end + 2);
-}
-
-std::ifstream openForReading(const std::filesystem::path& file) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(file, ignored)) {
-    throw CatalogueError("", "is a directory, not a file");
-  }
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
-    throw CatalogueError("", "cannot be opened: " + std::generic_category().message(errno));
-  }
-  return in;
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,15 +1,14 @@
 #include "catalogue/check/json_draft.hpp"
 
 #include <algorithm>
-#include <fstream>
+#include <istream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <utility>
 
-#include "catalogue/catalogue_error.hpp"
 #include "catalogue/check/json_pieces.hpp"
-#include "catalogue/json_stream.hpp"
+#include "catalogue/json_file.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -271,12 +270,7 @@ CatalogueDraft readJsonDraft(std::istream& in) {
 }
 
 CatalogueDraft readJsonDraft(const std::filesystem::path& file) {
-  try {
-    std::ifstream in = openForReading(file);
-    return readJsonDraft(in);
-  } catch (const CatalogueError& error) {
-    throw error.inFile(file.string());
-  }
+  return readJsonFile(file, [](std::istream& in) { return readJsonDraft(in); });
 }
 
 }  // namespace tarn::evolution::catalogue

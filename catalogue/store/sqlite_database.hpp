@@ -30,15 +30,17 @@ using SqliteValue = std::variant<std::nullptr_t, std::int64_t, std::string, Pack
 class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
  public:
   enum class Access {
-    Read,    ///< changes nothing; also where nothing can be written. Work is limited.
-    Edit,    ///< the file must exist
-    Create,  ///< made if need be, and not safe from interruption: whoever creates sees to that
+    Read,   ///< changes nothing; also where nothing can be written. Work is limited.
+    Edit,   ///< to change the file in its place
+    Build,  ///< to fill a file that nobody else knows of: after a change that fails it is of no use
   };
 
   /// In place of a file: a database of its own that goes with the connection.
   static constexpr const char* inMemory = ":memory:";
 
-  SqliteDatabase(const std::filesystem::path& file, Access access);
+  /// The file must exist. Errors name it as `shownAs`, if that is given.
+  SqliteDatabase(const std::filesystem::path& file, Access access,
+                 const std::filesystem::path& shownAs = {});
 
   /// Runs statements that give no rows.
   void run(const char* statements);
@@ -46,13 +48,23 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
   /// The single number that a statement gives.
   std::int64_t number(const char* statement);
 
+  /// The single text that a statement gives.
+  std::string text(const char* statement);
+
+  /// Makes an empty database, which must be open to be built, the same as this one. Calls `tell`,
+  /// unless it is empty, with the share that is done, again and again; what that throws ends it.
+  void copyTo(SqliteDatabase& copy, const std::function<void(double)>& tell);
+
+  /// Whether changes go to a second file first (SQLite's WAL mode).
+  bool isWrittenAhead() const;
+
   /// Whether another file has taken the place of this one since it was opened.
   bool hasMoved() const;
 
-  /// Whether what failed last did so for another program's lock.
-  bool isBusy() const;
+  /// What failed last, as SQLite's extended result code.
+  int lastError() const;
 
-  const std::filesystem::path& file() const noexcept { return file_; }
+  const std::filesystem::path& file() const noexcept { return shownAs_; }
 
   /// Throws what SQLite's result code means.
   [[noreturn]] void fail(int code) const;
@@ -68,8 +80,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
     void operator()(sqlite3* handle) const noexcept;
   };
 
-  void open(int flags, bool isImmutable);
+  void open(int flags, const char* parameters = "");
   void openForReading();
+  void openWrittenAhead();
 
   /// Limits each statement to what the file, as it is now, can have use for, so that none runs in
   /// circles when the file is damaged.
@@ -78,8 +91,12 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
   void expect(int code) const;
   void callOnProgress();
   static int onProgress(void* database);
+  static int onBusy(void* database, int count);
+  bool callWatch();
+  bool isSchemaBeyondMemory() const;
 
   std::filesystem::path file_;
+  std::filesystem::path shownAs_;
   std::unique_ptr<sqlite3, Close> handle_;
   std::int64_t workLimit_ = 0;  // in units of progress; 0 for none
   std::int64_t work_ = 0;       // of the statement that runs
@@ -143,9 +160,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
   std::unique_ptr<sqlite3_stmt, Finalize> handle_;
 };
 
-/// While it lives, calls a function now and then while the database's statements run. What that
-/// throws ends the statement, which throws it on. An empty function is not called. Only one at a
-/// time.
+/// While it lives, calls a function now and then while the database's statements run or wait. What
+/// that throws ends the statement, which throws it on. An empty function is not called. Only one at
+/// a time.
 class SqliteWatch {
  public:
   SqliteWatch(SqliteDatabase& database, std::function<void()> watch);
