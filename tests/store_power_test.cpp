@@ -1,7 +1,6 @@
 // Power fails in the middle of an operation: the file that it changes is the old one or the new
 // one, and the next operation finds its way.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <set>
 
@@ -14,8 +13,7 @@ namespace {
 
 using Rest = ForgetfulDisk::Rest;
 
-const std::filesystem::path folder =
-    std::filesystem::temp_directory_path() / ("store-power-" + std::to_string(getpid()));
+const std::filesystem::path folder = quickFolder("store-power");
 
 std::set<std::string> namesOf(const Disk& disk) {
   std::set<std::string> names;

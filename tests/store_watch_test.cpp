@@ -52,12 +52,11 @@ class OpenWatch : public FileCallWatch {
     const bool isDatabase = read(file, bytes, sizeof(bytes)) == sizeof(bytes) &&
                             std::string_view(bytes, sizeof(bytes)) == beginning;
     close(file);
-    if (isDatabase) found.insert(call.path.substr(folder().size() + 1));
+    if (isDatabase) found.insert(call.path.substr(watchedFolder().size() + 1));
   }
 };
 
-const std::filesystem::path folder =
-    std::filesystem::temp_directory_path() / ("store-watch-" + std::to_string(getpid()));
+const std::filesystem::path folder = quickFolder("store-watch");
 
 TEST(StoreWatch, NobodyButSqliteOpensADatabase) {
   for (const StoreOperation& operation : storeOperations()) {

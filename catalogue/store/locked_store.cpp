@@ -59,6 +59,9 @@ void LockedStore::bringTogether(const std::function<void()>& whileWaiting) {
   if (database_->text("PRAGMA journal_mode = DELETE") != "delete") {
     failFor(shownAs_, "is in use by another program");
   }
+  if (database_->isWrittenAhead()) {
+    failFor(shownAs_, "cannot be written: the file that was written ahead to cannot be removed");
+  }
   database_->run("PRAGMA locking_mode = NORMAL");
   database_->number(anyRead);
 }

@@ -134,8 +134,8 @@ void ReplacingFile::replaceTarget() {
   }
 }
 
-/// What is left there would be taken for the new file's: that it is gone, also what SQLite itself has
-/// removed, must be certain before the new file comes.
+/// What is left there would be taken for the new file's: that it is gone, also what SQLite itself
+/// has removed, must be certain before the new file comes.
 void ReplacingFile::removeBesideTarget() {
   for (const auto& file : allBeside(target_)) {
     if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(errno);

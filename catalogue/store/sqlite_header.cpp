@@ -3,9 +3,11 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <new>
 #include <string_view>
+#include <system_error>
 
 #include "catalogue/file_error.hpp"
 
@@ -54,9 +56,14 @@ std::optional<SqliteHeader> headerOf(const std::filesystem::path& file) {
                       SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
   const std::unique_ptr<sqlite3, decltype(&sqlite3_close_v2)> closing(handle, sqlite3_close_v2);
   if ((code & 0xff) == SQLITE_NOMEM) throw std::bad_alloc();
-  if ((code & 0xff) == SQLITE_CANTOPEN) return std::nullopt;
+  const int cause = sqlite3_system_errno(handle);
+  if ((code & 0xff) == SQLITE_CANTOPEN) {
+    if (cause == ENOENT)
+      return std::nullopt;  // such as one that is removed, but still has a descriptor
+    failFor(file, "cannot be opened: " + std::generic_category().message(cause));
+  }
   const auto header = code == SQLITE_OK ? headerOf(handle) : std::nullopt;
-  if (!header) failFor(file, "cannot be read: disk I/O error");
+  if (!header) failFor(file, "cannot be read: " + std::generic_category().message(EIO));
   return header;
 }
 
@@ -74,8 +81,8 @@ void expectDatabase(const std::filesystem::path& file) {
     failFor(file, "is not a catalogue store: it is no regular file");
   }
   const auto header = headerOf(file);
-  if (!header) return;  // who opens it is told why that cannot be done
-  if (!header->isDatabase) failFor(file, "is not a catalogue store: it is not a SQLite database");
+  if (!header || !header->isDatabase)
+    failFor(file, "is not a catalogue store: it is not a SQLite database");
   if (!header->isWhole) failFor(file, "the store is damaged: it ends within its header");
 }
 

@@ -27,8 +27,8 @@ struct SqliteHeader {
 /// read.
 std::optional<SqliteHeader> headerOf(sqlite3* connection);
 
-/// Of a regular file; nothing for all else, which SQLite is never given, and for a file that cannot
-/// be opened. Throws CatalogueError, which names it, when it cannot be read.
+/// Of a regular file; nothing for all else, which SQLite is never given, and where there is none.
+/// Throws CatalogueError, which names the file, when it cannot be opened or read.
 std::optional<SqliteHeader> headerOf(const std::filesystem::path& file);
 
 /// Whether a file begins as every SQLite database does.

@@ -63,7 +63,7 @@ long shown(FILE* result) {
 /// Makes a call, unless the watch has it fail, and tells the watch of it.
 template <class Invoke>
 auto watched(const FileCall& call, const Invoke& invoke) -> decltype(invoke()) {
-  if (!call.path.starts_with(installed->folder())) return invoke();
+  if (!call.path.starts_with(installed->watchedFolder())) return invoke();
   isWithin = true;
   const int error = installed->before(call);
   auto result = failed(decltype(invoke()){});

@@ -38,7 +38,7 @@ class FileCallWatch {
   /// From now on it sees nothing.
   void end();
 
-  const std::string& folder() const { return folder_; }
+  const std::string& watchedFolder() const { return folder_; }
 
  private:
   const std::string folder_;

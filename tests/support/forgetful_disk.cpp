@@ -92,7 +92,7 @@ void ForgetfulDisk::after(const FileCall& call, long result) {
       steps_.emplace_back(Resize{fileOf(call.descriptor), static_cast<std::size_t>(call.offset)});
       break;
     case Kind::Sync:
-      if (call.path == folder()) {
+      if (call.path == watchedFolder()) {
         steps_.emplace_back(SyncFolder{});
       } else {
         steps_.emplace_back(SyncFile{fileOf(call.descriptor)});

@@ -60,7 +60,9 @@ class ForgetfulDisk : public FileCallWatch {
   struct Left;
 
   File fileOf(int descriptor) const;
-  std::string nameIn(const std::string& path) const { return path.substr(folder().size() + 1); }
+  std::string nameIn(const std::string& path) const {
+    return path.substr(watchedFolder().size() + 1);
+  }
 
   std::map<std::string, File> firstNames_;
   std::vector<std::string> firstContents_;

@@ -1,6 +1,7 @@
 #include "support/store_operations.hpp"
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <memory>
@@ -81,14 +82,25 @@ std::string contentOfDatabase(const FilePath& file) {
   return content;
 }
 
-void readEverything(BrowsableRepository& repository) {
-  for (const std::u16string& name : repository.listNames()) {
-    for (const auto& metamodel : repository.listMetamodels(name)) {
+std::string everythingIn(const std::filesystem::path& file) {
+  const auto repository = openCatalogue(file);
+  std::string text;
+  for (const std::u16string& name : repository->listNames()) {
+    for (const auto& metamodel : repository->listMetamodels(name)) {
       std::vector<Hop> hops;
-      repository.findHops(name, metamodel.descriptor.version, hops);
+      repository->findHops(name, metamodel.descriptor.version, hops);
+      text += printed(metamodel.descriptor) + " " + std::to_string(hops.size()) + "\n";
     }
   }
-  repository.getQuestion();
+  return text + std::to_string(repository->getQuestion().has_value());
+}
+
+/// The counts of what was read leniently; what kept it from being read is thrown.
+std::string draftOf(const std::filesystem::path& file) {
+  const CatalogueDraft draft = readDraft(file);
+  for (const Finding& finding : draft.findings)
+    throw CatalogueError("", finding.message).inFile(file);
+  return std::to_string(draft.metamodels.size()) + " " + std::to_string(draft.hops.size()) + "\n";
 }
 
 /// Makes the files that the operations begin with.
@@ -141,82 +153,96 @@ class Originals : public StoreFolder {
   Disk bytes_;
 };
 
+std::string textOf(const StoreCounts& counts) {
+  return std::to_string(counts.metamodels) + " " + std::to_string(counts.hops);
+}
+
+void refuse(const std::function<void()>& mistake) {
+  try {
+    mistake();
+  } catch (const CatalogueError&) {
+    return;
+  }
+  throw std::logic_error("a mistake was not noticed");
+}
+
+std::string makeMistakes(const FilePath& folder) {
+  const FilePath json = folder / "new.json";
+  const FilePath store = folder / "x.store";
+  const FilePath other = folder / "y.store";
+  refuse([&] { readJsonCatalogue(store); });
+  refuse([&] { importCatalogue(store, other); });
+  refuse([&] { importCatalogue(json, json); });
+  refuse([&] { addToStore(store, other); });
+  refuse([&] { addToStore(json, json); });
+  refuse([&] { removeFromStore(json, {{u"A", {}}}); });
+  refuse([&] { exportCatalogue(json, folder / "z.json"); });
+  refuse([&] { exportCatalogue(store, other); });
+  return "";
+}
+
 std::vector<StoreOperation> makeOperations() {
   const Originals originals;
-  const auto refuse = [](const auto& mistake) {
-    try {
-      mistake();
-    } catch (const CatalogueError&) {
-      return;
-    }
-    throw std::logic_error("a mistake was not noticed");
-  };
   const auto import = [](const FilePath& folder) {
-    importCatalogue(folder / "new.json", folder / "x.store");
+    return textOf(importCatalogue(folder / "new.json", folder / "x.store"));
   };
   const auto add = [](const FilePath& folder) {
-    addToStore(folder / "x.store", folder / "more.json");
+    return textOf(addToStore(folder / "x.store", folder / "more.json"));
   };
-  const auto ask = [](const FilePath& folder) {
-    readEverything(*openCatalogue(folder / "x.store"));
+  const auto remove = [](const FilePath& folder) {
+    return textOf(removeFromStore(folder / "x.store", {{u"B", {}}}).removed);
+  };
+  const auto write = [](const FilePath& folder) {
+    return textOf(exportCatalogue(folder / "x.store", folder / "y.json"));
+  };
+  const auto migrate = [](const FilePath& folder) {
+    return StoreSnapshot(folder / "x.store", laterForm()).database().text("SELECT sum(y) FROM a");
+  };
+  const auto ask = [](const FilePath& folder) { return everythingIn(folder / "x.store"); };
+  const auto askJson = [](const FilePath& folder) { return everythingIn(folder / "new.json"); };
+  const auto draw = [](const FilePath& folder) {
+    return draftOf(folder / "new.json") + draftOf(folder / "x.store") +
+           std::to_string(readSelectionFile(folder / "old.json", QuestionSide::From).size() +
+                          readSelectionFile(folder / "x.store", QuestionSide::To).size());
   };
   const std::pair<std::string, std::string> newJson("new.json", "new.json");
   const std::pair<std::string, std::string> moreJson("more.json", "more.json");
   const std::pair<std::string, std::string> old("x.store", "old.store");
   const std::pair<std::string, std::string> ahead("x.store", "kept ahead");
   const std::pair<std::string, std::string> aheadLog("x.store-wal", "kept ahead-wal");
+  const std::pair<std::string, std::string> torn("x.store", "kept torn");
+  const std::pair<std::string, std::string> tornLog("x.store-journal", "kept torn-journal");
+  const auto disk = [&](const std::map<std::string, std::string>& names) {
+    return originals.disk(names);
+  };
   return {
-      {"import", originals.disk({newJson}), "x.store", import},
-      {"import over a store", originals.disk({newJson, old}), "x.store", import},
-      {"import over leftovers",
-       originals.disk({newJson, aheadLog, {"x.store-journal", "kept torn-journal"}}), "x.store",
-       import},
-      {"import over a store written ahead", originals.disk({newJson, ahead, aheadLog}), "x.store",
-       import},
-      {"add", originals.disk({moreJson, old}), "x.store", add},
-      {"add to a store written ahead", originals.disk({moreJson, ahead, aheadLog}), "x.store", add},
-      {"remove", originals.disk({old}), "x.store",
-       [](const FilePath& folder) {
-         removeFromStore(folder / "x.store", {{u"B", {}}});
-       }},
-      {"export", originals.disk({old}), "y.json",
-       [](const FilePath& folder) { exportCatalogue(folder / "x.store", folder / "y.json"); }},
-      {"export over a file", originals.disk({old, {"y.json", "new.json"}}), "y.json",
-       [](const FilePath& folder) { exportCatalogue(folder / "x.store", folder / "y.json"); }},
-      {"migration", originals.disk({{"x.store", "m.store"}}), "x.store",
-       [](const FilePath& folder) { StoreSnapshot(folder / "x.store", laterForm()); }},
-      {"asking", originals.disk({old}), "", ask},
-      {"asking a store written ahead", originals.disk({ahead, aheadLog}), "x.store", ask},
-      {"asking a store with an unfinished change",
-       originals.disk({{"x.store", "kept torn"}, {"x.store-journal", "kept torn-journal"}}),
-       "x.store", ask},
-      {"asking JSON", originals.disk({newJson}), "",
-       [](const FilePath& folder) { readEverything(*openCatalogue(folder / "new.json")); }},
-      {"drafts and selections", originals.disk({newJson, old, {"old.json", "old.json"}}), "",
-       [](const FilePath& folder) {
-         readDraft(folder / "new.json");
-         readDraft(folder / "x.store");
-         readSelectionFile(folder / "old.json", QuestionSide::From);
-         readSelectionFile(folder / "x.store", QuestionSide::To);
-       }},
-      {"mistakes", originals.disk({newJson, old, {"y.store", "new.store"}}), "",
-       [refuse](const FilePath& folder) {
-         const FilePath json = folder / "new.json";
-         const FilePath store = folder / "x.store";
-         const FilePath other = folder / "y.store";
-         refuse([&] { readJsonCatalogue(store); });
-         refuse([&] { importCatalogue(store, other); });
-         refuse([&] { importCatalogue(json, json); });
-         refuse([&] { addToStore(store, other); });
-         refuse([&] { addToStore(json, json); });
-         refuse([&] { removeFromStore(json, {{u"A", {}}}); });
-         refuse([&] { exportCatalogue(json, folder / "z.json"); });
-         refuse([&] { exportCatalogue(store, other); });
-       }},
+      {"import", disk({newJson}), "x.store", import},
+      {"import over a store", disk({newJson, old}), "x.store", import},
+      {"import over leftovers", disk({newJson, aheadLog, tornLog}), "x.store", import},
+      {"import, written ahead", disk({newJson, ahead, aheadLog}), "x.store", import},
+      {"add", disk({moreJson, old}), "x.store", add},
+      {"add, written ahead", disk({moreJson, ahead, aheadLog}), "x.store", add},
+      {"remove", disk({old}), "x.store", remove},
+      {"export", disk({old}), "y.json", write},
+      {"export over a file", disk({old, {"y.json", "new.json"}}), "y.json", write},
+      {"migration", disk({{"x.store", "m.store"}}), "x.store", migrate},
+      {"asking", disk({old}), "", ask},
+      {"asking, written ahead", disk({ahead, aheadLog}), "x.store", ask},
+      {"asking, left unfinished", disk({torn, tornLog}), "x.store", ask},
+      {"asking JSON", disk({newJson}), "", askJson},
+      {"drafts and selections", disk({newJson, old, {"old.json", "old.json"}}), "", draw},
+      {"mistakes", disk({newJson, old, {"y.store", "new.store"}}), "", makeMistakes},
   };
 }
 
 }  // namespace
+
+FilePath quickFolder(const std::string& name) {
+  const FilePath memory = "/dev/shm";
+  const FilePath parent =
+      std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+  return parent / ("evopath-" + name + "-" + std::to_string(getpid()));
+}
 
 Disk readDisk(const FilePath& folder) {
   Disk disk;
@@ -233,9 +259,17 @@ void writeDisk(const Disk& disk, const FilePath& folder) {
 }
 
 std::string contentOf(const FilePath& file) {
+  static std::map<std::string, std::string> known;  // of databases with nothing beside them
   if (!std::filesystem::exists(file)) return "none";
   const std::string bytes = bytesOf(file);
-  return bytes.starts_with("SQLite format 3") ? contentOfDatabase(file) : bytes;
+  if (!bytes.starts_with("SQLite format 3")) return bytes;
+  if (std::filesystem::exists(file.string() + "-wal") ||
+      std::filesystem::exists(file.string() + "-journal")) {
+    return contentOfDatabase(file);
+  }
+  const auto [entry, isNew] = known.try_emplace(bytes);
+  if (isNew) entry->second = contentOfDatabase(file);
+  return entry->second;
 }
 
 const std::vector<StoreOperation>& storeOperations() {

@@ -10,6 +10,9 @@
 
 namespace test {
 
+/// A folder for this process, in memory where the system has that.
+std::filesystem::path quickFolder(const std::string& name);
+
 /// The files of a folder: their contents by name.
 using Disk = std::map<std::string, std::string>;
 
@@ -27,7 +30,7 @@ struct StoreOperation {
   std::string name;
   Disk disk;         ///< what is there before
   std::string file;  ///< which one it changes; empty when none
-  std::function<void(const std::filesystem::path& folder)> run;
+  std::function<std::string(const std::filesystem::path& folder)> run;  ///< gives what it read
 };
 
 /// Every operation that takes the path of a catalogue file, on a store made from JSON, a store with
