@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <chrono>
+
 #include "catalogue/file_error.hpp"
 #include "catalogue/store/file_beside.hpp"
 #include "catalogue/store/write_lock.hpp"
@@ -25,14 +27,15 @@ void LockedStore::open() {
 }
 
 void LockedStore::lock(const std::function<void()>& whileWaiting) {
+  using namespace std::chrono;
+  const auto end = steady_clock::now() + milliseconds(WriteLock::waitingMilliseconds);
   begin(whileWaiting);
-  if (database_->text("PRAGMA journal_mode") == "wal") {
-    // That an unfinished change was undone has brought this to light.
+  // An unfinished change that was undone may have brought this to light, or another program has
+  // been quicker.
+  while (database_->text("PRAGMA journal_mode") == "wal") {
+    if (steady_clock::now() > end) failFor(shownAs_, "is in use by another program");
     database_->run("ROLLBACK");
     begin(whileWaiting);
-  }
-  if (database_->text("PRAGMA journal_mode") == "wal") {
-    failFor(shownAs_, "is in use by another program");
   }
   expectInPlace();
 }
