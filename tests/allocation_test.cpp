@@ -1,86 +1,43 @@
-// Lets every single allocation of a question fail once.
+// Lets every single allocation of a question fail, and all after it.
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <cstdlib>
 #include <functional>
-#include <limits>
 #include <new>
 
+#include "support/failing_allocations.hpp"
 #include "support/test_repository.hpp"
-
-namespace {
-
-constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-
-thread_local std::size_t allocationsLeft = unlimited;
-
-/// Whether this allocation is the one to fail.
-bool failsNow() {
-  return allocationsLeft != unlimited && allocationsLeft-- == 0;
-}
-
-void* allocate(std::size_t size, std::size_t alignment) {
-  if (failsNow()) {
-    allocationsLeft = unlimited;  // what is done about a failure may allocate
-    throw std::bad_alloc();
-  }
-  const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-  if (void* memory = std::aligned_alloc(alignment, rounded)) return memory;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-// Where it inlines, g++ takes the pairs below for mismatched.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-
-void* operator new(std::size_t size) {
-  return allocate(size, alignof(std::max_align_t));
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
-  std::free(memory);
-}
 
 namespace test {
 namespace {
 
 using Ask = std::function<std::string(TestRepository&)>;
 
-/// Asks afresh with the k-th allocation failing, for every k, and then again.
-void failAtEachAllocation(const std::string& catalogue, const Ask& ask) {
+/// Asks afresh with the k-th allocation failing, or all from there on, for every k, and then again.
+void failAtEachAllocation(const std::string& catalogue, const Ask& ask, bool persists) {
   TestRepository untroubled(catalogue);
   const std::string expected = ask(untroubled);
   EXPECT_NE(expected, "none");
   for (std::size_t k = 0;; ++k) {
-    SCOPED_TRACE("allocation " + std::to_string(k));
+    SCOPED_TRACE("allocation " + std::to_string(k) + (persists ? " and all after it" : ""));
     TestRepository repository(catalogue);
     repository.isNoting = false;
-    allocationsLeft = k;
+    FailingAllocations failing(k, persists);
     try {
       const std::string answer = ask(repository);
-      const bool isOver = allocationsLeft != unlimited;
-      allocationsLeft = unlimited;
+      failing.end();
       EXPECT_EQ(answer, expected);
-      ASSERT_TRUE(isOver) << "a failure was swallowed";
+      ASSERT_FALSE(failing.hasFailed()) << "a failure was swallowed";
       EXPECT_GT(k, 20U);
       return;
     } catch (const std::bad_alloc&) {
+      failing.end();
       ASSERT_EQ(ask(repository), expected);
     }
   }
+}
+
+void failAtEachAllocation(const std::string& catalogue, const Ask& ask) {
+  for (const bool persists : {false, true}) failAtEachAllocation(catalogue, ask, persists);
 }
 
 TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {

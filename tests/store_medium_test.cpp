@@ -27,14 +27,14 @@ class ReadOnlyMedium : public FileCallWatch {
   }
 };
 
-const StoreOperation& operationOf(const std::string& name) {
-  const auto& all = storeOperations();
+StoreOperation operationOf(const std::string& name) {
+  const auto all = storeOperations();
   return *std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.name == name; });
 }
 
 TEST(StoreMedium, IsReadAsElsewhereAlsoThroughALink) {
   for (const char* name : {"asking", "asking, written ahead", "drafts and selections"}) {
-    const StoreOperation& operation = operationOf(name);
+    const StoreOperation operation = operationOf(name);
     writeDisk(operation.disk, folder);
     const std::string answer = operation.run(folder);
     writeDisk(operation.disk, folder);

@@ -106,14 +106,15 @@ std::string draftOf(const std::filesystem::path& file) {
 /// Makes the files that the operations begin with.
 class Originals : public StoreFolder {
  public:
-  Originals() {
+  explicit Originals(CatalogueSize size) {
+    const std::string last = size == CatalogueSize::Small ? "3" : "60";
     TestRepository small("A1..3 B1:A[1,3) B2 A1>2 A2>3");
     CatalogueContent withQuestion = contentOf(small);
     withQuestion.question = Question{selection("A1"), selection("A3")};
     make("old", withQuestion);
-    TestRepository large("C1..60 D1:C[1,9) D2..60:C3 C1>2 D1>2");
+    TestRepository large("C1.." + last + " D1:C[1,9) D2.." + last + ":C3 C1>2 D1>2");
     make("new", contentOf(large));
-    TestRepository more("A4..60 E1..60:A[2,50) A3>4 E1>2");
+    TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E1>2");
     make("more", contentOf(more), false);
     StoreSuccessor(path("m.store"), StoreSuccessor::Content::None, formerForm()).takePlace();
     writeAhead();
@@ -146,7 +147,7 @@ class Originals : public StoreFolder {
     PlainDatabase database(path("torn"));
     database.run(
         "PRAGMA cache_size = 1; PRAGMA cache_spill = 1; BEGIN; UPDATE metamodels SET version = 'x';"
-        "CREATE TABLE more AS SELECT * FROM metamodels a, metamodels b LIMIT 1000");
+        "CREATE TABLE more (content); INSERT INTO more VALUES (zeroblob(100000))");
     for (const std::string name : {"torn", "torn-journal"}) bytes_["kept " + name] = read(name);
   }
 
@@ -181,8 +182,10 @@ std::string makeMistakes(const FilePath& folder) {
   return "";
 }
 
-std::vector<StoreOperation> makeOperations() {
-  const Originals originals;
+}  // namespace
+
+std::vector<StoreOperation> storeOperations(CatalogueSize size) {
+  const Originals originals(size);
   const auto import = [](const FilePath& folder) {
     return textOf(importCatalogue(folder / "new.json", folder / "x.store"));
   };
@@ -235,8 +238,6 @@ std::vector<StoreOperation> makeOperations() {
   };
 }
 
-}  // namespace
-
 FilePath quickFolder(const std::string& name) {
   const FilePath memory = "/dev/shm";
   const FilePath parent =
@@ -270,11 +271,6 @@ std::string contentOf(const FilePath& file) {
   const auto [entry, isNew] = known.try_emplace(bytes);
   if (isNew) entry->second = contentOfDatabase(file);
   return entry->second;
-}
-
-const std::vector<StoreOperation>& storeOperations() {
-  static const std::vector<StoreOperation> operations = makeOperations();
-  return operations;
 }
 
 const SqliteSchema& formerForm() {

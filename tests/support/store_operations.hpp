@@ -34,8 +34,10 @@ struct StoreOperation {
 };
 
 /// Every operation that takes the path of a catalogue file, on a store made from JSON, a store with
-/// changes that are only in SQLite's file beside it, and JSON.
-const std::vector<StoreOperation>& storeOperations();
+/// changes that are only in SQLite's file beside it, and JSON. Large catalogues take SQLite several
+/// levels of pages.
+enum class CatalogueSize { Small, Large };
+std::vector<StoreOperation> storeOperations(CatalogueSize size = CatalogueSize::Large);
 
 /// The first and the second version of a form of stores, which has nothing to do with catalogues.
 const tarn::evolution::catalogue::SqliteSchema& formerForm();
