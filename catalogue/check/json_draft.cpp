@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "catalogue/check/json_pieces.hpp"
 #include "catalogue/json_file.hpp"
+#include "catalogue/json_pieces.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -59,7 +59,7 @@ class DraftReader : public JsonPieceReceiver {
 
   void receiveOtherRoot(JsonValue value) override {
     hasOtherRoot_ = true;
-    find(FindingCode::WrongType, Place{}, "must be an object, not " + value.kindText());
+    find(FindingCode::WrongType, Place{}, value.isNot("an object"));
   }
 
   CatalogueDraft finish(const std::string& syntaxError) {
@@ -97,7 +97,7 @@ class DraftReader : public JsonPieceReceiver {
 
   bool expect(const Spot& spot, Kind kind, const std::string& wanted) {
     if (spot.value.kind == kind) return true;
-    find(FindingCode::WrongType, spot, "must be " + wanted + ", not " + spot.value.kindText());
+    find(FindingCode::WrongType, spot, spot.value.isNot(wanted));
     return false;
   }
 

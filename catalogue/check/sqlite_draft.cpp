@@ -14,8 +14,8 @@ using Rows = SqliteStatement::Rows;
 
 namespace {
 
-// What the schema's CHECK constraints say is looked at here: SQLite itself does so only where it may
-// write.
+// What the schema's CHECK constraints say is looked at here: SQLite itself does so only where it
+// may write.
 
 /// A range as it stands in the three columns from `column` on; reversed ones are refused, but for
 /// that of a single version whose upper bound has wrapped.
@@ -61,9 +61,10 @@ class SqliteDraftReader {
 
   void readTables() {
     readMetamodels();
-    SqliteStatement hops(database_,
-                         "SELECT position, names.name, source, target, hops.name, expensive FROM hops "
-                         "LEFT JOIN names ON names.id = hops.name ORDER BY position");
+    SqliteStatement hops(
+        database_,
+        "SELECT position, names.name, source, target, hops.name, expensive FROM hops "
+        "LEFT JOIN names ON names.id = hops.name ORDER BY position");
     auto rows = hops.query();
     while (rows.next()) readHop(rows);
     readQuestion();
