@@ -168,6 +168,28 @@ TEST_F(StoreProcesses, OtherProgramsAndThisOneLoseNoChange) {
   }
 }
 
+TEST_F(StoreProcesses, WhatOthersHaveMadeOfAStoreStays) {
+  HostProgram other;
+  std::size_t count = smallCount;
+  for (const char* statements :
+       {"PRAGMA page_size = 512; VACUUM", "PRAGMA auto_vacuum = FULL; VACUUM",
+        "PRAGMA journal_mode = PERSIST; DELETE FROM question", "ANALYZE",
+        "CREATE TABLE notes (text); INSERT INTO notes VALUES ('mine')"}) {
+    EXPECT_FALSE(isError(other.tell("sql" + at("x.store") + " " + statements), "")) << statements;
+    other.tell("unsql");
+    makeOne("one.json", "N" + std::to_string(++count));
+    addToStore(path("x.store"), path("one.json"));
+    EXPECT_EQ(soundCount("x.store"), count) << statements;
+    EXPECT_EQ(other.tell("sql" + at("x.store") + " PRAGMA integrity_check"), "ok");
+    other.tell("unsql");
+    EXPECT_EQ(files(), (std::set<std::string>{"one.json", "x.json", "x.store"})) << statements;
+  }
+  EXPECT_EQ(other.tell("sql" + at("x.store") + " SELECT text FROM notes"), "mine");
+  EXPECT_EQ(
+      catalogueErrorOf(path("x.store"), [&] { importCatalogue(path("x.json"), path("x.store")); }),
+      "holds a table of another program, notes; it is left alone");
+}
+
 TEST_F(StoreProcesses, AReaderWithFewerRightsIsInNobodysWay) {
   constexpr unsigned ownerId = 65533;  // whoever that is
   const auto become = [](HostProgram& host, unsigned user) {

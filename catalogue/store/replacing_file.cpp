@@ -27,8 +27,12 @@ std::filesystem::path resolved(const std::filesystem::path& given) {
                           ? std::filesystem::canonical(file, error)  // which says what is wrong
                           : std::filesystem::canonical(file.parent_path(), error);
   if (error) failFor(given, "cannot be written: " + error.message());
-  if (!file.has_filename() || std::filesystem::is_directory(file, error)) {
+  const auto status = std::filesystem::status(file, error);
+  if (!file.has_filename() || std::filesystem::is_directory(status)) {
     failFor(given, "is a directory, not a file");
+  }
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    failFor(given, "is no regular file; it is left alone");
   }
   return folder / file.filename();
 }
@@ -138,7 +142,7 @@ void ReplacingFile::replaceTarget() {
 /// has removed, must be certain before the new file comes.
 void ReplacingFile::removeBesideTarget() {
   for (const auto& file : allBeside(target_)) {
-    if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(errno);
+    if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(file, errno);
   }
   if (const int error = syncFolderOf(target_); error != 0) failToWrite(error);
 }
@@ -152,6 +156,12 @@ void ReplacingFile::move() {
 
 void ReplacingFile::failToWrite(int error) const {
   failFor(given_, "cannot be written: " + std::generic_category().message(error));
+}
+
+/// The same for what lies beside it.
+void ReplacingFile::failToWrite(const std::filesystem::path& beside, int error) const {
+  failFor(given_,
+          "cannot be written: " + beside.string() + ": " + std::generic_category().message(error));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -57,6 +57,7 @@ class ReplacingFile {
   void removeBesideTarget();
   void move();
   [[noreturn]] void failToWrite(int error) const;
+  [[noreturn]] void failToWrite(const std::filesystem::path& beside, int error) const;
 
   std::filesystem::path given_;
   Kind kind_;

@@ -347,7 +347,11 @@ std::string_view SqliteStatement::Rows::bytes(int column) const {
   sqlite3_stmt* const handle = statement_->handle_.get();
   const void* data =
       isText(column) ? sqlite3_column_text(handle, column) : sqlite3_column_blob(handle, column);
-  if (data == nullptr) return {};
+  if (data == nullptr) {
+    // Which there is no other way to be told of.
+    if ((statement_->database_->lastError() & 0xff) == SQLITE_NOMEM) throw std::bad_alloc();
+    return {};
+  }
   return {static_cast<const char*>(data),
           static_cast<std::size_t>(sqlite3_column_bytes(handle, column))};
 }

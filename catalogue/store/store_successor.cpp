@@ -62,7 +62,7 @@ void StoreSuccessor::lockReplaced(const SqliteSchema& form,
 }
 
 void StoreSuccessor::begin() {
-  if (!database_) database_ = std::make_unique<SqliteDatabase>(file_.path(), Access::Build, given_);
+  database_ = std::make_unique<SqliteDatabase>(file_.path(), Access::Build, given_);
   transaction_.emplace(*database_, Kind::Write);
 }
 
@@ -70,9 +70,11 @@ void StoreSuccessor::copyOld(const SqliteSchema& form, const StoreProgress& prog
   SqliteDatabase source(file_.target(), Access::Read, given_);
   const SqliteTransaction snapshot(source, Kind::Read);
   const bool isPresent = form.check(source);
-  database_ = std::make_unique<SqliteDatabase>(file_.path(), Access::Build, given_);
-  source.copyTo(*database_, progress);
-  begin();
+  {
+    SqliteDatabase copy(file_.path(), Access::Build, given_);
+    source.copyTo(copy, progress);
+  }
+  begin();  // anew, for the copy may be laid out in another way
   if (!isPresent) form.migrate(*database_);
 }
 

@@ -15,7 +15,7 @@ thread_local bool isMet = false;
 
 }  // namespace
 
-FailingAllocations::FailingAllocations(std::size_t first, bool persists) {
+FailingAllocations::FailingAllocations(std::size_t first, bool persists) : first_(first) {
   left = first;
   isPersistent = persists;
   isMet = false;
@@ -27,6 +27,10 @@ void FailingAllocations::end() {
 
 bool FailingAllocations::hasFailed() const {
   return isMet;
+}
+
+std::size_t FailingAllocations::count() const {
+  return first_ - left;
 }
 
 bool FailingAllocations::failsNow() {

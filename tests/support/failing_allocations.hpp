@@ -15,10 +15,14 @@ class FailingAllocations {
   ~FailingAllocations() { end(); }
 
   void end();
-  bool hasFailed() const;  ///< also after its end
+  bool hasFailed() const;     ///< also after its end
+  std::size_t count() const;  ///< of allocations so far, if none has failed
 
   /// Whether the allocation that is about to be made is to fail; for other allocators, too.
   static bool failsNow();
+
+ private:
+  const std::size_t first_;
 };
 
 }  // namespace test

@@ -12,6 +12,7 @@
 #include "catalogue/check/open_draft.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/printed_text.hpp"
 #include "catalogue/selection_file.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_snapshot.hpp"
@@ -89,7 +90,7 @@ std::string everythingIn(const std::filesystem::path& file) {
     for (const auto& metamodel : repository->listMetamodels(name)) {
       std::vector<Hop> hops;
       repository->findHops(name, metamodel.descriptor.version, hops);
-      text += printed(metamodel.descriptor) + " " + std::to_string(hops.size()) + "\n";
+      text += textOf(metamodel.descriptor) + " " + std::to_string(hops.size()) + "\n";
     }
   }
   return text + std::to_string(repository->getQuestion().has_value());
@@ -103,17 +104,30 @@ std::string draftOf(const std::filesystem::path& file) {
   return std::to_string(draft.metamodels.size()) + " " + std::to_string(draft.hops.size()) + "\n";
 }
 
+/// What the repository holds and something whose texts take memory of their own.
+CatalogueContent withLongTexts(TestRepository& repository) {
+  CatalogueContent content = contentOf(repository);
+  const std::u16string name = u"a metamodel with \u00e4 name that is longer than most";
+  const std::u16string text = u"a version that is named rather than numbered";
+  const std::uint64_t number = 1'000'000'000'000'000;
+  content.metamodels.push_back({Metamodel(name, text, {}), SemVer{number, number, number}});
+  content.metamodels.push_back(
+      {Metamodel(name, SemVer{number, number, number + 1}, {{name, text}}), std::nullopt});
+  content.hops.emplace_back(name, text, SemVer{number, number, number + 1}, false);
+  return content;
+}
+
 /// Makes the files that the operations begin with.
 class Originals : public StoreFolder {
  public:
   explicit Originals(CatalogueSize size) {
     const std::string last = size == CatalogueSize::Small ? "3" : "60";
     TestRepository small("A1..3 B1:A[1,3) B2 A1>2 A2>3");
-    CatalogueContent withQuestion = contentOf(small);
+    CatalogueContent withQuestion = withLongTexts(small);
     withQuestion.question = Question{selection("A1"), selection("A3")};
     make("old", withQuestion);
     TestRepository large("C1.." + last + " D1:C[1,9) D2.." + last + ":C3 C1>2 D1>2");
-    make("new", contentOf(large));
+    make("new", withLongTexts(large));
     TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E1>2");
     make("more", contentOf(more), false);
     StoreSuccessor(path("m.store"), StoreSuccessor::Content::None, formerForm()).takePlace();
