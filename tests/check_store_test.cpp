@@ -8,9 +8,9 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/check/check.hpp"
 #include "catalogue/check/open_draft.hpp"
-#include "catalogue/store/sqlite_database.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "support/catalogue_json.hpp"
+#include "support/plain_database.hpp"
 
 namespace test {
 namespace {
@@ -38,9 +38,9 @@ class StoreCheck : public testing::Test {
   /// What is found after these statements, run without regard to what the schema demands.
   std::string findingsAfter(const std::string& statements) const {
     renew();
-    SqliteDatabase database(store_, SqliteDatabase::Access::Edit);
-    database.run("PRAGMA foreign_keys = OFF; PRAGMA ignore_check_constraints = ON");
-    database.run(statements.c_str());
+    const std::string outcome =
+        PlainDatabase(store_).run("PRAGMA ignore_check_constraints = ON; " + statements);
+    EXPECT_EQ(outcome, "");
     std::string result;
     for (const Finding& finding : check(readDraft(store_))) {
       if (severityOf(finding.code) == Severity::Note) continue;

@@ -4,10 +4,10 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/store/sqlite_database.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "platform/exception.hpp"
+#include "support/plain_database.hpp"
 #include "support/random_cases.hpp"
 #include "support/store_folder.hpp"
 
@@ -15,7 +15,6 @@ namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
-using Access = SqliteDatabase::Access;
 
 using DamagedStore = StoreFolder;
 
@@ -42,10 +41,9 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
   make("good", contentOf(held));
   const auto changed = [&](const std::string& name, const char* statements) {
     std::filesystem::copy_file(path("good.store"), path(name));
-    SqliteDatabase(path(name), Access::Edit).run(statements);
+    EXPECT_EQ(PlainDatabase(path(name)).run(statements), "");
   };
-  write("foreign", "");
-  SqliteDatabase(path("foreign"), Access::Build).run("CREATE TABLE addresses (name TEXT)");
+  PlainDatabase(path("foreign")).run("CREATE TABLE addresses (name TEXT)");
   changed("newer", "PRAGMA user_version = 2");
   changed("formless", "PRAGMA user_version = 0");
   changed("tableless", "DROP TABLE hops");

@@ -10,8 +10,6 @@
 #include <string_view>
 #include <variant>
 
-#include "tarn_evolution_catalogue_export.hpp"
-
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -27,7 +25,7 @@ using SqliteValue = std::variant<std::nullptr_t, std::int64_t, std::string, Pack
 /// thrown as a CatalogueError that names the file.
 ///
 /// Not for use by two threads at once. Statements must not outlive their database.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
+class SqliteDatabase {
  public:
   enum class Access {
     Read,   ///< changes nothing; also where nothing can be written. Work is limited.
@@ -105,11 +103,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
 };
 
 /// A prepared statement.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
+class SqliteStatement {
  public:
   /// The rows that a statement gives, one at a time; ends the statement when it goes. Columns count
   /// from 0, and texts last until the next row.
-  class TARN_EVOLUTION_CATALOGUE_EXPORT Rows {
+  class Rows {
    public:
     explicit Rows(SqliteStatement& statement) : statement_(&statement) {}
     Rows(const Rows&) = delete;
@@ -175,7 +173,7 @@ class SqliteWatch {
 };
 
 /// Rolled back when it goes, unless it was committed.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteTransaction {
+class SqliteTransaction {
  public:
   enum class Kind { Read, Write };
 

@@ -1,6 +1,5 @@
 #include "support/store_operations.hpp"
 
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -18,6 +17,7 @@
 #include "catalogue/store/store_snapshot.hpp"
 #include "catalogue/store/store_successor.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "support/plain_database.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
@@ -33,35 +33,6 @@ std::string bytesOf(const FilePath& file) {
   bytes << std::ifstream(file, std::ios::binary).rdbuf();
   return bytes.str();
 }
-
-/// A connection of somebody who knows nothing of stores.
-class PlainDatabase {
- public:
-  explicit PlainDatabase(const FilePath& file) {
-    sqlite3_open(file.c_str(), &handle_);
-    sqlite3_busy_timeout(handle_, 1000);
-  }
-  PlainDatabase(const PlainDatabase&) = delete;
-  PlainDatabase& operator=(const PlainDatabase&) = delete;
-  ~PlainDatabase() { sqlite3_close(handle_); }
-
-  /// All values that the statements give; what went wrong instead.
-  std::string run(const std::string& statements) {
-    std::string values;
-    const auto add = [](void* to, int count, char** texts, char** /*names*/) {
-      for (int i = 0; i < count; ++i) {
-        *static_cast<std::string*>(to) +=
-            (texts[i] == nullptr ? "NULL" : texts[i]) + std::string(i + 1 < count ? "|" : "\n");
-      }
-      return 0;
-    };
-    const int code = sqlite3_exec(handle_, statements.c_str(), add, &values, nullptr);
-    return code == SQLITE_OK ? values : std::string("error: ") + sqlite3_errmsg(handle_);
-  }
-
- private:
-  sqlite3* handle_ = nullptr;
-};
 
 std::string contentOfDatabase(const FilePath& file) {
   PlainDatabase database(file);
