@@ -47,16 +47,20 @@ TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {
     for (const auto& variant : variants) names += printed(variant->linkedMetamodels.size());
     return names;
   });
-  const auto combine = [](TestRepository& repository) {
-    return describe(repository.combine(selection("A1 C1")));
+  const auto combine = [selected = selection("A1 C1")](TestRepository& repository) {
+    return describe(repository.combine(selected));
   };
   failAtEachAllocation("B1..3 A1:B[1,4) C1:B[2,4)", combine);
   const auto path = [](const std::string& from, const std::string& to) {
-    return [=](TestRepository& repository) {
-      return describe(repository.findPath(selection(from), selection(to)));
+    return [from = selection(from), to = selection(to)](TestRepository& repository) {
+      return describe(repository.findPath(from, to));
     };
   };
   failAtEachAllocation("A1..3 B1:A[1,3) B2:A[2,4) B1>2", path("A1 B1", "A3 B2"));
+  // Texts that take memory of their own.
+  const std::string text = "a-version-that-is-named-rather-than-numbered";
+  failAtEachAllocation("A1 A" + text + "~2 B1:A1 B2:A" + text + " A1>" + text + " B1>2",
+                       path("A1 B1", "A" + text + " B2"));
   // More combinations than are tried one by one.
   failAtEachAllocation(
       "A1..2 B1..3 C1..2 D1..2 E1..2 F1..2 G1..2 H1..2 I1..2 J1..2 K1:A1 K2:A2+L1 K1>2 L1",

@@ -131,7 +131,7 @@ class SqliteStatement {
   template <class... Values>
   Rows query(const Values&... values) {
     int parameter = 0;
-    (bind(++parameter, SqliteValue(values)), ...);
+    (bind(++parameter, values), ...);
     start();
     return Rows(*this);
   }
