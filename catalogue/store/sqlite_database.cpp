@@ -72,6 +72,7 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, Access access,
       break;
     case Access::Edit:
       open(SQLITE_OPEN_READWRITE);
+      limitWork();
       break;
     case Access::Build:
       open(SQLITE_OPEN_READWRITE | (file == inMemory ? SQLITE_OPEN_MEMORY : SQLITE_OPEN_NOFOLLOW));

@@ -29,7 +29,7 @@ class SqliteDatabase {
  public:
   enum class Access {
     Read,   ///< changes nothing; also where nothing can be written. Work is limited.
-    Edit,   ///< to change the file in its place
+    Edit,   ///< to lock the file, or change it in its place. Work is limited.
     Build,  ///< to fill a file that nobody else knows of: after a change that fails it is of no use
   };
 
