@@ -11,6 +11,7 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "catalogue/utf16.hpp"
 #include "stopwatch.hpp"
@@ -90,12 +91,13 @@ int main(int argc, char** argv) {
   Question question;
   CLI::App* read = program.add_subcommand("read", "Read the JSON form into memory");
   CLI::App* import = program.add_subcommand("import", "Make the store");
+  CLI::App* add = program.add_subcommand("add", "Add the JSON form to the store");
   CLI::App* ask =
       program.add_subcommand("ask", "Ask for the way of one family to its last versions");
-  for (CLI::App* command : {read, import, ask}) {
+  for (CLI::App* command : {read, import, add, ask}) {
     command->add_option("json", json, "As scripts/make_large_catalogue.py makes it")->required();
   }
-  for (CLI::App* command : {import, ask}) command->add_option("store", store)->required();
+  for (CLI::App* command : {import, add, ask}) command->add_option("store", store)->required();
   ask->add_option("family", question.family, "Its number")->required();
   ask->add_option("last", question.last, "The last of its versions")->required();
   CLI11_PARSE(program, argc, argv);
@@ -104,6 +106,8 @@ int main(int argc, char** argv) {
       std::cout << measureOnce([&] { catalogue::openCatalogue(json); });
     } else if (*import) {
       std::cout << measureOnce([&] { catalogue::importCatalogue(json, store); });
+    } else if (*add) {
+      std::cout << measureOnce([&] { catalogue::addToStore(store, json); });
     } else {
       std::cout << measureQuestion(json, store, question);
     }

@@ -1,9 +1,9 @@
 #include "catalogue/json_catalogue.hpp"
 
-#include <fstream>
+#include <istream>
 #include <utility>
 
-#include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_file.hpp"
 #include "catalogue/json_stream.hpp"
 #include "catalogue/json_writer.hpp"
 
@@ -31,12 +31,7 @@ Catalogue readJsonCatalogue(std::istream& in) {
 }
 
 Catalogue readJsonCatalogue(const std::filesystem::path& file) {
-  try {
-    std::ifstream in = openForReading(file);
-    return readJsonCatalogue(in);
-  } catch (const CatalogueError& error) {
-    throw error.inFile(file.string());
-  }
+  return readJsonFile(file, [](std::istream& in) { return readJsonCatalogue(in); });
 }
 
 void writeJsonCatalogue(const CatalogueContent& content, std::ostream& out) {

@@ -1,6 +1,7 @@
 #include "catalogue/json_rows.hpp"
 
 #include <initializer_list>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -10,31 +11,14 @@
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::json;
+using Kind = JsonValue::Kind;
 
 namespace {
-
-std::string kindOf(const json& value) {
-  switch (value.type()) {
-    case json::value_t::null:
-      return "null";
-    case json::value_t::object:
-      return "an object";
-    case json::value_t::array:
-      return "an array";
-    case json::value_t::string:
-      return "a text";
-    case json::value_t::boolean:
-      return "true or false";
-    default:
-      return "a number";
-  }
-}
 
 /// A value of the document together with its place in it.
 class Value {
  public:
-  Value(const json& node, std::string place) : node_(node), place_(std::move(place)) {}
+  Value(const JsonValue& node, std::string place) : node_(node), place_(std::move(place)) {}
 
   [[noreturn]] void fail(const std::string& reason) const { throw CatalogueError(place_, reason); }
 
@@ -45,30 +29,31 @@ class Value {
   }
 
   std::optional<Value> optionalField(const std::string& name) const {
-    const auto found = node_.find(name);
-    if (found == node_.end()) return std::nullopt;
-    return Value(*found, place_ + "/" + name);
+    for (const JsonValue& child : node_.children) {
+      if (child.key == name) return Value(child, place_ + "/" + name);
+    }
+    return std::nullopt;
   }
 
-  /// Checks that this is an object without fields of other names.
+  /// Checks that this is an object without fields of other names, and with none that stands twice.
   void expectFields(std::initializer_list<const char*> names) const {
-    expect(node_.is_object(), "an object");
+    expectUnique();
     const std::set<std::string> known(names.begin(), names.end());
-    for (const auto& [name, value] : node_.items()) {
-      if (!known.contains(name)) fail("there is no field \"" + name + "\" here");
+    for (const JsonValue& child : node_.children) {
+      if (!known.contains(child.key)) fail("there is no field \"" + child.key + "\" here");
     }
   }
 
-  bool isArray() const { return node_.is_array(); }
+  bool isArray() const { return node_.kind == Kind::Array; }
 
   bool asBool() const {
-    expect(node_.is_boolean(), "true or false");
-    return node_.get<bool>();
+    expect(Kind::Boolean, "true or false");
+    return node_.isTrue;
   }
 
   const std::string& asText() const {
-    expect(node_.is_string(), "a text");
-    return node_.get_ref<const std::string&>();
+    expect(Kind::Text, "a text");
+    return node_.text;
   }
 
   /// What `parse` makes of the text; its std::invalid_argument becomes an error with a place.
@@ -88,31 +73,42 @@ class Value {
   }
 
   std::vector<Value> elements() const {
-    expect(node_.is_array(), "an array");
+    expect(Kind::Array, "an array");
     std::vector<Value> result;
-    result.reserve(node_.size());
-    for (std::size_t i = 0; i < node_.size(); ++i) {
-      result.emplace_back(node_[i], place_ + "/" + std::to_string(i));
+    result.reserve(node_.children.size());
+    for (const JsonValue& child : node_.children) {
+      result.emplace_back(child, place_ + "/" + std::to_string(result.size()));
     }
     return result;
   }
 
   /// The entries of an object that maps names to values, with the names as they stand.
   std::vector<std::pair<std::string, Value>> entries() const {
-    expect(node_.is_object(), "an object");
+    expectUnique();
     std::vector<std::pair<std::string, Value>> result;
-    for (const auto& [name, value] : node_.items()) {
-      result.emplace_back(name, Value(value, (json::json_pointer(place_) / name).to_string()));
+    for (const JsonValue& child : node_.children) {
+      const json_pointer place = json_pointer(place_) / child.key;
+      result.emplace_back(child.key, Value(child, place.to_string()));
     }
     return result;
   }
 
  private:
-  void expect(bool holds, const std::string& wanted) const {
-    if (!holds) fail(wrongKind(node_, wanted));
+  using json_pointer = nlohmann::json::json_pointer;
+
+  void expect(Kind kind, const std::string& wanted) const {
+    if (node_.kind != kind) fail(node_.isNot(wanted));
   }
 
-  const json& node_;
+  void expectUnique() const {
+    expect(Kind::Object, "an object");
+    std::set<std::string> met;
+    for (const JsonValue& child : node_.children) {
+      if (!met.insert(child.key).second) fail("the field \"" + child.key + "\" stands twice");
+    }
+  }
+
+  const JsonValue& node_;
   std::string place_;
 };
 
@@ -172,20 +168,16 @@ Question readQuestion(const Value& value) {
 
 }  // namespace
 
-CatalogueMetamodel readMetamodelRow(const json& value, const std::string& place) {
+CatalogueMetamodel readMetamodelRow(const JsonValue& value, const std::string& place) {
   return readMetamodel(Value(value, place));
 }
 
-pathfinder::Hop readHopRow(const json& value, const std::string& place) {
+pathfinder::Hop readHopRow(const JsonValue& value, const std::string& place) {
   return readHop(Value(value, place));
 }
 
-Question readQuestionRow(const json& value, const std::string& place) {
+Question readQuestionRow(const JsonValue& value, const std::string& place) {
   return readQuestion(Value(value, place));
-}
-
-std::string wrongKind(const json& value, const std::string& wanted) {
-  return "must be " + wanted + ", not " + kindOf(value);
 }
 
 }  // namespace tarn::evolution::catalogue

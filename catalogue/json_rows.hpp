@@ -1,19 +1,16 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/json_pieces.hpp"
 
 /// The rows of a catalogue in JSON. Everything here throws CatalogueError for a value of another
 /// form; `place` is where the value stands, a JSON pointer.
 namespace tarn::evolution::catalogue {
 
-CatalogueMetamodel readMetamodelRow(const nlohmann::json& value, const std::string& place);
-pathfinder::Hop readHopRow(const nlohmann::json& value, const std::string& place);
-Question readQuestionRow(const nlohmann::json& value, const std::string& place);
-
-/// The reason to give for a value that should have been something else, such as "an array".
-std::string wrongKind(const nlohmann::json& value, const std::string& wanted);
+CatalogueMetamodel readMetamodelRow(const JsonValue& value, const std::string& place);
+pathfinder::Hop readHopRow(const JsonValue& value, const std::string& place);
+Question readQuestionRow(const JsonValue& value, const std::string& place);
 
 }  // namespace tarn::evolution::catalogue

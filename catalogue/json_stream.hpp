@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
 #include <iosfwd>
 #include <string>
 
@@ -16,9 +14,6 @@ namespace tarn::evolution::catalogue {
 /// Throws CatalogueError when the text is not JSON or not of this form; rows before that place have
 /// been handed on by then.
 void streamJsonCatalogue(std::istream& in, CatalogueSink& sink);
-
-/// Opens a file for reading; throws CatalogueError, which does not name the file, when that fails.
-std::ifstream openForReading(const std::filesystem::path& file);
 
 /// The JSON parser's message without its own name in brackets before it.
 std::string withoutPrefix(const std::string& message);

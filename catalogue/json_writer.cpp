@@ -1,27 +1,24 @@
 #include "catalogue/json_writer.hpp"
 
 #include <map>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
+#include "catalogue/dependency_json.hpp"
+#include "catalogue/json_printer.hpp"
 #include "catalogue/printed_text.hpp"
-#include "catalogue/range_json.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::ordered_json;
-
 namespace {
 
-ordered_json selectionToJson(const Selection& selection) {
-  std::map<std::u16string, pathfinder::VersionId> sorted(selection.begin(), selection.end());
-  ordered_json result = ordered_json::object();
-  for (const auto& [name, version] : sorted) {
-    result[fl::i18n::ustring_to_utf8(name)] = textOf(version);
-  }
-  return result;
+using fl::i18n::ustring_to_utf8;
+using Layout = JsonPrinter::Layout;
+
+void writeSelection(JsonPrinter& printer, const Selection& selection) {
+  const std::map<std::u16string, pathfinder::VersionId> sorted(selection.begin(), selection.end());
+  for (const auto& [name, version] : sorted) printer.field(ustring_to_utf8(name), textOf(version));
 }
 
 }  // namespace
@@ -31,34 +28,38 @@ JsonCatalogueWriter::JsonCatalogueWriter(std::ostream& out) : out_(out) {
 }
 
 void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
-  const auto& [descriptor, equivalent] = metamodel;
-  ordered_json row{{"name", fl::i18n::ustring_to_utf8(descriptor.name)},
-                   {"version", textOf(descriptor.version)}};
-  if (equivalent) row["semver"] = textOf(*equivalent);
-  ordered_json& dependencies = row["dependencies"] = ordered_json::array();
-  for (const auto& [name, range] : descriptor.dependencies) {
-    dependencies.push_back(
-        {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeToJson(range)}});
-  }
   beginRow();
-  out_ << row.dump();
+  JsonPrinter printer(out_, Layout::Line);
+  printer.object([&] {
+    const auto& [descriptor, equivalent] = metamodel;
+    printer.field("name", ustring_to_utf8(descriptor.name));
+    printer.field("version", textOf(descriptor.version));
+    if (equivalent) printer.field("semver", textOf(*equivalent));
+    printer.key("dependencies");
+    writeDependencies(printer, descriptor.dependencies);
+  });
 }
 
 void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop) {
   if (!isInHops_) endMetamodels();
-  const ordered_json row{{"name", fl::i18n::ustring_to_utf8(hop.name)},
-                         {"from", textOf(hop.from)},
-                         {"to", textOf(hop.to)},
-                         {"expensive", hop.expensive}};
   beginRow();
-  out_ << row.dump();
+  JsonPrinter printer(out_, Layout::Line);
+  printer.object([&] {
+    printer.field("name", ustring_to_utf8(hop.name));
+    printer.field("from", textOf(hop.from));
+    printer.field("to", textOf(hop.to));
+    printer.field("expensive", hop.expensive);
+  });
 }
 
 void JsonCatalogueWriter::setQuestion(const Question& question) {
   endHops();
-  const ordered_json value{{"from", selectionToJson(question.from)},
-                           {"to", selectionToJson(question.to)}};
-  out_ << ",\n\"question\":" << value.dump();
+  out_ << ",\n\"question\":";
+  JsonPrinter printer(out_, Layout::Line);
+  printer.object([&] {
+    printer.objectField("from", [&] { writeSelection(printer, question.from); });
+    printer.objectField("to", [&] { writeSelection(printer, question.to); });
+  });
 }
 
 void JsonCatalogueWriter::finish() {

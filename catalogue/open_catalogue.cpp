@@ -3,12 +3,12 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
-#include "catalogue/store/sqlite_open.hpp"
+#include "catalogue/store/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 
 std::unique_ptr<BrowsableRepository> openCatalogue(const std::filesystem::path& file) {
-  if (isSqliteFile(file)) return std::make_unique<SqliteCatalogueRepository>(file);
+  if (isDatabase(file)) return std::make_unique<SqliteCatalogueRepository>(file);
   return std::make_unique<CatalogueRepository>(readJsonCatalogue(file));
 }
 

@@ -9,7 +9,8 @@
 namespace tarn::evolution::catalogue {
 
 /// The repository of a catalogue file, the caller's to keep: a `SqliteCatalogueRepository` when the
-/// file begins as a SQLite database does, otherwise a `CatalogueRepository` of the JSON in it.
+/// file is a regular one and begins as a SQLite database does, otherwise a `CatalogueRepository` of
+/// the JSON in it.
 /// Throws CatalogueError, which names the file, when it cannot be read or is unsound.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::unique_ptr<BrowsableRepository> openCatalogue(
     const std::filesystem::path& file);

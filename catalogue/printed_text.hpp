@@ -16,6 +16,7 @@ namespace tarn::evolution::catalogue {
 template <class Value>
 std::string textOf(const Value& value) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   out.imbue(std::locale::classic());
   out << value;
   return out.str();

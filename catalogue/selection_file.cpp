@@ -1,14 +1,16 @@
 #include "catalogue/selection_file.hpp"
 
-#include <fstream>
+#include <istream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/file_error.hpp"
+#include "catalogue/json_file.hpp"
 #include "catalogue/json_stream.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/store/sqlite_header.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -97,9 +99,8 @@ char firstOf(std::istream& in) {
   return first;
 }
 
-/// The selection that the file consists of; none when it is a catalogue.
-std::optional<Selection> readPlainSelection(const std::filesystem::path& file) {
-  std::ifstream in = openForReading(file);
+/// The selection that a text consists of; none when it is a catalogue.
+std::optional<Selection> readPlainSelection(std::istream& in) {
   if (firstOf(in) != '{') return std::nullopt;
   SelectionReader reader;
   json::sax_parse(in, &reader);
@@ -110,10 +111,8 @@ std::optional<Selection> readPlainSelection(const std::filesystem::path& file) {
 }  // namespace
 
 Selection readSelectionFile(const std::filesystem::path& file, QuestionSide side) {
-  try {
-    if (auto selection = readPlainSelection(file)) return *std::move(selection);
-  } catch (const CatalogueError& error) {
-    throw error.inFile(file.string());
+  if (!isDatabase(file)) {
+    if (auto selection = readJsonFile(file, readPlainSelection)) return *std::move(selection);
   }
   const auto question = openCatalogue(file)->getQuestion();
   if (!question) failFor(file, "the catalogue has no question");

@@ -34,6 +34,7 @@ std::ostream& dumpLockstepHop(const LockstepHop& hops, std::ostream& out) {
 
 std::string dumpLockstepHop(const LockstepHop& hops) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   dumpLockstepHop(hops, out);
   return out.str();
 }

@@ -21,6 +21,14 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionId {
   VersionId(std::u16string text) : value_(std::move(text)) {}
   VersionId(const char16_t* text) : value_(std::u16string(text)) {}
 
+  // Copied by alternative: the copy constructor of g++ 12's variant is lost when memory is short.
+  VersionId(const VersionId& other)
+      : value_(other.isSemVer() ? Value(other.getSemVer()) : Value(other.getText())) {}
+  VersionId(VersionId&&) noexcept = default;
+  VersionId& operator=(const VersionId&) = default;
+  VersionId& operator=(VersionId&&) noexcept = default;
+  ~VersionId() = default;
+
   bool isSemVer() const noexcept { return value_.index() == 0; }
 
   /// The semantic version, valid until this object is changed; throws std::bad_variant_access on a
@@ -37,7 +45,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionId {
   bool operator==(const VersionId& other) const;
 
  private:
-  std::variant<SemVer, std::u16string> value_;
+  using Value = std::variant<SemVer, std::u16string>;
+
+  Value value_;
 };
 
 /// Writes a semantic version as "major.minor.patch", a text as its UTF-8 bytes without decoration.
@@ -50,6 +60,14 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRange {
   VersionRange(const SemVerRange& range) : value_(range) {}
   VersionRange(std::u16string text) : value_(std::move(text)) {}
   VersionRange(const char16_t* text) : value_(std::u16string(text)) {}
+
+  // As for VersionId.
+  VersionRange(const VersionRange& other)
+      : value_(other.isSemVerRange() ? Value(other.getSemVerRange()) : Value(other.getText())) {}
+  VersionRange(VersionRange&&) noexcept = default;
+  VersionRange& operator=(const VersionRange&) = default;
+  VersionRange& operator=(VersionRange&&) noexcept = default;
+  ~VersionRange() = default;
 
   /// The narrowest range that includes exactly `id`. The patch of the upper bound wraps: the range
   /// of a version with the largest patch is empty.
@@ -82,7 +100,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRange {
   bool operator==(const VersionRange& other) const;
 
  private:
-  std::variant<SemVerRange, std::u16string> value_;
+  using Value = std::variant<SemVerRange, std::u16string>;
+
+  Value value_;
 };
 
 /// Writes a semantic range as "[lower, upper)", a text as its UTF-8 bytes without decoration.

@@ -1,86 +1,43 @@
-// Lets every single allocation of a question fail once.
+// Lets every single allocation of a question fail, and all after it.
 #include <gtest/gtest.h>
 
-#include <cstddef>
-#include <cstdlib>
 #include <functional>
-#include <limits>
 #include <new>
 
+#include "support/failing_allocations.hpp"
 #include "support/test_repository.hpp"
-
-namespace {
-
-constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-
-thread_local std::size_t allocationsLeft = unlimited;
-
-/// Whether this allocation is the one to fail.
-bool failsNow() {
-  return allocationsLeft != unlimited && allocationsLeft-- == 0;
-}
-
-void* allocate(std::size_t size, std::size_t alignment) {
-  if (failsNow()) {
-    allocationsLeft = unlimited;  // what is done about a failure may allocate
-    throw std::bad_alloc();
-  }
-  const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-  if (void* memory = std::aligned_alloc(alignment, rounded)) return memory;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-// Where it inlines, g++ takes the pairs below for mismatched.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-
-void* operator new(std::size_t size) {
-  return allocate(size, alignof(std::max_align_t));
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  return allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
-  std::free(memory);
-}
 
 namespace test {
 namespace {
 
 using Ask = std::function<std::string(TestRepository&)>;
 
-/// Asks afresh with the k-th allocation failing, for every k, and then again.
-void failAtEachAllocation(const std::string& catalogue, const Ask& ask) {
+/// Asks afresh with the k-th allocation failing, or all from there on, for every k, and then again.
+void failAtEachAllocation(const std::string& catalogue, const Ask& ask, bool persists) {
   TestRepository untroubled(catalogue);
   const std::string expected = ask(untroubled);
   EXPECT_NE(expected, "none");
   for (std::size_t k = 0;; ++k) {
-    SCOPED_TRACE("allocation " + std::to_string(k));
+    SCOPED_TRACE("allocation " + std::to_string(k) + (persists ? " and all after it" : ""));
     TestRepository repository(catalogue);
     repository.isNoting = false;
-    allocationsLeft = k;
+    FailingAllocations failing(k, persists);
     try {
       const std::string answer = ask(repository);
-      const bool isOver = allocationsLeft != unlimited;
-      allocationsLeft = unlimited;
+      failing.end();
       EXPECT_EQ(answer, expected);
-      ASSERT_TRUE(isOver) << "a failure was swallowed";
+      ASSERT_FALSE(failing.hasFailed()) << "a failure was swallowed";
       EXPECT_GT(k, 20U);
       return;
     } catch (const std::bad_alloc&) {
+      failing.end();
       ASSERT_EQ(ask(repository), expected);
     }
   }
+}
+
+void failAtEachAllocation(const std::string& catalogue, const Ask& ask) {
+  for (const bool persists : {false, true}) failAtEachAllocation(catalogue, ask, persists);
 }
 
 TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {
@@ -90,16 +47,20 @@ TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {
     for (const auto& variant : variants) names += printed(variant->linkedMetamodels.size());
     return names;
   });
-  const auto combine = [](TestRepository& repository) {
-    return describe(repository.combine(selection("A1 C1")));
+  const auto combine = [selected = selection("A1 C1")](TestRepository& repository) {
+    return describe(repository.combine(selected));
   };
   failAtEachAllocation("B1..3 A1:B[1,4) C1:B[2,4)", combine);
   const auto path = [](const std::string& from, const std::string& to) {
-    return [=](TestRepository& repository) {
-      return describe(repository.findPath(selection(from), selection(to)));
+    return [from = selection(from), to = selection(to)](TestRepository& repository) {
+      return describe(repository.findPath(from, to));
     };
   };
   failAtEachAllocation("A1..3 B1:A[1,3) B2:A[2,4) B1>2", path("A1 B1", "A3 B2"));
+  // Texts that take memory of their own.
+  const std::string text = "a-version-that-is-named-rather-than-numbered";
+  failAtEachAllocation("A1 A" + text + "~2 B1:A1 B2:A" + text + " A1>" + text + " B1>2",
+                       path("A1 B1", "A" + text + " B2"));
   // More combinations than are tried one by one.
   failAtEachAllocation(
       "A1..2 B1..3 C1..2 D1..2 E1..2 F1..2 G1..2 H1..2 I1..2 J1..2 K1:A1 K2:A2+L1 K1>2 L1",

@@ -149,6 +149,12 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
   const std::string replaced = exported("new.store");
   const std::string grown = exported("grown.store");
   const std::string store = read("old.store");
+<<<<<<< HEAD
+=======
+  write("killed.store", store);
+  const auto all = files();
+  std::mt19937 random(1);
+>>>>>>> stores
   std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
   unsigned killed = 0;
   const RandomRun rounds(50);
@@ -164,6 +170,9 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
     const std::string left = exported("killed.store");
     ASSERT_TRUE(left == before || left == (adds ? grown : replaced))
         << "killed after " << after.count();
+    importCatalogue(path("old.json"), path("killed.store"));
+    EXPECT_EQ(exported("killed.store"), before);
+    EXPECT_EQ(files(), all);
   }
   EXPECT_EQ(killed, rounds.cases());
 }

@@ -3,11 +3,11 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/store/sqlite_schema.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "platform/exception.hpp"
 #include "support/items.hpp"
+#include "support/plain_database.hpp"
 #include "support/random_run.hpp"
 #include "support/store_folder.hpp"
 
@@ -15,7 +15,6 @@ namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
-using Access = SqliteDatabase::Access;
 
 using DamagedStore = StoreFolder;
 
@@ -42,9 +41,9 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
   make("good", contentOf(held));
   const auto changed = [&](const std::string& name, const char* statements) {
     std::filesystem::copy_file(path("good.store"), path(name));
-    SqliteDatabase(path(name), Access::Edit).run(statements);
+    EXPECT_EQ(PlainDatabase(path(name)).run(statements), "");
   };
-  SqliteDatabase(path("foreign"), Access::Create).run("CREATE TABLE addresses (name TEXT)");
+  PlainDatabase(path("foreign")).run("CREATE TABLE addresses (name TEXT)");
   changed("newer", "PRAGMA user_version = 2");
   changed("formless", "PRAGMA user_version = 0");
   changed("tableless", "DROP TABLE hops");
@@ -136,25 +135,6 @@ TEST_F(DamagedStore, IsReplacedByAnImport) {
   write("held.store", good.substr(0, 4096));
   importCatalogue(path("held.json"), path("held.store"));
   EXPECT_EQ(read("held.store"), good);
-}
-
-TEST_F(DamagedStore, MigratesAllOrNothing) {
-  const char* const first = "CREATE TABLE a (x INTEGER); INSERT INTO a VALUES (1), (2)";
-  const char* const second = "ALTER TABLE a ADD COLUMN y INTEGER; UPDATE a SET y = 10 * x";
-  const SqliteSchema old({first});
-  const SqliteSchema present({first, second, "CREATE INDEX a_by_y ON a (y)"});
-  SqliteDatabase database(path("old"), Access::Create);
-  old.create(database);
-  EXPECT_FALSE(present.check(database));
-  const SqliteSchema failing({first, second, "CREATE INDEX a_by_z ON a (z)"});
-  EXPECT_THROW(failing.migrate(database), CatalogueError);
-  EXPECT_TRUE(old.check(database));
-  present.migrate(database);
-  EXPECT_TRUE(present.check(database));
-  EXPECT_EQ(database.number("SELECT sum(y) FROM a"), 30);
-  present.migrate(database);
-  EXPECT_EQ(database.number("SELECT sum(y) FROM a"), 30);
-  EXPECT_THROW(old.check(database), CatalogueError);
 }
 
 }  // namespace

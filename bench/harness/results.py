@@ -70,6 +70,8 @@ class StoreComparison:
     read_peak_bytes: int
     import_seconds: float
     import_peak_bytes: int
+    add_seconds: float  # one version to the store
+    add_peak_bytes: int
     open_seconds: float  # the store
     open_and_ask_seconds: float
     ask_store_seconds: float  # one question alone

@@ -15,7 +15,7 @@ whose peak of memory counts.
 
 MAKING = """
 *Reading* brings the JSON form into memory, as every question to it has to; *importing* makes a
-store of it, once for all questions to come.
+store of it, once for all questions to come. *Adding* one version copies the store.
 """
 
 ASKING = """
@@ -43,6 +43,8 @@ def stores(view: View) -> str:
                 "memory, reading",
                 "memory, importing",
                 "ratio",
+                "adding",
+                "ratio to importing",
             ],
             map(_making, rows),
         ),
@@ -74,6 +76,8 @@ def _making(each: StoreComparison) -> list[str]:
         _mebibytes(each.read_peak_bytes),
         _mebibytes(each.import_peak_bytes),
         times(each.import_peak_bytes / each.read_peak_bytes),
+        duration(each.add_seconds),
+        times(each.add_seconds / each.import_seconds),
     ]
 
 

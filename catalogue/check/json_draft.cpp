@@ -1,15 +1,14 @@
 #include "catalogue/check/json_draft.hpp"
 
 #include <algorithm>
-#include <fstream>
+#include <istream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <utility>
 
-#include "catalogue/catalogue_error.hpp"
-#include "catalogue/check/json_pieces.hpp"
-#include "catalogue/json_stream.hpp"
+#include "catalogue/json_file.hpp"
+#include "catalogue/json_pieces.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -60,7 +59,7 @@ class DraftReader : public JsonPieceReceiver {
 
   void receiveOtherRoot(JsonValue value) override {
     hasOtherRoot_ = true;
-    find(FindingCode::WrongType, Place{}, "must be an object, not " + value.kindText());
+    find(FindingCode::WrongType, Place{}, value.isNot("an object"));
   }
 
   CatalogueDraft finish(const std::string& syntaxError) {
@@ -98,7 +97,7 @@ class DraftReader : public JsonPieceReceiver {
 
   bool expect(const Spot& spot, Kind kind, const std::string& wanted) {
     if (spot.value.kind == kind) return true;
-    find(FindingCode::WrongType, spot, "must be " + wanted + ", not " + spot.value.kindText());
+    find(FindingCode::WrongType, spot, spot.value.isNot(wanted));
     return false;
   }
 
@@ -271,12 +270,7 @@ CatalogueDraft readJsonDraft(std::istream& in) {
 }
 
 CatalogueDraft readJsonDraft(const std::filesystem::path& file) {
-  try {
-    std::ifstream in = openForReading(file);
-    return readJsonDraft(in);
-  } catch (const CatalogueError& error) {
-    throw error.inFile(file.string());
-  }
+  return readJsonFile(file, [](std::istream& in) { return readJsonDraft(in); });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -2,12 +2,12 @@
 
 #include "catalogue/check/json_draft.hpp"
 #include "catalogue/check/sqlite_draft.hpp"
-#include "catalogue/store/sqlite_open.hpp"
+#include "catalogue/store/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 
 CatalogueDraft readDraft(const std::filesystem::path& file) {
-  return isSqliteFile(file) ? readSqliteDraft(file) : readJsonDraft(file);
+  return isDatabase(file) ? readSqliteDraft(file) : readJsonDraft(file);
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/store/sqlite_open.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/store/store_snapshot.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -14,9 +14,15 @@ using Rows = SqliteStatement::Rows;
 
 namespace {
 
+// What the schema's CHECK constraints say is looked at here: SQLite itself does so only where it
+// may write.
+
 /// A range as it stands in the three columns from `column` on; reversed ones are refused, but for
 /// that of a single version whose upper bound has wrapped.
 VersionRange checkedRangeIn(const Rows& rows, int column) {
+  if (!rows.isNull(column) && !(rows.isNull(column + 1) && rows.isNull(column + 2))) {
+    throw std::invalid_argument("there are a version and bounds");
+  }
   VersionRange range = rangeIn(rows, column);
   if (!range.isSemVerRange()) return range;
   const auto& [lower, upper] = range.getSemVerRange();
@@ -34,7 +40,6 @@ class SqliteDraftReader {
 
   CatalogueDraft read() {
     try {
-      const SqliteTransaction transaction(database_, SqliteTransaction::Kind::Read);
       checkIntegrity();
       readTables();
     } catch (const CatalogueError& error) {
@@ -56,9 +61,10 @@ class SqliteDraftReader {
 
   void readTables() {
     readMetamodels();
-    SqliteStatement hops(database_,
-                         "SELECT position, names.name, source, target, hops.name FROM hops "
-                         "LEFT JOIN names ON names.id = hops.name ORDER BY position");
+    SqliteStatement hops(
+        database_,
+        "SELECT position, names.name, source, target, hops.name, expensive FROM hops "
+        "LEFT JOIN names ON names.id = hops.name ORDER BY position");
     auto rows = hops.query();
     while (rows.next()) readHop(rows);
     readQuestion();
@@ -130,10 +136,21 @@ class SqliteDraftReader {
                       [&] { return versionIn(rows, 2); });
     row.to = orFind(FindingCode::BadVersion, draft_.placeOf(row, "to"),
                     [&] { return versionIn(rows, 3); });
+    if (const std::int64_t expensive = rows.number(5); expensive != 0 && expensive != 1) {
+      find(FindingCode::DamagedStore, draft_.placeOf(row, "expensive"), "must be 0 or 1");
+    }
     draft_.hops.push_back(std::move(row));
   }
 
   void readQuestion() {
+    if (database_.number("SELECT count(*) FROM question WHERE id <> 0") > 0) {
+      find(FindingCode::DamagedStore, {"table question", ++count_}, "it has more than one row");
+    }
+    if (database_.number("SELECT count(*) FROM question_versions "
+                         "WHERE question <> 0 OR side NOT IN ('from', 'to')") > 0) {
+      find(FindingCode::DamagedStore, {"table question_versions", ++count_},
+           "a row belongs to no side of the question");
+    }
     if (database_.number("SELECT count(*) FROM question") == 0) return;
     draft_.questionFrom = readSelection("from");
     draft_.questionTo = readSelection("to");
@@ -196,7 +213,8 @@ class SqliteDraftReader {
 }  // namespace
 
 CatalogueDraft readSqliteDraft(const std::filesystem::path& file) {
-  return SqliteDraftReader(*openStoreForReading(file)).read();
+  StoreSnapshot snapshot(file);
+  return SqliteDraftReader(snapshot.database()).read();
 }
 
 }  // namespace tarn::evolution::catalogue

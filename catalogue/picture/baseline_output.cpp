@@ -32,12 +32,12 @@ std::string listMembers(const LinkedByName& members) {
   return list;
 }
 
-nlohmann::ordered_json membersToJson(const LinkedByName& members) {
-  auto object = nlohmann::ordered_json::object();
-  for (const auto& [name, version] : inOrder(members)) {
-    object[fl::i18n::ustring_to_utf8(name)] = version;
-  }
-  return object;
+void writeMembers(JsonPrinter& printer, const LinkedByName& members) {
+  printer.object([&] {
+    for (const auto& [name, version] : inOrder(members)) {
+      printer.field(fl::i18n::ustring_to_utf8(name), version);
+    }
+  });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <unordered_map>
 
+#include "catalogue/json_printer.hpp"
 #include "catalogue/picture/step_text.hpp"
 #include "pathfinder/version_baseline.hpp"
 
@@ -26,10 +26,10 @@ inline std::string listMembers(const pathfinder::VersionBaseline& baseline) {
   return listMembers(baseline.metamodels);
 }
 
-/// {"A": "1.0.0", "B": "2.0.0"}, by ascending name.
-nlohmann::ordered_json membersToJson(const LinkedByName& members);
-inline nlohmann::ordered_json membersToJson(const pathfinder::VersionBaseline& baseline) {
-  return membersToJson(baseline.metamodels);
+/// Writes {"A": "1.0.0", "B": "2.0.0"}, by ascending name.
+void writeMembers(JsonPrinter& printer, const LinkedByName& members);
+inline void writeMembers(JsonPrinter& printer, const pathfinder::VersionBaseline& baseline) {
+  writeMembers(printer, baseline.metamodels);
 }
 
 }  // namespace tarn::evolution::catalogue

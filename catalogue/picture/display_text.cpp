@@ -86,6 +86,7 @@ double widthOf(utf8proc_int32_t codePoint) {
 
 std::string toVisible(std::string_view utf8) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);
   out.imbue(std::locale::classic());
   out << std::hex;
   while (!utf8.empty()) {

@@ -1,78 +1,91 @@
-#include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "catalogue/dependency_json.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/printed_text.hpp"
-#include "catalogue/range_json.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::ordered_json;
 using pathfinder::Hop;
 
 namespace {
 
-ordered_json versionToJson(const VersionDetails& version) {
-  const pathfinder::Metamodel& descriptor = version.metamodel.descriptor;
-  ordered_json json{{"version", textOf(descriptor.version)}};
-  if (version.metamodel.equivalent) json["semver"] = textOf(*version.metamodel.equivalent);
-  json["dependencies"] = ordered_json::array();
-  for (const auto& [name, range] : descriptor.dependencies) {
-    json["dependencies"].push_back(
-        {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeToJson(range)}});
-  }
-  json["hopsIn"] = ordered_json::array();
-  for (const Hop& hop : version.hopsIn) {
-    json["hopsIn"].push_back({{"from", textOf(hop.from)}, {"expensive", hop.expensive}});
-  }
-  json["hopsOut"] = ordered_json::array();
-  for (const Hop& hop : version.hopsOut) {
-    json["hopsOut"].push_back({{"to", textOf(hop.to)}, {"expensive", hop.expensive}});
-  }
-  if (!version.variants) return json;
-  json["variants"] = ordered_json::array();
-  for (const auto& variant : *version.variants) {
-    json["variants"].push_back(membersToJson(variant->linkedMetamodels));
-  }
-  return json;
+using fl::i18n::ustring_to_utf8;
+
+/// Writes the ends of hops that are not the version itself, as the field `end` of each.
+void writeHops(JsonPrinter& printer, const std::string& field, const std::vector<Hop>& hops,
+               const char* end, pathfinder::VersionId Hop::*version) {
+  printer.arrayField(field, [&] {
+    for (const Hop& hop : hops) {
+      printer.object([&] {
+        printer.field(end, textOf(hop.*version));
+        printer.field("expensive", hop.expensive);
+      });
+    }
+  });
 }
 
-void print(const char* field, const ordered_json& list, std::ostream& out) {
-  out << ordered_json{{field, list}}.dump(2) << "\n";
+void writeVersion(JsonPrinter& printer, const VersionDetails& version) {
+  const pathfinder::Metamodel& descriptor = version.metamodel.descriptor;
+  printer.object([&] {
+    printer.field("version", textOf(descriptor.version));
+    if (version.metamodel.equivalent)
+      printer.field("semver", textOf(*version.metamodel.equivalent));
+    printer.key("dependencies");
+    writeDependencies(printer, descriptor.dependencies);
+    writeHops(printer, "hopsIn", version.hopsIn, "from", &Hop::from);
+    writeHops(printer, "hopsOut", version.hopsOut, "to", &Hop::to);
+    if (!version.variants) return;
+    printer.arrayField("variants", [&] {
+      for (const auto& variant : *version.variants)
+        writeMembers(printer, variant->linkedMetamodels);
+    });
+  });
+}
+
+/// Writes an object whose one field is a list.
+template <class WriteItems>
+void writeList(const char* field, std::ostream& out, const WriteItems& writeItems) {
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] { printer.arrayField(field, [&] { writeItems(printer); }); });
+  out << "\n";
 }
 
 }  // namespace
 
 void writeSummaryJson(const std::vector<MetamodelSummary>& all, std::ostream& out) {
-  ordered_json list = ordered_json::array();
-  for (const auto& [name, count, first, last] : all) {
-    list.push_back({{"name", fl::i18n::ustring_to_utf8(name)},
-                    {"versions", count},
-                    {"first", textOf(first)},
-                    {"last", textOf(last)}});
-  }
-  print("metamodels", list, out);
+  writeList("metamodels", out, [&](JsonPrinter& printer) {
+    for (const MetamodelSummary& each : all) {
+      printer.object([&] {
+        printer.field("name", ustring_to_utf8(each.name));
+        printer.field("versions", std::uint64_t{each.count});
+        printer.field("first", textOf(each.first));
+        printer.field("last", textOf(each.last));
+      });
+    }
+  });
 }
 
 void writeDetailsJson(const std::vector<MetamodelDetails>& details, std::ostream& out) {
-  ordered_json list = ordered_json::array();
-  for (const MetamodelDetails& metamodel : details) {
-    ordered_json versions = ordered_json::array();
-    for (const VersionDetails& version : metamodel.versions) {
-      versions.push_back(versionToJson(version));
+  writeList("metamodels", out, [&](JsonPrinter& printer) {
+    for (const MetamodelDetails& metamodel : details) {
+      printer.object([&] {
+        printer.field("name", ustring_to_utf8(metamodel.name));
+        printer.arrayField("versions", [&] {
+          for (const VersionDetails& version : metamodel.versions) writeVersion(printer, version);
+        });
+      });
     }
-    list.push_back({{"name", fl::i18n::ustring_to_utf8(metamodel.name)}, {"versions", versions}});
-  }
-  print("metamodels", list, out);
+  });
 }
 
 void writeBaselinesJson(const std::vector<pathfinder::VersionBaseline>& baselines,
                         std::ostream& out) {
-  ordered_json list = ordered_json::array();
-  for (const auto& baseline : baselines) list.push_back(membersToJson(baseline));
-  print("baselines", list, out);
+  writeList("baselines", out, [&](JsonPrinter& printer) {
+    for (const auto& baseline : baselines) writeMembers(printer, baseline);
+  });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -6,12 +6,18 @@
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::ordered_json;
-
 void writePathJson(const PathPicture& picture, std::ostream& out) {
-  const ordered_json document{
-      {"found", true}, {"weight", picture.weight}, {"steps", stepsToJson(picture)}};
-  out << document.dump(2) << "\n";
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] {
+    printer.field("found", true);
+    printer.field("weight", std::uint64_t{picture.weight});
+    printer.arrayField("steps", [&] {
+      for (const PathPicture::Step& step : picture.steps) {
+        printer.object([&] { writeStepFields(printer, picture, step); });
+      }
+    });
+  });
+  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -2,27 +2,30 @@
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::ordered_json;
-
-ordered_json stepToJson(const PathPicture& picture, const PathPicture::Step& step) {
-  ordered_json hops = ordered_json::array();
-  ordered_json broughtIn = ordered_json::array();
-  for (const auto& [lane, from, to, kind] : step.moves) {
-    const std::string& name = picture.lanes[lane].name;
-    if (kind == PathPicture::MoveKind::entering) {
-      broughtIn.push_back({{"name", name}, {"version", to}});
-    } else {
-      const bool isExpensive = kind == PathPicture::MoveKind::expensive;
-      hops.push_back({{"name", name}, {"from", from}, {"to", to}, {"expensive", isExpensive}});
+void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
+                     const PathPicture::Step& step) {
+  const auto nameOf = [&](const PathPicture::Move& move) { return picture.lanes[move.lane].name; };
+  printer.field("weight", std::uint64_t{step.weight});
+  printer.arrayField("hops", [&] {
+    for (const PathPicture::Move& move : step.moves) {
+      if (move.kind == PathPicture::MoveKind::entering) continue;
+      printer.object([&] {
+        printer.field("name", nameOf(move));
+        printer.field("from", move.from);
+        printer.field("to", move.to);
+        printer.field("expensive", move.kind == PathPicture::MoveKind::expensive);
+      });
     }
-  }
-  return {{"weight", step.weight}, {"hops", hops}, {"broughtIn", broughtIn}};
-}
-
-ordered_json stepsToJson(const PathPicture& picture) {
-  ordered_json steps = ordered_json::array();
-  for (const PathPicture::Step& step : picture.steps) steps.push_back(stepToJson(picture, step));
-  return steps;
+  });
+  printer.arrayField("broughtIn", [&] {
+    for (const PathPicture::Move& move : step.moves) {
+      if (move.kind != PathPicture::MoveKind::entering) continue;
+      printer.object([&] {
+        printer.field("name", nameOf(move));
+        printer.field("version", move.to);
+      });
+    }
+  });
 }
 
 }  // namespace tarn::evolution::catalogue

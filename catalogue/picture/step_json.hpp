@@ -1,17 +1,13 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
+#include "catalogue/json_printer.hpp"
 #include "catalogue/picture/path_picture.hpp"
-#include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
 
-/// One step of a picture as {"weight", "hops": [{"name", "from", "to", "expensive"}],
-/// "broughtIn": [{"name", "version"}]}.
-nlohmann::ordered_json stepToJson(const PathPicture& picture, const PathPicture::Step& step);
-
-/// All steps of a picture.
-TARN_EVOLUTION_CATALOGUE_EXPORT nlohmann::ordered_json stepsToJson(const PathPicture& picture);
+/// Writes the fields of a step of a picture: "weight", "hops": [{"name", "from", "to",
+/// "expensive"}], "broughtIn": [{"name", "version"}].
+void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
+                     const PathPicture::Step& step);
 
 }  // namespace tarn::evolution::catalogue

@@ -7,7 +7,6 @@
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::ordered_json;
 using pathfinder::VersionRepository;
 
 namespace {
@@ -37,6 +36,17 @@ void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& 
   }
 }
 
+void writeSteps(JsonPrinter& printer, const StepListing& listing) {
+  for (const StepListing::Group& group : listing.groups) {
+    for (const PathPicture::Step& step : group.picture.steps) {
+      printer.object([&] {
+        printer.field("direction", headingOf(group.direction));
+        writeStepFields(printer, group.picture, step);
+      });
+    }
+  }
+}
+
 }  // namespace
 
 void writeStepsText(const std::vector<StepListing>& listings, Colouring colouring,
@@ -52,19 +62,19 @@ void writeStepsText(const std::vector<StepListing>& listings, Colouring colourin
 }
 
 void writeStepsJson(const std::vector<StepListing>& listings, std::ostream& out) {
-  ordered_json baselines = ordered_json::array();
-  for (const StepListing& listing : listings) {
-    ordered_json steps = ordered_json::array();
-    for (const StepListing::Group& group : listing.groups) {
-      for (const PathPicture::Step& step : group.picture.steps) {
-        ordered_json entry{{"direction", headingOf(group.direction)}};
-        entry.update(stepToJson(group.picture, step));
-        steps.push_back(std::move(entry));
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] {
+    printer.arrayField("baselines", [&] {
+      for (const StepListing& listing : listings) {
+        printer.object([&] {
+          printer.key("metamodels");
+          writeMembers(printer, listing.baseline);
+          printer.arrayField("steps", [&] { writeSteps(printer, listing); });
+        });
       }
-    }
-    baselines.push_back({{"metamodels", membersToJson(listing.baseline)}, {"steps", steps}});
-  }
-  out << ordered_json{{"baselines", baselines}}.dump(2) << "\n";
+    });
+  });
+  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

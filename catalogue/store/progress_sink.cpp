@@ -17,6 +17,11 @@ std::function<void()> toldAgain(const StoreProgress& progress, double share) {
   return [&progress, share] { progress(share); };
 }
 
+StoreProgress partOf(const StoreProgress& progress, double from, double to) {
+  if (!progress) return {};
+  return [&progress, from, to](double share) { progress(from + share * (to - from)); };
+}
+
 ProgressSink::ProgressSink(CatalogueSink& next, const StoreProgress& progress, ShareOf shareOf)
     : next_(next), progress_(progress), shareOf_(std::move(shareOf)) {}
 

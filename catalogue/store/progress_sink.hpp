@@ -9,6 +9,10 @@ namespace tarn::evolution::catalogue {
 /// when there is nobody to tell.
 std::function<void()> toldAgain(const StoreProgress& progress, double share);
 
+/// What tells of a part of the work, from the share `from` to the share `to` of the whole, to
+/// `progress`, which must outlive it; empty when there is nobody to tell.
+StoreProgress partOf(const StoreProgress& progress, double from, double to);
+
 /// Hands rows on, counts them, and tells how far along they are.
 class ProgressSink : public CatalogueSink {
  public:

@@ -1,97 +1,167 @@
 #include "catalogue/store/replacing_file.hpp"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 #include "catalogue/file_error.hpp"
+#include "catalogue/store/file_beside.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-std::filesystem::path resolved(const std::filesystem::path& file) {
+/// Where a file is, or is to be made, behind symbolic links.
+std::filesystem::path resolved(const std::filesystem::path& given) {
+  constexpr int mostLinks = 40;  // as the system has it
   std::error_code error;
-  if (!std::filesystem::is_symlink(file, error)) return file;
-  const auto result = std::filesystem::weakly_canonical(file, error);
-  return error ? file : result;
+  std::filesystem::path file = std::filesystem::absolute(given, error);
+  for (int links = 0; links < mostLinks && std::filesystem::is_symlink(file, error); ++links) {
+    file = file.parent_path() / std::filesystem::read_symlink(file, error);
+  }
+  const auto folder = std::filesystem::is_symlink(file, error)
+                          ? std::filesystem::canonical(file, error)  // which says what is wrong
+                          : std::filesystem::canonical(file.parent_path(), error);
+  if (error) failFor(given, "cannot be written: " + error.message());
+  const auto status = std::filesystem::status(file, error);
+  if (!file.has_filename() || std::filesystem::is_directory(status)) {
+    failFor(given, "is a directory, not a file");
+  }
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    failFor(given, "is no regular file; it is left alone");
+  }
+  return folder / file.filename();
 }
 
-std::filesystem::path beside(const std::filesystem::path& file, const char* suffix) {
-  std::filesystem::path result = file;
-  result += suffix;
-  return result;
+/// Gives `file` the owner and group of another one, as far as that is possible, and its
+/// permissions. A group that it cannot have leaves no more than everybody's permissions to its own.
+bool takeAfter(const std::filesystem::path& file, const struct stat& other) {
+  constexpr uid_t unchanged = static_cast<uid_t>(-1);
+  mode_t mode = other.st_mode & 0777;
+  if (lchown(file.c_str(), other.st_uid, other.st_gid) != 0 &&
+      lchown(file.c_str(), unchanged, other.st_gid) != 0) {
+    mode &= ~static_cast<mode_t>(S_IRWXG) | (mode & S_IRWXO) << 3;
+  }
+  return fchmodat(AT_FDCWD, file.c_str(), mode, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-[[noreturn]] void failToWrite(const std::filesystem::path& file, int error) {
-  failFor(file, "cannot be written: " + std::generic_category().message(error));
+/// Sees that a file, opened with these flags, stays as it is when power fails; 0, or what went
+/// wrong. A folder that cannot be opened, or does not know of this, has nothing to say about it.
+int sync(const std::filesystem::path& path, int flags) {
+  const int descriptor = open(path.c_str(), O_CLOEXEC | flags);
+  if (descriptor < 0) return errno == EACCES && (flags & O_DIRECTORY) != 0 ? 0 : errno;
+  const int error = fsync(descriptor) == 0 ? 0 : errno;
+  close(descriptor);
+  return error == EINVAL ? 0 : error;
 }
 
-bool isSameFile(int descriptor, const std::filesystem::path& file) {
-  struct stat opened {};
-  struct stat named {};
-  return fstat(descriptor, &opened) == 0 && stat(file.c_str(), &named) == 0 &&
-         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+int syncFolderOf(const std::filesystem::path& file) {
+  return sync(file.parent_path(), O_RDONLY | O_DIRECTORY);
+}
+
+/// Whether it is the file system that does not know of an operation.
+bool isUnknown(int error) {
+  return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
+}
+
+/// Renames a file to one that is not there, in whichever way the file system knows; 0, or what went
+/// wrong.
+int renameToNew(const char* from, const char* to) {
+  if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
+  if (!isUnknown(errno)) return errno;
+  if (link(from, to) == 0) {
+    unlink(from);
+    return 0;
+  }
+  if (!isUnknown(errno)) return errno;
+  if (access(to, F_OK) == 0) return EEXIST;
+  return rename(from, to) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
-ReplacingFile::ReplacingFile(const std::filesystem::path& target)
-    : target_(resolved(target)),
-      path_(target_.parent_path() / ("." + target_.filename().string() + ".partial")) {
-  if (std::filesystem::is_directory(target_)) {
-    failFor(target, "is a directory, not a file");
-  }
-  while (!lock()) close(descriptor_);
-  // The files that SQLite keeps beside its own may have been left as well.
-  for (const char* suffix : {"-journal", "-wal", "-shm"}) {
-    unlink(beside(path_, suffix).c_str());
-  }
-  struct stat old {};
-  if (stat(target_.c_str(), &old) == 0) fchmod(descriptor_, old.st_mode & 0777);
+ReplacingFile::ReplacingFile(const std::filesystem::path& target, Kind kind,
+                             const std::function<void()>& whileWaiting)
+    : given_(target),
+      kind_(kind),
+      target_(resolved(target)),
+      path_(hiddenBeside(target_, ".partial")),
+      besidePath_(allBeside(path_)),
+      lock_(target_, given_, whileWaiting) {
+  removePartial();
+  make();
 }
 
-/// Opens, locks and empties the file. False when somebody else has meanwhile put what was opened in
-/// the target's place, or removed it.
-bool ReplacingFile::lock() {
-  constexpr int mode = 0666;
-  descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, mode);
-  if (descriptor_ < 0) failToWrite(path_, errno);
-  if (flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
-    close(descriptor_);
-    failFor(path_, "is being written by another program");
+ReplacingFile::Beside ReplacingFile::allBeside(const std::filesystem::path& file) {
+  return {beside(file, "-journal"), beside(file, "-wal"), beside(file, "-shm")};
+}
+
+void ReplacingFile::make() {
+  struct stat old {};
+  replaces_ = stat(target_.c_str(), &old) == 0;
+  // Nobody may read for a moment what is not to be read.
+  const mode_t mode = replaces_ ? 0600 : 0666;
+  if (mknod(path_.c_str(), S_IFREG | mode, 0) != 0) {
+    failFor(given_,
+            "cannot be written: " + path_.string() + ": " + std::generic_category().message(errno));
   }
-  if (!isSameFile(descriptor_, path_)) return false;
-  if (ftruncate(descriptor_, 0) != 0) {
-    const int error = errno;
-    close(descriptor_);
-    failToWrite(path_, error);
-  }
-  return true;
+  if (!replaces_ || takeAfter(path_, old)) return;
+  const int error = errno;
+  removePartial();
+  failToWrite(error);
 }
 
 ReplacingFile::~ReplacingFile() {
-  if (!isInPlace_) {
-    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
-      unlink(beside(path_, suffix).c_str());
-    }
-  }
-  close(descriptor_);
+  if (!isInPlace_) removePartial();
+}
+
+void ReplacingFile::removePartial() noexcept {
+  unlink(path_.c_str());
+  for (const auto& file : besidePath_) unlink(file.c_str());
 }
 
 void ReplacingFile::replaceTarget() {
-  if (fsync(descriptor_) != 0) failToWrite(path_, errno);
-  if (rename(path_.c_str(), target_.c_str()) != 0) failToWrite(target_, errno);
+  if (kind_ == Kind::Database) {
+    removeBesideTarget();
+  } else if (const int error = sync(path_, O_WRONLY); error != 0) {
+    failToWrite(error);
+  }
+  move();
   isInPlace_ = true;
-  const auto folder = std::filesystem::absolute(target_).parent_path();
-  const int folderDescriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folderDescriptor < 0) return;
-  fsync(folderDescriptor);  // a file system that cannot do it has nothing to say about it either
-  close(folderDescriptor);
+  if (const int error = syncFolderOf(target_); error != 0) {
+    failFor(given_, "has been written, but may be as it was before if power fails: " +
+                        std::generic_category().message(error));
+  }
+}
+
+/// What is left there would be taken for the new file's: that it is gone, also what SQLite itself
+/// has removed, must be certain before the new file comes.
+void ReplacingFile::removeBesideTarget() {
+  for (const auto& file : allBeside(target_)) {
+    if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(file, errno);
+  }
+  if (const int error = syncFolderOf(target_); error != 0) failToWrite(error);
+}
+
+void ReplacingFile::move() {
+  const int error = replaces_ ? (rename(path_.c_str(), target_.c_str()) == 0 ? 0 : errno)
+                              : renameToNew(path_.c_str(), target_.c_str());
+  if (error == EEXIST) failFor(given_, "has been made by another program meanwhile");
+  if (error != 0) failToWrite(error);
+}
+
+void ReplacingFile::failToWrite(int error) const {
+  failFor(given_, "cannot be written: " + std::generic_category().message(error));
+}
+
+/// The same for what lies beside it.
+void ReplacingFile::failToWrite(const std::filesystem::path& beside, int error) const {
+  failFor(given_,
+          "cannot be written: " + beside.string() + ": " + std::generic_category().message(error));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -3,7 +3,7 @@
 #include <mutex>
 
 #include "catalogue/store/cached_sqlite_reader.hpp"
-#include "catalogue/store/sqlite_open.hpp"
+#include "catalogue/store/store_snapshot.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -11,9 +11,7 @@ namespace tarn::evolution::catalogue {
 class SqliteCatalogueRepository::Store {
  public:
   explicit Store(const std::filesystem::path& file)
-      : database_(openStoreForReading(file)),
-        snapshot_(*database_, SqliteTransaction::Kind::Read),
-        reader_(*database_) {}
+      : snapshot_(file), reader_(snapshot_.database()) {}
 
   /// What `read` returns for the reader.
   template <class Read>
@@ -24,8 +22,7 @@ class SqliteCatalogueRepository::Store {
 
  private:
   std::mutex mutex_;
-  const std::unique_ptr<SqliteDatabase> database_;
-  SqliteTransaction snapshot_;
+  StoreSnapshot snapshot_;
   CachedSqliteReader reader_;
 };
 

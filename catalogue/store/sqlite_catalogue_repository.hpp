@@ -15,8 +15,12 @@ namespace tarn::evolution::catalogue {
 /// index; what was asked for lately is remembered, up to a few megabytes.
 ///
 /// **What it sees** is the store as it was when it was opened. Others may change the store
-/// (`store_editing.hpp`) meanwhile, and be seen by repositories that are opened later. A store of
-/// an older form is brought to the present one when it is opened, which needs leave to write it.
+/// (`store_editing.hpp`), or import another one in its place, meanwhile, which is seen by
+/// repositories that are opened later; other programs cannot write the file as long as it is open.
+/// A store of an older form is brought to the present one when it is opened, which needs leave to
+/// write it. Otherwise reading needs none, and leaves nothing beside the store. The process must
+/// open the file by no other means than SQLite meanwhile: to close it again would end SQLite's
+/// locks.
 ///
 /// **Threads.** Any number of threads may call any operations at once, those of `VersionRepository`
 /// included, and may ask different questions. What reads the store takes turns at its one

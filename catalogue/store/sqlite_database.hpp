@@ -10,8 +10,6 @@
 #include <string_view>
 #include <variant>
 
-#include "tarn_evolution_catalogue_export.hpp"
-
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -27,18 +25,20 @@ using SqliteValue = std::variant<std::nullptr_t, std::int64_t, std::string, Pack
 /// thrown as a CatalogueError that names the file.
 ///
 /// Not for use by two threads at once. Statements must not outlive their database.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
+class SqliteDatabase {
  public:
   enum class Access {
-    Read,    ///< changes nothing; also where nothing can be written. Work is limited.
-    Edit,    ///< the file must exist
-    Create,  ///< made if need be, and not safe from interruption: whoever creates sees to that
+    Read,   ///< changes nothing; also where nothing can be written. Work is limited.
+    Edit,   ///< to lock the file, or change it in its place. Work is limited.
+    Build,  ///< to fill a file that nobody else knows of: after a change that fails it is of no use
   };
 
   /// In place of a file: a database of its own that goes with the connection.
   static constexpr const char* inMemory = ":memory:";
 
-  SqliteDatabase(const std::filesystem::path& file, Access access);
+  /// The file must exist. Errors name it as `shownAs`, if that is given.
+  SqliteDatabase(const std::filesystem::path& file, Access access,
+                 const std::filesystem::path& shownAs = {});
 
   /// Runs statements that give no rows.
   void run(const char* statements);
@@ -46,13 +46,23 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
   /// The single number that a statement gives.
   std::int64_t number(const char* statement);
 
+  /// The single text that a statement gives.
+  std::string text(const char* statement);
+
+  /// Makes an empty database, which must be open to be built, the same as this one. Calls `tell`,
+  /// unless it is empty, with the share that is done, again and again; what that throws ends it.
+  void copyTo(SqliteDatabase& copy, const std::function<void(double)>& tell);
+
+  /// Whether changes go to a second file first (SQLite's WAL mode).
+  bool isWrittenAhead() const;
+
   /// Whether another file has taken the place of this one since it was opened.
   bool hasMoved() const;
 
-  /// Whether what failed last did so for another program's lock.
-  bool isBusy() const;
+  /// What failed last, as SQLite's extended result code.
+  int lastError() const;
 
-  const std::filesystem::path& file() const noexcept { return file_; }
+  const std::filesystem::path& file() const noexcept { return shownAs_; }
 
   /// Throws what SQLite's result code means.
   [[noreturn]] void fail(int code) const;
@@ -68,8 +78,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
     void operator()(sqlite3* handle) const noexcept;
   };
 
-  void open(int flags, bool isImmutable);
+  void open(int flags, const char* parameters = "");
   void openForReading();
+  void openWrittenAhead();
 
   /// Limits each statement to what the file, as it is now, can have use for, so that none runs in
   /// circles when the file is damaged.
@@ -78,8 +89,12 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
   void expect(int code) const;
   void callOnProgress();
   static int onProgress(void* database);
+  static int onBusy(void* database, int count);
+  bool callWatch();
+  bool isSchemaBeyondMemory() const;
 
   std::filesystem::path file_;
+  std::filesystem::path shownAs_;
   std::unique_ptr<sqlite3, Close> handle_;
   std::int64_t workLimit_ = 0;  // in units of progress; 0 for none
   std::int64_t work_ = 0;       // of the statement that runs
@@ -88,11 +103,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteDatabase {
 };
 
 /// A prepared statement.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
+class SqliteStatement {
  public:
   /// The rows that a statement gives, one at a time; ends the statement when it goes. Columns count
   /// from 0, and texts last until the next row.
-  class TARN_EVOLUTION_CATALOGUE_EXPORT Rows {
+  class Rows {
    public:
     explicit Rows(SqliteStatement& statement) : statement_(&statement) {}
     Rows(const Rows&) = delete;
@@ -116,7 +131,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
   template <class... Values>
   Rows query(const Values&... values) {
     int parameter = 0;
-    (bind(++parameter, SqliteValue(values)), ...);
+    (bind(++parameter, values), ...);
     start();
     return Rows(*this);
   }
@@ -143,9 +158,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteStatement {
   std::unique_ptr<sqlite3_stmt, Finalize> handle_;
 };
 
-/// While it lives, calls a function now and then while the database's statements run. What that
-/// throws ends the statement, which throws it on. An empty function is not called. Only one at a
-/// time.
+/// While it lives, calls a function now and then while the database's statements run or wait. What
+/// that throws ends the statement, which throws it on. An empty function is not called. Only one at
+/// a time.
 class SqliteWatch {
  public:
   SqliteWatch(SqliteDatabase& database, std::function<void()> watch);
@@ -158,7 +173,7 @@ class SqliteWatch {
 };
 
 /// Rolled back when it goes, unless it was committed.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteTransaction {
+class SqliteTransaction {
  public:
   enum class Kind { Read, Write };
 

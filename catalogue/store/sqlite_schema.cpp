@@ -1,5 +1,6 @@
 #include "catalogue/store/sqlite_schema.hpp"
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -78,6 +79,13 @@ std::map<std::string, std::string> objectsOf(SqliteDatabase& database) {
   return result;
 }
 
+/// The same of a store that these steps make.
+std::map<std::string, std::string> objectsMadeBy(const std::vector<const char*>& steps) {
+  SqliteDatabase model(SqliteDatabase::inMemory, SqliteDatabase::Access::Build);
+  SqliteSchema(steps).create(model);
+  return objectsOf(model);
+}
+
 void setVersion(SqliteDatabase& database, std::int64_t version) {
   database.run(("PRAGMA user_version = " + std::to_string(version)).c_str());
 }
@@ -92,10 +100,8 @@ const SqliteSchema& SqliteSchema::current() {
 }
 
 void SqliteSchema::create(SqliteDatabase& database) const {
-  SqliteTransaction transaction(database, SqliteTransaction::Kind::Write);
   database.run(("PRAGMA application_id = " + std::to_string(applicationId)).c_str());
   advance(database, 0);
-  transaction.commit();
 }
 
 void SqliteSchema::advance(SqliteDatabase& database, std::int64_t from) const {
@@ -105,20 +111,23 @@ void SqliteSchema::advance(SqliteDatabase& database, std::int64_t from) const {
   setVersion(database, version());
 }
 
-bool SqliteSchema::check(SqliteDatabase& database) const {
-  if (database.number("PRAGMA application_id") != applicationId) {
-    failFor(database.file(), "is not a catalogue store, but a SQLite database of another kind");
-  }
+std::int64_t SqliteSchema::checkVersion(SqliteDatabase& database) const {
   const std::int64_t found = database.number("PRAGMA user_version");
   if (found > version()) {
     failFor(database.file(), "is a store of form " + std::to_string(found) + ", newer than form " +
                                  std::to_string(version()) + ", the last that this program knows");
   }
+  return found;
+}
+
+bool SqliteSchema::check(SqliteDatabase& database) const {
+  if (database.number("PRAGMA application_id") != applicationId) {
+    failFor(database.file(), "is not a catalogue store, but a SQLite database of another kind");
+  }
+  const std::int64_t found = checkVersion(database);
   if (found < 1) database.failDamaged("", "it is of no known form");
-  SqliteDatabase model(SqliteDatabase::inMemory, SqliteDatabase::Access::Create);
-  SqliteSchema({steps_.begin(), steps_.begin() + found}).create(model);
   const auto objects = objectsOf(database);
-  for (const auto& [name, definition] : objectsOf(model)) {
+  for (const auto& [name, definition] : objectsMadeBy({steps_.begin(), steps_.begin() + found})) {
     const auto present = objects.find(name);
     if (present == objects.end()) database.failDamaged("", "it has no " + name);
     if (present->second != definition) database.failDamaged("", name + " is not as it should be");
@@ -126,10 +135,22 @@ bool SqliteSchema::check(SqliteDatabase& database) const {
   return found == version();
 }
 
+void SqliteSchema::checkReplaceable(SqliteDatabase& database) const {
+  const std::int64_t found = std::max<std::int64_t>(0, checkVersion(database));
+  const auto own = objectsMadeBy({steps_.begin(), steps_.begin() + found});
+  SqliteStatement tables(database,
+                         "SELECT name FROM sqlite_schema WHERE type = 'table' "
+                         "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name");
+  auto rows = tables.query();
+  while (rows.next()) {
+    const std::string name(rows.bytes(0));
+    if (own.contains(name)) continue;
+    failFor(database.file(), "holds a table of another program, " + name + "; it is left alone");
+  }
+}
+
 void SqliteSchema::migrate(SqliteDatabase& database) const {
-  SqliteTransaction transaction(database, SqliteTransaction::Kind::Write);
   if (!check(database)) advance(database, database.number("PRAGMA user_version"));
-  transaction.commit();
 }
 
 }  // namespace tarn::evolution::catalogue

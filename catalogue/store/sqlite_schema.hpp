@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "catalogue/store/sqlite_database.hpp"
-#include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -12,7 +11,7 @@ namespace tarn::evolution::catalogue {
 ///
 /// SQLite's `application_id` tells a store from other databases, and its `user_version` which
 /// version of the form it has.
-class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteSchema {
+class SqliteSchema {
  public:
   /// One entry for each version from 1 on: the statements that make it from the version before,
   /// version 0 being an empty database.
@@ -23,18 +22,22 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteSchema {
 
   std::int64_t version() const { return static_cast<std::int64_t>(steps_.size()); }
 
-  /// Makes an empty store of an empty database.
+  /// Makes an empty store of an empty database, within the caller's transaction.
   void create(SqliteDatabase& database) const;
 
   /// Throws CatalogueError when the database is no store, is of a newer version of the form, or
   /// does not have what its version says. Whether it is of this version; otherwise it is older.
   bool check(SqliteDatabase& database) const;
 
-  /// Brings a store of an older version to this one, all or nothing, within a transaction of its
-  /// own; also when another program does the same.
+  /// Throws CatalogueError when more than a catalogue would go with the store: when it is of a
+  /// newer version of the form, or somebody else has tables in it.
+  void checkReplaceable(SqliteDatabase& database) const;
+
+  /// Brings a store of an older version to this one, within the caller's transaction.
   void migrate(SqliteDatabase& database) const;
 
  private:
+  std::int64_t checkVersion(SqliteDatabase& database) const;
   void advance(SqliteDatabase& database, std::int64_t from) const;
 
   std::vector<const char*> steps_;

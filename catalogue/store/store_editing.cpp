@@ -1,54 +1,42 @@
 #include "catalogue/store/store_editing.hpp"
 
-#include "catalogue/file_error.hpp"
 #include "catalogue/store/progress_sink.hpp"
-#include "catalogue/store/sqlite_open.hpp"
 #include "catalogue/store/store_filling.hpp"
 #include "catalogue/store/store_removal.hpp"
+#include "catalogue/store/store_successor.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-/// A store with a transaction open to change it.
-class Editing {
- public:
-  explicit Editing(const std::filesystem::path& store)
-      : database_(openStoreForEditing(store)),
-        transaction_(*database_, SqliteTransaction::Kind::Write) {
-    if (database_->hasMoved()) failFor(store, "has been replaced meanwhile");
-  }
-
-  SqliteDatabase& database() { return *database_; }
-  void commit() { transaction_.commit(); }
-
- private:
-  std::unique_ptr<SqliteDatabase> database_;
-  SqliteTransaction transaction_;
-};
+/// The share of the work that copying the store is.
+constexpr double copyingShare = 0.25;
 
 }  // namespace
 
 StoreCounts addToStore(const std::filesystem::path& store, const std::filesystem::path& json,
                        const StoreProgress& progress) {
-  Editing editing(store);
-  const StoreCounts counts = fillStore(editing.database(), json, progress);
+  StoreSuccessor successor(store, StoreSuccessor::Content::Kept, SqliteSchema::current(),
+                           partOf(progress, 0, copyingShare));
+  const StoreProgress rest = partOf(progress, copyingShare, 1);
+  const StoreCounts counts = fillStore(successor.database(), json, rest);
   if (progress) progress(1);
-  editing.commit();
+  successor.takePlace();
   return counts;
 }
 
 RemovalResult removeFromStore(const std::filesystem::path& store,
                               const std::vector<RemovalChoice>& choices,
                               const StoreProgress& progress) {
-  Editing editing(store);
+  StoreSuccessor successor(store, StoreSuccessor::Content::Kept, SqliteSchema::current(),
+                           partOf(progress, 0, copyingShare));
   RemovalResult result;
   {
-    const SqliteWatch watch(editing.database(), toldAgain(progress, 0));
-    result = StoreRemoval(editing.database()).run(choices);
+    const SqliteWatch watch(successor.database(), toldAgain(progress, copyingShare));
+    result = StoreRemoval(successor.database()).run(choices);
   }
   if (progress) progress(1);
-  if (result.obstacleCount == 0) editing.commit();
+  if (result.obstacleCount == 0) successor.takePlace();
   return result;
 }
 

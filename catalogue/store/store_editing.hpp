@@ -10,9 +10,10 @@
 #include "pathfinder/metamodel.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
-/// Changes to a store that stays in its place. Each is one transaction: all of it happens, or
-/// nothing, also when the process is killed. Others may read the store meanwhile, and go on seeing
-/// what they saw; two changes at a time wait for one another.
+/// Changes to a store. Each makes a new file that takes the store's place when it is complete: all
+/// of it happens, or nothing, also when the process is killed or power fails. Others may read the
+/// store meanwhile and go on seeing what they saw; two changes at a time wait for one another, up
+/// to five seconds. Costs the time and the room on the disk to copy the store.
 ///
 /// Everything here throws CatalogueError, which names the file that is at fault.
 namespace tarn::evolution::catalogue {

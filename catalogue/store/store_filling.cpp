@@ -1,11 +1,11 @@
 #include "catalogue/store/store_filling.hpp"
 
-#include <fstream>
+#include <istream>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_file.hpp"
 #include "catalogue/json_stream.hpp"
 #include "catalogue/store/progress_sink.hpp"
-#include "catalogue/store/sqlite_open.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/sqlite_validation.hpp"
 
@@ -44,11 +44,7 @@ double sizeOf(std::istream& in) {
 
 StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
                       const StoreProgress& progress) {
-  try {
-    if (isSqliteFile(json)) {
-      throw CatalogueError("", "is a SQLite database, not a JSON catalogue");
-    }
-    std::ifstream in = openForReading(json);
+  return readJsonFile(json, [&](std::istream& in) {
     const double size = sizeOf(in);
     FillingSink writer(store);
     ProgressSink sink(writer, progress, [&](const StoreCounts& /*rows*/) {
@@ -58,10 +54,7 @@ StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
     const SqliteWatch watch(store, toldAgain(progress, readingShare));
     validateAdded(store, writer.firstMetamodel(), writer.firstHop());
     return sink.counts();
-  } catch (const CatalogueError& error) {
-    if (!error.file().empty()) throw;
-    throw error.inFile(json.string());
-  }
+  });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -7,22 +7,23 @@
 
 /// Catalogues from JSON to stores and back. A file is written beside its target and takes the
 /// target's place when it is complete, so that at any moment, also when the process is killed or
-/// power fails, the target is the old file or the new one. Memory does not grow with the
-/// catalogue, but for its dependency graph when it is imported (about a hundred bytes for each
-/// version).
+/// power fails, the target is the old file or the new one; who has the old one open keeps it. Waits
+/// up to five seconds for others that write the target. Memory does not grow with the catalogue,
+/// but for its dependency graph when it is imported (about a hundred bytes for each version).
 ///
 /// Everything here throws CatalogueError, which names the file that is at fault.
 namespace tarn::evolution::catalogue {
 
 /// Makes a store of a JSON catalogue. Refuses what `readJsonCatalogue` refuses, and says the same.
-/// A store that stands in the place is replaced, unless others have it open; any other file there
-/// is left alone, and that is an error.
+/// A store that stands in the place is replaced, also a damaged one; one of a newer form, one in
+/// which another program has tables, and any other file are left alone, and that is an error.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts importCatalogue(const std::filesystem::path& json,
                                                             const std::filesystem::path& store,
                                                             const StoreProgress& progress = {});
 
-/// Writes a store as a JSON catalogue, as it is when the operation begins. A file that stands in
-/// the place is replaced, unless it is a SQLite database.
+/// Writes a store as a JSON catalogue, as it is when the operation begins. A regular file that
+/// stands in the place is replaced, unless it is a SQLite database; all else is left alone, and
+/// that is an error.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts exportCatalogue(const std::filesystem::path& store,
                                                             const std::filesystem::path& json,
                                                             const StoreProgress& progress = {});

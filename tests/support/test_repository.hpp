@@ -145,6 +145,7 @@ std::string describe(const Path& path);
 template <class Value>
 std::string printed(const Value& value) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // such as want of memory
   out << value;
   return out.str();
 }

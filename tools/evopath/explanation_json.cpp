@@ -1,6 +1,8 @@
 #include "explanation_json.hpp"
 
-#include "catalogue/picture/step_json.hpp"
+#include <sstream>
+
+#include "catalogue/picture/path_json.hpp"
 #include "catalogue/printed_text.hpp"
 #include "platform/text.hpp"
 
@@ -172,7 +174,9 @@ class ReasonJson {
  private:
   ordered_json stepsOf(const std::vector<BaselineHop>& path) const {
     const auto source = path.empty() ? VersionBaseline{} : path.front().from;
-    return stepsToJson(drawPath(weigh_, source, path));
+    std::stringstream text;
+    writePathJson(drawPath(weigh_, source, path), text);
+    return ordered_json::parse(text)["steps"];
   }
 
   const VersionRepository& weigh_;

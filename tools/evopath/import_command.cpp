@@ -35,8 +35,9 @@ void addImportCommand(CLI::App& program, Action& action) {
   addFileArgument(*command, "catalogue", options->catalogue, "The catalogue, a JSON file");
   addFileArgument(*command, "store", options->store, "The store to make, a SQLite file");
   command->footer(
-      "A store that stands there already is replaced once the new one is complete, unless another\n"
-      "program has it open; any other file is left alone. A catalogue that is unsound is refused.\n"
+      "A store that stands there already is replaced once the new one is complete; who has it "
+      "open\n"
+      "keeps the old one. Any other file is left alone. A catalogue that is unsound is refused.\n"
       "Exit status: 0 the store was made, 2 bad usage or input.\n"
       "Example: evopath import data/operators.json operators.store");
   command->callback([options, &action] { action = [options] { return runImport(*options); }; });

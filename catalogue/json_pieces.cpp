@@ -1,4 +1,4 @@
-#include "catalogue/check/json_pieces.hpp"
+#include "catalogue/json_pieces.hpp"
 
 #include <istream>
 #include <nlohmann/json.hpp>
@@ -21,7 +21,7 @@ class PieceBuilder : public nlohmann::json_sax<json> {
   const std::string& error() const { return error_; }
 
   bool null() override { return scalar(Kind::Null); }
-  bool boolean(bool /*value*/) override { return scalar(Kind::Boolean); }
+  bool boolean(bool value) override { return scalar(Kind::Boolean, {}, value); }
   bool number_integer(number_integer_t /*value*/) override { return scalar(Kind::Number); }
   bool number_unsigned(number_unsigned_t /*value*/) override { return scalar(Kind::Number); }
   bool number_float(number_float_t /*value*/, const string_t& /*text*/) override {
@@ -32,6 +32,7 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 
   bool key(string_t& value) override {
     key_ = std::move(value);
+    if (open_.size() == 1 && ignored_ == 0) receiver_.enterField(key_);
     return true;
   }
   bool start_object(std::size_t /*size*/) override { return open(Kind::Object); }
@@ -59,10 +60,11 @@ class PieceBuilder : public nlohmann::json_sax<json> {
     return value;
   }
 
-  bool scalar(Kind kind, std::string text = {}) {
+  bool scalar(Kind kind, std::string text = {}, bool isTrue = false) {
     if (ignored_ > 0) return true;
     JsonValue value = make(kind);
     value.text = std::move(text);
+    value.isTrue = isTrue;
     deliver(std::move(value));
     return true;
   }
@@ -131,6 +133,10 @@ std::string JsonValue::kindText() const {
       return "an object";
   }
   return {};
+}
+
+std::string JsonValue::isNot(const std::string& wanted) const {
+  return "must be " + wanted + ", not " + kindText();
 }
 
 std::string readJsonPieces(std::istream& in, JsonPieceReceiver& receiver) {

@@ -9,7 +9,8 @@
 namespace tarn::evolution::catalogue {
 
 /// A value as it stands in a JSON text. Unlike in a parsed document, fields keep their order, and
-/// one that stands twice is there twice.
+/// one that stands twice is there twice. To destroy it takes no memory, other than the parser's own
+/// documents do, which therefore nothing here is made of.
 struct JsonValue {
   enum class Kind { Null, Boolean, Number, Text, Array, Object };
 
@@ -17,16 +18,23 @@ struct JsonValue {
   std::uint64_t order = 0;          ///< of its beginning, ascending through the text
   std::string key;                  ///< of a field
   std::string text;                 ///< of a text
+  bool isTrue = false;              ///< of true and false
   std::vector<JsonValue> children;  ///< elements of an array, fields of an object
 
   /// "an object", "a number" and so on.
   std::string kindText() const;
+
+  /// The reason to give for a value that should have been something else, such as "an array".
+  std::string isNot(const std::string& wanted) const;
 };
 
 /// Receives a document whose root is an object, piece by piece.
 class JsonPieceReceiver {
  public:
   virtual ~JsonPieceReceiver() = default;
+
+  /// The name of a field of the root, before anything that it holds.
+  virtual void enterField(const std::string& /*name*/) {}
 
   /// An element of an array that is a field of the root.
   virtual void receiveElement(const std::string& field, std::size_t index, JsonValue value) = 0;

@@ -1,0 +1,42 @@
+#include "catalogue/store/store_snapshot.hpp"
+
+#include <sqlite3.h>
+
+#include "catalogue/file_error.hpp"
+#include "catalogue/store/locked_store.hpp"
+#include "catalogue/store/sqlite_header.hpp"
+#include "catalogue/store/store_successor.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+bool isLeftUnfinished(const SqliteDatabase* database) {
+  if (database == nullptr) return false;
+  const int code = database->lastError();
+  return code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY;
+}
+
+}  // namespace
+
+StoreSnapshot::StoreSnapshot(const std::filesystem::path& store, const SqliteSchema& form) {
+  expectDatabase(store);
+  try {
+    begin(store);
+  } catch (const CatalogueError&) {
+    if (!isLeftUnfinished(database_.get()) || !LockedStore::undoUnfinished(store)) throw;
+    begin(store);
+  }
+  if (form.check(*database_)) return;
+  StoreSuccessor(store, StoreSuccessor::Content::Kept, form).takePlace();
+  begin(store);
+  if (!form.check(*database_)) failFor(store, "has been replaced meanwhile");
+}
+
+void StoreSnapshot::begin(const std::filesystem::path& store) {
+  transaction_.reset();
+  database_ = std::make_unique<SqliteDatabase>(store, SqliteDatabase::Access::Read);
+  transaction_.emplace(*database_, SqliteTransaction::Kind::Read);
+}
+
+}  // namespace tarn::evolution::catalogue
