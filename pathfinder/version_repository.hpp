@@ -188,9 +188,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// stores its path afterwards, which it may have found with hops of before. So after hops have
   /// changed, call it when no search runs, or once more when those that run have ended.
   ///
-  /// The lock is the operating system's reader/writer lock as it is by default, which prefers
-  /// readers: under look-ups that follow one another without a gap, this, linking and the storing
-  /// of a path that was found may wait long.
+  /// Nobody is kept waiting by who comes later: this, linking and the storing of a path that was
+  /// found wait for look-ups that have begun and for changes of the cache that were wanted before;
+  /// a look-up waits for one change at most, however often others repeat theirs.
   void invalidatePathfindingCache();
 
   /// @}

@@ -2,16 +2,12 @@
 
 #include <algorithm>
 #include <boost/exception/get_error_info.hpp>
-#include <cerrno>
 #include <memory>
-#include <mutex>
 #include <set>
-#include <system_error>
 
 #include "messages/report_exception.hpp"
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
-#include "pathfinder/reader_writer_lock.hpp"
 #include "platform/in_memory/listener.hpp"
 #include "platform/text.hpp"
 #include "support/path_finder_errors.hpp"
@@ -146,38 +142,6 @@ TEST(Trace, FormsNoTextWhenTheLevelIsOffAndDropsARecordWhoseTextThrows) {
     trace(TraceLevel::CacheStore, [](std::ostream& out) { out << "stored"; });
   });
   EXPECT_EQ(records, Lines{"8 stored"});
-}
-
-/// Lock calls that fail as told, and then succeed.
-struct FailingCalls {
-  static inline std::vector<int> errors;  // of the calls to come, the last one first
-
-  static int lockExclusive(pthread_rwlock_t* /*lock*/) {
-    if (errors.empty()) return 0;
-    const int error = errors.back();
-    errors.pop_back();
-    return error;
-  }
-  static int lockShared(pthread_rwlock_t* lock) { return lockExclusive(lock); }
-  static void unlock(pthread_rwlock_t* /*lock*/) {}
-};
-
-TEST(ReaderWriterLock, WaitsOutTooManyReadersAndReportsDeadlock) {
-  ReaderWriterLock<FailingCalls> lock;
-  FailingCalls::errors = {EAGAIN, EAGAIN};
-  EXPECT_NO_THROW(lock.lock_shared());
-  EXPECT_TRUE(FailingCalls::errors.empty());
-  FailingCalls::errors = {EDEADLK, EDEADLK, EAGAIN};
-  EXPECT_THROW(lock.lock_shared(), std::system_error);
-  try {
-    lock.lock();
-    FAIL() << "no exception";
-  } catch (const std::system_error& error) {
-    EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
-  }
-  ReaderWriterLock<> real;
-  const std::unique_lock held(real);
-  EXPECT_THROW(real.lock_shared(), std::system_error);
 }
 
 TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {

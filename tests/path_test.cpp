@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <random>
 #include <thread>
 
+#include "platform/exception.hpp"
+#include "platform/text.hpp"
+#include "support/random_cases.hpp"
+#include "support/random_question.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
@@ -172,6 +177,68 @@ TEST_F(PathCacheTest, StoreRecordsHaveALevelOfTheirOwn) {
   EXPECT_EQ(std::count(records.begin(), records.end(),
                        "4 Trying unvisited baseline with least weight: Baseline {S@4.0.0}"),
             1);
+}
+
+/// The same baseline in a map that was filled in another way.
+VersionBaseline refilled(const VersionBaseline& baseline, std::mt19937& random) {
+  std::vector<std::pair<std::u16string, std::shared_ptr<LinkedMetamodel>>> entries(
+      baseline.metamodels.begin(), baseline.metamodels.end());
+  std::shuffle(entries.begin(), entries.end(), random);
+  VersionBaseline result;
+  if (random() % 2 == 0) result.metamodels.rehash(random() % 40);
+  result.metamodels.insert(entries.begin(), entries.end());
+  return result;
+}
+
+/// All that can be told of a path, by the orders of its maps.
+std::string everythingOf(const std::vector<BaselineHop>& path) {
+  std::ostringstream out;
+  for (const auto& [from, to, hops] : path) {
+    for (const VersionBaseline& baseline : {from, to}) {
+      out << baseline << std::hash<VersionBaseline>()(baseline) << "\n";
+      for (const auto& [name, linked] : baseline.metamodels) out << linked.get() << " ";
+    }
+    for (const auto& [name, hop] : hops) {
+      out << fl::i18n::ustring_to_utf8(name) << hop << hop.expensive << "\n";
+    }
+  }
+  return out.str();
+}
+
+TEST(PathCache, GivesBackTheVeryPathThatWasReturned) {
+  std::size_t longPaths = 0;
+  const unsigned questions = randomCases(1000);
+  const unsigned first = std::random_device()();
+  for (unsigned seed = first; seed != first + questions; ++seed) {
+    RandomQuestion question(seed, seed % 2 == 0 ? RandomQuestion::Loose : RandomQuestion::Web);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ":" + question.catalogue);
+    std::mt19937 random(seed);
+    TestRepository& repository = question.repository;
+    if (question.sources.empty()) continue;
+    const auto ask = [&](const VersionBaseline& target) -> Path {
+      const VersionBaseline source = refilled(question.sources[0], random);
+      try {
+        return repository.findPath({source}, {refilled(target, random)}, question.direction);
+      } catch (const foundation::core::except::IMsgIDException&) {
+        return std::nullopt;
+      }
+    };
+    // All is linked beforehand, so that nothing is forgotten.
+    for (const VersionBaseline& target : question.targets) ask(target);
+    repository.invalidatePathfindingCache();
+    std::vector<std::pair<VersionBaseline, Path>> answers;
+    for (const VersionBaseline& target : question.targets) {
+      answers.emplace_back(target, ask(target));
+    }
+    for (const auto& [target, found] : answers) {
+      if (!found || found->empty()) continue;
+      repository.calls.clear();
+      ASSERT_EQ(everythingOf(*ask(target)), everythingOf(*found));
+      ASSERT_TRUE(repository.calls.empty()) << "answered from the cache";
+      if (found->size() > 2) ++longPaths;
+    }
+  }
+  EXPECT_GT(longPaths, questions / 20);
 }
 
 TEST(Concurrency, CachedQuestionsWhilePathsAreForgotten) {
