@@ -1,5 +1,6 @@
 #pragma once
 
+#include <locale>
 #include <ostream>
 
 #include "platform/diagnostic_logger.hpp"
@@ -23,7 +24,7 @@ inline bool isTraced(TraceLevel level) noexcept {
   return (logger.enabledLevels() & static_cast<unsigned>(level)) != 0;
 }
 
-/// Writes one record whose text `writeText(std::ostream&)` forms.
+/// Writes one record whose text `writeText(std::ostream&)` forms, its numbers in no locale's way.
 ///
 /// When the level is off this costs one load and one bit test and `writeText` is not called. When
 /// it throws, the record is dropped and the exception goes on to the caller.
@@ -32,6 +33,7 @@ void trace(TraceLevel level, const WriteText& writeText) {
   if (!isTraced(level)) [[likely]]
     return;
   if (auto record = logger.openRecord(static_cast<unsigned>(level))) {
+    record.stream().imbue(std::locale::classic());
     writeText(record.stream());
     record.push();
   }

@@ -1,5 +1,6 @@
 #include "pathfinder/hop.hpp"
 
+#include <locale>
 #include <map>
 #include <ostream>
 #include <sstream>
@@ -34,6 +35,7 @@ std::ostream& dumpLockstepHop(const LockstepHop& hops, std::ostream& out) {
 
 std::string dumpLockstepHop(const LockstepHop& hops) {
   std::ostringstream out;
+  out.imbue(std::locale::classic());
   dumpLockstepHop(hops, out);
   return out.str();
 }

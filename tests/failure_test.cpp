@@ -10,6 +10,7 @@
 #include "messages/trace.hpp"
 #include "platform/in_memory/listener.hpp"
 #include "platform/text.hpp"
+#include "support/grouping_locale.hpp"
 #include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
@@ -142,6 +143,82 @@ TEST(Trace, FormsNoTextWhenTheLevelIsOffAndDropsARecordWhoseTextThrows) {
     trace(TraceLevel::CacheStore, [](std::ostream& out) { out << "stored"; });
   });
   EXPECT_EQ(records, Lines{"8 stored"});
+}
+
+/// What an error says of itself, as a line and with everything in it.
+template <class Error>
+std::string textOf(const std::function<void()>& ask) {
+  try {
+    ask();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "no such error";
+}
+
+/// Every kind of record and text with numbers in it, of two digits at least.
+Lines everyText() {
+  TestRepository repository("A10..25 B10:B11 B11:B10 C10 C10>77 D10:D11");
+  for (char name = 'E'; name <= 'H'; ++name) repository.add(std::string(1, name) + "10..11");
+  Lines texts = traceOf(4 | 8, [&] {
+    repository.path("A10 E10 F10 G10 H10", "A25");
+    repository.path("A10 E10 F10 G10 H10", "A25");
+  });
+  texts.push_back(textOf<std::logic_error>([&] { repository.baselines("B10"); }));
+  texts.push_back(textOf<std::logic_error>([&] { repository.steps("C10"); }));
+  texts.push_back(textOf<UnknownVersion>([&] { repository.baselines("A2024.10.11"); }));
+  texts.push_back(dumpLockstepHop({{u"A", Hop(u"A", v(10), v(11), false)}}));
+  return texts;
+}
+
+TEST(Texts, HaveTheirNumbersInNoLocalesWay) {
+  const Lines expected = everyText();
+  EXPECT_GT(expected.size(), 100U);
+  const GlobalGrouping grouping;
+  EXPECT_EQ(everyText(), expected);
+}
+
+TEST(Texts, OfErrorsGoOnAfterANulAndComeToAnEnd) {
+  using namespace std::string_literals;
+  const std::u16string name = u"n\0ame"s;
+  TestRepository repository("");
+  const auto needs = [&](std::uint64_t number) {
+    return Dependency(name, VersionRange::singleVersion(v(number)));
+  };
+  repository.metamodels.emplace_back(name, u"1\0"s, std::vector<Dependency>());
+  repository.hops.emplace_back(name, u"1\0"s,
+                               u"\0"
+                               "2"s,
+                               false);
+  const VersionBaseline baseline = repository.combine(Selection{{name, u"1\0"s}}).at(0);
+  EXPECT_EQ(textOf<std::logic_error>([&] { repository.getStepsFrom(baseline, forward); }),
+            "The repository offers a hop to version \u24002 of metamodel \"n\u2400ame\" but cannot "
+            "return that version.");
+  try {
+    repository.combine(Selection{{name, u"\0"s}});
+    FAIL() << "no exception";
+  } catch (const IMsgIDException& error) {
+    EXPECT_STREQ(error.what(), "There is no version \u2400 of metamodel \"n\u2400ame\".");
+    EXPECT_EQ(error.GetUnicodeMessageTxt(), u"There is no version \0 of metamodel \"n\0ame\"."s);
+  }
+
+  for (std::uint64_t number = 1; number <= 200; ++number) {
+    repository.metamodels.emplace_back(name, v(number), std::vector{needs(number % 200 + 1)});
+  }
+  const auto cycle = [&] { repository.getLinkedMetamodels(name, v(1)); };
+  const std::string brief = textOf<std::logic_error>(cycle);
+  EXPECT_TRUE(
+      brief.starts_with("Metamodels depend on one another in a cycle: n\u2400ame@1.0.0 needs "));
+  EXPECT_TRUE(brief.ends_with(" needs 190 more, the last of which needs n\u2400ame@1.0.0"))
+      << brief;
+  for (Metamodel& metamodel : repository.metamodels) {
+    metamodel.name = std::u16string(1000, u'\u20ac');
+    for (Dependency& dependency : metamodel.dependencies) dependency.name = metamodel.name;
+  }
+  const std::string cut = textOf<std::logic_error>(
+      [&] { repository.getLinkedMetamodels(repository.metamodels.back()); });
+  EXPECT_LT(cut.size(), 2000U);
+  EXPECT_NE(cut.find("\u20ac...@"), std::string::npos) << "cut between characters: " << cut;
 }
 
 TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {

@@ -86,6 +86,20 @@ TEST(FindPath, TellsNothingToDoFromNoPath) {
   }
 }
 
+TEST(FindPath, TakesListsInBracesForWhatTheyMean) {
+  TestRepository repository("Ax Ay Bx By Ax>y Bx>y");
+  const Path path = repository.findPath({{u"A", u"x"}}, {{u"A", u"y"}});
+  EXPECT_EQ(describe(path), "Ax>y => Ay\n");
+  EXPECT_EQ(
+      describe(repository.findPath({{u"A", u"x"}, {u"B", u"x"}}, {{u"A", u"y"}, {u"B", u"x"}})),
+      "Ax>y => Ay Bx\n");
+  const VersionBaseline& from = path->front().from;
+  EXPECT_EQ(describe(repository.findPath({from}, {{u"A", u"y"}})), "Ax>y => Ay\n");
+  EXPECT_EQ(describe(repository.findPath({from, from}, {{u"A", u"y"}})), "Ax>y => Ay\n");
+  EXPECT_EQ(describe(repository.findPath({from, from}, selection("Ay"))), "Ax>y => Ay\n");
+  EXPECT_EQ(repository.combine({{u"A", u"x"}}).at(0), from);
+}
+
 TEST(FindPath, SearchLinksTheTargetsOfProcessedBaselinesOnly) {
   TestRepository repository("A1..5");
   repository.path("A1", "A3");

@@ -134,8 +134,8 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 }
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
-  note("loadMetamodel " + brief(linked->name, linked->version));
   if (isNoting) loaded.push_back(linked);
+  note("loadMetamodel " + brief(linked->name, linked->version));
 }
 
 std::string TestRepository::callsOf(const std::string& operation) const {
@@ -161,7 +161,7 @@ std::string describe(const VersionBaseline& baseline) {
   std::string result;
   for (const auto& [name, linked] :
        std::map(baseline.metamodels.begin(), baseline.metamodels.end())) {
-    result += (result.empty() ? "" : " ") + brief(name, linked->version);
+    if (linked) result += (result.empty() ? "" : " ") + brief(name, linked->version);
   }
   return result;
 }

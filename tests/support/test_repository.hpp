@@ -102,7 +102,7 @@ std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamo
 /// "A1", "B2.5.0", "Cspring".
 std::string brief(const std::u16string& name, const VersionId& version);
 
-/// The metamodels of a baseline by ascending name: "A1 B2.5.0 Cspring".
+/// The metamodels of a baseline by ascending name, without null ones: "A1 B2.5.0 Cspring".
 std::string describe(const VersionBaseline& baseline);
 
 /// The same for each of several: "A1 B1, A1 B2".
