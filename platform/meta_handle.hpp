@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/requirements.hpp"
+
 namespace tarn::meta {
 
 /// Base of every implementation object of the meta type system: an intrusive reference count.

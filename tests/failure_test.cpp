@@ -1,17 +1,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <boost/exception/get_error_info.hpp>
 #include <memory>
 #include <set>
+#include <thread>
 
 #include "messages/report_exception.hpp"
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
 #include "platform/in_memory/listener.hpp"
+#include "platform/in_memory/logging.hpp"
 #include "platform/text.hpp"
 #include "support/grouping_locale.hpp"
 #include "support/path_finder_errors.hpp"
+#include "support/random_cases.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
@@ -143,6 +147,47 @@ TEST(Trace, FormsNoTextWhenTheLevelIsOffAndDropsARecordWhoseTextThrows) {
     trace(TraceLevel::CacheStore, [](std::ostream& out) { out << "stored"; });
   });
   EXPECT_EQ(records, Lines{"8 stored"});
+}
+
+TEST(TraceConcurrency, ARemovedSinkIsShownNothingMore) {
+  using namespace foundation::log::in_memory;
+  const auto write = [] { trace(TraceLevel::Reasoning, [](std::ostream& out) { out << "text"; }); };
+  setEnabledLevels("tarn::evolution::pathfinder", 4);
+  std::atomic<bool> isOver{false};
+  std::thread writer([&] {
+    while (!isOver) write();
+  });
+  std::atomic<int> late{0};
+  for (unsigned left = randomCases(200); left > 0; --left) {
+    // Outlives the sink: what is counted after its removal is too late.
+    const auto isRemoved = std::make_shared<std::atomic<bool>>(false);
+    const RecordSinkId sink = addRecordSink([&late, isRemoved](const RecordView& record) {
+      if (*isRemoved || record.text != "text") ++late;
+    });
+    std::this_thread::yield();
+    removeRecordSink(sink);
+    *isRemoved = true;
+    EXPECT_EQ(isRemoved.use_count(), 1) << "the function is destroyed";
+    removeRecordSink(sink);
+  }
+  isOver = true;
+  writer.join();
+  EXPECT_EQ(late, 0);
+
+  int shown = 0;
+  int others = 0;
+  const RecordSinkId other = addRecordSink([&](const RecordView&) { ++others; });
+  RecordSinkId self{};
+  self = addRecordSink([&shown, &self](const RecordView&) {
+    removeRecordSink(self);
+    ++shown;
+  });
+  write();
+  write();
+  EXPECT_EQ(shown, 1) << "a sink may remove itself";
+  EXPECT_EQ(others, 2);
+  removeRecordSink(other);
+  setEnabledLevels("tarn::evolution::pathfinder", 0);
 }
 
 /// What an error says of itself, as a line and with everything in it.
