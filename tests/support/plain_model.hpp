@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/test_repository.hpp"
@@ -14,7 +15,8 @@ namespace test {
 /// metamodels, their identity, caches or a search engine. Slow, for small catalogues in which no
 /// name depends on itself, directly or through others.
 ///
-/// Looks at the repository's content as it is when asked, but remembers how metamodels are linked.
+/// Looks at the repository's content as it is when asked, but remembers how metamodels are linked,
+/// and steps until something is added.
 class PlainModel {
  public:
   /// A version for each name, by its place among the repository's metamodels.
@@ -45,8 +47,8 @@ class PlainModel {
   /// Every consistent baseline of a selection.
   std::vector<Baseline> combine(const Baseline& selection);
 
-  /// Every step that leaves a baseline.
-  std::vector<Step> stepsFrom(const Baseline& from, VersionRepository::Direction direction);
+  /// Every step that leaves a baseline. Valid until the repository's content has changed.
+  const std::vector<Step>& stepsFrom(const Baseline& from, VersionRepository::Direction direction);
 
   /// The same baseline as the repository's.
   Baseline baselineOf(const VersionBaseline& baseline) const;
@@ -60,9 +62,14 @@ class PlainModel {
   std::optional<SemVer> semVerOf(const Metamodel& metamodel) const;
   std::vector<Hop> hopsFrom(std::size_t from, VersionRepository::Direction direction) const;
   std::vector<Baseline> optionsFor(const Dependency& dependency);
+  std::vector<Step> tryStepsFrom(const Baseline& from, VersionRepository::Direction direction);
 
   const TestRepository& repository_;
   std::map<std::size_t, std::vector<Baseline>> linked_;
+
+  // What was worked out for a repository of so many metamodels and hops, to which some may be added.
+  std::map<std::pair<Baseline, VersionRepository::Direction>, std::vector<Step>> steps_;
+  std::pair<std::size_t, std::size_t> stepsAmong_;
 };
 
 }  // namespace test

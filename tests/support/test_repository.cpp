@@ -33,8 +33,10 @@ std::vector<std::string> split(const std::string& text, char separator) {
 }
 
 std::string brief(const VersionId& version) {
-  std::string text = printed(version);
-  if (text.ends_with(".0.0")) text.resize(text.size() - 4);
+  if (!version.isSemVer()) return fl::i18n::ustring_to_utf8(version.getText());
+  const auto& [major, minor, patch] = version.getSemVer();
+  std::string text = std::to_string(major);
+  if (minor != 0 || patch != 0) text += "." + std::to_string(minor) + "." + std::to_string(patch);
   return text;
 }
 
@@ -105,7 +107,7 @@ std::string TestRepository::steps(const std::string& from, Direction direction) 
 
 std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& name,
                                                           const std::u16string& text) {
-  note("getEquivalentSemVer " + brief(name, text));
+  note([&] { return "getEquivalentSemVer " + brief(name, text); });
   const auto found = equivalents.find({name, text});
   if (found == equivalents.end()) return std::nullopt;
   return found->second;
@@ -113,13 +115,13 @@ std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& 
 
 std::optional<Metamodel> TestRepository::getMetamodel(const std::u16string& name,
                                                       const VersionId& version) {
-  note("getMetamodel " + brief(name, version));
+  note([&] { return "getMetamodel " + brief(name, version); });
   return VersionRepository::getMetamodel(name, version);
 }
 
 void TestRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
                                     std::vector<Metamodel>& result) {
-  note("findMetamodels " + fl::i18n::ustring_to_utf8(name) + printed(range));
+  note([&] { return "findMetamodels " + fl::i18n::ustring_to_utf8(name) + printed(range); });
   for (const Metamodel& metamodel : metamodels) {
     if (metamodel.name == name && includes(range, metamodel)) result.push_back(metamodel);
   }
@@ -127,7 +129,7 @@ void TestRepository::findMetamodels(const std::u16string& name, const VersionRan
 
 void TestRepository::findHops(const std::u16string& name, const VersionId& from,
                               std::vector<Hop>& result) {
-  note("findHops " + brief(name, from));
+  note([&] { return "findHops " + brief(name, from); });
   for (const Hop& hop : hops) {
     if (hop.name == name && hop.from == from) result.push_back(hop);
   }
@@ -135,7 +137,7 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
   if (isNoting) loaded.push_back(linked);
-  note("loadMetamodel " + brief(linked->name, linked->version));
+  note([&] { return "loadMetamodel " + brief(linked->name, linked->version); });
 }
 
 std::string TestRepository::callsOf(const std::string& operation) const {
@@ -146,7 +148,10 @@ std::string TestRepository::callsOf(const std::string& operation) const {
   return result.empty() ? result : result.substr(1);
 }
 
-void TestRepository::note(const std::string& call) {
+template <class Describe>
+void TestRepository::note(const Describe& describeCall) {
+  if (!isNoting && !onCall) return;
+  const std::string call = describeCall();
   if (isNoting) calls.push_back(call);
   if (onCall) onCall(call);
 }

@@ -93,7 +93,8 @@ class TestRepository : public VersionRepository {
   using VersionRepository::accessTag;
 
  private:
-  void note(const std::string& call);
+  template <class Describe>
+  void note(const Describe& describeCall);
 };
 
 /// The hops that the repository offers from there.
