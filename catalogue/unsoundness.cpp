@@ -1,5 +1,8 @@
 #include "catalogue/unsoundness.hpp"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "catalogue/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -47,8 +50,11 @@ CatalogueError dependsOnItself(std::size_t position, const std::vector<Metamodel
 }
 
 std::string describeCycle(const std::vector<Metamodel>& cycle) {
+  constexpr std::size_t mostNamed = 10;
+  const std::size_t named = std::min(cycle.size(), mostNamed);
   std::string text = "the dependencies form a cycle: ";
-  for (const Metamodel& metamodel : cycle) text += textOf(metamodel) + " -> ";
+  for (std::size_t i = 0; i < named; ++i) text += textOf(cycle[i]) + " -> ";
+  if (named < cycle.size()) text += std::to_string(cycle.size() - named) + " more -> ";
   return text + textOf(cycle.front());
 }
 

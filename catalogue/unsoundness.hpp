@@ -37,7 +37,7 @@ CatalogueError hopOfUnknownVersion(std::size_t position, const std::string& end,
 CatalogueError dependsOnItself(std::size_t position,
                                const std::vector<pathfinder::Metamodel>& cycle);
 
-/// The cycle as text, without a place.
+/// The cycle as text, without a place. Of a long one the beginning.
 std::string describeCycle(const std::vector<pathfinder::Metamodel>& cycle);
 
 }  // namespace tarn::evolution::catalogue

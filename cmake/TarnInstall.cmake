@@ -18,12 +18,14 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 # tarn_install_headers(COMPONENT HEADER...): each under the folder that it is included by. A header is
-# named relative to the project or to the folder of generated headers. Those of the project are noted in the global
-# property TARN_PUBLIC_HEADERS, installed or not.
+# named relative to the project or to the folder of generated headers. Those of the project, and those made of one of its
+# own, are noted in the global property TARN_PUBLIC_HEADERS, installed or not.
 function(tarn_install_headers component)
   foreach(header IN LISTS ARGN)
     if(EXISTS ${PROJECT_SOURCE_DIR}/${header})
       set_property(GLOBAL APPEND PROPERTY TARN_PUBLIC_HEADERS ${PROJECT_SOURCE_DIR}/${header})
+    elseif(EXISTS ${PROJECT_SOURCE_DIR}/${header}.in)
+      set_property(GLOBAL APPEND PROPERTY TARN_PUBLIC_HEADERS ${PROJECT_BINARY_DIR}/generated/${header})
     endif()
   endforeach()
   if(NOT TARN_INSTALL)
@@ -48,7 +50,8 @@ function(tarn_install_library target export_set name component development_compo
   set_target_properties(${target} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "${TARN_LIBRARY_RPATH}")
   install(TARGETS ${target} EXPORT ${export_set}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component}
-            NAMELINK_COMPONENT ${development_component})
+            NAMELINK_COMPONENT ${development_component}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${development_component})
 endfunction()
 
 # The targets that find_package brings, for one of its components.
@@ -67,6 +70,19 @@ function(tarn_install_pkgconfig name component)
   set(TARN_PKGCONFIG_PLATFORM "")
   if(TARN_PLATFORM STREQUAL "in_memory")
     set(TARN_PKGCONFIG_PLATFORM " -ltarn_platform_in_memory")
+  endif()
+  # What static libraries need besides, from `pkg-config --static`.
+  string(REPLACE "-" "_" library ${name})
+  string(TOUPPER ${library} library)
+  set(TARN_PKGCONFIG_DEFINES "")
+  set(TARN_PKGCONFIG_PRIVATE "")
+  if(TARN_STATIC)
+    set(TARN_PKGCONFIG_DEFINES " -D${library}_STATIC_DEFINE")
+    if(name STREQUAL "tarn-evolution-catalogue")
+      set(TARN_PKGCONFIG_PRIVATE "Requires.private: sqlite3 >= ${TARN_SQLITE_VERSION}, libutf8proc\n")
+    elseif(TARN_PLATFORM STREQUAL "in_memory")
+      set(TARN_PKGCONFIG_PRIVATE "Libs.private: -lboost_log -lboost_thread -lboost_filesystem -pthread\n")
+    endif()
   endif()
   configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${TARN_PKGCONFIG_DIR} COMPONENT ${component})
@@ -101,14 +117,15 @@ function(tarn_install_package_config component)
   if(NOT TARN_INSTALL)
     return()
   endif()
-  set(TARN_BOOST_COMPONENTS "")
-  if(TARN_PLATFORM STREQUAL "in_memory")
-    set(TARN_BOOST_COMPONENTS " COMPONENTS log")
+  # Whoever links static libraries links what these were built with.
+  set(TARN_BOOST_NEEDED "${TARN_BOOST_VERSION}")
+  if(TARN_STATIC AND TARN_PLATFORM STREQUAL "in_memory")
+    set(TARN_BOOST_NEEDED "${Boost_VERSION_STRING} EXACT COMPONENTS log")
   endif()
   set(config ${PROJECT_BINARY_DIR}/tarn_evolution_pathfinder-config)
   configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/tarn_evolution_pathfinder-config.cmake.in
     ${config}.cmake INSTALL_DESTINATION ${TARN_PACKAGE_DIR} NO_SET_AND_CHECK_MACRO)
   write_basic_package_version_file(${config}-version.cmake COMPATIBILITY ${TARN_COMPATIBILITY})
-  install(FILES ${config}.cmake ${config}-version.cmake DESTINATION ${TARN_PACKAGE_DIR}
-    COMPONENT ${component})
+  install(FILES ${config}.cmake ${config}-version.cmake ${PROJECT_SOURCE_DIR}/cmake/TarnPlatformKind.cmake
+    DESTINATION ${TARN_PACKAGE_DIR} COMPONENT ${component})
 endfunction()

@@ -53,7 +53,10 @@ set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(platform "libtarn-platform-in-memory${TARN_SOVERSION}")
 set(pathfinder "libtarn-evolution-pathfinder${TARN_SOVERSION}")
 set(catalogue "libtarn-evolution-catalogue${TARN_SOVERSION}")
-set(boost_log "libboost-log${TARN_BOOST_VERSION}-dev")
+# The headers need Boost.Exception only, of either version in Debian 12. These exclude one another, and a host may need
+# the first, which is the default, for itself.
+set(boost_headers "libboost1.74-dev | libboost1.81-dev")
+set(sqlite "libsqlite3-0 (>= ${TARN_SQLITE_VERSION})")
 
 tarn_package(platform ${platform} libs
   "development platform of the evolution path finder"
@@ -66,12 +69,12 @@ tarn_package(pathfinder ${pathfinder} libs
 tarn_package(development libtarn-evolution-pathfinder-dev libdevel
   "evolution path finder (development files)"
   "Headers, the CMake package tarn_evolution_pathfinder and the pkg-config file\ntarn-evolution-pathfinder."
-  "${platform} ${same_version};${pathfinder} ${same_version};${boost_log}")
+  "${platform} ${same_version};${pathfinder} ${same_version};${boost_headers}")
 if(TARN_BUILD_TOOLS)
   tarn_package(catalogue ${catalogue} libs
     "catalogues for the evolution path finder (shared library)"
     "Reads, checks, stores, explains and draws catalogues of metamodels and of the\nhops between their versions."
-    "${platform} ${same_version};${pathfinder} ${same_version}")
+    "${platform} ${same_version};${pathfinder} ${same_version};${sqlite}")
   tarn_package(catalogue_development libtarn-evolution-catalogue-dev libdevel
     "catalogues for the evolution path finder (development files)"
     "Headers, and the component catalogue of the CMake package\ntarn_evolution_pathfinder."

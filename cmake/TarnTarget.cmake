@@ -22,10 +22,22 @@ function(tarn_target_defaults target)
   endif()
 endfunction()
 
-# A shared library whose version and SONAME are the project's.
+# What libraries are built as.
+set(TARN_LIBRARY_KIND SHARED)
+if(TARN_STATIC)
+  set(TARN_LIBRARY_KIND STATIC)
+endif()
+
+# tarn_library(TARGET [NAME]): a library, or the objects of one, whose version and SONAME are the project's. Headers that
+# say what the library NAME exports are told when it is a static one.
 function(tarn_library target)
   tarn_target_defaults(${target})
+  if(TARN_STATIC AND ARGC GREATER 1)
+    string(TOUPPER ${ARGV1} name)
+    target_compile_definitions(${target} PUBLIC ${name}_STATIC_DEFINE)
+  endif()
   set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON  # static ones too may become part of a shared object
     VERSION ${PROJECT_VERSION}
     SOVERSION ${TARN_SOVERSION})
   # Nobody replaces a function of ours at load time, so that our own calls need no detour.
@@ -37,8 +49,18 @@ function(tarn_library target)
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tarn-evolution>)
 endfunction()
 
+# The header with the macro for what the library exports. It brings what all headers need.
+function(tarn_export_header target)
+  set(requirements "#include \"platform/requirements.hpp\"")
+  generate_export_header(${target} EXPORT_FILE_NAME ${PROJECT_BINARY_DIR}/generated/${target}_export.hpp
+    CUSTOM_CONTENT_FROM_VARIABLE requirements)
+endfunction()
+
 # Hides the instantiations of other people's templates, which visibility lets through.
 function(tarn_export_only_own_symbols target)
+  if(TARN_STATIC)
+    return()
+  endif()
   set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
   target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${map})

@@ -41,21 +41,23 @@ class EventPrinter : public instrument::in_memory::Listener {
   }
 };
 
-void showRecords() {
-  foundation::log::in_memory::addRecordSink(
+foundation::log::in_memory::RecordSinkId showRecords() {
+  const auto sink = foundation::log::in_memory::addRecordSink(
       [](const foundation::log::in_memory::RecordView& record) {
         std::cout << record.channel << " [" << record.severity << "] " << record.text << "\n";
       });
   foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
+  return sink;
 }
 
 }  // namespace
 
 int main() {
-  showRecords();
+  const auto sink = showRecords();
   const auto printer = std::make_shared<EventPrinter>();
   instrument::in_memory::addListener(printer);
   Shapes repository;
   repository.findPath({{u"shape", SemVer{1, 0, 0}}}, {{u"shape", SemVer{2, 0, 0}}});
   instrument::in_memory::removeListener(printer);
+  foundation::log::in_memory::removeRecordSink(sink);
 }

@@ -13,6 +13,7 @@ using namespace test;
 namespace {
 
 constexpr int mostOperations = 24;
+constexpr int mostCalls = 10000;
 constexpr int mostAdditions = 6;
 constexpr std::size_t mostSteps = 1000;  // that the model is to try for one question
 
@@ -57,7 +58,10 @@ std::optional<std::vector<PlainModel::Baseline>> combined(PlainModel& model,
 }  // namespace
 
 void RepositorySession::run() {
-  for (int left = mostOperations; left > 0 && !bytes_.isEmpty(); --left) runOperation();
+  for (int left = mostOperations; left > 0 && !bytes_.isEmpty(); --left) {
+    if (repository_.calls > mostCalls) return;
+    runOperation();
+  }
 }
 
 void RepositorySession::runOperation() {
@@ -79,10 +83,10 @@ void RepositorySession::runOperation() {
       &RepositorySession::addMetamodel,
       &RepositorySession::failSoon,
   };
-  loads_ = 0;
+  repository_.loads = 0;
   const Operation operation = operations[bytes_.below(std::size(operations))];
   (this->*operation)();
-  if (operation != &RepositorySession::failSoon) callsLeft_ = 0;
+  if (operation != &RepositorySession::failSoon) repository_.callsLeft = 0;
 }
 
 /// What the cache has to answer, if anything.
@@ -104,7 +108,7 @@ void RepositorySession::checkPath(const PathQuestion& question, const Ask& ask) 
                            VersionRepository::getDirectionString(question.direction) + "\n";
   const std::optional<std::string> cached = cachedPath(question);
   const Outcome found = outcomeOf([&] { return ask(repository_); });
-  if (loads_ == 0 && cached) {
+  if (repository_.loads == 0 && cached) {
     if (found.text != failed) check(what + "from the cache", *cached, found.text);
   } else if (found.text != failed) {
     freshly([&](TestRepository& fresh) {
@@ -375,8 +379,8 @@ void RepositorySession::addMetamodel() {
 
 /// A callback throws in the next operation, if it comes that far.
 void RepositorySession::failSoon() {
-  callsLeft_ = 1 + static_cast<int>(bytes_.below(64));
-  history_ += "fail at call " + std::to_string(callsLeft_) + "\n";
+  repository_.callsLeft = 1 + static_cast<int>(bytes_.below(64));
+  history_ += "fail at call " + std::to_string(repository_.callsLeft) + "\n";
 }
 
 }  // namespace fuzz

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <locale>
 #include <ostream>
 
 #include "platform/diagnostic_logger.hpp"
@@ -18,16 +19,21 @@ enum class TraceLevel : unsigned {
 /// at process exit.
 extern foundation::log::basic_diagnostic_logger<char> logger;
 
-/// Writes one record whose text `writeText(std::ostream&)` forms.
+/// Whether records of the level are written, unless a sink refuses them.
+inline bool isTraced(TraceLevel level) noexcept {
+  return (logger.enabledLevels() & static_cast<unsigned>(level)) != 0;
+}
+
+/// Writes one record whose text `writeText(std::ostream&)` forms, its numbers in no locale's way.
 ///
 /// When the level is off this costs one load and one bit test and `writeText` is not called. When
 /// it throws, the record is dropped and the exception goes on to the caller.
 template <class WriteText>
 void trace(TraceLevel level, const WriteText& writeText) {
-  const auto severity = static_cast<unsigned>(level);
-  if ((logger.enabledLevels() & severity) == 0) [[likely]]
+  if (!isTraced(level)) [[likely]]
     return;
-  if (auto record = logger.openRecord(severity)) {
+  if (auto record = logger.openRecord(static_cast<unsigned>(level))) {
+    record.stream().imbue(std::locale::classic());
     writeText(record.stream());
     record.push();
   }

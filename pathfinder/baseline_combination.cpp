@@ -1,10 +1,12 @@
 #include "pathfinder/baseline_combination.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
 #include "pathfinder/covering_link.hpp"
+#include "pathfinder/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -12,15 +14,20 @@ namespace {
 
 using Candidates = std::vector<std::shared_ptr<LinkedMetamodel>>;
 
+void refuseNull(const std::shared_ptr<LinkedMetamodel>& candidate, const std::u16string& name) {
+  if (candidate) return;
+  throw std::invalid_argument("There is a null pointer among the alternatives for metamodel \"" +
+                              shownText(name) + "\".");
+}
+
 /// One baseline for each candidate of the first name.
-std::vector<VersionBaseline> startWith(const Candidates& candidates, std::size_t names) {
+std::vector<VersionBaseline> startWith(const Alternatives& first) {
   std::vector<VersionBaseline> result;
-  result.reserve(candidates.size());
-  for (const auto& candidate : candidates) {
+  result.reserve(first.candidates->size());
+  for (const auto& candidate : *first.candidates) {
+    refuseNull(candidate, *first.name);
     auto baseline = VersionBaseline::create({candidate});
-    if (!baseline) continue;
-    baseline->metamodels.reserve(names);
-    result.push_back(*std::move(baseline));
+    if (baseline) result.push_back(*std::move(baseline));
   }
   return result;
 }
@@ -48,9 +55,13 @@ class CandidateSet {
 };
 
 /// Appends to `result` every way to give `baseline`, which is used up, one of the candidates.
-void extend(VersionBaseline&& baseline, const Candidates& candidates,
+void extend(VersionBaseline&& baseline, const Alternatives& name,
             std::vector<VersionBaseline>& result) {
-  const auto isAdmitted = [&](const auto& candidate) { return baseline.admits(candidate); };
+  const Candidates& candidates = *name.candidates;
+  const auto isAdmitted = [&](const auto& candidate) {
+    refuseNull(candidate, *name.name);
+    return baseline.admits(candidate);
+  };
   auto candidate = std::find_if(candidates.begin(), candidates.end(), isAdmitted);
   while (candidate != candidates.end()) {
     const auto next = std::find_if(candidate + 1, candidates.end(), isAdmitted);
@@ -91,6 +102,7 @@ bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>&
     if (held != baseline.metamodels.end() && held->second.get() == covering) return true;
   }
   return std::all_of(links.begin(), links.end(), [&](const auto& link) {
+    if (!link.second) return true;
     if (link.first == candidate->name) return true;  // stands back behind the candidate itself
     const auto [held, isAdded] = baseline.metamodels.try_emplace(link.first, link.second);
     return isAdded || held->second == link.second;
@@ -110,7 +122,9 @@ void keepComplete(std::vector<VersionBaseline>& partial,
 }
 
 bool hasOnlyCandidate(const Alternatives& name) {
-  return name.candidates->size() == 1 && name.candidates->front()->name == *name.name;
+  if (name.candidates->size() != 1) return false;
+  const auto& only = name.candidates->front();
+  return only && only->name == *name.name;
 }
 
 }  // namespace
@@ -119,8 +133,7 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
                                             Links links) {
   if (alternatives.empty()) return {};
   const bool haveLinks = areLinksHeld(alternatives, links);
-  std::vector<VersionBaseline> partial =
-      startWith(*alternatives.front().candidates, alternatives.size());
+  std::vector<VersionBaseline> partial = startWith(alternatives.front());
   for (auto next = alternatives.begin() + 1; next != alternatives.end() && !partial.empty();
        ++next) {
     if (hasOnlyCandidate(*next)) {
@@ -133,7 +146,7 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
     for (VersionBaseline& baseline : partial) {
       const auto held = baseline.metamodels.find(*next->name);
       if (held == baseline.metamodels.end() || !held->second) {
-        extend(std::move(baseline), *next->candidates, extended);
+        extend(std::move(baseline), *next, extended);
       } else if (candidates.contains(held->second)) {
         extended.push_back(std::move(baseline));
       }

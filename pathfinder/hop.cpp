@@ -1,5 +1,6 @@
 #include "pathfinder/hop.hpp"
 
+#include <locale>
 #include <map>
 #include <ostream>
 #include <sstream>
@@ -35,6 +36,7 @@ std::ostream& dumpLockstepHop(const LockstepHop& hops, std::ostream& out) {
 std::string dumpLockstepHop(const LockstepHop& hops) {
   std::ostringstream out;
   out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
+  out.imbue(std::locale::classic());
   dumpLockstepHop(hops, out);
   return out.str();
 }

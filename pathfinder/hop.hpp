@@ -34,7 +34,7 @@ using LockstepHop = std::unordered_map<std::u16string, Hop>;
 TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& dumpLockstepHop(const LockstepHop& hops,
                                                                std::ostream& out);
 
-/// The same text as a string.
+/// The same text as a string, whatever the global locale is.
 TARN_EVOLUTION_PATHFINDER_EXPORT std::string dumpLockstepHop(const LockstepHop& hops);
 
 /// One step of a path: the baseline before it, the baseline after it, and the lockstep hop between.

@@ -1,13 +1,11 @@
 #include "pathfinder/hop_collection.hpp"
 
-#include <cassert>
 #include <ostream>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "messages/trace.hpp"
-#include "platform/text.hpp"
+#include "pathfinder/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -17,11 +15,9 @@ using diagnostics::TraceLevel;
 namespace {
 
 [[noreturn]] void reportUnknownTarget(const Hop& hop) {
-  assert(false && "the repository offers a hop to a version that it cannot return");
-  std::ostringstream text;
-  text << "The repository offers a hop to version " << hop.to << " of metamodel \""
-       << fl::i18n::ustring_to_utf8(hop.name) << "\" but cannot return that version.";
-  throw std::logic_error(text.str());
+  throw std::logic_error("The repository offers a hop to version " + shownText(hop.to) +
+                         " of metamodel \"" + shownText(hop.name) +
+                         "\" but cannot return that version.");
 }
 
 bool goesAgainst(VersionRepository::Direction direction, const Metamodel& current, const Hop& hop,

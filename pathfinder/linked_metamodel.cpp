@@ -1,8 +1,13 @@
 #include "pathfinder/linked_metamodel.hpp"
 
+#include <algorithm>
 #include <ostream>
+#include <stdexcept>
 
 #include "pathfinder/class_test.hpp"
+#include "pathfinder/entry_insertion.hpp"
+#include "pathfinder/error_text.hpp"
+#include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -39,6 +44,7 @@ void LinkedMetamodel::setMetamodelPackage(const AccessTag& /*tag*/,
 }
 
 bool LinkedMetamodel::linkMetamodel(const std::shared_ptr<LinkedMetamodel>& other) {
+  if (!other) throw std::invalid_argument(briefText(*this) + " is given a null pointer to link.");
   if (linkedMetamodels.empty() && !other->linkedMetamodels.contains(other->name)) {
     // Copying a map is cheaper than filling one.
     auto links = other->linkedMetamodels;
@@ -46,13 +52,17 @@ bool LinkedMetamodel::linkMetamodel(const std::shared_ptr<LinkedMetamodel>& othe
     linkedMetamodels = std::move(links);
     return true;
   }
-  const auto [own, isNew] = linkedMetamodels.try_emplace(other->name, other);
-  if (!isNew) return own->second == other;
-  for (const auto& [linkedName, linked] : other->linkedMetamodels) {
-    const auto [present, inserted] = linkedMetamodels.try_emplace(linkedName, linked);
-    if (!inserted && present->second != linked) return false;
+  if (const auto own = linkedMetamodels.find(other->name); own != linkedMetamodels.end()) {
+    return own->second == other;
   }
-  return true;
+  EntryInsertion links(linkedMetamodels);
+  links.add(other->name, other);
+  const auto& all = other->linkedMetamodels;
+  const bool agrees = std::all_of(all.begin(), all.end(), [&](const auto& link) {
+    return !link.second || links.add(link.first, link.second) == link.second;
+  });
+  links.keep();
+  return agrees;
 }
 
 tarn::meta::Type LinkedMetamodel::findTypeInMetamodelOnly(
@@ -68,6 +78,7 @@ tarn::meta::Package LinkedMetamodel::findPackageInMetamodelOnly(
 tarn::meta::Type LinkedMetamodel::findType(const std::u16string& qualifiedName) const {
   if (tarn::meta::Type own = findTypeInMetamodelOnly(qualifiedName)) return own;
   for (const auto& [linkedName, linked] : linkedMetamodels) {
+    if (!linked) continue;
     if (tarn::meta::Type found = linked->findTypeInMetamodelOnly(qualifiedName)) return found;
   }
   return {};
@@ -80,15 +91,17 @@ tarn::meta::Class LinkedMetamodel::findClass(const std::u16string& qualifiedName
 std::optional<Metamodel> LinkedMetamodel::findMetamodel(const std::u16string& wantedName) const {
   if (wantedName == name) return descriptor(*this);
   const auto linked = linkedMetamodels.find(wantedName);
-  if (linked == linkedMetamodels.end()) return std::nullopt;
+  if (linked == linkedMetamodels.end() || !linked->second) return std::nullopt;
   return descriptor(*linked->second);
 }
 
 void LinkedMetamodel::fecthSubclassesInMetamodelOnly(const tarn::meta::Type& base,
                                                      std::vector<tarn::meta::Type>& out) const {
+  std::vector<tarn::meta::Type> found;  // added in the end, as that may move `base`
   for (const auto& [qualifiedName, type] : types_) {
-    if (type->isSubclassOf(base)) out.push_back(type);
+    if (type->isSubclassOf(base)) found.push_back(type);
   }
+  out.insert(out.end(), found.begin(), found.end());
 }
 
 std::shared_ptr<LinkedMetamodel> LinkedMetamodel::clone() const {
@@ -103,7 +116,12 @@ std::shared_ptr<LinkedMetamodel> LinkedMetamodel::clone() const {
 std::ostream& operator<<(std::ostream& out, const LinkedMetamodel& linked) {
   out << "LinkedMetamodel{" << descriptor(linked);
   for (const auto& [name, dependency] : linked.linkedMetamodels) {
-    out << " ->" << descriptor(*dependency);
+    out << " ->";
+    if (dependency) {
+      out << descriptor(*dependency);
+    } else {
+      out << fl::i18n::ustring_to_utf8(name);
+    }
   }
   return out << "}";
 }

@@ -53,11 +53,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
   /// The metamodel's own package; empty until it is set.
   tarn::meta::Package getMetamodelPackage() const { return metamodelPackage_; }
 
-  /// Links `other`, which must not be null, and everything that it links. Returns false when a name
-  /// is already linked to another linked metamodel.
+  /// Links `other` and everything that it links. Returns false when a name is already linked to
+  /// another linked metamodel.
   ///
   /// What was linked before a conflict was met stays linked: after false, `other` itself may be
-  /// linked.
+  /// linked. After an exception nothing has changed: std::invalid_argument for a null pointer, or
+  /// std::bad_alloc.
   bool linkMetamodel(const std::shared_ptr<LinkedMetamodel>& other);
 
   /// The type registered here under that name; empty when there is none.
@@ -77,8 +78,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
   /// `name`, if any.
   std::optional<Metamodel> findMetamodel(const std::u16string& name) const;
 
-  /// Appends to `out` every type registered here that is a subclass of `base`. The spelling is part
-  /// of the interface.
+  /// Appends to `out` every type registered here that is a subclass of `base`, which may be an
+  /// element of `out`. The spelling is part of the interface.
   void fecthSubclassesInMetamodelOnly(const tarn::meta::Type& base,
                                       std::vector<tarn::meta::Type>& out) const;
 
@@ -86,7 +87,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT LinkedMetamodel : public Metamodel {
   std::shared_ptr<LinkedMetamodel> clone() const;
 
   /// The linked metamodels by name: the direct dependencies and all that they link, so the whole
-  /// closure. To be changed through `linkMetamodel` only.
+  /// closure. To be changed through `linkMetamodel` only. A null pointer, as a look-up
+  /// `linkedMetamodels[name]` makes it, is passed over here; what leaves `loadMetamodel` with one
+  /// is refused.
   std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>> linkedMetamodels;
 
  private:

@@ -1,9 +1,12 @@
 #include "pathfinder/linked_metamodel_creation.hpp"
 
 #include <algorithm>
-#include <sstream>
+#include <cstddef>
 #include <stdexcept>
+#include <string>
 #include <utility>
+
+#include "pathfinder/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -66,10 +69,25 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
                                                         const OptionsByName& optionsByName) {
   LinkedMetamodels results =
       linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
-  for (const auto& linked : results) repository_.loadMetamodel(linked);
+  for (const auto& linked : results) load(linked);
   const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results));
   repository_.invalidatePathfindingCache();
   return kept;
+}
+
+/// Has the application load a new linked metamodel. What it may have linked to nothing is found out
+/// here once rather than wherever links are followed.
+void LinkedMetamodelCreation::load(const std::shared_ptr<LinkedMetamodel>& linked) {
+  const auto& links = linked->linkedMetamodels;
+  const std::size_t before = links.size();
+  repository_.loadMetamodel(linked);
+  if (links.size() == before) return;
+  const auto empty = std::find_if(links.begin(), links.end(),
+                                  [](const auto& link) { return link.second == nullptr; });
+  if (empty == links.end()) return;
+  throw std::logic_error("Loading " + briefText(*linked) +
+                         " has left a null pointer among its links, under \"" +
+                         shownText(empty->first) + "\".");
 }
 
 void LinkedMetamodelCreation::watchForCycle() {
@@ -92,10 +110,14 @@ void LinkedMetamodelCreation::reportCycle() const {
   const auto length = again - pending_.rbegin();
   auto first = pending_.begin();
   while (!isSame(*first, first[length])) ++first;
-  std::ostringstream text;
-  text << "Metamodels depend on one another in a cycle: " << *first->metamodel;
-  for (auto next = first; next != first + length; ++next) text << " needs " << *next[1].metamodel;
-  throw std::logic_error(text.str());
+  constexpr std::ptrdiff_t mostNamed = 10;
+  const std::ptrdiff_t named = length <= mostNamed ? length : mostNamed;
+  std::string text = "Metamodels depend on one another in a cycle: ";
+  for (auto next = first; next != first + named; ++next) {
+    text += briefText(*next->metamodel) + " needs ";
+  }
+  if (named != length) text += std::to_string(length - named) + " more, the last of which needs ";
+  throw std::logic_error(text + briefText(*first->metamodel));
 }
 
 }  // namespace tarn::evolution::pathfinder

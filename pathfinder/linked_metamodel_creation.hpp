@@ -42,6 +42,7 @@ class LinkedMetamodelCreation {
   void begin(const Metamodel& metamodel);
   const Metamodel* nextUnlinked(Pending& pending);
   const LinkedMetamodels& finish(const Metamodel& metamodel, const OptionsByName& optionsByName);
+  void load(const std::shared_ptr<LinkedMetamodel>& linked);
   void watchForCycle();
   [[noreturn]] void reportCycle() const;
 

@@ -5,18 +5,21 @@
 #include <shared_mutex>
 
 #include "messages/trace.hpp"
+#include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
 
+using diagnostics::isTraced;
 using diagnostics::trace;
 using diagnostics::TraceLevel;
 using diagnostics::traceValue;
 
 namespace {
 
-void traceHit(const std::vector<BaselineHop>& path) {
+void traceHit(const StoredPath& path) {
+  if (!isTraced(TraceLevel::Reasoning)) return;
   traceValue("Found Path in cache");
-  for (const BaselineHop& step : path) traceValue(step.to);
+  for (const BaselineHop& step : path.restore()) traceValue(step.to);
 }
 
 void traceStore(const std::vector<BaselineHop>& path) {
@@ -31,74 +34,63 @@ void traceStore(const std::vector<BaselineHop>& path) {
 
 }  // namespace
 
-PathCache::Step::Step(const BaselineHop& step) : hops(step.hops.begin(), step.hops.end()) {
-  const auto& before = step.from.metamodels;
-  const auto& after = step.to.metamodels;
-  changes.reserve(hops.size());
-  auto next = before.begin();  // most often the maps have the same order
-  for (const auto& [name, metamodel] : after) {
-    const bool isNext = next != before.end() && next->first == name;
-    const auto held = isNext ? next++ : before.find(name);
-    if (after.size() != before.size() || held == before.end()) {
-      changes.clear();
-      to = step.to;
-      return;
-    }
-    if (held->second != metamodel) changes.emplace_back(name, metamodel);
-  }
+std::size_t PathCache::KeyHash::operator()(const Key& key) const noexcept {
+  return VersionRepository::KeyHasherVersionBaselineUnordered()(*key);
 }
 
-BaselineHop PathCache::Step::applyTo(const VersionBaseline& from) const {
-  VersionBaseline after = to ? *to : from;
-  for (const auto& [name, metamodel] : changes) after.metamodels.at(name) = metamodel;
-  return {from, std::move(after), LockstepHop(hops.begin(), hops.end(), hops.size())};
-}
-
-std::vector<BaselineHop> PathCache::makePath(const VersionBaseline& source, const Steps& steps) {
-  std::vector<BaselineHop> path;
-  path.reserve(steps.size());
-  for (const Step& step : steps) {
-    path.push_back(step.applyTo(path.empty() ? source : path.back().to));
-  }
-  return path;
+std::vector<PathCache::Asked> PathCache::hashed(const std::vector<VersionBaseline>& baselines) {
+  const VersionRepository::KeyHasherVersionBaselineUnordered hash;
+  std::vector<Asked> result;
+  result.reserve(baselines.size());
+  for (const VersionBaseline& baseline : baselines) result.push_back({&baseline, hash(baseline)});
+  return result;
 }
 
 std::optional<std::vector<BaselineHop>> PathCache::find(
     const std::vector<VersionBaseline>& sources, const std::vector<VersionBaseline>& targets) {
-  const std::shared_lock lock(cacheLock_);
-  if (pathCache_.empty()) return std::nullopt;  // nothing to hash for
-  auto path = lookUp(sources, targets);
-  if (path) traceHit(*path);
-  return path;
+  if (isEmpty_.load(std::memory_order_relaxed)) return std::nullopt;
+  const std::vector<Asked> from = hashed(sources);
+  const std::vector<Asked> to = hashed(targets);
+  std::shared_ptr<const StoredPath> path;
+  {
+    const std::shared_lock lock(cacheLock_);
+    path = lookUp(from, to);
+    if (path) traceHit(*path);
+  }
+  if (!path) return std::nullopt;
+  return path->restore();
 }
 
-std::optional<std::vector<BaselineHop>> PathCache::lookUp(
-    const std::vector<VersionBaseline>& sources,
-    const std::vector<VersionBaseline>& targets) const {
-  for (const VersionBaseline& source : sources) {
+std::shared_ptr<const StoredPath> PathCache::lookUp(const std::vector<Asked>& sources,
+                                                    const std::vector<Asked>& targets) const {
+  for (const Asked& source : sources) {
     const auto outer = pathCache_.find(source);
     if (outer == pathCache_.end()) continue;
-    for (const VersionBaseline& target : targets) {
+    for (const Asked& target : targets) {
       const auto inner = outer->second.find(target);
-      if (inner != outer->second.end()) return makePath(source, inner->second);
+      if (inner != outer->second.end()) return inner->second;
     }
   }
-  return std::nullopt;
+  return nullptr;
 }
 
 void PathCache::store(const std::vector<BaselineHop>& path, VersionBaseline&& source,
                       VersionBaseline&& target) {
+  const auto start = std::make_shared<const VersionBaseline>(std::move(source));
+  auto end = std::make_shared<const VersionBaseline>(std::move(target));
+  auto stored = std::make_shared<const StoredPath>(start, path);
   const std::unique_lock lock(cacheLock_);
-  auto& stored = pathCache_[std::move(source)];
-  if (!stored.contains(target)) {
-    stored.emplace(std::move(target), Steps(path.begin(), path.end()));
-  }
+  pathCache_[start].try_emplace(std::move(end), std::move(stored));
+  isEmpty_.store(false, std::memory_order_relaxed);
   traceStore(path);
 }
 
 void PathCache::clear() {
+  if (isEmpty_.load(std::memory_order_relaxed)) return;
+  ByBaseline<PathsByTarget> forgotten;
   const std::unique_lock lock(cacheLock_);
-  pathCache_.clear();
+  pathCache_.swap(forgotten);
+  isEmpty_.store(true, std::memory_order_relaxed);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,23 +1,24 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <memory>
 #include <optional>
-#include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "pathfinder/hop.hpp"
 #include "pathfinder/reader_writer_lock.hpp"
+#include "pathfinder/stored_path.hpp"
 #include "pathfinder/version_baseline.hpp"
-#include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 /// The paths found so far, by the source that they start from and the target asked for.
 ///
 /// A path that was stored is never replaced; all go together. Every operation may be called from
-/// any thread; one that cannot lock throws std::system_error.
+/// any thread; one that cannot lock throws std::system_error. Baselines are hashed, paths copied
+/// and what is forgotten destroyed without the lock.
 class PathCache {
  public:
   /// The path of the first pair, in list order, that has one.
@@ -32,31 +33,37 @@ class PathCache {
   void clear();
 
  private:
-  /// What a step makes of the baseline before it. Most steps add no name and change few, so that
-  /// just these are kept.
-  struct Step {
-    explicit Step(const BaselineHop& step);
+  using Key = std::shared_ptr<const VersionBaseline>;
 
-    BaselineHop applyTo(const VersionBaseline& from) const;
+  /// A baseline with its hash.
+  struct Asked {
+    const VersionBaseline* baseline;
+    std::size_t hash;
+  };
 
-    std::vector<LockstepHop::value_type> hops;
-    std::vector<std::pair<std::u16string, std::shared_ptr<LinkedMetamodel>>> changes;
-    std::optional<VersionBaseline> to;  ///< if it has names of its own
+  struct KeyHash {
+    using is_transparent = void;
+    std::size_t operator()(const Key& key) const noexcept;
+    std::size_t operator()(const Asked& asked) const noexcept { return asked.hash; }
+  };
+
+  struct SameBaseline {
+    using is_transparent = void;
+    bool operator()(const Key& left, const Key& right) const { return *left == *right; }
+    bool operator()(const Asked& asked, const Key& key) const { return *asked.baseline == *key; }
   };
 
   template <class Value>
-  using ByBaseline = std::unordered_map<VersionBaseline, Value,
-                                        VersionRepository::KeyHasherVersionBaselineUnordered>;
+  using ByBaseline = std::unordered_map<Key, Value, KeyHash, SameBaseline>;
+  using PathsByTarget = ByBaseline<std::shared_ptr<const StoredPath>>;
 
-  /// A path without the baseline that it starts from.
-  using Steps = std::vector<Step>;
+  static std::vector<Asked> hashed(const std::vector<VersionBaseline>& baselines);
+  std::shared_ptr<const StoredPath> lookUp(const std::vector<Asked>& sources,
+                                           const std::vector<Asked>& targets) const;
 
-  static std::vector<BaselineHop> makePath(const VersionBaseline& source, const Steps& steps);
-  std::optional<std::vector<BaselineHop>> lookUp(const std::vector<VersionBaseline>& sources,
-                                                 const std::vector<VersionBaseline>& targets) const;
-
-  ByBaseline<ByBaseline<Steps>> pathCache_;
-  ReaderWriterLock<> cacheLock_;  // guards pathCache_ and nothing else
+  std::atomic<bool> isEmpty_{true};  // so that whoever finds it need not lock
+  ByBaseline<PathsByTarget> pathCache_;
+  ReaderWriterLock<> cacheLock_;  // guards pathCache_ and changes of isEmpty_
 };
 
 }  // namespace tarn::evolution::pathfinder

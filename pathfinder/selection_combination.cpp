@@ -1,12 +1,12 @@
 #include "pathfinder/selection_combination.hpp"
 
 #include <algorithm>
-#include <boost/lexical_cast.hpp>
 #include <numeric>
 #include <utility>
 
 #include "messages/report_exception.hpp"
 #include "pathfinder/baseline_combination.hpp"
+#include "pathfinder/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -14,7 +14,7 @@ namespace {
 
 resource_core::MessageArgument versionArgument(const VersionId& version) {
   if (!version.isSemVer()) return version.getText();
-  return boost::lexical_cast<std::string>(version.getSemVer());
+  return plainText(version.getSemVer());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
@@ -24,8 +25,9 @@ struct TARN_EVOLUTION_PATHFINDER_EXPORT SemVer {
 
   bool operator==(const SemVer& other) const;
 
-  /// Lexicographic over (major, minor, patch).
+  /// Lexicographic over (major, minor, patch), as all the other comparisons are.
   bool operator<(const SemVer& other) const;
+  std::strong_ordering operator<=>(const SemVer& other) const = default;
 };
 
 /// Writes "major.minor.patch" through the stream's own number formatting.

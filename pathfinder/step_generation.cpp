@@ -37,6 +37,7 @@ StepGeneration::StepGeneration(VersionRepository& repository, const VersionBasel
   trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from_; });
   choices_.byName.reserve(from_.metamodels.size());
   visitInNameOrder(from_.metamodels, [&](const auto& entry) {
+    if (!entry.second) return true;
     collectHops(repository_, direction, entry.first, *entry.second, choices_);
     const std::uint64_t radix = choices_.byName.back().hops.size() + 1;
     if (__builtin_mul_overflow(combinations_, radix, &combinations_)) {

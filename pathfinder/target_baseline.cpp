@@ -23,7 +23,7 @@ std::vector<VersionBaseline> findTargetBaselines(VersionRepository& repository,
     selection.emplace(entry->first, &targets.back());
   }
   for (const auto* entry : inNameOrder(baseline.metamodels)) {
-    selection.emplace(entry->first, entry->second.get());
+    if (entry->second) selection.emplace(entry->first, entry->second.get());
   }
   std::vector<SelectedMetamodel> inMapOrder;
   inMapOrder.reserve(selection.size());

@@ -2,13 +2,25 @@
 
 #include <algorithm>
 #include <ostream>
+#include <stdexcept>
 
 #include "pathfinder/baseline_combination.hpp"
 #include "pathfinder/class_test.hpp"
+#include "pathfinder/entry_insertion.hpp"
 #include "pathfinder/hashing.hpp"
 #include "pathfinder/standard_types.hpp"
+#include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {
+
+namespace {
+
+const LinkedMetamodel& notNull(const std::shared_ptr<LinkedMetamodel>& metamodel) {
+  if (metamodel) return *metamodel;
+  throw std::invalid_argument("A baseline is given a null pointer in place of a linked metamodel.");
+}
+
+}  // namespace
 
 std::optional<VersionBaseline> VersionBaseline::create(
     const std::vector<std::shared_ptr<LinkedMetamodel>>& metamodels) {
@@ -16,7 +28,7 @@ std::optional<VersionBaseline> VersionBaseline::create(
   for (const auto& metamodel : metamodels) {
     if (!result.tryEmplace(metamodel)) return std::nullopt;
     for (const auto& [name, linked] : metamodel->linkedMetamodels) {
-      if (!result.tryEmplace(linked)) return std::nullopt;
+      if (linked && !result.tryEmplace(linked)) return std::nullopt;
     }
   }
   return result;
@@ -32,21 +44,28 @@ std::vector<VersionBaseline> VersionBaseline::combine(
 }
 
 bool VersionBaseline::admits(const std::shared_ptr<LinkedMetamodel>& metamodel) const {
-  const auto present = metamodels.find(metamodel->name);
+  const auto present = metamodels.find(notNull(metamodel).name);
   if (present != metamodels.end()) return present->second == metamodel;
   const auto& links = metamodel->linkedMetamodels;
   return std::all_of(links.begin(), links.end(), [this](const auto& link) {
     const auto held = metamodels.find(link.first);
-    return held == metamodels.end() || held->second == link.second;
+    return !link.second || held == metamodels.end() || held->second == link.second;
   });
 }
 
 bool VersionBaseline::tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel) {
   if (!admits(metamodel)) return false;
-  const bool isNew = metamodels.try_emplace(metamodel->name, metamodel).second;
-  if (!isNew) return true;
-  for (const auto& [name, linked] : metamodel->linkedMetamodels)
-    metamodels.try_emplace(name, linked);
+  const auto& links = metamodel->linkedMetamodels;
+  if (links.empty() || metamodels.contains(metamodel->name)) {
+    metamodels.try_emplace(metamodel->name, metamodel);
+    return true;
+  }
+  EntryInsertion entries(metamodels);
+  entries.add(metamodel->name, metamodel);
+  for (const auto& [name, linked] : links) {
+    if (linked) entries.add(name, linked);
+  }
+  entries.keep();
   return true;
 }
 
@@ -63,6 +82,7 @@ bool VersionBaseline::operator==(const VersionBaseline& other) const {
 
 tarn::meta::Type VersionBaseline::findType(const std::u16string& qualifiedName) const {
   for (const auto& [name, metamodel] : metamodels) {
+    if (!metamodel) continue;
     if (tarn::meta::Type found = metamodel->findTypeInMetamodelOnly(qualifiedName)) return found;
   }
   return lookupStandardType(qualifiedName);
@@ -75,7 +95,7 @@ tarn::meta::Class VersionBaseline::findClass(const std::u16string& qualifiedName
 std::vector<tarn::meta::Type> VersionBaseline::fetchSubclasses(const tarn::meta::Type& base) const {
   std::vector<tarn::meta::Type> result;
   for (const auto& [name, metamodel] : metamodels) {
-    metamodel->fecthSubclassesInMetamodelOnly(base, result);
+    if (metamodel) metamodel->fecthSubclassesInMetamodelOnly(base, result);
   }
   return result;
 }
@@ -88,7 +108,12 @@ std::ostream& operator<<(std::ostream& out, const VersionBaseline& baseline) {
   out << "Baseline {";
   const char* separator = "";
   for (const auto& [name, metamodel] : baseline.metamodels) {
-    out << separator << static_cast<const Metamodel&>(*metamodel);
+    out << separator;
+    if (metamodel) {
+      out << static_cast<const Metamodel&>(*metamodel);
+    } else {
+      out << fl::i18n::ustring_to_utf8(name);
+    }
     separator = ", ";
   }
   return out << "}";
@@ -102,7 +127,7 @@ std::size_t std::hash<tarn::evolution::pathfinder::VersionBaseline>::operator()(
   std::size_t seed = 0;
   for (const auto& [name, metamodel] : baseline.metamodels) {
     seed = mixHash(seed, std::hash<std::u16string>()(name));
-    seed = mixHash(seed, hashNameAndVersion(metamodel->name, metamodel->version));
+    seed = mixHash(seed, metamodel ? hashNameAndVersion(metamodel->name, metamodel->version) : 0);
   }
   return seed;
 }

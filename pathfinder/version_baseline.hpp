@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "pathfinder/linked_metamodel.hpp"
@@ -23,11 +25,29 @@ namespace tarn::evolution::pathfinder {
 /// metamodels with equal descriptors are different selections.
 ///
 /// Built by `create`, `tryEmplace` and `combine`, a baseline holds each linked metamodel under its
-/// own name together with all its links, and no null pointer. Pointers given must not be null. Any
-/// number of threads may read one baseline that none of them changes. Nothing here throws but
-/// std::bad_alloc, and what the host's types do in the look-ups of types.
+/// own name together with all its links, and no null pointer. Any number of threads may read one
+/// baseline that none of them changes.
+///
+/// A null pointer among the entries, as a look-up `metamodels[name]` makes it, holds nothing: here
+/// and in every operation of `VersionRepository`, look-ups, texts, hashes, directions and steps
+/// pass it over. Only where entries are compared, it is one: it equals a null pointer and nothing
+/// else, and what is to be added under its name is refused as it is beside any other.
+///
+/// A null pointer given in place of a linked metamodel is refused with std::invalid_argument. Else
+/// nothing here throws but std::bad_alloc, and what the host's types do in the look-ups of types;
+/// when it throws, nothing has changed.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
  public:
+  using Entries = std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>>;
+
+  VersionBaseline() = default;
+
+  /// A baseline of just these entries, which nobody checks. A list in braces is none: it would be
+  /// taken for the two ends of a range.
+  template <class Map>
+  requires std::is_same_v<Map, Entries>
+  explicit VersionBaseline(Map entries) : metamodels(std::move(entries)) {}
+
   /// The baseline of `metamodels` and all that they link; no value when they disagree.
   static std::optional<VersionBaseline> create(
       const std::vector<std::shared_ptr<LinkedMetamodel>>& metamodels);
@@ -37,8 +57,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   /// A pick that an earlier pick's links have already brought in counts only when it is among its
   /// name's alternatives. Alternatives agree by identity; version ranges are not looked at. The
   /// result is in mixed-radix order, the name that the map yields first being the most significant
-  /// digit. No names give no baseline. Cost: (surviving partial baselines) x (alternatives), name
-  /// by name.
+  /// digit. A null pointer among the alternatives is compared as any other, and refused, with the
+  /// name, only where it would have to be added. No names give no baseline. Cost: (surviving
+  /// partial baselines) x (alternatives), name by name.
   static std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
           alternatives);
@@ -51,7 +72,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   bool tryEmplace(const std::shared_ptr<LinkedMetamodel>& metamodel);
 
   /// Whether every entry of `other` stands here with the very same pointer. A null entry of `other`
-  /// is met by an absent one.
+  /// is met by an absent one, too.
   bool includes(const VersionBaseline& other) const;
 
   /// The same names with the very same pointers.
@@ -78,10 +99,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   /// fills all.
   static tarn::meta::Type lookupStandardType(const std::u16string& qualifiedName);
 
-  std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>> metamodels;
+  Entries metamodels;
 };
 
-/// Writes "Baseline {name@version, name@version, ...}" in the order of the map.
+/// Writes "Baseline {name@version, name@version, ...}" in the order of the map. The name of a null
+/// entry stands alone.
 TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& operator<<(std::ostream& out,
                                                           const VersionBaseline& baseline);
 

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "pathfinder/hashing.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -55,3 +56,8 @@ std::ostream& operator<<(std::ostream& out, const VersionRange& range) {
 }
 
 }  // namespace tarn::evolution::pathfinder
+
+std::size_t std::hash<tarn::evolution::pathfinder::VersionId>::operator()(
+    const tarn::evolution::pathfinder::VersionId& id) const noexcept {
+  return tarn::evolution::pathfinder::hashVersion(id);
+}

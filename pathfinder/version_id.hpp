@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -18,8 +21,17 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionId {
  public:
   VersionId() = default;  ///< the semantic version 0.0.0
   VersionId(const SemVer& version) : value_(version) {}
-  VersionId(std::u16string text) : value_(std::move(text)) {}
-  VersionId(const char16_t* text) : value_(std::u16string(text)) {}
+
+  /// A text, given as std::u16string or as what converts to it: u"spring".
+  template <class Text>
+  requires(std::is_convertible_v<Text, std::u16string> && !std::is_null_pointer_v<Text>)
+      VersionId(Text text)
+      : value_(std::in_place_type<std::u16string>, std::move(text)) {}
+
+  /// No number is a version: it takes SemVer{1, 0, 0} or u"1".
+  template <class Number>
+  requires(std::is_arithmetic_v<Number> || std::is_null_pointer_v<Number>) VersionId(Number)
+  = delete;
 
   // Copied by alternative: the copy constructor of g++ 12's variant is lost when memory is short.
   VersionId(const VersionId& other)
@@ -58,8 +70,17 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRange {
  public:
   VersionRange() = default;  ///< the empty range [0.0.0, 0.0.0)
   VersionRange(const SemVerRange& range) : value_(range) {}
-  VersionRange(std::u16string text) : value_(std::move(text)) {}
-  VersionRange(const char16_t* text) : value_(std::u16string(text)) {}
+
+  /// A text, given as std::u16string or as what converts to it: u"spring".
+  template <class Text>
+  requires(std::is_convertible_v<Text, std::u16string> && !std::is_null_pointer_v<Text>)
+      VersionRange(Text text)
+      : value_(std::in_place_type<std::u16string>, std::move(text)) {}
+
+  /// No number is a range: it takes SemVerRange or `singleVersion`.
+  template <class Number>
+  requires(std::is_arithmetic_v<Number> || std::is_null_pointer_v<Number>) VersionRange(Number)
+  = delete;
 
   // As for VersionId.
   VersionRange(const VersionRange& other)
@@ -110,3 +131,10 @@ TARN_EVOLUTION_PATHFINDER_EXPORT std::ostream& operator<<(std::ostream& out,
                                                           const VersionRange& range);
 
 }  // namespace tarn::evolution::pathfinder
+
+/// Equal identifiers hash alike: a text by its standard hash, a semantic version by
+/// major * 1000000 + minor * 1000 + patch.
+template <>
+struct TARN_EVOLUTION_PATHFINDER_EXPORT std::hash<tarn::evolution::pathfinder::VersionId> {
+  std::size_t operator()(const tarn::evolution::pathfinder::VersionId& id) const noexcept;
+};

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -113,7 +114,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
 
   /// Called once for every new linked metamodel, after its dependencies are linked and before
   /// anybody else sees it: the place to register its types and packages (see `accessTag`). When it
-  /// throws, nothing is kept for that metamodel. By default does nothing.
+  /// throws, nothing is kept for that metamodel; nor when it leaves a null pointer among the links,
+  /// which is a std::logic_error. By default does nothing.
   virtual void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked);
 
   /// @}
@@ -178,6 +180,13 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
       const std::vector<VersionBaseline>& from,
       const std::unordered_map<std::u16string, VersionId>& to);
 
+  /// The same for baselines listed in braces, which might as well begin a selection.
+  std::optional<std::vector<BaselineHop>> findPath(
+      std::initializer_list<VersionBaseline> from,
+      const std::unordered_map<std::u16string, VersionId>& to) {
+    return findPath(std::vector<VersionBaseline>(from), to);
+  }
+
   /// The weight of one step: 1,000,000,000 for each expensive hop; one for each other hop, and one
   /// more if there is any other hop. So moving in lockstep weighs less than moving one after the
   /// other, and an expensive hop is taken only where every way without it is longer than any met in
@@ -188,9 +197,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// stores its path afterwards, which it may have found with hops of before. So after hops have
   /// changed, call it when no search runs, or once more when those that run have ended.
   ///
-  /// The lock is the operating system's reader/writer lock as it is by default, which prefers
-  /// readers: under look-ups that follow one another without a gap, this, linking and the storing
-  /// of a path that was found may wait long.
+  /// Nobody is kept waiting by who comes later: this, linking and the storing of a path that was
+  /// found wait for look-ups that have begun and for changes of the cache that were wanted before;
+  /// a look-up waits for one change at most, however often others repeat theirs.
   void invalidatePathfindingCache();
 
   /// @}
@@ -211,8 +220,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   ///
   /// Throws std::length_error when the number so taken is beyond any list,
   /// ConflictingDependencies when the target of a choice cannot be linked, and, when
-  /// `direction` is not `Unknown`, std::logic_error (in debug builds an assertion fails) for a hop
-  /// whose target `getMetamodel` does not find.
+  /// `direction` is not `Unknown`, std::logic_error for a hop whose target `getMetamodel` does not
+  /// find.
   std::vector<BaselineHop> getStepsFrom(const VersionBaseline& from, Direction direction);
 
   /// The consistent baselines that the hops lead to from `baseline`, the metamodels that no hop

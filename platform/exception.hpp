@@ -22,16 +22,33 @@ class TARN_PLATFORM_API IException {
 
   virtual ~IException();
 
-  /// The message as one line of UTF-8, valid as long as this object.
+  /// The message as one line of UTF-8, valid as long as this object. A NUL in it, where the line
+  /// would seem to end, is shown as U+2400, the symbol for it.
   virtual const char* what() const noexcept;
 
  protected:
-  explicit IException(std::string text) : text_(std::move(text)) {}
+  explicit IException(std::string text) : text_(std::move(text)), shown_(withoutNul(text_)) {}
   IException(const IException&) = default;
   IException& operator=(const IException&) = default;
 
+  /// The message, NULs and all.
+  const std::string& text() const noexcept { return text_; }
+
  private:
+  static std::string withoutNul(const std::string& text) {
+    std::string result;
+    for (const char character : text) {
+      if (character == '\0') {
+        result += "\xE2\x90\x80";
+      } else {
+        result += character;
+      }
+    }
+    return result;
+  }
+
   std::string text_;
+  std::string shown_;
 };
 
 /// An exception whose text may be shown to a user.
@@ -43,7 +60,7 @@ class TARN_PLATFORM_API IUserException : public IException {
   virtual std::string convert_str(const std::u16string& text) const;
   virtual std::u16string convert_str(const std::string& text) const;
 
-  /// The text of `what()` as UTF-16.
+  /// The message as UTF-16, NULs and all.
   virtual std::u16string ToUstringImpl() const;
 
  protected:
@@ -58,7 +75,7 @@ class TARN_PLATFORM_API IMsgIDException : public IUserException, public boost::e
   /// The identifier of the error, made by `get_error_id`.
   virtual std::string GetID() const = 0;
 
-  /// The message as one line of UTF-16.
+  /// The message as one line of UTF-16, NULs and all.
   virtual std::u16string GetUnicodeMessageTxt() const;
 
   /// The message: catalogue, key and arguments. Valid as long as this object.

@@ -5,6 +5,8 @@
 #include <variant>
 #include <vector>
 
+#include "platform/requirements.hpp"
+
 namespace resource_core {
 
 /// One argument of a message: a whole number, narrow text (UTF-8) or UTF-16 text.

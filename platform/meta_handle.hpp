@@ -2,7 +2,10 @@
 
 #include <atomic>
 #include <cstddef>
+#include <type_traits>
 #include <utility>
+
+#include "platform/requirements.hpp"
 
 namespace tarn::meta {
 
@@ -52,7 +55,14 @@ class Handle {
     return *this;
   }
 
-  explicit operator bool() const noexcept { return impl_ != nullptr; }
+  /// Whether it is not empty. Converts to bool and to nothing that a bool converts to, so that
+  /// handles of different kinds cannot be compared as if they were numbers.
+  template <class Bool>
+  requires std::is_same_v<Bool, bool>
+  operator Bool() const noexcept {
+    return impl_ != nullptr;  // NOLINT(clang-analyzer-cplusplus.NewDelete): as in the destructor
+  }
+
   bool operator==(const Handle&) const noexcept = default;
 
   /// The implementation object; null when the handle is empty.

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs a build and compiles every installed header alone, with g++ and clang++, seeing only what is installed. So a
-# header that relies on another one before it, or on one that stays behind, is named.
+# header that relies on another one before it, or on one that stays behind, is named. By an older standard, each that
+# does not compile must say in its first error what it needs.
 #
 # usage: scripts/check_headers.sh [PRESET]      the build to install: release (default), dev, clang
 set -euo pipefail
@@ -19,9 +20,17 @@ check() {
   "$1" -std=c++20 -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I "$include" -x c++ - <<<"#include \"$2\"" ||
     { echo "$1: $2 does not compile alone." >&2; return 1; }
 }
-export -f check
+announces() {
+  local said
+  said=$(g++ -std=c++17 -fsyntax-only -I "$include" -x c++ - <<<"#include \"$1\"" 2>&1) && return
+  grep -m1 'error:' <<<"$said" | grep -q 'needs C++20' ||
+    { echo "g++: $1 does not say at once that it needs C++20." >&2; return 1; }
+}
+export -f check announces
 headers=$(cd "$include" && find . -name '*.hpp' -printf '%P\n' | sort)
 for compiler in g++ clang++; do
   xargs -P "$(nproc)" -I{} bash -c "check $compiler {}" <<<"$headers"
   echo "$compiler: $(wc -l <<<"$headers") headers compile alone."
 done
+xargs -P "$(nproc)" -I{} bash -c "announces {}" <<<"$headers"
+echo "All say what they need."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the Debian packages into build/package/ and has lintian check them. What lintian reports and is meant stands,
-# with its reason, in packaging/*.lintian-overrides.
+# Builds the Debian packages into build/package/, has lintian check them, and has apt plan their installation. What
+# lintian reports and is meant stands, with its reason, in packaging/*.lintian-overrides.
 #
 # usage: scripts/package.sh
 set -euo pipefail
@@ -15,4 +15,10 @@ cmake --preset package --log-level=WARNING
 cmake --build --preset package
 rm -f build/package/*.deb
 (cd build/package && cpack)
+# On a machine that has nothing yet, they can be installed beside either Boost of Debian 12, the default one first.
+: >build/package/nothing-installed
+for boost in libboost-dev libboost-log1.81-dev; do
+  apt-get -s -qq -o Dir::State::status="$PWD/build/package/nothing-installed" install --no-install-recommends \
+    ./build/package/*.deb "$boost" >/dev/null
+done
 lintian --allow-root --fail-on error,warning --tag-display-limit 0 build/package/*.deb

@@ -2,10 +2,15 @@
 # Installs every Debian 12 package that building and testing needs.
 set -euo pipefail
 
+# Of the two versions of Boost in Debian 12, which exclude one another, the one that is there does.
+boost=libboost-log1.81-dev
+[ "$(dpkg-query -W -f '${db:Status-Status}' libboost-log1.74-dev 2>/dev/null || true)" != installed ] ||
+  boost=libboost-log1.74-dev
+
 packages=(
   g++ clang cmake ninja-build                      # compilers and build
   clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
-  libboost-log1.81-dev                             # brings the Boost 1.81 headers, Boost.Graph's too
+  "$boost"                                         # brings the headers of Boost, Boost.Graph's too
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libsqlite3-dev                                   # catalogue stores
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs

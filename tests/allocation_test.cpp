@@ -1,10 +1,11 @@
-// Lets every single allocation of a question fail, and all after it.
+// Lets every single allocation of an operation fail, and all after it.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <new>
 
 #include "support/failing_allocations.hpp"
+#include "support/random_run.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -65,6 +66,68 @@ TEST(Allocation, EveryFailureArrivesAndLeavesTheRepositorySound) {
   failAtEachAllocation(
       "A1..2 B1..3 C1..2 D1..2 E1..2 F1..2 G1..2 H1..2 I1..2 J1..2 K1:A1 K2:A2+L1 K1>2 L1",
       path("A1 B1 C1 D1 E1 F1 G1 H1 I1 J1 K1", "A2 B3 C2 D2 E2 F2 G2 H2 I2 J2 K2"));
+}
+
+using Linked = std::shared_ptr<LinkedMetamodel>;
+using Entries = std::unordered_map<std::u16string, Linked>;
+
+/// Entries in their order, which decides on texts and hashes.
+std::vector<Entries::value_type> inOrder(const Entries& entries) {
+  return {entries.begin(), entries.end()};
+}
+
+/// Changes copies of something that has entries, with the k-th allocation failing, for every k.
+/// `change` tells whether it was done.
+template <class Copy, class Change, class EntriesOf>
+void changeOrNot(const Copy& copy, const Change& change, const EntriesOf& entriesOf,
+                 bool persists) {
+  auto untroubled = copy();
+  const bool isDone = change(untroubled);
+  for (std::size_t k = 0;; ++k) {
+    SCOPED_TRACE("allocation " + std::to_string(k));
+    auto troubled = copy();
+    FailingAllocations failing(k, persists);
+    try {
+      const bool isDoneNow = change(troubled);
+      failing.end();
+      ASSERT_EQ(isDoneNow, isDone);
+      ASSERT_FALSE(failing.hasFailed()) << "a failure was swallowed";
+      ASSERT_EQ(inOrder(entriesOf(troubled)), inOrder(entriesOf(untroubled)));
+      return;
+    } catch (const std::bad_alloc&) {
+      failing.end();
+      ASSERT_EQ(inOrder(entriesOf(troubled)), inOrder(entriesOf(copy())));
+      ASSERT_EQ(change(troubled), isDone);
+      ASSERT_EQ(inOrder(entriesOf(troubled)), inOrder(entriesOf(untroubled)));
+    }
+  }
+}
+
+TEST(Allocation, EntriesAreAddedTogetherOrNotAtAll) {
+  const RandomRun run(300);
+  Random random(run.seed());
+  const auto make = [](std::size_t number) {
+    const std::u16string name = u"n" + std::u16string(1, static_cast<char16_t>(u'A' + number));
+    return std::make_shared<LinkedMetamodel>(TestRepository::accessTag(),
+                                             Metamodel(name, v(1), {}));
+  };
+  for (std::size_t left = run.cases(); left > 0 && !HasFailure(); --left) {
+    const bool persists = random.chance(50);
+    const Linked added = make(0);
+    const Linked before = make(0);
+    VersionBaseline baseline;
+    for (std::size_t number = 1, end = 1 + random() % 40; number < end; ++number) {
+      const Linked one = make(number);
+      if (random() % 3 != 0) baseline.tryEmplace(one), before->linkMetamodel(one);
+      // Now and then, another one of the name.
+      if (random() % 2 == 0) added->linkMetamodel(random() % 60 == 0 ? make(number) : one);
+    }
+    changeOrNot([&] { return baseline; }, [&](auto& held) { return held.tryEmplace(added); },
+                [](const auto& held) { return held.metamodels; }, persists);
+    changeOrNot([&] { return before->clone(); },
+                [&](auto& linking) { return linking->linkMetamodel(added); },
+                [](const auto& linking) { return linking->linkedMetamodels; }, persists);
+  }
 }
 
 }  // namespace

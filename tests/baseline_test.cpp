@@ -11,6 +11,7 @@
 namespace test {
 namespace {
 
+using namespace std::string_literals;
 using Linked = std::shared_ptr<LinkedMetamodel>;
 
 /// A linked metamodel, written as "A1", with its links.
@@ -90,6 +91,107 @@ TEST(VersionBaseline, IncludesAndEqualsByIdentity) {
   EXPECT_TRUE(ab.includes(justA));
 }
 
+TEST(VersionBaseline, ANullEntryHoldsNothingAndKeepsItsName) {
+  const Linked a = make("A1");
+  VersionBaseline baseline;
+  baseline.metamodels[u"Z"];
+  EXPECT_EQ(printed(baseline), "Baseline {Z}");
+  EXPECT_NE(std::hash<VersionBaseline>()(baseline), std::hash<VersionBaseline>()({}));
+  EXPECT_FALSE(baseline.findType(u"a.Type"));
+  EXPECT_FALSE(baseline.findClass(u"a.Type"));
+  EXPECT_TRUE(baseline.fetchSubclasses(tarn::meta::Type()).empty());
+  EXPECT_TRUE(VersionBaseline().includes(baseline));
+  EXPECT_FALSE(VersionBaseline() == baseline);
+  EXPECT_TRUE(baseline.tryEmplace(a));
+  for (const Linked& taken : {make("Z1"), make("B1", {make("Z1")})}) {
+    EXPECT_FALSE(baseline.admits(taken) || baseline.tryEmplace(taken));
+  }
+
+  const Linked holder = make("B1", {a});
+  holder->linkedMetamodels[u"Z"];
+  EXPECT_FALSE(holder->findType(u"a.Type") || holder->findMetamodel(u"Z"));
+  EXPECT_NE(printed(*holder).find(" ->Z"), std::string::npos);
+  EXPECT_EQ(describe(*VersionBaseline::create({holder})), "A1 B1");
+  EXPECT_EQ(describe(VersionBaseline::combine({{u"B", {holder}}})), "A1 B1");
+  const Linked user = make("C1", {a});
+  EXPECT_TRUE(user->linkMetamodel(holder));
+  EXPECT_FALSE(user->linkedMetamodels.contains(u"Z"));
+}
+
+TEST(VersionBaseline, ANullPointerForALinkedMetamodelIsRefusedWhereItWouldBeHeld) {
+  const Linked a = make("A1");
+  VersionBaseline baseline = *VersionBaseline::create({a});
+  EXPECT_THROW(VersionBaseline::create({a, nullptr}), std::invalid_argument);
+  EXPECT_THROW(baseline.tryEmplace(nullptr), std::invalid_argument);
+  EXPECT_THROW(baseline.admits(nullptr), std::invalid_argument);
+  EXPECT_THROW(a->linkMetamodel(nullptr), std::invalid_argument);
+  EXPECT_EQ(describe(baseline), "A1");
+  const Linked b = make("B1");
+  const std::u16string first = u"A";
+  const std::u16string second = u"n\0ame"s;
+  const std::vector<Linked> linking{make("A2", {b})};
+  linking[0]->linkedMetamodels[second] = b;
+  using Candidates = std::vector<Linked>;
+  for (const Candidates& candidates : {Candidates{nullptr}, Candidates{nullptr, b}}) {
+    const auto found = combineInOrder({{&first, &linking}, {&second, &candidates}}, Links::Any);
+    EXPECT_EQ(found.size(), candidates.size() - 1) << "only compared";
+    try {
+      VersionBaseline::combine({{second, candidates}});
+      ADD_FAILURE() << "no exception";
+    } catch (const std::invalid_argument& error) {
+      EXPECT_NE(std::string(error.what()).find("\"n\u2400ame\""), std::string::npos);
+    }
+  }
+}
+
+TEST(VersionRepository, PassesOverWhatHoldsNothing) {
+  const std::string names = "EFGHIJKLMNO";
+  for (const std::size_t beside : {std::size_t{0}, names.size()}) {  // small, and large
+    std::string content = "A1..2 B1 B2:A[2,4) B1>2 Z1";
+    std::string selected = "A1 B1";
+    for (const char name : names.substr(0, beside)) {
+      content += std::string{' ', name} + "1..2";
+      selected += std::string{' ', name} + "1";
+    }
+    TestRepository repository(content);
+    VersionBaseline from = repository.baseline(selected);
+    VersionBaseline to = repository.baseline("A2");
+    const LockstepHop hops{{u"A", Hop(u"A", v(1), v(2), false)}};
+    const auto answers = [&] {
+      std::string result = describe(repository.findPath(from, to));
+      result += describe(repository.findPath({from, from}, selection("A2")));
+      result += describe(repository.createTargetBaseline(from, hops));
+      result += VersionRepository::getDirectionString(repository.computeDirection(from, to));
+      return beside == 0 ? result + describe(repository.getStepsFrom(from, forward)) : result;
+    };
+    const std::string expected = answers();
+    from.metamodels[u"Z"];
+    to.metamodels[u"Y"];
+    to.metamodels[u"Z"];
+    EXPECT_EQ(answers(), expected);
+    EXPECT_EQ(repository.findPath(from, to)->front().from, from);
+    to.metamodels[u"B"];
+    if (beside == 0) {
+      EXPECT_FALSE(repository.findPath(from, to)) << "what is held meets no null entry";
+    }
+  }
+}
+
+TEST(VersionRepository, RefusesWhatIsLoadedWithALinkToNothing) {
+  TestRepository repository("A1:B1 B1");
+  repository.onCall = [&](const std::string& call) {
+    if (call == "loadMetamodel A1") repository.loaded.back()->linkedMetamodels[u"lost"];
+  };
+  try {
+    repository.baselines("A1");
+    FAIL() << "no exception";
+  } catch (const std::logic_error& error) {
+    EXPECT_EQ(error.what(), std::string("Loading A@1.0.0 has left a null pointer among its links, "
+                                        "under \"lost\"."));
+  }
+  EXPECT_EQ(describe(repository.baselines("B1")), "B1");
+}
+
 TEST(Combination, IsInMixedRadixOrderOfTheMapAndInCandidateOrder) {
   using Alternatives = std::unordered_map<std::u16string, std::vector<Linked>>;
   const Linked a1 = make("A1");
@@ -124,12 +226,15 @@ TEST(Combination, OfOneThatLinksAnotherVersionOfItselfHoldsNobodyWhoLinksThatToo
   EXPECT_EQ(describe(repository.combine(selection("A1 M1 P1"))), "A1 M1 N1 P1");
 }
 
-/// Three versions of each of A to F. Any may depend on some that stand before it in a random order,
-/// of its own name as well.
+/// Three versions of each of A to F, or one of each of a few to many names. Any may depend on some
+/// that stand before it in a random order, of its own name as well.
 std::string randomContent(Random& random) {
   std::vector<std::string> versions;
-  for (char name = 'A'; name <= 'F'; ++name) {
-    for (char number = '1'; number <= '3'; ++number) versions.push_back({name, number});
+  const bool isFlat = random() % 8 == 0;
+  const char lastName = isFlat ? static_cast<char>('A' + random() % 26) : 'F';
+  const char lastNumber = isFlat ? '1' : '3';
+  for (char name = 'A'; name <= lastName; ++name) {
+    for (char number = '1'; number <= lastNumber; ++number) versions.push_back({name, number});
   }
   std::shuffle(versions.begin(), versions.end(), random);
   std::string content;
@@ -144,7 +249,42 @@ std::string randomContent(Random& random) {
   return content;
 }
 
-TEST(Combination, OfWhatIsLinkedIsTheSameAsLinkByLink) {
+/// Combination as it is defined: name by name, with `create` and `tryEmplace` alone.
+std::vector<VersionBaseline> combinePlainly(const std::vector<Alternatives>& alternatives) {
+  std::vector<VersionBaseline> partial;
+  for (const auto& [name, candidates] : alternatives) {
+    std::vector<VersionBaseline> next;
+    if (&name == &alternatives.front().name) {
+      for (const Linked& candidate : *candidates) {
+        if (const auto alone = VersionBaseline::create({candidate})) next.push_back(*alone);
+      }
+    }
+    for (const VersionBaseline& baseline : partial) {
+      const auto held = baseline.metamodels.find(*name);
+      const bool isHeld = held != baseline.metamodels.end();
+      if (isHeld && std::count(candidates->begin(), candidates->end(), held->second) != 0) {
+        next.push_back(baseline);
+      }
+      for (const Linked& candidate : *candidates) {
+        VersionBaseline extended = baseline;
+        if (!isHeld && extended.tryEmplace(candidate)) next.push_back(extended);
+      }
+    }
+    partial = std::move(next);
+  }
+  return partial;
+}
+
+/// The text and the hash of each, which depend on how its map was filled.
+std::string everythingOf(const std::vector<VersionBaseline>& baselines) {
+  std::ostringstream out;
+  for (const VersionBaseline& baseline : baselines) {
+    out << baseline << " " << std::hash<VersionBaseline>()(baseline) << "\n";
+  }
+  return out.str();
+}
+
+TEST(Combination, OfWhatIsLinkedIsTheSameAsOneByOne) {
   RandomRun run(20'000);
   run.ask(randomContent, [&](const std::string& content, Random& random) {
     TestRepository repository(content);
@@ -161,8 +301,12 @@ TEST(Combination, OfWhatIsLinkedIsTheSameAsLinkByLink) {
     std::vector<Alternatives> alternatives;
     alternatives.reserve(held.size());
     for (const auto& [name, candidates] : held) alternatives.push_back({&name, &candidates});
-    const auto expected = combineInOrder(alternatives, Links::Any);
-    EXPECT_EQ(combineInOrder(alternatives, Links::Closed), expected);
+    const auto expected = combinePlainly(alternatives);
+    for (const Links links : {Links::Any, Links::Closed}) {
+      const auto found = combineInOrder(alternatives, links);
+      EXPECT_EQ(found, expected);
+      EXPECT_EQ(everythingOf(found), everythingOf(expected));
+    }
     run.count("combined", !expected.empty());
   });
   run.expectPercentages({{"combined", 13}});

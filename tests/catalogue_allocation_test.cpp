@@ -25,7 +25,7 @@
 #include "catalogue/picture/path_text.hpp"
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
 #include "support/failing_allocations.hpp"
-#include "support/random_seed.hpp"
+#include "support/random_run.hpp"
 #include "support/store_folder.hpp"
 #include "support/store_operations.hpp"
 
@@ -155,11 +155,12 @@ class Trial {
 };
 
 TEST(CatalogueAllocation, EveryFailureArrivesAndLosesNothing) {
-  std::mt19937 random(randomSeed());
+  const RandomRun run(200);
+  Random random(run.seed());
   for (const StoreOperation& operation : allOperations()) {
     const Trial trial(operation);
     // In an ordinary run not every allocation, but any.
-    const std::size_t stride = std::max<std::size_t>(1, trial.count() / (200 * storeEffort()));
+    const std::size_t stride = std::max<std::size_t>(1, trial.count() / run.cases());
     for (const bool persists : {false, true}) {
       for (std::size_t first = random() % stride; first < trial.count(); first += stride) {
         SCOPED_TRACE(operation.name + ", allocation " + std::to_string(first) +

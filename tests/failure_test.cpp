@@ -1,20 +1,21 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <boost/exception/get_error_info.hpp>
-#include <cerrno>
 #include <memory>
-#include <mutex>
 #include <set>
-#include <system_error>
+#include <thread>
 
 #include "messages/report_exception.hpp"
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
-#include "pathfinder/reader_writer_lock.hpp"
 #include "platform/in_memory/listener.hpp"
+#include "platform/in_memory/logging.hpp"
 #include "platform/text.hpp"
+#include "support/grouping_locale.hpp"
 #include "support/path_finder_errors.hpp"
+#include "support/random_run.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
 
@@ -161,36 +162,121 @@ TEST(Trace, FormsNoTextWhenTheLevelIsOffAndDropsARecordWhoseTextThrows) {
   EXPECT_EQ(records, Lines{"8 stored"});
 }
 
-/// Lock calls that fail as told, and then succeed.
-struct FailingCalls {
-  static inline std::vector<int> errors;  // of the calls to come, the last one first
-
-  static int lockExclusive(pthread_rwlock_t* /*lock*/) {
-    if (errors.empty()) return 0;
-    const int error = errors.back();
-    errors.pop_back();
-    return error;
+TEST(TraceConcurrency, ARemovedSinkIsShownNothingMore) {
+  using namespace foundation::log::in_memory;
+  const auto write = [] { trace(TraceLevel::Reasoning, [](std::ostream& out) { out << "text"; }); };
+  setEnabledLevels("tarn::evolution::pathfinder", 4);
+  std::atomic<bool> isOver{false};
+  std::thread writer([&] {
+    while (!isOver) write();
+  });
+  std::atomic<int> late{0};
+  for (std::size_t left = RandomRun(200).cases(); left > 0; --left) {
+    // Outlives the sink: what is counted after its removal is too late.
+    const auto isRemoved = std::make_shared<std::atomic<bool>>(false);
+    const RecordSinkId sink = addRecordSink([&late, isRemoved](const RecordView& record) {
+      if (*isRemoved || record.text != "text") ++late;
+    });
+    std::this_thread::yield();
+    removeRecordSink(sink);
+    *isRemoved = true;
+    EXPECT_EQ(isRemoved.use_count(), 1) << "the function is destroyed";
+    removeRecordSink(sink);
   }
-  static int lockShared(pthread_rwlock_t* lock) { return lockExclusive(lock); }
-  static void unlock(pthread_rwlock_t* /*lock*/) {}
-};
+  isOver = true;
+  writer.join();
+  EXPECT_EQ(late, 0);
 
-TEST(ReaderWriterLock, WaitsOutTooManyReadersAndReportsDeadlock) {
-  ReaderWriterLock<FailingCalls> lock;
-  FailingCalls::errors = {EAGAIN, EAGAIN};
-  EXPECT_NO_THROW(lock.lock_shared());
-  EXPECT_TRUE(FailingCalls::errors.empty());
-  FailingCalls::errors = {EDEADLK, EDEADLK, EAGAIN};
-  EXPECT_THROW(lock.lock_shared(), std::system_error);
+  int shown = 0;
+  int others = 0;
+  const RecordSinkId other = addRecordSink([&](const RecordView&) { ++others; });
+  RecordSinkId self{};
+  self = addRecordSink([&shown, &self](const RecordView&) {
+    removeRecordSink(self);
+    ++shown;
+  });
+  write();
+  write();
+  EXPECT_EQ(shown, 1) << "a sink may remove itself";
+  EXPECT_EQ(others, 2);
+  removeRecordSink(other);
+  setEnabledLevels("tarn::evolution::pathfinder", 0);
+}
+
+/// What an error says of itself, as a line and with everything in it.
+template <class Error>
+std::string textOf(const std::function<void()>& ask) {
   try {
-    lock.lock();
-    FAIL() << "no exception";
-  } catch (const std::system_error& error) {
-    EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
+    ask();
+  } catch (const Error& error) {
+    return error.what();
   }
-  ReaderWriterLock<> real;
-  const std::unique_lock held(real);
-  EXPECT_THROW(real.lock_shared(), std::system_error);
+  return "no such error";
+}
+
+/// Every kind of record and text with numbers in it, of two digits at least.
+Lines everyText() {
+  TestRepository repository("A10..25 B10:B11 B11:B10 C10 C10>77 D10:D11");
+  for (char name = 'E'; name <= 'H'; ++name) repository.add(std::string(1, name) + "10..11");
+  Lines texts = traceOf(4 | 8, [&] {
+    repository.path("A10 E10 F10 G10 H10", "A25");
+    repository.path("A10 E10 F10 G10 H10", "A25");
+  });
+  texts.push_back(textOf<std::logic_error>([&] { repository.baselines("B10"); }));
+  texts.push_back(textOf<std::logic_error>([&] { repository.steps("C10"); }));
+  texts.push_back(textOf<UnknownVersion>([&] { repository.baselines("A2024.10.11"); }));
+  texts.push_back(dumpLockstepHop({{u"A", Hop(u"A", v(10), v(11), false)}}));
+  return texts;
+}
+
+TEST(Texts, HaveTheirNumbersInNoLocalesWay) {
+  const Lines expected = everyText();
+  EXPECT_GT(expected.size(), 100U);
+  const GlobalGrouping grouping;
+  EXPECT_EQ(everyText(), expected);
+}
+
+TEST(Texts, OfErrorsGoOnAfterANulAndComeToAnEnd) {
+  using namespace std::string_literals;
+  const std::u16string name = u"n\0ame"s;
+  TestRepository repository("");
+  const auto needs = [&](std::uint64_t number) {
+    return Dependency(name, VersionRange::singleVersion(v(number)));
+  };
+  repository.metamodels.emplace_back(name, u"1\0"s, std::vector<Dependency>());
+  repository.hops.emplace_back(name, u"1\0"s,
+                               u"\0"
+                               "2"s,
+                               false);
+  const VersionBaseline baseline = repository.combine(Selection{{name, u"1\0"s}}).at(0);
+  EXPECT_EQ(textOf<std::logic_error>([&] { repository.getStepsFrom(baseline, forward); }),
+            "The repository offers a hop to version \u24002 of metamodel \"n\u2400ame\" but cannot "
+            "return that version.");
+  try {
+    repository.combine(Selection{{name, u"\0"s}});
+    FAIL() << "no exception";
+  } catch (const IMsgIDException& error) {
+    EXPECT_STREQ(error.what(), "There is no version \u2400 of metamodel \"n\u2400ame\".");
+    EXPECT_EQ(error.GetUnicodeMessageTxt(), u"There is no version \0 of metamodel \"n\0ame\"."s);
+  }
+
+  for (std::uint64_t number = 1; number <= 200; ++number) {
+    repository.metamodels.emplace_back(name, v(number), std::vector{needs(number % 200 + 1)});
+  }
+  const auto cycle = [&] { repository.getLinkedMetamodels(name, v(1)); };
+  const std::string brief = textOf<std::logic_error>(cycle);
+  EXPECT_TRUE(
+      brief.starts_with("Metamodels depend on one another in a cycle: n\u2400ame@1.0.0 needs "));
+  EXPECT_TRUE(brief.ends_with(" needs 190 more, the last of which needs n\u2400ame@1.0.0"))
+      << brief;
+  for (Metamodel& metamodel : repository.metamodels) {
+    metamodel.name = std::u16string(1000, u'\u20ac');
+    for (Dependency& dependency : metamodel.dependencies) dependency.name = metamodel.name;
+  }
+  const std::string cut = textOf<std::logic_error>(
+      [&] { repository.getLinkedMetamodels(repository.metamodels.back()); });
+  EXPECT_LT(cut.size(), 2000U);
+  EXPECT_NE(cut.find("\u20ac...@"), std::string::npos) << "cut between characters: " << cut;
 }
 
 TEST(Messages, ReadAsSentencesAndAreCaughtByEveryBase) {

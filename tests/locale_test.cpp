@@ -1,7 +1,6 @@
 // Nothing that programs read depends on the locale of the host.
 #include <gtest/gtest.h>
 
-#include <locale>
 #include <sstream>
 
 #include "catalogue/catalogue_repository.hpp"
@@ -14,31 +13,13 @@
 #include "catalogue/picture/path_mermaid.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
+#include "support/grouping_locale.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
-
-/// Writes 12 as "1'2".
-class Grouping : public std::numpunct<char> {
- protected:
-  char do_thousands_sep() const override { return '\''; }
-  std::string do_grouping() const override { return "\1"; }
-};
-
-class GlobalGrouping {
- public:
-  GlobalGrouping()
-      : before_(std::locale::global(std::locale(std::locale::classic(), new Grouping))) {}
-  ~GlobalGrouping() { std::locale::global(before_); }
-  GlobalGrouping(const GlobalGrouping&) = delete;
-  GlobalGrouping& operator=(const GlobalGrouping&) = delete;
-
- private:
-  std::locale before_;
-};
 
 /// Everything that can be written of the question, in every form.
 std::string writeAll(CatalogueContent content) {

@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <random>
 #include <thread>
 
-#include "support/test_repository.hpp"
+#include "platform/exception.hpp"
+#include "platform/text.hpp"
+#include "support/random_question.hpp"
+#include "support/test_question.hpp"
 #include "support/trace_capture.hpp"
 
 namespace test {
@@ -79,6 +83,20 @@ TEST(FindPath, TellsNothingToDoFromNoPath) {
     const Lines records = traceOf(4, [&, &ask = ask, &found = found] { EXPECT_EQ(ask(), found); });
     EXPECT_EQ(records.empty() ? "" : records.back(), lastRecord);
   }
+}
+
+TEST(FindPath, TakesListsInBracesForWhatTheyMean) {
+  TestRepository repository("Ax Ay Bx By Ax>y Bx>y");
+  const Path path = repository.findPath({{u"A", u"x"}}, {{u"A", u"y"}});
+  EXPECT_EQ(describe(path), "Ax>y => Ay\n");
+  EXPECT_EQ(
+      describe(repository.findPath({{u"A", u"x"}, {u"B", u"x"}}, {{u"A", u"y"}, {u"B", u"x"}})),
+      "Ax>y => Ay Bx\n");
+  const VersionBaseline& from = path->front().from;
+  EXPECT_EQ(describe(repository.findPath({from}, {{u"A", u"y"}})), "Ax>y => Ay\n");
+  EXPECT_EQ(describe(repository.findPath({from, from}, {{u"A", u"y"}})), "Ax>y => Ay\n");
+  EXPECT_EQ(describe(repository.findPath({from, from}, selection("Ay"))), "Ax>y => Ay\n");
+  EXPECT_EQ(repository.combine({{u"A", u"x"}}).at(0), from);
 }
 
 TEST(FindPath, SearchLinksTheTargetsOfProcessedBaselinesOnly) {
@@ -172,6 +190,64 @@ TEST_F(PathCacheTest, StoreRecordsHaveALevelOfTheirOwn) {
   EXPECT_EQ(std::count(records.begin(), records.end(),
                        "4 Trying unvisited baseline with least weight: Baseline {S@4.0.0}"),
             1);
+}
+
+/// The same baseline in a map that was filled in another way.
+VersionBaseline refilled(const VersionBaseline& baseline, Random& random) {
+  std::vector<std::pair<std::u16string, std::shared_ptr<LinkedMetamodel>>> entries(
+      baseline.metamodels.begin(), baseline.metamodels.end());
+  std::shuffle(entries.begin(), entries.end(), random);
+  VersionBaseline result;
+  if (random() % 2 == 0) result.metamodels.rehash(random() % 40);
+  result.metamodels.insert(entries.begin(), entries.end());
+  return result;
+}
+
+/// All that can be told of a path, by the orders of its maps.
+std::string everythingOf(const std::vector<BaselineHop>& path) {
+  std::ostringstream out;
+  for (const auto& [from, to, hops] : path) {
+    for (const VersionBaseline& baseline : {from, to}) {
+      out << baseline << std::hash<VersionBaseline>()(baseline) << "\n";
+      for (const auto& [name, linked] : baseline.metamodels) out << linked.get() << " ";
+    }
+    for (const auto& [name, hop] : hops) {
+      out << fl::i18n::ustring_to_utf8(name) << hop << hop.expensive << "\n";
+    }
+  }
+  return out.str();
+}
+
+TEST(PathCache, GivesBackTheVeryPathThatWasReturned) {
+  RandomRun run(1000);
+  run.ask(randomQuestion, [&](const std::string& text, Random& random) {
+    TestQuestion question(text);
+    TestRepository& repository = question.repository;
+    if (question.sources.empty()) return;
+    const auto ask = [&](const VersionBaseline& target) -> Path {
+      const VersionBaseline source = refilled(question.sources[0], random);
+      try {
+        return repository.findPath({source}, {refilled(target, random)}, question.direction);
+      } catch (const foundation::core::except::IMsgIDException&) {
+        return std::nullopt;
+      }
+    };
+    // All is linked beforehand, so that nothing is forgotten.
+    for (const VersionBaseline& target : question.targets) ask(target);
+    repository.invalidatePathfindingCache();
+    std::vector<std::pair<VersionBaseline, Path>> answers;
+    for (const VersionBaseline& target : question.targets) {
+      answers.emplace_back(target, ask(target));
+    }
+    for (const auto& [target, found] : answers) {
+      if (!found || found->empty()) continue;
+      repository.calls.clear();
+      ASSERT_EQ(everythingOf(*ask(target)), everythingOf(*found));
+      ASSERT_TRUE(repository.calls.empty()) << "answered from the cache";
+      run.count("long paths", found->size() > 2);
+    }
+  });
+  run.expectPercentages({{"long paths", 2}});
 }
 
 TEST(Concurrency, CachedQuestionsWhilePathsAreForgotten) {

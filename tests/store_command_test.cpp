@@ -149,12 +149,8 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
   const std::string replaced = exported("new.store");
   const std::string grown = exported("grown.store");
   const std::string store = read("old.store");
-<<<<<<< HEAD
-=======
   write("killed.store", store);
   const auto all = files();
-  std::mt19937 random(1);
->>>>>>> stores
   std::chrono::microseconds latest(80'000);  // follows the time that this machine takes
   unsigned killed = 0;
   const RandomRun rounds(50);

@@ -6,7 +6,7 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "support/forgetful_disk.hpp"
-#include "support/random_seed.hpp"
+#include "support/random_run.hpp"
 
 namespace test {
 namespace {
@@ -50,15 +50,15 @@ void expectSound(const StoreOperation& operation, const Outcome& outcome, const 
   ASSERT_TRUE(contentOf(folder / operation.file) == outcome.after);
 }
 
-/// All that can be on the disk when power fails, tried in the ways that are given.
-std::set<Disk> allLeft(const ForgetfulDisk& disk, std::mt19937& random) {
+/// All that can be on the disk when power fails, with so many random ones at every step.
+std::set<Disk> allLeft(const ForgetfulDisk& disk, std::size_t randomOnes, Random& random) {
   std::set<Disk> result;
   for (std::size_t steps = 0; steps <= disk.steps(); ++steps) {
     for (const Rest rest :
          {Rest::None, Rest::All, Rest::NamesOnly, Rest::LastNameOnly, Rest::ContentOnly}) {
       result.insert(disk.leftAfter(steps, rest, random));
     }
-    for (unsigned times = storeEffort(); times > 0; --times) {
+    for (std::size_t left = randomOnes; left > 0; --left) {
       result.insert(disk.leftAfter(steps, Rest::Some, random));
     }
   }
@@ -66,7 +66,9 @@ std::set<Disk> allLeft(const ForgetfulDisk& disk, std::mt19937& random) {
 }
 
 TEST(StorePower, LeavesTheOldFileOrTheNewOneWhenItFailsAtAnyMoment) {
-  std::mt19937 random(randomSeed());
+  const RandomRun run(100);
+  Random random(run.seed());
+  const std::size_t randomOnes = (run.cases() + 99) / 100;
   for (const StoreOperation& operation : storeOperations()) {
     if (operation.file.empty()) continue;
     SCOPED_TRACE(operation.name);
@@ -77,7 +79,7 @@ TEST(StorePower, LeavesTheOldFileOrTheNewOneWhenItFailsAtAnyMoment) {
     disk.end();
     EXPECT_GT(disk.steps(), 1U);
     const Outcome outcome{before, contentOf(folder / operation.file), namesOf(readDisk(folder))};
-    for (const Disk& left : allLeft(disk, random)) {
+    for (const Disk& left : allLeft(disk, randomOnes, random)) {
       expectSound(operation, outcome, left);
       if (HasFatalFailure()) return;
     }

@@ -107,7 +107,22 @@ TEST_F(TypeLookup, LooksInTheMetamodelThenOneLevelDeepThenAmongStandardTypes) {
   EXPECT_EQ(subclasses, std::vector<Type>{own});
   a->fecthSubclassesInMetamodelOnly(base, subclasses);
   EXPECT_EQ(subclasses, (std::vector<Type>{own, own})) << "what was there stays";
+  std::vector<Type> fromWithin{base};
+  fromWithin.shrink_to_fit();
+  for (const char16_t* name : {u"a.One", u"a.Two"}) {
+    a->registerType(tag, store.addClass(name, {}, {base}));
+  }
+  a->fecthSubclassesInMetamodelOnly(fromWithin[0], fromWithin);
+  EXPECT_EQ(fromWithin.size(), 4U) << "the base may lie in the list that grows";
 }
+
+// A handle is a truth value, and nothing else that a truth value is.
+static_assert(std::is_convertible_v<Type, bool> && !std::is_convertible_v<Type, int>);
+static_assert(std::is_invocable_v<std::equal_to<>, Type, Type>);
+static_assert(!std::is_invocable_v<std::equal_to<>, Type, Package>);
+static_assert(!std::is_invocable_v<std::equal_to<>, Type, bool>);
+static_assert(!std::is_invocable_v<std::less<>, Type, Type>);
+static_assert(!std::is_invocable_v<std::plus<>, Type, int>);
 
 TEST_F(TypeLookup, CloneSharesContentAndEveryHandleIsCounted) {
   const Class shape = store.addClass(u"a.Shape");
@@ -129,7 +144,8 @@ TEST_F(TypeLookup, CloneSharesContentAndEveryHandleIsCounted) {
 
   Type other = shape;
   const Type moved = std::move(other);
-  EXPECT_FALSE(other);  // NOLINT(bugprone-use-after-move): a moved-from handle is empty
+  const bool isThere = other;  // NOLINT(bugprone-use-after-move): a moved-from handle is empty
+  EXPECT_FALSE(isThere);
   other = moved;
   EXPECT_EQ(references(), before + 2);
   const Type empty;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <unordered_set>
 
 #include "pathfinder/version_id.hpp"
 #include "platform/text.hpp"
@@ -42,8 +43,13 @@ TEST(SemVer, OrdersByTheFirstComponentThatDiffers) {
                               {1, 9, 9}, {1, 10, 0},      {2, 0, 0}, {largest, 0, 0}};
   for (const SemVer& left : ascending) {
     for (const SemVer& right : ascending) {
-      EXPECT_EQ(left < right, &left < &right) << left << " " << right;
-      EXPECT_EQ(left == right, &left == &right) << left << " " << right;
+      SCOPED_TRACE(printed(left) + " " + printed(right));
+      EXPECT_EQ(left < right, &left < &right);
+      EXPECT_EQ(left > right, &left > &right);
+      EXPECT_EQ(left <= right, &left <= &right);
+      EXPECT_EQ(left >= right, &left >= &right);
+      EXPECT_EQ(left == right, &left == &right);
+      EXPECT_EQ(left != right, &left != &right);
     }
   }
 }
@@ -61,6 +67,43 @@ TEST(VersionId, TellsTextsFromSemanticVersions) {
   EXPECT_EQ(printed(VersionId(u"Fr\u00fchling")), "Fr\xc3\xbchling");
   EXPECT_EQ(printed(VersionId(u"\U0001F331")), "\xf0\x9f\x8c\xb1");
   EXPECT_EQ(printed(VersionId(u"a\xd83cz")), "a\xef\xbf\xbdz") << "a lone surrogate";
+}
+
+TEST(VersionId, IsAKeyOfHashedContainers) {
+  const std::unordered_set<VersionId> ids{u"1.2.3", SemVer{1, 2, 3}, u"spring", u"1.2.3"};
+  EXPECT_EQ(ids.size(), 3U);
+  EXPECT_EQ(ids.count(SemVer{1, 2, 3}), 1U);
+  EXPECT_EQ(std::hash<VersionId>()(SemVer{1, 2, 3}), 1002003U);
+  EXPECT_EQ(std::hash<VersionId>()(u"spring"), std::hash<std::u16string>()(u"spring"));
+}
+
+// What must not compile. The types are parameters, without which it would end the compilation.
+template <class Value>
+concept TakesZero = requires {
+  Value(0);
+};
+template <class Value>
+concept TakesNull = requires {
+  Value(nullptr);
+};
+template <class Described>
+concept TakesZeroForAVersion = requires {
+  Described(u"A", 0, {});
+};
+static_assert(!TakesZero<VersionId> && !TakesZero<VersionRange>);
+static_assert(!TakesNull<VersionId> && !TakesNull<VersionRange>);
+static_assert(!TakesZeroForAVersion<Metamodel>);
+
+TEST(VersionId, TakesWhatIsWrittenForAVersion) {
+  const SemVer semantic{1, 2, 3};
+  const std::u16string text = u"spring";
+  EXPECT_EQ(VersionId({1, 2, 3}), VersionId(semantic));
+  EXPECT_EQ(VersionId{text}, VersionId(u"spring"));
+  EXPECT_EQ(VersionId({u"spring"}), VersionId(text));
+  EXPECT_EQ(Metamodel(u"A", {semantic}, {}).version, VersionId(semantic));
+  EXPECT_EQ(Metamodel(u"A", {}, {}).version, VersionId());
+  EXPECT_EQ(VersionRange({{1, 0, 0}, {2, 0, 0}}), between(1, 2));
+  EXPECT_EQ(Dependency(u"A", {u"spring"}).range, VersionRange(text));
 }
 
 TEST(VersionRange, IncludesOnlyItsOwnKind) {

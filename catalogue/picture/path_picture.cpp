@@ -15,6 +15,13 @@ namespace {
 
 using LaneNumbers = std::map<std::u16string, std::size_t>;
 
+/// What the baseline holds under the name; null when it holds nothing.
+const pathfinder::LinkedMetamodel* heldIn(const VersionBaseline& baseline,
+                                          const std::u16string& name) {
+  const auto held = baseline.metamodels.find(name);
+  return held == baseline.metamodels.end() ? nullptr : held->second.get();
+}
+
 /// A lane for each metamodel that the source or a step's end holds.
 LaneNumbers addLanes(const VersionBaseline& source, const std::vector<BaselineHop>& path,
                      std::vector<PathPicture::Lane>& lanes) {
@@ -25,9 +32,9 @@ LaneNumbers addLanes(const VersionBaseline& source, const std::vector<BaselineHo
   }
   for (auto& [name, number] : numbers) {
     number = lanes.size();
-    const auto held = source.metamodels.find(name);
-    lanes.push_back({fl::i18n::ustring_to_utf8(name),
-                     held == source.metamodels.end() ? "" : textOf(held->second->version), false});
+    const auto* held = heldIn(source, name);
+    lanes.push_back(
+        {fl::i18n::ustring_to_utf8(name), held == nullptr ? "" : textOf(held->version), false});
   }
   return numbers;
 }
@@ -40,7 +47,7 @@ std::vector<PathPicture::Move> listMoves(const BaselineHop& step, const LaneNumb
          hop.expensive ? PathPicture::MoveKind::expensive : PathPicture::MoveKind::ordinary});
   }
   for (const auto& [name, linked] : step.to.metamodels) {
-    if (step.from.metamodels.contains(name)) continue;
+    if (heldIn(step.from, name) != nullptr) continue;
     moves.push_back({lanes.at(name), "", textOf(linked->version), PathPicture::MoveKind::entering});
   }
   std::sort(moves.begin(), moves.end(),

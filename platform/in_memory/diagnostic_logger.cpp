@@ -1,5 +1,6 @@
 #include "platform/diagnostic_logger.hpp"
 
+#include <atomic>
 #include <boost/log/attributes/value_extraction.hpp>
 #include <boost/log/core.hpp>
 #include <boost/log/keywords/channel.hpp>
@@ -37,27 +38,103 @@ Value attribute(const boost::log::record_view& record, const char* name) {
   return found ? found.get() : Value();
 }
 
+/// Shows records to all functions that were added. The frontend has a recursive mutex locked
+/// whenever one of these is called.
 class CallbackBackend
     : public boost::log::sinks::basic_sink_backend<boost::log::sinks::synchronized_feeding> {
  public:
-  explicit CallbackBackend(std::function<void(const in_memory::RecordView&)> show)
-      : show_(std::move(show)) {}
+  using Show = std::function<void(const in_memory::RecordView&)>;
 
   void consume(const boost::log::record_view& record) {
-    show_({attribute<int>(record, "Severity"), attribute<std::string>(record, "Channel"),
-           attribute<std::string>(record, "Message")});
+    for (auto next = callbacks_.begin(); next != callbacks_.end();) {
+      const Turn turn(*this, next);
+      if (turn->isRemoved) continue;
+      turn->show({attribute<int>(record, "Severity"), attribute<std::string>(record, "Channel"),
+                  attribute<std::string>(record, "Message")});
+    }
   }
 
+  in_memory::RecordSinkId add(Show&& show) {
+    const in_memory::RecordSinkId id{++last_};
+    callbacks_.emplace(id, Callback{std::move(show)});
+    isListened_ = true;
+    return id;
+  }
+
+  void remove(in_memory::RecordSinkId id) {
+    const auto found = callbacks_.find(id);
+    if (found == callbacks_.end()) return;
+    found->second.isRemoved = true;
+    if (found->second.turns == 0) erase(found);
+  }
+
+  bool isListened() const { return isListened_; }
+
  private:
-  std::function<void(const in_memory::RecordView&)> show_;
+  struct Callback {
+    Show show;
+    int turns = 0;  // of it that have not ended: it may write records itself
+    bool isRemoved = false;
+  };
+  using Callbacks = std::map<in_memory::RecordSinkId, Callback>;
+
+  /// As long as it lives, a callback stays; then it goes on to the next one.
+  class Turn {
+   public:
+    Turn(CallbackBackend& backend, Callbacks::iterator& next) : backend_(backend), next_(next) {
+      ++next_->second.turns;
+    }
+    ~Turn() {
+      const auto mine = next_++;
+      if (--mine->second.turns == 0 && mine->second.isRemoved) backend_.erase(mine);
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    Callback* operator->() const { return &next_->second; }
+
+   private:
+    CallbackBackend& backend_;
+    Callbacks::iterator& next_;
+  };
+
+  void erase(Callbacks::iterator callback) {
+    const auto destroyed = callbacks_.extract(callback);
+    isListened_ = !callbacks_.empty();
+  }
+
+  Callbacks callbacks_;
+  std::uint64_t last_ = 0;
+  std::atomic<bool> isListened_{false};
 };
+
+using CallbackSink = boost::log::sinks::synchronous_sink<CallbackBackend>;
+
+boost::shared_ptr<CallbackSink> makeCallbackSink() {
+  const auto backend = boost::make_shared<CallbackBackend>();
+  auto sink = boost::make_shared<CallbackSink>(backend);
+  sink->set_filter([&listened = *backend](const boost::log::attribute_value_set& /*attributes*/) {
+    return listened.isListened();
+  });
+  boost::log::core::get()->add_sink(sink);
+  return sink;
+}
+
+/// The one Boost.Log sink of all callbacks, which refuses records when there is nobody to show them
+/// to. It is never destroyed: a static object of the host may remove its callback very late.
+CallbackSink& callbackSink() {
+  static const auto& sink = *new boost::shared_ptr<CallbackSink>(makeCallbackSink());
+  return *sink;
+}
 
 }  // namespace
 
-void in_memory::addRecordSink(std::function<void(const RecordView&)> show) {
-  using Sink = boost::log::sinks::synchronous_sink<CallbackBackend>;
-  boost::log::core::get()->add_sink(
-      boost::make_shared<Sink>(boost::make_shared<CallbackBackend>(std::move(show))));
+in_memory::RecordSinkId in_memory::addRecordSink(std::function<void(const RecordView&)> show) {
+  return callbackSink().locked_backend()->add(std::move(show));
+}
+
+void in_memory::removeRecordSink(RecordSinkId sink) {
+  callbackSink().locked_backend()->remove(sink);
 }
 
 /// The Boost.Log source: records carry the attributes "Severity" (int) and "Channel" (std::string).

@@ -54,11 +54,11 @@ bool BruteForce::improve() {
 
 bool BruteForce::goOn(const Way& way) {
   bool isBetter = false;
-  for (std::size_t i = 0; i < way.steps.size(); ++i) {
-    Rank rank{way.rank[0] + weightOf(way.steps[i].hops)};
+  for (std::size_t i = 0; i < way.steps->size(); ++i) {
+    Rank rank{way.rank[0] + weightOf((*way.steps)[i].hops)};
     rank.insert(rank.end(), way.rank.begin(), way.rank.end());
     rank.push_back(i);
-    isBetter |= offer(way.steps[i].to, rank, &way, i);
+    isBetter |= offer((*way.steps)[i].to, rank, &way, i);
   }
   return isBetter;
 }
@@ -68,9 +68,9 @@ bool BruteForce::offer(const Baseline& baseline, const Rank& rank, const Way* be
                        std::size_t place) {
   Way& way = ways_[baseline];
   if (way.rank.empty()) {
-    way.steps = model_.stepsFrom(baseline, direction_);
-    if (way.steps.size() > stepsLeft_) throw TooMany();
-    stepsLeft_ -= way.steps.size();
+    way.steps = &model_.stepsFrom(baseline, direction_);
+    if (way.steps->size() > stepsLeft_) throw TooMany();
+    stepsLeft_ -= way.steps->size();
   } else if (way.rank <= rank) {
     return false;
   }
@@ -99,7 +99,7 @@ void BruteForce::takePathTo(const Way& end) {
   path.emplace();
   const Way* way = &end;
   for (; way->before != nullptr; way = way->before) {
-    path->push_back(way->before->steps[way->place]);
+    path->push_back((*way->before->steps)[way->place]);
   }
   std::reverse(path->begin(), path->end());
   source = way->place;

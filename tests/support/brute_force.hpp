@@ -45,12 +45,12 @@ class BruteForce {
   /// the steps in the lists of those that leave their baselines, from the first step on.
   using Rank = std::vector<std::uint64_t>;
 
-  /// The best way to one baseline, and the steps that go on from there.
+  /// The best way to one baseline, and the steps that go on from there, which the model keeps.
   struct Way {
     Rank rank;
     const Way* before = nullptr;  // null at a source
     std::size_t place = 0;        // of the last step among those of `before`; of the source
-    Steps steps;
+    const Steps* steps = nullptr;
     bool isNew = true;  // its steps have not been tried since it was found
   };
 

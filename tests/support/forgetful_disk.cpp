@@ -113,7 +113,7 @@ void ForgetfulDisk::after(const FileCall& call, long result) {
   }
 }
 
-Disk ForgetfulDisk::leftAfter(std::size_t steps, Rest rest, std::mt19937& random) const {
+Disk ForgetfulDisk::leftAfter(std::size_t steps, Rest rest, Random& random) const {
   Left left;
   left.names = firstNames_;
   for (std::size_t i = 0; i < firstContents_.size(); ++i) {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <map>
-#include <random>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "support/file_calls.hpp"
+#include "support/random_run.hpp"
 #include "support/store_operations.hpp"
 
 namespace test {
@@ -32,7 +32,7 @@ class ForgetfulDisk : public FileCallWatch {
   std::size_t steps() const { return steps_.size(); }
 
   /// What may be there when power fails after that many steps.
-  Disk leftAfter(std::size_t steps, Rest rest, std::mt19937& random) const;
+  Disk leftAfter(std::size_t steps, Rest rest, Random& random) const;
 
  private:
   using File = int;  // a number for each file that there ever was

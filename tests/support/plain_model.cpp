@@ -209,7 +209,16 @@ std::optional<Baseline> PlainModel::selectionAfter(const Baseline& from,
   return selection;
 }
 
-std::vector<PlainModel::Step> PlainModel::stepsFrom(const Baseline& from, Direction direction) {
+const std::vector<PlainModel::Step>& PlainModel::stepsFrom(const Baseline& from,
+                                                           Direction direction) {
+  const std::pair among(repository_.metamodels.size(), repository_.hops.size());
+  if (std::exchange(stepsAmong_, among) != among) steps_.clear();
+  const auto known = steps_.find({from, direction});
+  if (known != steps_.end()) return known->second;
+  return steps_.emplace(std::pair(from, direction), tryStepsFrom(from, direction)).first->second;
+}
+
+std::vector<PlainModel::Step> PlainModel::tryStepsFrom(const Baseline& from, Direction direction) {
   std::vector<LockstepHop> choices(1);
   for (const auto& [name, place] : from) {
     if (fails("findHops", place)) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/test_repository.hpp"
@@ -15,7 +16,8 @@ namespace test {
 /// metamodels, their identity, caches or a search engine. Slow, for small catalogues. Knows nothing
 /// of versions that link another one of their own name (see `isExact`).
 ///
-/// Looks at the repository's content as it is when asked, but remembers how metamodels are linked.
+/// Looks at the repository's content as it is when asked, but remembers how metamodels are linked,
+/// and steps until something is added.
 class PlainModel {
  public:
   /// A version for each name, by its place among the repository's metamodels.
@@ -60,8 +62,8 @@ class PlainModel {
   /// there.
   bool losesHop(const Baseline& baseline, VersionRepository::Direction direction) const;
 
-  /// Every step that leaves a baseline.
-  std::vector<Step> stepsFrom(const Baseline& from, VersionRepository::Direction direction);
+  /// Every step that leaves a baseline. Valid until the repository's content has changed.
+  const std::vector<Step>& stepsFrom(const Baseline& from, VersionRepository::Direction direction);
 
   /// The same baseline as the repository's.
   Baseline baselineOf(const VersionBaseline& baseline) const;
@@ -84,12 +86,17 @@ class PlainModel {
   void extend(std::size_t linking, std::vector<Baseline>& choices,
               const std::vector<Baseline>& options);
   void linkAsHost(std::size_t linking, Baseline& choice);
+  std::vector<Step> tryStepsFrom(const Baseline& from, VersionRepository::Direction direction);
 
   const TestRepository& repository_;
   const Failures failures_;
   bool isExact_ = true;
   std::set<std::size_t> pending_;  // being linked
   std::map<std::size_t, std::vector<Baseline>> linked_;
+
+  // What was worked out for a repository of so many metamodels and hops, to which some may be added.
+  std::map<std::pair<Baseline, VersionRepository::Direction>, std::vector<Step>> steps_;
+  std::pair<std::size_t, std::size_t> stepsAmong_;
 };
 
 }  // namespace test

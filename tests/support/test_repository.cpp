@@ -35,8 +35,10 @@ std::vector<std::string> split(const std::string& text, char separator) {
 }
 
 std::string brief(const VersionId& version) {
-  std::string text = printed(version);
-  if (text.ends_with(".0.0")) text.resize(text.size() - 4);
+  if (!version.isSemVer()) return fl::i18n::ustring_to_utf8(version.getText());
+  const auto& [major, minor, patch] = version.getSemVer();
+  std::string text = std::to_string(major);
+  if (minor != 0 || patch != 0) text += "." + std::to_string(minor) + "." + std::to_string(patch);
   return text;
 }
 
@@ -133,7 +135,7 @@ std::string TestRepository::steps(const std::string& from, Direction direction) 
 
 std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& name,
                                                           const std::u16string& text) {
-  note("getEquivalentSemVer " + brief(name, text));
+  note([&] { return "getEquivalentSemVer " + brief(name, text); });
   const auto found = equivalents.find({name, text});
   if (found == equivalents.end()) return std::nullopt;
   return found->second;
@@ -141,7 +143,7 @@ std::optional<SemVer> TestRepository::getEquivalentSemVer(const std::u16string& 
 
 std::optional<Metamodel> TestRepository::getMetamodel(const std::u16string& name,
                                                       const VersionId& version) {
-  note("getMetamodel " + brief(name, version));
+  note([&] { return "getMetamodel " + brief(name, version); });
   const auto other = otherAnswers.find(brief(name, version));
   return VersionRepository::getMetamodel(name,
                                          other == otherAnswers.end() ? version : other->second);
@@ -149,7 +151,7 @@ std::optional<Metamodel> TestRepository::getMetamodel(const std::u16string& name
 
 void TestRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
                                     std::vector<Metamodel>& result) {
-  note("findMetamodels " + fl::i18n::ustring_to_utf8(name) + printed(range));
+  note([&] { return "findMetamodels " + fl::i18n::ustring_to_utf8(name) + printed(range); });
   for (const Metamodel& metamodel : metamodels) {
     if (metamodel.name == name && includes(range, metamodel)) result.push_back(metamodel);
   }
@@ -157,7 +159,7 @@ void TestRepository::findMetamodels(const std::u16string& name, const VersionRan
 
 void TestRepository::findHops(const std::u16string& name, const VersionId& from,
                               std::vector<Hop>& result) {
-  note("findHops " + brief(name, from));
+  note([&] { return "findHops " + brief(name, from); });
   for (const Hop& hop : hops) {
     if (hop.name == name && hop.from == from) result.push_back(hop);
   }
@@ -167,7 +169,6 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 }
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
-  note("loadMetamodel " + brief(linked->name, linked->version));
   if (isNoting) loaded.push_back(linked);
   const auto links = hostLinks.find(brief(linked->name, linked->version));
   if (links == hostLinks.end()) return;
@@ -200,7 +201,10 @@ std::string TestRepository::callsOf(const std::string& operation) const {
   return result.empty() ? result : result.substr(1);
 }
 
-void TestRepository::note(const std::string& call) {
+template <class Describe>
+void TestRepository::note(const Describe& describeCall) {
+  if (!isNoting && !onCall && failing.empty()) return;
+  const std::string call = describeCall();
   if (isNoting) calls.push_back(call);
   if (onCall) onCall(call);
   if (failing.contains(call)) throw CallbackFailure{call};
@@ -216,7 +220,7 @@ std::string describe(const VersionBaseline& baseline) {
   std::string result;
   for (const auto& [name, linked] :
        std::map(baseline.metamodels.begin(), baseline.metamodels.end())) {
-    result += (result.empty() ? "" : " ") + brief(name, linked->version);
+    if (linked) result += (result.empty() ? "" : " ") + brief(name, linked->version);
   }
   return result;
 }

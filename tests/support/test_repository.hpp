@@ -117,7 +117,8 @@ class TestRepository : public VersionRepository {
   void addMetamodel(const std::u16string& name, const VersionId& id, const std::string& item);
   void addHop(const std::u16string& name, const VersionId& from, const std::string& item);
   void linkFirst(LinkedMetamodel& linked, const std::u16string& name, const VersionId& version);
-  void note(const std::string& call);
+  template <class Describe>
+  void note(const Describe& describeCall);
 
   std::set<std::string> loading_;  // versions that the host links something to just now
 };
@@ -128,7 +129,7 @@ std::vector<Hop> hopsFrom(VersionRepository& repository, const Metamodel& metamo
 /// "A1", "B2.5.0", "Cspring".
 std::string brief(const std::u16string& name, const VersionId& version);
 
-/// The metamodels of a baseline by ascending name: "A1 B2.5.0 Cspring".
+/// The metamodels of a baseline by ascending name, without null ones: "A1 B2.5.0 Cspring".
 std::string describe(const VersionBaseline& baseline);
 
 /// The same for each of several: "A1 B1, A1 B2".

@@ -19,7 +19,7 @@ IUserException::~IUserException() = default;
 IMsgIDException::~IMsgIDException() noexcept = default;
 
 const char* IException::what() const noexcept {
-  return text_.c_str();
+  return shown_.c_str();
 }
 
 std::string IUserException::convert_str(const std::u16string& text) const {
@@ -31,7 +31,7 @@ std::u16string IUserException::convert_str(const std::string& text) const {
 }
 
 std::u16string IUserException::ToUstringImpl() const {
-  return convert_str(std::string(what()));
+  return convert_str(text());
 }
 
 IMsgIDException::IMsgIDException(const resource_core::BaseMsgID& message)

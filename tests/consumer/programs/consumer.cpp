@@ -2,7 +2,12 @@
 #include <stdexcept>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/version.hpp"
 #include "pathfinder/version_repository.hpp"
+
+#if TARN_EVOLUTION_PATHFINDER_VERSION < 1000
+#error "The version of the headers is no number to compare."
+#endif
 
 using namespace tarn::evolution::pathfinder;
 using foundation::core::except::Exception;
@@ -75,6 +80,7 @@ void errorArrives(VersionRepository& repository) {
 }  // namespace
 
 int main() try {
+  expect(libraryVersion() == headerVersion, "the library is of the version of its headers");
   ThreeVersions repository;
   findsPath(repository);
   errorArrives(repository);
