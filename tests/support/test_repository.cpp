@@ -170,6 +170,7 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
   if (isNoting) loaded.push_back(linked);
+  note([&] { return "loadMetamodel " + brief(linked->name, linked->version); });
   const auto links = hostLinks.find(brief(linked->name, linked->version));
   if (links == hostLinks.end()) return;
   // What is linked here may need the very version that is loaded.
