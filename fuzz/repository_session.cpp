@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "support/brute_force.hpp"
+#include "support/engine_question.hpp"
 
 namespace fuzz {
 
@@ -220,7 +221,7 @@ void RepositorySession::askToSelection() {
 void RepositorySession::askBothEngines() {
   const auto sources = in(repository_, someBaselines());
   const auto targets = in(repository_, someBaselines());
-  const SearchQuestion question{repository_, sources, targets, someDirection()};
+  const SearchQuestion question = engineQuestion(repository_, sources, targets, someDirection());
   const auto text = [&](const SearchAnswer& answer) {
     if (answer.verdict == SearchAnswer::Verdict::Unsettled) return std::string("unsettled");
     if (answer.verdict == SearchAnswer::Verdict::NoPath) return std::string("none");

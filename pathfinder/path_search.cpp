@@ -5,9 +5,9 @@
 
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
-#include "pathfinder/tried_baselines.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
+#include "pathfinder/search/tried_baselines.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -18,16 +18,14 @@ using diagnostics::traceValue;
 namespace {
 
 void traceQuestion(const std::vector<VersionBaseline>& sources,
-                   const std::vector<VersionBaseline>& targets,
-                   VersionRepository::Direction direction) {
+                   const std::vector<VersionBaseline>& targets, Direction direction) {
   traceValue("Finding path from one of:");
   for (const VersionBaseline& source : sources) traceValue(source);
   traceValue("TO one of:");
   for (const VersionBaseline& target : targets) traceValue(target);
   traceValue("End of list");
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-    out << "Direction is " << VersionRepository::getDirectionString(direction);
-  });
+  trace(TraceLevel::Reasoning,
+        [&](std::ostream& out) { out << "Direction is " << nameOf(direction); });
 }
 
 /// Asks one engine after the other until one settles the question.
@@ -42,19 +40,17 @@ SearchAnswer search(SearchQuestion question) {
 
 }  // namespace
 
-std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
-                                                           PathCache& cache,
+std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, PathCache& cache,
                                                            const QuestionBaselines& sources,
                                                            const QuestionBaselines& targets,
-                                                           VersionRepository::Direction direction,
+                                                           Direction direction,
                                                            std::vector<KnownMetamodel> known) {
   static const instrument::Handle& handle =
       instrument::controls.getHandle("VersionRepository::findPath");
   const diagnostics::ScopedEvent event(handle);
   traceQuestion(sources.list(), targets.list(), direction);
   if (auto cached = cache.find(sources.list(), targets.list())) return cached;
-  SearchAnswer answer =
-      search({repository, sources.list(), targets.list(), direction, std::move(known)});
+  SearchAnswer answer = search({host, sources.list(), targets.list(), direction, std::move(known)});
   if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
   if (!answer.steps.empty()) {
     cache.store(answer.steps, sources.take(*answer.source), targets.take(*answer.target));

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <cstddef>
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "pathfinder/path_cache.hpp"
-#include "pathfinder/search_question.hpp"
-#include "pathfinder/version_repository.hpp"
+#include "pathfinder/search/path_cache.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -28,7 +27,8 @@ class QuestionBaselines {
   /// One element, for good.
   VersionBaseline take(const VersionBaseline& element) const {
     if (spare_ == nullptr) return element;
-    return std::move((*spare_)[static_cast<std::size_t>(&element - list_.data())]);
+    return std::move(*std::find_if(spare_->begin(), spare_->end(),
+                                   [&](const VersionBaseline& own) { return &own == &element; }));
   }
 
  private:
@@ -38,11 +38,10 @@ class QuestionBaselines {
 
 /// `VersionRepository::findPath` for lists of baselines: asks the cache, searches, and stores what
 /// the search found.
-std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
-                                                           PathCache& cache,
+std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, PathCache& cache,
                                                            const QuestionBaselines& sources,
                                                            const QuestionBaselines& targets,
-                                                           VersionRepository::Direction direction,
+                                                           Direction direction,
                                                            std::vector<KnownMetamodel> known = {});
 
 }  // namespace tarn::evolution::pathfinder

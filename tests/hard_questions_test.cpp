@@ -4,10 +4,11 @@
 
 #include <algorithm>
 
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "support/brute_force.hpp"
 #include "support/child_process.hpp"
+#include "support/engine_question.hpp"
 #include "support/hard_questions.hpp"
 #include "support/items.hpp"
 #include "support/test_question.hpp"
@@ -175,7 +176,8 @@ class Comparison {
   }
 
   void ask(TestQuestion& small) {
-    const SearchQuestion asked{small.repository, small.sources, small.targets, small.direction};
+    const SearchQuestion asked =
+        engineQuestion(small.repository, small.sources, small.targets, small.direction);
     SearchAnswer answer;
     expected_ = outcomeOf([&] { return searchExhaustively(asked, combinationsTried); }, answer);
     if (expected_ == "unsettled") return;
@@ -218,7 +220,8 @@ class Comparison {
 
   void askOtherEngine(const SearchQuestion& asked, const SearchAnswer& expected) {
     TestQuestion fresh(text_);
-    const SearchQuestion question{fresh.repository, fresh.sources, fresh.targets, fresh.direction};
+    const SearchQuestion question =
+        engineQuestion(fresh.repository, fresh.sources, fresh.targets, fresh.direction);
     SearchAnswer answer;
     const std::string found = outcomeOf([&] { return searchGoalDirected(question); }, answer);
     note("unsettled", found == "unsettled");

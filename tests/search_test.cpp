@@ -4,9 +4,10 @@
 #include <cctype>
 #include <deque>
 
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "platform/exception.hpp"
+#include "support/engine_question.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
@@ -33,10 +34,10 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
   for (const auto* baselines : {&question.sources, &question.targets}) {
     for (const VersionBaseline& baseline : *baselines) {
       for (const auto& [name, linked] : baseline.metamodels) {
-        if (auto answer = question.repository.getMetamodel(name, linked->version)) {
+        if (auto answer = question.host.getMetamodel(name, linked->version)) {
           answers.push_back(*std::move(answer));
           question.known.push_back({&name, &linked->version, &answers.back(),
-                                    &question.repository.getLinkedMetamodels(answers.back())});
+                                    &question.host.getLinkedMetamodels(answers.back())});
         }
       }
     }
@@ -47,8 +48,8 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
 void compare(const std::string& text, RandomRun& run) {
   TestQuestion question(text);
   if (!question.isPosed()) return;
-  const SearchQuestion asked{question.repository, question.sources, question.targets,
-                             question.direction};
+  const SearchQuestion asked =
+      engineQuestion(question.repository, question.sources, question.targets, question.direction);
   SearchAnswer expected;
   try {
     expected = searchExhaustively(asked);
@@ -105,7 +106,7 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
     TestRepository repository(catalogue);
     const auto sources = repository.baselines(from);
     const auto targets = repository.baselines(to);
-    const SearchQuestion asked{repository, sources, targets, anyDirection};
+    const SearchQuestion asked = engineQuestion(repository, sources, targets, anyDirection);
     const SearchAnswer expected = searchExhaustively(asked);
     EXPECT_EQ(expected.verdict == Verdict::Found ? expected.steps.size() : ~std::size_t{0}, steps);
     expectSame(expected, searchGoalDirected(asked));
@@ -118,7 +119,7 @@ TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
   for (const auto& [name, steps] : {std::pair(u"Z", 2U), std::pair(u"B", 0U)}) {
     auto targets = repository.baselines("A3");
     targets[0].metamodels[name] = nullptr;
-    const SearchQuestion lacking{repository, sources, targets, forward};
+    const SearchQuestion lacking = engineQuestion(repository, sources, targets, forward);
     const SearchAnswer expected = searchExhaustively(lacking);
     EXPECT_EQ(expected.steps.size(), steps);
     expectSame(expected, searchGoalDirected(lacking));
@@ -130,7 +131,9 @@ TEST(Engines, LongPathsTakeNoStack) {
   const auto sources = repository.baselines("A1");
   const auto targets = repository.baselines("A2000");
   runOnSmallStack([&] {
-    EXPECT_EQ(searchGoalDirected({repository, sources, targets, forward}).steps.size(), 1999U);
+    EXPECT_EQ(
+        searchGoalDirected(engineQuestion(repository, sources, targets, forward)).steps.size(),
+        1999U);
   });
 }
 

@@ -14,7 +14,7 @@
 #include "pathfinder/learning/plan_network.hpp"
 #include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/timeline.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -55,8 +55,8 @@ class LearningPlan {
  private:
   void log(const char* what) {
     if (std::getenv("LEARN_LOG") == nullptr) return;
-    std::fprintf(stderr, "  %s %.4f s: E %lu H %lu R %lu S %zu circles %lu questions %lu vars %d\n", what,
-                 now() - start_, expensive_, hops_, best_, steps_.size(), check_.circles(),
+    std::fprintf(stderr, "  %s %.4f s: E %lu H %lu R %lu S %zu circles %lu questions %lu vars %d\n",
+                 what, now() - start_, expensive_, hops_, best_, steps_.size(), check_.circles(),
                  solver_.questions(), solver_.variables());
   }
 
@@ -99,9 +99,9 @@ class LearningPlan {
   }
 
   bool findFewestExpensiveHops() {
-    const std::uint64_t least =
-        setCosts(fewestExpensive_, [this](const auto& arc) { return extraExpensive(arc); },
-                 [](const auto& node) { return node.expensiveLeft; });
+    const std::uint64_t least = setCosts(
+        fewestExpensive_, [this](const auto& arc) { return extraExpensive(arc); },
+        [](const auto& node) { return node.expensiveLeft; });
     if (fewestExpensive_.minimize({}, accept()) != Outcome::Found) return false;
     expensive_ = least + fewestExpensive_.lowerBound();
     notePlan();
@@ -115,14 +115,12 @@ class LearningPlan {
     return result;
   }
 
-  void notePlan() {
-    best_ = std::min(best_, check_.ordinaryHops() + check_.ordinarySteps());
-  }
+  void notePlan() { best_ = std::min(best_, check_.ordinaryHops() + check_.ordinarySteps()); }
 
   void findFewestOrdinaryHops() {
-    leastOrdinary_ =
-        setCosts(fewestOrdinary_, [this](const auto& arc) { return extraOrdinary(arc); },
-                 [](const auto& node) { return node.ordinaryLeft; });
+    leastOrdinary_ = setCosts(
+        fewestOrdinary_, [this](const auto& arc) { return extraOrdinary(arc); },
+        [](const auto& node) { return node.ordinaryLeft; });
     fewestOrdinary_.minimize({isFewestExpensive_}, accept());
     hops_ = leastOrdinary_ + fewestOrdinary_.lowerBound();
     notePlan();
@@ -263,7 +261,8 @@ BackwardPlan LearningPlan::breakTies() {
     for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) {
       if (!last.mayBeIn(arc, step) || network_.arcs[arc].expensive) continue;
       const NodeIndex to = network_.arcs[arc].to;
-      solver_.addClause({hasOrdinary, -formula_.isUsed(arc), -last.isEnteredBefore(to, step - 1), last.isEnteredBefore(to, step)});
+      solver_.addClause({hasOrdinary, -formula_.isUsed(arc), -last.isEnteredBefore(to, step - 1),
+                         last.isEnteredBefore(to, step)});
     }
     if (shorter == 0) solver_.addClause({-decided, -hasOrdinary});
     const Literal active = solver_.newVariable();
@@ -275,24 +274,39 @@ BackwardPlan LearningPlan::breakTies() {
       if ((isExp ? expensiveLeft : ordinaryLeft) == 0) continue;
       counts[kind] = Maximum(solver_, assumptions).find(made[kind], accept(), decided);
     }
-    expensiveLeft -= counts[1]; ordinaryLeft -= counts[0];
+    expensiveLeft -= counts[1];
+    ordinaryLeft -= counts[0];
     if (counts[0] > 0) --layers;
     solver_.addClause({-decided, counts[0] > 0 ? hasOrdinary : -hasOrdinary});
-    if (std::getenv("LEARN_LOG")) std::fprintf(stderr, "   step %u: %lu exp %lu ord  %.4f questions %lu cand %zu %zu\n", step, counts[1], counts[0], now()-start_, solver_.questions(), made[1].size(), made[0].size());
-    if (counts[0]+counts[1]==0) std::abort();
+    if (std::getenv("LEARN_LOG"))
+      std::fprintf(stderr, "   step %u: %lu exp %lu ord  %.4f questions %lu cand %zu %zu\n", step,
+                   counts[1], counts[0], now() - start_, solver_.questions(), made[1].size(),
+                   made[0].size());
+    if (counts[0] + counts[1] == 0) std::abort();
   }
   // places
   const std::uint32_t steps = last.count();
   for (NodeIndex node = 0; steps > 0 && node < network_.nodes.size(); ++node)
     solver_.addClause({-decided, -last.isEnteredBefore(node, steps), formula_.startsAt(node)});
   const std::vector<Literal> assumptions{decided};
-  const auto solve = [&] { do { if (solver_.solve(assumptions) != SatSolver::Answer::Satisfiable) std::abort(); } while (!check_.accept()); };
+  const auto solve = [&] {
+    do {
+      if (solver_.solve(assumptions) != SatSolver::Answer::Satisfiable) std::abort();
+    } while (!check_.accept());
+  };
   solve();
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
     std::vector<Literal> a{decided, formula_.isSource(i)};
     bool ok = false;
-    while (solver_.solve(a) == SatSolver::Answer::Satisfiable) if (check_.accept()) { ok = true; break; }
-    if (ok) { solver_.addClause({-decided, formula_.isSource(i)}); break; }
+    while (solver_.solve(a) == SatSolver::Answer::Satisfiable)
+      if (check_.accept()) {
+        ok = true;
+        break;
+      }
+    if (ok) {
+      solver_.addClause({-decided, formula_.isSource(i)});
+      break;
+    }
   }
   solve();
   std::vector<NodeIndex> held(network_.names.size());
@@ -301,43 +315,64 @@ BackwardPlan LearningPlan::breakTies() {
   for (std::uint32_t step = steps; step > 0; --step) {
     // what each name does in the model
     const auto digitOf = [&](NameIndex name) -> ArcIndex {
-      const auto& nodes = check_.nodesOf(name); const auto& arcs = check_.arcsOf(name);
-      for (std::size_t i = 0; i < arcs.size(); ++i) if (nodes[i] == held[name]) {
-        return solver_.isTrue(last.isEnteredBefore(nodes[i+1], step-1)) ? arcs[i] : SearchSpace::none; }
-      return SearchSpace::none; };
-    const auto placeOf = [&](ArcIndex a) { return a == SearchSpace::none ? 0u : network_.arcs[a].place + 1; };
+      const auto& nodes = check_.nodesOf(name);
+      const auto& arcs = check_.arcsOf(name);
+      for (std::size_t i = 0; i < arcs.size(); ++i)
+        if (nodes[i] == held[name]) {
+          return solver_.isTrue(last.isEnteredBefore(nodes[i + 1], step - 1)) ? arcs[i]
+                                                                              : SearchSpace::none;
+        }
+      return SearchSpace::none;
+    };
+    const auto placeOf = [&](ArcIndex a) {
+      return a == SearchSpace::none ? 0u : network_.arcs[a].place + 1;
+    };
     std::vector<ArcIndex> digits(held.size());
-    const auto read = [&](std::size_t below) { for (NameIndex n = 0; n < below; ++n) digits[n] = digitOf(n); };
+    const auto read = [&](std::size_t below) {
+      for (NameIndex n = 0; n < below; ++n) digits[n] = digitOf(n);
+    };
     read(held.size());
     // lower digit literal
-    const auto lower = [&](NameIndex name, std::uint32_t place) { // true only if digit < place
+    const auto lower = [&](NameIndex name, std::uint32_t place) {  // true only if digit < place
       const Literal l = solver_.newVariable();
       for (const ArcIndex arc : network_.nodes[held[name]].out)
         if (network_.arcs[arc].place + 1 >= place)
-          solver_.addClause({-l, -formula_.isUsed(arc), -last.isEnteredBefore(network_.arcs[arc].to, step - 1)});
-      return l; };
-    std::size_t fixed = held.size(); // names from here on are decided
+          solver_.addClause(
+              {-l, -formula_.isUsed(arc), -last.isEnteredBefore(network_.arcs[arc].to, step - 1)});
+      return l;
+    };
+    std::size_t fixed = held.size();  // names from here on are decided
     const auto fix = [&](NameIndex name) {
       const std::uint32_t place = placeOf(digits[name]);
       for (const ArcIndex arc : network_.nodes[held[name]].out) {
-        if (network_.arcs[arc].place + 1 == place) { solver_.addClause({-decided, formula_.isUsed(arc)}); solver_.addClause({-decided, last.isEnteredBefore(network_.arcs[arc].to, step-1)}); }
-        else solver_.addClause({-decided, -formula_.isUsed(arc), -last.isEnteredBefore(network_.arcs[arc].to, step - 1)});
-      } };
+        if (network_.arcs[arc].place + 1 == place) {
+          solver_.addClause({-decided, formula_.isUsed(arc)});
+          solver_.addClause({-decided, last.isEnteredBefore(network_.arcs[arc].to, step - 1)});
+        } else
+          solver_.addClause({-decided, -formula_.isUsed(arc),
+                             -last.isEnteredBefore(network_.arcs[arc].to, step - 1)});
+      }
+    };
     while (fixed > 0) {
       // names below `fixed` with a digit: can the topmost be lowered? ask for groups
-      std::vector<NameIndex> group; std::vector<Literal> lowers;
-      for (std::size_t n = fixed; n-- > 0;) if (digits[n] != SearchSpace::none) group.push_back(static_cast<NameIndex>(n));
+      std::vector<NameIndex> group;
+      std::vector<Literal> lowers;
+      for (std::size_t n = fixed; n-- > 0;)
+        if (digits[n] != SearchSpace::none) group.push_back(static_cast<NameIndex>(n));
       for (NameIndex n : group) lowers.push_back(lower(n, placeOf(digits[n])));
       // find the longest prefix of the group that cannot be lowered
       // keep zeros above: digits of names between are assumed by clauses as we fix
-      std::size_t done = 0; bool changed = false; std::size_t size = group.size();
+      std::size_t done = 0;
+      bool changed = false;
+      std::size_t size = group.size();
       std::size_t position = fixed;
       while (done < group.size()) {
         size = std::min(size, group.size() - done);
         // names above and including group[done..done+size) that are 0 must stay 0: assume
         std::vector<Literal> a{decided};
         const std::size_t down = done + size < group.size() ? group[done + size] + 1 : 0;
-        std::vector<Literal> clause(lowers.begin() + static_cast<std::ptrdiff_t>(done), lowers.begin() + static_cast<std::ptrdiff_t>(done + size));
+        std::vector<Literal> clause(lowers.begin() + static_cast<std::ptrdiff_t>(done),
+                                    lowers.begin() + static_cast<std::ptrdiff_t>(done + size));
         (void)down;
         if (size == 1) {
           // zeros above group[done] are fixed
@@ -346,24 +381,42 @@ BackwardPlan LearningPlan::breakTies() {
           a.push_back(lowers[done]);
           ++asked;
           SatSolver::Answer r;
-          while ((r = solver_.solve(a)) == SatSolver::Answer::Satisfiable && !check_.accept()) {}
-          if (r == SatSolver::Answer::Satisfiable) { read(position); changed = true; break; }
-          fix(group[done]); position = group[done];
-          ++done; size = std::max<std::size_t>(1, size * 2); continue;
+          while ((r = solver_.solve(a)) == SatSolver::Answer::Satisfiable && !check_.accept()) {
+          }
+          if (r == SatSolver::Answer::Satisfiable) {
+            read(position);
+            changed = true;
+            break;
+          }
+          fix(group[done]);
+          position = group[done];
+          ++done;
+          size = std::max<std::size_t>(1, size * 2);
+          continue;
         }
         ++asked;
         const auto r = solver_.solveWith(clause, a);
         if (r == SatSolver::Answer::Unsatisfiable) {
-          for (std::size_t n = position; n-- > group[done + size - 1];) fix(static_cast<NameIndex>(n));
+          for (std::size_t n = position; n-- > group[done + size - 1];)
+            fix(static_cast<NameIndex>(n));
           position = group[done + size - 1];
-          done += size; size *= 2;
-        } else { size /= 2; }
+          done += size;
+          size *= 2;
+        } else {
+          size /= 2;
+        }
       }
-      if (!changed) { for (std::size_t n = position; n-- > 0;) fix(static_cast<NameIndex>(n)); position = 0; solve(); read(held.size()); }
+      if (!changed) {
+        for (std::size_t n = position; n-- > 0;) fix(static_cast<NameIndex>(n));
+        position = 0;
+        solve();
+        read(held.size());
+      }
       fixed = position;
       if (changed) continue;
     }
-    for (NameIndex n = 0; n < held.size(); ++n) if (digits[n] != SearchSpace::none) held[n] = network_.arcs[digits[n]].to;
+    for (NameIndex n = 0; n < held.size(); ++n)
+      if (digits[n] != SearchSpace::none) held[n] = network_.arcs[digits[n]].to;
   }
   if (std::getenv("LEARN_LOG")) std::fprintf(stderr, "   places asked %lu\n", asked);
   return plan;

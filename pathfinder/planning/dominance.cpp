@@ -22,7 +22,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "messages/trace.hpp"
-#include "pathfinder/hop_collection.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/plan_execution.hpp"
 #include "pathfinder/planning/plan_search.hpp"
 #include "pathfinder/planning/space_survey.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
+#include "pathfinder/search/hop_collection.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -107,8 +107,7 @@ class GoalDirectedSearch {
   void reportLostHop() const {
     if (!survey_.anyLosesHop()) return;
     const std::vector<VersionBaseline> anything(1);
-    const SearchQuestion open{question_.repository, question_.sources, anything,
-                              question_.direction};
+    const SearchQuestion open{question_.host, question_.sources, anything, question_.direction};
     SpaceSurvey survey(open, SpaceSurvey::Scope::Everything);
     survey.begin();
     while (survey.isFit() && survey.extend()) {
@@ -131,7 +130,7 @@ class GoalDirectedSearch {
   void reportHopsOf(const SearchSpace& space, VersionIndex version) const {
     const SearchSpace::Version& losing = space.versions[version];
     HopChoices choices;
-    collectHops(question_.repository, question_.direction, space.names[losing.name].text,
+    collectHops(question_.host, question_.direction, space.names[losing.name].text,
                 *losing.linked->front(), choices);
   }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 

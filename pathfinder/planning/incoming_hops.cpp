@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

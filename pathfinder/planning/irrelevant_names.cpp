@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "pathfinder/link_attempt.hpp"
+#include "pathfinder/linking/link_attempt.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -30,7 +30,7 @@ bool IrrelevantNames::maybeIrrelevant(const std::u16string& name,
   if (!std::all_of(targets.begin(), targets.end(), admitsIt)) return false;
   if (!std::all_of(sources.begin() + 1, sources.end(), holdsIt)) return false;
   // Only what a repository has made itself is in the baselines after a step.
-  const auto* own = tryLink(question_.repository, *linked);
+  const auto* own = tryLink(question_.host, *linked);
   return linked->name == name && own != nullptr && own->front() == linked;
 }
 

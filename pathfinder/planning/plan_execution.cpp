@@ -13,11 +13,11 @@
 #include <map>
 #include <utility>
 
-#include "pathfinder/baseline_combination.hpp"
-#include "pathfinder/hop_collection.hpp"
+#include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/planning/variant_filter.hpp"
-#include "pathfinder/step_generation.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/hop_collection.hpp"
+#include "pathfinder/search/step_generation.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -169,7 +169,7 @@ class PlanExecution {
       if (!space_.versions[index].losesHop) continue;
       const std::u16string& name = space_.names[space_.versions[index].name].text;
       HopChoices choices;
-      collectHops(question_.repository, question_.direction, name, *baseline.metamodels.at(name),
+      collectHops(question_.host, question_.direction, name, *baseline.metamodels.at(name),
                   choices);
     }
   }

@@ -21,7 +21,7 @@
 #include "pathfinder/planning/dominance.hpp"
 #include "pathfinder/planning/incoming_hops.hpp"
 #include "pathfinder/planning/word_pool.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

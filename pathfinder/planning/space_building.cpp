@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "pathfinder/covering_link.hpp"
+#include "pathfinder/linking/covering_link.hpp"
 
 namespace tarn::evolution::pathfinder {
 

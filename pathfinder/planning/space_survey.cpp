@@ -16,9 +16,9 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
-#include "pathfinder/covering_link.hpp"
+#include "pathfinder/linking/covering_link.hpp"
 #include "pathfinder/planning/space_building.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -173,7 +173,7 @@ void SpaceSurvey::enterSource(std::size_t source, const std::u16string& key,
   reach(version, 0);
   if (!std::exchange(version.isLinkTried, true)) {
     // Every step from here tries to hold it, but for those that move it.
-    version.linked = &question_.repository.getLinkedMetamodels(linked);
+    version.linked = &question_.host.getLinkedMetamodels(linked);
   }
   surveyed.isRegular &= isOwn(version, linked) && holdsLinksOf(question_.sources[source], linked);
 }
@@ -283,7 +283,7 @@ void SpaceSurvey::askForHops(SurveyedVersion& version) {
   ++findings_;
   hops_.clear();
   const bool areKnown = attempt(version, [&] {
-    question_.repository.findHops(*version.name->text, version.descriptor->version, hops_);
+    question_.host.findHops(*version.name->text, version.descriptor->version, hops_);
   });
   if (!areKnown) {
     noteUnknownHops(version);
@@ -312,9 +312,9 @@ void SpaceSurvey::keepHop(SurveyedVersion& version, Hop& hop) {
   SurveyedName& name = *version.name;
   const bool hasOwnName = hop.name == *name.text;
   SurveyedVersion* target = hasOwnName ? lookUp(name, hop.to) : nullptr;
-  if (question_.direction != VersionRepository::Unknown) {
+  if (question_.direction != Direction::Unknown) {
     std::optional<Metamodel> other;
-    if (!hasOwnName) other = question_.repository.getMetamodel(hop.name, hop.to);
+    if (!hasOwnName) other = question_.host.getMetamodel(hop.name, hop.to);
     if (target == nullptr && !other) {
       version.losesHop = true;
       return;
@@ -347,8 +347,8 @@ void SpaceSurvey::followHops(SurveyedVersion& version) {
 
 bool SpaceSurvey::goesAgainstDirection(const SurveyedVersion& version,
                                        const Metamodel& target) const {
-  return VersionRepository::areDirectionsInconsistent(
-      question_.direction, question_.repository.getDirection(*version.descriptor, target));
+  return areOpposite(question_.direction,
+                     question_.host.directionBetween(*version.descriptor, target));
 }
 
 /// The version that a hop of this name leads to; null when the application has none.
@@ -366,7 +366,7 @@ SurveyedVersion* SpaceSurvey::lookUp(SurveyedName& name, const VersionId& number
 }
 
 SurveyedVersion* SpaceSurvey::ask(SurveyedName& name, const VersionId& number) {
-  std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, number);
+  std::optional<Metamodel> found = question_.host.getMetamodel(*name.text, number);
   if (!found) return nullptr;
   if (found->name == *name.text) return &versionOf(name, *std::move(found));
   isUnfit_ = true;
@@ -387,7 +387,7 @@ void SpaceSurvey::noteAnswer(SurveyedName& name, const VersionId& number,
 /// judged by another name than the one it moves.
 bool SpaceSurvey::leadsAwayFromTargets(SurveyedVersion& version) {
   const SurveyedName& name = *version.name;
-  if (question_.direction == VersionRepository::Unknown || name.hasForeignHops ||
+  if (question_.direction == Direction::Unknown || name.hasForeignHops ||
       !state_.isMentionedByEveryTarget(name)) {
     return false;
   }
@@ -449,9 +449,8 @@ void SpaceSurvey::linkWhatIsOfUse() {
 
 void SpaceSurvey::link(SurveyedVersion& version) {
   if (std::exchange(version.isLinkTried, true)) return;
-  version.isUnlinkable = !attempt(version, [&] {
-    version.linked = &question_.repository.getLinkedMetamodels(*version.descriptor);
-  });
+  version.isUnlinkable = !attempt(
+      version, [&] { version.linked = &question_.host.getLinkedMetamodels(*version.descriptor); });
 }
 
 void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {

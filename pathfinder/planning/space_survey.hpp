@@ -12,7 +12,7 @@
 #include "pathfinder/planning/irrelevant_names.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/survey_state.hpp"
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 

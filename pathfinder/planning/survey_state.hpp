@@ -15,9 +15,9 @@
 #include <utility>
 #include <vector>
 
-#include "pathfinder/hashing.hpp"
-#include "pathfinder/linked_metamodel_cache.hpp"
+#include "pathfinder/linking/linked_metamodel_cache.hpp"
 #include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/values/hashing.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -22,7 +22,7 @@
 #include <utility>
 
 #include "pathfinder/planning/version_set.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "pathfinder/linking/linking_host.hpp"
+#include "pathfinder/search/search_host.hpp"
+#include "pathfinder/version_repository.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A repository as linking and the searches see it. Refers to the repository.
+class RepositoryAccess final : public LinkingHost, public SearchHost {
+ public:
+  explicit RepositoryAccess(VersionRepository& repository) : repository_(repository) {}
+
+  void findMetamodels(const std::u16string& name, const VersionRange& range,
+                      std::vector<Metamodel>& result) override {
+    repository_.findMetamodels(name, range, result);
+  }
+  void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override {
+    repository_.loadMetamodel(linked);
+  }
+  void noteLinked() override { repository_.invalidatePathfindingCache(); }
+
+  std::optional<Metamodel> getMetamodel(const std::u16string& name,
+                                        const VersionId& version) override {
+    return repository_.getMetamodel(name, version);
+  }
+  const LinkedMetamodels& getLinkedMetamodels(const Metamodel& metamodel) override {
+    return repository_.getLinkedMetamodels(metamodel);
+  }
+  void findHops(const std::u16string& name, const VersionId& from,
+                std::vector<Hop>& result) override {
+    repository_.findHops(name, from, result);
+  }
+  Direction directionBetween(const Metamodel& from, const Metamodel& to) override {
+    return static_cast<Direction>(repository_.getDirection(from, to));
+  }
+
+ private:
+  VersionRepository& repository_;
+};
+
+}  // namespace tarn::evolution::pathfinder
