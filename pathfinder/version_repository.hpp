@@ -128,34 +128,17 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// Absent: there is no path. Present and empty: a source includes a target. Otherwise the steps
   /// in the order of application; each step's `to` is the next one's `from`.
   ///
-  /// A path found before is returned from the cache, for the first pair of `from` and `to` in list
-  /// order that has one, whatever the direction and before anything else is looked at. Weights are
-  /// those of `getWeight`; among paths of equal weight, the one whose baselines were reached first.
+  /// Weights are those of `getWeight`. Among paths of equal weight, the one whose last step weighs
+  /// most, then the one before it, and so on; then the first source in list order; then the first
+  /// steps in the order of `getStepsFrom`. A path found before is returned from the cache, for the
+  /// first pair of `from` and `to` in list order that has one, whatever the direction.
   ///
-  /// Asking the cache takes a hash look-up for each source and one for each target of a source that
-  /// it knows. A search first tries the steps out of every baseline that is reached before a target
-  /// is, as `getStepsFrom` lists them, as long as that takes at most 2,000 choices of hops in all.
-  /// What it settles so, it settles in full: every choice tried, every target linked, and what any
-  /// of that throws reaches the caller, also when another step would have reached a target.
+  /// Throws what the application throws, ConflictingDependencies and std::logic_error where the
+  /// answer depends on a version that cannot be linked, or on a hop to a version that
+  /// `getMetamodel` does not find. What lies off every path worth looking at need not be asked for.
   ///
-  /// Beyond, a second search gives the same answer in time that follows metamodels x versions on
-  /// most catalogues (planning with constraints is in the question, and some catalogues stay
-  /// exponential). It asks the application once for each version that can lie on a path, and links
-  /// only these: reachable from a source and, for a name that every target mentions, able to reach
-  /// a target. So a version off every path need not be linkable. One that cannot be linked counts
-  /// as one that is not there: with no other way the path is absent, where the first search would
-  /// throw ConflictingDependencies (which an application's operation must not throw for another
-  /// reason: here it could not be told apart). Sources that are not consistent baselines of the
-  /// repository's own linked metamodels are left to the first search, without a limit, and so are
-  /// questions whose plans all turn out to be impossible; it throws std::length_error when a
-  /// baseline has more choices of hops than a list of steps can hold.
-  ///
-  /// How often a version is asked for is not promised: one that both selections hold may be asked
-  /// for once only, and so may one that a baseline of the question holds.
-  ///
-  /// A question that the second search answers is traced by what that one does: the records of the
-  /// first search end where its limit was met, and after them only the combinations of hops on the
-  /// way of best plans are attempted.
+  /// Cost: a question that trying few combinations of hops settles takes microseconds; others
+  /// follow metamodels x versions on most catalogues, and some stay exponential in time and memory.
   std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
                                                    const std::vector<VersionBaseline>& to,
                                                    Direction direction);

@@ -1,3 +1,13 @@
+// Depth of the product, one name at a time: the consistent baselines of the names so far are each
+// extended by every candidate of the next name that they admit.
+//
+// Invariants: every partial baseline is consistent, and the list is in the order of the answer,
+// the first name the most significant. A name that a link has brought in takes no candidate of its
+// own; the link must be among its candidates. A partial baseline that is extended just once is
+// moved, not copied.
+//
+// Cost: the partial baselines, times the candidates of the next name.
+
 #include "pathfinder/linking/baseline_combination.hpp"
 
 #include <algorithm>
@@ -78,7 +88,8 @@ void extend(VersionBaseline&& baseline, const Alternatives& name,
 }
 
 /// Whether each linked metamodel that a baseline of these candidates holds has all that it links
-/// beside it. One that links another version under its own name has not: that version stands back.
+/// beside it. A candidate that links another version of its own name does not: the baseline holds
+/// the candidate under that name.
 bool areLinksHeld(const std::vector<Alternatives>& alternatives, Links links) {
   const auto linksOwnName = [](const auto& candidate) {
     return candidate && candidate->linkedMetamodels.contains(candidate->name);
@@ -103,7 +114,7 @@ bool complete(VersionBaseline& baseline, const std::shared_ptr<LinkedMetamodel>&
   }
   return std::all_of(links.begin(), links.end(), [&](const auto& link) {
     if (!link.second) return true;
-    if (link.first == candidate->name) return true;  // stands back behind the candidate itself
+    if (link.first == candidate->name) return true;  // under which the candidate itself is held
     const auto [held, isAdded] = baseline.metamodels.try_emplace(link.first, link.second);
     return isAdded || held->second == link.second;
   });

@@ -1,3 +1,8 @@
+// A hash table with open addressing and linear probing, for one writer at a time and any number of
+// readers. Entries never move and are never removed. A table that is half full is copied into one
+// of twice the size; the old one stays for those who are reading it. What they do not find there is
+// looked up once more under the lock, before it is added.
+
 #include "pathfinder/linking/linked_metamodel_cache.hpp"
 
 #include <functional>

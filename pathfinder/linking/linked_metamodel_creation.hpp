@@ -43,7 +43,7 @@ class LinkedMetamodelCreation {
   const Metamodel* nextUnlinked(Pending& pending);
   const LinkedMetamodels& finish(const Metamodel& metamodel, const OptionsByName& optionsByName);
   void load(const std::shared_ptr<LinkedMetamodel>& linked);
-  void watchForCycle();
+  void detectCycle();
   [[noreturn]] void reportCycle() const;
 
   LinkingHost& host_;
@@ -51,11 +51,10 @@ class LinkedMetamodelCreation {
   LinkedMetamodel::AccessTag tag_;
   std::vector<Pending> pending_;  // each needs the next one
 
-  // Going round a cycle, the descriptor watched comes again, if only it is replaced more and more
-  // rarely.
-  std::size_t watched_ = 0;  // among those pending
+  // Brent's cycle detection.
+  std::size_t remembered_ = 0;  // among those pending
   std::size_t begunSince_ = 0;
-  std::size_t patience_ = 1;
+  std::size_t power_ = 1;  // of two: after so many, another one is remembered
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,3 +1,10 @@
+// A join, one dependency after the other: the partial results so far, each with every option of the
+// next dependency that agrees with what it links.
+//
+// Invariants: partial results are consistent; options vary slowest, partial results fastest, which
+// is the order of the answer. Partial results are indexed by what they link under the names that
+// all of them link, so that a join of many with many costs what it yields.
+
 #include "pathfinder/linking/option_linking.hpp"
 
 #include <algorithm>
@@ -17,8 +24,8 @@ const LinkedMetamodel* linkedUnder(const LinkedMetamodel& holder, const std::u16
   return found == holder.linkedMetamodels.end() ? nullptr : found->second.get();
 }
 
-/// Whether nothing that the partial result links stands against the option; within the option, one
-/// that links another version of itself does.
+/// Whether the option agrees with everything that the partial result links. The linking itself has
+/// yet to see whether the option links another version of its own name, which never agrees.
 bool admits(const LinkedMetamodel& partial, const std::shared_ptr<LinkedMetamodel>& option) {
   const LinkedMetamodel* own = linkedUnder(partial, option->name);
   if (own != nullptr) return own == option.get();

@@ -1,3 +1,12 @@
+// Pairwise consistency, as in constraint networks: two versions are compatible when some variant of
+// the one agrees with some variant of the other on all names that both hold. One row of bits for
+// each version and neighbouring name.
+//
+// Variants are compared by their projections onto the names that both versions hold, each different
+// projection once. Pairs of names that share nothing, or whose compatibility follows from a third
+// name that both link, get no row. docs/search.md tells why planning by pairs alone relaxes the
+// question.
+
 #include "pathfinder/planning/compatibility.hpp"
 
 #include <algorithm>

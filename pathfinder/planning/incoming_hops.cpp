@@ -1,3 +1,6 @@
+// The moves of the space turned round, as a table in compressed rows: sorted by where they lead to,
+// with the start of each version's row. Equal moves are one.
+
 #include "pathfinder/planning/incoming_hops.hpp"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Names and versions get consecutive numbers, names ascending, so that sets of versions are rows of
+// bits and tables are arrays. Each list that versions or variants point into is reserved for its
+// greatest size before it is filled.
+
 #include "pathfinder/planning/space_building.hpp"
 
 #include <algorithm>

@@ -1,3 +1,12 @@
+// Dijkstra's algorithm over baselines, with the steps out of a baseline generated when it is taken.
+//
+// Invariants: baselines are taken by ascending weight and, within one weight, in the order in which
+// they were added; a baseline that was taken is never improved, for no step has a negative weight.
+// An entry that has been improved stays in the queue and is skipped when it comes up.
+//
+// Cost: for each baseline taken, the product of (hops + 1) over its metamodels. docs/search.md
+// derives from it the order of paths that every other engine has to keep.
+
 #include "pathfinder/search/exhaustive_search.hpp"
 
 #include <algorithm>

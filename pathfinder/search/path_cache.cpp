@@ -1,3 +1,6 @@
+// Two levels of hash tables, sources and then targets. A question with many sources and targets
+// looks each of them up once, by hashes that were computed before the lock was taken.
+
 #include "pathfinder/search/path_cache.hpp"
 
 #include <mutex>

@@ -1,3 +1,6 @@
+// Enumeration of a product by counting: combination `index` is read as a mixed-radix number whose
+// digits are the hops of the metamodels, the first name the least significant.
+
 #include "pathfinder/search/step_generation.hpp"
 
 #include <limits>
