@@ -8,6 +8,7 @@
 #include "pathfinder/search/exhaustive_search.hpp"
 #include "platform/exception.hpp"
 #include "support/engine_question.hpp"
+#include "support/learning_engine.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
@@ -60,6 +61,11 @@ void compare(const std::string& text, RandomRun& run) {
   expectSame(expected, found);
   std::deque<Metamodel> answers;
   expectSame(expected, searchGoalDirected(knowing(asked, answers)));
+  if (const auto learnt = answerByLearning(asked)) {
+    expectSame(expected, *learnt);
+    run.count("learnt paths", expected.verdict == Verdict::Found);
+    run.count("learnt absences", expected.verdict == Verdict::NoPath);
+  }
   run.count("absences", expected.verdict == Verdict::NoPath);
   run.count("paths", expected.verdict == Verdict::Found);
   run.count("long paths", expected.steps.size() >= 3);

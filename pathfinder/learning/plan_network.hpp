@@ -17,9 +17,6 @@ using ArcIndex = std::uint32_t;
 
 /// The ways that the names of a search space can go: for each name a graph without cycles, whose
 /// nodes are versions that some way from a source to a target holds, and whose arcs are hops.
-///
-/// Where the hops of a name form cycles, a node is a version after a number of hops, and ways have a
-/// limited length.
 struct PlanNetwork {
   struct Node {
     VersionIndex version;
@@ -73,10 +70,8 @@ struct PlanNetwork {
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
-/// How the ways of names with cycles of hops are limited: the number of hops that each may take.
-using WayLimits = std::vector<std::uint32_t>;
-
-/// No value when the space has names that links can bring in, or sources that are not regular.
+/// No value when the space has names that links can bring in, sources that are not regular, or a
+/// name whose hops form a cycle.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets);
 

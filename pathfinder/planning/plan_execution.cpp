@@ -88,12 +88,13 @@ class PlanExecution {
     const auto& [selection, isRegular] = space_.sources[source];
     const VersionBaseline& baseline = question_.sources[source];
     if (selection.empty()) return false;
-    if (isRegular) return enter(baseline, selections_.find(selection), steps_);
+    const SelectionIndex known = selections_.find(selection);
+    if (isRegular) return known != SearchSpace::none && enter(baseline, known, steps_);
     if (!plan_.isBestFromIrregular(source)) return false;
     question_.traceTrying(baseline);
     reportLostHops(baseline, selection);
-    trail_.push_back({&baseline, selections_.find(selection),
-                      combinationsFrom(plan_.stepsFromIrregular(source), selection), true});
+    trail_.push_back(
+        {&baseline, known, combinationsFrom(plan_.stepsFromIrregular(source), selection), true});
     return false;
   }
 

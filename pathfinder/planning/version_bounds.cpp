@@ -119,6 +119,7 @@ class BoundsComputation {
     bounds.isReachable = true;
     bounds.distance = distances_[version];
     const std::uint64_t ordinaryHops = ordinaryPart(bounds.distance);
+    bounds.ordinaryStepsEver = level;
     bounds.ordinarySteps = std::max(level, static_cast<std::uint32_t>(ordinaryHops));
   }
 

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "pathfinder/learning/last_steps.hpp"
+#include "pathfinder/learning/plan_solver.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A plan as the hops of its steps.
+struct PlannedWay {
+  std::size_t source;                        ///< its place among those of the space
+  std::vector<std::vector<ArcIndex>> steps;  ///< by step and name: the hop made; none for no hop
+};
+
+/// Finds, among plans whose step weights are decided, the one that comes first: by the place of its
+/// source, and then by the combination of hops of its first step, of the second, and so on.
+class FirstPlaces {
+ public:
+  /// `steps`: those of the plans; `decided`: what has to be true for it.
+  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided)
+      : plans_(plans), steps_(steps), decided_(decided), made_(plans.network.names.size()) {}
+
+  PlannedWay find();
+
+ private:
+  /// A hop of the plan at hand.
+  struct Made {
+    ArcIndex arc;
+    std::uint32_t step;  // counted from the last one, as LastSteps does
+  };
+
+  std::size_t decideSource();
+  void decideStep(std::uint32_t step);
+  void readPlan();
+  ArcIndex madeIn(NameIndex name, std::uint32_t step) const;
+  std::vector<NameIndex> movingBelow(NameIndex end, std::uint32_t step, std::size_t most) const;
+  bool isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step);
+  Literal lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step);
+  void decide(NameIndex first, NameIndex end, std::uint32_t step);
+  std::vector<ArcIndex> takeStep(std::uint32_t step);
+
+  PlanSolver& plans_;
+  const LastSteps& steps_;
+  const Literal decided_;
+  std::vector<std::vector<Made>> made_;  // by name: of a plan in which all that is decided holds
+  std::vector<NodeIndex> held_;          // by name, before the step that is being decided
+};
+
+}  // namespace tarn::evolution::pathfinder

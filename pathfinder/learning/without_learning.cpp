@@ -1,0 +1,12 @@
+// In place of all other sources of this folder, in builds without the solver.
+
+#include "pathfinder/learning/learning_search.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+std::optional<SearchAnswer> searchByLearning(const SearchQuestion& /*question*/,
+                                             const PlanningGround& /*ground*/) {
+  return std::nullopt;
+}
+
+}  // namespace tarn::evolution::pathfinder
