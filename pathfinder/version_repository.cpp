@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/linked_metamodel_creation.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/path_search.hpp"
@@ -98,6 +99,36 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
   return answerPathQuestion(access, caches_->pathCache, from, std::move(targets),
                             pathfinder::Direction(direction), combination.known());
 }
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::vector<VersionBaseline>& from, const std::vector<VersionBaseline>& to,
+    Direction direction, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to, direction);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(const VersionBaseline& from,
+                                                                    const VersionBaseline& to,
+                                                                    const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::unordered_map<std::u16string, VersionId>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::vector<VersionBaseline>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+// Weights and the cache.
 
 unsigned long VersionRepository::getWeight(
     const std::unordered_map<std::u16string, Hop>& hops) const {

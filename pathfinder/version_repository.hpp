@@ -12,6 +12,7 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/linked_metamodel.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/search_limits.hpp"
 #include "pathfinder/version_baseline.hpp"
 #include "pathfinder/version_id.hpp"
 #include "tarn_evolution_pathfinder_export.hpp"
@@ -170,6 +171,29 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
     return findPath(std::vector<VersionBaseline>(from), to);
   }
 
+  /// @}
+  /// @name Paths within limits
+  /// The same questions, whose searches a host can bound, stop and watch (see `SearchLimits`). They
+  /// throw SearchStopped when a limit is reached: then it is open whether there is a path.
+  /// @{
+
+  std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
+                                                   const std::vector<VersionBaseline>& to,
+                                                   Direction direction, const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(const VersionBaseline& from,
+                                                   const VersionBaseline& to,
+                                                   const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::unordered_map<std::u16string, VersionId>& from,
+      const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::vector<VersionBaseline>& from,
+      const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits);
+
+  /// @}
+  /// @name Weights and the cache
+  /// @{
+
   /// The weight of one step: 1,000,000,000 for each expensive hop; one for each other hop, and one
   /// more if there is any other hop. So moving in lockstep weighs less than moving one after the
   /// other, and an expensive hop is taken only where every way without it is longer than any met in
@@ -224,7 +248,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   ///
   /// Throws InvalidFamilyVersion for a version that the application does not know and
   /// ConflictingDependencies for one that cannot be linked, whichever the selection's map yields
-  /// first.
+  /// first; std::length_error when there would be more baselines than half of the machine's memory
+  /// holds.
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, VersionId>& selection);
 

@@ -15,6 +15,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "pathfinder/limits/memory_ceiling.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/covering_link.hpp"
 #include "pathfinder/values/error_text.hpp"
 
@@ -63,6 +65,30 @@ class CandidateSet {
   const Candidates& candidates_;
   std::unordered_set<const LinkedMetamodel*> hashed_;
 };
+
+/// A rough measure of what a baseline of so many metamodels takes.
+constexpr std::size_t bytesOf(std::size_t metamodels) {
+  return sizeof(VersionBaseline) + metamodels * 80;
+}
+
+/// Refuses to extend partial baselines by so many candidates when that makes more than fit. Counts
+/// them only where there might be.
+void refuseTooMany(const std::vector<VersionBaseline>& partial, const Alternatives& next,
+                   std::size_t names) {
+  const std::size_t bytesEach = bytesOf(partial.front().metamodels.size() + 1);
+  const Candidates& candidates = *next.candidates;
+  std::size_t most = 0;
+  const bool mayBeMany = __builtin_mul_overflow(partial.size(), candidates.size(), &most) ||
+                         most > surelyFit(bytesEach);
+  if (!mayBeMany) return;
+  std::size_t count = 0;
+  for (const VersionBaseline& baseline : partial) {
+    count += static_cast<std::size_t>(std::count_if(
+        candidates.begin(), candidates.end(),
+        [&](const auto& candidate) { return candidate && baseline.admits(candidate); }));
+    refuseMoreThanFits(count, bytesEach, "A selection of " + std::to_string(names) + " metamodels");
+  }
+}
 
 /// Appends to `result` every way to give `baseline`, which is used up, one of the candidates.
 void extend(VersionBaseline&& baseline, const Alternatives& name,
@@ -125,6 +151,7 @@ void keepComplete(std::vector<VersionBaseline>& partial,
                   const std::shared_ptr<LinkedMetamodel>& candidate, bool haveLinks) {
   auto kept = partial.begin();
   for (auto baseline = partial.begin(); baseline != partial.end(); ++baseline) {
+    checkpoint();
     if (!complete(*baseline, candidate, haveLinks)) continue;
     if (kept != baseline) *kept = std::move(*baseline);
     ++kept;
@@ -151,10 +178,12 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
       keepComplete(partial, next->candidates->front(), haveLinks);
       continue;
     }
+    refuseTooMany(partial, *next, alternatives.size());
     const CandidateSet candidates(*next->candidates);
     std::vector<VersionBaseline> extended;
     extended.reserve(partial.size());
     for (VersionBaseline& baseline : partial) {
+      checkpoint();
       const auto held = baseline.metamodels.find(*next->name);
       if (held == baseline.metamodels.end() || !held->second) {
         extend(std::move(baseline), *next, extended);

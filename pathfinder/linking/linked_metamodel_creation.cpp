@@ -14,6 +14,7 @@
 #include <string>
 #include <utility>
 
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/values/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -30,6 +31,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::create(const Metamodel& metamod
   if (metamodel.dependencies.empty()) return finish(metamodel, {});
   begin(metamodel);
   while (true) {
+    checkpoint();
     if (const Metamodel* next = nextUnlinked(pending_.back())) {
       begin(*next);
       continue;

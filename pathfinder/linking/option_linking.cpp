@@ -13,6 +13,9 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/limits/memory_ceiling.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/values/error_text.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -96,12 +99,23 @@ LinkedMetamodels linkOnly(LinkedMetamodels&& partialResults,
   return std::move(partialResults);
 }
 
+/// Refuses to make more results than fit.
+void refuseTooMany(const LinkedMetamodels& results) {
+  if (results.empty()) return;
+  const LinkedMetamodel& one = *results.back();
+  const std::size_t bytesEach = sizeof(LinkedMetamodel) + one.linkedMetamodels.size() * 80;
+  if (results.size() < surelyFit(bytesEach)) return;
+  refuseMoreThanFits(results.size(), bytesEach, "The dependencies of " + briefText(one));
+}
+
 /// A copy of each partial result linked to each option, options first, without those that conflict.
 LinkedMetamodels linkEach(const LinkedMetamodels& partialResults, const LinkedMetamodels& options) {
   LinkedMetamodels results;
   const PartialResults index(partialResults);
   for (const auto& option : options) {
+    refuseTooMany(results);
     for (const std::size_t place : index.near(*option)) {
+      checkpoint();
       const LinkedMetamodel& partial = *partialResults[place];
       if (!admits(partial, option)) continue;
       auto linked = partial.clone();

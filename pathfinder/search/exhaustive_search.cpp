@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "messages/trace.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/search/step_generation.hpp"
 #include "pathfinder/search/step_weight.hpp"
 
@@ -123,9 +124,12 @@ SearchAnswer pathTo(const Reached& end, const VersionBaseline& target) {
 }  // namespace
 
 SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t budget) {
+  SearchWatch* watch = SearchWatch::current();
+  if (watch != nullptr) watch->enter(SearchProgress::Stage::Exhaustive);
   Frontier frontier;
   for (const VersionBaseline& source : question.sources) frontier.addSource(source);
   while (const Reached* current = frontier.take()) {
+    if (watch != nullptr) watch->noteProven(current->weight);
     question.traceTrying(*current->baseline);
     if (const VersionBaseline* target = question.targetIn(*current->baseline)) {
       traceValue("Reached target");

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "messages/trace.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/search/target_baseline.hpp"
 #include "pathfinder/values/name_order.hpp"
 
@@ -78,6 +79,7 @@ std::vector<BaselineHop> StepGeneration::tryAll(std::uint64_t combinations) {
 
 /// Adds one step for each baseline that the combination leads to.
 void StepGeneration::attempt(const LockstepHop& combination) {
+  checkpoint();
   traceAttempt(combination);
   const std::vector<VersionBaseline> candidates = findTargetBaselines(host_, from_, combination);
   for (const VersionBaseline& candidate : candidates) {
