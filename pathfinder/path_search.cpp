@@ -5,6 +5,9 @@
 
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
+#include "pathfinder/learning/selection_search.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
+#include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
 #include "pathfinder/search/exhaustive_search.hpp"
 #include "pathfinder/search/tried_baselines.hpp"
@@ -56,6 +59,42 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
     cache.store(answer.steps, sources.take(*answer.source), targets.take(*answer.target));
   }
   return std::move(answer.steps);
+}
+
+namespace {
+
+/// By way of all baselines that the selections stand for.
+std::optional<std::vector<BaselineHop>> answerByBaselines(RepositoryAccess& access,
+                                                          PathCache& cache,
+                                                          const VersionsByName& from,
+                                                          const VersionsByName& to) {
+  SelectionCombination combination(access, from.size() + to.size());
+  std::vector<VersionBaseline> sources = combination.combine(from);
+  if (sources.empty()) return std::nullopt;
+  std::vector<VersionBaseline> targets = combination.combine(to);
+  if (targets.empty()) return std::nullopt;
+  const Direction direction = access.directionBetween(sources.front(), targets.front());
+  return answerPathQuestion(access, cache, std::move(sources), std::move(targets), direction,
+                            combination.known());
+}
+
+}  // namespace
+
+std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
+                                                                PathCache& cache,
+                                                                const VersionsByName& from,
+                                                                const VersionsByName& to) {
+  try {
+    const LinkingBudget budget(linkingBudget);
+    return answerByBaselines(access, cache, from, to);
+  } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+  }
+  SelectionAnswer answer = searchBetweenSelections(access, from, to);
+  if (!answer.isSettled) return answerByBaselines(access, cache, from, to);
+  if (!answer.path) return std::nullopt;
+  auto& [steps, source, target] = *answer.path;
+  if (!steps.empty()) cache.store(steps, std::move(source), std::move(target));
+  return std::move(steps);
 }
 
 }  // namespace tarn::evolution::pathfinder

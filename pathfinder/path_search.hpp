@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "pathfinder/repository_access.hpp"
 #include "pathfinder/search/path_cache.hpp"
 #include "pathfinder/search/search_question.hpp"
 
@@ -43,5 +44,15 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
                                                            const QuestionBaselines& targets,
                                                            Direction direction,
                                                            std::vector<KnownMetamodel> known = {});
+
+/// As many linked metamodels are made for a question between selections before it is looked whether
+/// it can be answered without making them all.
+inline constexpr std::size_t linkingBudget = 5000;
+
+/// `VersionRepository::findPath` between two selections, which differ.
+std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
+                                                                PathCache& cache,
+                                                                const VersionsByName& from,
+                                                                const VersionsByName& to);
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/linking/linking_host.hpp"
-#include "pathfinder/search/search_host.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 /// A repository as linking and the searches see it. Refers to the repository.
-class RepositoryAccess final : public LinkingHost, public SearchHost {
+class RepositoryAccess final : public LinkingHost, public SelectionHost {
  public:
   explicit RepositoryAccess(VersionRepository& repository) : repository_(repository) {}
 
@@ -31,8 +31,16 @@ class RepositoryAccess final : public LinkingHost, public SearchHost {
                 std::vector<Hop>& result) override {
     repository_.findHops(name, from, result);
   }
+  std::shared_ptr<LinkedMetamodel> linkAlone(const Metamodel& metamodel,
+                                             const OptionsByName& chosen) override {
+    return repository_.linkAlone(metamodel, chosen);
+  }
   Direction directionBetween(const Metamodel& from, const Metamodel& to) override {
     return static_cast<Direction>(repository_.getDirection(from, to));
+  }
+
+  Direction directionBetween(const VersionBaseline& from, const VersionBaseline& to) {
+    return static_cast<Direction>(repository_.computeDirection(from, to));
   }
 
  private:

@@ -74,14 +74,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
   RepositoryAccess access(*this);
-  SelectionCombination combination(access, from.size() + to.size());
-  std::vector<VersionBaseline> sources = combination.combine(from);
-  if (sources.empty()) return std::nullopt;
-  std::vector<VersionBaseline> targets = combination.combine(to);
-  if (targets.empty()) return std::nullopt;
-  const Direction direction = computeDirection(sources.front(), targets.front());
-  return answerPathQuestion(access, caches_->pathCache, std::move(sources), std::move(targets),
-                            pathfinder::Direction(direction), combination.known());
+  return answerSelectionQuestion(access, caches_->pathCache, from, to);
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
@@ -181,6 +174,15 @@ const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinke
   const std::optional<Metamodel> metamodel = getMetamodel(name, version);
   if (!metamodel) tarn::reportException(tarn_evo::messages::ConflictingDependencies());
   return getLinkedMetamodels(*metamodel);
+}
+
+std::shared_ptr<LinkedMetamodel> VersionRepository::linkAlone(
+    const Metamodel& metamodel,
+    const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+        chosen) {
+  RepositoryAccess access(*this);
+  return LinkedMetamodelCreation(access, caches_->linkedMetamodelCache, accessTag())
+      .createAlone(metamodel, chosen);
 }
 
 void VersionRepository::createLinkedMetamodels(const Metamodel& metamodel) {

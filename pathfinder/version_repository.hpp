@@ -309,6 +309,13 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   static LinkedMetamodel::AccessTag accessTag() { return {}; }
 
  private:
+  friend class RepositoryAccess;
+
+  std::shared_ptr<LinkedMetamodel> linkAlone(
+      const Metamodel& metamodel,
+      const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+          chosen);
+
   struct Caches;
   std::unique_ptr<Caches> caches_;
 };

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <deque>
 
+#include "pathfinder/learning/selection_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
 #include "pathfinder/search/exhaustive_search.hpp"
 #include "platform/exception.hpp"
@@ -75,6 +76,42 @@ TEST(Engines, AgreeOnRandomQuestions) {
   RandomRun run(4000);
   run.ask(randomQuestion, [&](const std::string& text, Random&) { compare(text, run); });
   run.expectPercentages({{"paths", 15}, {"long paths", 6}, {"absences", 1}});
+}
+
+TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
+  RandomRun run(4000);
+  run.ask(randomQuestion, [&](const std::string& text, Random&) {
+    const QuestionText question(text);
+    if (question.from.find_first_of(",^*") != std::string::npos) return;
+    if (question.to.find_first_of(",^*") != std::string::npos) return;
+    const auto from = selection(question.from);
+    const auto to = selection(question.to);
+    if (from == to) return;
+    TestRepository linking(question.catalogue);
+    TestRepository repository(question.catalogue);
+    SelectionAnswer found;
+    std::string expected;
+    try {
+      expected = describe(linking.findPath(from, to));
+    } catch (const std::exception&) {
+      return;  // what a question that links everything meets
+    }
+    found = searchBetweenSelections(repository.access, from, to);
+    run.count("settled", found.isSettled);
+    if (!found.isSettled) return;
+    const Path path = found.path ? Path(found.path->steps) : std::nullopt;
+    EXPECT_EQ(describe(path), expected);
+    run.count("paths", path.has_value());
+    if (!path || path->empty()) return;
+    expectLegal(repository, *path);
+    // What was linked alone is what a list would have.
+    for (const auto& [name, linked] : path->back().to.metamodels) {
+      const auto& all = repository.getLinkedMetamodels(*linked);
+      EXPECT_NE(std::find(all.begin(), all.end(), linked), all.end());
+    }
+    EXPECT_EQ(describe(repository.findPath(from, to)), expected);
+  });
+  run.expectPercentages({{"settled", 5}, {"paths", 3}});
 }
 
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {

@@ -14,6 +14,7 @@
 #include <string>
 #include <utility>
 
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/values/error_text.hpp"
 
@@ -75,11 +76,29 @@ const Metamodel* LinkedMetamodelCreation::nextUnlinked(Pending& pending) {
   return nullptr;
 }
 
+std::shared_ptr<LinkedMetamodel> LinkedMetamodelCreation::createAlone(const Metamodel& metamodel,
+                                                                      const OptionsByName& chosen) {
+  const auto linked =
+      linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), chosen).front();
+  if (auto known = cache_.findEqual(*linked)) return known;
+  load(linked);
+  auto kept = cache_.addAlone(linked);
+  host_.noteLinked();
+  return kept;
+}
+
 const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamodel,
                                                         const OptionsByName& optionsByName) {
   LinkedMetamodels results =
       linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
-  for (const auto& linked : results) load(linked);
+  LinkingBudget::take(results.size());
+  for (auto& linked : results) {
+    if (auto known = cache_.findAlone(*linked)) {
+      linked = std::move(known);
+    } else {
+      load(linked);
+    }
+  }
   const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results));
   host_.noteLinked();
   return kept;

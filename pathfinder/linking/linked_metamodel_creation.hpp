@@ -27,6 +27,11 @@ class LinkedMetamodelCreation {
   /// in a cycle.
   const LinkedMetamodels& create(const Metamodel& metamodel);
 
+  /// Just the element of that list that links these: one for each name that the descriptor depends
+  /// on. Throws ConflictingDependencies when they disagree.
+  std::shared_ptr<LinkedMetamodel> createAlone(const Metamodel& metamodel,
+                                               const OptionsByName& chosen);
+
  private:
   /// A descriptor whose dependencies are being linked.
   struct Pending {

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/memory_ceiling.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/values/error_text.hpp"
@@ -114,6 +115,7 @@ LinkedMetamodels linkEach(const LinkedMetamodels& partialResults, const LinkedMe
   const PartialResults index(partialResults);
   for (const auto& option : options) {
     refuseTooMany(results);
+    LinkingBudget::check(results.size());
     for (const std::size_t place : index.near(*option)) {
       checkpoint();
       const LinkedMetamodel& partial = *partialResults[place];

@@ -71,9 +71,7 @@ void SelectionCombination::sortByName(const Answers& answers) {
 const SelectionCombination::Answer& SelectionCombination::ask(const std::u16string& name,
                                                               const VersionId& version) {
   std::optional<Metamodel> metamodel = lookup_.getMetamodel(name, version);
-  if (!metamodel) {
-    tarn::reportException(tarn_evo::messages::InvalidFamilyVersion(versionArgument(version), name));
-  }
+  if (!metamodel) reportUnknownVersion(name, version);
   const auto& linked = lookup_.getLinkedMetamodels(*metamodel);
   answers_.push_back({&name, &version, *std::move(metamodel), &linked});
   return answers_.back();
@@ -86,6 +84,10 @@ std::vector<KnownMetamodel> SelectionCombination::known() const {
     result.push_back({answer.name, answer.version, &answer.metamodel, answer.linked});
   }
   return result;
+}
+
+void reportUnknownVersion(const std::u16string& name, const VersionId& version) {
+  tarn::reportException(tarn_evo::messages::InvalidFamilyVersion(versionArgument(version), name));
 }
 
 std::vector<VersionBaseline> combineMetamodels(VersionLookup& lookup,

@@ -11,6 +11,9 @@
 
 namespace tarn::evolution::pathfinder {
 
+/// A selection of one version for each name.
+using VersionsByName = std::unordered_map<std::u16string, VersionId>;
+
 /// What the application answered for a version while a question was put together, and what it was
 /// linked to. Refers to what its caller keeps.
 struct KnownMetamodel {
@@ -56,6 +59,9 @@ class SelectionCombination {
   Answers last_;                        // the last selection's, as it stands in its map
   std::vector<std::size_t> nameOrder_;  // the places of those, by ascending name
 };
+
+/// Throws InvalidFamilyVersion.
+[[noreturn]] void reportUnknownVersion(const std::u16string& name, const VersionId& version);
 
 /// One entry of a selection of descriptors. Refers to the selection.
 struct SelectedMetamodel {

@@ -74,6 +74,36 @@ Compatibility::Compatibility(const SearchSpace& space) : space_(space) {
   }
 }
 
+Compatibility::Compatibility(const SearchSpace& space, const std::vector<Requirement>& requirements)
+    : space_(space), neighbours_(space.names.size()) {
+  for (const Requirement& requirement : requirements) {
+    const NameIndex name = space_.versions[requirement.version].name;
+    neighbours_[name].push_back(requirement.needed);
+    neighbours_[requirement.needed].push_back(name);
+  }
+  for (auto& neighbours : neighbours_) {
+    std::sort(neighbours.begin(), neighbours.end());
+    neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
+  }
+  layOutRows();
+  std::fill(rows_.begin(), rows_.end(), ~BitWord{0});
+  for (const Requirement& requirement : requirements) require(requirement);
+}
+
+/// Removes what the requirement excludes, on both sides.
+void Compatibility::require(const Requirement& requirement) {
+  const SearchSpace::Name& needed = space_.names[requirement.needed];
+  std::vector<bool> isAdmitted(needed.end - needed.first);
+  for (const VersionIndex version : requirement.admitted) isAdmitted[version - needed.first] = true;
+  BitRow row = mutableRow(requirement.version, requirement.needed);
+  for (VersionIndex other = needed.first; other < needed.end; ++other) {
+    if (isAdmitted[other - needed.first]) continue;
+    row.erase(other - needed.first);
+    mutableRow(other, space_.versions[requirement.version].name)
+        .erase(space_.rankOf(requirement.version));
+  }
+}
+
 /// Which names link others or are linked.
 std::vector<bool> Compatibility::linkedNames() const {
   std::vector<bool> isLinked(space_.names.size());
