@@ -41,7 +41,8 @@ class Dominance {
   const SearchSpace& space_;
   const Compatibility& compatibility_;
   const IncomingHops& incoming_;
-  std::vector<bool> isInSource_;  // by version
+  std::vector<bool> isInSource_;           // by version
+  std::vector<bool> isInIrregularSource_;  // by version
   std::vector<bool> cannotWait_;  // by name: whether its hops may matter for what links bring in
 
   // For each version, as bits, the versions of its name that it may have been before, and itself.

@@ -1,21 +1,21 @@
 // Surveys, plans and, while the plan is dearer than what the survey is known to cover, surveys on.
-// Then carries the best plan out. What an application failed at counts only if a plan that makes
-// the most of it would come before the one that was found.
+// Then carries the best plan out. What an application failed at counts if a plan that makes the
+// most of it would come before the one that was found; and where there is none, if a search that
+// tries everything would have met it.
 
 #include "pathfinder/planning/goal_directed_search.hpp"
 
-#include <exception>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "messages/trace.hpp"
-#include "pathfinder/hop_collection.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/plan_execution.hpp"
 #include "pathfinder/planning/plan_search.hpp"
 #include "pathfinder/planning/space_survey.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
+#include "pathfinder/planning/within_reach.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -24,6 +24,7 @@ using diagnostics::traceValue;
 namespace {
 
 using Plan = std::optional<BackwardPlan>;
+using Verdict = SearchAnswer::Verdict;
 
 Plan planIn(const SearchSpace& space, const std::vector<VersionSelection>& targets) {
   const Compatibility compatibility(space);
@@ -38,18 +39,20 @@ class GoalDirectedSearch {
 
   SearchAnswer run() {
     if (auto answer = answerWithoutSteps()) return *std::move(answer);
-    survey_.begin();
     plan();
-    if (!survey_.isFit()) return {SearchAnswer::Verdict::Unsettled};
+    if (!survey_.isFit()) return {Verdict::Unsettled};
+    if (!plan_) return answerWithoutPlan();
     throwWhatTheAnswerDependsOn();
-    if (!plan_) {
-      reportLostHop();
-      traceValue("Exhausted search");
-      return {};
-    }
     SearchAnswer answer = executePlan(question_, *space_, *plan_);
-    if (answer.verdict == SearchAnswer::Verdict::Found) traceValue("Reached target");
+    if (answer.verdict == Verdict::Found) traceValue("Reached target");
     return answer;
+  }
+
+  /// Whether there is a path, when some step has to be taken and whatever fails is left out.
+  Verdict reach() {
+    plan();
+    if (!survey_.isFit()) return Verdict::Unsettled;
+    return plan_ ? executePlan(question_, *space_, *plan_).verdict : Verdict::NoPath;
   }
 
  private:
@@ -61,12 +64,13 @@ class GoalDirectedSearch {
       if (target == nullptr) continue;
       question_.traceTrying(source);
       traceValue("Reached target");
-      return SearchAnswer{SearchAnswer::Verdict::Found, {}, &source, target};
+      return SearchAnswer{Verdict::Found, {}, &source, target};
     }
     return std::nullopt;
   }
 
   void plan() {
+    survey_.begin();
     do {
       if (!survey_.isFit()) return;
       space_ = survey_.makeSpace();
@@ -74,15 +78,21 @@ class GoalDirectedSearch {
     } while (plan_ ? survey_.extendToCover(plan_->cost().total) : survey_.extend());
   }
 
-  /// Throws what was met in a version with which there might be a plan, or a better one, if it had
-  /// not failed. Versions that conflict can do no better, but may be why there is no plan.
+  SearchAnswer answerWithoutPlan() const {
+    const auto reach = [](const SearchQuestion& question) {
+      return GoalDirectedSearch(question).reach();
+    };
+    if (!throwWhatIsWithinReach(question_, reach)) return {Verdict::Unsettled};
+    traceValue("Exhausted search");
+    return {};
+  }
+
+  /// Throws what was met in a version with which there might be a better plan if it had not failed.
   void throwWhatTheAnswerDependsOn() {
-    const Failed failed = plan_ ? Failed::UnknownAssumedBest : Failed::AllAssumedBest;
-    if (!survey_.anyFailed(failed)) return;
-    const auto space = survey_.makeSpace(failed);
+    if (!survey_.anyFailed(Failed::AssumedBest)) return;
+    const auto space = survey_.makeSpace(Failed::AssumedBest);
     const Plan best = planIn(*space, space->targets);
-    if (!best || (plan_ && !comesFirst(*best, *plan_))) return;
-    survey_.throwFailureOf(versionsOf(*best));
+    if (best && comesFirst(*best, *plan_)) survey_.throwFailureOf(versionsOf(*best));
   }
 
   static bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
@@ -100,39 +110,6 @@ class GoalDirectedSearch {
       versions.insert(versions.end(), held.begin(), held.end());
     }
     return versions;
-  }
-
-  /// Where there is no path, everything within reach has been tried: also what offers a hop to a
-  /// version that is not there.
-  void reportLostHop() const {
-    if (!survey_.anyLosesHop()) return;
-    const std::vector<VersionBaseline> anything(1);
-    const SearchQuestion open{question_.repository, question_.sources, anything,
-                              question_.direction};
-    SpaceSurvey survey(open, SpaceSurvey::Scope::Everything);
-    survey.begin();
-    while (survey.isFit() && survey.extend()) {
-    }
-    if (!survey.isFit()) return;
-    const auto space = survey.makeSpace();
-    for (VersionIndex version = 0; version < space->versions.size(); ++version) {
-      if (space->versions[version].losesHop && isWithinReach(*space, version)) {
-        reportHopsOf(*space, version);
-      }
-    }
-  }
-
-  static bool isWithinReach(const SearchSpace& space, VersionIndex version) {
-    VersionSelection target(space.names.size(), SearchSpace::none);
-    target[space.versions[version].name] = version;
-    return planIn(space, {target}).has_value();
-  }
-
-  void reportHopsOf(const SearchSpace& space, VersionIndex version) const {
-    const SearchSpace::Version& losing = space.versions[version];
-    HopChoices choices;
-    collectHops(question_.repository, question_.direction, space.names[losing.name].text,
-                *losing.linked->front(), choices);
   }
 
   const SearchQuestion& question_;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <unordered_set>
 #include <utility>
 
 #include "pathfinder/baseline_combination.hpp"
@@ -91,7 +92,7 @@ class PlanExecution {
     if (isRegular) return enter(baseline, selections_.find(selection), steps_);
     if (!plan_.isBestFromIrregular(source)) return false;
     question_.traceTrying(baseline);
-    reportLostHops(baseline, selection);
+    collectHopsOf(baseline, selection);
     trail_.push_back({&baseline, selections_.find(selection),
                       combinationsFrom(plan_.stepsFromIrregular(source), selection), true});
     return false;
@@ -107,7 +108,7 @@ class PlanExecution {
     }
     if (!isBestWithStepsLeft(selection, stepsLeft) || hasFailed(baseline, stepsLeft)) return false;
     question_.traceTrying(baseline);
-    reportLostHops(baseline, selections_[selection]);
+    collectHopsOf(baseline, selections_[selection]);
     trail_.push_back({&baseline, selection,
                       combinationsFrom(plan_.stepsFrom(selection), selections_[selection])});
     return false;
@@ -163,15 +164,19 @@ class PlanExecution {
                                                 baseline) != failed->second.end();
   }
 
-  /// A hop whose target was missing is reported as soon as a baseline that offers it is processed.
-  void reportLostHops(const VersionBaseline& baseline, SelectionView selection) const {
-    for (const VersionIndex index : selection) {
-      if (!space_.versions[index].losesHop) continue;
-      const std::u16string& name = space_.names[space_.versions[index].name].text;
-      HopChoices choices;
-      collectHops(question_.repository, question_.direction, name, *baseline.metamodels.at(name),
-                  choices);
+  /// What fails when a baseline's hops are collected is reported as soon as it is processed.
+  void collectHopsOf(const VersionBaseline& baseline, SelectionView selection) {
+    for (const VersionIndex version : selection) {
+      if (space_.isAbsent(version) || space_.versions[version].areHopsCollected) continue;
+      if (!hopsCollected_.insert(version).second) continue;
+      const std::u16string& name = space_.names[space_.versions[version].name].text;
+      collectHopsOf(name, *baseline.metamodels.at(name));
     }
+  }
+
+  void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) const {
+    HopChoices choices;
+    collectHops(question_.repository, question_.direction, name, linked, choices);
   }
 
   /// The combinations that planned steps stand for, the last one first.
@@ -314,6 +319,7 @@ class PlanExecution {
   SearchAnswer answer_;
   std::deque<Visit> trail_;                                       // from the source on
   std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
+  std::unordered_set<VersionIndex> hopsCollected_;                // of versions on the way
 };
 
 }  // namespace

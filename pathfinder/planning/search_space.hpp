@@ -48,8 +48,10 @@ struct SearchSpace {
     VariantIndex variantCount = 0;
     std::span<const Hop> hops;    ///< those that do not go against the direction, in order
     std::span<const Move> moves;  ///< those of the hops that lead to a version of the space
-    bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
-    bool isEntry = false;   ///< whether a link can bring this version in
+    bool isEntry = false;         ///< whether a link can bring this version in
+
+    /// Whether its hops have been collected without anything that failed.
+    bool areHopsCollected = false;
 
     /// Whether it stands for whatever versions unknown hops may lead to: it can stand beside
     /// anything.

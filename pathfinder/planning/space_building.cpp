@@ -79,8 +79,9 @@ class SpaceBuilding {
     version.linked = surveyed.linked;
     version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
     version.hops = surveyed.hops;
-    version.losesHop = surveyed.losesHop;
     version.isEntry = surveyed.isEntry;
+    version.areHopsCollected =
+        surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
     if (surveyed.linked == nullptr) {
       space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
       ++linkCount_;
