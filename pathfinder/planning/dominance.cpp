@@ -13,8 +13,9 @@
 //   touch a name that no linked metamodel has to do with that also has to do with a name that can
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
 //   one of them hops in that very step. For other names nothing is put off;
-// - the first step from a source that is not regular links everything anew: it may be needed
-//   whatever it moves. So no hop is put off that leaves such a source.
+// - the first step from a source that is not regular links everything anew, which may be what it is
+//   for. If a single hop that could wait is all that it has, it must not go: such first steps are
+//   planned one by one (see `IdleStep`).
 //
 // Without this, names that hardly depend on one another multiply the plans to be looked at: every
 // distribution of their hops among the steps is one. docs/search.md has the proof.
@@ -37,19 +38,16 @@ bool mayBeAbsent(const SearchSpace& space, NameIndex name) {
 }  // namespace
 
 Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibility,
-                     const IncomingHops& incoming)
+                     const IncomingHops& incoming, VersionIndex start)
     : space_(space),
       compatibility_(compatibility),
       incoming_(incoming),
-      isInSource_(space.versions.size()),
-      isInIrregularSource_(space.versions.size()),
+      isStart_(space.versions.size()),
       cannotWait_(space.names.size()) {
   for (const SearchSpace::Source& source : space.sources) {
-    for (const VersionIndex version : source.selection) {
-      isInSource_[version] = true;
-      if (!source.isRegular) isInIrregularSource_[version] = true;
-    }
+    for (const VersionIndex version : source.selection) isStart_[version] = true;
   }
+  if (start != SearchSpace::none) isStart_[start] = true;
   findNamesThatCannotWait();
   for (NameIndex name = 0; name < space.names.size(); ++name) findWaysInto(name);
 }
@@ -156,7 +154,7 @@ void Dominance::findWaysInto(NameIndex index) {
 }
 
 Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) const {
-  if (isInSource_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
+  if (isStart_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
   Stay stay = Stay::Never;
   for (const IncomingHop& hop : incoming_.into(version)) {
     if (!canWait(hop, after)) return Stay::Always;
@@ -165,10 +163,9 @@ Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) con
   return stay;
 }
 
-/// Whether the hop is not needed where it is, and the version that it leaves can stand beside all
-/// that the version which it leads to can, as far as it still matters before `after`.
+/// Whether the version that the hop leaves can stand beside all that the version which it leads to
+/// can, as far as it still matters before `after`.
 bool Dominance::canWait(const IncomingHop& hop, SelectionView after) const {
-  if (isInIrregularSource_[hop.before]) return false;
   const auto& neighbours = compatibility_.neighbours(space_.versions[hop.target].name);
   for (std::size_t i = 0; i < neighbours.size(); ++i) {
     const ConstBitRow besideTarget = compatibility_.row(hop.target, i);

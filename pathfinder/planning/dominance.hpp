@@ -22,8 +22,10 @@ class Dominance {
     Never,
   };
 
+  /// Plans may have one more version to begin from, which a first step brings in that is not to
+  /// wait; `none` for none.
   Dominance(const SearchSpace& space, const Compatibility& compatibility,
-            const IncomingHops& incoming);
+            const IncomingHops& incoming, VersionIndex start = SearchSpace::none);
 
   /// In which steps that lead to `after` the name of that version can stay at it.
   Stay stayAt(VersionIndex version, SelectionView after) const;
@@ -41,8 +43,7 @@ class Dominance {
   const SearchSpace& space_;
   const Compatibility& compatibility_;
   const IncomingHops& incoming_;
-  std::vector<bool> isInSource_;           // by version
-  std::vector<bool> isInIrregularSource_;  // by version
+  std::vector<bool> isStart_;  // by version
   std::vector<bool> cannotWait_;  // by name: whether its hops may matter for what links bring in
 
   // For each version, as bits, the versions of its name that it may have been before, and itself.

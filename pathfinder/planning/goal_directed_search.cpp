@@ -5,8 +5,12 @@
 
 #include "pathfinder/planning/goal_directed_search.hpp"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "messages/trace.hpp"
@@ -23,13 +27,37 @@ using diagnostics::traceValue;
 
 namespace {
 
-using Plan = std::optional<BackwardPlan>;
 using Verdict = SearchAnswer::Verdict;
 
-Plan planIn(const SearchSpace& space, const std::vector<VersionSelection>& targets) {
+bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
+  const std::vector<std::uint64_t> weights = left.weights();
+  const std::vector<std::uint64_t> others = right.weights();
+  return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
+               {right.cost().total, WeightChains::empty, others}) < 0;
+}
+
+/// The best plans of a space, of one cost: those without an idle step, and those that begin with
+/// each of them.
+using Plans = std::vector<BackwardPlan>;
+
+void offer(Plans& plans, std::optional<BackwardPlan>&& plan) {
+  if (!plan || (!plans.empty() && comesFirst(plans.front(), *plan))) return;
+  if (!plans.empty() && comesFirst(*plan, plans.front())) plans.clear();
+  plans.push_back(*std::move(plan));
+}
+
+Plans planIn(const SearchSpace& space) {
   const Compatibility compatibility(space);
   const AllVersionBounds bounds = computeVersionBounds(space, compatibility);
-  return planBackward({space, compatibility, bounds}, targets);
+  const PlanningGround ground{space, compatibility, bounds};
+  Plans plans;
+  offer(plans, planBackward(ground, space.targets));
+  for (const IdleStep& step : idleStepsOf(ground)) {
+    const std::uint64_t most = plans.empty() ? std::numeric_limits<std::uint64_t>::max()
+                                             : plans.front().cost().total;
+    offer(plans, planBackward(ground, space.targets, step, most));
+  }
+  return plans;
 }
 
 class GoalDirectedSearch {
@@ -41,9 +69,9 @@ class GoalDirectedSearch {
     if (auto answer = answerWithoutSteps()) return *std::move(answer);
     plan();
     if (!survey_.isFit()) return {Verdict::Unsettled};
-    if (!plan_) return answerWithoutPlan();
+    if (plans_.empty()) return answerWithoutPlan();
     throwWhatTheAnswerDependsOn();
-    SearchAnswer answer = executePlan(question_, *space_, *plan_);
+    SearchAnswer answer = execute();
     if (answer.verdict == Verdict::Found) traceValue("Reached target");
     return answer;
   }
@@ -52,7 +80,7 @@ class GoalDirectedSearch {
   Verdict reach() {
     plan();
     if (!survey_.isFit()) return Verdict::Unsettled;
-    return plan_ ? executePlan(question_, *space_, *plan_).verdict : Verdict::NoPath;
+    return plans_.empty() ? Verdict::NoPath : execute().verdict;
   }
 
  private:
@@ -74,8 +102,43 @@ class GoalDirectedSearch {
     do {
       if (!survey_.isFit()) return;
       space_ = survey_.makeSpace();
-      plan_ = planIn(*space_, space_->targets);
-    } while (plan_ ? survey_.extendToCover(plan_->cost().total) : survey_.extend());
+      plans_ = planIn(*space_);
+    } while (plans_.empty() ? survey_.extend()
+                            : survey_.extendToCover(plans_.front().cost().total));
+  }
+
+  /// The first path in the order of sources and steps that some plan leads to.
+  SearchAnswer execute() const {
+    SearchAnswer first{Verdict::Unsettled};
+    for (const BackwardPlan& plan : plans_) {
+      SearchAnswer answer = executePlan(question_, *space_, plan);
+      if (answer.verdict != Verdict::Found) continue;
+      if (first.verdict != Verdict::Found || beginsBefore(answer, first)) first = std::move(answer);
+    }
+    return first;
+  }
+
+  bool beginsBefore(const SearchAnswer& left, const SearchAnswer& right) const {
+    if (left.source != right.source) return left.source < right.source;
+    const auto source = static_cast<std::size_t>(left.source - question_.sources.data());
+    const VersionSelection& selection = space_->sources[source].selection;
+    for (NameIndex name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
+      const std::size_t place = placeOfHop(name, selection[name], left.steps.front());
+      const std::size_t other = placeOfHop(name, selection[name], right.steps.front());
+      if (place != other) return place < other;
+    }
+    return false;
+  }
+
+  /// The place, counted from one, of the hop that a name takes among those of its version; 0 for
+  /// none.
+  std::size_t placeOfHop(NameIndex name, VersionIndex version, const BaselineHop& step) const {
+    const auto taken = step.hops.find(space_->names[name].text);
+    if (taken == step.hops.end()) return 0;
+    const auto& hops = space_->versions[version].hops;
+    return static_cast<std::size_t>(std::find(hops.begin(), hops.end(), taken->second) -
+                                    hops.begin()) +
+           1;
   }
 
   SearchAnswer answerWithoutPlan() const {
@@ -91,15 +154,10 @@ class GoalDirectedSearch {
   void throwWhatTheAnswerDependsOn() {
     if (!survey_.anyFailed(Failed::AssumedBest)) return;
     const auto space = survey_.makeSpace(Failed::AssumedBest);
-    const Plan best = planIn(*space, space->targets);
-    if (best && comesFirst(*best, *plan_)) survey_.throwFailureOf(versionsOf(*best));
-  }
-
-  static bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
-    const std::vector<std::uint64_t> weights = left.weights();
-    const std::vector<std::uint64_t> others = right.weights();
-    return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
-                 {right.cost().total, WeightChains::empty, others}) < 0;
+    const Plans best = planIn(*space);
+    if (!best.empty() && comesFirst(best.front(), plans_.front())) {
+      survey_.throwFailureOf(versionsOf(best.front()));
+    }
   }
 
   /// The versions that best plans hold.
@@ -115,7 +173,7 @@ class GoalDirectedSearch {
   const SearchQuestion& question_;
   SpaceSurvey survey_;
   std::unique_ptr<const SearchSpace> space_;
-  Plan plan_;
+  Plans plans_;
 };
 
 }  // namespace

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <limits>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -27,18 +28,23 @@ namespace tarn::evolution::pathfinder {
 
 class PlanSearch {
  public:
-  explicit PlanSearch(const PlanningGround& ground)
+  PlanSearch(const PlanningGround& ground, const std::optional<IdleStep>& first, std::uint64_t most)
       : ground_(ground),
+        first_(first),
+        most_(most),
         incoming_(ground.space, ground.bounds),
-        dominance_(ground.space, ground.compatibility, incoming_),
+        dominance_(ground.space, ground.compatibility, incoming_,
+                   first ? first->target : SearchSpace::none),
         plan_(ground.space.names.size(), ground.space.sources.size()) {
     const auto& sources = ground.space.sources;
     for (const SearchSpace::Source& source : sources) {
-      if (source.isRegular && !source.selection.empty()) plan_.selections_.intern(source.selection);
+      if (first_ || !source.isRegular || source.selection.empty()) continue;
+      plan_.selections_.intern(source.selection);
     }
     plan_.regularSources_ = plan_.selections_.size();
     for (std::size_t i = 0; i < sources.size(); ++i) {
       if (sources[i].isRegular || sources[i].selection.empty()) continue;
+      if (first_ && first_->source != i) continue;
       plan_.selections_.intern(sources[i].selection);
       irregularSources_.push_back(i);
     }
@@ -50,6 +56,7 @@ class PlanSearch {
       std::pop_heap(waiting_.begin(), waiting_.end(), IsAfter{plan_.chains_});
       Node* node = waiting_.back();
       waiting_.pop_back();
+      if (node->bound.total > most_) break;
       if (best_ && comesFirst(plan_.chains_, boundOf(*best_), node->bound)) break;
       pursue(node);
     }
@@ -276,6 +283,7 @@ class PlanSearch {
       if (hops_[name] == PlannedHop::None) return;
       hopWeights += hopWeight(hops_[name] == PlannedHop::Expensive);
     }
+    if (first_ && !isFirstStep(to)) return;
     if (!isBroughtIn(from, to)) return;
     if (hopWeights > 0) {
       addIrregular(source, after, cost, hopWeights);
@@ -289,6 +297,13 @@ class PlanSearch {
       addIrregular(source, after, cost, hopWeight(hops_[name] == PlannedHop::Expensive));
       hops_[name] = PlannedHop::None;
     }
+  }
+
+  /// Whether the hops planned are those of the step that has to be the first.
+  bool isFirstStep(SelectionView after) const {
+    if (after[first_->name] != first_->target || hops_[first_->name] != first_->hop) return false;
+    return std::count(hops_.begin(), hops_.end(), PlannedHop::None) ==
+           static_cast<std::ptrdiff_t>(hops_.size()) - 1;
   }
 
   bool mayEnter(VersionIndex before, VersionIndex after) const {
@@ -343,6 +358,8 @@ class PlanSearch {
   }
 
   const PlanningGround& ground_;
+  const std::optional<IdleStep> first_;  // if it has to be the first
+  const std::uint64_t most_;             // that a plan may cost
   const IncomingHops incoming_;
   const Dominance dominance_;
   BackwardPlan plan_;
@@ -363,9 +380,61 @@ class PlanSearch {
   std::vector<NameIndex> entering_;
 };
 
+namespace {
+
+/// Whether what a source holds can stand together as it is, with nothing to be brought in.
+bool canStandTogether(const PlanningGround& ground, const VersionSelection& selection) {
+  for (const VersionIndex version : selection) {
+    const auto& neighbours = ground.compatibility.neighbours(ground.space.versions[version].name);
+    for (std::size_t i = 0; i < neighbours.size(); ++i) {
+      const VersionIndex other = selection[neighbours[i]];
+      if (!ground.compatibility.row(version, i).contains(ground.space.rankOf(other))) return false;
+    }
+  }
+  return true;
+}
+
+bool admits(const VersionSelection& target, const VersionSelection& selection) {
+  return std::equal(target.begin(), target.end(), selection.begin(),
+                    [](VersionIndex wanted, VersionIndex held) {
+                      return wanted == held || wanted == SearchSpace::none;
+                    });
+}
+
+}  // namespace
+
+std::vector<IdleStep> idleStepsOf(const PlanningGround& ground) {
+  const SearchSpace& space = ground.space;
+  std::vector<IdleStep> result;
+  for (std::size_t source = 0; source < space.sources.size(); ++source) {
+    const auto& [selection, isRegular] = space.sources[source];
+    if (isRegular || selection.empty()) continue;
+    // The step after the idle one does as well for the first, if there is one.
+    const bool leadsToTarget =
+        std::any_of(space.targets.begin(), space.targets.end(),
+                    [&](const VersionSelection& target) { return admits(target, selection); });
+    if (!leadsToTarget && canStandTogether(ground, selection)) continue;
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      for (const SearchSpace::Move& move : space.versions[selection[name]].moves) {
+        if (move.target == selection[name]) continue;  // planned with the others
+        const PlannedHop hop = move.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary;
+        const IdleStep step{source, name, move.target, hop};
+        if (std::find(result.begin(), result.end(), step) == result.end()) result.push_back(step);
+      }
+    }
+  }
+  return result;
+}
+
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
                                          const std::vector<VersionSelection>& targets) {
-  return PlanSearch(ground).run(targets);
+  return PlanSearch(ground, std::nullopt, std::numeric_limits<std::uint64_t>::max()).run(targets);
+}
+
+std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
+                                         const std::vector<VersionSelection>& targets,
+                                         const IdleStep& first, std::uint64_t most) {
+  return PlanSearch(ground, first, most).run(targets);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -8,9 +10,28 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// The best plans from any source of the space to any of the targets; no value when there is no
-/// plan, and so no path.
+/// A first step from a source that is not regular, of one hop that could as well wait: what the step
+/// is for is to link everything anew.
+struct IdleStep {
+  std::size_t source;
+  NameIndex name;
+  VersionIndex target;
+  PlannedHop hop;
+
+  bool operator==(const IdleStep&) const = default;
+};
+
+/// All of them.
+std::vector<IdleStep> idleStepsOf(const PlanningGround& ground);
+
+/// The best plans from any source of the space to any of the targets, but for those that begin with
+/// an idle step; no value when there is no plan.
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
                                          const std::vector<VersionSelection>& targets);
+
+/// The best plans that begin with an idle step and have a total of no more than `most`.
+std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
+                                         const std::vector<VersionSelection>& targets,
+                                         const IdleStep& first, std::uint64_t most);
 
 }  // namespace tarn::evolution::pathfinder

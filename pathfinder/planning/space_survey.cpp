@@ -101,7 +101,7 @@ void SpaceSurvey::enterTargets() {
     for (const auto& [name, linked] : metamodels) {
       if (linked == nullptr) {
         state_.targets[i].absent.push_back(&state_.nameOf(name));
-      } else if (!irrelevant_.contain(*linked)) {
+      } else if (linked->name != name || !irrelevant_.contain(*linked)) {
         enterTarget(i, name, *linked);
       }
     }
