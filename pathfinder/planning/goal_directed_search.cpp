@@ -69,8 +69,8 @@ class GoalDirectedSearch {
     if (auto answer = answerWithoutSteps()) return *std::move(answer);
     plan();
     if (!survey_.isFit()) return {Verdict::Unsettled};
-    if (plans_.empty()) return answerWithoutPlan();
     throwWhatTheAnswerDependsOn();
+    if (plans_.empty()) return answerWithoutPlan();
     SearchAnswer answer = execute();
     if (answer.verdict == Verdict::Found) traceValue("Reached target");
     return answer;
@@ -150,14 +150,14 @@ class GoalDirectedSearch {
     return {};
   }
 
-  /// Throws what was met in a version with which there might be a better plan if it had not failed.
+  /// Throws what the application failed at in a version with which there might be a plan, or a
+  /// better one, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
     if (!survey_.anyFailed(Failed::AssumedBest)) return;
     const auto space = survey_.makeSpace(Failed::AssumedBest);
     const Plans best = planIn(*space);
-    if (!best.empty() && comesFirst(best.front(), plans_.front())) {
-      survey_.throwFailureOf(versionsOf(best.front()));
-    }
+    if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;
+    survey_.throwFailureOf(versionsOf(best.front()));
   }
 
   /// The versions that best plans hold.

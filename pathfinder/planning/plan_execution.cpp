@@ -71,6 +71,7 @@ class PlanExecution {
   /// Goes by the best plans from a source as far as they lead; true when that is to a target.
   bool walkFrom(std::size_t source) {
     if (enterSource(source)) return true;
+    if (!trail_.empty()) collectHopsOfIrrelevantNames(source);
     while (!trail_.empty()) {
       Visit& visit = trail_.back();
       const std::uint32_t stepsLeft = steps_ + 1 - static_cast<std::uint32_t>(trail_.size());
@@ -174,6 +175,26 @@ class PlanExecution {
     }
   }
 
+  /// They hold the same in all sources and on all ways.
+  void collectHopsOfIrrelevantNames(std::size_t source) {
+    if (std::exchange(areIrrelevantCollected_, true)) return;
+    const VersionSelection& selection = space_.sources[source].selection;
+    const auto relevant = std::count_if(selection.begin(), selection.end(),
+                                        [this](VersionIndex held) { return !space_.isAbsent(held); });
+    const auto& metamodels = question_.sources[source].metamodels;
+    if (static_cast<std::size_t>(relevant) == metamodels.size()) return;
+    for (const auto& [name, linked] : metamodels) {
+      if (!isInSpace(name)) collectHopsOf(name, *linked);
+    }
+  }
+
+  bool isInSpace(const std::u16string& name) const {
+    const auto found = std::lower_bound(
+        space_.names.begin(), space_.names.end(), name,
+        [](const SearchSpace::Name& one, const std::u16string& wanted) { return one.text < wanted; });
+    return found != space_.names.end() && found->text == name;
+  }
+
   void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) const {
     HopChoices choices;
     collectHops(question_.repository, question_.direction, name, linked, choices);
@@ -239,7 +260,9 @@ class PlanExecution {
       visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
     }
     traceAttempt(visit.hops);
-    visit.candidates = combine(visit, selections_[visit.after.front()], digits);
+    visit.candidates = space_.anyLinksOwnName
+                           ? question_.repository.createTargetBaseline(*visit.baseline, visit.hops)
+                           : combine(visit, selections_[visit.after.front()], digits);
     visit.seen = 0;
     traceCandidates(visit.candidates);
   }
@@ -320,6 +343,7 @@ class PlanExecution {
   std::deque<Visit> trail_;                                       // from the source on
   std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
   std::unordered_set<VersionIndex> hopsCollected_;                // of versions on the way
+  bool areIrrelevantCollected_ = false;
 };
 
 }  // namespace

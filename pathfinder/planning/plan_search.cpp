@@ -104,7 +104,7 @@ class PlanSearch {
       const VersionIndex first = isFree ? range.first : target[name];
       const VersionIndex end = isFree ? range.end : target[name] + 1;
       for (VersionIndex version = first; version < end; ++version) {
-        stage.problem.addOption({version});
+        if (ground_.space.versions[version].canBeCombined) stage.problem.addOption({version});
       }
       stage.problem.endName();
     }
@@ -244,6 +244,7 @@ class PlanSearch {
                                                        : PlannedHop::Expensive);
       hopWeights += option.hop;
     }
+    if (!isClosed(before_)) return;
     PlanCost cost = stage.cost;
     if (stage.after != SearchSpace::none) {
       if (!isBroughtIn(before_, plan_.selections_[stage.after])) return;
@@ -351,6 +352,36 @@ class PlanSearch {
     return entering_.empty();
   }
 
+  /// Whether each version has a linked metamodel all links of which are to what the selection holds.
+  /// That any two versions can stand together need not mean that for linked metamodels which link
+  /// several names.
+  bool isClosed(SelectionView selection) const {
+    const SearchSpace& space = ground_.space;
+    return std::all_of(entangled_.begin(), entangled_.end(), [&](NameIndex name) {
+      const auto variants = space.variantsOf(selection[name]);
+      return variants.size() <= 1 ||
+             std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
+               return matches(variant.closure, selection);
+             });
+    });
+  }
+
+  /// The names of which a version has several linked metamodels that link several names.
+  std::vector<NameIndex> findEntangled() const {
+    const SearchSpace& space = ground_.space;
+    std::vector<NameIndex> result;
+    for (VersionIndex version = 0; version < space.versions.size(); ++version) {
+      const NameIndex name = space.versions[version].name;
+      const auto variants = space.variantsOf(version);
+      if (variants.size() <= 1 || (!result.empty() && result.back() == name)) continue;
+      const bool linkSeveral =
+          std::any_of(variants.begin(), variants.end(),
+                      [](const SearchSpace::Variant& variant) { return variant.closure.size() > 2; });
+      if (linkSeveral) result.push_back(name);
+    }
+    return result;
+  }
+
   bool matches(std::span<const SearchSpace::Link> closure, SelectionView selection) const {
     return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
       return ground_.space.variants[link.variant].version == selection[link.name];
@@ -362,6 +393,7 @@ class PlanSearch {
   const std::uint64_t most_;             // that a plan may cost
   const IncomingHops incoming_;
   const Dominance dominance_;
+  const std::vector<NameIndex> entangled_ = findEntangled();
   BackwardPlan plan_;
   std::vector<std::size_t> irregularSources_;
   std::optional<PlanCost> best_;

@@ -50,6 +50,10 @@ struct SearchSpace {
     std::span<const Move> moves;  ///< those of the hops that lead to a version of the space
     bool isEntry = false;         ///< whether a link can bring this version in
 
+    /// False when no step leads to a baseline that holds it: a linked metamodel that links another
+    /// version of its own name stands only beside names before it.
+    bool canBeCombined = true;
+
     /// Whether its hops have been collected without anything that failed.
     bool areHopsCollected = false;
 
@@ -128,6 +132,10 @@ struct SearchSpace {
   std::vector<VersionSelection> targets;
 
   std::vector<Variant> variants;
+
+  /// Whether one of them links another version of its own name. Such a link is not in the closure:
+  /// the version that it leads to stands back.
+  bool anyLinksOwnName = false;
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory{32768};

@@ -36,6 +36,7 @@ class SpaceBuilding {
     addMoves();
     addClosures();
     addEntries();
+    if (space_->anyLinksOwnName) markWhatCannotBeCombined(*ordered.front());
     markCertainNames(ordered);
     addSources();
     addTargets();
@@ -219,7 +220,13 @@ class SpaceBuilding {
   std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
     std::vector<SearchSpace::Link> links;
     links.reserve(linked.linkedMetamodels.size());
-    for (const auto& [text, link] : linked.linkedMetamodels) links.push_back(linkTo(*link));
+    for (const auto& [text, link] : linked.linkedMetamodels) {
+      if (text != linked.name) {
+        links.push_back(linkTo(*link));
+      } else {
+        space_->anyLinksOwnName = true;
+      }
+    }
     std::sort(links.begin(), links.end(), isBefore);
     return links;
   }
@@ -262,6 +269,19 @@ class SpaceBuilding {
       space_->entries.erase(std::unique(added, space_->entries.end()), space_->entries.end());
     }
     space_->entryStarts.push_back(space_->entries.size());
+  }
+
+  /// Versions of the first of all names that stand only beside names before it.
+  void markWhatCannotBeCombined(const SurveyedName& first) {
+    if (*met_.firstName < *first.text) return;
+    const auto linksOwnName = [&](const auto& linked) {
+      return linked->linkedMetamodels.contains(*first.text);
+    };
+    for (const SurveyedVersion* version : first.versions) {
+      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
+      space_->versions[version->index].canBeCombined =
+          !std::all_of(version->linked->begin(), version->linked->end(), linksOwnName);
+    }
   }
 
   void markCertainNames(const std::vector<SurveyedName*>& met) {

@@ -121,6 +121,7 @@ void SpaceSurvey::enterTarget(std::size_t target, const std::u16string& key,
 void SpaceSurvey::closeTarget(std::size_t target, const LinkedMetamodel& linked) {
   SurveyedTarget& surveyed = state_.targets[target];
   for (const auto& [key, link] : linked.linkedMetamodels) {
+    if (key == linked.name) continue;
     const LinkedMetamodel* held = heldBy(target, key);
     if (held == link.get()) continue;
     const bool isMentioned = held != nullptr || question_.targets[target].metamodels.contains(key);
@@ -160,6 +161,7 @@ void SpaceSurvey::enterSources() {
     for (const auto& [name, linked] : metamodels) {
       isUnfit_ |= linked == nullptr || linked->name != name;
       if (isUnfit_) return;
+      if (state_.firstName == nullptr || name < *state_.firstName) state_.firstName = &name;
       if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
     }
   }
@@ -385,11 +387,11 @@ void SpaceSurvey::noteAnswer(SurveyedName& name, const VersionId& number,
 /// Whether every target mentions the name, and hops in the direction asked for may lead from the
 /// version to what one holds. Hops that do not go against a direction never lead back behind where
 /// they began; but a hop may be judged by another name than the one it moves, so the other versions
-/// are only taken to be far off.
+/// are only taken to be far off. What a source holds is asked for its hops in any case.
 bool SpaceSurvey::leadsToTargets(SurveyedVersion& version) {
   const SurveyedName& name = *version.name;
   if (!state_.isMentionedByEveryTarget(name)) return false;
-  if (question_.direction == VersionRepository::Unknown) return true;
+  if (version.distance == 0 || question_.direction == VersionRepository::Unknown) return true;
   if (!version.mayLeadToTargets) {
     version.mayLeadToTargets = true;
     attempt(version, SurveyAttempt::Compare, [&] {
@@ -440,7 +442,6 @@ void SpaceSurvey::linkWhatIsOfUse() {
     version.areLinksEntered = true;
     if (version.linked == nullptr) continue;
     for (const auto& variant : *version.linked) {
-      isUnfit_ |= variant->linkedMetamodels.contains(variant->name);
       enterLinks(*variant);
     }
   }
@@ -459,7 +460,9 @@ void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {
     if (!enterLink(*covering)) return;
     linking = covering;
   }
-  for (const auto& [text, linked] : linking->linkedMetamodels) enterLink(*linked);
+  for (const auto& [text, linked] : linking->linkedMetamodels) {
+    if (text != linking->name) enterLink(*linked);
+  }
 }
 
 /// False for one that has been entered before, with all that it links.

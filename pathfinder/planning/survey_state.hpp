@@ -222,6 +222,7 @@ struct SurveyState {
   std::vector<SurveyedHop> hopTargets;  // those of one version stand together
   std::vector<SurveyFailure> failures;
 
+  const std::u16string* firstName = nullptr;  ///< the least that a source holds
   std::vector<SurveyedSource> sources;
   std::vector<SurveyedTarget> targets;
 };
