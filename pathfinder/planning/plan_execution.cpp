@@ -90,7 +90,10 @@ class PlanExecution {
     const auto& [selection, isRegular] = space_.sources[source];
     const VersionBaseline& baseline = question_.sources[source];
     if (selection.empty()) return false;
-    if (isRegular) return enter(baseline, selections_.find(selection), steps_);
+    if (isRegular) {
+      const SelectionIndex planned = selections_.find(selection);
+      return planned != SearchSpace::none && enter(baseline, planned, steps_);
+    }
     if (!plan_.isBestFromIrregular(source)) return false;
     question_.traceTrying(baseline);
     collectHopsOf(baseline, selection);
