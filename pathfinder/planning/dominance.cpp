@@ -17,6 +17,9 @@
 //   for. If a single hop that could wait is all that it has, it must not go: such first steps are
 //   planned one by one (see `IdleStep`).
 //
+// By the same token a name that has nothing to do with any other, and of which no target wants
+// anything, does not move at all.
+//
 // Without this, names that hardly depend on one another multiply the plans to be looked at: every
 // distribution of their hops among the steps is one. docs/search.md has the proof.
 
@@ -57,7 +60,8 @@ void Dominance::findNamesThatCannotWait() {
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const SearchSpace::Name& name) { return name.absent != SearchSpace::none; });
   if (!anyMayBeAbsent) return;
-  if (!entersOnlyByHops()) {
+  entersOnlyByHops_ = findEntersOnlyByHops();
+  if (!entersOnlyByHops_) {
     cannotWait_.assign(cannotWait_.size(), true);
     return;
   }
@@ -75,7 +79,7 @@ void Dominance::findNamesThatCannotWait() {
 
 /// Whether a name can only enter in a step in which a name hops that has to do with it. So it is
 /// where links follow from dependencies; a host may have added others.
-bool Dominance::entersOnlyByHops() const {
+bool Dominance::findEntersOnlyByHops() const {
   for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
     if (mayEnterBySwitching(version)) return false;
   }

@@ -104,7 +104,8 @@ class PlanSearch {
       const VersionIndex first = isFree ? range.first : target[name];
       const VersionIndex end = isFree ? range.end : target[name] + 1;
       for (VersionIndex version = first; version < end; ++version) {
-        if (ground_.space.versions[version].canBeCombined) stage.problem.addOption({version});
+        if (!ground_.space.versions[version].canBeCombined) continue;
+        if (!isFree || dominance_.mayEndAt(version)) stage.problem.addOption({version});
       }
       stage.problem.endName();
     }
@@ -361,12 +362,13 @@ class PlanSearch {
       const auto variants = space.variantsOf(selection[name]);
       return variants.size() <= 1 ||
              std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
-               return matches(variant.closure, selection);
+               return variant.canBeCombined && matches(variant.closure, selection);
              });
     });
   }
 
-  /// The names of which a version has several linked metamodels that link several names.
+  /// The names of which a version has several linked metamodels that link several names, or cannot
+  /// all be held.
   std::vector<NameIndex> findEntangled() const {
     const SearchSpace& space = ground_.space;
     std::vector<NameIndex> result;
@@ -374,10 +376,11 @@ class PlanSearch {
       const NameIndex name = space.versions[version].name;
       const auto variants = space.variantsOf(version);
       if (variants.size() <= 1 || (!result.empty() && result.back() == name)) continue;
-      const bool linkSeveral =
-          std::any_of(variants.begin(), variants.end(),
-                      [](const SearchSpace::Variant& variant) { return variant.closure.size() > 2; });
-      if (linkSeveral) result.push_back(name);
+      const bool isEntangled =
+          std::any_of(variants.begin(), variants.end(), [](const SearchSpace::Variant& variant) {
+            return variant.closure.size() > 2 || !variant.canBeCombined;
+          });
+      if (isEntangled) result.push_back(name);
     }
     return result;
   }

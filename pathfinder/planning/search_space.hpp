@@ -50,9 +50,7 @@ struct SearchSpace {
     std::span<const Move> moves;  ///< those of the hops that lead to a version of the space
     bool isEntry = false;         ///< whether a link can bring this version in
 
-    /// False when no step leads to a baseline that holds it: a linked metamodel that links another
-    /// version of its own name stands only beside names before it.
-    bool canBeCombined = true;
+    bool canBeCombined = true;  ///< whether one of its linked metamodels can be
 
     /// Whether its hops have been collected without anything that failed.
     bool areHopsCollected = false;
@@ -71,6 +69,10 @@ struct SearchSpace {
   struct Variant {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
+
+    /// False when no step leads to a baseline that holds it: a linked metamodel that links another
+    /// version of its own name stands only beside names before it.
+    bool canBeCombined = true;
   };
 
   struct Name {

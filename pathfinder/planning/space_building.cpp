@@ -271,16 +271,19 @@ class SpaceBuilding {
     space_->entryStarts.push_back(space_->entries.size());
   }
 
-  /// Versions of the first of all names that stand only beside names before it.
+  /// Of the first of all names, what stands only beside names before it.
   void markWhatCannotBeCombined(const SurveyedName& first) {
     if (*met_.firstName < *first.text) return;
-    const auto linksOwnName = [&](const auto& linked) {
-      return linked->linkedMetamodels.contains(*first.text);
-    };
-    for (const SurveyedVersion* version : first.versions) {
-      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
-      space_->versions[version->index].canBeCombined =
-          !std::all_of(version->linked->begin(), version->linked->end(), linksOwnName);
+    for (const SurveyedVersion* surveyed : first.versions) {
+      if (surveyed->index == SearchSpace::none || surveyed->linked == nullptr) continue;
+      SearchSpace::Version& version = space_->versions[surveyed->index];
+      version.canBeCombined = false;
+      for (VariantIndex i = 0; i < version.variantCount; ++i) {
+        const bool linksOwnName =
+            (*surveyed->linked)[i]->linkedMetamodels.contains(*first.text);
+        space_->variants[version.firstVariant + i].canBeCombined = !linksOwnName;
+        version.canBeCombined |= !linksOwnName;
+      }
     }
   }
 
