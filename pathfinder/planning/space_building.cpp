@@ -35,8 +35,8 @@ class SpaceBuilding {
     for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    if (!ordered.empty()) markWhatCannotBeCombined(*ordered.front());
     addEntries();
-    if (space_->anyLinksOwnName) markWhatCannotBeCombined(*ordered.front());
     markCertainNames(ordered);
     addSources();
     addTargets();
@@ -200,8 +200,11 @@ class SpaceBuilding {
           covering == nullptr ? space_->variantOf.end() : space_->variantOf.find(covering);
       if (known != space_->variantOf.end() && !space_->variants[known->second].closure.empty()) {
         addClosure(variant, space_->variants[known->second].closure);
+        space_->variants[variant].canBeCombined = space_->variants[known->second].canBeCombined;
       } else {
-        addClosure(variant, linksOf(*linked));
+        const std::vector<SearchSpace::Link> links = linksOf(*linked);
+        addClosure(variant, links);
+        space_->variants[variant].canBeCombined = areInSpace(links);
       }
     }
   }
@@ -231,6 +234,12 @@ class SpaceBuilding {
     return links;
   }
 
+  bool areInSpace(const std::vector<SearchSpace::Link>& links) const {
+    return std::all_of(links.begin(), links.end(), [this](const SearchSpace::Link& link) {
+      return space_->variants[link.variant].version != SearchSpace::none;
+    });
+  }
+
   static bool isBefore(const SearchSpace::Link& left, const SearchSpace::Link& right) {
     return left.name < right.name;
   }
@@ -258,6 +267,7 @@ class SpaceBuilding {
       const std::size_t first = space_->entries.size();
       space_->entryStarts.push_back(first);
       for (const SearchSpace::Variant& variant : space_->variantsOf(version)) {
+        if (!variant.canBeCombined) continue;
         for (const SearchSpace::Link& link : variant.closure) {
           if (!isEntry(link)) continue;
           const VersionIndex entry = space_->variants[link.variant].version;
@@ -271,18 +281,25 @@ class SpaceBuilding {
     space_->entryStarts.push_back(space_->entries.size());
   }
 
-  /// Of the first of all names, what stands only beside names before it.
   void markWhatCannotBeCombined(const SurveyedName& first) {
+    if (space_->anyLinksOwnName) markWhatLinksOwnName(first);
+    for (SearchSpace::Version& version : space_->versions) {
+      if (version.descriptor == nullptr) continue;
+      const auto variants = std::span(space_->variants).subspan(version.firstVariant);
+      version.canBeCombined =
+          std::any_of(variants.begin(), variants.begin() + version.variantCount,
+                      [](const SearchSpace::Variant& variant) { return variant.canBeCombined; });
+    }
+  }
+
+  /// What links another version of its own name stands only beside names before it.
+  void markWhatLinksOwnName(const SurveyedName& first) {
     if (*met_.firstName < *first.text) return;
-    for (const SurveyedVersion* surveyed : first.versions) {
-      if (surveyed->index == SearchSpace::none || surveyed->linked == nullptr) continue;
-      SearchSpace::Version& version = space_->versions[surveyed->index];
-      version.canBeCombined = false;
-      for (VariantIndex i = 0; i < version.variantCount; ++i) {
-        const bool linksOwnName =
-            (*surveyed->linked)[i]->linkedMetamodels.contains(*first.text);
-        space_->variants[version.firstVariant + i].canBeCombined = !linksOwnName;
-        version.canBeCombined |= !linksOwnName;
+    for (const SurveyedVersion* version : first.versions) {
+      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
+      VariantIndex variant = space_->versions[version->index].firstVariant;
+      for (const auto& linked : *version->linked) {
+        space_->variants[variant++].canBeCombined &= !linked->linkedMetamodels.contains(*first.text);
       }
     }
   }
