@@ -5,6 +5,7 @@
 
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
+#include "pathfinder/learning/learning_search.hpp"
 #include "pathfinder/learning/selection_search.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
@@ -36,7 +37,8 @@ SearchAnswer search(SearchQuestion question) {
   TriedBaselines tried;
   question.tried = &tried;
   SearchAnswer answer = searchExhaustively(question, combinationBudget);
-  if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchGoalDirected(question);
+  if (answer.verdict == SearchAnswer::Verdict::Unsettled)
+    answer = searchGoalDirected(question, learningPlanner());
   if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchExhaustively(question);
   return answer;
 }

@@ -81,14 +81,32 @@ class LearningSearch {
   LearningPlanner& planner_;
 };
 
+std::unique_ptr<LearningPlanner> beginOn(const PlanningGround& ground) {
+  if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
+  return LearningPlanner::create(ground, ground.space.targets);
+}
+
+class Planner final : public SecondPlanner {
+ public:
+  Answer plan(const PlanningGround& ground) const override {
+    const auto planner = beginOn(ground);
+    if (!planner) return {};
+    return {true, planner->plan()};
+  }
+
+  std::optional<SearchAnswer> search(const SearchQuestion& question,
+                                     const PlanningGround& ground) const override {
+    const auto planner = beginOn(ground);
+    if (!planner) return std::nullopt;
+    return LearningSearch(question, ground.space, *planner).run();
+  }
+};
+
 }  // namespace
 
-std::optional<SearchAnswer> searchByLearning(const SearchQuestion& question,
-                                             const PlanningGround& ground) {
-  if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
-  const auto planner = LearningPlanner::create(ground, ground.space.targets);
-  if (!planner) return std::nullopt;
-  return LearningSearch(question, ground.space, *planner).run();
+const SecondPlanner* learningPlanner() {
+  static const Planner planner;
+  return &planner;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -5,9 +5,8 @@
 
 namespace tarn::evolution::pathfinder {
 
-std::optional<SearchAnswer> searchByLearning(const SearchQuestion& /*question*/,
-                                             const PlanningGround& /*ground*/) {
-  return std::nullopt;
+const SecondPlanner* learningPlanner() {
+  return nullptr;
 }
 
 SelectionAnswer searchBetweenSelections(SelectionHost& /*host*/, const VersionsByName& /*from*/,

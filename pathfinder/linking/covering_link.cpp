@@ -8,7 +8,8 @@ const LinkedMetamodel* coveringLink(const LinkedMetamodel& linked) {
     const auto direct = links.find(dependency.name);
     if (direct == links.end()) continue;
     // All that a link links is linked with it, so that the numbers tell.
-    if (direct->second->linkedMetamodels.size() + 1 == links.size()) return direct->second.get();
+    if (direct->second->linkedMetamodels.size() + 1 != links.size()) continue;
+    return links.contains(linked.name) ? nullptr : direct->second.get();
   }
   return nullptr;
 }

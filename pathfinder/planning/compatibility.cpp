@@ -50,6 +50,7 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
                                 const std::vector<NameIndex>& shared) {
   std::vector<Projection> result;
   for (const SearchSpace::Variant& variant : space.variantsOf(index)) {
+    if (!variant.canBeCombined) continue;
     if (heldUnder(variant.closure, without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
@@ -287,6 +288,7 @@ void Compatibility::admitLinked(NameIndex linking, NameIndex linked) {
   for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
        ++version) {
     for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+      if (!variant.canBeCombined) continue;
       const VariantIndex held = heldUnder(variant.closure, linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);

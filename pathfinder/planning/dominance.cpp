@@ -12,7 +12,13 @@
 // - a link brings a name in only in a step, and what it brings in may depend on v. That does not
 //   touch a name that no linked metamodel has to do with that also has to do with a name that can
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
-//   one of them hops in that very step. For other names nothing is put off.
+//   one of them hops in that very step. For other names nothing is put off;
+// - the first step from a source that is not regular links everything anew, which may be what it is
+//   for. If a single hop that could wait is all that it has, it must not go: such first steps are
+//   planned one by one (see `IdleStep`).
+//
+// By the same token a name that has nothing to do with any other, and of which no target wants
+// anything, does not move at all.
 //
 // Without this, names that hardly depend on one another multiply the plans to be looked at: every
 // distribution of their hops among the steps is one. docs/search.md has the proof.
@@ -35,15 +41,16 @@ bool mayBeAbsent(const SearchSpace& space, NameIndex name) {
 }  // namespace
 
 Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibility,
-                     const IncomingHops& incoming)
+                     const IncomingHops& incoming, VersionIndex start)
     : space_(space),
       compatibility_(compatibility),
       incoming_(incoming),
-      isInSource_(space.versions.size()),
+      isStart_(space.versions.size()),
       cannotWait_(space.names.size()) {
   for (const SearchSpace::Source& source : space.sources) {
-    for (const VersionIndex version : source.selection) isInSource_[version] = true;
+    for (const VersionIndex version : source.selection) isStart_[version] = true;
   }
+  if (start != SearchSpace::none) isStart_[start] = true;
   findNamesThatCannotWait();
   for (NameIndex name = 0; name < space.names.size(); ++name) findWaysInto(name);
 }
@@ -53,7 +60,8 @@ void Dominance::findNamesThatCannotWait() {
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const SearchSpace::Name& name) { return name.absent != SearchSpace::none; });
   if (!anyMayBeAbsent) return;
-  if (!entersOnlyByHops()) {
+  entersOnlyByHops_ = findEntersOnlyByHops();
+  if (!entersOnlyByHops_) {
     cannotWait_.assign(cannotWait_.size(), true);
     return;
   }
@@ -71,7 +79,7 @@ void Dominance::findNamesThatCannotWait() {
 
 /// Whether a name can only enter in a step in which a name hops that has to do with it. So it is
 /// where links follow from dependencies; a host may have added others.
-bool Dominance::entersOnlyByHops() const {
+bool Dominance::findEntersOnlyByHops() const {
   for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
     if (mayEnterBySwitching(version)) return false;
   }
@@ -150,7 +158,7 @@ void Dominance::findWaysInto(NameIndex index) {
 }
 
 Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) const {
-  if (isInSource_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
+  if (isStart_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
   Stay stay = Stay::Never;
   for (const IncomingHop& hop : incoming_.into(version)) {
     if (!canWait(hop, after)) return Stay::Always;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pathfinder/planning/second_planner.hpp"
 #include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -12,6 +13,7 @@ namespace tarn::evolution::pathfinder {
 /// the question unsettled when a source is not a consistent baseline of the repository's own
 /// making, or when no plan can be carried out: planning looks at two versions at a time, and three
 /// can be in conflict of which every two agree.
-SearchAnswer searchGoalDirected(const SearchQuestion& question);
+SearchAnswer searchGoalDirected(const SearchQuestion& question,
+                                const SecondPlanner* second = nullptr);
 
 }  // namespace tarn::evolution::pathfinder

@@ -39,6 +39,7 @@ class SpaceBuilding {
     for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    if (!ordered.empty()) markWhatCannotBeCombined(*ordered.front());
     addEntries();
     markCertainNames(ordered);
     addSources();
@@ -83,8 +84,9 @@ class SpaceBuilding {
     version.linked = surveyed.linked;
     version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
     version.hops = surveyed.hops;
-    version.losesHop = surveyed.losesHop;
     version.isEntry = surveyed.isEntry;
+    version.areHopsCollected =
+        surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
     if (surveyed.linked == nullptr) {
       space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
       ++linkCount_;
@@ -202,8 +204,11 @@ class SpaceBuilding {
           covering == nullptr ? space_->variantOf.end() : space_->variantOf.find(covering);
       if (known != space_->variantOf.end() && !space_->variants[known->second].closure.empty()) {
         addClosure(variant, space_->variants[known->second].closure);
+        space_->variants[variant].canBeCombined = space_->variants[known->second].canBeCombined;
       } else {
-        addClosure(variant, linksOf(*linked));
+        const std::vector<SearchSpace::Link> links = linksOf(*linked);
+        addClosure(variant, links);
+        space_->variants[variant].canBeCombined = areInSpace(links);
       }
     }
   }
@@ -222,9 +227,21 @@ class SpaceBuilding {
   std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
     std::vector<SearchSpace::Link> links;
     links.reserve(linked.linkedMetamodels.size());
-    for (const auto& [text, link] : linked.linkedMetamodels) links.push_back(linkTo(*link));
+    for (const auto& [text, link] : linked.linkedMetamodels) {
+      if (text != linked.name) {
+        links.push_back(linkTo(*link));
+      } else {
+        space_->anyLinksOwnName = true;
+      }
+    }
     std::sort(links.begin(), links.end(), isBefore);
     return links;
+  }
+
+  bool areInSpace(const std::vector<SearchSpace::Link>& links) const {
+    return std::all_of(links.begin(), links.end(), [this](const SearchSpace::Link& link) {
+      return space_->variants[link.variant].version != SearchSpace::none;
+    });
   }
 
   static bool isBefore(const SearchSpace::Link& left, const SearchSpace::Link& right) {
@@ -254,6 +271,7 @@ class SpaceBuilding {
       const std::size_t first = space_->entries.size();
       space_->entryStarts.push_back(first);
       for (const SearchSpace::Variant& variant : space_->variantsOf(version)) {
+        if (!variant.canBeCombined) continue;
         for (const SearchSpace::Link& link : variant.closure) {
           if (!isEntry(link)) continue;
           const VersionIndex entry = space_->variants[link.variant].version;
@@ -265,6 +283,29 @@ class SpaceBuilding {
       space_->entries.erase(std::unique(added, space_->entries.end()), space_->entries.end());
     }
     space_->entryStarts.push_back(space_->entries.size());
+  }
+
+  void markWhatCannotBeCombined(const SurveyedName& first) {
+    if (space_->anyLinksOwnName) markWhatLinksOwnName(first);
+    for (SearchSpace::Version& version : space_->versions) {
+      if (version.descriptor == nullptr) continue;
+      const auto variants = std::span(space_->variants).subspan(version.firstVariant);
+      version.canBeCombined =
+          std::any_of(variants.begin(), variants.begin() + version.variantCount,
+                      [](const SearchSpace::Variant& variant) { return variant.canBeCombined; });
+    }
+  }
+
+  /// What links another version of its own name stands only beside names before it.
+  void markWhatLinksOwnName(const SurveyedName& first) {
+    if (*met_.firstName < *first.text) return;
+    for (const SurveyedVersion* version : first.versions) {
+      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
+      VariantIndex variant = space_->versions[version->index].firstVariant;
+      for (const auto& linked : *version->linked) {
+        space_->variants[variant++].canBeCombined &= !linked->linkedMetamodels.contains(*first.text);
+      }
+    }
   }
 
   void markCertainNames(const std::vector<SurveyedName*>& met) {

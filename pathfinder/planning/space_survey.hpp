@@ -33,8 +33,7 @@ class SpaceSurvey {
   /// nothing and, where its hops are unknown, that these lead everywhere.
   enum class Failed {
     LeftOut,
-    UnknownAssumedBest,  ///< all but those that conflict, of which it is known that none holds them
-    AllAssumedBest,
+    AssumedBest,  ///< but for those that conflict, which no path can hold
   };
 
   enum class Scope {
@@ -54,6 +53,9 @@ class SpaceSurvey {
   /// Goes on, further each time; false when there is nothing left to survey.
   bool extend();
 
+  /// Whether there is nothing left to survey.
+  bool isOver() const;
+
   /// Whether the question has a search space. It has none when a source holds a null pointer, or a
   /// linked metamodel under another name than its own, when the application answers a name with a
   /// metamodel of another name, or when a metamodel links another version of itself.
@@ -69,8 +71,9 @@ class SpaceSurvey {
   /// order in which the survey met them. The versions are those of the space made last.
   void throwFailureOf(const std::vector<VersionIndex>& versions) const;
 
-  /// Whether some version offers a hop to a version that is not there.
-  bool anyLosesHop() const;
+  /// What a search meets that tries every step from every baseline, as far as it can hold what has
+  /// been surveyed; what is nearest to the sources comes first, each name taken alone.
+  std::vector<SurveyedFault> faults() const;
 
  private:
   SurveyedVersion* known(const SurveyedName& name, const Metamodel& descriptor) const;
@@ -86,6 +89,7 @@ class SpaceSurvey {
   void enterSource(std::size_t source, const std::u16string& key, const LinkedMetamodel& linked);
   bool isOwn(const SurveyedVersion& version, const LinkedMetamodel& linked) const;
   bool mayNeedToBringIn() const;
+  bool mayLinkAnew() const;
   void takeUp(const std::u16string& name, const LinkedMetamodel& linked);
   void takeAllUp();
 
@@ -97,12 +101,12 @@ class SpaceSurvey {
   void askForHops(SurveyedVersion& version);
   void noteUnknownHops(SurveyedVersion& version);
   void keepHop(SurveyedVersion& version, Hop& hop);
-  void followHops(SurveyedVersion& version);
+  void followHops(const SurveyedVersion& version);
   bool goesAgainstDirection(const SurveyedVersion& version, const Metamodel& target) const;
   SurveyedVersion* lookUp(SurveyedName& name, const VersionId& number);
   SurveyedVersion* ask(SurveyedName& name, const VersionId& number);
   void noteAnswer(SurveyedName& name, const VersionId& number, SurveyedVersion* version);
-  bool leadsAwayFromTargets(SurveyedVersion& version);
+  bool leadsToTargets(SurveyedVersion& version);
   void markWhatLeadsToTargets();
   void spreadBackwards(SurveyedName& name) const;
   void linkWhatIsOfUse();
@@ -111,7 +115,7 @@ class SpaceSurvey {
   bool enterLink(const LinkedMetamodel& linked);
   static bool isAssumedBest(const SurveyFailure& failure, Failed failed);
   template <class Action>
-  bool attempt(SurveyedVersion& version, const Action& action);
+  bool attempt(SurveyedVersion& version, SurveyAttempt what, const Action& action);
 
   void goAsFarAsTargetsNeed();
   std::optional<std::uint64_t> distanceFor(const SurveyedName& name, std::size_t target) const;
@@ -120,7 +124,7 @@ class SpaceSurvey {
   const LinkedMetamodel* heldBy(std::size_t target, const std::u16string& name) const;
   std::uint64_t frontier(const SurveyedName& name) const;
   bool goTo(SurveyedName& name, std::uint64_t radius);
-  bool isOver() const;
+
   bool goAllTo(std::uint64_t radius);
   std::uint64_t leastTotal() const;
   std::uint64_t radiusFor(const SurveyedName& name, std::uint64_t slack) const;

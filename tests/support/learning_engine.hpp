@@ -22,7 +22,7 @@ inline std::optional<SearchAnswer> answerByLearning(const SearchQuestion& questi
   const auto space = survey.makeSpace();
   const Compatibility compatibility(*space);
   const AllVersionBounds bounds = computeVersionBounds(*space, compatibility);
-  return searchByLearning(question, {*space, compatibility, bounds});
+  return learningPlanner()->search(question, {*space, compatibility, bounds});
 }
 
 }  // namespace test
