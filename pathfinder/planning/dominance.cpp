@@ -13,6 +13,8 @@
 //   touch a name that no linked metamodel has to do with that also has to do with a name that can
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
 //   one of them hops in that very step. For other names nothing is put off;
+// - what stands beside what is looked at for two versions at a time. Where an application links at
+//   will, that does not tell what three say together, and nothing is put off;
 // - the first step from a source that is not regular links everything anew, which may be what it is
 //   for. If a single hop that could wait is all that it has, it must not go: such first steps are
 //   planned one by one (see `IdleStep`).
@@ -56,6 +58,7 @@ Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibilit
 }
 
 void Dominance::findNamesThatCannotWait() {
+  if (space_.anyLinksAtWill) findNamesLinkedAtWill();
   const bool anyMayBeAbsent =
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const SearchSpace::Name& name) { return name.absent != SearchSpace::none; });
@@ -66,13 +69,26 @@ void Dominance::findNamesThatCannotWait() {
     return;
   }
   for (NameIndex name = 0; name < cannotWait_.size(); ++name) {
-    cannotWait_[name] = mayBeAbsent(space_, name);
+    if (mayBeAbsent(space_, name)) cannotWait_[name] = true;
   }
   for (const SearchSpace::Variant& variant : space_.variants) {
     const bool mayBringIn = std::any_of(
         variant.closure.begin(), variant.closure.end(),
         [this](const SearchSpace::Link& link) { return mayBeAbsent(space_, link.name); });
     if (!mayBringIn) continue;
+    for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
+  }
+}
+
+/// Names to which it may matter what three versions say together.
+void Dominance::findNamesLinkedAtWill() {
+  for (const SearchSpace::Variant& variant : space_.variants) {
+    const bool isAtWill = std::any_of(
+        variant.closure.begin(), variant.closure.end(), [this](const SearchSpace::Link& link) {
+          const VersionIndex version = space_.variants[link.variant].version;
+          return version != SearchSpace::none && space_.versions[version].linksAtWill;
+        });
+    if (!isAtWill) continue;
     for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
   }
 }

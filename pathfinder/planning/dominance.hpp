@@ -39,6 +39,7 @@ class Dominance {
 
  private:
   void findNamesThatCannotWait();
+  void findNamesLinkedAtWill();
   bool findEntersOnlyByHops() const;
   bool mayEnterBySwitching(VersionIndex version) const;
   bool agreeInVersions(const SearchSpace::Variant& left, const SearchSpace::Variant& right) const;
