@@ -106,9 +106,11 @@ bool Dominance::findEntersOnlyByHops() const {
 /// both link differ in which names they may bring in.
 bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   constexpr std::size_t mostCompared = 64;  // more that differ are taken to do so
-  const auto variants = space_.variantsOf(version);
+  std::vector<const SearchSpace::Variant*> variants;
   std::vector<std::vector<NameIndex>> broughtIn;
-  for (const SearchSpace::Variant& variant : variants) {
+  for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+    if (!variant.canBeCombined) continue;
+    variants.push_back(&variant);
     std::vector<NameIndex>& names = broughtIn.emplace_back();
     for (const SearchSpace::Link& link : variant.closure) {
       if (mayBeAbsent(space_, link.name)) names.push_back(link.name);
@@ -121,7 +123,7 @@ bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   if (variants.size() > mostCompared) return true;
   for (std::size_t i = 1; i < variants.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (broughtIn[i] != broughtIn[j] && agreeInVersions(variants[i], variants[j])) return true;
+      if (broughtIn[i] != broughtIn[j] && agreeInVersions(*variants[i], *variants[j])) return true;
     }
   }
   return false;
@@ -186,6 +188,7 @@ Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) con
 /// Whether the version that the hop leaves can stand beside all that the version which it leads to
 /// can, as far as it still matters before `after`.
 bool Dominance::canWait(const IncomingHop& hop, SelectionView after) const {
+  if (!space_.versions[hop.before].canBeCombined) return false;
   const auto& neighbours = compatibility_.neighbours(space_.versions[hop.target].name);
   for (std::size_t i = 0; i < neighbours.size(); ++i) {
     const ConstBitRow besideTarget = compatibility_.row(hop.target, i);
