@@ -53,8 +53,8 @@ Plans planIn(const SearchSpace& space) {
   Plans plans;
   offer(plans, planBackward(ground, space.targets));
   for (const IdleStep& step : idleStepsOf(ground)) {
-    const std::uint64_t most = plans.empty() ? std::numeric_limits<std::uint64_t>::max()
-                                             : plans.front().cost().total;
+    const std::uint64_t most =
+        plans.empty() ? std::numeric_limits<std::uint64_t>::max() : plans.front().cost().total;
     offer(plans, planBackward(ground, space.targets, step, most));
   }
   return plans;

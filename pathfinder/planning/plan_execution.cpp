@@ -182,8 +182,9 @@ class PlanExecution {
   void collectHopsOfIrrelevantNames(std::size_t source) {
     if (std::exchange(areIrrelevantCollected_, true)) return;
     const VersionSelection& selection = space_.sources[source].selection;
-    const auto relevant = std::count_if(selection.begin(), selection.end(),
-                                        [this](VersionIndex held) { return !space_.isAbsent(held); });
+    const auto relevant =
+        std::count_if(selection.begin(), selection.end(),
+                      [this](VersionIndex held) { return !space_.isAbsent(held); });
     const auto& metamodels = question_.sources[source].metamodels;
     if (static_cast<std::size_t>(relevant) == metamodels.size()) return;
     for (const auto& [name, linked] : metamodels) {
@@ -192,9 +193,11 @@ class PlanExecution {
   }
 
   bool isInSpace(const std::u16string& name) const {
-    const auto found = std::lower_bound(
-        space_.names.begin(), space_.names.end(), name,
-        [](const SearchSpace::Name& one, const std::u16string& wanted) { return one.text < wanted; });
+    const auto found =
+        std::lower_bound(space_.names.begin(), space_.names.end(), name,
+                         [](const SearchSpace::Name& one, const std::u16string& wanted) {
+                           return one.text < wanted;
+                         });
     return found != space_.names.end() && found->text == name;
   }
 

@@ -354,9 +354,9 @@ class PlanSearch {
     return entering_.empty();
   }
 
-  /// Whether each version has a linked metamodel all links of which are to what the selection holds.
-  /// That any two versions can stand together need not mean that for linked metamodels which link
-  /// several names.
+  /// Whether each version has a linked metamodel all links of which are to what the selection
+  /// holds. That any two versions can stand together need not mean that for linked metamodels which
+  /// link several names.
   bool isClosed(SelectionView selection) const {
     const SearchSpace& space = ground_.space;
     return std::all_of(entangled_.begin(), entangled_.end(), [&](NameIndex name) {

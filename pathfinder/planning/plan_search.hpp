@@ -10,8 +10,8 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// A first step from a source that is not regular, of one hop that could as well wait: what the step
-/// is for is to link everything anew.
+/// A first step from a source that is not regular, of one hop that could as well wait: what the
+/// step is for is to link everything anew.
 struct IdleStep {
   std::size_t source;
   NameIndex name;

@@ -74,8 +74,9 @@ struct SearchSpace {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
-    /// False when no step leads to a baseline that holds it: when it links what is not in the space,
-    /// or another version of its own name and there is no name before, beside which that stands.
+    /// False when no step leads to a baseline that holds it: when it links what is not in the
+    /// space, or another version of its own name and there is no name before, beside which that
+    /// stands.
     bool canBeCombined = true;
   };
 

@@ -81,8 +81,7 @@ class SpaceBuilding {
     version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
     version.hops = surveyed.hops;
     version.isEntry = surveyed.isEntry;
-    version.areHopsCollected =
-        surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
+    version.areHopsCollected = surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
     if (surveyed.linked == nullptr) {
       space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
       ++linkCount_;
@@ -320,7 +319,8 @@ class SpaceBuilding {
       if (version->index == SearchSpace::none || version->linked == nullptr) continue;
       VariantIndex variant = space_->versions[version->index].firstVariant;
       for (const auto& linked : *version->linked) {
-        space_->variants[variant++].canBeCombined &= !linked->linkedMetamodels.contains(*first.text);
+        space_->variants[variant++].canBeCombined &=
+            !linked->linkedMetamodels.contains(*first.text);
       }
     }
   }

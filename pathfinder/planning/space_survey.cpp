@@ -48,6 +48,14 @@ bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked
                      [&](const auto& link) { return holds(*link.second); });
 }
 
+/// Whether one linked metamodel links another that links another version of the first one's name.
+/// That version stands back.
+bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel& linked) {
+  const auto& links = linking.linkedMetamodels;
+  const auto link = links.find(linked.name);
+  return link != links.end() && link->second.get() == &linked && links.contains(linking.name);
+}
+
 }  // namespace
 
 SpaceSurvey::SpaceSurvey(const SearchQuestion& question, Scope scope)
@@ -123,7 +131,7 @@ void SpaceSurvey::closeTarget(std::size_t target, const LinkedMetamodel& linked)
   for (const auto& [key, link] : linked.linkedMetamodels) {
     if (key == linked.name) continue;
     const LinkedMetamodel* held = heldBy(target, key);
-    if (held == link.get()) continue;
+    if (held == link.get() || (held != nullptr && bringsInAgainstItself(*held, linked))) continue;
     const bool isMentioned = held != nullptr || question_.targets[target].metamodels.contains(key);
     surveyed.isPossible &= !isMentioned;
     if (isMentioned) continue;
@@ -657,7 +665,8 @@ std::vector<SurveyedFault> SpaceSurvey::faults() const {
       if (failure != unlinkable.end()) result.push_back({&version, failure->second});
     }
   }
-  std::erase_if(result, [](const SurveyedFault& fault) { return fault.holding->linked == nullptr; });
+  std::erase_if(result,
+                [](const SurveyedFault& fault) { return fault.holding->linked == nullptr; });
   std::stable_sort(result.begin(), result.end(), [](const auto& left, const auto& right) {
     return left.holding->distance < right.holding->distance;
   });
