@@ -141,11 +141,11 @@ class GoalDirectedSearch {
            1;
   }
 
-  SearchAnswer answerWithoutPlan() const {
+  SearchAnswer answerWithoutPlan() {
     const auto reach = [](const SearchQuestion& question) {
       return GoalDirectedSearch(question).reach();
     };
-    if (!throwWhatIsWithinReach(question_, reach)) return {Verdict::Unsettled};
+    if (!throwWhatIsWithinReach(question_, survey_, reach)) return {Verdict::Unsettled};
     traceValue("Exhausted search");
     return {};
   }

@@ -58,11 +58,11 @@ bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel
 
 }  // namespace
 
-SpaceSurvey::SpaceSurvey(const SearchQuestion& question, Scope scope)
+SpaceSurvey::SpaceSurvey(const SearchQuestion& question)
     : question_(question),
       state_(question.sources.size(), question.targets.size()),
       irrelevant_(question, &state_.memory) {
-  if (scope == Scope::Relevant) irrelevant_.find();
+  irrelevant_.find();
 }
 
 void SpaceSurvey::begin() {
@@ -619,6 +619,14 @@ bool SpaceSurvey::extend() {
     if (goAllTo(radii[extensions_])) return true;
   }
   return false;
+}
+
+void SpaceSurvey::surveyEverything() {
+  state_.isEverythingOfUse = true;
+  takeAllUp();
+  do {
+    linkWhatIsOfUse();
+  } while (goAllTo(unreached - 1) && !isUnfit_);
 }
 
 std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {

@@ -36,12 +36,7 @@ class SpaceSurvey {
     AssumedBest,  ///< but for those that conflict, which no path can hold
   };
 
-  enum class Scope {
-    Relevant,
-    Everything,  ///< irrelevant names as well
-  };
-
-  explicit SpaceSurvey(const SearchQuestion& question, Scope scope = Scope::Relevant);
+  explicit SpaceSurvey(const SearchQuestion& question);
 
   /// Surveys what has to be. Throws what the application throws of a source.
   void begin();
@@ -52,6 +47,9 @@ class SpaceSurvey {
 
   /// Goes on, further each time; false when there is nothing left to survey.
   bool extend();
+
+  /// Goes wherever hops and links lead, irrelevant names and what no path holds included.
+  void surveyEverything();
 
   /// Whether the question has a search space. It has none when a source holds a null pointer, or a
   /// linked metamodel under another name than its own, when the application answers a name with a
