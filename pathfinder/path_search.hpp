@@ -13,9 +13,10 @@
 namespace tarn::evolution::pathfinder {
 
 /// How many combinations of hops the exhaustive search may try before the goal-directed search
-/// takes over. Questions that take no more are settled as cheaply as they can be; beyond, the
-/// number of combinations grows exponentially with the number of metamodels.
-inline constexpr std::uint64_t combinationBudget = 2000;
+/// takes over: about as many as that one takes to begin, half a millisecond. Questions that take no
+/// more are settled as cheaply as they can be; beyond, the number of combinations grows
+/// exponentially with the number of metamodels.
+inline constexpr std::uint64_t combinationBudget = 250;
 
 /// A list of baselines of a question, which may be used up if nobody else needs it.
 class QuestionBaselines {

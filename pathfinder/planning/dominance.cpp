@@ -13,6 +13,8 @@
 //   touch a name that no linked metamodel has to do with that also has to do with a name that can
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
 //   one of them hops in that very step. For other names nothing is put off;
+// - what stands beside what is looked at for two versions at a time. Where an application links at
+//   will, that does not tell what three say together, and nothing is put off;
 // - the first step from a source that is not regular links everything anew, which may be what it is
 //   for. If a single hop that could wait is all that it has, it must not go: such first steps are
 //   planned one by one (see `IdleStep`).
@@ -56,6 +58,7 @@ Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibilit
 }
 
 void Dominance::findNamesThatCannotWait() {
+  if (space_.anyLinksAtWill) findNamesLinkedAtWill();
   const bool anyMayBeAbsent =
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const SearchSpace::Name& name) { return name.absent != SearchSpace::none; });
@@ -66,13 +69,26 @@ void Dominance::findNamesThatCannotWait() {
     return;
   }
   for (NameIndex name = 0; name < cannotWait_.size(); ++name) {
-    cannotWait_[name] = mayBeAbsent(space_, name);
+    if (mayBeAbsent(space_, name)) cannotWait_[name] = true;
   }
   for (const SearchSpace::Variant& variant : space_.variants) {
     const bool mayBringIn = std::any_of(
         variant.closure.begin(), variant.closure.end(),
         [this](const SearchSpace::Link& link) { return mayBeAbsent(space_, link.name); });
     if (!mayBringIn) continue;
+    for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
+  }
+}
+
+/// Names to which it may matter what three versions say together.
+void Dominance::findNamesLinkedAtWill() {
+  for (const SearchSpace::Variant& variant : space_.variants) {
+    const bool isAtWill = std::any_of(
+        variant.closure.begin(), variant.closure.end(), [this](const SearchSpace::Link& link) {
+          const VersionIndex version = space_.variants[link.variant].version;
+          return version != SearchSpace::none && space_.versions[version].linksAtWill;
+        });
+    if (!isAtWill) continue;
     for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
   }
 }
@@ -90,9 +106,11 @@ bool Dominance::findEntersOnlyByHops() const {
 /// both link differ in which names they may bring in.
 bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   constexpr std::size_t mostCompared = 64;  // more that differ are taken to do so
-  const auto variants = space_.variantsOf(version);
+  std::vector<const SearchSpace::Variant*> variants;
   std::vector<std::vector<NameIndex>> broughtIn;
-  for (const SearchSpace::Variant& variant : variants) {
+  for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+    if (!variant.canBeCombined) continue;
+    variants.push_back(&variant);
     std::vector<NameIndex>& names = broughtIn.emplace_back();
     for (const SearchSpace::Link& link : variant.closure) {
       if (mayBeAbsent(space_, link.name)) names.push_back(link.name);
@@ -105,7 +123,7 @@ bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   if (variants.size() > mostCompared) return true;
   for (std::size_t i = 1; i < variants.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (broughtIn[i] != broughtIn[j] && agreeInVersions(variants[i], variants[j])) return true;
+      if (broughtIn[i] != broughtIn[j] && agreeInVersions(*variants[i], *variants[j])) return true;
     }
   }
   return false;
@@ -170,6 +188,7 @@ Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) con
 /// Whether the version that the hop leaves can stand beside all that the version which it leads to
 /// can, as far as it still matters before `after`.
 bool Dominance::canWait(const IncomingHop& hop, SelectionView after) const {
+  if (!space_.versions[hop.before].canBeCombined) return false;
   const auto& neighbours = compatibility_.neighbours(space_.versions[hop.target].name);
   for (std::size_t i = 0; i < neighbours.size(); ++i) {
     const ConstBitRow besideTarget = compatibility_.row(hop.target, i);

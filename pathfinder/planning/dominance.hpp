@@ -27,8 +27,8 @@ class Dominance {
   Dominance(const SearchSpace& space, const Compatibility& compatibility,
             const IncomingHops& incoming, VersionIndex start = SearchSpace::none);
 
-  /// Whether best plans that need not end with the name at a certain version end with it at `version`:
-  /// a name that has nothing to do with any other stays where it begins.
+  /// Whether best plans that need not end with the name at a certain version end with it at
+  /// `version`: a name that has nothing to do with any other stays where it begins.
   bool mayEndAt(VersionIndex version) const {
     return isStart_[version] || !entersOnlyByHops_ ||
            !compatibility_.neighbours(space_.versions[version].name).empty();
@@ -39,6 +39,7 @@ class Dominance {
 
  private:
   void findNamesThatCannotWait();
+  void findNamesLinkedAtWill();
   bool findEntersOnlyByHops() const;
   bool mayEnterBySwitching(VersionIndex version) const;
   bool agreeInVersions(const SearchSpace::Variant& left, const SearchSpace::Variant& right) const;

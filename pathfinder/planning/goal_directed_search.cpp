@@ -128,8 +128,9 @@ class GoalDirectedSearch {
     const PlanningGround view = ground.view();
     const bool isComplete = survey_.isOver();
     try {
-      return planAllBackward(view, second_ == nullptr ? PlanningBudget{.isSpaceComplete = isComplete}
-                                                   : budgetFor(*ground.space, isComplete));
+      return planAllBackward(view, second_ == nullptr
+                                       ? PlanningBudget{.isSpaceComplete = isComplete}
+                                       : budgetFor(*ground.space, isComplete));
     } catch (const PlanningBudget::Spent&) {
       SecondPlanner::Answer answer = second_->plan(view);
       if (!answer.isPlanned) return planAllBackward(view, {.isSpaceComplete = isComplete});
@@ -187,11 +188,11 @@ class GoalDirectedSearch {
            1;
   }
 
-  SearchAnswer answerWithoutPlan() const {
+  SearchAnswer answerWithoutPlan() {
     const auto reach = [this](const SearchQuestion& question) {
       return GoalDirectedSearch(question, second_).reach();
     };
-    if (!throwWhatIsWithinReach(question_, reach)) return {Verdict::Unsettled};
+    if (!throwWhatIsWithinReach(question_, survey_, reach)) return {Verdict::Unsettled};
     traceValue("Exhausted search");
     return {};
   }

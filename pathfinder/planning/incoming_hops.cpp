@@ -12,7 +12,7 @@ namespace tarn::evolution::pathfinder {
 IncomingHops::IncomingHops(const SearchSpace& space, const AllVersionBounds& bounds) {
   hops_.reserve(space.moves.size());
   for (VersionIndex before = 0; before < space.versions.size(); ++before) {
-    if (!bounds[before].isReachable || !space.versions[before].canBeCombined) continue;
+    if (!bounds[before].isReachable) continue;
     for (const SearchSpace::Move& move : space.versions[before].moves) {
       hops_.push_back({move.target, before, hopWeight(move.expensive)});
     }

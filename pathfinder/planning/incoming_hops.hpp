@@ -20,8 +20,8 @@ struct IncomingHop {
   auto operator<=>(const IncomingHop&) const = default;
 };
 
-/// The hops of a space by the version that they lead to, from versions that can be held after a
-/// step, or by a source that is regular. Equal hops are one: which of them is taken is decided when a plan is carried out.
+/// The hops of a space by the version that they lead to, from versions that can be held. Equal hops
+/// are one: which of them is taken is decided when a plan is carried out.
 class IncomingHops {
  public:
   IncomingHops(const SearchSpace& space, const AllVersionBounds& bounds);

@@ -202,9 +202,9 @@ class PlanExecution {
     return found != space_.names.end() && found->text == name;
   }
 
-  void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) const {
-    HopChoices choices;
-    collectHops(question_.host, question_.direction, name, linked, choices);
+  void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) {
+    choices_.byName.clear();
+    collectHops(question_.host, question_.direction, name, linked, choices_);
   }
 
   /// The combinations that planned steps stand for, the last one first.
@@ -351,6 +351,7 @@ class PlanExecution {
   std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
   std::unordered_set<VersionIndex> hopsCollected_;                // of versions on the way
   bool areIrrelevantCollected_ = false;
+  HopChoices choices_;  // kept for its memory
 };
 
 }  // namespace

@@ -145,6 +145,7 @@ class PlanSearch {
   /// Adds what a name that holds a version after the step can do in it.
   void addOptions(StepProblem& problem, VersionIndex version, SelectionView after, bool mayRest) {
     for (const IncomingHop& hop : incoming_.into(version)) {
+      if (!ground_.space.versions[hop.before].canBeCombined) continue;  // only a first step
       problem.addOption({hop.before, hop.weight});
     }
     const Dominance::Stay stay = dominance_.stayAt(version, after);

@@ -52,6 +52,10 @@ struct SearchSpace {
 
     bool canBeCombined = true;  ///< whether one of its linked metamodels can be
 
+    /// Whether it has several linked metamodels, of which one links what no dependency asks for.
+    /// Then any two of the versions that they link may go together, but not all of them.
+    bool linksAtWill = false;
+
     /// Whether its hops have been collected without anything that failed.
     bool areHopsCollected = false;
 
@@ -70,8 +74,9 @@ struct SearchSpace {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
-    /// False when no step leads to a baseline that holds it: when it links what is not in the space,
-    /// or another version of its own name and there is no name before, beside which that stands.
+    /// False when no step leads to a baseline that holds it: when it links what is not in the
+    /// space, or another version of its own name and there is no name before, beside which that
+    /// stands.
     bool canBeCombined = true;
   };
 
@@ -138,6 +143,8 @@ struct SearchSpace {
   /// Whether one of them links another version of its own name. Such a link is not in the closure:
   /// the version that it leads to stands back.
   bool anyLinksOwnName = false;
+
+  bool anyLinksAtWill = false;  ///< whether a version does
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory{32768};

@@ -85,16 +85,36 @@ class SpaceBuilding {
     version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
     version.hops = surveyed.hops;
     version.isEntry = surveyed.isEntry;
-    version.areHopsCollected =
-        surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
+    version.areHopsCollected = surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
     if (surveyed.linked == nullptr) {
       space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
       ++linkCount_;
     } else {
       for (const auto& linked : *surveyed.linked) addVariant(name, *linked, surveyed.index);
+      version.linksAtWill =
+          surveyed.linked->size() > 1 &&
+          std::any_of(surveyed.linked->begin(), surveyed.linked->end(),
+                      [](const auto& linked) { return linksMoreThanNeeded(*linked); });
+      space_->anyLinksAtWill |= version.linksAtWill;
     }
     version.variantCount =
         static_cast<VariantIndex>(space_->variants.size()) - version.firstVariant;
+  }
+
+  /// Whether the application has linked what no dependency asks for.
+  static bool linksMoreThanNeeded(const LinkedMetamodel& linked) {
+    if (linked.linkedMetamodels.empty() || coveringLink(linked) != nullptr) return false;
+    const auto isNeeded = [&](const std::u16string& name) {
+      return std::any_of(linked.dependencies.begin(), linked.dependencies.end(),
+                         [&](const Dependency& dependency) {
+                           if (dependency.name == name) return true;
+                           const auto link = linked.linkedMetamodels.find(dependency.name);
+                           return link != linked.linkedMetamodels.end() &&
+                                  link->second->linkedMetamodels.contains(name);
+                         });
+    };
+    return !std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
+                        [&](const auto& link) { return isNeeded(link.first); });
   }
 
   VariantIndex addVariant(const SurveyedName& name, const LinkedMetamodel& linked,
@@ -303,7 +323,8 @@ class SpaceBuilding {
       if (version->index == SearchSpace::none || version->linked == nullptr) continue;
       VariantIndex variant = space_->versions[version->index].firstVariant;
       for (const auto& linked : *version->linked) {
-        space_->variants[variant++].canBeCombined &= !linked->linkedMetamodels.contains(*first.text);
+        space_->variants[variant++].canBeCombined &=
+            !linked->linkedMetamodels.contains(*first.text);
       }
     }
   }

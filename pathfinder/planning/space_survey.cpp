@@ -50,13 +50,21 @@ bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked
                      [&](const auto& link) { return holds(*link.second); });
 }
 
+/// Whether one linked metamodel links another that links another version of the first one's name.
+/// That version stands back.
+bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel& linked) {
+  const auto& links = linking.linkedMetamodels;
+  const auto link = links.find(linked.name);
+  return link != links.end() && link->second.get() == &linked && links.contains(linking.name);
+}
+
 }  // namespace
 
-SpaceSurvey::SpaceSurvey(const SearchQuestion& question, Scope scope)
+SpaceSurvey::SpaceSurvey(const SearchQuestion& question)
     : question_(question),
       state_(question.sources.size(), question.targets.size()),
       irrelevant_(question, &state_.memory) {
-  if (scope == Scope::Relevant) irrelevant_.find();
+  irrelevant_.find();
 }
 
 void SpaceSurvey::begin() {
@@ -125,7 +133,7 @@ void SpaceSurvey::closeTarget(std::size_t target, const LinkedMetamodel& linked)
   for (const auto& [key, link] : linked.linkedMetamodels) {
     if (key == linked.name) continue;
     const LinkedMetamodel* held = heldBy(target, key);
-    if (held == link.get()) continue;
+    if (held == link.get() || (held != nullptr && bringsInAgainstItself(*held, linked))) continue;
     const bool isMentioned = held != nullptr || question_.targets[target].metamodels.contains(key);
     surveyed.isPossible &= !isMentioned;
     if (isMentioned) continue;
@@ -619,6 +627,14 @@ bool SpaceSurvey::extend() {
     if (goAllTo(radii[extensions_])) return true;
   }
   return false;
+}
+
+void SpaceSurvey::surveyEverything() {
+  state_.isEverythingOfUse = true;
+  takeAllUp();
+  do {
+    linkWhatIsOfUse();
+  } while (goAllTo(unreached - 1) && !isUnfit_);
 }
 
 std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {

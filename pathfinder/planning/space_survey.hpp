@@ -23,7 +23,7 @@ namespace tarn::evolution::pathfinder {
 /// Of a name that every target mentions, only versions from which hops lead to a target's are
 /// linked: no path holds the others. Of any other name the survey goes only as far as the targets
 /// need it to, and can be extended. Irrelevant names are not even asked for (see
-/// `IrrelevantNames`).
+/// `IrrelevantNames`), unless everything is to be surveyed.
 ///
 /// A version that cannot be linked, or with which the application fails, is left out and noted: the
 /// answer need not depend on it.
@@ -36,12 +36,7 @@ class SpaceSurvey {
     AssumedBest,  ///< but for those that conflict, which no path can hold
   };
 
-  enum class Scope {
-    Relevant,
-    Everything,  ///< irrelevant names as well
-  };
-
-  explicit SpaceSurvey(const SearchQuestion& question, Scope scope = Scope::Relevant);
+  explicit SpaceSurvey(const SearchQuestion& question);
 
   /// Surveys what has to be. Throws what the application throws of a source.
   void begin();
@@ -56,9 +51,12 @@ class SpaceSurvey {
   /// Whether there is nothing left to survey.
   bool isOver() const;
 
+  /// Goes wherever hops and links lead, irrelevant names and what no path holds included.
+  void surveyEverything();
+
   /// Whether the question has a search space. It has none when a source holds a null pointer, or a
-  /// linked metamodel under another name than its own, when the application answers a name with a
-  /// metamodel of another name, or when a metamodel links another version of itself.
+  /// linked metamodel under another name than its own, or when the application answers a name with
+  /// a metamodel of another name.
   bool isFit() const { return !isUnfit_; }
 
   /// The space of what has been surveyed. Refers to the survey; valid until the next one is made.

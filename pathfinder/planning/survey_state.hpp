@@ -207,7 +207,7 @@ struct SurveyState {
 
   /// Whether a path may hold the version, as far as its own hops tell.
   bool isOfUse(const SurveyedVersion& version) const {
-    return version.leadsToTarget || !isMentionedByEveryTarget(*version.name);
+    return isEverythingOfUse || version.leadsToTarget || !isMentionedByEveryTarget(*version.name);
   }
 
   std::span<const SurveyedHop> targetsOf(const SurveyedVersion& version) const {
@@ -222,6 +222,7 @@ struct SurveyState {
   std::vector<SurveyedHop> hopTargets;  // those of one version stand together
   std::vector<SurveyFailure> failures;
 
+  bool isEverythingOfUse = false;
   const std::u16string* firstName = nullptr;  ///< the least that a source holds
   std::vector<SurveyedSource> sources;
   std::vector<SurveyedTarget> targets;

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "pathfinder/planning/compatibility.hpp"
-#include "pathfinder/planning/space_survey.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
 #include "pathfinder/search/hop_collection.hpp"
 
@@ -18,12 +17,11 @@ using Verdict = SearchAnswer::Verdict;
 
 class ReachSearch {
  public:
-  ReachSearch(const SearchQuestion& question, const ReachTest& test)
-      : question_(question), test_(test), survey_(open_, SpaceSurvey::Scope::Everything) {}
+  ReachSearch(const SearchQuestion& question, SpaceSurvey& survey, const ReachTest& test)
+      : question_(question), survey_(survey), test_(test) {}
 
   bool throwFirst() {
-    survey_.begin();
-    while (survey_.isFit() && survey_.extend()) continue;
+    survey_.surveyEverything();
     if (!survey_.isFit()) return false;
     bool areAllKnown = true;
     for (const SurveyedFault& fault : faultsWithinBounds()) {
@@ -81,18 +79,16 @@ class ReachSearch {
   }
 
   const SearchQuestion& question_;
+  SpaceSurvey& survey_;
   const ReachTest& test_;
-  const std::vector<VersionBaseline> anything_{1};
-  const SearchQuestion open_{question_.host, question_.sources, anything_, question_.direction,
-                             question_.known};
-  SpaceSurvey survey_;
   std::unordered_map<const SurveyedVersion*, Verdict> reached_;
 };
 
 }  // namespace
 
-bool throwWhatIsWithinReach(const SearchQuestion& question, const ReachTest& test) {
-  return ReachSearch(question, test).throwFirst();
+bool throwWhatIsWithinReach(const SearchQuestion& question, SpaceSurvey& survey,
+                            const ReachTest& test) {
+  return ReachSearch(question, survey, test).throwFirst();
 }
 
 }  // namespace tarn::evolution::pathfinder

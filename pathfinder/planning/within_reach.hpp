@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "pathfinder/planning/space_survey.hpp"
 #include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -14,8 +15,9 @@ using ReachTest = std::function<SearchAnswer::Verdict(const SearchQuestion&)>;
 /// at, a version that cannot be linked, a hop to a version that is not there; of several things one
 /// that is nearest to the sources. False when the test cannot tell of one of them.
 ///
-/// Asks the application for everything that hops and links lead to; the time follows that, and
-/// takes one more search for each thing that fails beyond what the versions by themselves reach.
-bool throwWhatIsWithinReach(const SearchQuestion& question, const ReachTest& test);
+/// Asks the application, by the question's survey, for everything that hops and links lead to. The
+/// time follows that; each version beyond the sources that something fails in takes a search more.
+bool throwWhatIsWithinReach(const SearchQuestion& question, SpaceSurvey& survey,
+                            const ReachTest& test);
 
 }  // namespace tarn::evolution::pathfinder

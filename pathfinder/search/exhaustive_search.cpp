@@ -121,6 +121,30 @@ SearchAnswer pathTo(const Reached& end, const VersionBaseline& target) {
   return {SearchAnswer::Verdict::Found, std::move(path), source, &target};
 }
 
+/// The most linked metamodels that a version of the baseline has.
+std::size_t mostVariants(SearchHost& host, const VersionBaseline& baseline) {
+  std::size_t most = 1;
+  for (const auto& [name, linked] : baseline.metamodels) {
+    if (linked && !linked->linkedMetamodels.empty()) {
+      most = std::max(most, host.getLinkedMetamodels(*linked).size());
+    }
+  }
+  return most;
+}
+
+/// Takes what it costs to try so many combinations from the budget; false when it is not enough.
+bool spend(std::uint64_t& budget, std::uint64_t combinations, const SearchQuestion& question,
+           const VersionBaseline& baseline) {
+  constexpr std::size_t variantsOfOneCombination = 32;  // that are combined in the same time
+  if (budget == unlimitedBudget) return true;
+  if (combinations > budget) return false;
+  const std::uint64_t cost =
+      combinations * (1 + mostVariants(question.host, baseline) / variantsOfOneCombination);
+  if (cost > budget) return false;
+  budget -= cost;
+  return true;
+}
+
 }  // namespace
 
 SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t budget) {
@@ -136,8 +160,9 @@ SearchAnswer searchExhaustively(const SearchQuestion& question, std::uint64_t bu
       return pathTo(*current, *target);
     }
     StepGeneration generation(question.host, *current->baseline, question.direction, budget);
-    if (generation.combinationCount() > budget) return {SearchAnswer::Verdict::Unsettled};
-    if (budget != unlimitedBudget) budget -= generation.combinationCount();
+    if (!spend(budget, generation.combinationCount(), question, *current->baseline)) {
+      return {SearchAnswer::Verdict::Unsettled};
+    }
     for (BaselineHop& step : generation.run()) {
       frontier.addAfter(*current, weightOf(step.hops), std::move(step));
     }

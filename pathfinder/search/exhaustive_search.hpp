@@ -12,7 +12,8 @@ namespace tarn::evolution::pathfinder {
 /// equal weight it takes the one that was reached first.
 ///
 /// Leaves the question unsettled when the steps out of the next baseline would take the number of
-/// combinations tried past `budget`. Without a limit, settles every question that it can finish.
+/// combinations tried past `budget`, where one in which many linked metamodels are combined counts
+/// as several. Without a limit, settles every question that it can finish.
 SearchAnswer searchExhaustively(const SearchQuestion& question,
                                 std::uint64_t budget = unlimitedBudget);
 
