@@ -122,7 +122,7 @@ class GoalDirectedSearch {
     if (left.source != right.source) return left.source < right.source;
     const auto source = static_cast<std::size_t>(left.source - question_.sources.data());
     const VersionSelection& selection = space_->sources[source].selection;
-    for (NameIndex name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
+    for (auto name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
       const std::size_t place = placeOfHop(name, selection[name], left.steps.front());
       const std::size_t other = placeOfHop(name, selection[name], right.steps.front());
       if (place != other) return place < other;
