@@ -9,26 +9,21 @@
 #include <set>
 #include <utility>
 
-#include "messages/report_exception.hpp"
 #include "pathfinder/limits/search_watch.hpp"
-#include "pathfinder/linking/selection_combination.hpp"
-#include "pathfinder/values/name_order.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-namespace {
-
-/// A question of another kind.
-struct NotClosed {};
-
 class DependencySurvey {
  public:
-  DependencySurvey(SelectionHost& host, const VersionsByName& from, const VersionsByName& to)
-      : host_(host), from_(from), to_(to) {}
+  DependencySurvey(SelectionHost& host, DependencySpace& result) : host_(host), result_(result) {}
 
-  DependencySpace run() {
-    lookUpEnds();
-    result_.direction = directionBetweenEnds();
+  void run() {
+    const auto source = result_.source_.firstBaseline();
+    const auto target = result_.target_.firstBaseline();
+    addNames();
+    result_.hasEnds_ = source && target;
+    if (!result_.hasEnds_) return;
+    result_.direction = directionBetween(*source, *target);
     for (Name& name : names_) {
       explore(name);
       keepWhatLeadsToEnd(name);
@@ -36,8 +31,9 @@ class DependencySurvey {
     addVersions();
     addMoves();
     addRequirements();
-    addEnds();
-    return std::move(result_);
+    addStarts();
+    addSources();
+    addTarget();
   }
 
  private:
@@ -61,29 +57,19 @@ class DependencySurvey {
     std::unordered_multimap<VersionId, std::size_t, std::hash<VersionId>> places = {};
   };
 
-  Metamodel lookUp(const std::u16string& name, const VersionId& number) {
-    auto found = host_.getMetamodel(name, number);
-    if (!found) reportUnknownVersion(name, number);
-    if (found->name != name) throw NotClosed();
-    return *std::move(found);
-  }
-
-  void lookUpEnds() {
-    if (from_.empty() || to_.empty()) throw NotClosed();
-    for (const auto* entry : inNameOrder(from_)) {
-      Name& name = names_.emplace_back(Name{&entry->first});
-      placeOfName_.emplace(entry->first, static_cast<NameIndex>(names_.size() - 1));
-      addVersion(name, lookUp(entry->first, entry->second));
+  void addNames() {
+    for (const auto& [text, versions] : result_.source_.names()) {
+      Name& name = names_.emplace_back(Name{&text});
+      placeOfName_.emplace(text, static_cast<NameIndex>(names_.size() - 1));
+      for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
+      result_.isOpen_ |= versions.size() > 1;
     }
-    for (const auto* entry : inNameOrder(to_)) {
-      Metamodel goal = lookUp(entry->first, entry->second);
-      const auto place = placeOfName_.find(entry->first);
+    for (const auto& [text, versions] : result_.target_.names()) {
+      const auto place = placeOfName_.find(text);
       if (place == placeOfName_.end()) throw NotClosed();
-      names_[place->second].goal = &result_.descriptors.emplace_back(std::move(goal));
-    }
-    for (const Name& name : names_) {
-      requireClosed(*name.versions.front().descriptor);
-      if (name.goal != nullptr) requireClosedTarget(*name.goal);
+      if (result_.target_.isSelected(text)) {
+        names_[place->second].goal = &versions.front().descriptor;
+      }
     }
   }
 
@@ -95,20 +81,13 @@ class DependencySurvey {
     }
   }
 
-  void requireClosedTarget(const Metamodel& metamodel) const {
-    requireClosed(metamodel);
-    for (const Dependency& dependency : metamodel.dependencies) {
-      if (!to_.contains(dependency.name)) throw NotClosed();
-    }
-  }
+  using Baseline = std::map<std::u16string, const Metamodel*>;
 
-  /// As `VersionRepository::computeDirection` has it for baselines of these.
-  Direction directionBetweenEnds() {
+  /// As `VersionRepository::computeDirection` has it.
+  Direction directionBetween(const Baseline& source, const Baseline& target) {
     Direction result = Direction::Unknown;
-    for (const Name& name : names_) {
-      if (name.goal == nullptr) continue;
-      const Direction direction =
-          host_.directionBetween(*name.versions.front().descriptor, *name.goal);
+    for (const auto& [name, after] : target) {
+      const Direction direction = host_.directionBetween(*source.at(name), *after);
       if (direction == Direction::Equal || direction == Direction::Unknown) continue;
       if (areOpposite(result, direction)) return Direction::Unknown;
       result = direction;
@@ -244,41 +223,65 @@ class DependencySurvey {
     return admitted;
   }
 
-  void addEnds() {
-    SearchSpace::Source& source = result_.space->sources.emplace_back();
-    bool isWithinReach = true;
+  void addStarts() {
     for (const Name& name : names_) {
-      source.selection.push_back(name.versions.front().index);
+      std::vector<VersionIndex>& kept = result_.starts_.emplace_back();
+      std::vector<VersionIndex>& all = result_.indices_[*name.text];
+      const std::size_t count = result_.source_.names().at(*name.text).size();
+      for (std::size_t place = 0; place < count; ++place) {
+        const VersionIndex index = name.versions[place].index;
+        all.push_back(index);
+        if (index != SearchSpace::none) kept.push_back(index);
+      }
+    }
+  }
+
+  /// As many as it takes for every start of a name to be in one.
+  void addSources() {
+    const auto& starts = result_.starts_;
+    std::size_t most = 0;
+    for (const auto& versions : starts) {
+      if (versions.empty()) return;
+      most = std::max(most, versions.size());
+    }
+    for (std::size_t place = 0; place < most; ++place) {
+      SearchSpace::Source& source = result_.space->sources.emplace_back();
+      for (const auto& versions : starts) {
+        source.selection.push_back(versions[std::min(place, versions.size() - 1)]);
+      }
+    }
+  }
+
+  void addTarget() {
+    for (const Name& name : names_) {
       VersionIndex goal = SearchSpace::none;
       for (const Version& version : name.versions) {
         if (name.goal != nullptr && *version.descriptor == *name.goal) goal = version.index;
       }
-      isWithinReach &= name.versions.front().index != SearchSpace::none;
-      isWithinReach &= name.goal == nullptr || goal != SearchSpace::none;
+      if (name.goal != nullptr && goal == SearchSpace::none) result_.space->sources.clear();
       result_.target.push_back(goal);
     }
-    if (!isWithinReach) source.selection.clear();
   }
 
   SelectionHost& host_;
-  const VersionsByName& from_;
-  const VersionsByName& to_;
-  DependencySpace result_;
+  DependencySpace& result_;
   std::vector<Name> names_;
   std::unordered_map<std::u16string, NameIndex> placeOfName_;
   std::vector<Metamodel> candidates_;
 };
 
-}  // namespace
+DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
+                                 const VersionsByName& to)
+    : source_(host, from), target_(host, to) {
+  DependencySurvey(host, *this).run();
+}
 
-std::optional<DependencySpace> DependencySpace::survey(SelectionHost& host,
-                                                       const VersionsByName& from,
-                                                       const VersionsByName& to) {
-  try {
-    return DependencySurvey(host, from, to).run();
-  } catch (const NotClosed&) {
-    return std::nullopt;
-  }
+void DependencySpace::visitChoices(const Decide& decide) const {
+  source_.visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
+    std::vector<VersionIndex> versions;
+    for (const std::size_t place : places) versions.push_back(indices_.at(name)[place]);
+    return places[decide(versions)];
+  });
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -13,11 +13,13 @@
 namespace tarn::evolution::pathfinder {
 
 PlannedWay FirstPlaces::find() {
-  PlannedWay way{decideSource(), {}};
-  held_.clear();
-  for (NameIndex name = 0; name < made_.size(); ++name) {
-    held_.push_back(plans_.check.nodesOf(name).front());
+  if (start_ == nullptr) {
+    decideSource();
+  } else {
+    decideStart();
   }
+  held_ = begun_;
+  PlannedWay way{begun_, {}};
   for (std::uint32_t step = steps_.count(); step > 0; --step) {
     decideStep(step);
     way.steps.push_back(takeStep(step));
@@ -25,20 +27,61 @@ PlannedWay FirstPlaces::find() {
   return way;
 }
 
-/// Decides on the first source that a plan can begin at; its place in the space.
-std::size_t FirstPlaces::decideSource() {
+/// Decides on the first source that a plan can begin at.
+void FirstPlaces::decideSource() {
   for (std::size_t i = 0; i < plans_.network.sources.size(); ++i) {
     const Literal isSource = plans_.formula.isSource(i);
     if (!plans_.findPlan(std::array{decided_, isSource})) continue;
     readPlan();
     plans_.sat.addClause({-decided_, isSource});
-    return plans_.network.sources[i].place;
+    return;
   }
   throw std::logic_error("no plan has the step weights that were proven");
 }
 
+/// Decides on the first consistent choice that a plan can begin with.
+void FirstPlaces::decideStart() {
+  if (!plans_.findPlan(std::array{decided_})) {
+    throw std::logic_error("no plan has the step weights that were proven");
+  }
+  readPlan();
+  start_->visitChoices(
+      [this](std::span<const VersionIndex> versions) { return decideStartOf(versions); });
+}
+
+std::size_t FirstPlaces::decideStartOf(std::span<const VersionIndex> versions) {
+  while (true) {
+    const auto isBegun = [this](VersionIndex version) {
+      return std::any_of(begun_.begin(), begun_.end(), [&](NodeIndex node) {
+        return plans_.network.nodes[node].version == version;
+      });
+    };
+    const auto chosen = std::find_if(versions.begin(), versions.end(), isBegun);
+    std::vector<Literal> earlier;
+    for (auto version = versions.begin(); version != chosen; ++version) {
+      for (const auto& nodes : plans_.network.starts) {
+        for (const NodeIndex node : nodes) {
+          if (plans_.network.nodes[node].version != *version) continue;
+          earlier.push_back(plans_.formula.startsAt(node));
+        }
+      }
+    }
+    if (!earlier.empty() && plans_.findPlanWith(earlier, std::array{decided_})) {
+      readPlan();
+      continue;
+    }
+    for (const NodeIndex node : begun_) {
+      if (plans_.network.nodes[node].version != *chosen) continue;
+      plans_.sat.addClause({-decided_, plans_.formula.startsAt(node)});
+    }
+    return static_cast<std::size_t>(chosen - versions.begin());
+  }
+}
+
 void FirstPlaces::readPlan() {
+  begun_.clear();
   for (NameIndex name = 0; name < made_.size(); ++name) {
+    begun_.push_back(plans_.check.nodesOf(name).front());
     made_[name].clear();
     std::uint32_t step = steps_.count();
     for (const ArcIndex arc : plans_.check.arcsOf(name)) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "pathfinder/learning/last_steps.hpp"
@@ -11,7 +12,7 @@ namespace tarn::evolution::pathfinder {
 
 /// A plan as the hops of its steps.
 struct PlannedWay {
-  std::size_t source;                        ///< its place among those of the space
+  std::vector<NodeIndex> start;              ///< by name
   std::vector<std::vector<ArcIndex>> steps;  ///< by step and name: the hop made; none for no hop
 };
 
@@ -20,8 +21,13 @@ struct PlannedWay {
 class FirstPlaces {
  public:
   /// `steps`: those of the plans; `decided`: what has to be true for it.
-  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided)
-      : plans_(plans), steps_(steps), decided_(decided), made_(plans.network.names.size()) {}
+  /// `start`: null when plans begin at sources.
+  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided, const OpenStart* start)
+      : plans_(plans),
+        steps_(steps),
+        decided_(decided),
+        start_(start),
+        made_(plans.network.names.size()) {}
 
   PlannedWay find();
 
@@ -32,7 +38,9 @@ class FirstPlaces {
     std::uint32_t step;  // counted from the last one, as LastSteps does
   };
 
-  std::size_t decideSource();
+  void decideSource();
+  void decideStart();
+  std::size_t decideStartOf(std::span<const VersionIndex> versions);
   void decideStep(std::uint32_t step);
   void readPlan();
   ArcIndex madeIn(NameIndex name, std::uint32_t step) const;
@@ -45,8 +53,12 @@ class FirstPlaces {
   PlanSolver& plans_;
   const LastSteps& steps_;
   const Literal decided_;
-  std::vector<std::vector<Made>> made_;  // by name: of a plan in which all that is decided holds
-  std::vector<NodeIndex> held_;          // by name, before the step that is being decided
+  const OpenStart* const start_;
+
+  // Of a plan in which all that is decided holds, by name.
+  std::vector<std::vector<Made>> made_;
+  std::vector<NodeIndex> begun_;
+  std::vector<NodeIndex> held_;  // by name, before the step that is being decided
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -32,15 +32,16 @@ std::uint32_t fewestLayers(const PlanNetwork& network, const AllVersionBounds& b
 
 class Planner final : public LearningPlanner {
  public:
-  Planner(const PlanningGround& ground, PlanNetwork&& network)
+  Planner(const PlanningGround& ground, PlanNetwork&& network, const OpenStart* start)
       : space_(ground.space),
+        start_(start),
         network_(std::move(network)),
         plans_(network_),
         timeline_(network_, plans_.formula, plans_.sat),
         leastWeight_(plans_, timeline_, fewestLayers(network_, ground.bounds)) {}
 
   std::optional<BackwardPlan> plan() override {
-    if (network_.sources.empty() || network_.targets.empty()) return std::nullopt;
+    if (!network_.canBegin() || network_.targets.empty()) return std::nullopt;
     const std::vector<WeightShare> shares = leastWeight_.find();
     if (shares.empty()) return std::nullopt;
     std::optional<StepWeights> first;
@@ -53,7 +54,7 @@ class Planner final : public LearningPlanner {
       first.emplace(std::move(steps));
       firstWeights = std::move(weights);
     }
-    const PlannedWay way = FirstPlaces(plans_, first->steps(), first->decided()).find();
+    const PlannedWay way = FirstPlaces(plans_, first->steps(), first->decided(), start_).find();
     return backwardPlan(way, firstWeights);
   }
 
@@ -81,7 +82,8 @@ class Planner final : public LearningPlanner {
 
   BackwardPlan backwardPlan(const PlannedWay& way,
                             const std::vector<std::uint64_t>& weights) const {
-    std::vector<VersionSelection> selections{space_.sources[way.source].selection};
+    std::vector<VersionSelection> selections(1);
+    for (const NodeIndex node : way.start) selections[0].push_back(network_.nodes[node].version);
     std::vector<std::vector<PlannedHop>> hops;
     for (const std::vector<ArcIndex>& step : way.steps) {
       VersionSelection after = selections.back();
@@ -98,6 +100,7 @@ class Planner final : public LearningPlanner {
   }
 
   const SearchSpace& space_;
+  const OpenStart* const start_;
   const PlanNetwork network_;
   PlanSolver plans_;
   Timeline timeline_;
@@ -107,10 +110,11 @@ class Planner final : public LearningPlanner {
 }  // namespace
 
 std::unique_ptr<LearningPlanner> LearningPlanner::create(
-    const PlanningGround& ground, const std::vector<VersionSelection>& targets) {
-  auto network = makePlanNetwork(ground, targets);
+    const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+    const OpenStart* start) {
+  auto network = makePlanNetwork(ground, targets, start);
   if (!network) return nullptr;
-  return std::make_unique<Planner>(ground, *std::move(network));
+  return std::make_unique<Planner>(ground, *std::move(network), start);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "pathfinder/learning/open_start.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/step_problem.hpp"
 
@@ -16,8 +17,11 @@ class LearningPlanner {
  public:
   /// No value when the question is of a kind that has to be planned otherwise: when links may bring
   /// names in, when a source is not regular, or when the hops of a name form cycles.
+  ///
+  /// Plans begin at the sources of the space or, if it is not null, at an open start.
   static std::unique_ptr<LearningPlanner> create(const PlanningGround& ground,
-                                                 const std::vector<VersionSelection>& targets);
+                                                 const std::vector<VersionSelection>& targets,
+                                                 const OpenStart* start = nullptr);
 
   LearningPlanner(const LearningPlanner&) = delete;
   LearningPlanner& operator=(const LearningPlanner&) = delete;

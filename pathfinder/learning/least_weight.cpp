@@ -109,6 +109,7 @@ std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, const Extra& ext
       minimum.want(-plans_.formula.isUsed(arc), cost);
     }
   }
+  if (!network.starts.empty()) return setStartCosts(minimum, left);
   std::vector<std::uint64_t> sums;
   for (const PlanNetwork::Source& source : network.sources) {
     std::uint64_t& sum = sums.emplace_back(0);
@@ -119,6 +120,24 @@ std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, const Extra& ext
     if (sums[i] > least) minimum.want(-plans_.formula.isSource(i), sums[i] - least);
   }
   return least;
+}
+
+/// The same for an open start, name by name.
+template <class Left>
+std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, const Left& left) {
+  std::uint64_t sum = 0;
+  for (const std::vector<NodeIndex>& nodes : plans_.network.starts) {
+    std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
+    for (const NodeIndex node : nodes) {
+      least = std::min<std::uint64_t>(least, left(plans_.network.nodes[node]));
+    }
+    for (const NodeIndex node : nodes) {
+      const std::uint64_t cost = left(plans_.network.nodes[node]) - least;
+      if (cost > 0) minimum.want(-plans_.formula.startsAt(node), cost);
+    }
+    sum += least;
+  }
+  return sum;
 }
 
 /// Takes the weight of every plan that is met for an upper bound.

@@ -37,6 +37,8 @@ class LeastWeight {
   std::optional<WeightShare> shareWith(std::uint32_t layers);
   template <class Extra, class Left>
   std::uint64_t setCosts(CoreGuidedMinimum& minimum, const Extra& extra, const Left& left);
+  template <class Left>
+  std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, const Left& left);
   CoreGuidedMinimum::AcceptModel acceptNoting();
   void noteBounds(std::uint64_t leastOrdinaryWeight) const;
 

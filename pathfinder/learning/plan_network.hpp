@@ -1,11 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
 
+#include "pathfinder/learning/open_start.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/step_problem.hpp"
@@ -65,6 +67,16 @@ struct PlanNetwork {
   };
   std::vector<Source> sources;
 
+  /// For an open start, in place of sources: the nodes that each name may begin at.
+  std::vector<std::vector<NodeIndex>> starts;
+
+  /// Whether there is anything to begin at.
+  bool canBegin() const {
+    return !sources.empty() ||
+           (!starts.empty() && std::none_of(starts.begin(), starts.end(),
+                                            [](const auto& start) { return start.empty(); }));
+  }
+
   /// For each target that can be reached: the nodes that each name may end at; none for a name that
   /// it leaves free.
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
@@ -73,6 +85,7 @@ struct PlanNetwork {
 /// No value when the space has names that links can bring in, sources that are not regular, or a
 /// name whose hops form a cycle.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
-                                           const std::vector<VersionSelection>& targets);
+                                           const std::vector<VersionSelection>& targets,
+                                           const OpenStart* start);
 
 }  // namespace tarn::evolution::pathfinder

@@ -40,8 +40,8 @@ class SelectionSearch {
         bounds_(computeVersionBounds(space_, compatibility_)) {}
 
   SelectionAnswer run() {
-    const auto planner =
-        LearningPlanner::create({space_, compatibility_, bounds_}, {dependencies_.target});
+    const auto planner = LearningPlanner::create({space_, compatibility_, bounds_},
+                                                 {dependencies_.target}, dependencies_.openStart());
     if (!planner) return {false};
     while (const auto plan = planner->plan()) {
       SelectionView impossible;
@@ -191,10 +191,12 @@ class SelectionSearch {
 SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
                                         const VersionsByName& to) {
   if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
-  const auto dependencies = DependencySpace::survey(host, from, to);
-  if (!dependencies) return {false};
   try {
-    return SelectionSearch(host, *dependencies).run();
+    const DependencySpace dependencies(host, from, to);
+    if (!dependencies.hasEnds()) return {};
+    return SelectionSearch(host, dependencies).run();
+  } catch (const NotClosed&) {
+    return {false};
   } catch (const NotLinkable&) {
     return {false};
   }

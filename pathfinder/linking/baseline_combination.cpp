@@ -15,6 +15,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/memory_ceiling.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/covering_link.hpp"
@@ -184,6 +185,7 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
     extended.reserve(partial.size());
     for (VersionBaseline& baseline : partial) {
       checkpoint();
+      LinkingBudget::check(extended.size());
       const auto held = baseline.metamodels.find(*next->name);
       if (held == baseline.metamodels.end() || !held->second) {
         extend(std::move(baseline), *next, extended);

@@ -29,6 +29,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "pathfinder/search/step_weight.hpp"
 
@@ -166,10 +167,10 @@ void Dominance::findWaysInto(NameIndex index) {
     changed = false;
     for (VersionIndex version = name.first; version < name.end; ++version) {
       for (const IncomingHop& hop : incoming_.into(version)) {
-        changed |= waysInto(version).unite(waysInto(hop.before));
+        changed |= waysInto(version).unite(std::as_const(*this).waysInto(hop.before));
       }
       if (name.absent != SearchSpace::none && space_.versions[version].isEntry) {
-        changed |= waysInto(version).unite(waysInto(name.absent));
+        changed |= waysInto(version).unite(std::as_const(*this).waysInto(name.absent));
       }
     }
   }

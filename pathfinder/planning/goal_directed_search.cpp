@@ -166,15 +166,21 @@ class GoalDirectedSearch {
   }
 
   bool beginsBefore(const SearchAnswer& left, const SearchAnswer& right) const {
-    if (left.source != right.source) return left.source < right.source;
-    const auto source = static_cast<std::size_t>(left.source - question_.sources.data());
+    const std::size_t source = placeOf(*left.source);
+    if (left.source != right.source) return source < placeOf(*right.source);
     const VersionSelection& selection = ground_->space->sources[source].selection;
-    for (NameIndex name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
+    for (auto name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
       const std::size_t place = placeOfHop(name, selection[name], left.steps.front());
       const std::size_t other = placeOfHop(name, selection[name], right.steps.front());
       if (place != other) return place < other;
     }
     return false;
+  }
+
+  std::size_t placeOf(const VersionBaseline& source) const {
+    std::size_t place = 0;
+    while (&question_.sources[place] != &source) ++place;
+    return place;
   }
 
   /// The place, counted from one, of the hop that a name takes among those of its version; 0 for

@@ -454,24 +454,27 @@ bool admits(const VersionSelection& target, const VersionSelection& selection) {
                     });
 }
 
+/// Whether the step after an idle one, which there would have to be, does as well for the first.
+bool needsNoIdleStep(const PlanningGround& ground, const VersionSelection& source) {
+  const auto& targets = ground.space.targets;
+  return canStandTogether(ground, source) &&
+         std::none_of(targets.begin(), targets.end(),
+                      [&](const VersionSelection& target) { return admits(target, source); });
+}
+
 }  // namespace
 
 std::vector<IdleStep> idleStepsOf(const PlanningGround& ground) {
   const SearchSpace& space = ground.space;
   std::vector<IdleStep> result;
-  for (std::size_t source = 0; source < space.sources.size(); ++source) {
-    const auto& [selection, isRegular] = space.sources[source];
-    if (isRegular || selection.empty()) continue;
-    // The step after the idle one does as well for the first, if there is one.
-    const bool leadsToTarget =
-        std::any_of(space.targets.begin(), space.targets.end(),
-                    [&](const VersionSelection& target) { return admits(target, selection); });
-    if (!leadsToTarget && canStandTogether(ground, selection)) continue;
-    for (NameIndex name = 0; name < selection.size(); ++name) {
-      for (const SearchSpace::Move& move : space.versions[selection[name]].moves) {
-        if (move.target == selection[name]) continue;  // planned with the others
+  for (std::size_t i = 0; i < space.sources.size(); ++i) {
+    const VersionSelection& source = space.sources[i].selection;
+    if (space.sources[i].isRegular || source.empty() || needsNoIdleStep(ground, source)) continue;
+    for (NameIndex name = 0; name < source.size(); ++name) {
+      for (const SearchSpace::Move& move : space.versions[source[name]].moves) {
+        if (move.target == source[name]) continue;  // planned with the others
         const PlannedHop hop = move.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary;
-        const IdleStep step{source, name, move.target, hop};
+        const IdleStep step{i, name, move.target, hop};
         if (std::find(result.begin(), result.end(), step) == result.end()) result.push_back(step);
       }
     }
