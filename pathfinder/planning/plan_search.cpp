@@ -60,9 +60,9 @@ class PlanSearch {
       std::pop_heap(waiting_.begin(), waiting_.end(), IsAfter{plan_.chains_});
       Node* node = waiting_.back();
       waiting_.pop_back();
-      watchOver(*node);
       if (node->bound.total > most_) break;
       if (best_ && comesFirst(plan_.chains_, boundOf(*best_), node->bound)) break;
+      watchOver(*node);
       pursue(node);
     }
     if (!best_) return std::nullopt;
