@@ -6,11 +6,11 @@
 #include <string>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/file_error.hpp"
-#include "catalogue/json_file.hpp"
-#include "catalogue/json_stream.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/store/sqlite_header.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/json_file.hpp"
+#include "catalogue/reading/json_stream.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {

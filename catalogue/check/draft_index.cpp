@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -5,8 +5,8 @@
 
 #include "catalogue/check/draft_index.hpp"
 #include "catalogue/check/finding.hpp"
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/range_text.hpp"
 
 /// What checks write findings with.
 namespace tarn::evolution::catalogue {

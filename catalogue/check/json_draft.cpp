@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "catalogue/json_file.hpp"
-#include "catalogue/json_pieces.hpp"
+#include "catalogue/reading/json_file.hpp"
+#include "catalogue/reading/json_pieces.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {

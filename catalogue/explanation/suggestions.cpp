@@ -4,7 +4,7 @@
 #include <numeric>
 #include <utility>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {

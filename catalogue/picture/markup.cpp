@@ -1,6 +1,6 @@
 #include "catalogue/picture/markup.hpp"
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

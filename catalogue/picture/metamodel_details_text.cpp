@@ -4,11 +4,11 @@
 #include <ostream>
 
 #include "catalogue/picture/baseline_output.hpp"
-#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
-#include "catalogue/plain_numbers.hpp"
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

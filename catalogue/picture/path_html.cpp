@@ -7,8 +7,8 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/path_page.hpp"
-#include "catalogue/plain_numbers.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

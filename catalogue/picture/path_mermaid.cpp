@@ -4,7 +4,7 @@
 
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
-#include "catalogue/plain_numbers.hpp"
+#include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 

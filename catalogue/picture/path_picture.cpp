@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -7,7 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/swim_lanes.hpp"
-#include "catalogue/plain_numbers.hpp"
+#include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 

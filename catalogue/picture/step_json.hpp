@@ -1,7 +1,7 @@
 #pragma once
 
-#include "catalogue/json_printer.hpp"
 #include "catalogue/picture/path_picture.hpp"
+#include "catalogue/text/json_printer.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

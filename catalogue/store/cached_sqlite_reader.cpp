@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "catalogue/printed_text.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/unsoundness.hpp"
 
 namespace tarn::evolution::catalogue {
 

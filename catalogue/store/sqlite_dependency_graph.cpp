@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "catalogue/dependency_graph.hpp"
+#include "catalogue/model/dependency_graph.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 
 namespace tarn::evolution::catalogue {

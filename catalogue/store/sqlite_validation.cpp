@@ -6,7 +6,7 @@
 
 #include "catalogue/store/sqlite_dependency_graph.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/text/unsoundness.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,9 +1,9 @@
 #include "catalogue/store/store_removal.hpp"
 
-#include "catalogue/file_error.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "catalogue/picture/path_json.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <ostream>
 
-#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/path_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "phrases.hpp"
 
 namespace evopath {

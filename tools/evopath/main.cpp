@@ -3,7 +3,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "program.hpp"
 #include "progress_bar.hpp"
 

@@ -3,11 +3,11 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/explanation.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/path_picture.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
 #include "explanation_text.hpp"

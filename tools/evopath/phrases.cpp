@@ -1,7 +1,7 @@
 #include "phrases.hpp"
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {

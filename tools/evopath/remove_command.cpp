@@ -3,9 +3,9 @@
 #include <memory>
 #include <stdexcept>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
 #include "catalogue/store/store_editing.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"

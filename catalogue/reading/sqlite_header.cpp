@@ -1,4 +1,4 @@
-#include "catalogue/store/sqlite_header.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 
 #include <sqlite3.h>
 
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 

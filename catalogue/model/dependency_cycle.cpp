@@ -1,9 +1,9 @@
-#include "catalogue/dependency_cycle.hpp"
+#include "catalogue/model/dependency_cycle.hpp"
 
 #include <algorithm>
 #include <unordered_map>
 
-#include "catalogue/dependency_graph.hpp"
+#include "catalogue/model/dependency_graph.hpp"
 
 namespace tarn::evolution::catalogue {
 

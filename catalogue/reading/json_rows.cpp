@@ -1,4 +1,4 @@
-#include "catalogue/json_rows.hpp"
+#include "catalogue/reading/json_rows.hpp"
 
 #include <initializer_list>
 #include <nlohmann/json.hpp>

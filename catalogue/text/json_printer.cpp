@@ -1,4 +1,4 @@
-#include "catalogue/json_printer.hpp"
+#include "catalogue/text/json_printer.hpp"
 
 #include <nlohmann/json.hpp>
 #include <ostream>

@@ -1,6 +1,6 @@
-#include "catalogue/range_text.hpp"
+#include "catalogue/text/range_text.hpp"
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "catalogue/catalogue_sink.hpp"
+#include "catalogue/model/catalogue_sink.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,9 +3,9 @@
 #include <istream>
 #include <utility>
 
-#include "catalogue/json_file.hpp"
-#include "catalogue/json_stream.hpp"
-#include "catalogue/json_writer.hpp"
+#include "catalogue/reading/json_file.hpp"
+#include "catalogue/reading/json_stream.hpp"
+#include "catalogue/reading/json_writer.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "catalogue/catalogue.hpp"
-#include "catalogue/json_pieces.hpp"
+#include "catalogue/reading/json_pieces.hpp"
 
 /// The rows of a catalogue in JSON. Everything here throws CatalogueError for a value of another
 /// form; `place` is where the value stands, a JSON pointer.

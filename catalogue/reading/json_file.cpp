@@ -1,9 +1,9 @@
-#include "catalogue/json_file.hpp"
+#include "catalogue/reading/json_file.hpp"
 
 #include <cerrno>
 #include <system_error>
 
-#include "catalogue/store/sqlite_header.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 

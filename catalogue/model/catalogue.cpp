@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "catalogue/validation.hpp"
+#include "catalogue/model/validation.hpp"
 
 namespace tarn::evolution::catalogue {
 

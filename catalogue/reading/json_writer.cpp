@@ -1,12 +1,12 @@
-#include "catalogue/json_writer.hpp"
+#include "catalogue/reading/json_writer.hpp"
 
 #include <map>
 #include <ostream>
 #include <string>
 
-#include "catalogue/dependency_json.hpp"
-#include "catalogue/json_printer.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/dependency_json.hpp"
+#include "catalogue/text/json_printer.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -1,9 +1,9 @@
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/text/unsoundness.hpp"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "catalogue/json_printer.hpp"
+#include "catalogue/text/json_printer.hpp"
 #include "pathfinder/metamodel.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -1,9 +1,9 @@
-#include "catalogue/validation.hpp"
+#include "catalogue/model/validation.hpp"
 
 #include <algorithm>
 
-#include "catalogue/dependency_cycle.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/model/dependency_cycle.hpp"
+#include "catalogue/text/unsoundness.hpp"
 
 namespace tarn::evolution::catalogue {
 

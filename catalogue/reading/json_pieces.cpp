@@ -1,10 +1,10 @@
-#include "catalogue/json_pieces.hpp"
+#include "catalogue/reading/json_pieces.hpp"
 
 #include <istream>
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "catalogue/json_stream.hpp"
+#include "catalogue/reading/json_stream.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,4 +1,4 @@
-#include "catalogue/dependency_graph.hpp"
+#include "catalogue/model/dependency_graph.hpp"
 
 #include <numeric>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include <iosfwd>
 
-#include "catalogue/catalogue_sink.hpp"
+#include "catalogue/model/catalogue_sink.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,11 +1,11 @@
-#include "catalogue/json_stream.hpp"
+#include "catalogue/reading/json_stream.hpp"
 
 #include <set>
 #include <string>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/json_pieces.hpp"
-#include "catalogue/json_rows.hpp"
+#include "catalogue/reading/json_pieces.hpp"
+#include "catalogue/reading/json_rows.hpp"
 
 namespace tarn::evolution::catalogue {
 

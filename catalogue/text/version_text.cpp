@@ -3,7 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -1,7 +1,7 @@
-#include "catalogue/dependency_json.hpp"
+#include "catalogue/text/dependency_json.hpp"
 
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/range_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
