@@ -31,15 +31,14 @@ PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
     part.starts.emplace(name, question.starts.at(name));
     if (question.newcomers.contains(name)) part.newcomers.insert(name);
   }
-  if (!part.newcomers.empty()) {
-    part.sources = question.sources;
-    return part;
-  }
   for (const VersionBaseline& source : question.sources) {
-    VersionBaseline cut = cutDown(source, names);
+    const bool holdsAll = std::all_of(part.goals.begin(), part.goals.end(), [&](const auto& goal) {
+      return source.metamodels.contains(goal.first);
+    });
+    VersionBaseline kept = holdsAll ? cutDown(source, names) : source;
     const bool isNew =
-        std::find(part.sources.begin(), part.sources.end(), cut) == part.sources.end();
-    if (isNew) part.sources.push_back(std::move(cut));
+        std::find(part.sources.begin(), part.sources.end(), kept) == part.sources.end();
+    if (isNew) part.sources.push_back(std::move(kept));
   }
   return part;
 }

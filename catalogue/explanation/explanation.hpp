@@ -85,9 +85,9 @@ struct BlockedHop {
 ///
 /// `names` block one another, and none of them can be left out. Leaving a metamodel out means to
 /// ask for a model that has no use for it: it is struck from the target, and from the source unless
-/// what remains there links it, in which case it stays at the source's version. When `names` has a
-/// metamodel that the source does not hold, striking is confined to the target: the source stays
-/// whole, for any part of it may have to bring that one in.
+/// what remains there links it, in which case it stays at the source's version. A baseline of the
+/// source that does not hold each metamodel of `names` that has a target stays whole, for any part
+/// of it may have to bring that one in.
 struct NeverTogether {
   std::vector<std::u16string> names;  ///< ascending
   bool isMinimal;  ///< false when the budget ended before every name was tried to be left out
