@@ -1,37 +1,36 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "catalogue/check/dependency_components.hpp"
 #include "catalogue/check/draft_index.hpp"
-#include "catalogue/check/finding.hpp"
+#include "catalogue/check/findings.hpp"
 #include "catalogue/check/link_analysis.hpp"
+#include "catalogue/model/dependency_components.hpp"
 
-/// The parts of a check. Each appends what it finds, in no particular order.
+/// The parts of a check. Each adds what it finds, in no particular order.
 namespace tarn::evolution::catalogue {
 
 /// Versions and equivalents that stand twice or are missing.
-void checkVersions(const DraftIndex& index, std::vector<Finding>& findings);
+void checkVersions(const DraftIndex& index, Findings& findings);
 
 /// Single dependencies: names, ranges, and what lies in them.
-void checkDependencies(const DraftIndex& index, std::vector<Finding>& findings);
+void checkDependencies(const DraftIndex& index, Findings& findings);
 
 /// Cycles of dependencies.
 void checkCycles(const DraftIndex& index, const DependencyComponents& components,
-                 std::vector<Finding>& findings);
+                 Findings& findings);
 
 /// Versions that cannot be linked.
-void checkLinks(const DraftIndex& index, LinkAnalysis& links, std::vector<Finding>& findings);
+void checkLinks(const DraftIndex& index, LinkAnalysis& links, Findings& findings);
 
 /// Single hops: names, versions, repetition.
-void checkHops(const DraftIndex& index, std::vector<Finding>& findings);
+void checkHops(const DraftIndex& index, Findings& findings);
 
 /// What the hops of a metamodel make of its versions: which lie apart, begin or end.
-void checkHopGraph(const DraftIndex& index, std::vector<Finding>& findings);
+void checkHopGraph(const DraftIndex& index, Findings& findings);
 
 /// The names and versions of the question, and whether they can stand together.
-void checkQuestion(const DraftIndex& index, LinkAnalysis& links, std::vector<Finding>& findings);
+void checkQuestion(const DraftIndex& index, LinkAnalysis& links, Findings& findings);
 
 /// A clause that says why versions cannot stand together.
 std::string explained(const DraftIndex& index, const LinkAnalysis::Reason& reason);

@@ -1,41 +1,54 @@
-#include "catalogue/check/finding_text.hpp"
+#include "catalogue/check/findings.hpp"
 
 #include <algorithm>
+#include <iterator>
+#include <tuple>
+#include <utility>
+
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
-std::string listed(const std::vector<std::string>& texts) {
-  constexpr std::size_t few = 6;
-  const std::size_t shown = texts.size() > few + 1 ? few : texts.size();
-  std::string result;
-  for (std::size_t i = 0; i < shown; ++i) {
-    const bool isLast = i + 1 == texts.size();
-    result += (i == 0 ? "" : isLast ? " and " : ", ") + texts[i];
+namespace {
+
+template <class Describe>
+std::vector<std::string> textsOf(const std::vector<Slot>& slots, const Describe& describe) {
+  std::vector<std::string> texts;
+  std::transform(slots.begin(), slots.end(), std::back_inserter(texts), describe);
+  return texts;
+}
+
+}  // namespace
+
+void Findings::add(FindingCode code, const std::vector<Slot>& slots, const std::string& message) {
+  std::vector<Place> related;
+  for (auto slot = slots.begin() + 1; slot != slots.end(); ++slot) {
+    related.push_back(index_.placeOf(*slot));
   }
-  if (shown < texts.size()) result += " and " + std::to_string(texts.size() - shown) + " more";
-  return result;
+  add(code, index_.placeOf(slots.front()), message, related);
+}
+
+std::vector<Finding> Findings::inOrder() {
+  std::stable_sort(all_.begin(), all_.end(), [](const Finding& left, const Finding& right) {
+    return std::tie(left.place.order, left.place.text, left.code) <
+           std::tie(right.place.order, right.place.text, right.code);
+  });
+  return std::move(all_);
 }
 
 std::vector<Slot> inFileOrder(const DraftIndex& index, std::vector<Slot> slots) {
-  std::sort(slots.begin(), slots.end(),
-            [&](Slot left, Slot right) { return index.rowNumber(left) < index.rowNumber(right); });
+  std::sort(slots.begin(), slots.end(), [&](Slot left, Slot right) {
+    return index.slots().at(left).row < index.slots().at(right).row;
+  });
   return slots;
 }
 
-Finding findingAt(const DraftIndex& index, FindingCode code, const std::vector<Slot>& slots,
-                  const std::string& message) {
-  Finding finding{code, index.draft().placeOf(index.row(slots.front())), message, {}};
-  for (auto slot = slots.begin() + 1; slot != slots.end(); ++slot) {
-    finding.related.push_back(index.draft().placeOf(index.row(*slot)));
-  }
-  return finding;
+std::vector<std::string> described(const DraftIndex& index, const std::vector<Slot>& slots) {
+  return textsOf(slots, [&](Slot slot) { return index.describe(slot); });
 }
 
 std::vector<std::string> versionsOf(const DraftIndex& index, const std::vector<Slot>& slots) {
-  std::vector<std::string> versions;
-  versions.reserve(slots.size());
-  for (const Slot slot : slots) versions.push_back(textOf(*index.row(slot).version));
-  return versions;
+  return textsOf(slots, [&](Slot slot) { return textOf(index.version(slot)); });
 }
 
 }  // namespace tarn::evolution::catalogue

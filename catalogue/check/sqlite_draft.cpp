@@ -6,6 +6,8 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/store_snapshot.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -17,18 +19,13 @@ namespace {
 // What the schema's CHECK constraints say is looked at here: SQLite itself does so only where it
 // may write.
 
-/// A range as it stands in the three columns from `column` on; reversed ones are refused, but for
-/// that of a single version whose upper bound has wrapped.
+/// A range as it stands in the three columns from `column` on; reversed ones are refused.
 VersionRange checkedRangeIn(const Rows& rows, int column) {
   if (!rows.isNull(column) && !(rows.isNull(column + 1) && rows.isNull(column + 2))) {
     throw std::invalid_argument("there are a version and bounds");
   }
   VersionRange range = rangeIn(rows, column);
-  if (!range.isSemVerRange()) return range;
-  const auto& [lower, upper] = range.getSemVerRange();
-  if (upper < lower && !(range == VersionRange::singleVersion(lower))) {
-    throw std::invalid_argument("the range is reversed");
-  }
+  if (isReversed(range)) throw std::invalid_argument("the range is reversed");
   return range;
 }
 
@@ -109,7 +106,7 @@ class SqliteDraftReader {
     row.equivalent = orFind(FindingCode::BadEquivalent, place, [&] { return semVerIn(rows, 3); });
     if (row.version && row.version->isSemVer()) {
       row.equivalent.reset();
-      find(FindingCode::BadEquivalent, place, "only a text version has a semantic equivalent");
+      find(FindingCode::BadEquivalent, place, equivalentOfSemVer);
     }
     return row;
   }

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -70,9 +71,8 @@ const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16stri
 
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
                                                        const VersionRange& range) const {
-  if (!range.isSemVerRange()) return metamodelsAt(name, range.getText());
+  if (const auto single = findSingleVersion(range)) return metamodelsAt(name, *single);
   const SemVerRange& bounds = range.getSemVerRange();
-  if (range == VersionRange::singleVersion(bounds.lower)) return metamodelsAt(name, bounds.lower);
   const auto& versions = semanticVersions(name);
   const auto first = std::lower_bound(versions.begin(), versions.end(), bounds.lower, isBelow);
   Positions result;

@@ -1,53 +1,24 @@
-#include "catalogue/check/dependency_components.hpp"
+// Tarjan's algorithm: depth-first search numbers the nodes as it enters them and keeps those whose
+// components are not closed on a second stack. A node from which none entered earlier can be
+// reached is the first of its component, which then is what lies above it on that stack. Components
+// are closed after all that they lead to. Linear in nodes and edges; with a stack of its own, for
+// chains of dependencies may be long.
+//
+// A shortest cycle is found by breadth-first search over the versions of one component.
+
+#include "catalogue/model/dependency_components.hpp"
 
 #include <algorithm>
 #include <unordered_map>
 
 namespace tarn::evolution::catalogue {
 
-using Node = DependencyRangeGraph::Node;
+using Node = DependencyGraph::Node;
 
-DependencyRangeGraph::DependencyRangeGraph(const DraftIndex& index)
-    : slotCount_(index.slotCount()) {
-  targetStart_.reserve(slotCount_ + std::size_t{1});
-  for (Slot slot = 0; slot < slotCount_; ++slot) {
-    targetStart_.push_back(targets_.size());
-    for (const auto* dependency = index.dependenciesBegin(slot);
-         dependency != index.dependenciesEnd(slot); ++dependency) {
-      addEdges(dependency->candidates);
-    }
-  }
-  targetStart_.push_back(targets_.size());
-}
-
-/// The nodes whose leaves are the interval, as few as can be.
-void DependencyRangeGraph::addEdges(SlotInterval interval) {
-  if (interval.empty()) return;
-  Node left = nodeOf(interval.begin);
-  Node right = nodeOf(interval.end);
-  for (; left < right; left /= 2, right /= 2) {
-    if (left % 2 == 1) targets_.push_back(left++);
-    if (right % 2 == 1) targets_.push_back(--right);
-  }
-}
-
-std::size_t DependencyRangeGraph::edgeCount(Node node) const {
-  if (!isVersion(node)) return 2;
-  return targetStart_[slotOf(node) + std::size_t{1}] - targetStart_[slotOf(node)];
-}
-
-Node DependencyRangeGraph::edge(Node node, std::size_t number) const {
-  if (!isVersion(node)) return 2 * node + static_cast<Node>(number);
-  return targets_[targetStart_[slotOf(node)] + number];
-}
-
-// Tarjan's algorithm with a stack of its own: chains of dependencies may be long.
-
-DependencyComponents::DependencyComponents(const DependencyRangeGraph& graph)
+DependencyComponents::DependencyComponents(const DependencyGraph& graph)
     : graph_(graph), low_(graph.end(), nothing), component_(graph.end(), nothing) {
-  const Slot slots = graph.end() / 2;
-  isCyclic_.resize(slots);
-  for (Slot slot = 0; slot < slots; ++slot) {
+  isCyclic_.resize(graph.slotCount());
+  for (Slot slot = 0; slot < graph.slotCount(); ++slot) {
     if (low_[graph.nodeOf(slot)] == nothing) explore(graph.nodeOf(slot));
   }
 }
@@ -120,19 +91,29 @@ bool DependencyComponents::hasCycle(std::size_t first) const {
 
 std::vector<Slot> DependencyComponents::cycleThrough(Slot slot) const {
   const Node start = graph_.nodeOf(slot);
-  std::unordered_map<Node, Node> cameFrom;
-  std::vector<Node> queue{start};
-  for (std::size_t next = 0; next < queue.size() && !cameFrom.contains(start); ++next) {
-    const Node node = queue[next];
-    for (std::size_t i = 0; i < graph_.edgeCount(node); ++i) {
-      const Node target = graph_.edge(node, i);
-      if (component_[target] != component_[start]) continue;
-      if (cameFrom.try_emplace(target, node).second) queue.push_back(target);
+  std::unordered_map<Node, Slot> cameFrom;  // of nodes met: the version that leads there
+  std::vector<Slot> queue{slot};
+  std::vector<Node> waiting;
+  const auto pushTargets = [&](Node node) {
+    for (std::size_t i = graph_.edgeCount(node); i-- > 0;) waiting.push_back(graph_.edge(node, i));
+  };
+  for (std::size_t next = 0; !cameFrom.contains(start); ++next) {
+    pushTargets(graph_.nodeOf(queue[next]));
+    while (!waiting.empty()) {
+      const Node node = waiting.back();
+      waiting.pop_back();
+      const bool isInside = component_[node] == component_[start];
+      if (!isInside || !cameFrom.try_emplace(node, queue[next]).second) continue;
+      if (graph_.isVersion(node)) {
+        queue.push_back(graph_.slotOf(node));
+      } else {
+        pushTargets(node);
+      }
     }
   }
   std::vector<Slot> cycle;
-  for (Node node = cameFrom.at(start); node != start; node = cameFrom.at(node)) {
-    if (graph_.isVersion(node)) cycle.push_back(graph_.slotOf(node));
+  for (Slot at = cameFrom.at(start); at != slot; at = cameFrom.at(graph_.nodeOf(at))) {
+    cycle.push_back(at);
   }
   cycle.push_back(slot);
   std::reverse(cycle.begin(), cycle.end());

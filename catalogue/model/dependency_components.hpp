@@ -3,44 +3,16 @@
 #include <cstdint>
 #include <vector>
 
-#include "catalogue/check/draft_index.hpp"
+#include "catalogue/model/dependency_graph.hpp"
 
 namespace tarn::evolution::catalogue {
 
-/// The versions of a draft and their dependencies as a graph in which a dependency on a wide range
-/// is a handful of edges: between versions and ranges stand the nodes of a segment tree over all
-/// slots, each of which leads to its two halves.
-///
-/// Nodes are numbered from 1; those from `slotCount` on are the versions. Built in time and memory
-/// nearly linear in versions and dependencies.
-class DependencyRangeGraph {
- public:
-  using Node = std::uint32_t;
-
-  explicit DependencyRangeGraph(const DraftIndex& index);
-
-  Node end() const { return 2 * slotCount_; }
-  bool isVersion(Node node) const { return node >= slotCount_; }
-  Slot slotOf(Node node) const { return node - slotCount_; }
-  Node nodeOf(Slot slot) const { return slot + slotCount_; }
-
-  std::size_t edgeCount(Node node) const;
-  Node edge(Node node, std::size_t number) const;
-
- private:
-  void addEdges(SlotInterval interval);
-
-  Slot slotCount_;
-  std::vector<Node> targets_;             // of the versions, one after the other
-  std::vector<std::size_t> targetStart_;  // of each slot, and the end
-};
-
-/// The strongly connected components of a dependency graph.
+/// The strongly connected components of a dependency graph, which it refers to.
 class DependencyComponents {
  public:
-  using Node = DependencyRangeGraph::Node;
+  using Node = DependencyGraph::Node;
 
-  explicit DependencyComponents(const DependencyRangeGraph& graph);
+  explicit DependencyComponents(const DependencyGraph& graph);
 
   /// All nodes that versions lead to, and these: each after everything that it depends on, but for
   /// those in one component, which stand together.
@@ -53,7 +25,8 @@ class DependencyComponents {
   const std::vector<std::vector<Slot>>& cyclic() const { return cyclic_; }
 
   /// A shortest cycle through a version that is on one, beginning with it: each depends on the
-  /// next, and the last on the first.
+  /// next, and the last on the first. Of several the one that the first dependencies and the lowest
+  /// slots of a name lead to: in whichever order names stand.
   std::vector<Slot> cycleThrough(Slot slot) const;
 
  private:
@@ -69,7 +42,7 @@ class DependencyComponents {
   void close(Node node);
   bool hasCycle(std::size_t first) const;
 
-  const DependencyRangeGraph& graph_;
+  const DependencyGraph& graph_;
   std::vector<std::uint32_t> low_;        // of nodes entered: the smallest entry number reached
   std::vector<std::uint32_t> component_;  // of nodes closed
   std::uint32_t entered_ = 0;

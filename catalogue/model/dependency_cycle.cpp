@@ -1,88 +1,26 @@
 #include "catalogue/model/dependency_cycle.hpp"
 
 #include <algorithm>
-#include <unordered_map>
+#include <utility>
 
-#include "catalogue/model/dependency_graph.hpp"
+#include "catalogue/model/dependency_components.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::Dependency;
-using pathfinder::SemVer;
-using pathfinder::SemVerRange;
-using pathfinder::VersionRange;
-
-namespace {
-
-using Candidates = DependencyGraph::Candidates;
-using Node = DependencyGraph::Node;
-using Slot = DependencyGraph::Slot;
-
-/// Lays the versions out in slots, those that have no semantic version after all others.
-class SlotLayout {
- public:
-  SlotLayout(const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index)
-      : index_(index) {
-    std::vector<Node> textsOnly;
-    for (Node node = 0; node < metamodels.size(); ++node) {
-      const auto& [descriptor, equivalent] = metamodels[node];
-      if (!descriptor.version.isSemVer() && !equivalent) textsOnly.push_back(node);
-      if (!firstSlots_.try_emplace(descriptor.name, static_cast<Slot>(nodeAt_.size())).second) {
-        continue;
-      }
-      for (const auto& version : index.semanticVersions(descriptor.name)) {
-        nodeAt_.push_back(static_cast<Node>(version.position));
-      }
-    }
-    nodeAt_.insert(nodeAt_.end(), textsOnly.begin(), textsOnly.end());
+std::vector<std::uint32_t> findCycle(const VersionSlots& slots,
+                                     std::vector<DependencyGraph::Dependency> dependencies) {
+  const DependencyGraph graph(slots.size(), std::move(dependencies));
+  const DependencyComponents components(graph);
+  std::uint32_t first = nothing;
+  for (const std::vector<Slot>& members : components.cyclic()) {
+    for (const Slot slot : members) first = std::min(first, slots.at(slot).row);
   }
-
-  const std::vector<Node>& nodeAt() const { return nodeAt_; }
-
-  Candidates candidates(const Dependency& dependency, const DependencyGraph& graph) const {
-    if (!dependency.range.isSemVerRange()) {
-      const auto& found = index_.metamodelsAt(dependency.name, dependency.range.getText());
-      if (found.empty()) return {0, 0};
-      const Slot slot = graph.slotOf(static_cast<Node>(found.front()));
-      return {slot, slot + 1};
-    }
-    const SemVerRange& range = dependency.range.getSemVerRange();
-    const auto& versions = index_.semanticVersions(dependency.name);
-    const auto firstFrom = [&](const SemVer& bound) {
-      return std::lower_bound(versions.begin(), versions.end(), bound,
-                              [](auto& entry, auto& v) { return entry.version < v; });
-    };
-    const auto first = firstFrom(range.lower);
-    auto last = firstFrom(range.upper);
-    if (dependency.range ==
-        VersionRange::singleVersion(range.lower)) {  // whose end may have wrapped
-      last = first;
-      while (last != versions.end() && last->version == range.lower) ++last;
-    }
-    const Slot start = firstSlots_.at(dependency.name);
-    return {start + static_cast<Slot>(first - versions.begin()),
-            start + static_cast<Slot>(last - versions.begin())};
+  std::vector<std::uint32_t> rows;
+  if (first == nothing) return rows;
+  for (const Slot slot : components.cycleThrough(slots.slotOf(first))) {
+    rows.push_back(slots.at(slot).row);
   }
-
- private:
-  const CatalogueIndex& index_;
-  std::unordered_map<std::u16string, Slot> firstSlots_;
-  std::vector<Node> nodeAt_;
-};
-
-}  // namespace
-
-std::vector<CatalogueIndex::Position> findDependencyCycle(
-    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index) {
-  const SlotLayout layout(metamodels, index);
-  DependencyGraph graph(layout.nodeAt());
-  for (Node node = 0; node < metamodels.size(); ++node) {
-    for (const Dependency& dependency : metamodels[node].descriptor.dependencies) {
-      graph.addDependency(node, layout.candidates(dependency, graph));
-    }
-  }
-  const std::vector<Node> cycle = graph.findCycle();
-  return {cycle.begin(), cycle.end()};
+  return rows;
 }
 
 }  // namespace tarn::evolution::catalogue

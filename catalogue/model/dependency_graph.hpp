@@ -4,47 +4,46 @@
 #include <cstdint>
 #include <vector>
 
+#include "catalogue/model/version_slots.hpp"
+
 namespace tarn::evolution::catalogue {
 
-/// Which versions of a catalogue may satisfy which dependencies, in as little memory as it takes: a
-/// node for each version, in the catalogue's order.
+/// The versions of a catalogue and their dependencies as a graph in which a dependency on a wide
+/// range is a handful of edges: between versions and ranges stand the nodes of a segment tree over
+/// all slots, each of which leads to its two halves.
 ///
-/// Nodes also have slots, one each, in an order in which the candidates of every dependency are
-/// neighbours: those of one name together, by ascending semantic version.
+/// Nodes are numbered from 1; those from `slotCount` on are the versions. Built in time and memory
+/// nearly linear in versions and dependencies.
 class DependencyGraph {
  public:
   using Node = std::uint32_t;
-  using Slot = std::uint32_t;
 
-  /// The slots from `first` up to but without `last`.
-  struct Candidates {
-    Slot first;
-    Slot last;
+  /// A version and the candidates of one of its dependencies.
+  struct Dependency {
+    Slot from;
+    SlotInterval candidates;
   };
 
-  /// `nodeAt` gives the node of each slot.
-  explicit DependencyGraph(std::vector<Node> nodeAt);
+  /// Dependencies in any order; those of one version keep theirs.
+  DependencyGraph(Slot slotCount, std::vector<Dependency> dependencies);
 
-  Slot slotOf(Node node) const { return slotOf_[node]; }
+  Slot slotCount() const { return slotCount_; }
+  Node end() const { return 2 * slotCount_; }
+  bool isVersion(Node node) const { return node >= slotCount_; }
+  Slot slotOf(Node node) const { return node - slotCount_; }
+  Node nodeOf(Slot slot) const { return slot + slotCount_; }
 
-  /// Adds a dependency of a node. Nodes must come in ascending order.
-  void addDependency(Node node, Candidates candidates);
-
-  /// Nodes that each have the next one, and the last one the first, among the candidates of their
-  /// dependencies; empty when there is no such cycle.
-  ///
-  /// Time is nearly linear in nodes and dependencies, however many versions these span.
-  std::vector<Node> findCycle() const;
+  /// The edges of a version lead to its dependencies in their order, and to the nodes of each range
+  /// by ascending slots.
+  std::size_t edgeCount(Node node) const;
+  Node edge(Node node, std::size_t number) const;
 
  private:
-  friend class CycleSearch;
+  void addEdges(SlotInterval interval);
 
-  std::size_t size() const { return nodeAt_.size(); }
-
-  std::vector<Node> nodeAt_;
-  std::vector<Slot> slotOf_;
-  std::vector<std::size_t> firstDependency_;  // of each node up to the last that has some
-  std::vector<Candidates> dependencies_;
+  Slot slotCount_;
+  std::vector<Node> targets_;             // of the versions, one after the other
+  std::vector<std::size_t> targetStart_;  // of each slot, and the end
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -1,88 +1,121 @@
 #include "catalogue/model/validation.hpp"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
+#include "catalogue/catalogue_error.hpp"
 #include "catalogue/model/dependency_cycle.hpp"
-#include "catalogue/text/unsoundness.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::Hop;
 using pathfinder::VersionId;
 
 namespace {
 
 using Position = CatalogueIndex::Position;
 
-/// The first of the metamodels at these positions whose own version is `version`.
-Position firstWithVersion(const CatalogueContent& content,
-                          const CatalogueIndex::Positions& positions, const VersionId& version) {
-  return *std::find_if(positions.begin(), positions.end(), [&](Position position) {
-    return content.metamodels[position].descriptor.version == version;
-  });
-}
+/// Looks at one thing after the other, and throws.
+class Validation {
+ public:
+  Validation(const CatalogueContent& content, const CatalogueIndex& index)
+      : content_(content), index_(index) {}
 
-void checkUnique(const CatalogueContent& content, const CatalogueIndex& index, Position position) {
-  const pathfinder::Metamodel& descriptor = content.metamodels[position].descriptor;
-  const auto& sameVersion = index.metamodelsAt(descriptor.name, descriptor.version);
-  const Position first = firstWithVersion(content, sameVersion, descriptor.version);
-  if (first != position) throw standsTwice(position, descriptor, "at " + metamodelPlace(first));
-}
+  void run() const {
+    for (Position position = 0; position < content_.metamodels.size(); ++position) {
+      checkUnique(position);
+      checkEquivalent(position);
+      checkDependencies(position);
+    }
+    for (Position position = 0; position < content_.hops.size(); ++position) checkHop(position);
+    checkCycles();
+  }
 
-void checkEquivalent(const CatalogueContent& content, const CatalogueIndex& index,
-                     Position position) {
-  const auto& [descriptor, equivalent] = content.metamodels[position];
-  if (!equivalent) return;
-  for (const Position other : index.metamodelsAt(descriptor.name, *equivalent)) {
-    const pathfinder::Metamodel& holder = content.metamodels[other].descriptor;
-    if (other >= position || holder.version.isSemVer()) continue;
-    throw sharesEquivalent(position, *equivalent, holder, "at " + metamodelPlace(other));
+ private:
+  const pathfinder::Metamodel& descriptor(Position position) const {
+    return content_.metamodels[position].descriptor;
   }
-}
 
-void checkDependencies(const CatalogueContent& content, const CatalogueIndex& index,
-                       Position position) {
-  const auto& dependencies = content.metamodels[position].descriptor.dependencies;
-  for (std::size_t i = 0; i < dependencies.size(); ++i) {
-    if (index.hasMetamodel(dependencies[i].name)) continue;
-    throw dependsOnUnknownName(position, i, dependencies[i].name);
+  void checkUnique(Position position) const {
+    const auto& [name, version, dependencies] = descriptor(position);
+    const auto& same = index_.metamodelsAt(name, version);
+    const Position first = *std::find_if(same.begin(), same.end(), [&](Position other) {
+      return descriptor(other).version == version;
+    });
+    if (first == position) return;
+    throw CatalogueError(metamodelPlace(position), standsAlready(textOf(descriptor(position)),
+                                                                 "at " + metamodelPlace(first)));
   }
-}
 
-void checkHop(const CatalogueContent& content, const CatalogueIndex& index, Position position) {
-  const Hop& hop = content.hops[position];
-  if (!index.hasMetamodel(hop.name)) throw hopOfUnknownName(position, hop.name);
-  if (index.metamodelsAt(hop.name, hop.from).empty()) {
-    throw hopOfUnknownVersion(position, "from", hop.name, hop.from);
+  void checkEquivalent(Position position) const {
+    const auto& equivalent = content_.metamodels[position].equivalent;
+    if (!equivalent) return;
+    for (const Position other : index_.metamodelsAt(descriptor(position).name, *equivalent)) {
+      if (other >= position || descriptor(other).version.isSemVer()) continue;
+      throw CatalogueError(
+          metamodelPlace(position) + "/semver",
+          sharedEquivalent(*equivalent, textOf(descriptor(other)), "at " + metamodelPlace(other)));
+    }
   }
-  if (index.metamodelsAt(hop.name, hop.to).empty()) {
-    throw hopOfUnknownVersion(position, "to", hop.name, hop.to);
-  }
-}
 
-void checkCycles(const CatalogueContent& content, const CatalogueIndex& index) {
-  const std::vector<Position> positions = findDependencyCycle(content.metamodels, index);
-  if (positions.empty()) return;
-  std::vector<pathfinder::Metamodel> cycle;
-  cycle.reserve(positions.size());
-  for (const Position position : positions) {
-    cycle.push_back(content.metamodels[position].descriptor);
+  void checkDependencies(Position position) const {
+    const auto& dependencies = descriptor(position).dependencies;
+    for (std::size_t i = 0; i < dependencies.size(); ++i) {
+      if (index_.hasMetamodel(dependencies[i].name)) continue;
+      throw CatalogueError(dependencyPlace(position, i) + "/name",
+                           unknownMetamodel(dependencies[i].name));
+    }
   }
-  throw dependsOnItself(positions.front(), cycle);
-}
+
+  void checkHop(Position position) const {
+    const auto& [name, from, to, expensive] = content_.hops[position];
+    if (!index_.hasMetamodel(name)) {
+      throw CatalogueError(hopPlace(position) + "/name", unknownMetamodel(name));
+    }
+    for (const auto& [field, version] : {std::pair("/from", &from), std::pair("/to", &to)}) {
+      if (!index_.metamodelsAt(name, *version).empty()) continue;
+      throw CatalogueError(hopPlace(position) + field, unknownVersion(name, *version));
+    }
+  }
+
+  void checkCycles() const {
+    std::unordered_map<std::u16string_view, NameNumber> names;
+    std::vector<VersionSlots::Version> versions;
+    for (const CatalogueMetamodel& metamodel : content_.metamodels) {
+      const auto name = names.try_emplace(metamodel.descriptor.name, names.size()).first->second;
+      const auto row = static_cast<std::uint32_t>(versions.size());
+      versions.push_back({name, row, metamodel.semVer()});
+    }
+    const VersionSlots slots(std::move(versions), names.size(), content_.metamodels.size());
+    std::vector<DependencyGraph::Dependency> dependencies;
+    for (Position position = 0; position < content_.metamodels.size(); ++position) {
+      for (const auto& [name, range] : descriptor(position).dependencies) {
+        const auto findText = [&, &name = name](const std::u16string& text) {
+          const auto& found = index_.metamodelsAt(name, text);
+          return found.empty() ? nothing : slots.slotOf(found.front());
+        };
+        dependencies.push_back(
+            {slots.slotOf(position), slots.admittedBy(names.at(name), range, findText)});
+      }
+    }
+    const std::vector<std::uint32_t> rows = findCycle(slots, std::move(dependencies));
+    if (rows.empty()) return;
+    std::vector<std::string> cycle;
+    for (const std::uint32_t row : rows) cycle.push_back(textOf(descriptor(row)));
+    throw CatalogueError(metamodelPlace(rows.front()) + "/dependencies", dependencyCycle(cycle));
+  }
+
+  const CatalogueContent& content_;
+  const CatalogueIndex& index_;
+};
 
 }  // namespace
 
 void validate(const CatalogueContent& content, const CatalogueIndex& index) {
-  for (Position position = 0; position < content.metamodels.size(); ++position) {
-    checkUnique(content, index, position);
-    checkEquivalent(content, index, position);
-    checkDependencies(content, index, position);
-  }
-  for (Position position = 0; position < content.hops.size(); ++position) {
-    checkHop(content, index, position);
-  }
-  checkCycles(content, index);
+  Validation(content, index).run();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -4,14 +4,18 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "catalogue/reading/json_stream.hpp"
-
 namespace tarn::evolution::catalogue {
 
 using nlohmann::json;
 using Kind = JsonValue::Kind;
 
 namespace {
+
+/// The parser's message without its own name in brackets before it.
+std::string withoutPrefix(const std::string& message) {
+  const std::size_t end = message.find("] ");
+  return end == std::string::npos ? message : message.substr(end + 2);
+}
 
 /// Builds the pieces from the parser's events.
 class PieceBuilder : public nlohmann::json_sax<json> {
@@ -32,7 +36,8 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 
   bool key(string_t& value) override {
     key_ = std::move(value);
-    if (open_.size() == 1 && ignored_ == 0) receiver_.enterField(key_);
+    if (open_.size() == 1 && ignored_ == 0)
+      receiver_.enterField({.order = count_ + 1, .key = key_});
     return true;
   }
   bool start_object(std::size_t /*size*/) override { return open(Kind::Object); }
@@ -42,7 +47,7 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const json::exception& error) override {
-    error_ = withoutPrefix(error.what());
+    error_ = "not JSON: " + withoutPrefix(error.what());
     return false;
   }
 
@@ -77,6 +82,8 @@ class PieceBuilder : public nlohmann::json_sax<json> {
       ignored_ = 1;
     } else {
       open_.push_back(make(kind));
+      const bool isField = open_.size() == 2 && open_[0].kind == Kind::Object;
+      if (isField) return receiver_.enterContainer();
     }
     return true;
   }
@@ -100,7 +107,7 @@ class PieceBuilder : public nlohmann::json_sax<json> {
       elements_ = 0;
       receiver_.receiveField(std::move(value));
     } else if (open_.size() == 2 && open_[0].kind == Kind::Object && open_[1].kind == Kind::Array) {
-      receiver_.receiveElement(open_[1].key, elements_++, std::move(value));
+      receiver_.receiveElement(elements_++, std::move(value));
     } else if (open_[0].kind == Kind::Object) {
       open_.back().children.push_back(std::move(value));
     }

@@ -15,11 +15,11 @@ struct JsonValue {
   enum class Kind { Null, Boolean, Number, Text, Array, Object };
 
   Kind kind = Kind::Null;
-  std::uint64_t order = 0;          ///< of its beginning, ascending through the text
-  std::string key;                  ///< of a field
-  std::string text;                 ///< of a text
-  bool isTrue = false;              ///< of true and false
-  std::vector<JsonValue> children;  ///< elements of an array, fields of an object
+  std::uint64_t order = 0;               ///< of its beginning, ascending through the text
+  std::string key = {};                  ///< of a field
+  std::string text = {};                 ///< of a text
+  bool isTrue = false;                   ///< of true and false
+  std::vector<JsonValue> children = {};  ///< elements of an array, fields of an object
 
   /// "an object", "a number" and so on.
   std::string kindText() const;
@@ -33,13 +33,16 @@ class JsonPieceReceiver {
  public:
   virtual ~JsonPieceReceiver() = default;
 
-  /// The name of a field of the root, before anything that it holds.
-  virtual void enterField(const std::string& /*name*/) {}
+  /// A field of the root, by its name and where it begins, before anything that it holds.
+  virtual void enterField(const JsonValue& /*field*/) {}
 
-  /// An element of an array that is a field of the root.
-  virtual void receiveElement(const std::string& field, std::size_t index, JsonValue value) = 0;
+  /// The field entered last is an array or an object; whether to read on.
+  virtual bool enterContainer() { return true; }
 
-  /// A field of the root, after its elements if it is an array, which it then comes without.
+  /// An element of the field entered last, an array.
+  virtual void receiveElement(std::size_t index, JsonValue value) = 0;
+
+  /// The field entered last, after its elements if it is an array, which it then comes without.
   virtual void receiveField(JsonValue value) = 0;
 
   /// A root that is no object, without its content.
@@ -49,7 +52,8 @@ class JsonPieceReceiver {
 /// Reads a JSON text and passes its pieces on; memory is that of the largest piece. Values nested
 /// deeper below the root than any catalogue has them are passed on without what they hold.
 ///
-/// Returns why the text is not JSON, with line and column; empty when it is.
+/// Returns why the text is not JSON, as a sentence with line and column; empty when it is, or was
+/// not read to its end.
 std::string readJsonPieces(std::istream& in, JsonPieceReceiver& receiver);
 
 }  // namespace tarn::evolution::catalogue

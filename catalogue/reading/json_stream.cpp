@@ -1,76 +1,55 @@
 #include "catalogue/reading/json_stream.hpp"
 
-#include <set>
-#include <string>
+#include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/reading/json_pieces.hpp"
 #include "catalogue/reading/json_rows.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-/// Hands each row on, and refuses what is not of a catalogue's form.
-class RowReceiver : public JsonPieceReceiver {
+Selection selectionOf(const SelectionDraft& draft) {
+  Selection selection;
+  for (const SelectionRow& row : draft.rows) selection.emplace(row.name, row.version);
+  return selection;
+}
+
+/// Hands rows on, all parts of which are there, for the first fault would have ended the reading.
+class WholeRows : public JsonRowReceiver {
  public:
-  explicit RowReceiver(CatalogueSink& sink) : sink_(sink) {}
+  explicit WholeRows(CatalogueSink& sink) : sink_(sink) {}
 
-  void enterField(const std::string& name) override {
-    if (name != "metamodels" && name != "hops" && name != "question") {
-      throw CatalogueError("", "there is no field \"" + name + "\" here");
+  void receiveMetamodel(MetamodelRow row) override {
+    std::vector<pathfinder::Dependency> dependencies;
+    dependencies.reserve(row.dependencies.size());
+    for (const DependencyRow& dependency : row.dependencies) {
+      dependencies.emplace_back(*dependency.name, *dependency.range);
     }
-    if (!fields_.insert(name).second) {
-      throw CatalogueError("", "the field \"" + name + "\" stands twice");
-    }
+    sink_.addMetamodel(
+        {pathfinder::Metamodel(*row.name, *row.version, dependencies), row.equivalent});
   }
 
-  void receiveElement(const std::string& field, std::size_t index, JsonValue value) override {
-    const std::string place = "/" + field + "/" + std::to_string(index);
-    if (field == "metamodels") {
-      sink_.addMetamodel(readMetamodelRow(value, place));
-    } else if (field == "hops") {
-      sink_.addHop(readHopRow(value, place));
-    }
+  void receiveHop(HopRow row, bool isExpensive) override {
+    sink_.addHop({*row.name, *row.from, *row.to, isExpensive});
   }
 
-  void receiveField(JsonValue value) override {
-    const std::string place = "/" + value.key;
-    if (value.key == "question") {
-      sink_.setQuestion(readQuestionRow(value, place));
-    } else if (value.kind != JsonValue::Kind::Array) {
-      throw CatalogueError(place, value.isNot("an array"));
-    }
-  }
-
-  void receiveOtherRoot(JsonValue value) override {
-    throw CatalogueError("", value.isNot("an object"));
-  }
-
-  void expectLists() const {
-    for (const char* name : {"metamodels", "hops"}) {
-      if (fields_.contains(name)) continue;
-      throw CatalogueError("", "the field \"" + std::string(name) + "\" is missing");
-    }
+  void receiveQuestion(std::optional<SelectionDraft> from,
+                       std::optional<SelectionDraft> to) override {
+    sink_.setQuestion({selectionOf(*from), selectionOf(*to)});
   }
 
  private:
   CatalogueSink& sink_;
-  std::set<std::string> fields_;  // of the catalogue, met so far
 };
 
 }  // namespace
 
 void streamJsonCatalogue(std::istream& in, CatalogueSink& sink) {
-  RowReceiver receiver(sink);
-  const std::string syntaxError = readJsonPieces(in, receiver);
-  if (!syntaxError.empty()) throw CatalogueError("", "not JSON: " + syntaxError);
-  receiver.expectLists();
-}
-
-std::string withoutPrefix(const std::string& message) {
-  const std::size_t end = message.find("] ");
-  return end == std::string::npos ? message : message.substr(end + 2);
+  WholeRows rows(sink);
+  FirstJsonFault faults;
+  const std::string syntaxError = readJsonRows(in, rows, faults);
+  if (!syntaxError.empty()) throw CatalogueError("", syntaxError);
 }
 
 }  // namespace tarn::evolution::catalogue

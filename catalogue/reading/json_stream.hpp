@@ -1,7 +1,6 @@
 #pragma once
 
 #include <iosfwd>
-#include <string>
 
 #include "catalogue/model/catalogue_sink.hpp"
 
@@ -14,8 +13,5 @@ namespace tarn::evolution::catalogue {
 /// Throws CatalogueError when the text is not JSON or not of this form; rows before that place have
 /// been handed on by then.
 void streamJsonCatalogue(std::istream& in, CatalogueSink& sink);
-
-/// The JSON parser's message without its own name in brackets before it.
-std::string withoutPrefix(const std::string& message);
 
 }  // namespace tarn::evolution::catalogue

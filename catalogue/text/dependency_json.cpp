@@ -1,7 +1,7 @@
 #include "catalogue/text/dependency_json.hpp"
 
 #include "catalogue/text/printed_text.hpp"
-#include "catalogue/text/range_text.hpp"
+#include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -4,40 +4,36 @@
 #include <string>
 #include <vector>
 
-#include "catalogue/catalogue_error.hpp"
-#include "pathfinder/metamodel.hpp"
+#include "pathfinder/version_id.hpp"
 
-/// What is said of the ways in which a catalogue can be unsound, whatever form it has. Positions
-/// are those in the lists of the JSON form, and places are JSON pointers.
+/// What is said of catalogues that are not as they should be, by whoever reads, checks or changes
+/// them: clauses without a full stop, that name what they are about. Names are UTF-8 as they stand.
 namespace tarn::evolution::catalogue {
 
+/// Places in the JSON form.
 std::string metamodelPlace(std::size_t position);
+std::string dependencyPlace(std::size_t position, std::size_t dependency);
 std::string hopPlace(std::size_t position);
 
-/// `where` the version stands already: "at /metamodels/3", say.
-CatalogueError standsTwice(std::size_t position, const pathfinder::Metamodel& metamodel,
-                           const std::string& where);
+std::string unknownMetamodel(const std::u16string& name);
+std::string unknownVersion(const std::u16string& name, const pathfinder::VersionId& version);
 
-/// `holder` is the other version that has the equivalent, and `where` it stands.
-CatalogueError sharesEquivalent(std::size_t position, const pathfinder::SemVer& equivalent,
-                                const pathfinder::Metamodel& holder, const std::string& where);
+/// `what` may be a version or a hop; `where`, "at /metamodels/3" say, it stands already.
+std::string standsAlready(const std::string& what, const std::string& where);
 
-CatalogueError dependsOnUnknownName(std::size_t position, std::size_t dependency,
-                                    const std::u16string& name);
+/// `holder`, which stands `where`, is the other version that has the equivalent.
+std::string sharedEquivalent(const pathfinder::SemVer& equivalent, const std::string& holder,
+                             const std::string& where);
 
-CatalogueError hopOfUnknownName(std::size_t position, const std::u16string& name);
+inline constexpr const char* equivalentOfSemVer = "only a text version has a semantic equivalent";
 
-/// `end` is "from" or "to".
-CatalogueError hopOfUnknownVersion(std::size_t position, const std::string& end,
-                                   const std::u16string& name,
-                                   const pathfinder::VersionId& version);
+/// `versions`, "name@version" each, depend each on the next one and the last one on the first.
+std::string dependencyCycle(const std::vector<std::string>& versions);
 
-/// Each metamodel of the cycle has a version of the next one among its candidates, the last one of
-/// the first, which stands at `position`.
-CatalogueError dependsOnItself(std::size_t position,
-                               const std::vector<pathfinder::Metamodel>& cycle);
+/// "a, b and c"; of more than seven the first six and how many others there are.
+std::string listed(const std::vector<std::string>& texts, const std::string& conjunction = "and");
 
-/// The cycle as text, without a place. Of a long one the beginning.
-std::string describeCycle(const std::vector<pathfinder::Metamodel>& cycle);
+/// "a -> b -> c"; of more than thirteen six at each end and how many others there are.
+std::string chained(const std::vector<std::string>& texts);
 
 }  // namespace tarn::evolution::catalogue

@@ -1,4 +1,4 @@
-#include "catalogue/text/range_text.hpp"
+#include "catalogue/text/version_range.hpp"
 
 #include "catalogue/text/printed_text.hpp"
 
@@ -12,6 +12,15 @@ std::optional<VersionId> findSingleVersion(const VersionRange& range) {
   const pathfinder::SemVer& lower = range.getSemVerRange().lower;
   return range == VersionRange::singleVersion(lower) ? std::optional<VersionId>(lower)
                                                      : std::nullopt;
+}
+
+bool isReversed(const VersionRange& range) {
+  return !findSingleVersion(range) && range.getSemVerRange().upper < range.getSemVerRange().lower;
+}
+
+bool admitsNothing(const VersionRange& range) {
+  return !findSingleVersion(range) &&
+         !(range.getSemVerRange().lower < range.getSemVerRange().upper);
 }
 
 std::string rangeText(const VersionRange& range) {
