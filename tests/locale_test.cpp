@@ -4,6 +4,8 @@
 #include <sstream>
 
 #include "catalogue/catalogue_repository.hpp"
+#include "catalogue/explanation/explanation_json.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
@@ -40,6 +42,12 @@ std::string writeAll(CatalogueContent content) {
   writeGraphDot(makeGraph(repository, everything), out);
   writeGraphMermaid(makeGraph(repository, everything), out);
   writeSummaryText(summariseAll(repository), Colouring::plain, out);
+  for (const Question& asked : {question, Question{question.to, question.from}}) {
+    const Explanation explanation = explain(repository, asked);
+    writeExplanationText(explanation, weightsOf(repository), out);
+    writeExplanationJson(explanation, weightsOf(repository), out);
+    writeNoPathJson(explanation, weightsOf(repository), out);
+  }
   return out.str();
 }
 

@@ -74,16 +74,25 @@ void tieMoves(const PathPicture::Step& step, std::size_t column,
 
 }  // namespace
 
-PathPicture drawPath(const pathfinder::VersionRepository& repository, const VersionBaseline& source,
+PathPicture drawPath(const StepWeights& weights, const VersionBaseline& source,
                      const std::vector<BaselineHop>& path) {
   PathPicture picture;
   const LaneNumbers numbers = addLanes(source, path, picture.lanes);
   for (const BaselineHop& step : path) {
-    picture.steps.push_back({listMoves(step, numbers), repository.getWeight(step.hops)});
+    picture.steps.push_back({listMoves(step, numbers), weights(step.hops)});
     picture.weight += picture.steps.back().weight;
     for (const auto& move : picture.steps.back().moves) picture.lanes[move.lane].isMoved = true;
   }
   return picture;
+}
+
+PathPicture drawPath(const StepWeights& weights, const std::vector<BaselineHop>& path) {
+  return drawPath(weights, path.empty() ? VersionBaseline() : path.front().from, path);
+}
+
+PathPicture drawPath(const pathfinder::VersionRepository& repository, const VersionBaseline& source,
+                     const std::vector<BaselineHop>& path) {
+  return drawPath(weightsOf(repository), source, path);
 }
 
 std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,24 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   std::uint64_t weight = 0;  ///< of all steps
 };
 
+/// What a step weighs, such as `weightsOf` a repository.
+using StepWeights = std::function<std::uint64_t(const pathfinder::LockstepHop&)>;
+
+/// Those of the path finder (`VersionRepository::getWeight`). Refers to the repository.
+inline StepWeights weightsOf(const pathfinder::VersionRepository& repository) {
+  return [&repository](const pathfinder::LockstepHop& hops) { return repository.getWeight(hops); };
+}
+
 /// The picture of a path that starts at `source`, or of `source` alone when there are no steps.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
+drawPath(const StepWeights& weights, const pathfinder::VersionBaseline& source,
+         const std::vector<pathfinder::BaselineHop>& path);
+
+/// The picture of a path that starts where its first step does; without steps, of nothing.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
+drawPath(const StepWeights& weights, const std::vector<pathfinder::BaselineHop>& path);
+
+/// The same as with `weightsOf(repository)`.
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
 drawPath(const pathfinder::VersionRepository& repository, const pathfinder::VersionBaseline& source,
          const std::vector<pathfinder::BaselineHop>& path);

@@ -28,4 +28,12 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
   });
 }
 
+void writeSteps(JsonPrinter& printer, const PathPicture& picture) {
+  printer.array([&] {
+    for (const PathPicture::Step& step : picture.steps) {
+      printer.object([&] { writeStepFields(printer, picture, step); });
+    }
+  });
+}
+
 }  // namespace tarn::evolution::catalogue

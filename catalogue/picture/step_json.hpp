@@ -10,4 +10,7 @@ namespace tarn::evolution::catalogue {
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step);
 
+/// Writes a list of all steps of a picture.
+void writeSteps(JsonPrinter& printer, const PathPicture& picture);
+
 }  // namespace tarn::evolution::catalogue

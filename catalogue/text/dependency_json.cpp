@@ -6,18 +6,14 @@
 
 namespace tarn::evolution::catalogue {
 
-namespace {
-
-void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
-  if (const auto single = findSingleVersion(range)) return printer.value(textOf(*single));
+void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
+  if (!range.isSemVerRange()) return printer.value(textOf(range));
   printer.array([&] {
     const auto& [lower, upper] = range.getSemVerRange();
     printer.value(textOf(lower));
     printer.value(textOf(upper));
   });
 }
-
-}  // namespace
 
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies) {
@@ -26,7 +22,11 @@ void writeDependencies(JsonPrinter& printer,
       printer.object([&, &name = name, &range = range] {
         printer.field("name", fl::i18n::ustring_to_utf8(name));
         printer.key("range");
-        writeRange(printer, range);
+        if (const auto single = findSingleVersion(range)) {
+          printer.value(textOf(*single));
+        } else {
+          writeBounds(printer, range);
+        }
       });
     }
   });

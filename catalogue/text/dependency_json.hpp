@@ -7,8 +7,11 @@
 
 namespace tarn::evolution::catalogue {
 
+/// Writes a pair [lower, upper), or a text version.
+void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
+
 /// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, or
-/// a pair [lower, upper).
+/// else its bounds.
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies);
 

@@ -27,6 +27,11 @@ void JsonPrinter::value(std::uint64_t number) {
   out_ << std::to_string(number);  // whatever the stream does with numbers
 }
 
+void JsonPrinter::null() {
+  begin();
+  out_ << "null";
+}
+
 void JsonPrinter::open(char bracket) {
   begin();
   out_ << bracket;

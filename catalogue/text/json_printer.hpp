@@ -42,6 +42,7 @@ class JsonPrinter {
   void value(const char* text) { value(std::string(text)); }
   void value(bool truth);
   void value(std::uint64_t number);
+  void null();
 
   template <class Value>
   void field(const std::string& name, const Value& its) {

@@ -1,24 +1,41 @@
-#include "explanation_text.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
 
 #include <algorithm>
 #include <ostream>
 
 #include "catalogue/picture/path_text.hpp"
-#include "catalogue/text/display_text.hpp"
-#include "catalogue/text/printed_text.hpp"
-#include "phrases.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/visible.hpp"
 
-namespace evopath {
+namespace tarn::evolution::catalogue {
 
-using namespace tarn::evolution::catalogue;
-using tarn::evolution::pathfinder::VersionBaseline;
-using tarn::evolution::pathfinder::VersionId;
-using tarn::evolution::pathfinder::VersionRepository;
+using pathfinder::Hop;
+using pathfinder::VersionId;
+using pathfinder::VersionRepository;
+
+/// Beside those for other things, of which this one is found.
+static std::string visible(const NamedVersion& named) {
+  return visible(named.name) + " " + visible(named.version);
+}
 
 namespace {
 
 constexpr std::size_t mostRequirements = 8;
 constexpr std::size_t mostChoices = 5;
+
+/// "1.0.0 -> 2.0.0".
+std::string visibleMove(const Hop& hop) {
+  return visible(hop.from) + " -> " + visible(hop.to);
+}
+
+template <class Item>
+std::vector<std::string> visibleEach(const std::vector<Item>& items) {
+  std::vector<std::string> texts;
+  texts.reserve(items.size());
+  for (const Item& item : items) texts.push_back(visible(item));
+  return texts;
+}
 
 template <class... Cases>
 struct Overloaded : Cases... {
@@ -26,12 +43,6 @@ struct Overloaded : Cases... {
 };
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
-
-std::string joined(const std::vector<NamedVersion>& chain) {
-  std::string result;
-  for (const NamedVersion& link : chain) result += (result.empty() ? "" : " -> ") + visible(link);
-  return result;
-}
 
 std::string lowerCased(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
@@ -45,7 +56,7 @@ std::string directionText(VersionRepository::Direction direction) {
 }
 
 /// Of the reasons only those that speak of no path.
-const auto headline = Overloaded{
+constexpr auto headline = Overloaded{
     [](const PathExists&) { return std::string(); },
     [](const UnknownEntries& reason) { return describe(reason); },
     [](const InconsistentSelection& reason) {
@@ -74,7 +85,7 @@ const auto headline = Overloaded{
 
 class Details {
  public:
-  Details(const VersionRepository& weigh, std::ostream& out) : weigh_(weigh), out_(out) {}
+  Details(const StepWeights& weights, std::ostream& out) : weights_(weights), out_(out) {}
 
   void operator()(const PathExists& /*reason*/) {}
   void operator()(const UnknownEntries& /*reason*/) {}
@@ -107,7 +118,7 @@ class Details {
   void operator()(const AgainstDirection& reason) {
     out_ << "If all hops counted, there would be a path. Against the direction go:\n";
     for (const auto& hop : reason.against) {
-      out_ << "  " << visible(hop.name) << " " << visible(hop) << "\n";
+      out_ << "  " << visible(hop.name) << " " << visibleMove(hop) << "\n";
     }
     out_ << "The path in both directions:\n";
     printPath(reason.path);
@@ -122,7 +133,7 @@ class Details {
     if (reason.stuckAt.empty()) return;
     out_ << "They get stuck with " << listed(visibleEach(blockersAmong(reason))) << ".\n";
     for (const BlockedHop& blocked : reason.blocked) {
-      out_ << "There " << visible(blocked.hop.name) << " cannot go " << visible(blocked.hop)
+      out_ << "There " << visible(blocked.hop.name) << " cannot go " << visibleMove(blocked.hop)
            << ":\n";
       print(blocked.clash, "  ", " can then only be ");
     }
@@ -134,7 +145,8 @@ class Details {
   }
 
   void print(const Unlinkable& unlinkable) {
-    out_ << visible(unlinkable.chain.front()) << " cannot be linked: " << joined(unlinkable.chain);
+    out_ << visible(unlinkable.chain.front())
+         << " cannot be linked: " << chained(visibleEach(unlinkable.chain));
     if (unlinkable.unmet) {
       out_ << " needs " << visible(unlinkable.unmet->name) << " "
            << visible(unlinkable.unmet->range) << ", which no version satisfies";
@@ -241,7 +253,8 @@ class Details {
     std::vector<VersionId> selected;
     for (const auto& [chain, name, range] : clash.requirements) {
       if (range) {
-        lines.push_back(joined(chain) + " needs " + visible(name) + " " + visible(*range));
+        lines.push_back(chained(visibleEach(chain)) + " needs " + visible(name) + " " +
+                        visible(*range));
       } else {
         selected.push_back(chain.back().version);
       }
@@ -270,12 +283,11 @@ class Details {
     return held + ", " + countedText(*rest.hopsLeft, "hop") + " short of " + target;
   }
 
-  void printPath(const std::vector<tarn::evolution::pathfinder::BaselineHop>& path) {
-    const auto source = path.empty() ? VersionBaseline{} : path.front().from;
-    writePathText(drawPath(weigh_, source, path), Colouring::plain, out_);
+  void printPath(const std::vector<pathfinder::BaselineHop>& path) {
+    writePathText(drawPath(weights_, path), Colouring::plain, out_);
   }
 
-  const VersionRepository& weigh_;
+  const StepWeights& weights_;
   std::ostream& out_;
 };
 
@@ -305,13 +317,19 @@ std::string headlineOf(const Explanation& explanation) {
   return std::visit(headline, explanation.reason);
 }
 
-void printDetails(const Explanation& explanation, const VersionRepository& weigh,
-                  std::ostream& out) {
-  Details details(weigh, out);
+void writeExplanationText(const Explanation& explanation, const StepWeights& weights,
+                          std::ostream& out) {
+  const PlainNumbers plain(out);
+  if (std::holds_alternative<PathExists>(explanation.reason)) {
+    out << "There is a path.\n";
+    return;
+  }
+  out << "No path: " << headlineOf(explanation) << "\n";
+  Details details(weights, out);
   std::visit(details, explanation.reason);
   details.printWithoutOrder(explanation.withoutOrder);
   for (const Unlinkable& unlinkable : explanation.unlinkable) details.print(unlinkable);
   if (explanation.nearest) details.print(*explanation.nearest);
 }
 
-}  // namespace evopath
+}  // namespace tarn::evolution::catalogue

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <iosfwd>
 
 #include "catalogue/explanation/explanation.hpp"
+#include "catalogue/picture/path_picture.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
 
-namespace evopath {
+namespace tarn::evolution::catalogue {
 
-/// The explanation for programs:
+/// Writes an explanation for programs:
 ///
 ///     {"kind", ..., "unlinkable": [UNLINKABLE], "withoutOrder": [NAMED], "nearest": NEAREST,
 ///      "questions"}
@@ -28,9 +30,15 @@ namespace evopath {
 ///     UNLINKABLE  {"chain", "unmet": {"name", "range", "nearest"}, "clash"}
 ///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}
 ///
-/// A range is a pair [lower, upper) or one version; a requirement without one is the selected
-/// version itself.
-nlohmann::ordered_json toJson(const tarn::evolution::catalogue::Explanation& explanation,
-                              const tarn::evolution::pathfinder::VersionRepository& weigh);
+/// A range is a pair [lower, upper), also of one semantic version, or a text version; a requirement
+/// without one is the selected version itself. Steps are as `writePathJson` writes them; `weights` weighs them.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeExplanationJson(const Explanation& explanation,
+                                                          const StepWeights& weights,
+                                                          std::ostream& out);
 
-}  // namespace evopath
+/// What stands in the place of a path that `writePathJson` would write: {"found": false, "reason",
+/// "explanation"}, the reason being that of `headlineOf`.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeNoPathJson(const Explanation& explanation,
+                                                     const StepWeights& weights, std::ostream& out);
+
+}  // namespace tarn::evolution::catalogue
