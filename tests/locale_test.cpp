@@ -36,12 +36,12 @@ std::string writeAll(CatalogueContent content) {
        {writePathDot, writePathHtml, writePathJson, writePathMermaid, writePathSvg}) {
     write(picture, out);
   }
-  writePathText(picture, Colouring::plain, out);
+  writePathText(picture, Colouring::Plain, out);
   GraphRequest everything;
   everything.limit = 1000;
   writeGraphDot(makeGraph(repository, everything), out);
   writeGraphMermaid(makeGraph(repository, everything), out);
-  writeSummaryText(summariseAll(repository), Colouring::plain, out);
+  writeSummaryText(summariseAll(repository), Colouring::Plain, out);
   for (const Question& asked : {question, Question{question.to, question.from}}) {
     const Explanation explanation = explain(repository, asked);
     writeExplanationText(explanation, weightsOf(repository), out);

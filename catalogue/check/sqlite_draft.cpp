@@ -97,7 +97,7 @@ class SqliteDraftReader {
   }
 
   MetamodelRow readMetamodel(const Rows& rows) {
-    MetamodelRow row{numberIn(rows, 0), ++count_, {}, {}, {}, {}};
+    MetamodelRow row{.number = numberIn(rows, 0), .order = ++count_};
     row.name = nameIn(rows, 1, 4, draft_.placeOf(row, "name"));
     row.version = orFind(FindingCode::BadVersion, draft_.placeOf(row, "version"),
                          [&] { return versionIn(rows, 2); });
@@ -112,7 +112,7 @@ class SqliteDraftReader {
   }
 
   void readDependency(const Rows& rows, MetamodelRow& owner) {
-    DependencyRow row{numberIn(rows, 1), ++count_, {}, {}};
+    DependencyRow row{.number = numberIn(rows, 1), .order = ++count_};
     row.name = nameIn(rows, 2, 6, draft_.placeOf(owner, row, "name"));
     row.range = orFind(FindingCode::BadRange, draft_.placeOf(owner, row, "range"),
                        [&] { return checkedRangeIn(rows, 3); });
@@ -120,14 +120,14 @@ class SqliteDraftReader {
   }
 
   void findOrphan(const Rows& rows) {
-    MetamodelRow owner{numberIn(rows, 0), ++count_, {}, {}, {}, {}};
-    find(FindingCode::OrphanRow,
-         draft_.placeOf(owner, DependencyRow{numberIn(rows, 1), count_, {}, {}}),
+    const MetamodelRow owner{.number = numberIn(rows, 0), .order = ++count_};
+    const DependencyRow row{.number = numberIn(rows, 1), .order = count_};
+    find(FindingCode::OrphanRow, draft_.placeOf(owner, row),
          "no row of metamodels has the position " + std::to_string(rows.number(0)));
   }
 
   void readHop(const Rows& rows) {
-    HopRow row{numberIn(rows, 0), ++count_, {}, {}, {}};
+    HopRow row{.number = numberIn(rows, 0), .order = ++count_};
     row.name = nameIn(rows, 1, 4, draft_.placeOf(row, "name"));
     row.from = orFind(FindingCode::BadVersion, draft_.placeOf(row, "from"),
                       [&] { return versionIn(rows, 2); });
@@ -155,7 +155,7 @@ class SqliteDraftReader {
 
   SelectionDraft readSelection(const std::string& side) {
     const std::string place = "table question_versions, side " + side;
-    SelectionDraft selection{{place, ++count_}, {}, true};
+    SelectionDraft selection{.place = {place, ++count_}};
     SqliteStatement versions(
         database_, "SELECT name, version FROM question_versions WHERE side = ?1 ORDER BY name");
     auto rows = versions.query(side);
@@ -199,7 +199,7 @@ class SqliteDraftReader {
   }
 
   void find(FindingCode code, const Place& place, const std::string& message) {
-    draft_.findings.push_back({code, place, message, {}});
+    draft_.findings.push_back({.code = code, .place = place, .message = message, .related = {}});
   }
 
   SqliteDatabase& database_;

@@ -25,8 +25,10 @@ VersionBaseline cutDown(const VersionBaseline& baseline, const Names& names) {
 /// The question about some names only, as `NeverTogether` defines what leaving the others out
 /// means.
 PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
-  PosedQuestion part{question.inquiry, question.graphs, question.direction, {}, {}, {}, {}};
-  part.goals = restrictTo(question.goals, names);
+  PosedQuestion part{.inquiry = question.inquiry,
+                     .graphs = question.graphs,
+                     .direction = question.direction,
+                     .goals = restrictTo(question.goals, names)};
   for (const auto& [name, goal] : part.goals) {
     part.starts.emplace(name, question.starts.at(name));
     if (question.newcomers.contains(name)) part.newcomers.insert(name);
@@ -189,7 +191,8 @@ std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
 NeverTogether explainBlocking(const PosedQuestion& question) {
   Minimisation minimisation(question);
   const Names names = minimisation.run();
-  NeverTogether result{{names.begin(), names.end()}, minimisation.isMinimal(), {}, {}};
+  NeverTogether result{.names = {names.begin(), names.end()},
+                       .isMinimal = minimisation.isMinimal()};
   const PosedQuestion part = partOf(question, names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);

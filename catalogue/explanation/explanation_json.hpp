@@ -31,7 +31,8 @@ namespace tarn::evolution::catalogue {
 ///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}
 ///
 /// A range is a pair [lower, upper), also of one semantic version, or a text version; a requirement
-/// without one is the selected version itself. Steps are as `writePathJson` writes them; `weights` weighs them.
+/// without one is the selected version itself. Steps are as `writePathJson` writes them; `weights`
+/// weighs them.
 TARN_EVOLUTION_CATALOGUE_EXPORT void writeExplanationJson(const Explanation& explanation,
                                                           const StepWeights& weights,
                                                           std::ostream& out);

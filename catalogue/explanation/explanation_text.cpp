@@ -284,7 +284,7 @@ class Details {
   }
 
   void printPath(const std::vector<pathfinder::BaselineHop>& path) {
-    writePathText(drawPath(weights_, path), Colouring::plain, out_);
+    writePathText(drawPath(weights_, path), Colouring::Plain, out_);
   }
 
   const StepWeights& weights_;

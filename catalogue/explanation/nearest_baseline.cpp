@@ -233,7 +233,8 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
   FewestHops search(question, std::move(alternatives));
   auto arrival = search.run();
   if (!arrival) arrival = Arrival{{}, question.sources.front()};
-  NearestBaseline result{std::move(arrival->path), std::move(arrival->baseline), {}, {}, false};
+  NearestBaseline result{.path = std::move(arrival->path),
+                         .baseline = std::move(arrival->baseline)};
   result.isProven = subsets.isProven && search.isProven() && !question.inquiry->hasCut();
   describe(question, result);
   return result;

@@ -16,9 +16,13 @@ namespace tarn::evolution::catalogue {
 /// independent of the path and of the repository.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   enum class MoveKind {
-    ordinary,
-    expensive,
-    entering,  ///< not held before: a link of another metamodel brings it in
+    Ordinary,
+    Expensive,
+    Entering,  ///< not held before: a link of another metamodel brings it in
+    // As hosts may write them.
+    ordinary = Ordinary,
+    expensive = Expensive,
+    entering = Entering,
   };
 
   /// One metamodel's part in a step.
@@ -70,15 +74,20 @@ drawPath(const pathfinder::VersionRepository& repository, const pathfinder::Vers
 /// One place of the picture: a lane at a step, or at the start.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
   enum class Kind {
-    absent,  ///< not held yet
-    start,
-    unmoved,
-    move,
+    Absent,  ///< not held yet
+    Start,
+    Unmoved,
+    Move,
+    // As hosts may write them.
+    absent = Absent,
+    start = Start,
+    unmoved = Unmoved,
+    move = Move,
   };
 
-  Kind kind = Kind::absent;
+  Kind kind = Kind::Absent;
   std::string version;                      ///< held here; empty when absent
-  const PathPicture::Move* move = nullptr;  ///< of kind `move`; refers to the picture
+  const PathPicture::Move* move = nullptr;  ///< of kind `Move`; refers to the picture
 
   /// Which parts of a line that ties the step's moves together cross this place.
   bool isTiedUpward = false;

@@ -15,29 +15,29 @@ namespace tarn::evolution::catalogue {
 
 /// What could be read of a dependency.
 struct DependencyRow {
-  std::size_t number;   ///< among those of its metamodel
-  std::uint64_t order;  ///< see Place
-  std::optional<std::u16string> name;
-  std::optional<pathfinder::VersionRange> range;
+  std::size_t number = 0;   ///< among those of its metamodel
+  std::uint64_t order = 0;  ///< see Place
+  std::optional<std::u16string> name = {};
+  std::optional<pathfinder::VersionRange> range = {};
 };
 
 /// What could be read of one version of a metamodel.
 struct MetamodelRow {
-  std::size_t number;  ///< in its list, or the position in its table
-  std::uint64_t order;
-  std::optional<std::u16string> name;
-  std::optional<pathfinder::VersionId> version;
-  std::optional<pathfinder::SemVer> equivalent;  ///< of text versions only; may be left out
-  std::vector<DependencyRow> dependencies;
+  std::size_t number = 0;  ///< in its list, or the position in its table
+  std::uint64_t order = 0;
+  std::optional<std::u16string> name = {};
+  std::optional<pathfinder::VersionId> version = {};
+  std::optional<pathfinder::SemVer> equivalent = {};  ///< of text versions only; may be left out
+  std::vector<DependencyRow> dependencies = {};
 };
 
 /// What could be read of a hop.
 struct HopRow {
-  std::size_t number;
-  std::uint64_t order;
-  std::optional<std::u16string> name;
-  std::optional<pathfinder::VersionId> from;
-  std::optional<pathfinder::VersionId> to;
+  std::size_t number = 0;
+  std::uint64_t order = 0;
+  std::optional<std::u16string> name = {};
+  std::optional<pathfinder::VersionId> from = {};
+  std::optional<pathfinder::VersionId> to = {};
 };
 
 /// One version that the catalogue's question selects, both parts of which could be read.
@@ -50,7 +50,7 @@ struct SelectionRow {
 /// One side of the catalogue's question.
 struct SelectionDraft {
   Place place;
-  std::vector<SelectionRow> rows;
+  std::vector<SelectionRow> rows = {};
   bool isComplete = true;  ///< whether all of its versions could be read
 };
 

@@ -125,21 +125,9 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 }  // namespace
 
 std::string JsonValue::kindText() const {
-  switch (kind) {
-    case Kind::Null:
-      return "null";
-    case Kind::Boolean:
-      return "true or false";
-    case Kind::Number:
-      return "a number";
-    case Kind::Text:
-      return "a text";
-    case Kind::Array:
-      return "an array";
-    case Kind::Object:
-      return "an object";
-  }
-  return {};
+  constexpr const char* texts[] = {"null",   "true or false", "a number",
+                                   "a text", "an array",      "an object"};
+  return texts[static_cast<std::size_t>(kind)];
 }
 
 std::string JsonValue::isNot(const std::string& wanted) const {

@@ -12,7 +12,7 @@ namespace tarn::evolution::catalogue {
 /// one that stands twice is there twice. To destroy it takes no memory, other than the parser's own
 /// documents do, which therefore nothing here is made of.
 struct JsonValue {
-  enum class Kind { Null, Boolean, Number, Text, Array, Object };
+  enum class Kind { Null, Boolean, Number, Text, Array, Object };  // in the order of kindText()
 
   Kind kind = Kind::Null;
   std::uint64_t order = 0;               ///< of its beginning, ascending through the text

@@ -46,7 +46,6 @@ class RowReader {
                      .order = spot.value.order,
                      .name = nameField(spot),
                      .version = versionField(spot, "version"),
-                     .equivalent = {},
                      .dependencies = std::move(dependencies)};
     if (const JsonValue* field = findField(spot, "semver")) {
       row.equivalent = readEquivalent({*field, &spot}, row);
@@ -136,17 +135,18 @@ class RowReader {
     return orFault(fault, spot, [&] { return parse(spot.value.text); });
   }
 
-  std::optional<std::u16string> nameField(const JsonSpot& object) {
-    return requiredField(object, "name", [&](const JsonSpot& spot) {
-      return parsedText(JsonFault::BadName, spot, parseName);
-    });
+  template <class Parse>
+  auto textField(JsonFault fault, const JsonSpot& object, const char* name, const Parse& parse) {
+    return requiredField(object, name,
+                         [&](const JsonSpot& spot) { return parsedText(fault, spot, parse); });
   }
 
-  std::optional<pathfinder::VersionId> versionField(const JsonSpot& object,
-                                                    const std::string& name) {
-    return requiredField(object, name, [&](const JsonSpot& spot) {
-      return parsedText(JsonFault::BadVersion, spot, parseVersion);
-    });
+  std::optional<std::u16string> nameField(const JsonSpot& object) {
+    return textField(JsonFault::BadName, object, "name", parseName);
+  }
+
+  std::optional<pathfinder::VersionId> versionField(const JsonSpot& object, const char* name) {
+    return textField(JsonFault::BadVersion, object, name, parseVersion);
   }
 
   std::optional<pathfinder::SemVer> readEquivalent(const JsonSpot& spot, const MetamodelRow& row) {
@@ -195,7 +195,7 @@ class RowReader {
 
   std::optional<SelectionDraft> readSelection(const JsonSpot& spot) {
     if (!expectObject(spot)) return std::nullopt;
-    SelectionDraft selection{.place = spot.place(), .rows = {}};
+    SelectionDraft selection{.place = spot.place()};
     for (const JsonValue& field : spot.value.children) {
       if (auto row = readSelected({field, &spot})) {
         selection.rows.push_back(*std::move(row));

@@ -12,6 +12,7 @@
 #include "catalogue/text/display_text.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
+#include "messages/trace.hpp"
 #include "output_option.hpp"
 #include "path_format.hpp"
 #include "platform/in_memory/logging.hpp"
@@ -20,6 +21,7 @@
 namespace evopath {
 
 using namespace tarn::evolution::catalogue;
+using tarn::evolution::diagnostics::TraceLevel;
 using tarn::evolution::pathfinder::BaselineHop;
 using tarn::evolution::pathfinder::VersionBaseline;
 
@@ -31,13 +33,18 @@ struct PathOptions : QuestionOptions {
   bool trace = false;
 };
 
+/// The path finder's logger, and all levels that it writes on.
+constexpr const char* traceChannel = "tarn::evolution::pathfinder";
+constexpr unsigned traceLevels =
+    static_cast<unsigned>(TraceLevel::Reasoning) | static_cast<unsigned>(TraceLevel::CacheStore);
+
 void traceToStandardError() {
   foundation::log::in_memory::addRecordSink(
       [](const foundation::log::in_memory::RecordView& record) {
         std::cerr << record.channel << " [" << record.severity << "] " << toVisible(record.text)
                   << "\n";
       });
-  foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
+  foundation::log::in_memory::setEnabledLevels(traceChannel, traceLevels);
 }
 
 /// The path; none as well when the path finder stumbles over a version that cannot be linked.
@@ -53,7 +60,7 @@ std::optional<std::vector<BaselineHop>> findPath(BrowsableRepository& repository
 void printNoPath(const Explanation& explanation, const StepWeights& weights,
                  const PathOptions& options) {
   std::ostringstream text;
-  if (options.form.format == PathFormat::json) {
+  if (options.form.format == PathFormat::Json) {
     writeNoPathJson(explanation, weights, text);
   } else {
     writeExplanationText(explanation, weights, text);
@@ -84,7 +91,7 @@ ExitStatus runPath(const PathOptions& options) {
     const auto picture =
         drawPath(weightsOf(*repository), sourceOf(*path, options, *repository, question), *path);
     options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
-    return found;
+    return ExitStatus::Found;
   }
   const Explanation explanation = explain(*repository, question);
   printNoPath(explanation, weightsOf(*repository), options);

@@ -53,10 +53,10 @@ ExitStatus runRemove(const RemoveOptions& options) {
   });
   if (result.obstacleCount > 0) {
     printObstacles(result, std::cerr);
-    return badInput;
+    return ExitStatus::BadInput;
   }
   std::cout << "Removed " << describeCounts(result.removed) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace
