@@ -1,3 +1,8 @@
+// Decides versions in the order of their components, dependencies first, so that all candidates of
+// a version are decided before it: blocked by one of them, unsatisfied, shown to be linkable by a
+// set that is known, or else for the solver. What blocks is handed on through the nodes of the
+// graph, each once. Linear but for the solver. See docs/catalogue.md.
+
 #include "catalogue/check/link_analysis.hpp"
 
 #include <algorithm>

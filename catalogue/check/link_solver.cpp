@@ -1,3 +1,18 @@
+// Backtracking search with unit propagation and conflict-directed backjumping. Variables are the
+// names required so far; a domain is an interval of slots, with the two requirements that bound it;
+// taking a version makes it meet the requirements of its dependencies.
+//
+// - A domain with one version left is taken at once (`forced_`), so that pinned dependencies cost
+//   one look each. Otherwise the first open name is decided, newest version first.
+// - `conflict_` holds the decisions to blame for a dead end: a version that was decided blames its
+//   decision, a forced one the holders of its bounds. While these stand, so does the dead end;
+//   so the last of them is changed next, and inherits the others.
+// - What changes after the first decision is noted and undone. Domains of former runs are told by
+//   their generation, so that a run costs what it touches.
+//
+// Exponential at worst; work is counted in requirements looked at. docs/catalogue.md proves that
+// nothing is missed.
+
 #include "catalogue/check/link_solver.hpp"
 
 #include <algorithm>

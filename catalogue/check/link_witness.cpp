@@ -1,3 +1,11 @@
+// Models of former answers, as satisfiability solvers keep them: a set that holds a candidate for
+// each dependency of a version shows that the version can be linked. Asked are the sets of the
+// middle, the last and the first candidate of each range, which meet most others.
+//
+// A version may take the place of another of its name where names are layered: sorted
+// topologically (Kahn's algorithm), nothing that it needs can need the name itself. Every set keeps
+// for each member one candidate of each of its dependencies. See docs/catalogue.md.
+
 #include "catalogue/check/link_witness.hpp"
 
 #include <algorithm>

@@ -1,3 +1,8 @@
+// Deletion-based minimisation: leaves out name by name, and keeps a name without which there would
+// be a path. What remains blocks, and none of it can be left out. One question for each name. Then
+// the closest baseline that all of them can reach shows which hops a clash holds up there. See
+// docs/catalogue.md.
+
 #include "catalogue/explanation/blocking_set.hpp"
 
 #include <algorithm>

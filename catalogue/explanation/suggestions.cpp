@@ -1,3 +1,6 @@
+// Levenshtein's distance by Wagner and Fischer's table, of which one row is kept: time is the
+// product of both lengths, memory one of them.
+
 #include "catalogue/explanation/suggestions.hpp"
 
 #include <algorithm>

@@ -4,7 +4,8 @@
 // are closed after all that they lead to. Linear in nodes and edges; with a stack of its own, for
 // chains of dependencies may be long.
 //
-// A shortest cycle is found by breadth-first search over the versions of one component.
+// A shortest cycle is found by breadth-first search over the versions of one component. See
+// docs/catalogue.md.
 
 #include "catalogue/model/dependency_components.hpp"
 

@@ -1,7 +1,8 @@
 // A segment tree that stands for its intervals: node n has the halves 2n and 2n + 1, and the leaves
 // are the slots. An interval is the union of at most 2 log2(slots) nodes, which the walk from both
 // of its ends upward finds; so all edges together are O((versions + dependencies) log versions),
-// however many versions ranges span, and reachability between versions is that of the plain graph.
+// however many versions ranges span, and versions reach each other as in the plain graph. See
+// docs/catalogue.md.
 
 #include "catalogue/model/dependency_graph.hpp"
 
