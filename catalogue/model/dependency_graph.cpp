@@ -7,6 +7,8 @@
 #include "catalogue/model/dependency_graph.hpp"
 
 #include <algorithm>
+#include <array>
+#include <limits>
 
 namespace tarn::evolution::catalogue {
 
@@ -14,9 +16,12 @@ using Node = DependencyGraph::Node;
 
 DependencyGraph::DependencyGraph(Slot slotCount, std::vector<Dependency> dependencies)
     : slotCount_(slotCount) {
-  std::stable_sort(
-      dependencies.begin(), dependencies.end(),
-      [](const Dependency& left, const Dependency& right) { return left.from < right.from; });
+  const auto precedes = [](const Dependency& left, const Dependency& right) {
+    return left.from < right.from;
+  };
+  if (!std::is_sorted(dependencies.begin(), dependencies.end(), precedes)) {
+    std::stable_sort(dependencies.begin(), dependencies.end(), precedes);
+  }
   targetStart_.reserve(slotCount_ + std::size_t{1});
   auto dependency = dependencies.begin();
   for (Slot slot = 0; slot < slotCount_; ++slot) {
@@ -30,14 +35,15 @@ DependencyGraph::DependencyGraph(Slot slotCount, std::vector<Dependency> depende
 
 void DependencyGraph::addEdges(SlotInterval interval) {
   if (interval.empty()) return;
-  std::vector<Node> fromRight;
+  std::array<Node, std::numeric_limits<Node>::digits> fromRight{};  // downward
+  std::size_t count = 0;
   Node left = nodeOf(interval.begin);
   Node right = nodeOf(interval.end);
   for (; left < right; left /= 2, right /= 2) {
     if (left % 2 == 1) targets_.push_back(left++);
-    if (right % 2 == 1) fromRight.push_back(--right);
+    if (right % 2 == 1) fromRight[count++] = --right;
   }
-  targets_.insert(targets_.end(), fromRight.rbegin(), fromRight.rend());
+  while (count > 0) targets_.push_back(fromRight[--count]);
 }
 
 std::size_t DependencyGraph::edgeCount(Node node) const {

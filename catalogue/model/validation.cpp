@@ -40,14 +40,14 @@ class Validation {
   }
 
   void checkUnique(Position position) const {
-    const auto& [name, version, dependencies] = descriptor(position);
-    const auto& same = index_.metamodelsAt(name, version);
+    const pathfinder::Metamodel& own = descriptor(position);
+    const auto& same = index_.metamodelsAt(own.name, own.version);
     const Position first = *std::find_if(same.begin(), same.end(), [&](Position other) {
-      return descriptor(other).version == version;
+      return descriptor(other).version == own.version;
     });
     if (first == position) return;
-    throw CatalogueError(metamodelPlace(position), standsAlready(textOf(descriptor(position)),
-                                                                 "at " + metamodelPlace(first)));
+    throw CatalogueError(metamodelPlace(position),
+                         standsAlready(textOf(own), "at " + metamodelPlace(first)));
   }
 
   void checkEquivalent(Position position) const {

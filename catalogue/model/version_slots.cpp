@@ -28,21 +28,15 @@ bool isHigher(const SemVer& bound, const Version& version) {
 }  // namespace
 
 VersionSlots::VersionSlots(std::vector<Version> versions, std::size_t names, std::size_t rows)
-    : versions_(std::move(versions)), all_(names), slotOf_(rows, nothing) {
+    : versions_(std::move(versions)), all_(names), semantic_(names), slotOf_(rows, nothing) {
   std::sort(versions_.begin(), versions_.end(), comesBefore);
   for (Slot slot = 0; slot < size(); ++slot) {
-    SlotInterval& all = all_[versions_[slot].name];
-    if (all.empty()) all.begin = slot;
-    all.end = slot + 1;
-    slotOf_[versions_[slot].row] = slot;
+    const auto& [name, row, semantic] = versions_[slot];
+    if (all_[name].empty()) all_[name].begin = semantic_[name].begin = semantic_[name].end = slot;
+    all_[name].end = slot + 1;
+    if (semantic) semantic_[name].end = slot + 1;
+    slotOf_[row] = slot;
   }
-}
-
-SlotInterval VersionSlots::semantic(NameNumber name) const {
-  const auto begin = versions_.begin();
-  const auto end = std::partition_point(begin + all(name).begin, begin + all(name).end,
-                                        [](const Version& v) { return v.semantic.has_value(); });
-  return {all(name).begin, static_cast<Slot>(end - begin)};
 }
 
 SlotInterval VersionSlots::denotedBy(NameNumber name, const SemVer& version) const {

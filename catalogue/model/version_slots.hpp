@@ -53,7 +53,7 @@ class VersionSlots {
 
   /// All versions of a name, and those of them with a semantic version or equivalent.
   SlotInterval all(NameNumber name) const { return all_[name]; }
-  SlotInterval semantic(NameNumber name) const;
+  SlotInterval semantic(NameNumber name) const { return semantic_[name]; }
 
   /// The versions that a semantic version denotes.
   SlotInterval denotedBy(NameNumber name, const pathfinder::SemVer& version) const;
@@ -75,7 +75,8 @@ class VersionSlots {
 
   std::vector<Version> versions_;
   std::vector<SlotInterval> all_;  // by name
-  std::vector<Slot> slotOf_;       // by row
+  std::vector<SlotInterval> semantic_;
+  std::vector<Slot> slotOf_;  // by row
 };
 
 }  // namespace tarn::evolution::catalogue

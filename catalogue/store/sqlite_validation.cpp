@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/stored_cycle.hpp"
 #include "catalogue/text/messages.hpp"
