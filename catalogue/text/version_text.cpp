@@ -3,7 +3,6 @@
 #include <optional>
 #include <stdexcept>
 
-#include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -30,8 +29,9 @@ std::u16string parseText(const std::string& utf8) {
 /// Whether the version reads as the text again. It does not when a component was beyond 64 bits and
 /// has wrapped: nothing else is lost in parsing but a patch that was left out.
 bool readsAs(const SemVer& version, const std::string& text) {
-  const std::string full = textOf(version);
-  return full == text || full == text + ".0";
+  const std::string twoParts = std::to_string(version.major) + "." + std::to_string(version.minor);
+  return text == twoParts + "." + std::to_string(version.patch) ||
+         (text == twoParts && version.patch == 0);
 }
 
 std::optional<SemVer> parseSemVerIfAny(const std::u16string& text, const std::string& utf8) {
