@@ -104,6 +104,7 @@ class Validation {
     const std::vector<std::uint32_t> rows = findCycle(slots, std::move(dependencies));
     if (rows.empty()) return;
     std::vector<std::string> cycle;
+    cycle.reserve(rows.size());
     for (const std::uint32_t row : rows) cycle.push_back(textOf(descriptor(row)));
     throw CatalogueError(metamodelPlace(rows.front()) + "/dependencies", dependencyCycle(cycle));
   }
