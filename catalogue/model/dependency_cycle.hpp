@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "catalogue/catalogue.hpp"
 #include "catalogue/model/dependency_graph.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -14,5 +15,9 @@ namespace tarn::evolution::catalogue {
 /// Time is nearly linear in versions and dependencies, however many versions their ranges span.
 std::vector<std::uint32_t> findCycle(const VersionSlots& slots,
                                      std::vector<DependencyGraph::Dependency> dependencies);
+
+/// The positions of metamodels that `findCycle` finds. Each dependency must name one of them.
+std::vector<CatalogueIndex::Position> findDependencyCycle(
+    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index);
 
 }  // namespace tarn::evolution::catalogue

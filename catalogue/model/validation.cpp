@@ -1,8 +1,6 @@
 #include "catalogue/model/validation.hpp"
 
 #include <algorithm>
-#include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
@@ -82,31 +80,13 @@ class Validation {
   }
 
   void checkCycles() const {
-    std::unordered_map<std::u16string_view, NameNumber> names;
-    std::vector<VersionSlots::Version> versions;
-    for (const CatalogueMetamodel& metamodel : content_.metamodels) {
-      const auto name = names.try_emplace(metamodel.descriptor.name, names.size()).first->second;
-      const auto row = static_cast<std::uint32_t>(versions.size());
-      versions.push_back({name, row, metamodel.semVer()});
-    }
-    const VersionSlots slots(std::move(versions), names.size(), content_.metamodels.size());
-    std::vector<DependencyGraph::Dependency> dependencies;
-    for (Position position = 0; position < content_.metamodels.size(); ++position) {
-      for (const auto& [name, range] : descriptor(position).dependencies) {
-        const auto findText = [&, &name = name](const std::u16string& text) {
-          const auto& found = index_.metamodelsAt(name, text);
-          return found.empty() ? nothing : slots.slotOf(found.front());
-        };
-        dependencies.push_back(
-            {slots.slotOf(position), slots.admittedBy(names.at(name), range, findText)});
-      }
-    }
-    const std::vector<std::uint32_t> rows = findCycle(slots, std::move(dependencies));
-    if (rows.empty()) return;
-    std::vector<std::string> cycle;
-    cycle.reserve(rows.size());
-    for (const std::uint32_t row : rows) cycle.push_back(textOf(descriptor(row)));
-    throw CatalogueError(metamodelPlace(rows.front()) + "/dependencies", dependencyCycle(cycle));
+    const std::vector<Position> cycle = findDependencyCycle(content_.metamodels, index_);
+    if (cycle.empty()) return;
+    std::vector<std::string> versions;
+    versions.reserve(cycle.size());
+    for (const Position position : cycle) versions.push_back(textOf(descriptor(position)));
+    throw CatalogueError(metamodelPlace(cycle.front()) + "/dependencies",
+                         dependencyCycle(versions));
   }
 
   const CatalogueContent& content_;
