@@ -311,7 +311,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
  private:
   friend class RepositoryAccess;
 
-  std::shared_ptr<LinkedMetamodel> linkAlone(
+  TARN_EVOLUTION_PATHFINDER_NO_EXPORT std::shared_ptr<LinkedMetamodel> linkAlone(
       const Metamodel& metamodel,
       const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
           chosen);

@@ -11,7 +11,7 @@ namespace tarn::evolution::pathfinder {
 namespace {
 
 std::size_t halfOfMemory() {
-  static const auto bytes = static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) *
+  const auto bytes = static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) *
                             static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   return bytes / 2;
 }
