@@ -87,7 +87,7 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
                                                                 const VersionsByName& from,
                                                                 const VersionsByName& to) {
   try {
-    const LinkingBudget budget(linkingBudget);
+    const LinkingBudget budget(linkingBudgetFor(from.size()));
     return answerByBaselines(access, cache, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }

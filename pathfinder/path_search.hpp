@@ -46,9 +46,11 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
                                                            Direction direction,
                                                            std::vector<KnownMetamodel> known = {});
 
-/// As many linked metamodels are made for a question between selections before it is looked whether
-/// it can be answered without making them all.
-inline constexpr std::size_t linkingBudget = 5000;
+/// As many linked metamodels are made for a question between selections of so many names before it
+/// is looked whether it can be answered without making them all.
+constexpr std::size_t linkingBudgetFor(std::size_t names) {
+  return 5000 + 10 * names;
+}
 
 /// `VersionRepository::findPath` between two selections, which differ.
 std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
