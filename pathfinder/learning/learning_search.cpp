@@ -86,7 +86,7 @@ std::unique_ptr<LearningPlanner> beginOn(const PlanningGround& ground) {
   return LearningPlanner::create(ground, ground.space.targets);
 }
 
-class Planner final : public SecondPlanner {
+class PlannerByLearning final : public SecondPlanner {
  public:
   Answer plan(const PlanningGround& ground) const override {
     const auto planner = beginOn(ground);
@@ -105,7 +105,7 @@ class Planner final : public SecondPlanner {
 }  // namespace
 
 const SecondPlanner* learningPlanner() {
-  static const Planner planner;
+  static const PlannerByLearning planner;
   return &planner;
 }
 

@@ -9,7 +9,7 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
-constexpr std::uint32_t unreached = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t neverAtEnd = std::numeric_limits<std::uint32_t>::max();
 
 class NetworkBuilding {
  public:
@@ -144,7 +144,7 @@ class NetworkBuilding {
     for (NodeIndex index = name.end; index-- > name.first;) {
       PlanNetwork::Node& node = network_.nodes[index];
       const bool isAtEnd = isEnd(node.version);
-      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : unreached;
+      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : neverAtEnd;
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
         const bool isExpensive = network_.arcs[arc].expensive;
