@@ -22,7 +22,7 @@ for program in build/coverage/tests/*_tests build/coverage/tools/evopath/evopath
 done
 show() {
   llvm-cov "$@" -instr-profile=build/coverage/all.profdata "${measured[@]:1}" \
-    -ignore-filename-regex='/(tests|fuzz|tools|examples|build|bench|platform)/|^/usr/'
+    -ignore-filename-regex="^$PWD/(tests|fuzz|tools|examples|build|bench|platform)/|^/usr/"
 }
 show show -format=html -output-dir=build/coverage/html -show-branches=count -show-instantiations=false >/dev/null
 show report -show-functions=false -show-region-summary=false -show-branch-summary=true

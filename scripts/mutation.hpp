@@ -1,5 +1,5 @@
-// Included into every source that scripts/mutate.py has built. All mutants are compiled at once; the environment says
-// which of them a process runs.
+// Included into every source that scripts/mutate.py has built. All mutants are compiled at once;
+// the environment says which of them a process runs.
 #pragma once
 
 #include <concepts>
@@ -13,7 +13,8 @@ inline const int active = [] {
   return number == nullptr ? 0 : std::atoi(number);
 }();
 
-/// `a <op> b` and `a == op == b`, with an Operator between, have the precedence of what they stand for.
+/// `a <op> b` and `a == op == b`, with an Operator between, have the precedence of what they stand
+/// for.
 template <int mutant, class Original, class Wrong>
 struct Operator {};
 
@@ -29,15 +30,15 @@ auto apply(Operation<Left, Operator<mutant, Original, Wrong>> operation, const R
   return Original()(operation.left, right);
 }
 
-#define TARN_MUTATION_OPERATOR(first, second)                                                   \
-  template <class Left, int mutant, class Original, class Wrong>                                \
-  Operation<Left, Operator<mutant, Original, Wrong>> operator first(const Left& left,            \
-                                                           Operator<mutant, Original, Wrong>) { \
-    return {left};                                                                              \
-  }                                                                                             \
-  template <class Left, class Operator, class Right>                                            \
-  auto operator second(Operation<Left, Operator> operation, const Right& right) {               \
-    return apply(operation, right);                                                             \
+#define TARN_MUTATION_OPERATOR(first, second)                                     \
+  template <class Left, int mutant, class Original, class Wrong>                  \
+  Operation<Left, Operator<mutant, Original, Wrong>> operator first(              \
+      const Left& left, Operator<mutant, Original, Wrong>) {                      \
+    return {left};                                                                \
+  }                                                                               \
+  template <class Left, class Operator, class Right>                              \
+  auto operator second(Operation<Left, Operator> operation, const Right& right) { \
+    return apply(operation, right);                                               \
   }
 TARN_MUTATION_OPERATOR(<, >)
 TARN_MUTATION_OPERATOR(==, ==)
