@@ -178,14 +178,20 @@ TEST(Directions, OfOneMetamodel) {
 }
 
 TEST(Directions, OfBaselines) {
-  TestRepository repository("A1..2 B1..2 C1..2");
+  TestRepository repository("A1..2 B1..2 C1..2 Dx Dy");
   const std::tuple<std::string, std::string, char> cases[] = {
       {"A1 B1", "A1 B1", '?'}, {"A1 B1", "C1", '?'},          {"A1 B1", "A2 C2", '>'},
-      {"A1 B2", "A2 B1", '?'}, {"A2 B1 C1", "A1 B1 C2", '?'}, {"A1 B2 C2", "A1 B1 C2", '<'}};
+      {"A1 B2", "A2 B1", '?'}, {"A2 B1 C1", "A1 B1 C2", '?'}, {"A1 B2 C2", "A1 B1 C2", '<'},
+      {"A1 Dx", "A2 Dy", '>'}};
   for (const auto& [from, to, expected] : cases) {
-    const auto found =
-        repository.computeDirection(repository.baseline(from), repository.baseline(to));
-    EXPECT_EQ(symbol(found), expected) << from << " to " << to;
+    const VersionBaseline source = repository.baseline(from);
+    const VersionBaseline target = repository.baseline(to);
+    VersionBaseline turned;  // the same entries, which are visited the other way round
+    for (const auto& entry : source.metamodels) turned.metamodels.insert(entry);
+    for (const VersionBaseline* one : {&source, &std::as_const(turned)}) {
+      EXPECT_EQ(symbol(repository.computeDirection(*one, target)), expected)
+          << from << " to " << to;
+    }
   }
 }
 

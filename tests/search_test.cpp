@@ -9,6 +9,7 @@
 #include "pathfinder/search/exhaustive_search.hpp"
 #include "platform/exception.hpp"
 #include "support/engine_question.hpp"
+#include "support/hard_questions.hpp"
 #include "support/learning_engine.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
@@ -78,40 +79,77 @@ TEST(Engines, AgreeOnRandomQuestions) {
   run.expectPercentages({{"paths", 15}, {"long paths", 6}, {"absences", 1}});
 }
 
+/// Asks for the way from one selection to another, of which nothing is linked beforehand. Whether
+/// that is settled without linking all.
+bool compareSelections(const QuestionText& question, RandomRun* run) {
+  if ((question.from + question.to).find_first_of(",^*") != std::string::npos) return false;
+  const auto from = selection(question.from);
+  const auto to = selection(question.to);
+  if (from == to || from.empty()) return false;
+  TestRepository linking(question.catalogue);
+  TestRepository repository(question.catalogue);
+  const auto note = [&](const char* kind, bool is) {
+    if (run != nullptr) run->count(kind, is);
+  };
+  std::string expected;
+  try {
+    expected = describe(linking.findPath(from, to));
+  } catch (...) {
+    expected.clear();  // what a question that links everything meets
+  }
+  SelectionAnswer found;
+  try {
+    found = searchBetweenSelections(repository.access, from, to);
+  } catch (...) {
+    // What fails far from every path is met by the survey of a whole name.
+    EXPECT_TRUE(expected.empty() || !repository.failing.empty()) << expected;
+    return false;
+  }
+  note("settled", found.isSettled);
+  if (!found.isSettled || expected.empty()) return found.isSettled;
+  const Path path = found.path ? Path(found.path->steps) : std::nullopt;
+  EXPECT_EQ(describe(path), expected);
+  note("paths", path.has_value());
+  if (!path || path->empty()) return true;
+  const bool isWilful = question.catalogue.find_first_of("?@-~=") != std::string::npos;
+  if (!isWilful) expectLegal(repository, *path);
+  // What was linked alone is what a list would have.
+  for (const auto& [name, linked] : path->back().to.metamodels) {
+    const auto& all = repository.getLinkedMetamodels(*linked);
+    EXPECT_NE(std::find(all.begin(), all.end(), linked), all.end());
+  }
+  EXPECT_EQ(describe(repository.findPath(from, to)), expected);
+  return true;
+}
+
 TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
   RandomRun run(4000);
-  run.ask(randomQuestion, [&](const std::string& text, Random&) {
-    const QuestionText question(text);
-    if (question.from.find_first_of(",^*") != std::string::npos) return;
-    if (question.to.find_first_of(",^*") != std::string::npos) return;
-    const auto from = selection(question.from);
-    const auto to = selection(question.to);
-    if (from == to) return;
-    TestRepository linking(question.catalogue);
-    TestRepository repository(question.catalogue);
-    SelectionAnswer found;
-    std::string expected;
-    try {
-      expected = describe(linking.findPath(from, to));
-    } catch (const std::exception&) {
-      return;  // what a question that links everything meets
-    }
-    found = searchBetweenSelections(repository.access, from, to);
-    run.count("settled", found.isSettled);
-    if (!found.isSettled) return;
-    const Path path = found.path ? Path(found.path->steps) : std::nullopt;
-    EXPECT_EQ(describe(path), expected);
-    run.count("paths", path.has_value());
-    if (!path || path->empty()) return;
-    expectLegal(repository, *path);
-    // What was linked alone is what a list would have.
-    for (const auto& [name, linked] : path->back().to.metamodels) {
-      const auto& all = repository.getLinkedMetamodels(*linked);
-      EXPECT_NE(std::find(all.begin(), all.end(), linked), all.end());
-    }
-    EXPECT_EQ(describe(repository.findPath(from, to)), expected);
-  });
+  const auto make = [](Random& random) {
+    return random.chance(70) ? randomQuestion(random)
+                             : hardQuestion(random.oneOf(difficulties()), random);
+  };
+  run.ask(make,
+          [&](const std::string& text, Random&) { compareSelections(QuestionText(text), &run); });
   run.expectPercentages({{"settled", 5}, {"paths", 3}});
+}
+
+TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
+  const std::pair<const char*, bool> cases[] = {
+      // A version without an order beside one that has a direction, which a hop of A's goes
+      // against.
+      {"A1 A3 A5 A1>5 A5>3 A1>3! Bx By Bx>y | A1 Bx | A3 By", true},
+      // Hops that lead to the target by turns.
+      {"A1 A2 A3 A4 A1>3! A1>2 A2>3 A3>4 | A1 | A4", true},
+      // What a plain search reports, or what names alone do not tell.
+      {"A1..3 A2>9 B1..3 | A1 B1 | A3 B3", false},
+      {"A1..2 B1..2 A1>2@B | A1 B1 | A2 B2", false},
+      {"A1..3 B1:A[1,3)+A[2,4) B2 B1>2 | A2 B1 | A3 B2", false},
+      {"A1..2 B1:C1 B2 B1>2 | A1 B1 | A2 B2 C1", false},
+  };
+  for (const auto& [text, isSettled] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(compareSelections(QuestionText(text), nullptr), isSettled);
+  }
 }
 
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {
@@ -139,6 +177,14 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
        4},
       // Two hops of one kind, and two that differ in price only.
       {"A1 A2 A1>2! A1>2 A1>2 B1..2", "A1 B1", "A2 B2", 1},
+      // The last of equal hops comes after the way over A3, the first one before it.
+      {"A1 A2 A3 A4 A1>2 A1>3 A1>2 A2>4 A3>4 B1", "A1 B1", "A4 B1", 2},
+      // 3.0.0 is met before 2.0.0, which leads back to it.
+      {"A1 A2 A3 A4 A1>3! A1>2 A2>3 A3>4 B1..3", "A1 B1", "A4 B3", 3},
+      // Only one of them can go the cheap way.
+      {"A1 A2:B1+C1+D1 A3 A1>2 A2>3 A1>3! B1 B2:A1+C1+D1 B3 B1>2 B2>3 B1>3! C1 C2:A1+B1+D1 C3 C1>2 "
+       "C2>3 C1>3! D1 D2:A1+B1+C1 D3 D1>2 D2>3 D1>3!",
+       "A1 B1 C1 D1", "A3 B3 C3 D3", 2},
       // Names that links bring in: chosen among several versions, then moved; and one that none
       // brings in.
       {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
@@ -153,7 +199,21 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
     const SearchAnswer expected = searchExhaustively(asked);
     EXPECT_EQ(expected.verdict == Verdict::Found ? expected.steps.size() : ~std::size_t{0}, steps);
     expectSame(expected, searchGoalDirected(asked));
+    if (const auto learnt = answerByLearning(asked)) expectSame(expected, *learnt);
   }
+}
+
+TEST(Engines, AHopOnTheWayThatLeadsNowhereIsReported) {
+  TestRepository repository("A1..3 A2>9 B1..3");
+  const auto sources = repository.baselines("A1 B1");
+  const auto targets = repository.baselines("A3 B3");
+  const SearchQuestion asked = engineQuestion(repository, sources, targets, forward);
+  const auto outcome = [&](const auto& search) {
+    return test::outcomeOf([&] { return Path(search().steps); });
+  };
+  const std::string expected = outcome([&] { return searchExhaustively(asked); });
+  EXPECT_TRUE(expected.starts_with("throws ")) << expected;
+  EXPECT_EQ(outcome([&] { return searchGoalDirected(asked); }), expected);
 }
 
 TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {

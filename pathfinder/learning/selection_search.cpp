@@ -27,7 +27,7 @@ namespace {
 using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
                                                      std::exception, void>;
 
-/// Dependencies form a cycle.
+/// Dependencies form a cycle, or the application links a version to another one of its name.
 struct NotLinkable {};
 
 class SelectionSearch {
@@ -168,6 +168,7 @@ class SelectionSearch {
       chosen.emplace(dependency.name, LinkedMetamodels{linked_[needed]});
     }
     auto linked = host_.linkAlone(descriptor, chosen);
+    if (linked->linkedMetamodels.contains(linked->name)) throw NotLinkable();
     known.emplace_back(std::move(key), linked);
     return linked;
   }

@@ -119,6 +119,28 @@ QuestionDraft QuestionDraft::web(Random& random, std::size_t nameCount) {
   return draft;
 }
 
+QuestionDraft QuestionDraft::rivals(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  for (; nameCount > 0; --nameCount) draft.addName();
+  const unsigned percent = random.chance(50) ? 100 : 60;
+  for (Name& name : draft.names) {
+    name.versions = {{"1", {}, {}, {}}, {"2", {}, {}, {}}, {"3", {}, {}, {}}};
+    for (const Name& other : draft.names) {
+      if (other.letter == name.letter || !random.chance(percent)) continue;
+      name.versions[1].needs.push_back(std::string(1, other.letter) +
+                                       (random.chance(70) ? '1' : '3'));
+    }
+    draft.addHop(name, "1", "2");
+    draft.addHop(name, "2", "3", random.chance(15) ? "!" : "");
+    if (random.chance(90)) draft.addHop(name, "1", "3", "!");
+    name.start = "1";
+    name.goal = "3";
+  }
+  draft.direction = random.chance(80) ? "forward" : "any";
+  draft.settleEnds(random, 100, 95);
+  return draft;
+}
+
 QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
@@ -191,7 +213,8 @@ std::string QuestionDraft::text(Random& random) const {
 
 std::string randomQuestion(Random& random) {
   const std::size_t names = random.upTo(3) + (random.chance(25) ? 3 : 0);
-  QuestionDraft draft = QuestionDraft::either(random, names);
+  QuestionDraft draft = random.chance(15) ? QuestionDraft::rivals(random, names)
+                                          : QuestionDraft::either(random, names);
   draft.isInOrder = random.chance(80);
   return draft.text(random);
 }

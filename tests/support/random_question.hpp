@@ -7,7 +7,8 @@
 
 namespace test {
 
-/// A question in the making. Names, A, B and so on, depend only on names before them.
+/// A question in the making. Names, A, B and so on, depend only on names before them, but for
+/// rivals.
 struct QuestionDraft {
   struct Version {
     std::string number;              ///< "2", "text2"
@@ -37,6 +38,10 @@ struct QuestionDraft {
   /// others may have to pay for.
   static QuestionDraft web(Random& random, std::size_t nameCount);
 
+  /// Each name has a cheap way through a version that asks others to wait or to be done: where they
+  /// ask that of one another, all but a few have to go the dear way.
+  static QuestionDraft rivals(Random& random, std::size_t nameCount);
+
   static QuestionDraft either(Random& random, std::size_t nameCount);
 
   Name& addName();
@@ -64,7 +69,7 @@ struct QuestionDraft {
   bool isInOrder = true;  ///< the catalogue; or its items stand in any order
 };
 
-/// A loose question or a web, as a text.
+/// A loose question, a web or rivals, as a text.
 std::string randomQuestion(Random& random);
 
 }  // namespace test
