@@ -93,7 +93,7 @@ TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
       {"add x.store asking.json", 2, "asking.json: /question: the store has a question already\n"},
       {"path x.store --question", 0, "1 step, weight 2\n"},
       {"remove x.store A=2.0", 2,
-       "for others depend on it:\n  B@2.0.0 depends on A [2.0.0, 2.0.1)"},
+       "for others depend on it:\n  B@2.0.0 depends on A 2.0.0"},
       {"remove x.store A=2.0 B=2.0.0", 0, "Removed 2 versions of metamodels and 3 hops.\n"},
       {"remove x.store A=2.0", 2, "x.store: there is no version 2.0.0 of metamodel \"A\"\n"},
       {"remove x.store C", 2, "x.store: there is no metamodel \"C\"\n"},

@@ -1,20 +1,17 @@
 #include "catalogue/check/draft_index.hpp"
 
 #include <algorithm>
+#include <utility>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::SemVer;
-using pathfinder::SemVerRange;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
-DraftIndex::DraftIndex(const CatalogueDraft& draft) : draft_(draft) {
-  numberNames();
-  placeVersions();
+DraftIndex::DraftIndex(const CatalogueDraft& draft) : draft_(draft), slots_(placeVersions()) {
   resolveDependencies();
 }
 
@@ -25,9 +22,7 @@ NameNumber DraftIndex::find(const std::u16string& name) const {
 
 void DraftIndex::numberNames() {
   for (const MetamodelRow& row : draft_.metamodels) {
-    if (row.name && numbers_.try_emplace(*row.name, nothing).second) {
-      names_.push_back({*row.name, {}, 0, true});
-    }
+    if (row.name && numbers_.try_emplace(*row.name, nothing).second) names_.push_back({*row.name});
   }
   std::sort(names_.begin(), names_.end(),
             [](const Name& left, const Name& right) { return left.text < right.text; });
@@ -36,24 +31,9 @@ void DraftIndex::numberNames() {
   }
 }
 
-/// A version that could be read.
-struct DraftIndex::Entry {
-  NameNumber name;
-  std::uint32_t row;
-  bool isText;  // without equivalent
-  SemVer semantic;
-
-  bool operator<(const Entry& other) const {
-    if (name != other.name) return name < other.name;
-    if (isText != other.isText) return other.isText;
-    if (!(semantic == other.semantic)) return semantic < other.semantic;
-    return row < other.row;
-  }
-};
-
-/// All versions that could be read, in the order of their slots.
-std::vector<DraftIndex::Entry> DraftIndex::entriesInOrder() {
-  std::vector<Entry> entries;
+VersionSlots DraftIndex::placeVersions() {
+  numberNames();
+  std::vector<VersionSlots::Version> versions;
   for (std::uint32_t position = 0; position < draft_.metamodels.size(); ++position) {
     const MetamodelRow& row = draft_.metamodels[position];
     if (!row.name) continue;
@@ -61,38 +41,19 @@ std::vector<DraftIndex::Entry> DraftIndex::entriesInOrder() {
     if (!row.version) {
       names_[name].isComplete = false;
     } else if (row.version->isSemVer()) {
-      entries.push_back({name, position, false, row.version->getSemVer()});
+      versions.push_back({name, position, row.version->getSemVer()});
     } else {
-      entries.push_back({name, position, !row.equivalent, row.equivalent.value_or(SemVer{})});
+      versions.push_back({name, position, row.equivalent});
+      texts_.try_emplace({name, row.version->getText()}, position);
     }
   }
-  std::sort(entries.begin(), entries.end());
-  return entries;
-}
-
-void DraftIndex::placeVersions() {
-  slotOfRow_.assign(draft_.metamodels.size(), nothing);
-  for (const Entry& entry : entriesInOrder()) {
-    const Slot slot = slotCount();
-    Name& name = names_[entry.name];
-    if (name.all.empty()) name.all = {slot, slot}, name.semanticEnd = slot;
-    name.all.end = slot + 1;
-    if (!entry.isText) name.semanticEnd = slot + 1;
-    rows_.push_back(entry.row);
-    nameOf_.push_back(entry.name);
-    semantic_.push_back(entry.semantic);
-    slotOfRow_[entry.row] = slot;
-    const VersionId& version = *row(slot).version;
-    if (version.isSemVer()) continue;
-    Slot& first = texts_.try_emplace({entry.name, version.getText()}, slot).first->second;
-    if (entry.row < rows_[first]) first = slot;
-  }
+  return {std::move(versions), names_.size(), draft_.metamodels.size()};
 }
 
 void DraftIndex::resolveDependencies() {
   std::vector<Slot> seenIn(names_.size(), nothing);  // the last slot with a dependency on the name
-  dependencyStart_.reserve(slotCount() + std::size_t{1});
-  for (Slot slot = 0; slot < slotCount(); ++slot) {
+  dependencyStart_.reserve(slots_.size() + std::size_t{1});
+  for (Slot slot = 0; slot < slots_.size(); ++slot) {
     dependencyStart_.push_back(dependencies_.size());
     const auto& rows = row(slot).dependencies;
     for (std::uint32_t i = 0; i < rows.size(); ++i) {
@@ -106,46 +67,23 @@ void DraftIndex::resolveDependencies() {
   dependencyStart_.push_back(dependencies_.size());
 }
 
-Slot DraftIndex::firstAtLeast(NameNumber name, const SemVer& bound) const {
-  const auto begin = semantic_.begin();
-  return static_cast<Slot>(
-      std::lower_bound(begin + names_[name].all.begin, begin + names_[name].semanticEnd, bound) -
-      begin);
-}
-
-Slot DraftIndex::firstAbove(NameNumber name, const SemVer& bound) const {
-  const auto begin = semantic_.begin();
-  return static_cast<Slot>(
-      std::upper_bound(begin + names_[name].all.begin, begin + names_[name].semanticEnd, bound) -
-      begin);
-}
-
 SlotInterval DraftIndex::versionsIn(NameNumber name, const VersionRange& range) const {
-  if (!range.isSemVerRange()) return versionsAt(name, range.getText());
-  const SemVerRange& bounds = range.getSemVerRange();
-  if (range == VersionRange::singleVersion(bounds.lower)) return versionsAt(name, bounds.lower);
-  return {firstAtLeast(name, bounds.lower), firstAtLeast(name, bounds.upper)};
-}
-
-SlotInterval DraftIndex::versionsAt(NameNumber name, const VersionId& version) const {
-  if (version.isSemVer()) {
-    return {firstAtLeast(name, version.getSemVer()), firstAbove(name, version.getSemVer())};
-  }
-  const auto found = texts_.find({name, version.getText()});
-  if (found == texts_.end()) return {};
-  return {found->second, found->second + 1};
+  return slots_.admittedBy(name, range, [&](const std::u16string& text) {
+    const auto found = texts_.find({name, text});
+    return found == texts_.end() ? nothing : slots_.slotOf(found->second);
+  });
 }
 
 Slot DraftIndex::denotedBy(NameNumber name, const VersionId& version) const {
   SlotInterval found = versionsAt(name, version);
-  if (!found.empty() && !version.isSemVer() && isSemantic(found.begin)) {
-    found = versionsAt(name, semanticVersion(found.begin));
-  }
-  return found.empty() ? nothing : found.begin;
+  if (found.empty()) return nothing;
+  const auto& semantic = slots_.at(found.begin).semantic;
+  if (!version.isSemVer() && semantic) found = slots_.denotedBy(name, *semantic);
+  return found.begin;
 }
 
 std::string DraftIndex::describe(Slot slot) const {
-  return fl::i18n::ustring_to_utf8(*row(slot).name) + "@" + textOf(*row(slot).version);
+  return fl::i18n::ustring_to_utf8(*row(slot).name) + "@" + textOf(version(slot));
 }
 
 }  // namespace tarn::evolution::catalogue

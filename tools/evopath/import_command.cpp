@@ -24,7 +24,7 @@ ExitStatus runImport(const ImportOptions& options) {
     return importCatalogue(options.catalogue, options.store, progress);
   });
   std::cout << "Imported " << describeCounts(counts) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace
