@@ -12,7 +12,7 @@ import re
 import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
-ROOMS = {"catalogue": ["text", "model", "reading", "store", "check", "picture", "explanation"]}
+ROOMS = {"catalogue": ["text", "model", "reading", "store", "check", "picture", "explanation", "c"]}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 
 
