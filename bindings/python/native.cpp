@@ -279,8 +279,8 @@ class Repository {
       }
       py::list groups;
       for (const StepListing::Group& group : listing.groups) {
-        groups.append(py::make_tuple(directionName(group.direction),
-                                     Picture::stepsOf(group.picture)));
+        groups.append(
+            py::make_tuple(directionName(group.direction), Picture::stepsOf(group.picture)));
       }
       result.append(py::make_tuple(baseline, groups));
     }
