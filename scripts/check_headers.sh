@@ -34,3 +34,10 @@ for compiler in g++ clang++; do
 done
 xargs -P "$(nproc)" -I{} bash -c "announces {}" <<<"$headers"
 echo "All say what they need."
+
+for compiler in "gcc -std=c99 -x c" "clang -std=c99 -x c" "g++ -std=c++20 -x c++" "clang++ -std=c++20 -x c++"; do
+  # The compiler is words to be split.
+  # shellcheck disable=SC2086
+  $compiler -fsyntax-only -Wall -Wextra -Wpedantic -Werror -I "$include" - <<<'#include "tarn_evolution_catalogue.h"'
+done
+echo "The header for C compiles as C99 and as C++."

@@ -54,6 +54,19 @@ run_pkg_config_host() {
   (cd "$work/$name" && "./$program")
 }
 
+# Compiles and runs the example in C with what pkg-config says under PREFIX.
+run_c_host() {
+  local name=$1 prefix=$2 package=tarn-evolution-catalogue-c
+  local -x PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+  step "$name"
+  mkdir -p "$work/$name"
+  # The flags are words to be split.
+  # shellcheck disable=SC2046
+  gcc -std=c99 -Wall -Wextra -Wpedantic -Werror examples/from_c.c -o "$work/$name/from_c" \
+    $(pkg-config ${static:+--static} --cflags --libs "$package") -Wl,-rpath,"$(pkg-config --variable=libdir "$package")"
+  "$work/$name/from_c" >/dev/null
+}
+
 scripts/setup.sh
 cmake --preset "$preset" --log-level=WARNING
 cmake --build --preset "$preset" --target tarn_evolution_pathfinder evopath -- -j "$jobs"
@@ -71,6 +84,7 @@ run_host find_package_other_boost tests/consumer/installed -DCMAKE_PREFIX_PATH="
 run_host examples examples -DCMAKE_PREFIX_PATH="$work/installed"
 run_pkg_config_host pkg_config "$work/installed" tarn-evolution-pathfinder consumer
 run_pkg_config_host pkg_config_catalogue "$work/installed" tarn-evolution-catalogue catalogue_consumer
+run_c_host pkg_config_c "$work/installed"
 run_host embedded tests/consumer/embedded -DTARN_UNITY=ON
 run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON -DTARN_UNITY=ON
 cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
@@ -92,4 +106,5 @@ run_host find_package_static tests/consumer/installed -DCMAKE_PREFIX_PATH="$work
 static=yes run_pkg_config_host pkg_config_static "$work/installed-static" tarn-evolution-pathfinder consumer
 static=yes run_pkg_config_host pkg_config_static_catalogue "$work/installed-static" tarn-evolution-catalogue \
   catalogue_consumer
+static=yes run_c_host pkg_config_static_c "$work/installed-static"
 step "all hosts work"

@@ -22,8 +22,9 @@ namespace {
 
 class Explaining {
  public:
-  Explaining(BrowsableRepository& content, const Question& question, std::size_t budget)
-      : question_(question), budget_(budget), inquiry_(content) {}
+  Explaining(BrowsableRepository& content, const Question& question, std::size_t budget,
+             const pathfinder::SearchLimits& limits)
+      : question_(question), budget_(budget), inquiry_(content, limits) {}
 
   Explanation run() {
     UnknownEntries unknown = findUnknown(inquiry_.content(), question_);
@@ -172,7 +173,12 @@ class Explaining {
 }  // namespace
 
 Explanation explain(BrowsableRepository& repository, const Question& question, std::size_t budget) {
-  return Explaining(repository, question, budget).run();
+  return explain(repository, question, budget, {});
+}
+
+Explanation explain(BrowsableRepository& repository, const Question& question, std::size_t budget,
+                    const pathfinder::SearchLimits& limits) {
+  return Explaining(repository, question, budget, limits).run();
 }
 
 }  // namespace tarn::evolution::catalogue

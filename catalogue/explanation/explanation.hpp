@@ -165,4 +165,12 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& reposit
                                                     const Question& question,
                                                     std::size_t budget = explanationBudget);
 
+/// The same within limits, which are those of all questions to the path finder together, but for
+/// the memory, which is that of each. They are looked at while it searches, not while the
+/// explanation itself goes through the catalogue. Throws SearchStopped as well, and what
+/// `limits.progress` throws.
+TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
+                                                    const Question& question, std::size_t budget,
+                                                    const pathfinder::SearchLimits& limits);
+
 }  // namespace tarn::evolution::catalogue

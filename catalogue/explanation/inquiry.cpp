@@ -19,10 +19,10 @@ std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,
   // A path of another direction must not answer, nor a heavier one to another target.
   repository_.invalidatePathfindingCache();
   try {
-    return repository_.findPath(from, to, direction);
+    return repository_.findPath(from, to, direction, limits_);
   } catch (const ConflictingDependencies&) {
     repository_.hideUnlinkable();
-    return repository_.findPath(from, to, direction);
+    return repository_.findPath(from, to, direction, limits_);
   }
 }
 

@@ -23,7 +23,9 @@ using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 /// that cannot be linked, the hops to all such versions are left out for good.
 class Inquiry {
  public:
-  explicit Inquiry(BrowsableRepository& content) : content_(content), repository_(content) {}
+  /// Each question is asked within the limits, which must outlive it as well.
+  Inquiry(BrowsableRepository& content, const pathfinder::SearchLimits& limits)
+      : content_(content), repository_(content), limits_(limits) {}
 
   BrowsableRepository& content() { return content_; }
   LinkableRepository& repository() { return repository_; }
@@ -52,6 +54,7 @@ class Inquiry {
  private:
   BrowsableRepository& content_;
   LinkableRepository repository_;
+  const pathfinder::SearchLimits& limits_;
   std::size_t questions_ = 0;
   std::size_t allowed_ = 0;
   bool hasCut_ = false;

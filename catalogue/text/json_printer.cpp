@@ -32,6 +32,11 @@ void JsonPrinter::null() {
   out_ << "null";
 }
 
+void JsonPrinter::anyText(const std::string& text) {
+  begin();
+  out_ << nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
 void JsonPrinter::open(char bracket) {
   begin();
   out_ << bracket;

@@ -44,6 +44,9 @@ class JsonPrinter {
   void value(std::uint64_t number);
   void null();
 
+  /// Text that may be no UTF-8: bytes that do not fit become U+FFFD.
+  void anyText(const std::string& text);
+
   template <class Value>
   void field(const std::string& name, const Value& its) {
     key(name);

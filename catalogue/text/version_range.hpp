@@ -4,6 +4,7 @@
 #include <string>
 
 #include "pathfinder/version_id.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
 
 /// What ranges admit, and how catalogues and messages write them.
 ///
@@ -14,7 +15,8 @@
 namespace tarn::evolution::catalogue {
 
 /// The version of a range that is of one version only.
-std::optional<pathfinder::VersionId> findSingleVersion(const pathfinder::VersionRange& range);
+TARN_EVOLUTION_CATALOGUE_EXPORT std::optional<pathfinder::VersionId> findSingleVersion(
+    const pathfinder::VersionRange& range);
 
 /// Whether it ends before it begins. Such a range admits nothing.
 bool isReversed(const pathfinder::VersionRange& range);

@@ -86,11 +86,7 @@ std::unique_ptr<LearningPlanner> beginOn(const PlanningGround& ground) {
   return LearningPlanner::create(ground, ground.space.targets);
 }
 
-<<<<<<< HEAD
 class LearningEngine final : public SecondPlanner {
-=======
-class PlannerByLearning final : public SecondPlanner {
->>>>>>> mut
  public:
   Answer plan(const PlanningGround& ground) const override {
     const auto planner = beginOn(ground);
@@ -109,13 +105,8 @@ class PlannerByLearning final : public SecondPlanner {
 }  // namespace
 
 const SecondPlanner* learningPlanner() {
-<<<<<<< HEAD
   static const LearningEngine engine;
   return &engine;
-=======
-  static const PlannerByLearning planner;
-  return &planner;
->>>>>>> mut
 }
 
 }  // namespace tarn::evolution::pathfinder

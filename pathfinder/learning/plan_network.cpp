@@ -9,11 +9,7 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
-<<<<<<< HEAD
 constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
-=======
-constexpr std::uint32_t neverAtEnd = std::numeric_limits<std::uint32_t>::max();
->>>>>>> mut
 
 class NetworkBuilding {
  public:
@@ -149,11 +145,7 @@ class NetworkBuilding {
     for (NodeIndex index = name.end; index-- > name.first;) {
       PlanNetwork::Node& node = network_.nodes[index];
       const bool isAtEnd = isEnd(node.version);
-<<<<<<< HEAD
       node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : noEnd;
-=======
-      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : neverAtEnd;
->>>>>>> mut
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
         const bool isExpensive = network_.arcs[arc].expensive;

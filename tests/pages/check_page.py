@@ -14,6 +14,7 @@ is not checked.
 - ```cmake FOLDER: lines that stand together in the CMakeLists.txt of FOLDER, which the build or
   scripts/test_consumers.sh configures.
 - ```json: a catalogue that loads.
+- ```python: lines of a session at the prompt. They parse; scripts/python.sh runs those of a page one after the other.
 - ```sh: commands whose programs, files, presets and tests are there. They are not run.
 
 In what is printed, "..." on a line of its own stands for lines that are left out. Outside of
@@ -23,6 +24,7 @@ must name files and tests that are there.
 Given a file of complaints, the check is passed when it has exactly these.
 """
 
+import doctest
 import pathlib
 import re
 import sys
@@ -63,7 +65,7 @@ class PageCheck:
     def check_block(self, block):
         """What a block shows."""
         checks = {"cmake": self.check_cmake, "console": self.check_console, "cpp": self.check_cpp,
-                  "json": self.check_json, "sh": self.check_sh, "text": self.check_text}
+                  "json": self.check_json, "python": self.check_python, "sh": self.check_sh, "text": self.check_text}
         if block.kind in checks:
             yield from checks[block.kind](block)
         else:
@@ -112,6 +114,14 @@ class PageCheck:
             [self.scratch.evopath, "check", file.name, "--severity", "error"])
         if status == 2:
             yield printed
+
+    def check_python(self, block):
+        """A session that parses."""
+        try:
+            if not doctest.DocTestParser().get_examples(block.text):
+                yield "the block has no line that begins with >>>"
+        except ValueError as error:
+            yield str(error)
 
     def check_sh(self, block):
         """Commands that could run."""

@@ -4,7 +4,7 @@
 usage: check_rooms.py PROJECT
 
 A file belongs to the room whose folder it is in. A header beside the rooms belongs to the one that holds its source,
-or, without one, to the uppermost that it includes; a source beside the rooms stands above them all.
+or, without one, to the uppermost that it includes; sources beside the rooms stand above those before "beside".
 """
 
 import pathlib
@@ -12,7 +12,7 @@ import re
 import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
-ROOMS = {"catalogue": ["text", "model", "reading", "store", "check", "picture", "explanation"]}
+ROOMS = {"catalogue": ["text", "model", "reading", "store", "check", "picture", "explanation", "beside", "c"]}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 
 
@@ -36,17 +36,22 @@ def place_of(file, files):
     if len(folders) > 1:
         room = rooms.index(folders[0]) if folders[0] in rooms else 0
     elif file.endswith(".cpp"):
-        room = len(rooms)
+        room = beside(rooms)
     else:
         room = room_of_header(file, layer, rooms, files)
     return LAYERS.index(layer), room
+
+
+def beside(rooms):
+    """The place of sources that are in no room."""
+    return rooms.index("beside") if "beside" in rooms else len(rooms)
 
 
 def room_of_header(header, layer, rooms, files):
     """The room of a header that stands beside the rooms."""
     source = header.split("/")[1].replace(".hpp", ".cpp")
     if f"{layer}/{source}" in files:
-        return len(rooms)
+        return beside(rooms)
     for number, room in enumerate(rooms):
         if f"{layer}/{room}/{source}" in files:
             return number

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "catalogue/check/findings_json.hpp"
 #include "catalogue/text/display_text.hpp"
 #include "catalogue/text/printed_text.hpp"
 
@@ -56,23 +56,7 @@ void printText(const CheckReport& report, std::ostream& out) {
 }
 
 void printJson(const CheckReport& report, std::ostream& out) {
-  using nlohmann::ordered_json;
-  ordered_json document{{"catalogue", report.catalogue}};
-  for (const Severity severity : gravestFirst) {
-    document[nameOf(severity) + "s"] = countOf(report, severity);
-  }
-  document["findings"] = ordered_json::array();
-  for (const Finding& finding : report.findings) {
-    if (severityOf(finding.code) < report.least) continue;
-    ordered_json related = ordered_json::array();
-    for (const auto& place : finding.related) related.push_back(place.text);
-    document["findings"].push_back({{"code", identifierOf(finding.code)},
-                                    {"severity", nameOf(severityOf(finding.code))},
-                                    {"place", finding.place.text},
-                                    {"message", finding.message},
-                                    {"related", related}});
-  }
-  out << document.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
+  writeFindingsJson(report.catalogue, report.findings, report.least, out);
 }
 
 }  // namespace evopath

@@ -1,0 +1,263 @@
+"""What can be asked: catalogues, and repositories of a program's own."""
+
+from __future__ import annotations
+
+import abc
+import json
+import math
+import os
+import weakref
+from collections.abc import Callable, Iterable, Mapping
+from typing import Any, TypeVar, cast
+
+from . import _native
+from ._errors import InvalidArgument
+from ._model import (Alternatives, Dependency, Direction, Explanation, Finding, Hop, Metamodel,
+                     NamedVersion, Path, Progress, Severity, Step, VersionRange)
+
+Selection = Mapping[str, str]
+_MetamodelTuple = tuple[str, str, str | None, list[tuple[str, str, str | None]]]
+_HopTuple = tuple[str, str, str, bool]
+_Row = TypeVar("_Row", Metamodel, Hop)
+
+
+def _text(value: object, what: str) -> str:
+    if not isinstance(value, str):
+        raise TypeError(f"{what} must be a str, not {type(value).__name__}")
+    try:
+        value.encode("utf-8")
+    except UnicodeEncodeError as error:
+        raise InvalidArgument(f"{what} is no Unicode text: {value!r}") from error
+    return value
+
+
+def _optional_text(value: object, what: str) -> str | None:
+    return None if value is None else _text(value, what)
+
+
+def _whole(value: object, what: str) -> int:
+    if isinstance(value, bool) or not isinstance(value, int):
+        raise TypeError(f"{what} must be an int, not {type(value).__name__}")
+    if not 0 <= value < 2**64:
+        raise InvalidArgument(f"{what} must be from 0 up to but without 2**64, not {value}")
+    return value
+
+
+def _choice(value: object, what: str, choices: tuple[str, ...]) -> str:
+    if _text(value, what) not in choices:
+        raise InvalidArgument(f"{what} must be one of {', '.join(choices)}, not {value!r}")
+    return cast(str, value)
+
+
+def _selection(selection: Selection, what: str) -> list[tuple[str, str]]:
+    if not isinstance(selection, Mapping):
+        raise TypeError(f"{what} must be a mapping of names to versions, "
+                        f"not {type(selection).__name__}")
+    return [(_text(name, f"a name of {what}"), _text(version, f"{what}[{name!r}]"))
+            for name, version in selection.items()]
+
+
+def _rows(rows: Iterable[_Row], kind: type[_Row], what: str) -> list[_Row]:
+    if isinstance(rows, (str, bytes)) or not isinstance(rows, Iterable):
+        raise TypeError(f"{what} must be an iterable of {kind.__name__}, "
+                        f"not {type(rows).__name__}")
+    result = list(rows)
+    for number, row in enumerate(result):
+        if not isinstance(row, kind):
+            raise TypeError(f"{what}[{number}] must be a {kind.__name__}, "
+                            f"not {type(row).__name__}")
+    return result
+
+
+def _metamodel_tuples(rows: Iterable[Metamodel], what: str) -> list[_MetamodelTuple]:
+    return [_metamodel_tuple(row, f"{what}[{number}]")
+            for number, row in enumerate(_rows(rows, Metamodel, what))]
+
+
+def _metamodel_tuple(row: Metamodel, what: str) -> _MetamodelTuple:
+    dependencies = []
+    for number, needed in enumerate(row.dependencies):
+        place = f"{what}.dependencies[{number}]"
+        if not isinstance(needed, Dependency):
+            raise TypeError(f"{place} must be a Dependency, not {type(needed).__name__}")
+        dependencies.append((_text(needed.name, f"{place}.name"),
+                             _text(needed.lower, f"{place}.lower"),
+                             _optional_text(needed.upper, f"{place}.upper")))
+    return (_text(row.name, f"{what}.name"), _text(row.version, f"{what}.version"),
+            _optional_text(row.semver, f"{what}.semver"), dependencies)
+
+
+def _hop_tuples(rows: Iterable[Hop], what: str) -> list[_HopTuple]:
+    return [(_text(hop.name, f"{what}[{number}].name"),
+             _text(hop.source, f"{what}[{number}].source"),
+             _text(hop.target, f"{what}[{number}].target"), bool(hop.expensive))
+            for number, hop in enumerate(_rows(rows, Hop, what))]
+
+
+def _limits(timeout: float | None, memory: int | None,
+            progress: Callable[[Progress], object] | None) -> _native.Limits:
+    if timeout is not None:
+        if isinstance(timeout, bool) or not isinstance(timeout, (int, float)):
+            raise TypeError(f"timeout must be a number of seconds, not {type(timeout).__name__}")
+        if math.isnan(timeout) or timeout < 0:
+            raise InvalidArgument(f"timeout must not be negative, as is {timeout!r}")
+        timeout = min(float(min(timeout, 10**300)), 1e300)
+    if memory is not None:
+        memory = _whole(memory, "memory")
+    if progress is None:
+        return _native.Limits(timeout, memory, None)
+    if not callable(progress):
+        raise TypeError(f"progress must be callable, which {type(progress).__name__} is not")
+    tell = progress
+
+    def told(stage: int, least_proven: int, least_found: int | None) -> None:
+        tell(Progress.of(stage, least_proven, least_found))
+
+    return _native.Limits(timeout, memory, told)
+
+
+class _Asked(abc.ABC):
+    """What can be asked. Any number of threads may ask the same object at the same time; they do so
+    side by side, for the global interpreter lock is not held while the library works."""
+
+    @abc.abstractmethod
+    def _repository(self) -> _native.Repository:
+        """The library's own."""
+
+    def find_path(self, source: Selection, target: Selection, *, timeout: float | None = None,
+                  memory: int | None = None,
+                  progress: Callable[[Progress], object] | None = None) -> Path | None:
+        """The path of least weight from one selection of versions to another; None: there is none.
+
+        `timeout` is in seconds, `memory` in bytes beside what is linked. `progress` is told when the
+        stage or a bound of the search has changed, on this thread; what it raises ends the search,
+        as Ctrl-C does.
+
+        Raises UnknownVersion, CannotBeLinked, TimedOut, MemoryUsedUp, and what callbacks raise.
+        """
+        picture = self._repository().find_path(
+            _selection(source, "source"), _selection(target, "target"),
+            _limits(timeout, memory, progress))
+        if picture is None:
+            return None
+        return Path(tuple(Step.of(step) for step in picture.steps()), picture)
+
+    def explain(self, source: Selection, target: Selection, *, budget: int = 400,
+                timeout: float | None = None, memory: int | None = None,
+                progress: Callable[[Progress], object] | None = None) -> Explanation:
+        """Why there is no path, and how near one can get, or that there is one. Asks at most about
+        `budget` questions about parts of this one; the limits are those of all together."""
+        found, text = self._repository().explain(
+            _selection(source, "source"), _selection(target, "target"), _whole(budget, "budget"),
+            _limits(timeout, memory, progress))
+        return Explanation(json.loads(found)["kind"], text, found)
+
+    def steps(self, at: Selection, *, direction: Direction = "any",
+              limit: int = 10000) -> tuple[Alternatives, ...]:
+        """The steps that leave each baseline of a selection; none where it is not consistent.
+
+        Raises TooManyCombinations, before the first is tried, where there are more combinations of
+        hops than `limit`: each metamodel that can move doubles their number or more.
+        """
+        _choice(direction, "direction", ("forward", "backward", "any"))
+        listings = self._repository().steps(_selection(at, "at"), direction,
+                                            _whole(limit, "limit"))
+        return tuple(
+            Alternatives(tuple(NamedVersion(*held) for held in sorted(baseline)),
+                         tuple((way, Step.of(step)) for way, steps in groups for step in steps))
+            for baseline, groups in listings)
+
+    def forget_paths(self) -> None:
+        """Forgets every path found: to be called when hops have changed, while nobody asks."""
+        self._repository().forget_paths()
+
+
+class Catalogue(_Asked):
+    """A catalogue of metamodels and hops. `load` and `from_rows` make one."""
+
+    def __init__(self, repository: _native.Repository) -> None:
+        if not isinstance(repository, _native.Repository):
+            raise TypeError("Catalogue.load and Catalogue.from_rows make catalogues")
+        self._native = repository
+
+    @classmethod
+    def load(cls, path: str | os.PathLike[str]) -> Catalogue:
+        """Opens a catalogue file: a JSON file, read as a whole, or a SQLite store, read on demand.
+        Raises CatalogueError where it cannot be read or is unsound."""
+        return cls(_native.load(_text(os.fspath(path), "path")))
+
+    @classmethod
+    def from_rows(cls, metamodels: Iterable[Metamodel], hops: Iterable[Hop]) -> Catalogue:
+        """A catalogue of rows, whose order is the order of every answer. Raises CatalogueError where
+        it is unsound: places count from zero, "/hops/2" is the third hop."""
+        return cls(_native.from_rows(_metamodel_tuples(metamodels, "metamodels"),
+                                     _hop_tuples(hops, "hops")))
+
+    @property
+    def question(self) -> tuple[dict[str, str], dict[str, str]] | None:
+        """The question that the catalogue comes with: its source and target."""
+        found = self._native.question()
+        return None if found is None else (dict(found[0]), dict(found[1]))
+
+    def _repository(self) -> _native.Repository:
+        return self._native
+
+
+class Repository(_Asked):
+    """To derive from, by programs with data of their own.
+
+    What is answered must not change, but for hops (see `forget_paths`), and must be as sound as a
+    catalogue has to be. The methods are called on the threads that ask, and what they raise reaches
+    who asks. They may answer more than was asked for, as long as it is of that name.
+    """
+
+    __native: _native.Repository | None = None
+
+    @abc.abstractmethod
+    def find_metamodels(self, name: str, range: VersionRange | None) -> Iterable[Metamodel]:
+        """The versions of a metamodel that lie in a range, in the preferred order; without a range,
+        all of them."""
+
+    @abc.abstractmethod
+    def find_hops(self, name: str, source: str | None) -> Iterable[Hop]:
+        """The hops of a metamodel that leave a version; without a version, all of them."""
+
+    def list_names(self) -> Iterable[str]:
+        """The names of all metamodels, from which explanations suggest some. By default none."""
+        return ()
+
+    def _repository(self) -> _native.Repository:
+        # Made on demand, for a class that is derived need not call this one's __init__. Of two that
+        # threads make at once, one stays.
+        if self.__native is None:
+            made = _native.from_functions(*_functions_of(self))
+            self.__dict__.setdefault("_Repository__native", made)
+        return cast(_native.Repository, self.__native)
+
+
+def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:
+    """What the library calls. It keeps them, and so they must not keep the repository, which keeps
+    the library's; whoever asks does."""
+    reference = weakref.ref(repository)
+
+    def asked() -> Repository:
+        return cast(Repository, reference())
+
+    def find_metamodels(name: str, lower: str | None, upper: str | None) -> list[_MetamodelTuple]:
+        wanted = None if lower is None else VersionRange(lower, upper)
+        return _metamodel_tuples(asked().find_metamodels(name, wanted), "find_metamodels()")
+
+    def find_hops(name: str, source: str | None) -> list[_HopTuple]:
+        return _hop_tuples(asked().find_hops(name, source), "find_hops()")
+
+    def list_names() -> list[str]:
+        return [_text(name, "a name of list_names()") for name in asked().list_names()]
+
+    return find_metamodels, find_hops, list_names
+
+
+def check(path: str | os.PathLike[str], *, severity: Severity = "note") -> tuple[Finding, ...]:
+    """All that is wrong with a catalogue file, sound or not, that is at least so severe."""
+    _choice(severity, "severity", ("error", "warning", "note"))
+    found = json.loads(_native.check(_text(os.fspath(path), "path"), severity))
+    return tuple(Finding.of(finding) for finding in found["findings"])

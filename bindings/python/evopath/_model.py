@@ -1,0 +1,199 @@
+"""What questions and answers consist of: values that never change, equal where their content is."""
+
+from __future__ import annotations
+
+import dataclasses
+import html
+import json
+from collections.abc import Iterator, Mapping
+from typing import Any, Literal
+
+from . import _native
+
+Stage = Literal["preparing", "exhaustive", "goal-directed", "learning"]
+Direction = Literal["forward", "backward", "any"]
+Severity = Literal["error", "warning", "note"]
+
+_STAGES: tuple[Stage, ...] = ("preparing", "exhaustive", "goal-directed", "learning")
+
+#: As the library hands out a step: weight, hops, what is brought in.
+StepTuple = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class VersionRange:
+    """The semantic versions from `lower` up to but without `upper`; without an upper bound, the one
+    version `lower`, which may be a text version."""
+
+    lower: str
+    upper: str | None = None
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Dependency:
+    """What a metamodel needs: another one, at a version of a range."""
+
+    name: str
+    lower: str
+    upper: str | None = None
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Metamodel:
+    """One version of one metamodel."""
+
+    name: str
+    version: str
+    dependencies: tuple[Dependency, ...] = ()
+    semver: str | None = None  #: what a text version stands for among the semantic versions
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Hop:
+    """A version step of one metamodel."""
+
+    name: str
+    source: str
+    target: str
+    expensive: bool = False
+
+    def to_dict(self) -> dict[str, Any]:
+        """As the tool's JSON has it."""
+        return {"name": self.name, "from": self.source, "to": self.target,
+                "expensive": self.expensive}
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class NamedVersion:
+    """A version of a metamodel."""
+
+    name: str
+    version: str
+
+    def to_dict(self) -> dict[str, str]:
+        """As the tool's JSON has it."""
+        return {"name": self.name, "version": self.version}
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Step:
+    """Hops that are taken in lockstep, and what they bring in by links, each by ascending name."""
+
+    weight: int
+    hops: tuple[Hop, ...]
+    brought_in: tuple[NamedVersion, ...] = ()
+
+    @classmethod
+    def of(cls, parts: StepTuple) -> Step:
+        """From what the library hands out."""
+        weight, hops, brought_in = parts
+        return cls(weight, tuple(Hop(*hop) for hop in hops),
+                   tuple(NamedVersion(*named) for named in brought_in))
+
+    def to_dict(self) -> dict[str, Any]:
+        """As the tool's JSON has it."""
+        return {"weight": self.weight, "hops": [hop.to_dict() for hop in self.hops],
+                "broughtIn": [named.to_dict() for named in self.brought_in]}
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Path:
+    """The steps from one selection to another, in the order of application. Without steps where
+    there is nothing to do; a path is true all the same."""
+
+    steps: tuple[Step, ...]
+    _picture: _native.Picture = dataclasses.field(repr=False, compare=False)
+
+    @property
+    def weight(self) -> int:
+        """Of all steps."""
+        return sum(step.weight for step in self.steps)
+
+    def __iter__(self) -> Iterator[Step]:
+        return iter(self.steps)
+
+    def to_dict(self) -> dict[str, Any]:
+        """As `evopath path --json` prints it."""
+        return {"found": True, "weight": self.weight,
+                "steps": [step.to_dict() for step in self.steps]}
+
+    def render(self, format: Literal["text", "json", "svg", "html", "dot", "mermaid"]) -> str:
+        """As `evopath path --format` prints it."""
+        return self._picture.render(format)
+
+    def __str__(self) -> str:
+        return self.render("text").rstrip("\n")
+
+    def _repr_svg_(self) -> str:
+        return self.render("svg")
+
+    def _repr_html_(self) -> str:
+        page = html.escape(self.render("html"), quote=True)
+        return f'<iframe srcdoc="{page}" style="width: 100%; height: 30em; border: 0"></iframe>'
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Alternatives:
+    """The steps that leave one baseline, each an alternative of the others: by direction and
+    ascending weight. `steps` has them as pairs of direction ("forward", "backward", or "mixed" for
+    both at once) and step."""
+
+    baseline: tuple[NamedVersion, ...]
+    steps: tuple[tuple[str, Step], ...]
+
+    def to_dict(self) -> dict[str, Any]:
+        """As `evopath steps --json` prints it."""
+        return {"metamodels": {held.name: held.version for held in self.baseline},
+                "steps": [{"direction": direction, **step.to_dict()} for direction, step in self.steps]}
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Explanation:
+    """Why there is no path, and how near one can get, or that there is one."""
+
+    kind: str  #: "path", "unknown", "inconsistent", "missing-chain" and so on
+    text: str  #: for people
+    _json: str = dataclasses.field(repr=False)
+
+    def to_dict(self) -> dict[str, Any]:
+        """As `evopath explain --json` prints it."""
+        result: dict[str, Any] = json.loads(self._json)
+        return result
+
+    def __str__(self) -> str:
+        return self.text.rstrip("\n")
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Finding:
+    """One thing that is found in a catalogue."""
+
+    code: str  #: such as "dependency-cycle"
+    severity: Severity
+    place: str  #: a JSON pointer, or a table's row
+    message: str
+    related: tuple[str, ...] = ()  #: further places
+
+    @classmethod
+    def of(cls, parts: Mapping[str, Any]) -> Finding:
+        """From the tool's JSON."""
+        return cls(parts["code"], parts["severity"], parts["place"], parts["message"],
+                   tuple(parts["related"]))
+
+    def to_dict(self) -> dict[str, Any]:
+        """As `evopath check --json` prints it."""
+        return {**dataclasses.asdict(self), "related": list(self.related)}
+
+
+@dataclasses.dataclass(frozen=True, slots=True)
+class Progress:
+    """How far a search has come."""
+
+    stage: Stage
+    least_proven: int  #: no path weighs less
+    least_found: int | None  #: a plan of this weight is known, which may not be the best
+
+    @classmethod
+    def of(cls, stage: int, least_proven: int, least_found: int | None) -> Progress:
+        """From what the library hands out."""
+        return cls(_STAGES[stage], least_proven, least_found)

@@ -1,0 +1,43 @@
+"""The compiled part. Versions are texts; see the package's other modules for what all means."""
+
+from collections.abc import Callable
+
+version: str
+
+_Texts = list[tuple[str, str]]
+_Step = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
+_Dependency = tuple[str, str, str | None]
+_Metamodel = tuple[str, str, str | None, list[_Dependency]]
+_Hop = tuple[str, str, str, bool]
+
+class Picture:
+    def render(self, format: str) -> str: ...
+    def steps(self) -> list[_Step]: ...
+
+class Limits:
+    def __init__(
+        self,
+        timeout: float | None,
+        memory: int | None,
+        progress: Callable[[int, int, int | None], object] | None,
+    ) -> None: ...
+
+class Repository:
+    def find_path(self, source: _Texts, target: _Texts, limits: Limits) -> Picture | None: ...
+    def explain(
+        self, source: _Texts, target: _Texts, budget: int, limits: Limits
+    ) -> tuple[str, str]: ...
+    def steps(
+        self, at: _Texts, direction: str, limit: int
+    ) -> list[tuple[_Texts, list[tuple[str, list[_Step]]]]]: ...
+    def question(self) -> tuple[_Texts, _Texts] | None: ...
+    def forget_paths(self) -> None: ...
+
+def load(file: str) -> Repository: ...
+def from_rows(metamodels: list[_Metamodel], hops: list[_Hop]) -> Repository: ...
+def from_functions(
+    find_metamodels: Callable[[str, str | None, str | None], list[_Metamodel]],
+    find_hops: Callable[[str, str | None], list[_Hop]],
+    list_names: Callable[[], list[str]],
+) -> Repository: ...
+def check(file: str, least: str) -> str: ...

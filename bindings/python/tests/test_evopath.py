@@ -1,0 +1,346 @@
+"""The package as it is installed from its wheel. Answers are held against those of the tool."""
+
+import contextlib
+import copy
+import doctest
+import gc
+import itertools
+import json
+import os
+import pathlib
+import pickle
+import random
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+import weakref
+
+import evopath
+from evopath import Catalogue, Dependency, Hop, Metamodel, NamedVersion, Step
+
+DATA = pathlib.Path(__file__).parents[3] / "data" / "operators.json"
+SHAPES = [
+    Metamodel("shape", "1.0.0"), Metamodel("shape", "2.0.0"),
+    Metamodel("drawing", "1.0.0", (Dependency("shape", "1.0.0", "2.0.0"),)),
+    Metamodel("drawing", "2.0.0", (Dependency("shape", "2.0.0"),)),
+    Metamodel("drawing", "preview", (Dependency("shape", "1.0.0"),), semver="0.9.0"),
+]
+HOPS = [Hop("shape", "1.0.0", "2.0.0", True), Hop("drawing", "1.0.0", "2.0.0"),
+        Hop("drawing", "preview", "1.0.0")]
+OLD, NEW = {"drawing": "preview"}, {"drawing": "2.0.0"}
+
+
+class Host(evopath.Repository):
+    """Answers from rows; a call can be made to fail."""
+
+    def __init__(self, metamodels, hops, failing=0):
+        self.metamodels, self.hops, self.failing, self.calls = metamodels, hops, failing, 0
+
+    def called(self):
+        self.calls += 1
+        if self.calls == self.failing:
+            raise ZeroDivisionError(f"call {self.calls}")
+
+    def find_metamodels(self, name, range):
+        self.called()
+        return (row for row in self.metamodels if row.name == name)
+
+    def find_hops(self, name, source):
+        self.called()
+        return [hop for hop in self.hops if hop.name == name]
+
+    def list_names(self):
+        self.called()
+        return {row.name for row in self.metamodels}
+
+
+def interlocked(count):
+    """Names that can only move together, each with a version that has to be gone around."""
+    names = [f"n{number:02}" for number in range(count)]
+    metamodels, hops = [], []
+    for number, name in enumerate(names):
+        for version in range(1, 7):
+            needed = [Dependency(names[number - 1], f"{version}.0.0")] if number else []
+            metamodels.append(Metamodel(name, f"{version}.0.0", tuple(needed)))
+            hops += [Hop(name, f"{version}.0.0", f"{version + 1}.0.0")] if version < 6 else []
+    return metamodels, hops, {n: "1.0.0" for n in names}, {n: "6.0.0" for n in names}
+
+
+def random_rows(generator):
+    """A small catalogue and a question; some names depend on those before them."""
+    names = "ABCDE"[:generator.randint(1, 5)]
+    metamodels, hops = [], []
+    for position, name in enumerate(names):
+        for version in range(1, 5):
+            needed = []
+            for other in names[:position]:
+                if generator.random() < 0.5:
+                    lower = max(1, version - generator.randint(0, 1))
+                    needed.append(Dependency(other, f"{lower}.0.0", f"{lower + 2}.0.0"))
+            metamodels.append(Metamodel(name, f"{version}.0.0", tuple(needed)))
+        for source, target in itertools.permutations(range(1, 5), 2):
+            if abs(target - source) == 1 and generator.random() < 0.8:
+                hops.append(Hop(name, f"{source}.0.0", f"{target}.0.0", generator.random() < 0.1))
+    generator.shuffle(hops)
+    source = {name: f"{generator.randint(1, 4)}.0.0" for name in names}
+    target = {name: f"{generator.randint(1, 4)}.0.0" for name in names
+              if generator.random() < 0.7} or dict(source)
+    return metamodels, hops, source, target
+
+
+def json_of(metamodels, hops):
+    return {"metamodels": [{"name": row.name, "version": row.version, "dependencies": [
+                {"name": needed.name, "range": [needed.lower, needed.upper]}
+                for needed in row.dependencies]} for row in metamodels],
+            "hops": [hop.to_dict() for hop in hops]}
+
+
+def tool(*arguments):
+    """What the tool prints as JSON, or None where it refuses."""
+    done = subprocess.run([sys.executable, "-m", "evopath", *arguments], check=False,
+                          capture_output=True, text=True)
+    return json.loads(done.stdout) if done.stdout else None
+
+
+def written(selection):
+    return ",".join(f"{name}={version}" for name, version in selection.items())
+
+
+class Answers(unittest.TestCase):
+    def test_values(self):
+        catalogue = Catalogue.from_rows(SHAPES, HOPS)
+        path = catalogue.find_path(OLD, NEW)
+        first, last = (Step(2, (Hop("drawing", "preview", "1.0.0"),)),
+                       Step(1_000_000_002, (Hop("drawing", "1.0.0", "2.0.0"), HOPS[0])))
+        self.assertEqual((list(path), path.weight), ([first, last], 1_000_000_004))
+        again = Host(SHAPES, HOPS).find_path(OLD, NEW)
+        self.assertEqual((path, hash(path)), (again, hash(again)))
+        self.assertNotEqual(path, catalogue.find_path({"drawing": "1.0.0"}, NEW))
+        with self.assertRaises(AttributeError):
+            path.steps[0].weight = 1
+        for form in ("text", "json", "svg", "html", "dot", "mermaid"):
+            self.assertIn("drawing", path.render(form))
+        self.assertEqual(json.loads(path.render("json")), path.to_dict())
+        self.assertTrue(path._repr_svg_().startswith("<svg"))
+        self.assertTrue(path._repr_html_().startswith("<iframe"))
+        self.assertEqual(copy.copy(first), first)
+        self.assertTrue(catalogue.find_path(NEW, NEW), "there is nothing to do")
+        self.assertIsNone(catalogue.find_path(NEW, OLD))
+        self.assertIsNone(catalogue.question)
+
+    def test_answers_are_those_of_the_tool(self):
+        seed = int(os.environ.get("TARN_RANDOM_SEED", random.randrange(2**32)))
+        print(f"TARN_RANDOM_SEED={seed}", file=sys.stderr)
+        generator = random.Random(seed)
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder, "catalogue.json")
+            for _ in range(25):
+                metamodels, hops, source, target = random_rows(generator)
+                file.write_text(json.dumps(json_of(metamodels, hops)), encoding="utf-8")
+                ends = ("--from", written(source), "--to", written(target), "--json")
+                for asked in (Catalogue.load(file), Catalogue.from_rows(metamodels, hops),
+                              Host(metamodels, hops)):
+                    with self.subTest(seed=seed, file=file.read_text(), ends=ends):
+                        self.compare(asked, file, source, target, ends)
+
+    def compare(self, asked, file, source, target, ends):
+        told = tool("path", str(file), *ends)
+        explanation = asked.explain(source, target)
+        try:
+            path = asked.find_path(source, target)
+        except evopath.CannotBeLinked:
+            path = None
+        if path is None:
+            self.assertFalse(told["found"])
+            self.assertEqual(told["explanation"], explanation.to_dict())
+        else:
+            self.assertEqual(told, path.to_dict())
+            self.assertEqual(explanation.kind, "path")
+        told = tool("steps", str(file), "--at", written(source), "--json")
+        try:
+            listed = {"baselines": [each.to_dict() for each in asked.steps(source)]}
+        except evopath.CannotBeLinked:
+            listed = None
+        self.assertEqual(told, listed)
+
+    def test_checks(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder, "catalogue.json")
+            file.write_text(json.dumps(json_of(SHAPES[:1] * 2, HOPS[:1])), encoding="utf-8")
+            found = evopath.check(file)
+            told = tool("check", str(file), "--json")["findings"]
+            self.assertEqual([finding.to_dict() for finding in found], told)
+            grave = evopath.check(file, severity="error")
+            self.assertEqual({finding.severity for finding in grave}, {"error"})
+            self.assertEqual({*found, *grave}, set(found))
+
+    def test_threads(self):
+        catalogue = Catalogue.load(DATA)
+        answers = []
+        threads = [threading.Thread(
+            target=lambda: answers.append(catalogue.find_path(*catalogue.question)))
+            for _ in range(8)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual(({path.weight for path in answers}, len(answers)), ({27}, 8))
+        host = Host(*interlocked(4)[:2])
+        threads = [threading.Thread(target=host.find_path, args=interlocked(4)[2:])
+                   for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+
+
+class Pages(unittest.TestCase):
+    def test_sessions_print_what_is_shown(self):
+        project = DATA.parents[1]
+        for page in ("README.md", "docs/python.md"):
+            blocks = re.findall("^```python\n(.*?)^```", (project / page).read_text("utf-8"),
+                                re.DOTALL | re.MULTILINE)
+            self.assertTrue(blocks, page)
+            session = doctest.DocTestParser().get_doctest("".join(blocks), {}, page, page, 0)
+            with contextlib.chdir(project):
+                result = doctest.DocTestRunner().run(session)
+            self.assertEqual(result.failed, 0)
+
+
+class Failures(unittest.TestCase):
+    def test_errors_have_fields(self):
+        catalogue = Catalogue.from_rows(SHAPES, HOPS)
+        with self.assertRaises(evopath.UnknownVersion) as unknown:
+            catalogue.find_path({"shape": "7.0.0"}, {"shape": "2.0.0"})
+        self.assertEqual((unknown.exception.name, unknown.exception.version), ("shape", "7.0.0"))
+        with self.assertRaises(evopath.CatalogueError) as unsound:
+            Catalogue.from_rows(SHAPES, [*HOPS, Hop("shape", "1.0.0", "9.0.0")])
+        self.assertTrue(unsound.exception.place.startswith("/hops/3"), unsound.exception.place)
+        with self.assertRaises(evopath.CatalogueError) as missing:
+            Catalogue.load("no/such.json")
+        self.assertEqual(missing.exception.file, "no/such.json")
+        with self.assertRaises(evopath.TooManyCombinations):
+            catalogue.steps(OLD, limit=0)
+        for error in (unknown.exception, unsound.exception,
+                      evopath.TimedOut("late", 1, 2, None)):
+            again = pickle.loads(pickle.dumps(error))
+            self.assertEqual((type(again), str(again)), (type(error), str(error)))
+
+    def test_garbage_is_refused(self):
+        catalogue = Catalogue.from_rows(SHAPES, HOPS)
+        garbage = [None, 1, 1.5, "", "\0", "\ud800", b"x", [], [1], {}, {1: 2}, {"x": None},
+                   {"": "1"}, {"shape": ""}, object(), float("nan"), -1, 2**70, True, (), int]
+        refused = (TypeError, ValueError, LookupError, evopath.EvopathError)
+        calls = [
+            lambda x: catalogue.find_path(x, NEW), lambda x: catalogue.find_path(OLD, x),
+            lambda x: catalogue.find_path(OLD, NEW, timeout=x),
+            lambda x: catalogue.find_path(OLD, NEW, memory=x),
+            lambda x: catalogue.find_path(OLD, NEW, progress=x),
+            lambda x: catalogue.explain(x, NEW), lambda x: catalogue.explain(OLD, NEW, budget=x),
+            lambda x: catalogue.steps(x), lambda x: catalogue.steps(OLD, direction=x),
+            lambda x: catalogue.steps(OLD, limit=x), lambda x: Catalogue(x), Catalogue.load,
+            evopath.check, lambda x: evopath.check(DATA, severity=x),
+            lambda x: Catalogue.from_rows(x, HOPS), lambda x: Catalogue.from_rows(SHAPES, x),
+            lambda x: Catalogue.from_rows([x], []), lambda x: Catalogue.from_rows([], [x]),
+            lambda x: Catalogue.from_rows([Metamodel(x, "1.0.0")], []),
+            lambda x: Catalogue.from_rows([Metamodel("a", x)], []),
+            lambda x: Catalogue.from_rows([Metamodel("a", "b", semver=x)], []),
+            lambda x: Catalogue.from_rows([Metamodel("a", "b", (x,))], []),
+            lambda x: Catalogue.from_rows([Metamodel("a", "b", (Dependency("a", x),))], []),
+            lambda x: Host([x], HOPS).find_path(OLD, NEW),
+            lambda x: Host(SHAPES, [Hop("drawing", x, x)]).find_path(OLD, NEW),
+        ]
+        refusals = 0
+        for call, value in itertools.product(calls, garbage):
+            try:
+                call(value)
+            except refused as error:
+                refusals += 1
+                self.assertNotIn("incompatible", str(error), "Python's own words")
+            except AttributeError as error:  # a test's host looks at its rows
+                self.assertIn("name", str(error))
+        self.assertGreater(refusals, len(calls) * len(garbage) // 2)
+        self.assertEqual(catalogue.find_path(OLD, NEW).weight, 1_000_000_004)
+
+    def test_every_call_of_a_host_may_fail(self):
+        for ask in (lambda host: host.find_path(OLD, NEW), lambda host: host.steps(OLD),
+                    lambda host: host.explain({"drawin": "1"}, NEW),
+                    lambda host: host.explain(NEW, OLD)):
+            quiet = Host(SHAPES, HOPS)
+            expected = ask(quiet)
+            for failing in range(1, quiet.calls + 1):
+                host = Host(SHAPES, HOPS, failing)
+                with self.assertRaisesRegex(ZeroDivisionError, f"call {failing}$"):
+                    ask(host)
+                self.assertEqual(ask(host), expected)
+
+    def test_limits(self):
+        metamodels, hops, source, target = interlocked(14)
+        catalogue = Catalogue.from_rows(metamodels, hops)
+        told = []
+        for ask in (catalogue.find_path, catalogue.explain):
+            with self.assertRaises(evopath.TimedOut) as late:
+                ask(source, target, timeout=0)
+            self.assertIsInstance(late.exception.progress, evopath.Progress)
+
+            def refuse(progress):
+                told.append(progress)
+                raise KeyError("enough")
+            with self.assertRaisesRegex(KeyError, "enough"):
+                ask(source, target, progress=refuse)
+        self.assertEqual({type(progress) for progress in told}, {evopath.Progress})
+        self.assertTrue(catalogue.find_path(source, target, timeout=1e300, memory=2**64 - 1))
+
+    def test_interrupt(self):
+        """Ctrl-C ends a search that would take for ever, in and between callbacks; a handler that
+        raises nothing does not."""
+        program = pathlib.Path(__file__).with_name("endless.py")
+        for mode, expected in (("default", "KeyboardInterrupt"), ("quiet", "TimedOut")):
+            with subprocess.Popen([sys.executable, str(program), mode], stdout=subprocess.PIPE,
+                                  text=True) as child:
+                self.assertEqual(child.stdout.readline(), "searching\n")
+                time.sleep(0.3)
+                child.send_signal(signal.SIGINT)
+                self.assertEqual(child.stdout.read(), f"{expected}\n")
+
+    def test_nothing_leaks(self):
+        host = Host(SHAPES, HOPS)
+        host.find_path(OLD, NEW)
+        gone = weakref.ref(host)
+        gc.disable()
+        try:
+            del host
+            self.assertIsNone(gone(), "no cycle keeps it")
+        finally:
+            gc.enable()
+
+        def ask(failing):
+            host = Host(SHAPES, HOPS, failing)
+            try:
+                host.find_path(OLD, NEW, progress=lambda progress: None)
+                host.find_path({"": ""}, NEW)
+            except (ZeroDivisionError, ValueError):
+                pass
+
+        def blocks():
+            for failing in range(6):
+                ask(failing)
+            gc.collect()
+            return sys.getallocatedblocks()
+        for _ in range(3):
+            before = blocks()
+        counts = [sys.getrefcount(each) for each in (None, evopath.InvalidArgument, Step)]
+        for _ in range(50):
+            after = blocks()
+        self.assertLess(abs(after - before), 50)
+        self.assertEqual(counts[1:],
+                         [sys.getrefcount(each) for each in (evopath.InvalidArgument, Step)])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,61 @@
+#include "catalogue/c/catalogue_handle.hpp"
+
+#include "catalogue/c/arguments.hpp"
+#include "catalogue/c/boundary.hpp"
+#include "catalogue/c/callback_repository.hpp"
+#include "catalogue/c/rows.hpp"
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/open_catalogue.hpp"
+
+namespace tarn::evolution::catalogue::c {
+
+namespace {
+
+/// The handle is there before what it holds, whose destruction would release what is the host's.
+template <class Open>
+tarn_evolution_status openAs(tarn_evolution_catalogue** catalogue, char** message,
+                             const Open& open) {
+  if (catalogue != nullptr) *catalogue = nullptr;
+  return guarded(message, [&] {
+    required(catalogue, "catalogue");
+    auto handle = std::make_unique<tarn_evolution_catalogue>();
+    handle->repository = open();
+    *catalogue = handle.release();
+    return TARN_EVOLUTION_OK;
+  });
+}
+
+}  // namespace
+
+}  // namespace tarn::evolution::catalogue::c
+
+using namespace tarn::evolution::catalogue;
+using namespace tarn::evolution::catalogue::c;
+
+tarn_evolution_status tarn_evolution_open(const char* file, tarn_evolution_catalogue** catalogue,
+                                          char** message) {
+  return openAs(catalogue, message, [&] { return openCatalogue(&required(file, "file")); });
+}
+
+tarn_evolution_status tarn_evolution_open_rows(const tarn_evolution_rows* rows,
+                                               tarn_evolution_catalogue** catalogue,
+                                               char** message) {
+  return openAs(catalogue, message, [&] {
+    return std::make_unique<CatalogueRepository>(Catalogue(required(rows, "rows").content));
+  });
+}
+
+tarn_evolution_status tarn_evolution_open_callbacks(const tarn_evolution_callbacks* callbacks,
+                                                    tarn_evolution_catalogue** catalogue,
+                                                    char** message) {
+  return openAs(catalogue, message,
+                [&] { return std::make_unique<CallbackRepository>(readCallbacks(callbacks)); });
+}
+
+void tarn_evolution_catalogue_free(tarn_evolution_catalogue* catalogue) {
+  delete catalogue;
+}
+
+void tarn_evolution_forget_paths(tarn_evolution_catalogue* catalogue) {
+  if (catalogue != nullptr) catalogue->repository->invalidatePathfindingCache();
+}

@@ -1,0 +1,138 @@
+#include <sstream>
+
+#include "catalogue/c/arguments.hpp"
+#include "catalogue/c/boundary.hpp"
+#include "catalogue/c/catalogue_handle.hpp"
+#include "catalogue/c/steps_handle.hpp"
+#include "catalogue/check/check.hpp"
+#include "catalogue/check/findings_json.hpp"
+#include "catalogue/check/open_draft.hpp"
+#include "catalogue/explanation/explanation.hpp"
+#include "catalogue/explanation/explanation_json.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
+
+using namespace tarn::evolution::catalogue;
+using namespace tarn::evolution::catalogue::c;
+using tarn::evolution::pathfinder::VersionRepository;
+
+namespace {
+
+VersionRepository::Direction readDirection(int32_t direction) {
+  switch (direction) {
+    case TARN_EVOLUTION_FORWARD:
+      return VersionRepository::Forward;
+    case TARN_EVOLUTION_BACKWARD:
+      return VersionRepository::Backward;
+    case TARN_EVOLUTION_ANY_DIRECTION:
+      return VersionRepository::Unknown;
+    default:
+      throw std::invalid_argument("direction: " + std::to_string(direction) + " is none");
+  }
+}
+
+Severity readSeverity(int32_t severity) {
+  switch (severity) {
+    case TARN_EVOLUTION_NOTE:
+      return Severity::Note;
+    case TARN_EVOLUTION_WARNING:
+      return Severity::Warning;
+    case TARN_EVOLUTION_ERROR:
+      return Severity::Error;
+    default:
+      throw std::invalid_argument("least: " + std::to_string(severity) + " is no severity");
+  }
+}
+
+using WriteExplanation = void (*)(const Explanation& explanation, const StepWeights& weights,
+                                  std::ostream& out);
+
+WriteExplanation writerOf(tarn_evolution_format format) {
+  if (format == TARN_EVOLUTION_JSON) return writeExplanationJson;
+  if (format == TARN_EVOLUTION_TEXT) return writeExplanationText;
+  throw std::invalid_argument("format: " + std::to_string(format) +
+                              " is none that shows explanations");
+}
+
+/// What `write` writes to a stream, for C.
+template <class Write>
+char* giveWritten(const Write& write) {
+  std::ostringstream out;
+  out.exceptions(std::ios::badbit);
+  write(out);
+  return giveText(std::move(out).str());
+}
+
+/// An answer with nothing in it yet.
+template <class Answer>
+void clear(Answer** answer) {
+  if (answer != nullptr) *answer = nullptr;
+}
+
+}  // namespace
+
+tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalogue,
+                                               const tarn_evolution_named_version* from,
+                                               size_t from_count,
+                                               const tarn_evolution_named_version* to,
+                                               size_t to_count, const tarn_evolution_limits* limits,
+                                               tarn_evolution_steps** path, char** message) {
+  clear(path);
+  return guarded(message, [&] {
+    BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
+    required(path, "path");
+    const auto found = repository.findPath(readSelection(from, from_count, "from"),
+                                           readSelection(to, to_count, "to"), readLimits(limits));
+    if (!found) return TARN_EVOLUTION_NO_PATH;
+    *path = new tarn_evolution_steps(drawPath(weightsOf(repository), *found));
+    return TARN_EVOLUTION_OK;
+  });
+}
+
+tarn_evolution_status tarn_evolution_find_steps(tarn_evolution_catalogue* catalogue,
+                                                const tarn_evolution_named_version* at,
+                                                size_t at_count, int32_t direction, uint64_t most,
+                                                tarn_evolution_steps** steps, char** message) {
+  clear(steps);
+  return guarded(message, [&] {
+    BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
+    required(steps, "steps");
+    auto listings =
+        listSteps(repository, readSelection(at, at_count, "at"), readDirection(direction), most);
+    if (listings.empty()) return TARN_EVOLUTION_NO_PATH;
+    *steps = new tarn_evolution_steps(std::move(listings));
+    return TARN_EVOLUTION_OK;
+  });
+}
+
+tarn_evolution_status tarn_evolution_explain(
+    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
+    size_t from_count, const tarn_evolution_named_version* to, size_t to_count, uint64_t budget,
+    const tarn_evolution_limits* limits, tarn_evolution_format format, char** explanation,
+    char** message) {
+  clear(explanation);
+  return guarded(message, [&] {
+    BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
+    required(explanation, "explanation");
+    const auto write = writerOf(format);
+    const Question question{.from = readSelection(from, from_count, "from"),
+                            .to = readSelection(to, to_count, "to")};
+    const Explanation found = explain(repository, question, budget, readLimits(limits));
+    *explanation =
+        giveWritten([&](std::ostream& out) { write(found, weightsOf(repository), out); });
+    return TARN_EVOLUTION_OK;
+  });
+}
+
+tarn_evolution_status tarn_evolution_check(const char* file, int32_t least, char** findings,
+                                           char** message) {
+  clear(findings);
+  return guarded(message, [&] {
+    required(findings, "findings");
+    const char* const name = &required(file, "file");
+    const Severity severity = readSeverity(least);
+    const std::vector<Finding> found = check(readDraft(name));
+    *findings =
+        giveWritten([&](std::ostream& out) { writeFindingsJson(name, found, severity, out); });
+    return TARN_EVOLUTION_OK;
+  });
+}

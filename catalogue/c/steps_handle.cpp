@@ -1,0 +1,143 @@
+#include "catalogue/c/steps_handle.hpp"
+
+#include <array>
+#include <sstream>
+
+#include "catalogue/c/arguments.hpp"
+#include "catalogue/c/boundary.hpp"
+#include "catalogue/picture/path_dot.hpp"
+#include "catalogue/picture/path_html.hpp"
+#include "catalogue/picture/path_json.hpp"
+#include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_svg.hpp"
+#include "catalogue/picture/path_text.hpp"
+
+using namespace tarn::evolution::catalogue;
+using namespace tarn::evolution::catalogue::c;
+
+namespace {
+
+using WritePath = void (*)(const PathPicture& picture, std::ostream& out);
+
+/// By their formats.
+constexpr std::array<WritePath, 6> pathWriters{writePathJson,
+                                               [](const PathPicture& picture, std::ostream& out) {
+                                                 writePathText(picture, Colouring::Plain, out);
+                                               },
+                                               writePathSvg,
+                                               writePathHtml,
+                                               writePathDot,
+                                               writePathMermaid};
+
+void write(const PathPicture& picture, tarn_evolution_format format, std::ostream& out) {
+  if (format < 0 || static_cast<std::size_t>(format) >= pathWriters.size()) {
+    throw std::invalid_argument("format: " + std::to_string(format) + " is none");
+  }
+  pathWriters[static_cast<std::size_t>(format)](picture, out);
+}
+
+void write(const tarn_evolution_steps::Alternatives& listings, tarn_evolution_format format,
+           std::ostream& out) {
+  if (format == TARN_EVOLUTION_JSON) {
+    writeStepsJson(listings, out);
+  } else if (format == TARN_EVOLUTION_TEXT) {
+    writeStepsText(listings, Colouring::Plain, out);
+  } else {
+    throw std::invalid_argument("format: " + std::to_string(format) +
+                                " is none that shows alternatives");
+  }
+}
+
+}  // namespace
+
+tarn_evolution_steps::tarn_evolution_steps(Path picture) : shown_(std::move(picture)) {
+  add(std::get<Path>(shown_));
+}
+
+tarn_evolution_steps::tarn_evolution_steps(Alternatives listings) : shown_(std::move(listings)) {
+  for (const StepListing& listing : std::get<Alternatives>(shown_)) {
+    for (const StepListing::Group& group : listing.groups) add(group.picture);
+  }
+}
+
+void tarn_evolution_steps::add(const Path& picture) {
+  for (const PathPicture::Step& shown : picture.steps) {
+    Step& step = steps_.emplace_back();
+    step.weight = shown.weight;
+    for (const PathPicture::Move& move : shown.moves) {
+      const char* const name = picture.lanes[move.lane].name.c_str();
+      if (move.kind == PathPicture::MoveKind::Entering) {
+        step.broughtIn.push_back({.name = name, .version = move.to.c_str()});
+      } else {
+        step.hops.push_back({.name = name,
+                             .from = move.from.c_str(),
+                             .to = move.to.c_str(),
+                             .expensive = move.kind == PathPicture::MoveKind::Expensive});
+      }
+    }
+  }
+}
+
+const tarn_evolution_steps::Step* tarn_evolution_steps::find(std::size_t number) const {
+  return number < steps_.size() ? &steps_[number] : nullptr;
+}
+
+std::string tarn_evolution_steps::render(tarn_evolution_format format) const {
+  std::ostringstream out;
+  out.exceptions(std::ios::badbit);
+  std::visit([&](const auto& shown) { write(shown, format, out); }, shown_);
+  return std::move(out).str();
+}
+
+namespace {
+
+/// The items of one kind that a step has, and their number.
+template <class Item>
+const Item* itemsOf(const tarn_evolution_steps* steps, size_t number,
+                    std::vector<Item> tarn_evolution_steps::Step::*items, size_t* count) {
+  const auto* const step = steps == nullptr ? nullptr : steps->find(number);
+  const bool hasAny = step != nullptr && !(step->*items).empty();
+  if (count != nullptr) *count = hasAny ? (step->*items).size() : 0;
+  return hasAny ? (step->*items).data() : nullptr;
+}
+
+}  // namespace
+
+void tarn_evolution_steps_free(tarn_evolution_steps* steps) {
+  delete steps;
+}
+
+size_t tarn_evolution_step_count(const tarn_evolution_steps* steps) {
+  return steps == nullptr ? 0 : steps->steps().size();
+}
+
+uint64_t tarn_evolution_steps_weight(const tarn_evolution_steps* steps) {
+  uint64_t sum = 0;
+  for (size_t i = 0; i < tarn_evolution_step_count(steps); ++i) sum += steps->steps()[i].weight;
+  return sum;
+}
+
+uint64_t tarn_evolution_step_weight(const tarn_evolution_steps* steps, size_t step) {
+  const auto* const found = steps == nullptr ? nullptr : steps->find(step);
+  return found == nullptr ? 0 : found->weight;
+}
+
+const tarn_evolution_hop* tarn_evolution_step_hops(const tarn_evolution_steps* steps, size_t step,
+                                                   size_t* count) {
+  return itemsOf(steps, step, &tarn_evolution_steps::Step::hops, count);
+}
+
+const tarn_evolution_named_version* tarn_evolution_step_brought_in(
+    const tarn_evolution_steps* steps, size_t step, size_t* count) {
+  return itemsOf(steps, step, &tarn_evolution_steps::Step::broughtIn, count);
+}
+
+tarn_evolution_status tarn_evolution_steps_render(const tarn_evolution_steps* steps,
+                                                  tarn_evolution_format format, char** text,
+                                                  char** message) {
+  if (text != nullptr) *text = nullptr;
+  return guarded(message, [&] {
+    required(text, "text") = giveText(required(steps, "steps").render(format));
+    return TARN_EVOLUTION_OK;
+  });
+}
