@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/range_union.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -70,6 +71,7 @@ const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16stri
 
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
                                                        const VersionRange& range) const {
+  if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
   if (!range.isSemVerRange()) return metamodelsAt(name, range.getText());
   const SemVerRange& bounds = range.getSemVerRange();
   if (range == VersionRange::singleVersion(bounds.lower)) return metamodelsAt(name, bounds.lower);
@@ -80,6 +82,18 @@ CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& nam
     result.push_back(entry->position);
   }
   std::sort(result.begin(), result.end());
+  return result;
+}
+
+CatalogueIndex::Positions CatalogueIndex::metamodelsInAny(
+    const std::u16string& name, const std::vector<VersionRange>& ranges) const {
+  Positions result;
+  for (const VersionRange& range : ranges) {
+    const Positions found = metamodelsIn(name, range);
+    result.insert(result.end(), found.begin(), found.end());
+  }
+  std::sort(result.begin(), result.end());
+  result.erase(std::unique(result.begin(), result.end()), result.end());
   return result;
 }
 

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "catalogue/dependency_graph.hpp"
+#include "catalogue/range_union.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -39,27 +40,27 @@ class SlotLayout {
 
   const std::vector<Node>& nodeAt() const { return nodeAt_; }
 
-  Candidates candidates(const Dependency& dependency, const DependencyGraph& graph) const {
-    if (!dependency.range.isSemVerRange()) {
-      const auto& found = index_.metamodelsAt(dependency.name, dependency.range.getText());
+  Candidates candidates(const std::u16string& name, const VersionRange& wanted,
+                        const DependencyGraph& graph) const {
+    if (!wanted.isSemVerRange()) {
+      const auto& found = index_.metamodelsAt(name, wanted.getText());
       if (found.empty()) return {0, 0};
       const Slot slot = graph.slotOf(static_cast<Node>(found.front()));
       return {slot, slot + 1};
     }
-    const SemVerRange& range = dependency.range.getSemVerRange();
-    const auto& versions = index_.semanticVersions(dependency.name);
+    const SemVerRange& range = wanted.getSemVerRange();
+    const auto& versions = index_.semanticVersions(name);
     const auto firstFrom = [&](const SemVer& bound) {
       return std::lower_bound(versions.begin(), versions.end(), bound,
                               [](auto& entry, auto& v) { return entry.version < v; });
     };
     const auto first = firstFrom(range.lower);
     auto last = firstFrom(range.upper);
-    if (dependency.range ==
-        VersionRange::singleVersion(range.lower)) {  // whose end may have wrapped
+    if (wanted == VersionRange::singleVersion(range.lower)) {  // whose end may have wrapped
       last = first;
       while (last != versions.end() && last->version == range.lower) ++last;
     }
-    const Slot start = firstSlots_.at(dependency.name);
+    const Slot start = firstSlots_.at(name);
     return {start + static_cast<Slot>(first - versions.begin()),
             start + static_cast<Slot>(last - versions.begin())};
   }
@@ -78,7 +79,9 @@ std::vector<CatalogueIndex::Position> findDependencyCycle(
   DependencyGraph graph(layout.nodeAt());
   for (Node node = 0; node < metamodels.size(); ++node) {
     for (const Dependency& dependency : metamodels[node].descriptor.dependencies) {
-      graph.addDependency(node, layout.candidates(dependency, graph));
+      for (const VersionRange& piece : piecesOf(dependency.range)) {
+        graph.addDependency(node, layout.candidates(dependency.name, piece, graph));
+      }
     }
   }
   const std::vector<Node> cycle = graph.findCycle();

@@ -2,6 +2,7 @@
 
 #include "catalogue/printed_text.hpp"
 #include "catalogue/range_text.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -9,6 +10,14 @@ namespace tarn::evolution::catalogue {
 namespace {
 
 void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
+  if (isUnion(range)) {
+    printer.object([&] {
+      printer.arrayField("anyOf", [&] {
+        for (const auto& piece : piecesOf(range)) writeRange(printer, piece);
+      });
+    });
+    return;
+  }
   if (const auto single = findSingleVersion(range)) return printer.value(textOf(*single));
   printer.array([&] {
     const auto& [lower, upper] = range.getSemVerRange();

@@ -7,8 +7,8 @@
 
 namespace tarn::evolution::catalogue {
 
-/// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, or
-/// a pair [lower, upper).
+/// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, a
+/// pair [lower, upper), or {"anyOf": [range]}.
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies);
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -45,6 +46,7 @@ class Value {
   }
 
   bool isArray() const { return node_.kind == Kind::Array; }
+  bool isObject() const { return node_.kind == Kind::Object; }
 
   bool asBool() const {
     expect(Kind::Boolean, "true or false");
@@ -112,7 +114,7 @@ class Value {
   std::string place_;
 };
 
-pathfinder::VersionRange readRange(const Value& value) {
+pathfinder::VersionRange readSimpleRange(const Value& value) {
   if (!value.isArray())
     return pathfinder::VersionRange::singleVersion(value.parsedBy(parseVersion));
   const std::vector<Value> bounds = value.elements();
@@ -120,6 +122,15 @@ pathfinder::VersionRange readRange(const Value& value) {
   const std::string& lower = bounds[0].asText();
   const std::string& upper = bounds[1].asText();
   return value.orFail([&] { return parseRange(lower, upper); });
+}
+
+pathfinder::VersionRange readRange(const Value& value) {
+  if (!value.isObject()) return readSimpleRange(value);
+  value.expectFields({"anyOf"});
+  const Value list = value.field("anyOf");
+  std::vector<pathfinder::VersionRange> pieces;
+  for (const Value& piece : list.elements()) pieces.push_back(readSimpleRange(piece));
+  return list.orFail([&] { return unionOf(pieces); });
 }
 
 pathfinder::Dependency readDependency(const Value& value) {

@@ -12,7 +12,7 @@ namespace tarn::evolution::catalogue {
 /// with the largest patch, whose upper bound has wrapped.
 std::optional<pathfinder::VersionId> findSingleVersion(const pathfinder::VersionRange& range);
 
-/// "1.0.0", "[1.0.0, 2.0.0)" or "spring".
+/// "1.0.0", "[1.0.0, 2.0.0)", "spring", or several of these with "or" between them.
 std::string rangeText(const pathfinder::VersionRange& range);
 
 }  // namespace tarn::evolution::catalogue

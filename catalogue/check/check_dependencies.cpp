@@ -2,6 +2,7 @@
 
 #include "catalogue/check/draft_checks.hpp"
 #include "catalogue/check/finding_text.hpp"
+#include "catalogue/range_union.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -10,9 +11,27 @@ using pathfinder::VersionRange;
 namespace {
 
 bool admitsNothing(const VersionRange& range) {
+  if (isUnion(range)) {
+    const auto pieces = piecesOf(range);
+    return std::all_of(pieces.begin(), pieces.end(), admitsNothing);
+  }
   if (!range.isSemVerRange()) return false;
   const auto& [lower, upper] = range.getSemVerRange();
   return !(lower < upper) && !(range == VersionRange::singleVersion(lower));
+}
+
+using Slots = std::vector<SlotInterval>;
+
+bool areEmpty(const Slots& slots) {
+  return std::all_of(slots.begin(), slots.end(), [](SlotInterval each) { return each.empty(); });
+}
+
+bool share(const Slots& left, const Slots& right) {
+  return std::any_of(left.begin(), left.end(), [&](SlotInterval one) {
+    return std::any_of(right.begin(), right.end(), [&](SlotInterval other) {
+      return std::max(one.begin, other.begin) < std::min(one.end, other.end);
+    });
+  });
 }
 
 class DependencyCheck {
@@ -52,7 +71,7 @@ class DependencyCheck {
       find(FindingCode::EmptyRange, index_.draft().placeOf(row, dependency, "range"),
            subject(row) + " depends on " + wanted + ", a range that no version can lie in");
     } else if (index_.names()[name].isComplete &&
-               index_.versionsIn(name, *dependency.range).empty()) {
+               areEmpty(index_.piecesIn(name, *dependency.range))) {
       find(
           FindingCode::UnsatisfiedDependency, index_.draft().placeOf(row, dependency, "range"),
           subject(row) + " depends on " + wanted + ", which no version in the catalogue satisfies");
@@ -65,10 +84,9 @@ class DependencyCheck {
       first = {&row, &dependency};
       return;
     }
-    const SlotInterval before = index_.versionsIn(name, *first.dependency->range);
-    const SlotInterval here = index_.versionsIn(name, *dependency.range);
-    const SlotInterval shared{std::max(before.begin, here.begin), std::min(before.end, here.end)};
-    const bool isContradictory = !before.empty() && !here.empty() && shared.empty();
+    const Slots before = index_.piecesIn(name, *first.dependency->range);
+    const Slots here = index_.piecesIn(name, *dependency.range);
+    const bool isContradictory = !areEmpty(before) && !areEmpty(here) && !share(before, here);
     std::string message = subject(row) + " depends on " + quotedName(*dependency.name) +
                           " twice, " + rangeText(*first.dependency->range) + " and " +
                           rangeText(*dependency.range);

@@ -14,7 +14,8 @@ DependencyRangeGraph::DependencyRangeGraph(const DraftIndex& index)
     targetStart_.push_back(targets_.size());
     for (const auto* dependency = index.dependenciesBegin(slot);
          dependency != index.dependenciesEnd(slot); ++dependency) {
-      addEdges(dependency->candidates);
+      if (dependency->pieces.empty()) addEdges(dependency->candidates);
+      for (const SlotInterval piece : dependency->pieces) addEdges(piece);
     }
   }
   targetStart_.push_back(targets_.size());

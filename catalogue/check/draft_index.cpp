@@ -1,8 +1,10 @@
 #include "catalogue/check/draft_index.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "catalogue/printed_text.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -11,6 +13,13 @@ using pathfinder::SemVer;
 using pathfinder::SemVerRange;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
+
+bool ResolvedDependency::admits(Slot slot) const {
+  return candidates.contains(slot) &&
+         (pieces.empty() || std::any_of(pieces.begin(), pieces.end(), [slot](SlotInterval piece) {
+            return piece.contains(slot);
+          }));
+}
 
 DraftIndex::DraftIndex(const CatalogueDraft& draft) : draft_(draft) {
   numberNames();
@@ -99,11 +108,26 @@ void DraftIndex::resolveDependencies() {
       if (!rows[i].name || !rows[i].range) continue;
       const NameNumber name = find(*rows[i].name);
       if (name == nothing) continue;
-      dependencies_.push_back({name, versionsIn(name, *rows[i].range), i, seenIn[name] != slot});
+      dependencies_.push_back(resolved(name, *rows[i].range, i, seenIn[name] != slot));
       seenIn[name] = slot;
     }
   }
   dependencyStart_.push_back(dependencies_.size());
+}
+
+ResolvedDependency DraftIndex::resolved(NameNumber name, const VersionRange& range,
+                                        std::uint32_t row, bool isFirstOfName) const {
+  ResolvedDependency result{name, {}, row, isFirstOfName};
+  std::vector<SlotInterval> pieces = piecesIn(name, range);
+  for (const SlotInterval piece : pieces) {
+    SlotInterval& all = result.candidates;
+    if (piece.empty()) continue;
+    all = all.empty()
+              ? piece
+              : SlotInterval{std::min(all.begin, piece.begin), std::max(all.end, piece.end)};
+  }
+  if (pieces.size() > 1) result.pieces = std::move(pieces);
+  return result;
 }
 
 Slot DraftIndex::firstAtLeast(NameNumber name, const SemVer& bound) const {
@@ -118,6 +142,12 @@ Slot DraftIndex::firstAbove(NameNumber name, const SemVer& bound) const {
   return static_cast<Slot>(
       std::upper_bound(begin + names_[name].all.begin, begin + names_[name].semanticEnd, bound) -
       begin);
+}
+
+std::vector<SlotInterval> DraftIndex::piecesIn(NameNumber name, const VersionRange& range) const {
+  std::vector<SlotInterval> result;
+  for (const VersionRange& piece : piecesOf(range)) result.push_back(versionsIn(name, piece));
+  return result;
 }
 
 SlotInterval DraftIndex::versionsIn(NameNumber name, const VersionRange& range) const {

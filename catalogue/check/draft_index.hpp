@@ -30,8 +30,11 @@ struct SlotInterval {
 struct ResolvedDependency {
   NameNumber name;
   SlotInterval candidates;
-  std::uint32_t row;   ///< in the list of its metamodel
-  bool isFirstOfName;  ///< among the dependencies of its metamodel
+  std::uint32_t row;                      ///< in the list of its metamodel
+  bool isFirstOfName;                     ///< among the dependencies of its metamodel
+  std::vector<SlotInterval> pieces = {};  ///< of a union, which `candidates` spans; else none
+
+  bool admits(Slot slot) const;
 };
 
 /// Look-ups in a draft, over the rows whose names and versions could be read. Refers to the draft.
@@ -62,7 +65,10 @@ class DraftIndex {
   /// The slot of a row by its position; `nothing` when its name or version could not be read.
   Slot slotOfRow(std::size_t row) const { return slotOfRow_[row]; }
 
-  /// The versions that a range admits.
+  /// The versions that each part of a range admits: one interval, or those of a union.
+  std::vector<SlotInterval> piecesIn(NameNumber name, const pathfinder::VersionRange& range) const;
+
+  /// The versions that a range which is no union admits.
   SlotInterval versionsIn(NameNumber name, const pathfinder::VersionRange& range) const;
 
   /// The versions that a version denotes: those that carry it, and those for which it is the
@@ -103,6 +109,8 @@ class DraftIndex {
   std::vector<Entry> entriesInOrder();
   void placeVersions();
   void resolveDependencies();
+  ResolvedDependency resolved(NameNumber name, const pathfinder::VersionRange& range,
+                              std::uint32_t row, bool isFirstOfName) const;
   Slot firstAtLeast(NameNumber name, const pathfinder::SemVer& bound) const;
   Slot firstAbove(NameNumber name, const pathfinder::SemVer& bound) const;
 

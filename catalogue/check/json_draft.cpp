@@ -9,6 +9,7 @@
 
 #include "catalogue/json_file.hpp"
 #include "catalogue/json_pieces.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -208,6 +209,23 @@ class DraftReader : public JsonPieceReceiver {
   }
 
   std::optional<VersionRange> readRange(const Spot& spot) {
+    if (spot.value.kind != Kind::Object) return readSimpleRange(spot);
+    if (!checkFields(spot, {"anyOf"})) return std::nullopt;
+    return requiredField(spot, "anyOf", [&](const Spot& list) { return readUnion(list); });
+  }
+
+  std::optional<VersionRange> readUnion(const Spot& list) {
+    if (!expect(list, Kind::Array, "an array")) return std::nullopt;
+    std::vector<VersionRange> pieces;
+    for (std::size_t i = 0; i < list.value.children.size(); ++i) {
+      const auto piece = readSimpleRange({list.value.children[i], &list, i});
+      if (!piece) return std::nullopt;
+      pieces.push_back(*piece);
+    }
+    return orFind(FindingCode::BadRange, list, [&] { return unionOf(pieces); });
+  }
+
+  std::optional<VersionRange> readSimpleRange(const Spot& spot) {
     if (spot.value.kind != Kind::Array) {
       return parsedText(FindingCode::BadRange, spot, [](const std::string& text) {
         return VersionRange::singleVersion(parseVersion(text));

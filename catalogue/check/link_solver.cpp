@@ -80,7 +80,7 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
   const Domain& known = domain(requirement.name);
   const SlotInterval wanted = requirement.candidates;
   if (known.taken != nothing) {
-    if (wanted.contains(known.taken)) return true;
+    if (requirement.admits(known.taken)) return true;
     const bool lowerExcludes = areDisjoint(known.lower.candidates, wanted);
     if (lowerExcludes || areDisjoint(known.upper.candidates, wanted)) {
       noteClash(lowerExcludes ? known.lower : known.upper, requirement);
@@ -105,7 +105,8 @@ void LinkSolver::narrow(const LinkRequirement& requirement) {
   const SlotInterval left = domain(requirement.name).left;
   const SlotInterval wanted = requirement.candidates;
   const bool isNew = left.empty();
-  if (!isNew && wanted.begin <= left.begin && left.end <= wanted.end) return;
+  const bool isUnion = requirement.parts != nullptr;
+  if (!isNew && !isUnion && wanted.begin <= left.begin && left.end <= wanted.end) return;
   Domain& changed = changedDomain(requirement.name);
   if (isNew) {
     changed.left = wanted;
@@ -113,6 +114,7 @@ void LinkSolver::narrow(const LinkRequirement& requirement) {
     changed.cause = requirement.holder;
     required_.push_back(requirement.name);
   }
+  if (isUnion) changed.unions.push_back(requirement);
   if (changed.left.begin < wanted.begin) {
     changed.left.begin = wanted.begin;
     changed.lower = requirement;
@@ -130,8 +132,9 @@ bool LinkSolver::takeForced() {
     const NameNumber name = forced_.back();
     forced_.pop_back();
     const Slot slot = domain(name).left.begin;
-    if (isExcluded_[slot]) {
-      blameBounds(domain(name));
+    if (domain(name).taken == slot) continue;
+    if (isExcluded_[slot] || !isAdmitted(name, slot)) {
+      blameAll(domain(name));
       return false;
     }
     if (!take(name, slot, nothing)) return false;
@@ -150,7 +153,10 @@ bool LinkSolver::requireAll(Slot holder) {
   for (const auto* dependency = index_.dependenciesBegin(holder);
        dependency != index_.dependenciesEnd(holder); ++dependency) {
     if (!dependency->isFirstOfName || dependency->candidates.empty()) continue;
-    if (!meet({dependency->name, dependency->candidates, holder, dependency->row})) return false;
+    const ResolvedDependency* parts = dependency->pieces.empty() ? nullptr : dependency;
+    if (!meet({dependency->name, dependency->candidates, holder, dependency->row, parts})) {
+      return false;
+    }
   }
   return true;
 }
@@ -180,12 +186,12 @@ bool LinkSolver::tryNext() {
   while (decision.next > first) {
     const Slot slot = --decision.next;
     ++work_;
-    if (isExcluded_[slot]) continue;
+    if (isExcluded_[slot] || !isAdmitted(decision.name, slot)) continue;
     conflict_.clear();
     return take(decision.name, slot, level) && takeForced();
   }
   conflict_ = decision.conflict;
-  blameBounds(domain(decision.name));
+  blameAll(domain(decision.name));
   choices_.push_back(decision.name);
   decisions_.pop_back();
   return false;
@@ -269,9 +275,16 @@ void LinkSolver::blame(Slot holder) {
   }
 }
 
-void LinkSolver::blameBounds(const Domain& domain) {
+void LinkSolver::blameAll(const Domain& domain) {
   blame(domain.lower.holder);
   blame(domain.upper.holder);
+  for (const LinkRequirement& requirement : domain.unions) blame(requirement.holder);
+}
+
+bool LinkSolver::isAdmitted(NameNumber name, Slot slot) {
+  const auto& unions = domain(name).unions;
+  return std::all_of(unions.begin(), unions.end(),
+                     [slot](const LinkRequirement& each) { return each.admits(slot); });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -86,7 +86,7 @@ bool LinkWitnesses::covers(const Set& set, Slot slot) const {
                      [&](const ResolvedDependency& dependency) {
                        if (!dependency.isFirstOfName || dependency.candidates.empty()) return true;
                        const auto held = set.find(dependency.name);
-                       return held != set.end() && dependency.candidates.contains(held->second);
+                       return held != set.end() && dependency.admits(held->second);
                      });
 }
 

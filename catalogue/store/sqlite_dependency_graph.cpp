@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "catalogue/dependency_graph.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -115,8 +116,10 @@ std::vector<std::int64_t> findStoredCycle(SqliteDatabase& database) {
     const std::int64_t metamodel = rows.number(0);
     const VersionRange range =
         readRow(database, "dependencies", metamodel, [&] { return rangeIn(rows, 2); });
-    graph.addDependency(versions.nodeOf(metamodel),
-                        versions.candidates(rows.number(1), range, graph));
+    for (const VersionRange& piece : piecesOf(range)) {
+      graph.addDependency(versions.nodeOf(metamodel),
+                          versions.candidates(rows.number(1), piece, graph));
+    }
   }
   std::vector<std::int64_t> cycle;
   for (const Node node : graph.findCycle()) cycle.push_back(versions.positionOf(node));

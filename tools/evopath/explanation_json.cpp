@@ -4,6 +4,7 @@
 
 #include "catalogue/picture/path_json.hpp"
 #include "catalogue/printed_text.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {
@@ -28,6 +29,11 @@ ordered_json json(const VersionId& version) {
 }
 
 ordered_json json(const VersionRange& range) {
+  if (isUnion(range)) {
+    ordered_json pieces = ordered_json::array();
+    for (const VersionRange& piece : piecesOf(range)) pieces.push_back(json(piece));
+    return {{"anyOf", pieces}};
+  }
   if (!range.isSemVerRange()) return textOf(range);
   const auto& bounds = range.getSemVerRange();
   return {textOf(bounds.lower), textOf(bounds.upper)};

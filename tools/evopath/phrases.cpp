@@ -2,11 +2,14 @@
 
 #include "catalogue/picture/display_text.hpp"
 #include "catalogue/printed_text.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 
 namespace evopath {
 
+using tarn::evolution::catalogue::isUnion;
 using tarn::evolution::catalogue::NamedVersion;
+using tarn::evolution::catalogue::piecesOf;
 using tarn::evolution::catalogue::textOf;
 using tarn::evolution::catalogue::toVisible;
 using tarn::evolution::pathfinder::Hop;
@@ -28,6 +31,11 @@ std::string visible(const VersionId& version) {
 }
 
 std::string visible(const VersionRange& range) {
+  if (isUnion(range)) {
+    std::vector<std::string> pieces;
+    for (const VersionRange& piece : piecesOf(range)) pieces.push_back(visible(piece));
+    return listed(pieces, "or");
+  }
   if (range.isSemVerRange()) {
     const VersionId lower = range.getSemVerRange().lower;
     if (range == VersionRange::singleVersion(lower)) return visible(lower);
