@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <utility>
 
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/path_search.hpp"
+#include "pathfinder/repository_access.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "product_graph.hpp"
 
 namespace bench {
 
+using tarn::evolution::pathfinder::Direction;
+using tarn::evolution::pathfinder::RepositoryAccess;
 using tarn::evolution::pathfinder::SearchAnswer;
 using tarn::evolution::pathfinder::VersionBaseline;
 
@@ -20,8 +23,9 @@ SearchAnswer searchWithin(CatalogueRepository& repository, std::uint64_t budget)
   const std::vector<VersionBaseline> targets = repository.combine(question.to);
   if (sources.empty() || targets.empty()) return {};
   const auto direction = repository.computeDirection(sources.front(), targets.front());
+  RepositoryAccess access(repository);
   SearchAnswer answer = tarn::evolution::pathfinder::searchExhaustively(
-      {repository, sources, targets, direction}, budget);
+      {access, sources, targets, static_cast<Direction>(direction)}, budget);
   answer.source = answer.target = nullptr;  // of the lists above, which end here
   return answer;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "catalogue/catalogue_repository.hpp"
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 #include "question_files.hpp"
 
 /// Asking questions, and knowing what the answer has to be.

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace bench {
 

@@ -2,8 +2,8 @@
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,111 +1,61 @@
 #include "catalogue/selection_file.hpp"
 
 #include <istream>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/file_error.hpp"
-#include "catalogue/json_file.hpp"
-#include "catalogue/json_stream.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/store/sqlite_header.hpp"
-#include "catalogue/version_text.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/json_file.hpp"
+#include "catalogue/reading/json_rows.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using nlohmann::json;
-
 namespace {
 
-/// Reads {name: version} as the parser goes through the text, and stops where this turns out to be
-/// a catalogue. The functions' names and parameters are the parser's.
-class SelectionReader : public nlohmann::json_sax<json> {
+/// Reads {name: version}, and stops where the text turns out to be a catalogue.
+class SelectionReader : public JsonPieceReceiver {
  public:
-  bool isCatalogue() const { return isCatalogue_; }
-  Selection& selection() { return selection_; }
-
-  bool null() override { return refuse("null"); }
-  bool boolean(bool /*value*/) override { return refuse("true or false"); }
-  bool number_integer(std::int64_t /*value*/) override { return refuse("a number"); }
-  bool number_unsigned(std::uint64_t /*value*/) override { return refuse("a number"); }
-  bool number_float(double /*value*/, const std::string& /*text*/) override {
-    return refuse("a number");
-  }
-  bool binary(json::binary_t& /*value*/) override { return refuse("binary data"); }
-
-  bool string(std::string& text) override {
-    if (!isOpen_) return refuse("a text");
-    if (!orFail([&] { return selection_.emplace(parseName(name_), parseVersion(text)).second; })) {
-      throw CatalogueError("", "the field \"" + name_ + "\" stands twice");
-    }
-    return true;
+  /// None for a catalogue.
+  std::optional<Selection> read(std::istream& in) {
+    const std::string syntaxError = readJsonPieces(in, *this);
+    if (isCatalogue_) return std::nullopt;
+    if (!syntaxError.empty()) throw CatalogueError("", syntaxError);
+    return std::move(selection_);
   }
 
-  bool start_object(std::size_t /*size*/) override {
-    if (isOpen_) return enterValue("an object");
-    isOpen_ = true;
-    return true;
+  void enterField(const JsonValue& field) override { name_ = field.key; }
+
+  bool enterContainer() override {
+    isCatalogue_ = isCatalogueField(name_);
+    return !isCatalogue_;
   }
 
-  bool key(std::string& name) override {
-    name_ = name;
-    return true;
+  void receiveElement(std::size_t /*index*/, JsonValue /*value*/) override {}
+
+  void receiveField(JsonValue value) override {
+    const JsonSpot spot{value, &root_};
+    auto row = readSelectionRow(spot, faults_);
+    if (selection_.emplace(std::move(row->name), std::move(row->version)).second) return;
+    addDuplicateField(spot, faults_);
   }
 
-  bool end_object() override { return true; }
-  bool start_array(std::size_t /*size*/) override { return enterValue("an array"); }
-  bool end_array() override { return true; }
-
-  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
-                   const json::exception& error) override {
-    throw CatalogueError("", "not JSON: " + withoutPrefix(error.what()));
-  }
+  void receiveOtherRoot(JsonValue value) override { addWrongType({value}, "an object", faults_); }
 
  private:
-  bool enterValue(const std::string& kind) {
-    isCatalogue_ = name_ == "metamodels" || name_ == "hops" || name_ == "question";
-    return isCatalogue_ ? false : refuse(kind);
-  }
-
-  [[noreturn]] bool refuse(const std::string& kind) const {
-    if (!isOpen_) throw CatalogueError("", "must be an object, not " + kind);
-    throw CatalogueError(place(), "must be a text, not " + kind);
-  }
-
-  std::string place() const { return (json::json_pointer() / name_).to_string(); }
-
-  template <class Compute>
-  bool orFail(const Compute& compute) const {
-    try {
-      return compute();
-    } catch (const std::invalid_argument& error) {
-      throw CatalogueError(place(), error.what());
-    }
-  }
-
-  Selection selection_;
-  std::string name_;
-  bool isOpen_ = false;
+  FirstJsonFault faults_;
+  const JsonValue rootValue_{.kind = JsonValue::Kind::Object};
+  const JsonSpot root_{rootValue_};
+  std::string name_;  // of the field entered last
   bool isCatalogue_ = false;
+  Selection selection_;
 };
 
-/// What the file begins with, blanks aside; NUL when it is empty.
-char firstOf(std::istream& in) {
-  char first = '\0';
-  in >> first;
-  in.seekg(0);
-  return first;
-}
-
-/// The selection that a text consists of; none when it is a catalogue.
 std::optional<Selection> readPlainSelection(std::istream& in) {
-  if (firstOf(in) != '{') return std::nullopt;
-  SelectionReader reader;
-  json::sax_parse(in, &reader);
-  if (reader.isCatalogue()) return std::nullopt;
-  return std::move(reader.selection());
+  return SelectionReader().read(in);
 }
 
 }  // namespace

@@ -66,6 +66,21 @@ function(tarn_export_only_own_symbols target)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${map})
 endfunction()
 
+# Makes the objects of an archive part of a library, invisible from outside: whoever uses the library need not have it.
+function(tarn_take_in_archive target archive)
+  if(NOT TARN_STATIC)
+    target_link_libraries(${target} PRIVATE "$<BUILD_INTERFACE:${archive}>")
+    return()
+  endif()
+  get_filename_component(name "${archive}" NAME_WE)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  file(MAKE_DIRECTORY ${folder})
+  execute_process(COMMAND ${CMAKE_AR} x ${archive} WORKING_DIRECTORY ${folder} COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB objects ${folder}/*.o)
+  set_source_files_properties(${objects} PROPERTIES EXTERNAL_OBJECT ON)
+  target_sources(${target} PRIVATE ${objects})
+endfunction()
+
 # With TARN_UNITY, compiles the sources of each of these folders of the target's as one; "." is the target's own.
 function(tarn_unite_folders target)
   if(NOT TARN_UNITY)

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "pathfinder/exhaustive_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "support/brute_force.hpp"
+#include "support/engine_question.hpp"
 
 namespace fuzz {
 
@@ -220,7 +221,8 @@ void RepositorySession::askToSelection() {
 void RepositorySession::askBothEngines() {
   const auto sources = in(repository_, someBaselines());
   const auto targets = in(repository_, someBaselines());
-  const SearchQuestion question{repository_, sources, targets, someDirection()};
+  const Direction direction = someDirection();
+  const SearchQuestion question = engineQuestion(repository_, sources, targets, direction);
   const auto text = [&](const SearchAnswer& answer) {
     if (answer.verdict == SearchAnswer::Verdict::Unsettled) return std::string("unsettled");
     if (answer.verdict == SearchAnswer::Verdict::NoPath) return std::string("none");
@@ -231,7 +233,7 @@ void RepositorySession::askBothEngines() {
   const std::string found = outcomeText([&] { return text(searchGoalDirected(question)); });
   if (found == failed || found == "unsettled") return;
   check("both engines from " + describe(sources) + " to " + describe(targets) + ", " +
-            VersionRepository::getDirectionString(question.direction),
+            VersionRepository::getDirectionString(direction),
         expected, found);
 }
 

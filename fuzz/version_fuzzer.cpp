@@ -10,7 +10,7 @@
 #include <tuple>
 #include <vector>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "expectation.hpp"
 #include "pathfinder/metamodel.hpp"

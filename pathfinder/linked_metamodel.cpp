@@ -4,9 +4,9 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "pathfinder/class_test.hpp"
-#include "pathfinder/entry_insertion.hpp"
-#include "pathfinder/error_text.hpp"
+#include "pathfinder/values/as_class.hpp"
+#include "pathfinder/values/entry_insertion.hpp"
+#include "pathfinder/values/error_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {

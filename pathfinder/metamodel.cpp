@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "pathfinder/hashing.hpp"
+#include "pathfinder/values/hashing.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {

@@ -5,9 +5,13 @@
 
 #include "messages/scoped_event.hpp"
 #include "messages/trace.hpp"
-#include "pathfinder/exhaustive_search.hpp"
+#include "pathfinder/learning/learning_search.hpp"
+#include "pathfinder/learning/selection_search.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
+#include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
-#include "pathfinder/tried_baselines.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
+#include "pathfinder/search/tried_baselines.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -18,16 +22,14 @@ using diagnostics::traceValue;
 namespace {
 
 void traceQuestion(const std::vector<VersionBaseline>& sources,
-                   const std::vector<VersionBaseline>& targets,
-                   VersionRepository::Direction direction) {
+                   const std::vector<VersionBaseline>& targets, Direction direction) {
   traceValue("Finding path from one of:");
   for (const VersionBaseline& source : sources) traceValue(source);
   traceValue("TO one of:");
   for (const VersionBaseline& target : targets) traceValue(target);
   traceValue("End of list");
-  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
-    out << "Direction is " << VersionRepository::getDirectionString(direction);
-  });
+  trace(TraceLevel::Reasoning,
+        [&](std::ostream& out) { out << "Direction is " << nameOf(direction); });
 }
 
 /// Asks one engine after the other until one settles the question.
@@ -35,31 +37,66 @@ SearchAnswer search(SearchQuestion question) {
   TriedBaselines tried;
   question.tried = &tried;
   SearchAnswer answer = searchExhaustively(question, combinationBudget);
-  if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchGoalDirected(question);
+  if (answer.verdict == SearchAnswer::Verdict::Unsettled)
+    answer = searchGoalDirected(question, learningPlanner());
   if (answer.verdict == SearchAnswer::Verdict::Unsettled) answer = searchExhaustively(question);
   return answer;
 }
 
 }  // namespace
 
-std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
-                                                           PathCache& cache,
+std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, PathCache& cache,
                                                            const QuestionBaselines& sources,
                                                            const QuestionBaselines& targets,
-                                                           VersionRepository::Direction direction,
+                                                           Direction direction,
                                                            std::vector<KnownMetamodel> known) {
   static const instrument::Handle& handle =
       instrument::controls.getHandle("VersionRepository::findPath");
   const diagnostics::ScopedEvent event(handle);
   traceQuestion(sources.list(), targets.list(), direction);
   if (auto cached = cache.find(sources.list(), targets.list())) return cached;
-  SearchAnswer answer =
-      search({repository, sources.list(), targets.list(), direction, std::move(known)});
+  SearchAnswer answer = search({host, sources.list(), targets.list(), direction, std::move(known)});
   if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
   if (!answer.steps.empty()) {
     cache.store(answer.steps, sources.take(*answer.source), targets.take(*answer.target));
   }
   return std::move(answer.steps);
+}
+
+namespace {
+
+/// By way of all baselines that the selections stand for.
+std::optional<std::vector<BaselineHop>> answerByBaselines(RepositoryAccess& access,
+                                                          PathCache& cache,
+                                                          const VersionsByName& from,
+                                                          const VersionsByName& to) {
+  SelectionCombination combination(access, from.size() + to.size());
+  std::vector<VersionBaseline> sources = combination.combine(from);
+  if (sources.empty()) return std::nullopt;
+  std::vector<VersionBaseline> targets = combination.combine(to);
+  if (targets.empty()) return std::nullopt;
+  const Direction direction = access.directionBetween(sources.front(), targets.front());
+  return answerPathQuestion(access, cache, std::move(sources), std::move(targets), direction,
+                            combination.known());
+}
+
+}  // namespace
+
+std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
+                                                                PathCache& cache,
+                                                                const VersionsByName& from,
+                                                                const VersionsByName& to) {
+  try {
+    const LinkingBudget budget(linkingBudget);
+    return answerByBaselines(access, cache, from, to);
+  } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+  }
+  SelectionAnswer answer = searchBetweenSelections(access, from, to);
+  if (!answer.isSettled) return answerByBaselines(access, cache, from, to);
+  if (!answer.path) return std::nullopt;
+  auto& [steps, source, target] = *answer.path;
+  if (!steps.empty()) cache.store(steps, std::move(source), std::move(target));
+  return std::move(steps);
 }
 
 }  // namespace tarn::evolution::pathfinder

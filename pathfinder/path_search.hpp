@@ -1,21 +1,22 @@
 #pragma once
 
-#include <cstddef>
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "pathfinder/path_cache.hpp"
-#include "pathfinder/search_question.hpp"
-#include "pathfinder/version_repository.hpp"
+#include "pathfinder/repository_access.hpp"
+#include "pathfinder/search/path_cache.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 /// How many combinations of hops the exhaustive search may try before the goal-directed search
-/// takes over. Questions that take no more are settled as cheaply as they can be; beyond, the
-/// number of combinations grows exponentially with the number of metamodels.
-inline constexpr std::uint64_t combinationBudget = 2000;
+/// takes over: about as many as that one takes to begin, half a millisecond. Questions that take no
+/// more are settled as cheaply as they can be; beyond, the number of combinations grows
+/// exponentially with the number of metamodels.
+inline constexpr std::uint64_t combinationBudget = 250;
 
 /// A list of baselines of a question, which may be used up if nobody else needs it.
 class QuestionBaselines {
@@ -28,7 +29,8 @@ class QuestionBaselines {
   /// One element, for good.
   VersionBaseline take(const VersionBaseline& element) const {
     if (spare_ == nullptr) return element;
-    return std::move((*spare_)[static_cast<std::size_t>(&element - list_.data())]);
+    return std::move(*std::find_if(spare_->begin(), spare_->end(),
+                                   [&](const VersionBaseline& own) { return &own == &element; }));
   }
 
  private:
@@ -38,11 +40,20 @@ class QuestionBaselines {
 
 /// `VersionRepository::findPath` for lists of baselines: asks the cache, searches, and stores what
 /// the search found.
-std::optional<std::vector<BaselineHop>> answerPathQuestion(VersionRepository& repository,
-                                                           PathCache& cache,
+std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, PathCache& cache,
                                                            const QuestionBaselines& sources,
                                                            const QuestionBaselines& targets,
-                                                           VersionRepository::Direction direction,
+                                                           Direction direction,
                                                            std::vector<KnownMetamodel> known = {});
+
+/// As many linked metamodels are made for a question between selections before it is looked whether
+/// it can be answered without making them all.
+inline constexpr std::size_t linkingBudget = 5000;
+
+/// `VersionRepository::findPath` between two selections, which differ.
+std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
+                                                                PathCache& cache,
+                                                                const VersionsByName& from,
+                                                                const VersionsByName& to);
 
 }  // namespace tarn::evolution::pathfinder

@@ -4,11 +4,10 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "pathfinder/baseline_combination.hpp"
-#include "pathfinder/class_test.hpp"
-#include "pathfinder/entry_insertion.hpp"
-#include "pathfinder/hashing.hpp"
-#include "pathfinder/standard_types.hpp"
+#include "pathfinder/values/as_class.hpp"
+#include "pathfinder/values/entry_insertion.hpp"
+#include "pathfinder/values/hashing.hpp"
+#include "pathfinder/values/standard_types.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -32,15 +31,6 @@ std::optional<VersionBaseline> VersionBaseline::create(
     }
   }
   return result;
-}
-
-std::vector<VersionBaseline> VersionBaseline::combine(
-    const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
-        alternatives) {
-  std::vector<Alternatives> inMapOrder;
-  inMapOrder.reserve(alternatives.size());
-  for (const auto& [name, candidates] : alternatives) inMapOrder.push_back({&name, &candidates});
-  return combineInOrder(inMapOrder, Links::Any);
 }
 
 bool VersionBaseline::admits(const std::shared_ptr<LinkedMetamodel>& metamodel) const {

@@ -1,18 +1,19 @@
 #include "pathfinder/version_repository.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include "messages/report_exception.hpp"
-#include "pathfinder/hashing.hpp"
-#include "pathfinder/linked_metamodel_creation.hpp"
-#include "pathfinder/path_cache.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/linking/linked_metamodel_creation.hpp"
+#include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/path_search.hpp"
-#include "pathfinder/selection_combination.hpp"
-#include "pathfinder/step_generation.hpp"
-#include "pathfinder/step_weight.hpp"
-#include "pathfinder/target_baseline.hpp"
+#include "pathfinder/repository_access.hpp"
+#include "pathfinder/search/path_cache.hpp"
+#include "pathfinder/search/step_generation.hpp"
+#include "pathfinder/search/step_weight.hpp"
+#include "pathfinder/search/target_baseline.hpp"
+#include "pathfinder/values/unordered_hash.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -23,12 +24,7 @@ struct VersionRepository::Caches {
 
 std::size_t VersionRepository::KeyHasherVersionBaselineUnordered::operator()(
     const VersionBaseline& baseline) const noexcept {
-  std::size_t result = 0;
-  for (const auto& [name, linked] : baseline.metamodels) {
-    result ^= linked ? hashNameAndVersion(linked->name, linked->version)
-                     : std::hash<std::u16string>()(name) + 0x9e3779b9;
-  }
-  return result;
+  return UnorderedHash()(baseline);
 }
 
 VersionRepository::VersionRepository() : caches_(std::make_unique<Caches>()) {}
@@ -63,34 +59,29 @@ void VersionRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& /*
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from, const std::vector<VersionBaseline>& to,
     Direction direction) {
-  return answerPathQuestion(*this, caches_->pathCache, from, to, direction);
+  RepositoryAccess access(*this);
+  return answerPathQuestion(access, caches_->pathCache, from, to, pathfinder::Direction(direction));
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(const VersionBaseline& from,
                                                                     const VersionBaseline& to) {
   if (from.includes(to)) return std::vector<BaselineHop>();
-  return answerPathQuestion(*this, caches_->pathCache, std::vector{from}, std::vector{to},
-                            computeDirection(from, to));
+  return findPath(std::vector{from}, std::vector{to}, computeDirection(from, to));
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
-  SelectionCombination combination(*this, from.size() + to.size());
-  std::vector<VersionBaseline> sources = combination.combine(from);
-  if (sources.empty()) return std::nullopt;
-  std::vector<VersionBaseline> targets = combination.combine(to);
-  if (targets.empty()) return std::nullopt;
-  const Direction direction = computeDirection(sources.front(), targets.front());
-  return answerPathQuestion(*this, caches_->pathCache, std::move(sources), std::move(targets),
-                            direction, combination.known());
+  RepositoryAccess access(*this);
+  return answerSelectionQuestion(access, caches_->pathCache, from, to);
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
-  SelectionCombination combination(*this, to.size());
+  RepositoryAccess access(*this);
+  SelectionCombination combination(access, to.size());
   std::vector<VersionBaseline> targets = combination.combine(to);
   if (targets.empty()) return std::nullopt;
   const bool alreadyThere =
@@ -98,15 +89,43 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
   if (alreadyThere) return std::vector<BaselineHop>();
   const Direction direction =
       from.empty() ? Unknown : computeDirection(from.front(), targets.front());
-  return answerPathQuestion(*this, caches_->pathCache, from, std::move(targets), direction,
-                            combination.known());
+  return answerPathQuestion(access, caches_->pathCache, from, std::move(targets),
+                            pathfinder::Direction(direction), combination.known());
 }
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::vector<VersionBaseline>& from, const std::vector<VersionBaseline>& to,
+    Direction direction, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to, direction);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(const VersionBaseline& from,
+                                                                    const VersionBaseline& to,
+                                                                    const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::unordered_map<std::u16string, VersionId>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
+    const std::vector<VersionBaseline>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return findPath(from, to);
+}
+
+// Weights and the cache.
 
 unsigned long VersionRepository::getWeight(
     const std::unordered_map<std::u16string, Hop>& hops) const {
-  std::uint64_t hopWeights = 0;
-  for (const auto& [name, hop] : hops) hopWeights += hopWeight(hop.expensive);
-  return stepWeight(hopWeights);
+  return weightOf(hops);
 }
 
 void VersionRepository::invalidatePathfindingCache() {
@@ -115,19 +134,22 @@ void VersionRepository::invalidatePathfindingCache() {
 
 std::vector<BaselineHop> VersionRepository::getStepsFrom(const VersionBaseline& from,
                                                          Direction direction) {
-  return StepGeneration(*this, from, direction).runReserved();
+  RepositoryAccess access(*this);
+  return StepGeneration(access, from, pathfinder::Direction(direction)).runReserved();
 }
 
 std::vector<VersionBaseline> VersionRepository::createTargetBaseline(
     const VersionBaseline& baseline, const std::unordered_map<std::u16string, Hop>& hops) {
-  return findTargetBaselines(*this, baseline, hops);
+  RepositoryAccess access(*this);
+  return findTargetBaselines(access, baseline, hops);
 }
 
 // Selections and linked metamodels.
 
 std::vector<VersionBaseline> VersionRepository::combine(
     const std::unordered_map<std::u16string, VersionId>& selection) {
-  return SelectionCombination(*this, selection.size()).combine(selection);
+  RepositoryAccess access(*this);
+  return SelectionCombination(access, selection.size()).combine(selection);
 }
 
 std::vector<VersionBaseline> VersionRepository::combine(
@@ -135,14 +157,16 @@ std::vector<VersionBaseline> VersionRepository::combine(
   std::vector<SelectedMetamodel> inMapOrder;
   inMapOrder.reserve(selection.size());
   for (const auto& [name, metamodel] : selection) inMapOrder.push_back({&name, &metamodel});
-  return combineMetamodels(*this, inMapOrder);
+  RepositoryAccess access(*this);
+  return combineMetamodels(access, inMapOrder);
 }
 
 const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinkedMetamodels(
     const Metamodel& metamodel) {
   LinkedMetamodelCache& cache = caches_->linkedMetamodelCache;
   if (const LinkedMetamodels* known = cache.find(metamodel)) return *known;
-  return LinkedMetamodelCreation(*this, cache, accessTag()).create(metamodel);
+  RepositoryAccess access(*this);
+  return LinkedMetamodelCreation(access, cache, accessTag()).create(metamodel);
 }
 
 const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinkedMetamodels(
@@ -152,8 +176,18 @@ const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinke
   return getLinkedMetamodels(*metamodel);
 }
 
+std::shared_ptr<LinkedMetamodel> VersionRepository::linkAlone(
+    const Metamodel& metamodel,
+    const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+        chosen) {
+  RepositoryAccess access(*this);
+  return LinkedMetamodelCreation(access, caches_->linkedMetamodelCache, accessTag())
+      .createAlone(metamodel, chosen);
+}
+
 void VersionRepository::createLinkedMetamodels(const Metamodel& metamodel) {
-  LinkedMetamodelCreation(*this, caches_->linkedMetamodelCache, accessTag()).create(metamodel);
+  RepositoryAccess access(*this);
+  LinkedMetamodelCreation(access, caches_->linkedMetamodelCache, accessTag()).create(metamodel);
 }
 
 // Versions and directions.
@@ -171,21 +205,11 @@ std::optional<SemVer> VersionRepository::extractSemVer(const Metamodel& metamode
 }
 
 bool VersionRepository::areDirectionsInconsistent(Direction a, Direction b) {
-  return (a == Forward && b == Backward) || (a == Backward && b == Forward);
+  return areOpposite(pathfinder::Direction(a), pathfinder::Direction(b));
 }
 
 std::string VersionRepository::getDirectionString(Direction direction) {
-  switch (direction) {
-    case Equal:
-      return "Equal";
-    case Forward:
-      return "Forward";
-    case Backward:
-      return "Backward";
-    case Unknown:
-      return "Unknown";
-  }
-  return {};
+  return nameOf(pathfinder::Direction(direction));
 }
 
 VersionRepository::Direction VersionRepository::getDirection(const Metamodel& from,

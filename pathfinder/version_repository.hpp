@@ -12,6 +12,7 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/linked_metamodel.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/search_limits.hpp"
 #include "pathfinder/version_baseline.hpp"
 #include "pathfinder/version_id.hpp"
 #include "tarn_evolution_pathfinder_export.hpp"
@@ -128,34 +129,17 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// Absent: there is no path. Present and empty: a source includes a target. Otherwise the steps
   /// in the order of application; each step's `to` is the next one's `from`.
   ///
-  /// A path found before is returned from the cache, for the first pair of `from` and `to` in list
-  /// order that has one, whatever the direction and before anything else is looked at. Weights are
-  /// those of `getWeight`; among paths of equal weight, the one whose baselines were reached first.
+  /// Weights are those of `getWeight`. Among paths of equal weight, the one whose last step weighs
+  /// most, then the one before it, and so on; then the first source in list order; then the first
+  /// steps in the order of `getStepsFrom`. A path found before is returned from the cache, for the
+  /// first pair of `from` and `to` in list order that has one, whatever the direction.
   ///
-  /// Asking the cache takes a hash look-up for each source and one for each target of a source that
-  /// it knows. A search first tries the steps out of every baseline that is reached before a target
-  /// is, as `getStepsFrom` lists them, as long as that takes at most 2,000 choices of hops in all.
-  /// What it settles so, it settles in full: every choice tried, every target linked, and what any
-  /// of that throws reaches the caller, also when another step would have reached a target.
+  /// Throws what the application throws, ConflictingDependencies and std::logic_error where the
+  /// answer depends on a version that cannot be linked, or on a hop to a version that
+  /// `getMetamodel` does not find. What lies off every path worth looking at need not be asked for.
   ///
-  /// Beyond, a second search gives the same answer in time that follows metamodels x versions on
-  /// most catalogues (planning with constraints is in the question, and some catalogues stay
-  /// exponential). It asks the application once for each version that can lie on a path, and links
-  /// only these: reachable from a source and, for a name that every target mentions, able to reach
-  /// a target. So a version off every path need not be linkable. One that cannot be linked counts
-  /// as one that is not there: with no other way the path is absent, where the first search would
-  /// throw ConflictingDependencies (which an application's operation must not throw for another
-  /// reason: here it could not be told apart). Sources that are not consistent baselines of the
-  /// repository's own linked metamodels are left to the first search, without a limit, and so are
-  /// questions whose plans all turn out to be impossible; it throws std::length_error when a
-  /// baseline has more choices of hops than a list of steps can hold.
-  ///
-  /// How often a version is asked for is not promised: one that both selections hold may be asked
-  /// for once only, and so may one that a baseline of the question holds.
-  ///
-  /// A question that the second search answers is traced by what that one does: the records of the
-  /// first search end where its limit was met, and after them only the combinations of hops on the
-  /// way of best plans are attempted.
+  /// Cost: a question that trying few combinations of hops settles takes microseconds; others
+  /// follow metamodels x versions on most catalogues, and some stay exponential in time and memory.
   std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
                                                    const std::vector<VersionBaseline>& to,
                                                    Direction direction);
@@ -186,6 +170,29 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
       const std::unordered_map<std::u16string, VersionId>& to) {
     return findPath(std::vector<VersionBaseline>(from), to);
   }
+
+  /// @}
+  /// @name Paths within limits
+  /// The same questions, whose searches a host can bound, stop and watch (see `SearchLimits`). They
+  /// throw SearchStopped when a limit is reached: then it is open whether there is a path.
+  /// @{
+
+  std::optional<std::vector<BaselineHop>> findPath(const std::vector<VersionBaseline>& from,
+                                                   const std::vector<VersionBaseline>& to,
+                                                   Direction direction, const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(const VersionBaseline& from,
+                                                   const VersionBaseline& to,
+                                                   const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::unordered_map<std::u16string, VersionId>& from,
+      const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits);
+  std::optional<std::vector<BaselineHop>> findPath(
+      const std::vector<VersionBaseline>& from,
+      const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits);
+
+  /// @}
+  /// @name Weights and the cache
+  /// @{
 
   /// The weight of one step: 1,000,000,000 for each expensive hop; one for each other hop, and one
   /// more if there is any other hop. So moving in lockstep weighs less than moving one after the
@@ -241,7 +248,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   ///
   /// Throws InvalidFamilyVersion for a version that the application does not know and
   /// ConflictingDependencies for one that cannot be linked, whichever the selection's map yields
-  /// first.
+  /// first; std::length_error when there would be more baselines than half of the machine's memory
+  /// holds.
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, VersionId>& selection);
 
@@ -301,6 +309,13 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   static LinkedMetamodel::AccessTag accessTag() { return {}; }
 
  private:
+  friend class RepositoryAccess;
+
+  TARN_EVOLUTION_PATHFINDER_NO_EXPORT std::shared_ptr<LinkedMetamodel> linkAlone(
+      const Metamodel& metamodel,
+      const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
+          chosen);
+
   struct Caches;
   std::unique_ptr<Caches> caches_;
 };

@@ -11,6 +11,7 @@ packages=(
   g++ clang cmake ninja-build                      # compilers and build
   clang-format clang-tidy libclang-rt-14-dev       # formatting, linting, clang's sanitizer runtimes
   "$boost"                                         # brings the headers of Boost, Boost.Graph's too
+  libcadical-dev                                   # the solver of the search that learns
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libsqlite3-dev                                   # catalogue stores
   libyaml-dev                                      # catalogues of other programs

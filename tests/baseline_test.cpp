@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "pathfinder/baseline_combination.hpp"
+#include "pathfinder/linking/baseline_combination.hpp"
 #include "support/path_finder_errors.hpp"
 #include "support/random_run.hpp"
 #include "support/test_repository.hpp"

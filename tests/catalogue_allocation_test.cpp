@@ -82,7 +82,7 @@ std::string drawnIn(const std::filesystem::path& place) {
   const auto sources = repository->combine(question.from);
   const auto path = repository->findPath(question.from, question.to);
   const PathPicture picture = drawPath(*repository, sources.front(), path.value());
-  std::string all = written([&](auto& out) { writePathText(picture, Colouring::terminal, out); });
+  std::string all = written([&](auto& out) { writePathText(picture, Colouring::Terminal, out); });
   for (const auto write :
        {&writePathDot, &writePathHtml, &writePathJson, &writePathMermaid, &writePathSvg}) {
     all += written([&](auto& out) { write(picture, out); });

@@ -119,10 +119,14 @@ TEST(Catalogue, RefusesWhatIsUnsoundAndSaysWhere) {
       {"Ax~1.5:A[1,2)", "/metamodels/0" + cycle + "A@x -> A@x"},
       {"X1:A1 A1:B[1,9) B1 B2:Cspring Cspring:A[0.1,1.0.1)",
        "/metamodels/1" + cycle + "A@1.0.0 -> B@2.0.0 -> C@spring -> A@1.0.0"},
-      {"A1:A2 A2:A3 A3:A4 A4:A5 A5:A6 A6:A7 A7:A8 A8:A9 A9:A10 A10:A11 A11:A12 A12:A1",
+      {"A1:A2 A2:A3 A3:A4 A4:A5 A5:A6 A6:A7 A7:A8 A8:A9 A9:A10 A10:A11 A11:A12 A12:A13 A13:A14 "
+       "A14:A1",
        "/metamodels/0" + cycle +
-           "A@1.0.0 -> A@2.0.0 -> A@3.0.0 -> A@4.0.0 -> A@5.0.0 -> A@6.0.0 -> A@7.0.0 -> A@8.0.0 "
-           "-> A@9.0.0 -> A@10.0.0 -> 2 more -> A@1.0.0"},
+           "A@1.0.0 -> A@2.0.0 -> A@3.0.0 -> A@4.0.0 -> A@5.0.0 -> A@6.0.0 -> (3 more) -> "
+           "A@10.0.0 -> A@11.0.0 -> A@12.0.0 -> A@13.0.0 -> A@14.0.0 -> A@1.0.0"},
+      // A shortest one through the first version that is on any.
+      {"D1:A1 A1:B1+C[1,9) B1:C8 C1 C2 C3 C8:A1",
+       "/metamodels/1" + cycle + "A@1.0.0 -> C@8.0.0 -> A@1.0.0"},
       // Names depend on one another, versions do not.
       {"A1:B1 B1 B2:A1 A2:A1", "no error"},
   };

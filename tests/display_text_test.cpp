@@ -1,4 +1,4 @@
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 
 #include <gtest/gtest.h>
 

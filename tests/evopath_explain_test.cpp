@@ -147,7 +147,7 @@ TEST_F(EvopathExplain, NamesNothingThatWouldDisturbATerminal) {
       {"path c.json --trace" + from + " --to 'A" + suffix + "=2.0'",
        "Attempting Lockstep {Hop {A\u00e9\\u{1b}[31m@1.0.0->2.0.0}}\n"},
       {"remove c.store 'B" + suffix + "'",
-       "  C\u00e9\\u{1b}[31m@1.0.0 depends on B\u00e9\\u{1b}[31m [1.0.0, 1.0.1)\n"},
+       "  C\u00e9\\u{1b}[31m@1.0.0 depends on B\u00e9\\u{1b}[31m 1.0.0\n"},
       {"check twice.json", "/metamodels/1  A\\u{1b}@1.0.0 stands already at /metamodels/0\n"},
       {"path twice.json --question", "/metamodels/1: A\\u{1b}@1.0.0 stands already"},
   };

@@ -4,6 +4,8 @@
 #include <sstream>
 
 #include "catalogue/catalogue_repository.hpp"
+#include "catalogue/explanation/explanation_json.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
@@ -34,12 +36,18 @@ std::string writeAll(CatalogueContent content) {
        {writePathDot, writePathHtml, writePathJson, writePathMermaid, writePathSvg}) {
     write(picture, out);
   }
-  writePathText(picture, Colouring::plain, out);
+  writePathText(picture, Colouring::Plain, out);
   GraphRequest everything;
   everything.limit = 1000;
   writeGraphDot(makeGraph(repository, everything), out);
   writeGraphMermaid(makeGraph(repository, everything), out);
-  writeSummaryText(summariseAll(repository), Colouring::plain, out);
+  writeSummaryText(summariseAll(repository), Colouring::Plain, out);
+  for (const Question& asked : {question, Question{question.to, question.from}}) {
+    const Explanation explanation = explain(repository, asked);
+    writeExplanationText(explanation, weightsOf(repository), out);
+    writeExplanationJson(explanation, weightsOf(repository), out);
+    writeNoPathJson(explanation, weightsOf(repository), out);
+  }
   return out.str();
 }
 

@@ -38,12 +38,12 @@ std::string describe(const PathPicture& picture) {
     text += picture.lanes[lane].name + ":";
     for (const PathCell& cell : cells[lane]) {
       text += cell.isTiedUpward ? " ^" : " ";
-      if (cell.kind == PathCell::Kind::start) text += cell.version.substr(0, 1);
-      if (cell.kind == PathCell::Kind::unmoved) text += "-";
-      if (cell.kind == PathCell::Kind::absent) text += ".";
+      if (cell.kind == PathCell::Kind::Start) text += cell.version.substr(0, 1);
+      if (cell.kind == PathCell::Kind::Unmoved) text += "-";
+      if (cell.kind == PathCell::Kind::Absent) text += ".";
       if (cell.move != nullptr) {
-        text += cell.move->kind == MoveKind::entering ? "+" : ">";
-        text += cell.version.substr(0, 1) + (cell.move->kind == MoveKind::expensive ? "!" : "");
+        text += cell.move->kind == MoveKind::Entering ? "+" : ">";
+        text += cell.version.substr(0, 1) + (cell.move->kind == MoveKind::Expensive ? "!" : "");
       }
       text += cell.isTiedDownward ? "v" : "";
     }
@@ -108,7 +108,7 @@ TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
     for (const auto& row : layOutCells(picture)) {
       boxes +=
           static_cast<std::size_t>(std::count_if(row.begin(), row.end(), [](const PathCell& cell) {
-            return cell.kind == PathCell::Kind::start || cell.move != nullptr;
+            return cell.kind == PathCell::Kind::Start || cell.move != nullptr;
           }));
     }
     EXPECT_EQ(countOf("class=\"box\"", folder.read("path.svg")), boxes);
@@ -158,7 +158,7 @@ TEST(PathPicture, TextIsAlignedByWhatTheTerminalShows) {
     writePathText(picture, colouring, out);
     return out.str();
   };
-  EXPECT_EQ(text(Colouring::plain),
+  EXPECT_EQ(text(Colouring::Plain),
             "Step 1, weight 3\n"
             "  図形     1.0.0 -> 2.0.0\n"
             "  e\u0301\\u{1b}  1.0.0 -> 2.0.0\n"
@@ -166,14 +166,14 @@ TEST(PathPicture, TextIsAlignedByWhatTheTerminalShows) {
             "  図形     2.0.0 -> 3.0.0  expensive\n"
             "  C               + 1.0.0\n"
             "2 steps, weight 1000000003\n");
-  std::string coloured = text(Colouring::terminal);
+  std::string coloured = text(Colouring::Terminal);
   EXPECT_NE(coloured.find("\x1b[1mStep 1, weight 3\x1b[0m\n"), std::string::npos);
   for (const char* sequence : {"\x1b[1m", "\x1b[0m", "\x1b[1;33m", "\x1b[36m"}) {
     for (auto at = coloured.find(sequence); at != std::string::npos; at = coloured.find(sequence)) {
       coloured.erase(at, std::string(sequence).size());
     }
   }
-  EXPECT_EQ(coloured, text(Colouring::plain));
+  EXPECT_EQ(coloured, text(Colouring::Plain));
 }
 
 }  // namespace

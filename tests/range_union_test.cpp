@@ -1,5 +1,6 @@
 // Dependencies on several ranges of one name.
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/open_catalogue.hpp"
@@ -9,6 +10,7 @@
 #include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
 #include "support/random_run.hpp"
+#include "support/shell.hpp"
 #include "support/store_folder.hpp"
 
 namespace test {
@@ -144,6 +146,26 @@ TEST_F(RangeUnion, IsReadFromJsonAndPartOfCycles) {
       errorOf(R"({"anyOf": ["9.0", "1.0"]})",
               R"([{"name": "B", "range": {"anyOf": [["0.1", "0.2"], "1.0"]}}])"),
       "/metamodels/0/dependencies: the dependencies form a cycle: A@1.0.0 -> B@1.0.0 -> A@1.0.0");
+}
+
+TEST_F(RangeUnion, IsToldInExplanations) {
+  write("c.json", R"({"metamodels": [
+      {"name": "A", "version": "1.0", "dependencies": []},
+      {"name": "A", "version": "3.0", "dependencies": []},
+      {"name": "B", "version": "1.0", "dependencies": [
+        {"name": "A", "range": {"anyOf": ["1.0", ["4.0", "5.0"], "spring"]}}]},
+      {"name": "C", "version": "1.0", "dependencies": [
+        {"name": "A", "range": {"anyOf": ["0.1", ["3.0", "5.0"]]}}]}], "hops": []})");
+  const std::string asked = "explain c.json --from B=1.0,C=1.0 --to A=3.0";
+  const auto [status, text] = runEvopath(folder_, asked + " 2>&1");
+  EXPECT_EQ(status, 1);
+  EXPECT_NE(text.find("  B 1.0.0 needs A 1.0.0 or [4.0.0, 5.0.0) or spring\n"
+                      "  C 1.0.0 needs A 0.1.0 or [3.0.0, 5.0.0)\n"),
+            std::string::npos)
+      << text;
+  const auto told = nlohmann::json::parse(runEvopath(folder_, asked + " --json").second);
+  EXPECT_EQ(told["clash"]["requirements"][0]["range"].dump(),
+            R"({"anyOf":[["1.0.0","1.0.1"],["4.0.0","5.0.0"],"spring"]})");
 }
 
 }  // namespace

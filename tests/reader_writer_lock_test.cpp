@@ -1,4 +1,4 @@
-#include "pathfinder/reader_writer_lock.hpp"
+#include "pathfinder/search/reader_writer_lock.hpp"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,12 @@
 #include <cctype>
 #include <deque>
 
-#include "pathfinder/exhaustive_search.hpp"
+#include "pathfinder/learning/selection_search.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
+#include "pathfinder/search/exhaustive_search.hpp"
 #include "platform/exception.hpp"
+#include "support/engine_question.hpp"
+#include "support/learning_engine.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
@@ -33,10 +36,10 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
   for (const auto* baselines : {&question.sources, &question.targets}) {
     for (const VersionBaseline& baseline : *baselines) {
       for (const auto& [name, linked] : baseline.metamodels) {
-        if (auto answer = question.repository.getMetamodel(name, linked->version)) {
+        if (auto answer = question.host.getMetamodel(name, linked->version)) {
           answers.push_back(*std::move(answer));
           question.known.push_back({&name, &linked->version, &answers.back(),
-                                    &question.repository.getLinkedMetamodels(answers.back())});
+                                    &question.host.getLinkedMetamodels(answers.back())});
         }
       }
     }
@@ -47,8 +50,8 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
 void compare(const std::string& text, RandomRun& run) {
   TestQuestion question(text);
   if (!question.isPosed()) return;
-  const SearchQuestion asked{question.repository, question.sources, question.targets,
-                             question.direction};
+  const SearchQuestion asked =
+      engineQuestion(question.repository, question.sources, question.targets, question.direction);
   SearchAnswer expected;
   try {
     expected = searchExhaustively(asked);
@@ -59,6 +62,11 @@ void compare(const std::string& text, RandomRun& run) {
   expectSame(expected, found);
   std::deque<Metamodel> answers;
   expectSame(expected, searchGoalDirected(knowing(asked, answers)));
+  if (const auto learnt = answerByLearning(asked)) {
+    expectSame(expected, *learnt);
+    run.count("learnt paths", expected.verdict == Verdict::Found);
+    run.count("learnt absences", expected.verdict == Verdict::NoPath);
+  }
   run.count("absences", expected.verdict == Verdict::NoPath);
   run.count("paths", expected.verdict == Verdict::Found);
   run.count("long paths", expected.steps.size() >= 3);
@@ -68,6 +76,42 @@ TEST(Engines, AgreeOnRandomQuestions) {
   RandomRun run(4000);
   run.ask(randomQuestion, [&](const std::string& text, Random&) { compare(text, run); });
   run.expectPercentages({{"paths", 15}, {"long paths", 6}, {"absences", 1}});
+}
+
+TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
+  RandomRun run(4000);
+  run.ask(randomQuestion, [&](const std::string& text, Random&) {
+    const QuestionText question(text);
+    if (question.from.find_first_of(",^*") != std::string::npos) return;
+    if (question.to.find_first_of(",^*") != std::string::npos) return;
+    const auto from = selection(question.from);
+    const auto to = selection(question.to);
+    if (from == to) return;
+    TestRepository linking(question.catalogue);
+    TestRepository repository(question.catalogue);
+    SelectionAnswer found;
+    std::string expected;
+    try {
+      expected = describe(linking.findPath(from, to));
+    } catch (const std::exception&) {
+      return;  // what a question that links everything meets
+    }
+    found = searchBetweenSelections(repository.access, from, to);
+    run.count("settled", found.isSettled);
+    if (!found.isSettled) return;
+    const Path path = found.path ? Path(found.path->steps) : std::nullopt;
+    EXPECT_EQ(describe(path), expected);
+    run.count("paths", path.has_value());
+    if (!path || path->empty()) return;
+    expectLegal(repository, *path);
+    // What was linked alone is what a list would have.
+    for (const auto& [name, linked] : path->back().to.metamodels) {
+      const auto& all = repository.getLinkedMetamodels(*linked);
+      EXPECT_NE(std::find(all.begin(), all.end(), linked), all.end());
+    }
+    EXPECT_EQ(describe(repository.findPath(from, to)), expected);
+  });
+  run.expectPercentages({{"settled", 5}, {"paths", 3}});
 }
 
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {
@@ -105,7 +149,7 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
     TestRepository repository(catalogue);
     const auto sources = repository.baselines(from);
     const auto targets = repository.baselines(to);
-    const SearchQuestion asked{repository, sources, targets, anyDirection};
+    const SearchQuestion asked = engineQuestion(repository, sources, targets, anyDirection);
     const SearchAnswer expected = searchExhaustively(asked);
     EXPECT_EQ(expected.verdict == Verdict::Found ? expected.steps.size() : ~std::size_t{0}, steps);
     expectSame(expected, searchGoalDirected(asked));
@@ -118,7 +162,7 @@ TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
   for (const auto& [name, steps] : {std::pair(u"Z", 2U), std::pair(u"B", 0U)}) {
     auto targets = repository.baselines("A3");
     targets[0].metamodels[name] = nullptr;
-    const SearchQuestion lacking{repository, sources, targets, forward};
+    const SearchQuestion lacking = engineQuestion(repository, sources, targets, forward);
     const SearchAnswer expected = searchExhaustively(lacking);
     EXPECT_EQ(expected.steps.size(), steps);
     expectSame(expected, searchGoalDirected(lacking));
@@ -130,7 +174,9 @@ TEST(Engines, LongPathsTakeNoStack) {
   const auto sources = repository.baselines("A1");
   const auto targets = repository.baselines("A2000");
   runOnSmallStack([&] {
-    EXPECT_EQ(searchGoalDirected({repository, sources, targets, forward}).steps.size(), 1999U);
+    EXPECT_EQ(
+        searchGoalDirected(engineQuestion(repository, sources, targets, forward)).steps.size(),
+        1999U);
   });
 }
 

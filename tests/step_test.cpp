@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "pathfinder/step_generation.hpp"
+#include "pathfinder/search/step_generation.hpp"
 #include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
@@ -91,7 +91,10 @@ TEST(Steps, TooManyToListIsALengthErrorBeforeAnyAttempt) {
   EXPECT_THROW(repository.steps(selected, anyDirection), std::length_error);
   EXPECT_EQ(repository.calls.size(), 15U) << "one findHops for each name, and nothing else";
   const VersionBaseline from = repository.baseline(selected);
-  EXPECT_THROW(StepGeneration(repository, from, anyDirection).run(), std::length_error);
+  EXPECT_THROW(
+      StepGeneration(repository.access, from, tarn::evolution::pathfinder::Direction::Unknown)
+          .run(),
+      std::length_error);
   addNameWith15Hops("P");
   EXPECT_EQ(repository.steps(selected, anyDirection), "") << "the count wraps to zero";
 }

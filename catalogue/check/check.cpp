@@ -1,19 +1,32 @@
 #include "catalogue/check/check.hpp"
 
-#include <algorithm>
-#include <tuple>
+#include <utility>
 
-#include "catalogue/check/draft_checks.hpp"
+#include "catalogue/check/checks.hpp"
 
 namespace tarn::evolution::catalogue {
 
+namespace {
+
+DependencyGraph graphOf(const DraftIndex& index) {
+  std::vector<DependencyGraph::Dependency> dependencies;
+  for (Slot slot = 0; slot < index.slots().size(); ++slot) {
+    for (const ResolvedDependency& dependency : index.dependenciesOf(slot)) {
+      dependency.forCandidates([&](SlotInterval each) { dependencies.push_back({slot, each}); });
+    }
+  }
+  return {index.slots().size(), std::move(dependencies)};
+}
+
+}  // namespace
+
 std::vector<Finding> check(const CatalogueDraft& draft, const CheckLimits& limits) {
-  std::vector<Finding> findings = draft.findings;
-  if (!draft.isReadable) return findings;
+  if (!draft.isReadable) return draft.findings;
   const DraftIndex index(draft);
+  Findings findings(index);
   checkVersions(index, findings);
   checkDependencies(index, findings);
-  const DependencyRangeGraph graph(index);
+  const DependencyGraph graph = graphOf(index);
   const DependencyComponents components(graph);
   checkCycles(index, components, findings);
   LinkAnalysis links(index, components, graph, limits.linkWork);
@@ -21,11 +34,7 @@ std::vector<Finding> check(const CatalogueDraft& draft, const CheckLimits& limit
   checkHops(index, findings);
   checkHopGraph(index, findings);
   checkQuestion(index, links, findings);
-  std::stable_sort(findings.begin(), findings.end(), [](const Finding& left, const Finding& right) {
-    return std::tie(left.place.order, left.place.text, left.code) <
-           std::tie(right.place.order, right.place.text, right.code);
-  });
-  return findings;
+  return findings.inOrder();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,30 +1,15 @@
 #include <algorithm>
 
-#include "catalogue/check/draft_checks.hpp"
-#include "catalogue/check/finding_text.hpp"
-#include "catalogue/range_union.hpp"
+#include "catalogue/check/checks.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::VersionRange;
-
 namespace {
 
-bool admitsNothing(const VersionRange& range) {
-  if (isUnion(range)) {
-    const auto pieces = piecesOf(range);
-    return std::all_of(pieces.begin(), pieces.end(), admitsNothing);
-  }
-  if (!range.isSemVerRange()) return false;
-  const auto& [lower, upper] = range.getSemVerRange();
-  return !(lower < upper) && !(range == VersionRange::singleVersion(lower));
-}
-
 using Slots = std::vector<SlotInterval>;
-
-bool areEmpty(const Slots& slots) {
-  return std::all_of(slots.begin(), slots.end(), [](SlotInterval each) { return each.empty(); });
-}
 
 bool share(const Slots& left, const Slots& right) {
   return std::any_of(left.begin(), left.end(), [&](SlotInterval one) {
@@ -36,7 +21,7 @@ bool share(const Slots& left, const Slots& right) {
 
 class DependencyCheck {
  public:
-  DependencyCheck(const DraftIndex& index, std::vector<Finding>& findings)
+  DependencyCheck(const DraftIndex& index, Findings& findings)
       : index_(index), findings_(findings), firstOf_(index.names().size()) {}
 
   void run() {
@@ -57,8 +42,8 @@ class DependencyCheck {
   void checkNamed(const MetamodelRow& row, const DependencyRow& dependency) {
     const NameNumber name = index_.find(*dependency.name);
     if (name == nothing) {
-      find(FindingCode::UnknownDependency, index_.draft().placeOf(row, dependency, "name"),
-           "there is no metamodel " + quotedName(*dependency.name));
+      findings_.add(FindingCode::UnknownDependency, place(row, dependency, "name"),
+                    unknownMetamodel(*dependency.name));
     } else if (dependency.range) {
       checkRange(row, dependency, name);
       checkRepeated(row, dependency, name);
@@ -68,12 +53,13 @@ class DependencyCheck {
   void checkRange(const MetamodelRow& row, const DependencyRow& dependency, NameNumber name) {
     const std::string wanted = quotedName(*dependency.name) + " " + rangeText(*dependency.range);
     if (admitsNothing(*dependency.range)) {
-      find(FindingCode::EmptyRange, index_.draft().placeOf(row, dependency, "range"),
-           subject(row) + " depends on " + wanted + ", a range that no version can lie in");
+      findings_.add(
+          FindingCode::EmptyRange, place(row, dependency, "range"),
+          subject(row) + " depends on " + wanted + ", a range that no version can lie in");
     } else if (index_.names()[name].isComplete &&
-               areEmpty(index_.piecesIn(name, *dependency.range))) {
-      find(
-          FindingCode::UnsatisfiedDependency, index_.draft().placeOf(row, dependency, "range"),
+               index_.versionsIn(name, *dependency.range).empty()) {
+      findings_.add(
+          FindingCode::UnsatisfiedDependency, place(row, dependency, "range"),
           subject(row) + " depends on " + wanted + ", which no version in the catalogue satisfies");
     }
   }
@@ -84,37 +70,38 @@ class DependencyCheck {
       first = {&row, &dependency};
       return;
     }
-    const Slots before = index_.piecesIn(name, *first.dependency->range);
-    const Slots here = index_.piecesIn(name, *dependency.range);
-    const bool isContradictory = !areEmpty(before) && !areEmpty(here) && !share(before, here);
+    const Slots before = index_.versionsIn(name, *first.dependency->range);
+    const Slots here = index_.versionsIn(name, *dependency.range);
+    const bool isContradictory = !before.empty() && !here.empty() && !share(before, here);
     std::string message = subject(row) + " depends on " + quotedName(*dependency.name) +
                           " twice, " + rangeText(*first.dependency->range) + " and " +
                           rangeText(*dependency.range);
     if (isContradictory) message += ", which share no version";
     message += "; versions are chosen by the first only";
-    find(isContradictory ? FindingCode::ContradictoryDependency : FindingCode::RepeatedDependency,
-         index_.draft().placeOf(row, dependency), message);
-    findings_.back().related.push_back(index_.draft().placeOf(row, *first.dependency));
+    findings_.add(
+        isContradictory ? FindingCode::ContradictoryDependency : FindingCode::RepeatedDependency,
+        place(row, dependency), message, {place(row, *first.dependency)});
   }
 
   std::string subject(const MetamodelRow& row) const {
     const auto position = static_cast<std::size_t>(&row - index_.draft().metamodels.data());
-    const Slot slot = index_.slotOfRow(position);
+    const Slot slot = index_.slots().slotOf(position);
     return slot == nothing ? "this version" : index_.describe(slot);
   }
 
-  void find(FindingCode code, const Place& place, const std::string& message) {
-    findings_.push_back({code, place, message, {}});
+  Place place(const MetamodelRow& row, const DependencyRow& dependency,
+              const std::string& field = {}) const {
+    return index_.draft().placeOf(row, dependency, field);
   }
 
   const DraftIndex& index_;
-  std::vector<Finding>& findings_;
+  Findings& findings_;
   std::vector<First> firstOf_;  // by name
 };
 
 }  // namespace
 
-void checkDependencies(const DraftIndex& index, std::vector<Finding>& findings) {
+void checkDependencies(const DraftIndex& index, Findings& findings) {
   DependencyCheck(index, findings).run();
 }
 

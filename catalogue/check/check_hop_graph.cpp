@@ -1,7 +1,8 @@
 #include <algorithm>
 
-#include "catalogue/check/draft_checks.hpp"
-#include "catalogue/check/finding_text.hpp"
+#include "catalogue/check/checks.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -19,15 +20,15 @@ struct Ends {
 
 class HopGraphCheck {
  public:
-  HopGraphCheck(const DraftIndex& index, std::vector<Finding>& findings)
-      : index_(index), findings_(findings), ends_(index.slotCount()) {}
+  HopGraphCheck(const DraftIndex& index, Findings& findings)
+      : index_(index), findings_(findings), ends_(index.slots().size()) {}
 
   void run() {
     for (const HopRow& row : index_.draft().hops) {
       if (row.name && row.from && row.to) enter(row);
     }
-    for (const DraftIndex::Name& name : index_.names()) {
-      if (name.isComplete && name.all.end - name.all.begin > 1) checkName(name);
+    for (NameNumber name = 0; name < index_.names().size(); ++name) {
+      if (index_.names()[name].isComplete && all(name).size() > 1) checkName(name);
     }
   }
 
@@ -45,18 +46,19 @@ class HopGraphCheck {
 
   /// A text version without equivalent counts as older than all others but its like.
   bool isNewer(Slot left, Slot right) const {
-    if (!index_.isSemantic(left)) return false;
-    if (!index_.isSemantic(right)) return true;
-    return index_.semanticVersion(right) < index_.semanticVersion(left);
+    return index_.slots().at(right).semantic < index_.slots().at(left).semantic;
   }
 
-  void checkName(const DraftIndex::Name& name) {
+  SlotInterval all(NameNumber name) const { return index_.slots().all(name); }
+  std::string quoted(NameNumber name) const { return quotedName(index_.names()[name].text); }
+
+  void checkName(NameNumber name) {
     const std::vector<Slot> stranded =
         versionsThat(name, [](const Ends& ends) { return ends.isStranded(); });
-    if (stranded.size() == name.all.end - name.all.begin) {
-      findings_.push_back(findingAt(index_, FindingCode::NoHops, {stranded.front()},
-                                    "none of the " + std::to_string(stranded.size()) +
-                                        " versions of " + quotedName(name.text) + " has a hop"));
+    if (stranded.size() == all(name).size()) {
+      findings_.add(FindingCode::NoHops, std::vector{stranded.front()},
+                    "none of the " + std::to_string(stranded.size()) + " versions of " +
+                        quoted(name) + " has a hop");
       return;
     }
     find(FindingCode::StrandedVersions, name, "no hop enters or leaves ", stranded);
@@ -70,7 +72,7 @@ class HopGraphCheck {
     }
   }
 
-  std::vector<Slot> unreached(const DraftIndex::Name& name) const {
+  std::vector<Slot> unreached(NameNumber name) const {
     std::vector<Slot> result =
         versionsThat(name, [](const Ends& ends) { return ends.isLeft && !ends.isEnteredForward; });
     const Slot oldest = oldestWithHops(name);
@@ -79,7 +81,7 @@ class HopGraphCheck {
   }
 
   /// Of several text versions without equivalent, the first in the file.
-  Slot oldestWithHops(const DraftIndex::Name& name) const {
+  Slot oldestWithHops(NameNumber name) const {
     Slot oldest = nothing;
     for (const Slot slot :
          versionsThat(name, [](const Ends& ends) { return !ends.isStranded(); })) {
@@ -89,30 +91,28 @@ class HopGraphCheck {
   }
 
   template <class Holds>
-  std::vector<Slot> versionsThat(const DraftIndex::Name& name, const Holds& holds) const {
+  std::vector<Slot> versionsThat(NameNumber name, const Holds& holds) const {
     std::vector<Slot> result;
-    for (Slot slot = name.all.begin; slot < name.all.end; ++slot) {
+    for (Slot slot = all(name).begin; slot < all(name).end; ++slot) {
       if (holds(ends_[slot])) result.push_back(slot);
     }
     return inFileOrder(index_, result);
   }
 
-  void find(FindingCode code, const DraftIndex::Name& name, const std::string& beginning,
+  void find(FindingCode code, NameNumber name, const std::string& beginning,
             const std::vector<Slot>& slots) {
     if (slots.empty()) return;
-    findings_.push_back(
-        findingAt(index_, code, slots,
-                  beginning + quotedName(name.text) + " " + listed(versionsOf(index_, slots))));
+    findings_.add(code, slots, beginning + quoted(name) + " " + listed(versionsOf(index_, slots)));
   }
 
   const DraftIndex& index_;
-  std::vector<Finding>& findings_;
+  Findings& findings_;
   std::vector<Ends> ends_;  // by slot
 };
 
 }  // namespace
 
-void checkHopGraph(const DraftIndex& index, std::vector<Finding>& findings) {
+void checkHopGraph(const DraftIndex& index, Findings& findings) {
   HopGraphCheck(index, findings).run();
 }
 

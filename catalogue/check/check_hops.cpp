@@ -1,8 +1,9 @@
 #include <map>
 #include <tuple>
 
-#include "catalogue/check/draft_checks.hpp"
-#include "catalogue/check/finding_text.hpp"
+#include "catalogue/check/checks.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -12,8 +13,7 @@ namespace {
 
 class HopCheck {
  public:
-  HopCheck(const DraftIndex& index, std::vector<Finding>& findings)
-      : index_(index), findings_(findings) {}
+  HopCheck(const DraftIndex& index, Findings& findings) : index_(index), findings_(findings) {}
 
   void run() {
     for (const HopRow& row : index_.draft().hops) {
@@ -28,8 +28,7 @@ class HopCheck {
   void checkNamed(const HopRow& row) {
     const NameNumber name = index_.find(*row.name);
     if (name == nothing) {
-      find(FindingCode::UnknownHopMetamodel, row, "name",
-           "there is no metamodel " + quotedName(*row.name));
+      find(FindingCode::UnknownHopMetamodel, row, "name", unknownMetamodel(*row.name));
       return;
     }
     const bool hasFrom = checkEnd(row, name, row.from, "from");
@@ -44,8 +43,7 @@ class HopCheck {
     if (!version) return false;
     if (!index_.versionsAt(name, *version).empty()) return true;
     if (index_.names()[name].isComplete) {
-      find(FindingCode::UnknownHopVersion, row, field,
-           "there is no version " + textOf(*version) + " of metamodel " + quotedName(*row.name));
+      find(FindingCode::UnknownHopVersion, row, field, unknownVersion(*row.name, *version));
     }
     return false;
   }
@@ -54,7 +52,7 @@ class HopCheck {
     if (!row.from->isSemVer()) return;
     const SlotInterval denoted = index_.versionsAt(name, *row.from);
     for (Slot slot = denoted.begin; slot < denoted.end; ++slot) {
-      if (index_.row(slot).version->isSemVer()) return;
+      if (index_.version(slot).isSemVer()) return;
     }
     find(FindingCode::UnofferedHop, row, "from",
          "only " + index_.describe(denoted.begin) + " stands for " + textOf(*row.from) +
@@ -63,10 +61,9 @@ class HopCheck {
 
   void checkBetween(const HopRow& row, NameNumber name) {
     const Slot to = index_.denotedBy(name, *row.to);
+    const std::string hop = "the hop of " + quotedName(*row.name) + " from " + textOf(*row.from);
     if (index_.denotedBy(name, *row.from) == to) {
-      find(FindingCode::SelfHop, row, "to",
-           "the hop of " + quotedName(*row.name) + " from " + textOf(*row.from) +
-               " leads to where it starts");
+      find(FindingCode::SelfHop, row, "to", hop + " leads to where it starts");
       return;
     }
     const Slot from = index_.versionsAt(name, *row.from).begin;
@@ -74,24 +71,22 @@ class HopCheck {
     if (isNew) return;
     const Place before = index_.draft().placeOf(*first->second);
     find(FindingCode::DuplicateHop, row, "",
-         "the hop of " + quotedName(*row.name) + " from " + textOf(*row.from) + " to " +
-             textOf(*row.to) + " stands already at " + before.text);
-    findings_.back().related.push_back(before);
+         standsAlready(hop + " to " + textOf(*row.to), "at " + before.text), {before});
   }
 
   void find(FindingCode code, const HopRow& row, const std::string& field,
-            const std::string& message) {
-    findings_.push_back({code, index_.draft().placeOf(row, field), message, {}});
+            const std::string& message, const std::vector<Place>& related = {}) {
+    findings_.add(code, index_.draft().placeOf(row, field), message, related);
   }
 
   const DraftIndex& index_;
-  std::vector<Finding>& findings_;
+  Findings& findings_;
   std::map<Key, const HopRow*> hops_;  // the first of each
 };
 
 }  // namespace
 
-void checkHops(const DraftIndex& index, std::vector<Finding>& findings) {
+void checkHops(const DraftIndex& index, Findings& findings) {
   HopCheck(index, findings).run();
 }
 

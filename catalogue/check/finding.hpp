@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "catalogue/reading/place.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -69,12 +69,6 @@ enum class FindingCode {
                       ///< that are not the oldest
   SeveralHeads,       ///< several versions that hops enter, but none leaves except to an older one
   UndecidedLinks,     ///< deciding whether versions can be linked took more than the work allowed
-};
-
-/// Where in a catalogue something stands.
-struct Place {
-  std::string text;         ///< JSON pointer, or table row; empty for the catalogue as a whole
-  std::uint64_t order = 0;  ///< ascending in the order of the file
 };
 
 /// One thing found in a catalogue.

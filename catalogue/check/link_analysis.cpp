@@ -1,3 +1,8 @@
+// Decides versions in the order of their components, dependencies first, so that all candidates of
+// a version are decided before it: blocked by one of them, unsatisfied, shown to be linkable by a
+// set that is known, or else for the solver. What blocks is handed on through the nodes of the
+// graph, each once. Linear but for the solver. See docs/catalogue.md.
+
 #include "catalogue/check/link_analysis.hpp"
 
 #include <algorithm>
@@ -12,19 +17,19 @@ constexpr std::uint64_t budgetOfOne = 200'000;
 }  // namespace
 
 LinkAnalysis::LinkAnalysis(const DraftIndex& index, const DependencyComponents& components,
-                           const DependencyRangeGraph& graph, std::uint64_t budget)
+                           const DependencyGraph& graph, std::uint64_t budget)
     : index_(index),
       components_(components),
       graph_(graph),
       solver_(index),
       witnesses_(index),
       budget_(budget),
-      states_(index.slotCount(), State::Linkable),
+      states_(index.slots().size(), State::Linkable),
       culprits_(graph.end(), nothing) {
   for (const auto node : components.dependenciesFirst()) visit(node);
 }
 
-void LinkAnalysis::visit(DependencyRangeGraph::Node node) {
+void LinkAnalysis::visit(DependencyGraph::Node node) {
   for (std::size_t i = 0; i < graph_.edgeCount(node) && culprits_[node] == nothing; ++i) {
     culprits_[node] = culprits_[graph_.edge(node, i)];
   }
@@ -42,7 +47,7 @@ LinkAnalysis::State LinkAnalysis::decide(Slot slot) {
   if (components_.isCyclic(slot)) return State::Linkable;
   if (culprits_[graph_.nodeOf(slot)] != nothing) return State::Blocked;
   if (isUnsatisfied(slot)) return State::Unsatisfied;
-  if (index_.dependenciesBegin(slot) == index_.dependenciesEnd(slot)) return State::Linkable;
+  if (index_.dependenciesOf(slot).empty()) return State::Linkable;
   if (witnesses_.cover(slot)) return State::Linkable;
   std::uint64_t share = std::min(budget_, budgetOfOne);
   budget_ -= share;
@@ -65,11 +70,11 @@ LinkAnalysis::State LinkAnalysis::search(Slot slot, std::uint64_t& share) {
 }
 
 bool LinkAnalysis::isUnsatisfied(Slot slot) const {
-  return std::any_of(index_.dependenciesBegin(slot), index_.dependenciesEnd(slot),
-                     [&](const ResolvedDependency& dependency) {
-                       return dependency.isFirstOfName && dependency.candidates.empty() &&
-                              index_.names()[dependency.name].isComplete;
-                     });
+  const auto dependencies = index_.dependenciesOf(slot);
+  return std::any_of(dependencies.begin(), dependencies.end(), [&](const auto& dependency) {
+    return dependency.isFirstOfName && dependency.candidates.empty() &&
+           index_.names()[dependency.name].isComplete;
+  });
 }
 
 LinkAnalysis::Reason LinkAnalysis::reason() const {

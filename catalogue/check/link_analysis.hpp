@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "catalogue/check/dependency_components.hpp"
 #include "catalogue/check/link_solver.hpp"
 #include "catalogue/check/link_witness.hpp"
+#include "catalogue/model/dependency_components.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -34,7 +34,7 @@ class LinkAnalysis {
 
   /// `budget` bounds the work that all versions take together, which leaves later ones undecided.
   LinkAnalysis(const DraftIndex& index, const DependencyComponents& components,
-               const DependencyRangeGraph& graph, std::uint64_t budget);
+               const DependencyGraph& graph, std::uint64_t budget);
 
   State state(Slot slot) const { return states_[slot]; }
 
@@ -48,7 +48,7 @@ class LinkAnalysis {
   LinkSolver::Outcome combine(const std::vector<Slot>& slots, Reason& reason);
 
  private:
-  void visit(DependencyRangeGraph::Node node);
+  void visit(DependencyGraph::Node node);
   State decide(Slot slot);
   State search(Slot slot, std::uint64_t& share);
   bool isUnsatisfied(Slot slot) const;
@@ -56,7 +56,7 @@ class LinkAnalysis {
 
   const DraftIndex& index_;
   const DependencyComponents& components_;
-  const DependencyRangeGraph& graph_;
+  const DependencyGraph& graph_;
   LinkSolver solver_;
   LinkWitnesses witnesses_;
   std::uint64_t budget_;

@@ -1,3 +1,19 @@
+// Backtracking search with unit propagation and conflict-directed backjumping. Variables are the
+// names required so far; a domain is an interval of slots, with the two requirements that bound it
+// and the unions whose gaps may lie within it, which are looked at when a version is about to be
+// taken; taking a version makes it meet the requirements of its dependencies.
+//
+// - A domain with one version left is taken at once (`forced_`), so that pinned dependencies cost
+//   one look each. Otherwise the first open name is decided, newest version first.
+// - `conflict_` holds the decisions to blame for a dead end: a version that was decided blames its
+//   decision, a forced one the holders of its bounds. While these stand, so does the dead end;
+//   so the last of them is changed next, and inherits the others.
+// - What changes after the first decision is noted and undone. Domains of former runs are told by
+//   their generation, so that a run costs what it touches.
+//
+// Exponential at worst; work is counted in requirements looked at. docs/catalogue.md proves that
+// nothing is missed.
+
 #include "catalogue/check/link_solver.hpp"
 
 #include <algorithm>
@@ -16,13 +32,13 @@ bool areDisjoint(SlotInterval left, SlotInterval right) {
 }  // namespace
 
 LinkSolver::LinkSolver(const DraftIndex& index)
-    : index_(index), isExcluded_(index.slotCount()), domains_(index.names().size()) {}
+    : index_(index), isExcluded_(index.slots().size()), domains_(index.names().size()) {}
 
 LinkSolver::Outcome LinkSolver::solve(const std::vector<Slot>& asked, std::uint64_t& budget) {
   start(budget);
   bool isMet = true;
   for (const Slot slot : asked) {
-    isMet = isMet && meet({index_.nameOf(slot), {slot, slot + 1}, nothing, nothing});
+    isMet = isMet && meet({index_.slots().at(slot).name, {slot, slot + 1}, nothing, nothing});
   }
   const Outcome outcome = isMet ? run() : Outcome::Clashing;
   budget -= std::min(budget, work_);
@@ -150,11 +166,10 @@ bool LinkSolver::take(NameNumber name, Slot slot, std::uint32_t level) {
 }
 
 bool LinkSolver::requireAll(Slot holder) {
-  for (const auto* dependency = index_.dependenciesBegin(holder);
-       dependency != index_.dependenciesEnd(holder); ++dependency) {
-    if (!dependency->isFirstOfName || dependency->candidates.empty()) continue;
-    const ResolvedDependency* parts = dependency->pieces.empty() ? nullptr : dependency;
-    if (!meet({dependency->name, dependency->candidates, holder, dependency->row, parts})) {
+  for (const ResolvedDependency& dependency : index_.dependenciesOf(holder)) {
+    if (!dependency.decides()) continue;
+    const ResolvedDependency* parts = dependency.pieces.empty() ? nullptr : &dependency;
+    if (!meet({dependency.name, dependency.candidates, holder, dependency.row, parts})) {
       return false;
     }
   }
@@ -248,7 +263,7 @@ std::vector<Slot> LinkSolver::chainTo(Slot holder) {
   std::vector<Slot> chain;
   while (holder != nothing) {
     chain.push_back(holder);
-    holder = holder == root_ ? nothing : domain(index_.nameOf(holder)).cause;
+    holder = holder == root_ ? nothing : domain(index_.slots().at(holder).name).cause;
   }
   std::reverse(chain.begin(), chain.end());
   return chain;
@@ -264,7 +279,7 @@ void LinkSolver::blame(Slot holder) {
     open.pop_back();
     ++work_;
     if (slot == nothing || slot == root_ || !met.insert(slot).second) continue;
-    const Domain& taken = domain(index_.nameOf(slot));
+    const Domain& taken = domain(index_.slots().at(slot).name);
     if (taken.level == nothing) {
       open.push_back(taken.lower.holder);
       open.push_back(taken.upper.holder);

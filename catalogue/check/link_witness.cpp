@@ -1,3 +1,11 @@
+// Models of former answers, as satisfiability solvers keep them: a set that holds a candidate for
+// each dependency of a version shows that the version can be linked. Asked are the sets of the
+// middle, the last and the first candidate of each range, which meet most others.
+//
+// A version may take the place of another of its name where names are layered: sorted
+// topologically (Kahn's algorithm), nothing that it needs can need the name itself. Every set keeps
+// for each member one candidate of each of its dependencies. See docs/catalogue.md.
+
 #include "catalogue/check/link_witness.hpp"
 
 #include <algorithm>
@@ -13,17 +21,16 @@ constexpr std::size_t mostHeld = 2'000'000;
 }  // namespace
 
 LinkWitnesses::LinkWitnesses(const DraftIndex& index)
-    : index_(index), isLayered_(index.names().size()), setOf_(index.slotCount(), nothing) {
+    : index_(index), isLayered_(index.names().size()), setOf_(index.slots().size(), nothing) {
   findLayered();
 }
 
 /// Takes names away as long as there are some that need only names taken away before.
 void LinkWitnesses::findLayered() {
   std::vector<std::pair<NameNumber, NameNumber>> needs;  // needed, needing
-  for (Slot slot = 0; slot < index_.slotCount(); ++slot) {
-    for (const auto* dependency = index_.dependenciesBegin(slot);
-         dependency != index_.dependenciesEnd(slot); ++dependency) {
-      needs.emplace_back(dependency->name, index_.nameOf(slot));
+  for (Slot slot = 0; slot < index_.slots().size(); ++slot) {
+    for (const ResolvedDependency& dependency : index_.dependenciesOf(slot)) {
+      needs.emplace_back(dependency.name, index_.slots().at(slot).name);
     }
   }
   std::sort(needs.begin(), needs.end());
@@ -45,15 +52,14 @@ void LinkWitnesses::findLayered() {
 }
 
 bool LinkWitnesses::cover(Slot slot) {
-  for (const auto* dependency = index_.dependenciesBegin(slot);
-       dependency != index_.dependenciesEnd(slot); ++dependency) {
-    const SlotInterval candidates = dependency->candidates;
+  for (const ResolvedDependency& dependency : index_.dependenciesOf(slot)) {
+    const SlotInterval candidates = dependency.candidates;
     if (candidates.empty()) continue;
     const Slot middle = candidates.begin + (candidates.end - candidates.begin) / 2;
     for (const Slot candidate : {middle, candidates.end - 1, candidates.begin}) {
       const std::uint32_t number = setOf(candidate);
       if (number == nothing || !covers(sets_[number], slot)) continue;
-      if (sets_[number].try_emplace(index_.nameOf(slot), slot).second) ++held_;
+      if (sets_[number].try_emplace(index_.slots().at(slot).name, slot).second) ++held_;
       assign(slot, number);
       return true;
     }
@@ -66,28 +72,28 @@ void LinkWitnesses::add(const std::vector<Slot>& versions) {
   const auto number = static_cast<std::uint32_t>(sets_.size());
   Set& set = sets_.emplace_back();
   users_.push_back(0);
-  for (const Slot slot : versions) set.emplace(index_.nameOf(slot), slot);
+  for (const Slot slot : versions) set.emplace(index_.slots().at(slot).name, slot);
   held_ += set.size();
   for (const Slot slot : versions) assign(slot, number);
 }
 
 /// The set to ask for a version that is known to stand with all that it needs.
 std::uint32_t LinkWitnesses::setOf(Slot slot) {
-  const bool needsNothing = index_.dependenciesBegin(slot) == index_.dependenciesEnd(slot);
+  const bool needsNothing = index_.dependenciesOf(slot).empty();
   if (setOf_[slot] == nothing && needsNothing) add({slot});
   return setOf_[slot];
 }
 
 bool LinkWitnesses::covers(const Set& set, Slot slot) const {
-  const auto own = set.find(index_.nameOf(slot));
+  const auto own = set.find(index_.slots().at(slot).name);
   const bool isFree = own == set.end() || own->second == slot;
-  if (!isFree && !isLayered_[index_.nameOf(slot)]) return false;
-  return std::all_of(index_.dependenciesBegin(slot), index_.dependenciesEnd(slot),
-                     [&](const ResolvedDependency& dependency) {
-                       if (!dependency.isFirstOfName || dependency.candidates.empty()) return true;
-                       const auto held = set.find(dependency.name);
-                       return held != set.end() && dependency.admits(held->second);
-                     });
+  if (!isFree && !isLayered_[index_.slots().at(slot).name]) return false;
+  const auto dependencies = index_.dependenciesOf(slot);
+  return std::all_of(dependencies.begin(), dependencies.end(), [&](const auto& dependency) {
+    if (!dependency.decides()) return true;
+    const auto held = set.find(dependency.name);
+    return held != set.end() && dependency.admits(held->second);
+  });
 }
 
 /// Forgets the set that the version had before when no other has it.

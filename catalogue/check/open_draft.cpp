@@ -2,7 +2,7 @@
 
 #include "catalogue/check/json_draft.hpp"
 #include "catalogue/check/sqlite_draft.hpp"
-#include "catalogue/store/sqlite_header.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -6,6 +6,8 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/store_snapshot.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -17,18 +19,13 @@ namespace {
 // What the schema's CHECK constraints say is looked at here: SQLite itself does so only where it
 // may write.
 
-/// A range as it stands in the three columns from `column` on; reversed ones are refused, but for
-/// that of a single version whose upper bound has wrapped.
+/// A range as it stands in the three columns from `column` on; reversed ones are refused.
 VersionRange checkedRangeIn(const Rows& rows, int column) {
   if (!rows.isNull(column) && !(rows.isNull(column + 1) && rows.isNull(column + 2))) {
     throw std::invalid_argument("there are a version and bounds");
   }
   VersionRange range = rangeIn(rows, column);
-  if (!range.isSemVerRange()) return range;
-  const auto& [lower, upper] = range.getSemVerRange();
-  if (upper < lower && !(range == VersionRange::singleVersion(lower))) {
-    throw std::invalid_argument("the range is reversed");
-  }
+  if (isReversed(range)) throw std::invalid_argument("the range is reversed");
   return range;
 }
 
@@ -100,7 +97,7 @@ class SqliteDraftReader {
   }
 
   MetamodelRow readMetamodel(const Rows& rows) {
-    MetamodelRow row{numberIn(rows, 0), ++count_, {}, {}, {}, {}};
+    MetamodelRow row{.number = numberIn(rows, 0), .order = ++count_};
     row.name = nameIn(rows, 1, 4, draft_.placeOf(row, "name"));
     row.version = orFind(FindingCode::BadVersion, draft_.placeOf(row, "version"),
                          [&] { return versionIn(rows, 2); });
@@ -109,13 +106,13 @@ class SqliteDraftReader {
     row.equivalent = orFind(FindingCode::BadEquivalent, place, [&] { return semVerIn(rows, 3); });
     if (row.version && row.version->isSemVer()) {
       row.equivalent.reset();
-      find(FindingCode::BadEquivalent, place, "only a text version has a semantic equivalent");
+      find(FindingCode::BadEquivalent, place, equivalentOfSemVer);
     }
     return row;
   }
 
   void readDependency(const Rows& rows, MetamodelRow& owner) {
-    DependencyRow row{numberIn(rows, 1), ++count_, {}, {}};
+    DependencyRow row{.number = numberIn(rows, 1), .order = ++count_};
     row.name = nameIn(rows, 2, 6, draft_.placeOf(owner, row, "name"));
     row.range = orFind(FindingCode::BadRange, draft_.placeOf(owner, row, "range"),
                        [&] { return checkedRangeIn(rows, 3); });
@@ -123,14 +120,14 @@ class SqliteDraftReader {
   }
 
   void findOrphan(const Rows& rows) {
-    MetamodelRow owner{numberIn(rows, 0), ++count_, {}, {}, {}, {}};
-    find(FindingCode::OrphanRow,
-         draft_.placeOf(owner, DependencyRow{numberIn(rows, 1), count_, {}, {}}),
+    const MetamodelRow owner{.number = numberIn(rows, 0), .order = ++count_};
+    const DependencyRow row{.number = numberIn(rows, 1), .order = count_};
+    find(FindingCode::OrphanRow, draft_.placeOf(owner, row),
          "no row of metamodels has the position " + std::to_string(rows.number(0)));
   }
 
   void readHop(const Rows& rows) {
-    HopRow row{numberIn(rows, 0), ++count_, {}, {}, {}};
+    HopRow row{.number = numberIn(rows, 0), .order = ++count_};
     row.name = nameIn(rows, 1, 4, draft_.placeOf(row, "name"));
     row.from = orFind(FindingCode::BadVersion, draft_.placeOf(row, "from"),
                       [&] { return versionIn(rows, 2); });
@@ -158,7 +155,7 @@ class SqliteDraftReader {
 
   SelectionDraft readSelection(const std::string& side) {
     const std::string place = "table question_versions, side " + side;
-    SelectionDraft selection{{place, ++count_}, {}, true};
+    SelectionDraft selection{.place = {place, ++count_}};
     SqliteStatement versions(
         database_, "SELECT name, version FROM question_versions WHERE side = ?1 ORDER BY name");
     auto rows = versions.query(side);
@@ -202,7 +199,7 @@ class SqliteDraftReader {
   }
 
   void find(FindingCode code, const Place& place, const std::string& message) {
-    draft_.findings.push_back({code, place, message, {}});
+    draft_.findings.push_back({.code = code, .place = place, .message = message, .related = {}});
   }
 
   SqliteDatabase& database_;

@@ -1,3 +1,8 @@
+// Deletion-based minimisation: leaves out name by name, and keeps a name without which there would
+// be a path. What remains blocks, and none of it can be left out. One question for each name. Then
+// the closest baseline that all of them can reach shows which hops a clash holds up there. See
+// docs/catalogue.md.
+
 #include "catalogue/explanation/blocking_set.hpp"
 
 #include <algorithm>
@@ -25,21 +30,22 @@ VersionBaseline cutDown(const VersionBaseline& baseline, const Names& names) {
 /// The question about some names only, as `NeverTogether` defines what leaving the others out
 /// means.
 PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
-  PosedQuestion part{question.inquiry, question.graphs, question.direction, {}, {}, {}, {}};
-  part.goals = restrictTo(question.goals, names);
+  PosedQuestion part{.inquiry = question.inquiry,
+                     .graphs = question.graphs,
+                     .direction = question.direction,
+                     .goals = restrictTo(question.goals, names)};
   for (const auto& [name, goal] : part.goals) {
     part.starts.emplace(name, question.starts.at(name));
     if (question.newcomers.contains(name)) part.newcomers.insert(name);
   }
-  if (!part.newcomers.empty()) {
-    part.sources = question.sources;
-    return part;
-  }
   for (const VersionBaseline& source : question.sources) {
-    VersionBaseline cut = cutDown(source, names);
+    const bool holdsAll = std::all_of(part.goals.begin(), part.goals.end(), [&](const auto& goal) {
+      return source.metamodels.contains(goal.first);
+    });
+    VersionBaseline kept = holdsAll ? cutDown(source, names) : source;
     const bool isNew =
-        std::find(part.sources.begin(), part.sources.end(), cut) == part.sources.end();
-    if (isNew) part.sources.push_back(std::move(cut));
+        std::find(part.sources.begin(), part.sources.end(), kept) == part.sources.end();
+    if (isNew) part.sources.push_back(std::move(kept));
   }
   return part;
 }
@@ -190,7 +196,8 @@ std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
 NeverTogether explainBlocking(const PosedQuestion& question) {
   Minimisation minimisation(question);
   const Names names = minimisation.run();
-  NeverTogether result{{names.begin(), names.end()}, minimisation.isMinimal(), {}, {}};
+  NeverTogether result{.names = {names.begin(), names.end()},
+                       .isMinimal = minimisation.isMinimal()};
   const PosedQuestion part = partOf(question, names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);

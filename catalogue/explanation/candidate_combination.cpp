@@ -1,3 +1,6 @@
+// Backtracking: picks a candidate for name after name, and goes back where a baseline admits none.
+// Exponential at worst, so picks are counted.
+
 #include "catalogue/explanation/candidate_combination.hpp"
 
 #include <algorithm>

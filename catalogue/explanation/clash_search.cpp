@@ -1,3 +1,8 @@
+// A smallest set of parties that cannot stand together: two, if any two cannot; otherwise by
+// deletion, leaving out party by party as long as the others still cannot. That suffices, for more
+// parties disagree as well. Then names the metamodel on which they disagree, preferring the one
+// that the shortest chains of dependencies lead to (breadth-first search). See docs/catalogue.md.
+
 #include "catalogue/explanation/clash_search.hpp"
 
 #include <algorithm>

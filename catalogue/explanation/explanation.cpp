@@ -62,7 +62,11 @@ class Explaining {
       }
     }
     HopGraphs graphs(inquiry_, direction);
-    PosedQuestion posed{&inquiry_, &graphs, direction, std::move(sources), goals, {}, {}};
+    PosedQuestion posed{.inquiry = &inquiry_,
+                        .graphs = &graphs,
+                        .direction = direction,
+                        .sources = std::move(sources),
+                        .goals = goals};
     findStarts(posed);
     if (inconsistency) {
       result_.reason = *std::move(inconsistency);

@@ -45,21 +45,22 @@ struct MissingChain {
 
   /// The versions that the source holds, or else, when `isHeld` is false, that some version within
   /// reach links. Empty: nothing can bring the metamodel in.
-  std::vector<pathfinder::VersionId> starts;
-  bool isHeld;
+  std::vector<pathfinder::VersionId> starts = {};
+  bool isHeld = true;
 
-  std::vector<pathfinder::VersionId> reached;  ///< from the starts, these among them; ascending
-  std::vector<pathfinder::VersionId> leading;  ///< to the target, this among them; ascending
+  std::vector<pathfinder::VersionId> reached =
+      {};  ///< from the starts, these among them; ascending
+  std::vector<pathfinder::VersionId> leading = {};  ///< to the target, this among them; ascending
 
   /// Of `reached` and `leading` the two between which the gap is narrowest, going in the direction
   /// if that can be: a hop between them would close it. Empty when there are no starts.
-  std::optional<pathfinder::Hop> missingHop;
+  std::optional<pathfinder::Hop> missingHop = {};
 
   /// A chain from a start to the target if hops against the direction counted; else empty.
-  std::vector<pathfinder::Hop> chainInAnyDirection;
+  std::vector<pathfinder::Hop> chainInAnyDirection = {};
 
   /// When nothing can bring the metamodel in: what would, if it were within reach.
-  std::vector<NamedVersion> dependents;
+  std::vector<NamedVersion> dependents = {};
 };
 
 struct MissingChains {
@@ -85,9 +86,9 @@ struct BlockedHop {
 ///
 /// `names` block one another, and none of them can be left out. Leaving a metamodel out means to
 /// ask for a model that has no use for it: it is struck from the target, and from the source unless
-/// what remains there links it, in which case it stays at the source's version. When `names` has a
-/// metamodel that the source does not hold, striking is confined to the target: the source stays
-/// whole, for any part of it may have to bring that one in.
+/// what remains there links it, in which case it stays at the source's version. A baseline of the
+/// source that does not hold each metamodel of `names` that has a target stays whole, for any part
+/// of it may have to bring that one in.
 struct NeverTogether {
   std::vector<std::u16string> names;  ///< ascending
   bool isMinimal;  ///< false when the budget ended before every name was tried to be left out
@@ -95,8 +96,8 @@ struct NeverTogether {
   /// Where `names` and what they link get stuck: the baseline with the fewest hops left that all of
   /// them can reach (while each still has its chain), ascending; and the hops from there towards
   /// the target that a clash blocks.
-  std::vector<NamedVersion> stuckAt;
-  std::vector<BlockedHop> blocked;
+  std::vector<NamedVersion> stuckAt = {};
+  std::vector<BlockedHop> blocked = {};
 };
 
 /// A metamodel of the target that the nearest baseline does not hold at its target version.
@@ -115,12 +116,12 @@ struct Unfinished {
 struct NearestBaseline {
   std::vector<pathfinder::BaselineHop> path;  ///< empty: the source itself
   pathfinder::VersionBaseline baseline;
-  std::vector<NamedVersion> arrived;   ///< ascending
-  std::vector<Unfinished> unfinished;  ///< ascending
+  std::vector<NamedVersion> arrived = {};   ///< ascending
+  std::vector<Unfinished> unfinished = {};  ///< ascending
 
   /// Whether there is none nearer. False when the budget ended the search: then this is the best
   /// one found, to which no metamodel could be added at its target version that was tried.
-  bool isProven;
+  bool isProven = false;
 };
 
 /// Why there is no path, or that there is one. Linked metamodels in it are of the explanation's own

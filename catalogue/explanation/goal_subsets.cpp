@@ -1,3 +1,13 @@
+// Implicit hitting sets, as in Reiter's diagnosis: the goals given up must have a member in every
+// set of goals that block one another. Of these sets some are known; the smallest sets that hit
+// them all are tried, and one that does not help shows another blocking set among the goals kept,
+// which is minimised by leaving out goal by goal. Hitting sets are listed by branching over the
+// members of the first set that is missed.
+//
+// Rests on this: what can be reached with some goals can be reached with fewer. One question for
+// each choice, and one for each goal of a new blocking set. docs/catalogue.md proves that all
+// largest sets are found.
+
 #include "catalogue/explanation/goal_subsets.hpp"
 
 #include <algorithm>

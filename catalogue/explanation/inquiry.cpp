@@ -1,7 +1,7 @@
 #include "catalogue/explanation/inquiry.hpp"
 
-#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/candidate_combination.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 
 namespace tarn::evolution::catalogue {
 

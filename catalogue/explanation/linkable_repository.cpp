@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "catalogue/conflicting_dependencies.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -83,8 +83,8 @@ std::vector<MissingChain> findMissingChains(const PosedQuestion& question) {
     const auto target = graph.find(goal.version);
     if (target && isReached[*target]) continue;
     const auto hopsLeft = graph.hopsTo(goal.version);
-    MissingChain missing{
-        {name, goal.version}, {}, !question.newcomers.contains(name), {}, {}, std::nullopt, {}, {}};
+    MissingChain missing{.target = {name, goal.version},
+                         .isHeld = !question.newcomers.contains(name)};
     missing.starts = versionsWhere(graph, [&](HopGraph::Vertex vertex) {
       const VersionId& version = graph.versions()[vertex].version;
       return std::find(starts.begin(), starts.end(), version) != starts.end();

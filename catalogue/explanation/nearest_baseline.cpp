@@ -1,3 +1,11 @@
+// Iterative deepening over the sum of hops left: from the least that the metamodels need upward,
+// asks at once for all selections with that sum. So the first answer has the fewest hops left, and
+// of those the path finder takes the lightest path. Before that strikes, for each metamodel, the
+// nearest options that cannot be reached together with what is fixed.
+//
+// One question for each sum and each option struck; selections are enumerated depth first, up to a
+// limit. See docs/catalogue.md.
+
 #include "catalogue/explanation/nearest_baseline.hpp"
 
 #include <algorithm>
@@ -233,7 +241,8 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
   FewestHops search(question, std::move(alternatives));
   auto arrival = search.run();
   if (!arrival) arrival = Arrival{{}, question.sources.front()};
-  NearestBaseline result{std::move(arrival->path), std::move(arrival->baseline), {}, {}, false};
+  NearestBaseline result{.path = std::move(arrival->path),
+                         .baseline = std::move(arrival->baseline)};
   result.isProven = subsets.isProven && search.isProven() && !question.inquiry->hasCut();
   describe(question, result);
   return result;

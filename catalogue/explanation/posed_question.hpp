@@ -15,15 +15,15 @@ struct PosedQuestion {
   Inquiry* inquiry;
   HopGraphs* graphs;
   Direction direction;
-  std::vector<pathfinder::VersionBaseline> sources;  ///< not empty
-  SelectedMetamodels goals;
+  std::vector<pathfinder::VersionBaseline> sources = {};  ///< not empty
+  SelectedMetamodels goals = {};
 
   /// The versions from which hops may bring each goal to its target: those that the sources hold,
   /// or else those that a version within reach may bring in (see `findStarts`).
-  std::map<std::u16string, std::vector<pathfinder::VersionId>> starts;
+  std::map<std::u16string, std::vector<pathfinder::VersionId>> starts = {};
 
   /// The goals that not every source holds.
-  std::set<std::u16string> newcomers;
+  std::set<std::u16string> newcomers = {};
 
   /// Whether baselines that hold some of the goals can be reached. Asks one question, or none when
   /// the goals cannot stand together.

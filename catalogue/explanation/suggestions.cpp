@@ -1,10 +1,13 @@
+// Levenshtein's distance by Wagner and Fischer's table, of which one row is kept: time is the
+// product of both lengths, memory one of them.
+
 #include "catalogue/explanation/suggestions.hpp"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -65,21 +68,27 @@ std::vector<VersionId> neighbours(const SemVer& version,
   return result;
 }
 
+/// The first few by distance; among equals in the order given.
+template <class Item>
+std::vector<Item> fewNearest(std::vector<std::pair<std::size_t, Item>> ranked) {
+  std::stable_sort(ranked.begin(), ranked.end(),
+                   [](const auto& left, const auto& right) { return left.first < right.first; });
+  std::vector<Item> result;
+  for (std::size_t i = 0; i < std::min(ranked.size(), mostSuggestions); ++i) {
+    result.push_back(std::move(ranked[i].second));
+  }
+  return result;
+}
+
 std::vector<VersionId> mostSimilar(const VersionId& version,
                                    const std::vector<CatalogueMetamodel>& known) {
   const std::u16string text = toUtf16(textOf(version));
-  std::vector<std::pair<std::size_t, const VersionId*>> ranked;
+  std::vector<std::pair<std::size_t, VersionId>> ranked;
   for (const CatalogueMetamodel& metamodel : known) {
     const VersionId& candidate = metamodel.descriptor.version;
-    ranked.emplace_back(editDistance(text, toUtf16(textOf(candidate))), &candidate);
+    ranked.emplace_back(editDistance(text, toUtf16(textOf(candidate))), candidate);
   }
-  std::stable_sort(ranked.begin(), ranked.end(),
-                   [](const auto& left, const auto& right) { return left.first < right.first; });
-  if (ranked.size() > mostSuggestions) ranked.resize(mostSuggestions);
-  std::vector<VersionId> result;
-  result.reserve(ranked.size());
-  for (const auto& [distance, candidate] : ranked) result.push_back(*candidate);
-  return result;
+  return fewNearest(std::move(ranked));
 }
 
 }  // namespace
@@ -92,12 +101,7 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
     const std::size_t distance = dissimilarity(name, candidate);
     if (distance <= tolerance) ranked.emplace_back(distance, candidate);
   }
-  std::sort(ranked.begin(), ranked.end());
-  if (ranked.size() > mostSuggestions) ranked.resize(mostSuggestions);
-  std::vector<std::u16string> result;
-  result.reserve(ranked.size());
-  for (auto& [distance, candidate] : ranked) result.push_back(std::move(candidate));
-  return result;
+  return fewNearest(std::move(ranked));
 }
 
 std::vector<VersionId> nearestVersions(const VersionId& version,

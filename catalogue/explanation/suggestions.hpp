@@ -7,8 +7,8 @@
 
 namespace tarn::evolution::catalogue {
 
-/// The names among `known` most like `name`, the most similar first: at most three, of which one
-/// contains the other or at most a third of the characters (at least two) differ.
+/// The names among `known`, which ascend, most like `name`, the most similar first: at most three,
+/// of which one contains the other or at most a third of the characters (at least two) differ.
 std::vector<std::u16string> nearestNames(const std::u16string& name,
                                          const std::vector<std::u16string>& known);
 

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "catalogue/catalogue_index.hpp"
-#include "catalogue/dependency_cycle.hpp"
 #include "catalogue/import/known_version.hpp"
 #include "catalogue/import/range_fitting.hpp"
 #include "catalogue/import/version_places.hpp"
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/model/dependency_cycle.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
 #include "catalogue/version_text.hpp"
 #include "platform/text.hpp"
 
@@ -289,15 +289,15 @@ class Assembly {
       const CatalogueIndex index(metamodels, {});
       const std::vector<CatalogueIndex::Position> cycle = findDependencyCycle(metamodels, index);
       if (cycle.empty()) return;
-      std::vector<pathfinder::Metamodel> described;
-      described.reserve(cycle.size());
-      for (const auto position : cycle) described.push_back(metamodels[position].descriptor);
-      const CatalogueError fault("", describeCycle(described));
+      std::vector<std::string> versions;
+      versions.reserve(cycle.size());
+      for (const auto position : cycle) versions.push_back(textOf(metamodels[position].descriptor));
+      const CatalogueError fault("", dependencyCycle(versions));
       std::size_t closing = cycle.size();
       while (closing > 0 && cycle[closing - 1] < kept) --closing;
       if (closing == 0) throw CatalogueError(fault);
       log_.leaveOut(places_[cycle[closing - 1] - kept].error(fault.reason()));
-      const std::u16string next = described[closing % cycle.size()].name;
+      const std::u16string next = metamodels[cycle[closing % cycle.size()]].descriptor.name;
       std::erase_if(metamodels[cycle[closing - 1]].descriptor.dependencies,
                     [&](const pathfinder::Dependency& each) { return each.name == next; });
     }

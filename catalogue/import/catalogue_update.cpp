@@ -8,15 +8,15 @@
 #include <utility>
 
 #include "catalogue/catalogue_index.hpp"
-#include "catalogue/file_error.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "catalogue/model/validation.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/replacing_file.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/store_successor.hpp"
-#include "catalogue/validation.hpp"
 
 namespace tarn::evolution::catalogue {
 

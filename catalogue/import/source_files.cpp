@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 

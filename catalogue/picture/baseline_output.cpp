@@ -2,8 +2,8 @@
 
 #include <map>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

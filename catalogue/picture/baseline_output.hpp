@@ -5,8 +5,8 @@
 #include <string>
 #include <unordered_map>
 
-#include "catalogue/json_printer.hpp"
 #include "catalogue/picture/step_text.hpp"
+#include "catalogue/text/json_printer.hpp"
 #include "pathfinder/version_baseline.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <set>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

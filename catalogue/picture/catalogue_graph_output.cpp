@@ -3,7 +3,7 @@
 
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/markup.hpp"
-#include "catalogue/plain_numbers.hpp"
+#include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,94 +1,59 @@
 #include "catalogue/picture/markup.hpp"
 
-#include "catalogue/picture/display_text.hpp"
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+#include "catalogue/text/display_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-/// The visible text with what `replace` gives for each byte that it has something for.
-template <class Replace>
-std::string replaceBytes(std::string_view utf8, const Replace& replace) {
+/// What stands for a character of a language that would mean something there.
+struct Escape {
+  char character;
+  std::string_view instead;
+};
+
+constexpr Escape xmlEscapes[] = {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
+
+/// Labels are read with HTML entities.
+constexpr Escape dotEscapes[] = {{'"', "\\\""}, {'\\', "\\\\"}, {'&', "&amp;"}};
+
+/// Mermaid reads labels as Markdown and HTML; only letters, digits and quiet signs stay.
+constexpr Escape mermaidEscapes[] = {{'"', "#quot;"}, {'#', "#35;"}, {'&', "#38;"}, {'<', "#lt;"},
+                                     {'>', "#gt;"},   {'*', "#42;"}, {'`', "#96;"}, {'_', "#95;"},
+                                     {'\\', "#92;"},  {';', "#59;"}};
+
+template <std::size_t count>
+std::string escape(std::string_view utf8, const Escape (&escapes)[count]) {
   std::string result;
   for (const char character : toVisible(utf8)) {
-    const std::string_view instead = replace(character);
-    if (instead.empty()) {
+    const Escape* found =
+        std::find_if(std::begin(escapes), std::end(escapes),
+                     [&](const Escape& each) { return each.character == character; });
+    if (found == std::end(escapes)) {
       result += character;
     } else {
-      result += instead;
+      result += found->instead;
     }
   }
   return result;
 }
 
-std::string_view xmlEntity(char character) {
-  switch (character) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '"':
-      return "&quot;";
-    default:
-      return {};
-  }
-}
-
-std::string_view dotEscape(char character) {
-  switch (character) {
-    case '"':
-      return "\\\"";
-    case '\\':
-      return "\\\\";
-    case '&':
-      return "&amp;";  // labels are read with HTML entities
-    default:
-      return {};
-  }
-}
-
-/// Mermaid reads labels as Markdown and HTML; only letters, digits and quiet signs stay.
-std::string_view mermaidEntity(char character) {
-  switch (character) {
-    case '"':
-      return "#quot;";
-    case '#':
-      return "#35;";
-    case '&':
-      return "#38;";
-    case '<':
-      return "#lt;";
-    case '>':
-      return "#gt;";
-    case '*':
-      return "#42;";
-    case '`':
-      return "#96;";
-    case '_':
-      return "#95;";
-    case '\\':
-      return "#92;";
-    case ';':
-      return "#59;";
-    default:
-      return {};
-  }
-}
-
 }  // namespace
 
 std::string escapeXml(std::string_view utf8) {
-  return replaceBytes(utf8, xmlEntity);
+  return escape(utf8, xmlEscapes);
 }
 
 std::string quoteDot(std::string_view utf8) {
-  return "\"" + replaceBytes(utf8, dotEscape) + "\"";
+  return "\"" + escape(utf8, dotEscapes) + "\"";
 }
 
 std::string quoteMermaid(std::string_view utf8) {
-  return "\"" + replaceBytes(utf8, mermaidEntity) + "\"";
+  return "\"" + escape(utf8, mermaidEscapes) + "\"";
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <unordered_map>
 
-#include "catalogue/conflicting_dependencies.hpp"
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -1,9 +1,9 @@
 #include <ostream>
 
-#include "catalogue/dependency_json.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/dependency_json.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {

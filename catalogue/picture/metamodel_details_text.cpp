@@ -4,12 +4,9 @@
 #include <ostream>
 
 #include "catalogue/picture/baseline_output.hpp"
-#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
-#include "catalogue/plain_numbers.hpp"
-#include "catalogue/printed_text.hpp"
-#include "catalogue/range_text.hpp"
-#include "platform/text.hpp"
+#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/visible.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -17,15 +14,6 @@ using pathfinder::Dependency;
 using pathfinder::Hop;
 
 namespace {
-
-std::string visibleName(const std::u16string& name) {
-  return toVisible(fl::i18n::ustring_to_utf8(name));
-}
-
-template <class Value>
-std::string visible(const Value& value) {
-  return toVisible(textOf(value));
-}
 
 /// A list with a label before its first line.
 class LabelledList {
@@ -69,7 +57,7 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
   out << "\n";
   LabelledList needs("needs", out);
   for (const Dependency& dependency : version.metamodel.descriptor.dependencies) {
-    needs.add(visibleName(dependency.name) + " " + toVisible(rangeText(dependency.range)));
+    needs.add(visible(dependency.name) + " " + visible(dependency.range));
   }
   writeHops(version, out);
   writeVariants(version, out);
@@ -82,11 +70,11 @@ void writeSummaryText(const std::vector<MetamodelSummary>& all, Colouring colour
   const PlainNumbers plain(out);
   std::size_t nameColumns = countColumns("Metamodel");
   for (const MetamodelSummary& summary : all) {
-    nameColumns = std::max(nameColumns, countColumns(visibleName(summary.name)));
+    nameColumns = std::max(nameColumns, countColumns(visible(summary.name)));
   }
   out << emphasise(padTo(nameColumns, "Metamodel") + "  Versions", colouring) << "\n";
   for (const auto& [name, count, first, last] : all) {
-    out << padTo(nameColumns, visibleName(name)) << "  " << std::setw(8) << count << "  "
+    out << padTo(nameColumns, visible(name)) << "  " << std::setw(8) << count << "  "
         << visible(first);
     if (count > 1) out << " .. " << visible(last);
     out << "\n";
@@ -96,7 +84,7 @@ void writeSummaryText(const std::vector<MetamodelSummary>& all, Colouring colour
 void writeDetailsText(const std::vector<MetamodelDetails>& details, Colouring colouring,
                       std::ostream& out) {
   for (const MetamodelDetails& metamodel : details) {
-    out << emphasise(visibleName(metamodel.name), colouring) << "\n";
+    out << emphasise(visible(metamodel.name), colouring) << "\n";
     for (const VersionDetails& version : metamodel.versions) writeVersion(version, out);
   }
 }
@@ -107,7 +95,7 @@ void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baseline
   std::size_t nameColumns = 0;
   for (const auto& baseline : baselines) {
     for (const auto& [name, linked] : baseline.metamodels) {
-      nameColumns = std::max(nameColumns, countColumns(visibleName(name)));
+      nameColumns = std::max(nameColumns, countColumns(visible(name)));
     }
   }
   for (std::size_t i = 0; i < baselines.size(); ++i) {
@@ -117,8 +105,8 @@ void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baseline
       members.emplace(name, visible(linked->version));
     }
     for (const auto& [name, version] : members) {
-      out << (selection.contains(name) ? "  " : "+ ") << padTo(nameColumns, visibleName(name))
-          << "  " << version << "\n";
+      out << (selection.contains(name) ? "  " : "+ ") << padTo(nameColumns, visible(name)) << "  "
+          << version << "\n";
     }
   }
 }

@@ -4,11 +4,11 @@ namespace tarn::evolution::catalogue {
 
 const char* styleClassOf(PathPicture::MoveKind kind) {
   switch (kind) {
-    case PathPicture::MoveKind::expensive:
+    case PathPicture::MoveKind::Expensive:
       return "dear";
-    case PathPicture::MoveKind::entering:
+    case PathPicture::MoveKind::Entering:
       return "enter";
-    case PathPicture::MoveKind::ordinary:
+    case PathPicture::MoveKind::Ordinary:
       break;
   }
   return "move";

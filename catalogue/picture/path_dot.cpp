@@ -4,7 +4,7 @@
 
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
-#include "catalogue/plain_numbers.hpp"
+#include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -12,11 +12,11 @@ namespace {
 
 const char* attributesOf(PathGraph::NodeKind kind) {
   switch (kind) {
-    case PathGraph::NodeKind::unmoved:
+    case PathGraph::NodeKind::Unmoved:
       return R"(, color="#999999", fontcolor="#595959")";
-    case PathGraph::NodeKind::entering:
+    case PathGraph::NodeKind::Entering:
       return ", style=\"rounded,filled,dashed\"";
-    case PathGraph::NodeKind::ordinary:
+    case PathGraph::NodeKind::Ordinary:
       break;
   }
   return "";

@@ -17,12 +17,12 @@ std::string labelOf(std::string name, const std::string& version) {
 }
 
 PathGraph::Cluster startOf(const PathPicture& picture) {
-  PathGraph::Cluster cluster{"Start", {}, {}, std::nullopt};
+  PathGraph::Cluster cluster{.label = "Start"};
   for (std::size_t i = 0; i < picture.lanes.size(); ++i) {
     const auto& [name, start, isMoved] = picture.lanes[i];
     if (start.empty()) continue;
     cluster.nodes.push_back(
-        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::ordinary : NodeKind::unmoved});
+        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::Ordinary : NodeKind::Unmoved});
   }
   return cluster;
 }
@@ -41,14 +41,14 @@ PathGraph::PathGraph(const PathPicture& picture) {
                             nodeId(step.moves.front().lane, column));
     }
     for (const PathPicture::Move& move : step.moves) {
-      const bool enters = move.kind == MoveKind::entering;
+      const bool enters = move.kind == MoveKind::Entering;
       const std::string id = nodeId(move.lane, column);
       cluster.nodes.push_back(
           {id, labelOf(picture.lanes[move.lane].name, move.to) + (enters ? " (brought in)" : ""),
-           enters ? NodeKind::entering : NodeKind::ordinary});
+           enters ? NodeKind::Entering : NodeKind::Ordinary});
       if (!enters) {
         cluster.edges.push_back(
-            {nodeId(move.lane, columnOf[move.lane]), id, move.kind == MoveKind::expensive});
+            {nodeId(move.lane, columnOf[move.lane]), id, move.kind == MoveKind::Expensive});
       }
       columnOf[move.lane] = column;
     }

@@ -14,9 +14,9 @@ namespace tarn::evolution::catalogue {
 /// move stand at the start only.
 struct PathGraph {
   enum class NodeKind {
-    ordinary,
-    unmoved,   ///< of a metamodel that never moves
-    entering,  ///< brought in by a link; no edge leads there
+    Ordinary,
+    Unmoved,   ///< of a metamodel that never moves
+    Entering,  ///< brought in by a link; no edge leads there
   };
 
   struct Node {
@@ -34,12 +34,12 @@ struct PathGraph {
 
   struct Cluster {
     std::string label;
-    std::vector<Node> nodes;
-    std::vector<Edge> edges;  ///< that lead here
+    std::vector<Node> nodes = {};
+    std::vector<Edge> edges = {};  ///< that lead here
 
     /// A node of the step before and one of this step, to keep the steps in order also when they
     /// share no metamodel.
-    std::optional<std::pair<std::string, std::string>> order;
+    std::optional<std::pair<std::string, std::string>> order = {};
   };
 
   explicit PathGraph(const PathPicture& picture);

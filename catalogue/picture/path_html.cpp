@@ -7,8 +7,8 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/path_page.hpp"
-#include "catalogue/plain_numbers.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -83,14 +83,14 @@ class PageWriter {
     bool begins = true;
     for (const PathCell& cell : cells) {
       writeCell(lane, cell, begins);
-      if (cell.kind != PathCell::Kind::absent) begins = false;
+      if (cell.kind != PathCell::Kind::Absent) begins = false;
     }
     out_ << "</tr>\n";
   }
 
   void writeCell(const PathPicture::Lane& lane, const PathCell& cell, bool begins) const {
     std::string classes;
-    if (cell.kind != PathCell::Kind::absent) classes += begins ? " held begins" : " held";
+    if (cell.kind != PathCell::Kind::Absent) classes += begins ? " held begins" : " held";
     if (cell.move != nullptr) classes += std::string(" ") + styleClassOf(cell.move->kind);
     const bool isTied = cell.isTiedUpward || cell.isTiedDownward;
     if (cell.move != nullptr || isTied) classes += " band";
@@ -103,14 +103,14 @@ class PageWriter {
     if (cell.isTiedUpward) out_ << "<i class=\"tie up\"></i>";
     if (cell.isTiedDownward) out_ << "<i class=\"tie down\"></i>";
     if (cell.move != nullptr) out_ << R"(<i class="way"></i><i class="dot"></i>)";
-    if (cell.move != nullptr || cell.kind == PathCell::Kind::start) writeBox(cell);
+    if (cell.move != nullptr || cell.kind == PathCell::Kind::Start) writeBox(cell);
     out_ << "</td>";
   }
 
   void writeBox(const PathCell& cell) const {
     out_ << "<span class=\"box\"><bdi>" << escapeXml(cell.version) << "</bdi>";
-    if (cell.move != nullptr && cell.move->kind != MoveKind::ordinary) {
-      const bool enters = cell.move->kind == MoveKind::entering;
+    if (cell.move != nullptr && cell.move->kind != MoveKind::Ordinary) {
+      const bool enters = cell.move->kind == MoveKind::Entering;
       out_ << R"(<span class="badge" aria-hidden="true">)" << (enters ? "+" : "!")
            << "</span><span class=\"unseen\">" << (enters ? "brought in" : "expensive")
            << "</span>";
@@ -132,12 +132,12 @@ class PageWriter {
   void writeMove(const PathPicture::Move& move) const {
     const std::string name = escapeXml(picture_.lanes[move.lane].name);
     out_ << "<li data-name=\"" << name << "\"><bdi>" << name << "</bdi> <span class=\"versions\">";
-    if (move.kind != MoveKind::entering) {
+    if (move.kind != MoveKind::Entering) {
       out_ << "<bdi>" << escapeXml(move.from) << "</bdi> → ";
     }
     out_ << "<bdi>" << escapeXml(move.to) << "</bdi></span>";
-    if (move.kind == MoveKind::expensive) out_ << " <span class=\"note\">expensive</span>";
-    if (move.kind == MoveKind::entering) out_ << " <span class=\"note link\">brought in</span>";
+    if (move.kind == MoveKind::Expensive) out_ << " <span class=\"note\">expensive</span>";
+    if (move.kind == MoveKind::Entering) out_ << " <span class=\"note link\">brought in</span>";
     out_ << "</li>\n";
   }
 

@@ -11,11 +11,8 @@ void writePathJson(const PathPicture& picture, std::ostream& out) {
   printer.object([&] {
     printer.field("found", true);
     printer.field("weight", std::uint64_t{picture.weight});
-    printer.arrayField("steps", [&] {
-      for (const PathPicture::Step& step : picture.steps) {
-        printer.object([&] { writeStepFields(printer, picture, step); });
-      }
-    });
+    printer.key("steps");
+    writeSteps(printer, picture);
   });
   out << "\n";
 }

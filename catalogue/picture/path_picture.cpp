@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -44,16 +44,16 @@ std::vector<PathPicture::Move> listMoves(const BaselineHop& step, const LaneNumb
   for (const auto& [name, hop] : step.hops) {
     moves.push_back(
         {lanes.at(name), textOf(hop.from), textOf(hop.to),
-         hop.expensive ? PathPicture::MoveKind::expensive : PathPicture::MoveKind::ordinary});
+         hop.expensive ? PathPicture::MoveKind::Expensive : PathPicture::MoveKind::Ordinary});
   }
   for (const auto& [name, linked] : step.to.metamodels) {
     if (heldIn(step.from, name) != nullptr) continue;
-    moves.push_back({lanes.at(name), "", textOf(linked->version), PathPicture::MoveKind::entering});
+    moves.push_back({lanes.at(name), "", textOf(linked->version), PathPicture::MoveKind::Entering});
   }
   std::sort(moves.begin(), moves.end(),
             [](const PathPicture::Move& left, const PathPicture::Move& right) {
-              const bool entersLeft = left.kind == PathPicture::MoveKind::entering;
-              const bool entersRight = right.kind == PathPicture::MoveKind::entering;
+              const bool entersLeft = left.kind == PathPicture::MoveKind::Entering;
+              const bool entersRight = right.kind == PathPicture::MoveKind::Entering;
               return entersLeft != entersRight ? entersRight : left.lane < right.lane;
             });
   return moves;
@@ -74,16 +74,25 @@ void tieMoves(const PathPicture::Step& step, std::size_t column,
 
 }  // namespace
 
-PathPicture drawPath(const pathfinder::VersionRepository& repository, const VersionBaseline& source,
+PathPicture drawPath(const StepWeights& weights, const VersionBaseline& source,
                      const std::vector<BaselineHop>& path) {
   PathPicture picture;
   const LaneNumbers numbers = addLanes(source, path, picture.lanes);
   for (const BaselineHop& step : path) {
-    picture.steps.push_back({listMoves(step, numbers), repository.getWeight(step.hops)});
+    picture.steps.push_back({listMoves(step, numbers), weights(step.hops)});
     picture.weight += picture.steps.back().weight;
     for (const auto& move : picture.steps.back().moves) picture.lanes[move.lane].isMoved = true;
   }
   return picture;
+}
+
+PathPicture drawPath(const StepWeights& weights, const std::vector<BaselineHop>& path) {
+  return drawPath(weights, path.empty() ? VersionBaseline() : path.front().from, path);
+}
+
+PathPicture drawPath(const pathfinder::VersionRepository& repository, const VersionBaseline& source,
+                     const std::vector<BaselineHop>& path) {
+  return drawPath(weightsOf(repository), source, path);
 }
 
 std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
@@ -91,17 +100,17 @@ std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
                                            std::vector<PathCell>(picture.steps.size() + 1));
   for (std::size_t lane = 0; lane < picture.lanes.size(); ++lane) {
     if (picture.lanes[lane].start.empty()) continue;
-    cells[lane][0].kind = PathCell::Kind::start;
+    cells[lane][0].kind = PathCell::Kind::Start;
     cells[lane][0].version = picture.lanes[lane].start;
   }
   for (std::size_t column = 1; column <= picture.steps.size(); ++column) {
     for (auto& row : cells) {
       row[column].version = row[column - 1].version;
-      if (!row[column].version.empty()) row[column].kind = PathCell::Kind::unmoved;
+      if (!row[column].version.empty()) row[column].kind = PathCell::Kind::Unmoved;
     }
     for (const PathPicture::Move& move : picture.steps[column - 1].moves) {
       PathCell& cell = cells[move.lane][column];
-      cell.kind = PathCell::Kind::move;
+      cell.kind = PathCell::Kind::Move;
       cell.version = move.to;
       cell.move = &move;
     }
@@ -116,11 +125,11 @@ std::string summarise(const PathPicture& picture) {
 
 std::string describe(const PathPicture& picture, const PathPicture::Move& move) {
   const std::string& name = picture.lanes[move.lane].name;
-  if (move.kind == PathPicture::MoveKind::entering) {
+  if (move.kind == PathPicture::MoveKind::Entering) {
     return name + " enters at " + move.to + ", brought in by a link";
   }
   return name + " from " + move.from + " to " + move.to +
-         (move.kind == PathPicture::MoveKind::expensive ? ", expensive" : "");
+         (move.kind == PathPicture::MoveKind::Expensive ? ", expensive" : "");
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,13 @@ namespace tarn::evolution::catalogue {
 /// independent of the path and of the repository.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   enum class MoveKind {
-    ordinary,
-    expensive,
-    entering,  ///< not held before: a link of another metamodel brings it in
+    Ordinary,
+    Expensive,
+    Entering,  ///< not held before: a link of another metamodel brings it in
+    // As hosts may write them.
+    ordinary = Ordinary,
+    expensive = Expensive,
+    entering = Entering,
   };
 
   /// One metamodel's part in a step.
@@ -44,7 +49,24 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   std::uint64_t weight = 0;  ///< of all steps
 };
 
+/// What a step weighs, such as `weightsOf` a repository.
+using StepWeights = std::function<std::uint64_t(const pathfinder::LockstepHop&)>;
+
+/// Those of the path finder (`VersionRepository::getWeight`). Refers to the repository.
+inline StepWeights weightsOf(const pathfinder::VersionRepository& repository) {
+  return [&repository](const pathfinder::LockstepHop& hops) { return repository.getWeight(hops); };
+}
+
 /// The picture of a path that starts at `source`, or of `source` alone when there are no steps.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
+drawPath(const StepWeights& weights, const pathfinder::VersionBaseline& source,
+         const std::vector<pathfinder::BaselineHop>& path);
+
+/// The picture of a path that starts where its first step does; without steps, of nothing.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
+drawPath(const StepWeights& weights, const std::vector<pathfinder::BaselineHop>& path);
+
+/// The same as with `weightsOf(repository)`.
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
 drawPath(const pathfinder::VersionRepository& repository, const pathfinder::VersionBaseline& source,
          const std::vector<pathfinder::BaselineHop>& path);
@@ -52,15 +74,20 @@ drawPath(const pathfinder::VersionRepository& repository, const pathfinder::Vers
 /// One place of the picture: a lane at a step, or at the start.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
   enum class Kind {
-    absent,  ///< not held yet
-    start,
-    unmoved,
-    move,
+    Absent,  ///< not held yet
+    Start,
+    Unmoved,
+    Move,
+    // As hosts may write them.
+    absent = Absent,
+    start = Start,
+    unmoved = Unmoved,
+    move = Move,
   };
 
-  Kind kind = Kind::absent;
+  Kind kind = Kind::Absent;
   std::string version;                      ///< held here; empty when absent
-  const PathPicture::Move* move = nullptr;  ///< of kind `move`; refers to the picture
+  const PathPicture::Move* move = nullptr;  ///< of kind `Move`; refers to the picture
 
   /// Which parts of a line that ties the step's moves together cross this place.
   bool isTiedUpward = false;

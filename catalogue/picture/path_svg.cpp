@@ -7,7 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/swim_lanes.hpp"
-#include "catalogue/plain_numbers.hpp"
+#include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -114,7 +114,7 @@ class SvgWriter {
                  SwimLanes::shortName(shown.name))
          << "</g>\n";
     const auto& row = cells_[lane];
-    const auto isHeld = [](const PathCell& cell) { return cell.kind != PathCell::Kind::absent; };
+    const auto isHeld = [](const PathCell& cell) { return cell.kind != PathCell::Kind::Absent; };
     const auto first = std::find_if(row.begin(), row.end(), isHeld);
     if (first == row.end()) return;
     out_ << line("held", lanes_.boxLeft(static_cast<std::size_t>(first - row.begin())),
@@ -149,7 +149,7 @@ class SvgWriter {
 
   void writeBox(std::size_t lane, std::size_t column) const {
     const PathCell& cell = cells_[lane][column];
-    if (cell.kind != PathCell::Kind::start && cell.kind != PathCell::Kind::move) return;
+    if (cell.kind != PathCell::Kind::Start && cell.kind != PathCell::Kind::Move) return;
     const char* kind = cell.move == nullptr ? "start" : styleClassOf(cell.move->kind);
     out_ << "<g class=\"" << kind << "\"><title>"
          << escapeXml(tooltipOf(picture_, picture_.lanes[lane], cell)) << "</title>";
@@ -167,8 +167,8 @@ class SvgWriter {
   }
 
   void writeArrow(PathPicture::MoveKind kind, std::size_t column, int y) const {
-    const bool enters = kind == PathPicture::MoveKind::entering;
-    const bool isDear = kind == PathPicture::MoveKind::expensive;
+    const bool enters = kind == PathPicture::MoveKind::Entering;
+    const bool isDear = kind == PathPicture::MoveKind::Expensive;
     const int from = lanes_.left(column) + (enters ? SwimLanes::tieOffset : 0);
     writeArrow(from, lanes_.boxLeft(column), y, isDear);
     out_ << R"(<circle class="tip" cx=")" << lanes_.left(column) + SwimLanes::tieOffset
@@ -187,7 +187,7 @@ class SvgWriter {
   void writeBadge(PathPicture::MoveKind kind, int left, int y) const {
     out_ << R"(<circle class="badge" cx=")" << left + 5 << "\" cy=\"" << y << R"(" r="7"/>)"
          << R"(<path class="mark" d="M)" << left + 5 << " ";
-    if (kind == PathPicture::MoveKind::expensive) {
+    if (kind == PathPicture::MoveKind::Expensive) {
       out_ << y - 4 << "v4.5m0 3v.2\"/>";
     } else {
       out_ << y - 4 << "v8m-4 -4h8\"/>";
@@ -199,18 +199,18 @@ class SvgWriter {
     int x = SwimLanes::margin;
     const auto sample = [&](PathPicture::MoveKind kind, const char* label) {
       out_ << "<g class=\"" << styleClassOf(kind) << "\">";
-      writeArrow(x, x + 30, y, kind == PathPicture::MoveKind::expensive);
+      writeArrow(x, x + 30, y, kind == PathPicture::MoveKind::Expensive);
       x += 34;
-      if (kind != PathPicture::MoveKind::ordinary) {
+      if (kind != PathPicture::MoveKind::Ordinary) {
         writeBadge(kind, x + 2, y);
         x += 20;
       }
       out_ << "</g>" << text("key", x + 2, y + 4, label);
       x += estimatePixels(label, SwimLanes::smallFontSize) + 24;
     };
-    sample(PathPicture::MoveKind::ordinary, "move");
-    sample(PathPicture::MoveKind::expensive, "expensive move");
-    sample(PathPicture::MoveKind::entering, "brought in by a link");
+    sample(PathPicture::MoveKind::Ordinary, "move");
+    sample(PathPicture::MoveKind::Expensive, "expensive move");
+    sample(PathPicture::MoveKind::Entering, "brought in by a link");
     out_ << line("tie", x + 4, y - 9, x + 4, y + 9) << text("key", x + 14, y + 4, "moves together");
   }
 

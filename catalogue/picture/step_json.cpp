@@ -8,22 +8,30 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
   printer.field("weight", std::uint64_t{step.weight});
   printer.arrayField("hops", [&] {
     for (const PathPicture::Move& move : step.moves) {
-      if (move.kind == PathPicture::MoveKind::entering) continue;
+      if (move.kind == PathPicture::MoveKind::Entering) continue;
       printer.object([&] {
         printer.field("name", nameOf(move));
         printer.field("from", move.from);
         printer.field("to", move.to);
-        printer.field("expensive", move.kind == PathPicture::MoveKind::expensive);
+        printer.field("expensive", move.kind == PathPicture::MoveKind::Expensive);
       });
     }
   });
   printer.arrayField("broughtIn", [&] {
     for (const PathPicture::Move& move : step.moves) {
-      if (move.kind != PathPicture::MoveKind::entering) continue;
+      if (move.kind != PathPicture::MoveKind::Entering) continue;
       printer.object([&] {
         printer.field("name", nameOf(move));
         printer.field("version", move.to);
       });
+    }
+  });
+}
+
+void writeSteps(JsonPrinter& printer, const PathPicture& picture) {
+  printer.array([&] {
+    for (const PathPicture::Step& step : picture.steps) {
+      printer.object([&] { writeStepFields(printer, picture, step); });
     }
   });
 }

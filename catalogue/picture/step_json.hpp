@@ -1,7 +1,7 @@
 #pragma once
 
-#include "catalogue/json_printer.hpp"
 #include "catalogue/picture/path_picture.hpp"
+#include "catalogue/text/json_printer.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -9,5 +9,8 @@ namespace tarn::evolution::catalogue {
 /// "expensive"}], "broughtIn": [{"name", "version"}].
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step);
+
+/// Writes a list of all steps of a picture.
+void writeSteps(JsonPrinter& printer, const PathPicture& picture);
 
 }  // namespace tarn::evolution::catalogue

@@ -3,22 +3,22 @@
 #include <algorithm>
 #include <ostream>
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-enum class Style { heading, expensive, entering };
+enum class Style { Heading, Expensive, Entering };
 
 std::string styled(const std::string& text, Style style, Colouring colouring) {
-  if (colouring == Colouring::plain) return text;
+  if (colouring == Colouring::Plain) return text;
   switch (style) {
-    case Style::heading:
+    case Style::Heading:
       return "\033[1m" + text + "\033[0m";
-    case Style::expensive:
+    case Style::Expensive:
       return "\033[1;33m" + text + "\033[0m";
-    case Style::entering:
+    case Style::Entering:
       return "\033[36m" + text + "\033[0m";
   }
   return text;
@@ -46,21 +46,21 @@ void StepTextWriter::writeMove(const PathPicture::Move& move) const {
   const std::string to = toVisible(move.to);
   out_ << "  " << padTo(nameColumns_, name) << "  " << padTo(fromColumns_, toVisible(move.from));
   switch (move.kind) {
-    case PathPicture::MoveKind::ordinary:
+    case PathPicture::MoveKind::Ordinary:
       out_ << " -> " << to;
       break;
-    case PathPicture::MoveKind::expensive:
-      out_ << " -> " << to << "  " << styled("expensive", Style::expensive, colouring_);
+    case PathPicture::MoveKind::Expensive:
+      out_ << " -> " << to << "  " << styled("expensive", Style::Expensive, colouring_);
       break;
-    case PathPicture::MoveKind::entering:
-      out_ << "  + " << styled(to, Style::entering, colouring_);
+    case PathPicture::MoveKind::Entering:
+      out_ << "  + " << styled(to, Style::Entering, colouring_);
       break;
   }
   out_ << "\n";
 }
 
 std::string emphasise(const std::string& text, Colouring colouring) {
-  return styled(text, Style::heading, colouring);
+  return styled(text, Style::Heading, colouring);
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -10,8 +10,11 @@
 namespace tarn::evolution::catalogue {
 
 enum class Colouring {
-  plain,
-  terminal,  ///< ANSI escape sequences
+  Plain,
+  Terminal,  ///< ANSI escape sequences
+  // As hosts may write them.
+  plain = Plain,
+  terminal = Terminal,
 };
 
 /// Writes steps of a picture for a terminal: a heading, then a line for each move, with names and

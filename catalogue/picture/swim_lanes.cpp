@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -39,7 +39,7 @@ SwimLanes::SwimLanes(const PathPicture& picture, const std::vector<std::vector<P
     const int offset = column == 0 ? boxPadding : arrowLength;
     int widest = offset + headingWidth(picture, column);
     for (const auto& row : cells) {
-      if (row[column].kind == PathCell::Kind::unmoved) continue;
+      if (row[column].kind == PathCell::Kind::Unmoved) continue;
       widest = std::max(widest, offset + boxWidth(row[column]));
     }
     lefts_.push_back(lefts_.back() + widest + gap);
@@ -64,7 +64,7 @@ std::string SwimLanes::shortVersion(const std::string& version) {
 }
 
 bool SwimLanes::hasBadge(const PathCell& cell) {
-  return cell.move != nullptr && cell.move->kind != PathPicture::MoveKind::ordinary;
+  return cell.move != nullptr && cell.move->kind != PathPicture::MoveKind::Ordinary;
 }
 
 }  // namespace tarn::evolution::catalogue

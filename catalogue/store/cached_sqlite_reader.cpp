@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "catalogue/printed_text.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -124,14 +124,15 @@ void CachedSqliteReader::enterCandidate(const Metamodels& candidates) {
 }
 
 void CachedSqliteReader::failForCycle(std::int64_t position) const {
-  std::vector<pathfinder::Metamodel> cycle;
+  std::vector<std::string> cycle;
   for (const Visit& visit : trail_) {
     const StoredMetamodel& stored = visited(visit);
     if (stored.position == position || !cycle.empty()) {
-      cycle.push_back(stored.metamodel.descriptor);
+      cycle.push_back(textOf(stored.metamodel.descriptor));
     }
   }
-  database_.failDamaged("table metamodels, row " + std::to_string(position), describeCycle(cycle));
+  database_.failDamaged("table metamodels, row " + std::to_string(position),
+                        dependencyCycle(cycle));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/file_beside.hpp"
 #include "catalogue/store/write_lock.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalogue/catalogue_sink.hpp"
+#include "catalogue/model/catalogue_sink.hpp"
 #include "catalogue/store/store_progress.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <system_error>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/file_beside.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -10,9 +10,9 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/file_beside.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 #include "catalogue/store/write_lock.hpp"
 
 namespace tarn::evolution::catalogue {

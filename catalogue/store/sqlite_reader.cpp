@@ -6,6 +6,7 @@
 
 #include "catalogue/range_union.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -54,15 +55,16 @@ std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& na
   if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
   const auto stored = storedText(name);
   if (!stored) return {};
-  if (!range.isSemVerRange()) {
-    const auto text = storedText(range.getText());
+  const auto single = findSingleVersion(range);
+  if (single && single->isSemVer()) {
+    return metamodels(selectSemVer_.query(*stored, pack(single->getSemVer())), name);
+  }
+  if (single) {
+    const auto text = storedText(single->getText());
     if (!text) return {};
     return metamodels(selectText_.query(*stored, *text), name);
   }
   const auto& [lower, upper] = range.getSemVerRange();
-  if (range == VersionRange::singleVersion(lower)) {
-    return metamodels(selectSemVer_.query(*stored, pack(lower)), name);
-  }
   return metamodels(selectRange_.query(*stored, pack(lower), pack(upper)), name);
 }
 

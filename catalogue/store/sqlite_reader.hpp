@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "catalogue/catalogue_sink.hpp"
+#include "catalogue/model/catalogue_sink.hpp"
 #include "catalogue/store/sqlite_database.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "catalogue/catalogue_sink.hpp"
+#include "catalogue/model/catalogue_sink.hpp"
 #include "catalogue/store/sqlite_database.hpp"
 
 /// How versions, texts and rows of a catalogue stand in a store.

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -1,12 +1,14 @@
 #include "catalogue/store/sqlite_validation.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <string>
-#include <utility>
 
-#include "catalogue/store/sqlite_dependency_graph.hpp"
+#include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
-#include "catalogue/unsoundness.hpp"
+#include "catalogue/store/stored_cycle.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -70,68 +72,65 @@ class Validation {
   }
 
  private:
+  using Rows = SqliteStatement::Rows;
+
   std::size_t fromFirst(std::int64_t position) const {
     return static_cast<std::size_t>(position - firstMetamodel_);
   }
 
+  std::string place(std::int64_t position) const { return metamodelPlace(fromFirst(position)); }
+
   std::string where(std::int64_t position) const {
-    if (position < firstMetamodel_) return "in the store";
-    return "at " + metamodelPlace(fromFirst(position));
+    return position < firstMetamodel_ ? "in the store" : "at " + place(position);
+  }
+
+  static std::string describe(const std::u16string& name, const pathfinder::VersionId& version) {
+    return textOf(Metamodel(name, version, {}));
   }
 
   /// Throws the error of the metamodel that comes first; of several errors of one metamodel, that
   /// of its version before that of its equivalent before that of a dependency.
   void checkMetamodels() {
-    collectRepeated();
-    collectSharing();
-    collectUnknownDependency();
-    const auto first = std::min_element(
-        errors_.begin(), errors_.end(),
-        [](const auto& left, const auto& right) { return left.first < right.first; });
-    if (first == errors_.end()) return;
-    throw CatalogueError(first->second.place(), first->second.reason());
+    note(selectRepeated, [&](const Rows& rows) {
+      return CatalogueError(
+          place(rows.number(0)),
+          standsAlready(describe(textIn(rows, 2), versionIn(rows, 3)), where(rows.number(1))));
+    });
+    note(selectSharing, [&](const Rows& rows) {
+      return CatalogueError(
+          place(rows.number(0)) + "/semver",
+          sharedEquivalent(semVerIn(rows, 4), describe(textIn(rows, 2), versionIn(rows, 3)),
+                           where(rows.number(1))));
+    });
+    note(selectUnknownDependency, [&](const Rows& rows) {
+      const auto ordinal = static_cast<std::size_t>(rows.number(1));
+      return CatalogueError(dependencyPlace(fromFirst(rows.number(0)), ordinal) + "/name",
+                            unknownMetamodel(textIn(rows, 2)));
+    });
+    if (first_) throw CatalogueError(first_->place(), first_->reason());
   }
 
-  void collectRepeated() {
-    SqliteStatement statement(database_, selectRepeated);
-    auto rows = statement.query(firstMetamodel_);
-    if (!rows.next()) return;
-    const std::int64_t position = rows.number(0);
-    errors_.emplace_back(position, standsTwice(fromFirst(position),
-                                               Metamodel(textIn(rows, 2), versionIn(rows, 3), {}),
-                                               where(rows.number(1))));
-  }
-
-  void collectSharing() {
-    SqliteStatement statement(database_, selectSharing);
-    auto rows = statement.query(firstMetamodel_);
-    if (!rows.next()) return;
-    const std::int64_t position = rows.number(0);
-    errors_.emplace_back(position,
-                         sharesEquivalent(fromFirst(position), semVerIn(rows, 4),
-                                          Metamodel(textIn(rows, 2), versionIn(rows, 3), {}),
-                                          where(rows.number(1))));
-  }
-
-  void collectUnknownDependency() {
-    SqliteStatement statement(database_, selectUnknownDependency);
-    auto rows = statement.query(firstMetamodel_);
-    if (!rows.next()) return;
-    const std::int64_t position = rows.number(0);
-    errors_.emplace_back(
-        position, dependsOnUnknownName(fromFirst(position),
-                                       static_cast<std::size_t>(rows.number(1)), textIn(rows, 2)));
+  /// Keeps the error that `describeRow` makes of a statement's first row, if that comes before the
+  /// one that is kept.
+  template <class DescribeRow>
+  void note(const char* statement, const DescribeRow& describeRow) {
+    SqliteStatement prepared(database_, statement);
+    auto rows = prepared.query(firstMetamodel_);
+    if (!rows.next() || (first_ && firstPosition_ <= rows.number(0))) return;
+    first_ = describeRow(rows);
+    firstPosition_ = rows.number(0);
   }
 
   void checkHops() {
     SqliteStatement statement(database_, selectLooseHop);
     auto rows = statement.query(firstHop_);
     if (!rows.next()) return;
-    const auto position = static_cast<std::size_t>(rows.number(0) - firstHop_);
+    const std::string place = hopPlace(static_cast<std::size_t>(rows.number(0) - firstHop_));
     const std::u16string name = textIn(rows, 1);
-    if (rows.number(4) == 0) throw hopOfUnknownName(position, name);
-    if (rows.number(5) == 0) throw hopOfUnknownVersion(position, "from", name, versionIn(rows, 2));
-    throw hopOfUnknownVersion(position, "to", name, versionIn(rows, 3));
+    if (rows.number(4) == 0) throw CatalogueError(place + "/name", unknownMetamodel(name));
+    const bool hasSource = rows.number(5) != 0;
+    throw CatalogueError(place + (hasSource ? "/to" : "/from"),
+                         unknownVersion(name, versionIn(rows, hasSource ? 3 : 2)));
   }
 
   void checkCycles() {
@@ -145,20 +144,20 @@ class Validation {
     SqliteStatement statement(database_,
                               "SELECT names.name, version FROM metamodels "
                               "JOIN names ON names.id = metamodels.name WHERE position = ?1");
-    std::vector<Metamodel> cycle;
+    std::vector<std::string> cycle;
     for (const std::int64_t position : positions) {
       auto rows = statement.query(position);
       rows.next();
-      cycle.emplace_back(textIn(rows, 0), versionIn(rows, 1),
-                         std::vector<pathfinder::Dependency>());
+      cycle.push_back(describe(textIn(rows, 0), versionIn(rows, 1)));
     }
-    throw dependsOnItself(fromFirst(positions.front()), cycle);
+    throw CatalogueError(place(positions.front()) + "/dependencies", dependencyCycle(cycle));
   }
 
   SqliteDatabase& database_;
   std::int64_t firstMetamodel_;
   std::int64_t firstHop_;
-  std::vector<std::pair<std::int64_t, CatalogueError>> errors_;  // by position
+  std::optional<CatalogueError> first_;
+  std::int64_t firstPosition_ = 0;
 };
 
 }  // namespace

@@ -4,6 +4,9 @@
 #include "catalogue/store/store_filling.hpp"
 #include "catalogue/store/store_removal.hpp"
 #include "catalogue/store/store_successor.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
+#include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -38,6 +41,12 @@ RemovalResult removeFromStore(const std::filesystem::path& store,
   if (progress) progress(1);
   if (result.obstacleCount == 0) successor.takePlace();
   return result;
+}
+
+std::string describe(const RemovalObstacle& obstacle) {
+  const auto& [name, range] = obstacle.dependent.dependencies.at(obstacle.dependency);
+  return textOf(obstacle.dependent) + " depends on " + fl::i18n::ustring_to_utf8(name) + " " +
+         rangeText(range);
 }
 
 }  // namespace tarn::evolution::catalogue

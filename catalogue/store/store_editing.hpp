@@ -37,6 +37,9 @@ struct RemovalObstacle {
   std::size_t dependency;  ///< an index of its list
 };
 
+/// "B@2.0.0 depends on A [1.0.0, 2.0.0)".
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string describe(const RemovalObstacle& obstacle);
+
 struct RemovalResult {
   StoreCounts removed;                     ///< nothing when there are obstacles
   std::vector<RemovalObstacle> obstacles;  ///< in the store's order, at most `listedObstacles`

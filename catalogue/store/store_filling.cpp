@@ -3,8 +3,8 @@
 #include <istream>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/json_file.hpp"
-#include "catalogue/json_stream.hpp"
+#include "catalogue/reading/json_file.hpp"
+#include "catalogue/reading/json_stream.hpp"
 #include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/sqlite_validation.hpp"

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "catalogue/file_error.hpp"
-#include "catalogue/printed_text.hpp"
 #include "catalogue/range_union.hpp"
+#include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/text/messages.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -101,9 +101,7 @@ void StoreRemoval::choose(const RemovalChoice& choice) {
     if (rows.next()) found = rows.number(0);
   }
   if (found > 0) return;
-  const std::string metamodel = "metamodel " + quotedName(name);
-  failFor(store_.file(), version ? "there is no version " + textOf(*version) + " of " + metamodel
-                                 : "there is no " + metamodel);
+  failFor(store_.file(), version ? unknownVersion(name, *version) : unknownMetamodel(name));
 }
 
 void StoreRemoval::collectObstacles(RemovalResult& result) {

@@ -2,9 +2,9 @@
 
 #include <sqlite3.h>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/locked_store.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 #include "catalogue/store/store_successor.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -5,9 +5,9 @@
 // the name.
 #include "catalogue/store/store_successor.hpp"
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/progress_sink.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -5,11 +5,11 @@
 #include <fstream>
 #include <system_error>
 
-#include "catalogue/file_error.hpp"
-#include "catalogue/json_writer.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/json_writer.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/progress_sink.hpp"
 #include "catalogue/store/replacing_file.hpp"
-#include "catalogue/store/sqlite_header.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/store_filling.hpp"
 #include "catalogue/store/store_snapshot.hpp"

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <thread>
 
-#include "catalogue/file_error.hpp"
+#include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/file_beside.hpp"
 
 namespace tarn::evolution::catalogue {

@@ -53,14 +53,9 @@ CoreGuidedMinimum::Outcome CoreGuidedMinimum::minimize(const std::vector<Literal
   while (lowerBound_ < limit) {
     std::vector<Literal> assumed = assumptions;
     for (const auto& [literal, cost] : costs_) assumed.push_back(literal);
-    switch (solver_.solve(assumed)) {
-      case SatSolver::Answer::Unknown:
-        return Outcome::GivenUp;
-      case SatSolver::Answer::Satisfiable:
-        if (accept()) return Outcome::Found;
-        continue;
-      case SatSolver::Answer::Unsatisfiable:
-        break;
+    if (solver_.solve(assumed)) {
+      if (accept()) return Outcome::Found;
+      continue;
     }
     Core core = coreOfLastQuestion(stillWanted(), assumptions);
     trim(core);
@@ -88,20 +83,21 @@ CoreGuidedMinimum::Core CoreGuidedMinimum::coreOfLastQuestion(
   return core;
 }
 
-/// Whether the core is one without the literal at that place as well, as far as a search of so many
-/// conflicts tells.
-bool CoreGuidedMinimum::isRefuted(const Core& core, std::size_t without, int conflicts) {
+/// Whether a short search shows that the core is one without the literal at that place as well.
+bool CoreGuidedMinimum::isRefuted(const Core& core, std::size_t without) {
   std::vector<Literal> assumed = core.assumptions;
   for (std::size_t i = 0; i < core.wanted.size(); ++i) {
     if (i != without) assumed.push_back(core.wanted[i]);
   }
-  return solver_.solve(assumed, conflicts) == SatSolver::Answer::Unsatisfiable;
+  return solver_.refutes(assumed, conflictsToMinimize);
 }
 
 /// Asks with the core alone: often less is to blame.
 void CoreGuidedMinimum::trim(Core& core) {
   for (int round = 0; round < roundsOfTrimming && core.wanted.size() > 1; ++round) {
-    if (!isRefuted(core, core.wanted.size(), SatSolver::noLimit)) return;
+    std::vector<Literal> assumed = core.assumptions;
+    assumed.insert(assumed.end(), core.wanted.begin(), core.wanted.end());
+    if (solver_.solve(assumed)) return;
     const std::size_t before = core.wanted.size();
     core = coreOfLastQuestion(core.wanted, core.assumptions);
     if (core.wanted.size() == before) return;
@@ -112,7 +108,7 @@ void CoreGuidedMinimum::trim(Core& core) {
 void CoreGuidedMinimum::minimize(Core& core) {
   if (core.wanted.size() > largestCoreToMinimize) return;
   for (std::size_t i = 0; i < core.wanted.size() && core.wanted.size() > 1;) {
-    if (!isRefuted(core, i, conflictsToMinimize)) {
+    if (!isRefuted(core, i)) {
       ++i;
       continue;
     }

@@ -30,7 +30,6 @@ class CoreGuidedMinimum {
     Found,       ///< the solver holds an accepted model of the cost that `lowerBound` tells
     Impossible,  ///< there is no model at all
     TooDear,     ///< the cost would be `limit` or more
-    GivenUp,     ///< the solver was told not to go on
   };
 
   /// Looks for an accepted model of least cost under some assumptions, which are to be the same
@@ -59,7 +58,7 @@ class CoreGuidedMinimum {
 
   Core coreOfLastQuestion(const std::vector<Literal>& wanted,
                           const std::vector<Literal>& assumptions) const;
-  bool isRefuted(const Core& core, std::size_t without, int conflicts);
+  bool isRefuted(const Core& core, std::size_t without);
   void trim(Core& core);
   void minimize(Core& core);
   void relax(const Core& core);

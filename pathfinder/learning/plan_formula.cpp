@@ -6,7 +6,8 @@
 //   order    for incompatible v and w one literal o: true, v is left no later than w is entered;
 //            false, w is left no later than v is entered. What a name starts at was never entered,
 //            what it ends at is never left.
-//   circles  of two names: v left before w is entered, so all that comes before v is left before all
+//   circles  of two names: v left before w is entered, so all that comes before v is left before
+//   all
 //            that comes after w is entered
 //
 // Consequences of the last kind are given for all pairs where they are few and otherwise for
@@ -45,6 +46,15 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
 }
 
 void PlanFormula::addSources() {
+  for (const std::vector<NodeIndex>& nodes : network_.starts) {
+    std::vector<Literal> starts;
+    for (const NodeIndex node : nodes) {
+      startsAt_[node] = nodes.size() == 1 ? always_ : solver_.newVariable();
+      starts.push_back(startsAt_[node]);
+    }
+    exactlyOne(starts);
+  }
+  if (!network_.starts.empty()) return;
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
     isSource_.push_back(network_.sources.size() == 1 ? always_ : solver_.newVariable());
   }

@@ -9,13 +9,15 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
-constexpr std::uint32_t unreached = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
 
 class NetworkBuilding {
  public:
-  NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets)
+  NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+                  const OpenStart* start)
       : space_(ground.space),
         ground_(ground),
+        start_(start),
         targets_(targets),
         nodeOf_(ground.space.versions.size(), SearchSpace::none) {}
 
@@ -56,10 +58,10 @@ class NetworkBuilding {
 
   bool isStart(VersionIndex version) const {
     const NameIndex name = space_.versions[version].name;
-    return std::any_of(
-        space_.sources.begin(), space_.sources.end(), [&](const SearchSpace::Source& source) {
-          return !source.selection.empty() && source.selection[name] == version;
-        });
+    return std::any_of(space_.sources.begin(), space_.sources.end(),
+                       [&](const SearchSpace::Source& source) {
+                         return !source.selection.empty() && source.selection[name] == version;
+                       });
   }
 
   /// False when the name's hops make a cycle.
@@ -101,8 +103,7 @@ class NetworkBuilding {
         if (isLive[target - first] && --before[target - first] == 0) order.push_back(target);
       }
     }
-    return order.size() ==
-           static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
+    return order.size() == static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
   }
 
   std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
@@ -144,7 +145,7 @@ class NetworkBuilding {
     for (NodeIndex index = name.end; index-- > name.first;) {
       PlanNetwork::Node& node = network_.nodes[index];
       const bool isAtEnd = isEnd(node.version);
-      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : unreached;
+      node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : noEnd;
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
         const bool isExpensive = network_.arcs[arc].expensive;
@@ -180,7 +181,20 @@ class NetworkBuilding {
     if (!neighbours.incompatible.empty()) network_.neighbours.push_back(std::move(neighbours));
   }
 
+  void addStarts() {
+    for (const std::vector<VersionIndex>& versions : start_->versions()) {
+      std::vector<NodeIndex>& nodes = network_.starts.emplace_back();
+      for (const VersionIndex version : versions) {
+        if (nodeOf_[version] != SearchSpace::none) nodes.push_back(nodeOf_[version]);
+      }
+    }
+  }
+
   void addSources() {
+    if (start_ != nullptr) {
+      addStarts();
+      return;
+    }
     for (std::size_t place = 0; place < space_.sources.size(); ++place) {
       PlanNetwork::Source source{place, {}};
       for (const VersionIndex version : space_.sources[place].selection) {
@@ -207,17 +221,19 @@ class NetworkBuilding {
 
   const SearchSpace& space_;
   const PlanningGround& ground_;
+  const OpenStart* const start_;
   const std::vector<VersionSelection>& targets_;
   PlanNetwork network_;
-  std::vector<NodeIndex> nodeOf_;                                // by version
+  std::vector<NodeIndex> nodeOf_;                                 // by version
   std::vector<std::map<VersionIndex, SearchSpace::Move>> moves_;  // of the name that is added
 };
 
 }  // namespace
 
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
-                                           const std::vector<VersionSelection>& targets) {
-  return NetworkBuilding(ground, targets).run();
+                                           const std::vector<VersionSelection>& targets,
+                                           const OpenStart* start) {
+  return NetworkBuilding(ground, targets, start).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

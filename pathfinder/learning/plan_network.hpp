@@ -1,11 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
 
+#include "pathfinder/learning/open_start.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/step_problem.hpp"
@@ -17,9 +19,6 @@ using ArcIndex = std::uint32_t;
 
 /// The ways that the names of a search space can go: for each name a graph without cycles, whose
 /// nodes are versions that some way from a source to a target holds, and whose arcs are hops.
-///
-/// Where the hops of a name form cycles, a node is a version after a number of hops, and ways have a
-/// limited length.
 struct PlanNetwork {
   struct Node {
     VersionIndex version;
@@ -68,16 +67,25 @@ struct PlanNetwork {
   };
   std::vector<Source> sources;
 
+  /// For an open start, in place of sources: the nodes that each name may begin at.
+  std::vector<std::vector<NodeIndex>> starts;
+
+  /// Whether there is anything to begin at.
+  bool canBegin() const {
+    return !sources.empty() ||
+           (!starts.empty() && std::none_of(starts.begin(), starts.end(),
+                                            [](const auto& start) { return start.empty(); }));
+  }
+
   /// For each target that can be reached: the nodes that each name may end at; none for a name that
   /// it leaves free.
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
-/// How the ways of names with cycles of hops are limited: the number of hops that each may take.
-using WayLimits = std::vector<std::uint32_t>;
-
-/// No value when the space has names that links can bring in, or sources that are not regular.
+/// No value when the space has names that links can bring in, sources that are not regular, or a
+/// name whose hops form a cycle.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
-                                           const std::vector<VersionSelection>& targets);
+                                           const std::vector<VersionSelection>& targets,
+                                           const OpenStart* start);
 
 }  // namespace tarn::evolution::pathfinder

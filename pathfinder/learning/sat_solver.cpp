@@ -1,27 +1,36 @@
 #include "pathfinder/learning/sat_solver.hpp"
 
 #include <cadical.hpp>
-#include <utility>
+
+#include "pathfinder/limits/search_watch.hpp"
 
 namespace tarn::evolution::pathfinder {
 
+namespace {
+
+// What the solver answers.
+constexpr int satisfiable = 10;
+constexpr int unsatisfiable = 20;
+
+}  // namespace
+
+/// The solver, which asks now and then whether to end.
 class SatSolver::Backend : public CaDiCaL::Terminator {
  public:
-  explicit Backend(std::function<bool()> mayGoOn) : mayGoOn_(std::move(mayGoOn)) {
+  Backend() {
     solver.set("quiet", 1);
-    if (mayGoOn_) solver.connect_terminator(this);
+    if (watch_ != nullptr) solver.connect_terminator(this);
   }
 
-  bool terminate() override { return !mayGoOn_(); }
+  bool terminate() override { return watch_->isOver(); }
 
   CaDiCaL::Solver solver;
 
  private:
-  std::function<bool()> mayGoOn_;
+  SearchWatch* const watch_ = SearchWatch::current();
 };
 
-SatSolver::SatSolver(std::function<bool()> mayGoOn)
-    : backend_(std::make_unique<Backend>(std::move(mayGoOn))) {}
+SatSolver::SatSolver() : backend_(std::make_unique<Backend>()) {}
 
 SatSolver::~SatSolver() = default;
 
@@ -36,29 +45,31 @@ void SatSolver::addClause(std::initializer_list<Literal> literals) {
 void SatSolver::addClause(std::span<const Literal> literals) {
   for (const Literal literal : literals) backend_->solver.add(literal);
   backend_->solver.add(0);
+  literals_ += literals.size();
 }
 
-SatSolver::Answer SatSolver::solve(std::span<const Literal> assumptions, int conflicts) {
-  constexpr int satisfiable = 10;
-  constexpr int unsatisfiable = 20;
-  ++questions_;
-  for (const Literal literal : assumptions) backend_->solver.assume(literal);
-  if (conflicts != noLimit) backend_->solver.limit("conflicts", conflicts);
-  switch (backend_->solver.solve()) {
-    case satisfiable:
-      return Answer::Satisfiable;
-    case unsatisfiable:
-      return Answer::Unsatisfiable;
-    default:
-      return Answer::Unknown;
-  }
+bool SatSolver::solve(std::span<const Literal> assumptions) {
+  return ask(assumptions) == satisfiable;
 }
 
-SatSolver::Answer SatSolver::solveWith(std::span<const Literal> clause,
-                                       std::span<const Literal> assumptions) {
+bool SatSolver::solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions) {
   for (const Literal literal : clause) backend_->solver.constrain(literal);
   backend_->solver.constrain(0);
-  return solve(assumptions);
+  return ask(assumptions) == satisfiable;
+}
+
+bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
+  backend_->solver.limit("conflicts", conflicts);
+  return ask(assumptions) == unsatisfiable;
+}
+
+int SatSolver::ask(std::span<const Literal> assumptions) {
+  if (SearchWatch* watch = SearchWatch::current()) watch->noteMemory(bytes());
+  checkpoint();
+  for (const Literal literal : assumptions) backend_->solver.assume(literal);
+  const int answer = backend_->solver.solve();
+  if (answer != satisfiable && answer != unsatisfiable) checkpoint();
+  return answer;
 }
 
 bool SatSolver::isTrue(Literal literal) const {
@@ -73,8 +84,12 @@ bool SatSolver::isImplied(Literal literal) const {
   return backend_->solver.fixed(literal) > 0;
 }
 
-void SatSolver::prefer(Literal literal) {
-  backend_->solver.phase(literal);
+std::size_t SatSolver::bytes() const {
+  constexpr std::size_t bytesOfVariable = 200;
+  constexpr std::size_t bytesOfLiteral = 24;  // in a clause and the lists that watch it
+  constexpr std::size_t bytesOfLearntClause = 250;
+  return static_cast<std::size_t>(variables_) * bytesOfVariable + literals_ * bytesOfLiteral +
+         static_cast<std::size_t>(backend_->solver.redundant()) * bytesOfLearntClause;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -13,17 +12,11 @@ namespace tarn::evolution::pathfinder {
 /// A variable that is true, or its negation, which is the negative number.
 using Literal = int;
 
-/// A formula in conjunctive normal form that only grows, and questions to it under assumptions. What
-/// a question learns stays for those that follow.
+/// A formula in conjunctive normal form that only grows, and questions to it under assumptions.
+/// What a question learns stays for those that follow.
 class SatSolver {
  public:
-  enum class Answer { Satisfiable, Unsatisfiable, Unknown };
-
-  static constexpr int noLimit = -1;
-
-  /// `mayGoOn` is called now and then while a question is worked on, which is given up when it
-  /// returns false. It must not throw.
-  explicit SatSolver(std::function<bool()> mayGoOn = {});
+  SatSolver();
   SatSolver(const SatSolver&) = delete;
   SatSolver& operator=(const SatSolver&) = delete;
   ~SatSolver();
@@ -33,33 +26,37 @@ class SatSolver {
   void addClause(std::initializer_list<Literal> literals);
   void addClause(std::span<const Literal> literals);
 
-  /// Whether the formula and all assumptions can be true; unknown after so many conflicts.
-  Answer solve(std::span<const Literal> assumptions, int conflicts = noLimit);
+  /// Whether the formula and all assumptions can be true. Throws SearchStopped, as the questions
+  /// below do, when a limit of the search is reached.
+  bool solve(std::span<const Literal> assumptions);
 
   /// The same with a clause that holds for this question only.
-  Answer solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions);
+  bool solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions);
 
-  /// After a satisfiable question: the value in the model that was found.
+  /// Whether a search with so many conflicts shows that they cannot.
+  bool refutes(std::span<const Literal> assumptions, int conflicts);
+
+  /// After a question that was answered with yes, until clauses are added: the value in the model
+  /// that was found.
   bool isTrue(Literal literal) const;
 
-  /// After an unsatisfiable question: whether the assumption was used to refute it.
+  /// After a question that was refuted: whether the assumption was used to refute it.
   bool hasFailed(Literal assumption) const;
 
   /// Whether the formula alone implies the literal, as far as that is known without a search.
   bool isImplied(Literal literal) const;
 
-  /// Tries this value first where nothing decides.
-  void prefer(Literal literal);
-
-  std::uint64_t questions() const { return questions_; }
-  int variables() const { return variables_; }
+  /// A rough measure of the memory that the formula and what was learnt from it take.
+  std::size_t bytes() const;
 
  private:
   class Backend;
 
+  int ask(std::span<const Literal> assumptions);
+
   std::unique_ptr<Backend> backend_;
   int variables_ = 0;
-  std::uint64_t questions_ = 0;
+  std::size_t literals_ = 0;  // in all clauses
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -2,6 +2,25 @@
 
 namespace tarn::evolution::pathfinder {
 
+BackwardPlan BackwardPlan::ofOneWay(std::size_t sources,
+                                    const std::vector<VersionSelection>& selections,
+                                    const std::vector<std::vector<PlannedHop>>& hops,
+                                    const std::vector<std::uint64_t>& weights) {
+  BackwardPlan plan(selections.front().size(), sources);
+  for (const VersionSelection& selection : selections) plan.selections_.intern(selection);
+  plan.regularSources_ = 1;
+  PlanCost cost;
+  for (auto after = static_cast<SelectionIndex>(hops.size());; --after) {
+    plan.improve(plan.continuationOf(after), cost);
+    if (after < hops.size()) plan.addStep(plan.continuationOf(after), hops[after], after + 1);
+    if (after == 0) break;
+    const std::uint64_t weight = weights[hops.size() - after];
+    cost = {cost.total + weight, plan.chains_.append(cost.weights, weight)};
+  }
+  plan.cost_ = cost;
+  return plan;
+}
+
 BackwardPlan::Continuation& BackwardPlan::continuationOf(SelectionIndex selection) {
   if (selection >= continuations_.size()) continuations_.resize(selections_.size());
   return continuations_[selection];

@@ -1,3 +1,12 @@
+// Pairwise consistency, as in constraint networks: two versions are compatible when some variant of
+// the one agrees with some variant of the other on all names that both hold. One row of bits for
+// each version and neighbouring name.
+//
+// Variants are compared by their projections onto the names that both versions hold, each different
+// projection once. Pairs of names that share nothing, or whose compatibility follows from a third
+// name that both link, get no row. docs/search.md tells why planning by pairs alone relaxes the
+// question.
+
 #include "pathfinder/planning/compatibility.hpp"
 
 #include <algorithm>
@@ -41,6 +50,7 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
                                 const std::vector<NameIndex>& shared) {
   std::vector<Projection> result;
   for (const SearchSpace::Variant& variant : space.variantsOf(index)) {
+    if (!variant.canBeCombined) continue;
     if (heldUnder(variant.closure, without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
@@ -62,6 +72,36 @@ Compatibility::Compatibility(const SearchSpace& space) : space_(space) {
     for (const NameIndex neighbour : neighbours_[name]) {
       if (name < neighbour) fillRows(name, neighbour);
     }
+  }
+}
+
+Compatibility::Compatibility(const SearchSpace& space, const std::vector<Requirement>& requirements)
+    : space_(space), neighbours_(space.names.size()) {
+  for (const Requirement& requirement : requirements) {
+    const NameIndex name = space_.versions[requirement.version].name;
+    neighbours_[name].push_back(requirement.needed);
+    neighbours_[requirement.needed].push_back(name);
+  }
+  for (auto& neighbours : neighbours_) {
+    std::sort(neighbours.begin(), neighbours.end());
+    neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
+  }
+  layOutRows();
+  std::fill(rows_.begin(), rows_.end(), ~BitWord{0});
+  for (const Requirement& requirement : requirements) require(requirement);
+}
+
+/// Removes what the requirement excludes, on both sides.
+void Compatibility::require(const Requirement& requirement) {
+  const SearchSpace::Name& needed = space_.names[requirement.needed];
+  std::vector<bool> isAdmitted(needed.end - needed.first);
+  for (const VersionIndex version : requirement.admitted) isAdmitted[version - needed.first] = true;
+  BitRow row = mutableRow(requirement.version, requirement.needed);
+  for (VersionIndex other = needed.first; other < needed.end; ++other) {
+    if (isAdmitted[other - needed.first]) continue;
+    row.erase(other - needed.first);
+    mutableRow(other, space_.versions[requirement.version].name)
+        .erase(space_.rankOf(requirement.version));
   }
 }
 
@@ -248,6 +288,7 @@ void Compatibility::admitLinked(NameIndex linking, NameIndex linked) {
   for (VersionIndex version = space_.names[linking].first; version < space_.names[linking].end;
        ++version) {
     for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+      if (!variant.canBeCombined) continue;
       const VariantIndex held = heldUnder(variant.closure, linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);

@@ -21,6 +21,17 @@ class Compatibility {
  public:
   explicit Compatibility(const SearchSpace& space);
 
+  /// That a version has to have one of some versions of another name beside it.
+  struct Requirement {
+    VersionIndex version;
+    NameIndex needed;
+    std::vector<VersionIndex> admitted;
+  };
+
+  /// The same for a space without variants in which every name is held from start to end: two
+  /// versions can stand together unless a requirement of one of them excludes the other.
+  Compatibility(const SearchSpace& space, const std::vector<Requirement>& requirements);
+
   /// The names that a name may disagree with, ascending.
   const std::vector<NameIndex>& neighbours(NameIndex name) const { return neighbours_[name]; }
 
@@ -48,6 +59,7 @@ class Compatibility {
   std::vector<NameIndex> sharedNames(NameIndex left, NameIndex right) const;
 
   void layOutRows();
+  void require(const Requirement& requirement);
   void fillRows(NameIndex name, NameIndex neighbour);
   void admitLinked(NameIndex linking, NameIndex linked);
   void admitAgreeing(NameIndex left, NameIndex right);

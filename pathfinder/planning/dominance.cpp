@@ -12,7 +12,15 @@
 // - a link brings a name in only in a step, and what it brings in may depend on v. That does not
 //   touch a name that no linked metamodel has to do with that also has to do with a name that can
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
-//   one of them hops in that very step. For other names nothing is put off.
+//   one of them hops in that very step. For other names nothing is put off;
+// - what stands beside what is looked at for two versions at a time. Where an application links at
+//   will, that does not tell what three say together, and nothing is put off;
+// - the first step from a source that is not regular links everything anew, which may be what it is
+//   for. If a single hop that could wait is all that it has, it must not go: such first steps are
+//   planned one by one (see `IdleStep`).
+//
+// By the same token a name that has nothing to do with any other, and of which no target wants
+// anything, does not move at all.
 //
 // Without this, names that hardly depend on one another multiply the plans to be looked at: every
 // distribution of their hops among the steps is one. docs/search.md has the proof.
@@ -21,8 +29,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -35,30 +44,33 @@ bool mayBeAbsent(const SearchSpace& space, NameIndex name) {
 }  // namespace
 
 Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibility,
-                     const IncomingHops& incoming)
+                     const IncomingHops& incoming, VersionIndex start)
     : space_(space),
       compatibility_(compatibility),
       incoming_(incoming),
-      isInSource_(space.versions.size()),
+      isStart_(space.versions.size()),
       cannotWait_(space.names.size()) {
   for (const SearchSpace::Source& source : space.sources) {
-    for (const VersionIndex version : source.selection) isInSource_[version] = true;
+    for (const VersionIndex version : source.selection) isStart_[version] = true;
   }
+  if (start != SearchSpace::none) isStart_[start] = true;
   findNamesThatCannotWait();
   for (NameIndex name = 0; name < space.names.size(); ++name) findWaysInto(name);
 }
 
 void Dominance::findNamesThatCannotWait() {
+  if (space_.anyLinksAtWill) findNamesLinkedAtWill();
   const bool anyMayBeAbsent =
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const SearchSpace::Name& name) { return name.absent != SearchSpace::none; });
   if (!anyMayBeAbsent) return;
-  if (!entersOnlyByHops()) {
+  entersOnlyByHops_ = findEntersOnlyByHops();
+  if (!entersOnlyByHops_) {
     cannotWait_.assign(cannotWait_.size(), true);
     return;
   }
   for (NameIndex name = 0; name < cannotWait_.size(); ++name) {
-    cannotWait_[name] = mayBeAbsent(space_, name);
+    if (mayBeAbsent(space_, name)) cannotWait_[name] = true;
   }
   for (const SearchSpace::Variant& variant : space_.variants) {
     const bool mayBringIn = std::any_of(
@@ -69,9 +81,22 @@ void Dominance::findNamesThatCannotWait() {
   }
 }
 
+/// Names to which it may matter what three versions say together.
+void Dominance::findNamesLinkedAtWill() {
+  for (const SearchSpace::Variant& variant : space_.variants) {
+    const bool isAtWill = std::any_of(
+        variant.closure.begin(), variant.closure.end(), [this](const SearchSpace::Link& link) {
+          const VersionIndex version = space_.variants[link.variant].version;
+          return version != SearchSpace::none && space_.versions[version].linksAtWill;
+        });
+    if (!isAtWill) continue;
+    for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
+  }
+}
+
 /// Whether a name can only enter in a step in which a name hops that has to do with it. So it is
 /// where links follow from dependencies; a host may have added others.
-bool Dominance::entersOnlyByHops() const {
+bool Dominance::findEntersOnlyByHops() const {
   for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
     if (mayEnterBySwitching(version)) return false;
   }
@@ -82,9 +107,11 @@ bool Dominance::entersOnlyByHops() const {
 /// both link differ in which names they may bring in.
 bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   constexpr std::size_t mostCompared = 64;  // more that differ are taken to do so
-  const auto variants = space_.variantsOf(version);
+  std::vector<const SearchSpace::Variant*> variants;
   std::vector<std::vector<NameIndex>> broughtIn;
-  for (const SearchSpace::Variant& variant : variants) {
+  for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
+    if (!variant.canBeCombined) continue;
+    variants.push_back(&variant);
     std::vector<NameIndex>& names = broughtIn.emplace_back();
     for (const SearchSpace::Link& link : variant.closure) {
       if (mayBeAbsent(space_, link.name)) names.push_back(link.name);
@@ -97,7 +124,7 @@ bool Dominance::mayEnterBySwitching(VersionIndex version) const {
   if (variants.size() > mostCompared) return true;
   for (std::size_t i = 1; i < variants.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
-      if (broughtIn[i] != broughtIn[j] && agreeInVersions(variants[i], variants[j])) return true;
+      if (broughtIn[i] != broughtIn[j] && agreeInVersions(*variants[i], *variants[j])) return true;
     }
   }
   return false;
@@ -140,17 +167,17 @@ void Dominance::findWaysInto(NameIndex index) {
     changed = false;
     for (VersionIndex version = name.first; version < name.end; ++version) {
       for (const IncomingHop& hop : incoming_.into(version)) {
-        changed |= waysInto(version).unite(waysInto(hop.before));
+        changed |= waysInto(version).unite(std::as_const(*this).waysInto(hop.before));
       }
       if (name.absent != SearchSpace::none && space_.versions[version].isEntry) {
-        changed |= waysInto(version).unite(waysInto(name.absent));
+        changed |= waysInto(version).unite(std::as_const(*this).waysInto(name.absent));
       }
     }
   }
 }
 
 Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) const {
-  if (isInSource_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
+  if (isStart_[version] || cannotWait_[space_.versions[version].name]) return Stay::Always;
   Stay stay = Stay::Never;
   for (const IncomingHop& hop : incoming_.into(version)) {
     if (!canWait(hop, after)) return Stay::Always;
@@ -162,6 +189,7 @@ Dominance::Stay Dominance::stayAt(VersionIndex version, SelectionView after) con
 /// Whether the version that the hop leaves can stand beside all that the version which it leads to
 /// can, as far as it still matters before `after`.
 bool Dominance::canWait(const IncomingHop& hop, SelectionView after) const {
+  if (!space_.versions[hop.before].canBeCombined) return false;
   const auto& neighbours = compatibility_.neighbours(space_.versions[hop.target].name);
   for (std::size_t i = 0; i < neighbours.size(); ++i) {
     const ConstBitRow besideTarget = compatibility_.row(hop.target, i);

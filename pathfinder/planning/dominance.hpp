@@ -22,15 +22,25 @@ class Dominance {
     Never,
   };
 
+  /// Plans may have one more version to begin from, which a first step brings in that is not to
+  /// wait; `none` for none.
   Dominance(const SearchSpace& space, const Compatibility& compatibility,
-            const IncomingHops& incoming);
+            const IncomingHops& incoming, VersionIndex start = SearchSpace::none);
+
+  /// Whether best plans that need not end with the name at a certain version end with it at
+  /// `version`: a name that has nothing to do with any other stays where it begins.
+  bool mayEndAt(VersionIndex version) const {
+    return isStart_[version] || !entersOnlyByHops_ ||
+           !compatibility_.neighbours(space_.versions[version].name).empty();
+  }
 
   /// In which steps that lead to `after` the name of that version can stay at it.
   Stay stayAt(VersionIndex version, SelectionView after) const;
 
  private:
   void findNamesThatCannotWait();
-  bool entersOnlyByHops() const;
+  void findNamesLinkedAtWill();
+  bool findEntersOnlyByHops() const;
   bool mayEnterBySwitching(VersionIndex version) const;
   bool agreeInVersions(const SearchSpace::Variant& left, const SearchSpace::Variant& right) const;
   void findWaysInto(NameIndex index);
@@ -41,7 +51,8 @@ class Dominance {
   const SearchSpace& space_;
   const Compatibility& compatibility_;
   const IncomingHops& incoming_;
-  std::vector<bool> isInSource_;  // by version
+  std::vector<bool> isStart_;  // by version
+  bool entersOnlyByHops_ = true;
   std::vector<bool> cannotWait_;  // by name: whether its hops may matter for what links bring in
 
   // For each version, as bits, the versions of its name that it may have been before, and itself.

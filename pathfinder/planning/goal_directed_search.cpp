@@ -1,21 +1,26 @@
 // Surveys, plans and, while the plan is dearer than what the survey is known to cover, surveys on.
-// Then carries the best plan out. What an application failed at counts only if a plan that makes
-// the most of it would come before the one that was found.
+// Then carries the best plan out. What an application failed at counts if a plan that makes the
+// most of it would come before the one that was found; and where there is none, if a search that
+// tries everything would have met it.
 
 #include "pathfinder/planning/goal_directed_search.hpp"
 
-#include <exception>
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "messages/trace.hpp"
-#include "pathfinder/hop_collection.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/plan_execution.hpp"
 #include "pathfinder/planning/plan_search.hpp"
 #include "pathfinder/planning/space_survey.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
+#include "pathfinder/planning/within_reach.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -23,33 +28,75 @@ using diagnostics::traceValue;
 
 namespace {
 
-using Plan = std::optional<BackwardPlan>;
+using Verdict = SearchAnswer::Verdict;
 
-Plan planIn(const SearchSpace& space, const std::vector<VersionSelection>& targets) {
-  const Compatibility compatibility(space);
-  const AllVersionBounds bounds = computeVersionBounds(space, compatibility);
-  return planBackward({space, compatibility, bounds}, targets);
+bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
+  const std::vector<std::uint64_t> weights = left.weights();
+  const std::vector<std::uint64_t> others = right.weights();
+  return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
+               {right.cost().total, WeightChains::empty, others}) < 0;
 }
+
+/// The best plans of a space, of one cost: those without an idle step, and those that begin with
+/// each of them.
+using Plans = std::vector<BackwardPlan>;
+
+void offer(Plans& plans, std::optional<BackwardPlan>&& plan) {
+  if (!plan || (!plans.empty() && comesFirst(plans.front(), *plan))) return;
+  if (!plans.empty() && comesFirst(*plan, plans.front())) plans.clear();
+  plans.push_back(*std::move(plan));
+}
+
+Plans planAllBackward(const PlanningGround& ground, const PlanningBudget& budget) {
+  Plans plans;
+  offer(plans, planBackward(ground, ground.space.targets, budget));
+  for (const IdleStep& step : idleStepsOf(ground)) {
+    const std::uint64_t most =
+        plans.empty() ? std::numeric_limits<std::uint64_t>::max() : plans.front().cost().total;
+    offer(plans, planBackward(ground, ground.space.targets, step, most, budget));
+  }
+  return plans;
+}
+
+/// A search space with all that planning needs.
+struct OpenGround {
+  explicit OpenGround(std::unique_ptr<const SearchSpace> made)
+      : space(std::move(made)),
+        compatibility(*space),
+        bounds(computeVersionBounds(*space, compatibility)) {}
+
+  PlanningGround view() const { return {*space, compatibility, bounds}; }
+
+  const std::unique_ptr<const SearchSpace> space;
+  const Compatibility compatibility;
+  const AllVersionBounds bounds;
+};
 
 class GoalDirectedSearch {
  public:
-  explicit GoalDirectedSearch(const SearchQuestion& question)
-      : question_(question), survey_(question) {}
+  GoalDirectedSearch(const SearchQuestion& question, const SecondPlanner* second)
+      : question_(question), second_(second), survey_(question) {}
 
   SearchAnswer run() {
     if (auto answer = answerWithoutSteps()) return *std::move(answer);
-    survey_.begin();
     plan();
-    if (!survey_.isFit()) return {SearchAnswer::Verdict::Unsettled};
+    if (!survey_.isFit()) return {Verdict::Unsettled};
     throwWhatTheAnswerDependsOn();
-    if (!plan_) {
-      reportLostHop();
-      traceValue("Exhausted search");
-      return {};
-    }
-    SearchAnswer answer = executePlan(question_, *space_, *plan_);
-    if (answer.verdict == SearchAnswer::Verdict::Found) traceValue("Reached target");
+    if (plans_.empty()) return answerWithoutPlan();
+    SearchAnswer answer = execute();
+    if (answer.verdict == Verdict::Unsettled) answer = executeBySecond();
+    if (answer.verdict == Verdict::NoPath) return answerWithoutPlan();
+    if (answer.verdict == Verdict::Found) traceValue("Reached target");
     return answer;
+  }
+
+  /// Whether there is a path, when some step has to be taken and whatever fails is left out.
+  Verdict reach() {
+    plan();
+    if (!survey_.isFit()) return Verdict::Unsettled;
+    if (plans_.empty()) return Verdict::NoPath;
+    const Verdict verdict = execute().verdict;
+    return verdict == Verdict::Unsettled ? executeBySecond().verdict : verdict;
   }
 
  private:
@@ -61,35 +108,109 @@ class GoalDirectedSearch {
       if (target == nullptr) continue;
       question_.traceTrying(source);
       traceValue("Reached target");
-      return SearchAnswer{SearchAnswer::Verdict::Found, {}, &source, target};
+      return SearchAnswer{Verdict::Found, {}, &source, target};
     }
     return std::nullopt;
   }
 
   void plan() {
+    survey_.begin();
     do {
       if (!survey_.isFit()) return;
-      space_ = survey_.makeSpace();
-      plan_ = planIn(*space_, space_->targets);
-    } while (plan_ ? survey_.extendToCover(plan_->cost().total) : survey_.extend());
+      ground_.emplace(survey_.makeSpace());
+      plans_ = planIn(*ground_);
+    } while (plans_.empty() ? survey_.extend()
+                            : survey_.extendToCover(plans_.front().cost().total));
   }
 
-  /// Throws what was met in a version with which there might be a plan, or a better one, if it had
-  /// not failed. Versions that conflict can do no better, but may be why there is no plan.
+  /// Plans backward as far as the budget goes, and then by the second planner.
+  Plans planIn(const OpenGround& ground) const {
+    const PlanningGround view = ground.view();
+    const bool isComplete = survey_.isOver();
+    try {
+      return planAllBackward(view, second_ == nullptr
+                                       ? PlanningBudget{.isSpaceComplete = isComplete}
+                                       : budgetFor(*ground.space, isComplete));
+    } catch (const PlanningBudget::Spent&) {
+      SecondPlanner::Answer answer = second_->plan(view);
+      if (!answer.isPlanned) return planAllBackward(view, {.isSpaceComplete = isComplete});
+      Plans plans;
+      offer(plans, std::move(answer.plan));
+      return plans;
+    }
+  }
+
+  /// About the nodes that are looked at in the time in which the second planner begins.
+  static PlanningBudget budgetFor(const SearchSpace& space, bool isComplete) {
+    return {5000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
+  }
+
+  /// The first path in the order of sources and steps that some plan leads to.
+  SearchAnswer execute() const {
+    SearchAnswer first{Verdict::Unsettled};
+    for (const BackwardPlan& plan : plans_) {
+      SearchAnswer answer = executePlan(question_, *ground_->space, plan);
+      if (answer.verdict != Verdict::Found) continue;
+      if (first.verdict != Verdict::Found || beginsBefore(answer, first)) first = std::move(answer);
+    }
+    return first;
+  }
+
+  /// When no plan can be carried out: some versions are in conflict of which every two are not.
+  SearchAnswer executeBySecond() {
+    if (second_ == nullptr) return {Verdict::Unsettled};
+    while (survey_.extend()) continue;
+    if (!survey_.isFit()) return {Verdict::Unsettled};
+    ground_.emplace(survey_.makeSpace());
+    return second_->search(question_, ground_->view()).value_or(SearchAnswer{Verdict::Unsettled});
+  }
+
+  bool beginsBefore(const SearchAnswer& left, const SearchAnswer& right) const {
+    const std::size_t source = placeOf(*left.source);
+    if (left.source != right.source) return source < placeOf(*right.source);
+    const VersionSelection& selection = ground_->space->sources[source].selection;
+    for (auto name = static_cast<NameIndex>(selection.size()); name-- > 0;) {
+      const std::size_t place = placeOfHop(name, selection[name], left.steps.front());
+      const std::size_t other = placeOfHop(name, selection[name], right.steps.front());
+      if (place != other) return place < other;
+    }
+    return false;
+  }
+
+  std::size_t placeOf(const VersionBaseline& source) const {
+    std::size_t place = 0;
+    while (&question_.sources[place] != &source) ++place;
+    return place;
+  }
+
+  /// The place, counted from one, of the hop that a name takes among those of its version; 0 for
+  /// none.
+  std::size_t placeOfHop(NameIndex name, VersionIndex version, const BaselineHop& step) const {
+    const auto taken = step.hops.find(ground_->space->names[name].text);
+    if (taken == step.hops.end()) return 0;
+    const auto& hops = ground_->space->versions[version].hops;
+    return static_cast<std::size_t>(std::find(hops.begin(), hops.end(), taken->second) -
+                                    hops.begin()) +
+           1;
+  }
+
+  SearchAnswer answerWithoutPlan() {
+    const auto reach = [this](const SearchQuestion& question) {
+      return GoalDirectedSearch(question, second_).reach();
+    };
+    if (!throwWhatIsWithinReach(question_, survey_, reach)) return {Verdict::Unsettled};
+    traceValue("Exhausted search");
+    return {};
+  }
+
+  /// Throws what the application failed at in a version with which there might be a plan, or a
+  /// better one, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
-    const Failed failed = plan_ ? Failed::UnknownAssumedBest : Failed::AllAssumedBest;
-    if (!survey_.anyFailed(failed)) return;
-    const auto space = survey_.makeSpace(failed);
-    const Plan best = planIn(*space, space->targets);
-    if (!best || (plan_ && !comesFirst(*best, *plan_))) return;
-    survey_.throwFailureOf(versionsOf(*best));
-  }
-
-  static bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
-    const std::vector<std::uint64_t> weights = left.weights();
-    const std::vector<std::uint64_t> others = right.weights();
-    return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
-                 {right.cost().total, WeightChains::empty, others}) < 0;
+    if (!survey_.anyFailed(Failed::AssumedBest)) return;
+    const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
+    const Plans best = planIn(ground);
+    if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;
+    survey_.throwFailureOf(versionsOf(best.front()));
   }
 
   /// The versions that best plans hold.
@@ -102,49 +223,20 @@ class GoalDirectedSearch {
     return versions;
   }
 
-  /// Where there is no path, everything within reach has been tried: also what offers a hop to a
-  /// version that is not there.
-  void reportLostHop() const {
-    if (!survey_.anyLosesHop()) return;
-    const std::vector<VersionBaseline> anything(1);
-    const SearchQuestion open{question_.repository, question_.sources, anything,
-                              question_.direction};
-    SpaceSurvey survey(open, SpaceSurvey::Scope::Everything);
-    survey.begin();
-    while (survey.isFit() && survey.extend()) {
-    }
-    if (!survey.isFit()) return;
-    const auto space = survey.makeSpace();
-    for (VersionIndex version = 0; version < space->versions.size(); ++version) {
-      if (space->versions[version].losesHop && isWithinReach(*space, version)) {
-        reportHopsOf(*space, version);
-      }
-    }
-  }
-
-  static bool isWithinReach(const SearchSpace& space, VersionIndex version) {
-    VersionSelection target(space.names.size(), SearchSpace::none);
-    target[space.versions[version].name] = version;
-    return planIn(space, {target}).has_value();
-  }
-
-  void reportHopsOf(const SearchSpace& space, VersionIndex version) const {
-    const SearchSpace::Version& losing = space.versions[version];
-    HopChoices choices;
-    collectHops(question_.repository, question_.direction, space.names[losing.name].text,
-                *losing.linked->front(), choices);
-  }
-
   const SearchQuestion& question_;
+  const SecondPlanner* const second_;
   SpaceSurvey survey_;
-  std::unique_ptr<const SearchSpace> space_;
-  Plan plan_;
+  std::optional<OpenGround> ground_;
+  Plans plans_;
 };
 
 }  // namespace
 
-SearchAnswer searchGoalDirected(const SearchQuestion& question) {
-  return GoalDirectedSearch(question).run();
+SearchAnswer searchGoalDirected(const SearchQuestion& question, const SecondPlanner* second) {
+  if (SearchWatch* watch = SearchWatch::current()) {
+    watch->enter(SearchProgress::Stage::GoalDirected);
+  }
+  return GoalDirectedSearch(question, second).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

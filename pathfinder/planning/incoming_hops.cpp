@@ -1,8 +1,11 @@
+// The moves of the space turned round, as a table in compressed rows: sorted by where they lead to,
+// with the start of each version's row. Equal moves are one.
+
 #include "pathfinder/planning/incoming_hops.hpp"
 
 #include <algorithm>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

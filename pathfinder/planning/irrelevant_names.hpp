@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 

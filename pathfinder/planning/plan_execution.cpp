@@ -11,13 +11,15 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <unordered_set>
 #include <utility>
 
-#include "pathfinder/baseline_combination.hpp"
-#include "pathfinder/hop_collection.hpp"
+#include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/planning/variant_filter.hpp"
-#include "pathfinder/step_generation.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/hop_collection.hpp"
+#include "pathfinder/search/step_generation.hpp"
+#include "pathfinder/search/step_weight.hpp"
+#include "pathfinder/search/target_baseline.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -70,6 +72,7 @@ class PlanExecution {
   /// Goes by the best plans from a source as far as they lead; true when that is to a target.
   bool walkFrom(std::size_t source) {
     if (enterSource(source)) return true;
+    if (!trail_.empty()) collectHopsOfIrrelevantNames(source);
     while (!trail_.empty()) {
       Visit& visit = trail_.back();
       const std::uint32_t stepsLeft = steps_ + 1 - static_cast<std::uint32_t>(trail_.size());
@@ -88,10 +91,13 @@ class PlanExecution {
     const auto& [selection, isRegular] = space_.sources[source];
     const VersionBaseline& baseline = question_.sources[source];
     if (selection.empty()) return false;
-    if (isRegular) return enter(baseline, selections_.find(selection), steps_);
+    if (isRegular) {
+      const SelectionIndex planned = selections_.find(selection);
+      return planned != SearchSpace::none && enter(baseline, planned, steps_);
+    }
     if (!plan_.isBestFromIrregular(source)) return false;
     question_.traceTrying(baseline);
-    reportLostHops(baseline, selection);
+    collectHopsOf(baseline, selection);
     trail_.push_back({&baseline, selections_.find(selection),
                       combinationsFrom(plan_.stepsFromIrregular(source), selection), true});
     return false;
@@ -107,7 +113,7 @@ class PlanExecution {
     }
     if (!isBestWithStepsLeft(selection, stepsLeft) || hasFailed(baseline, stepsLeft)) return false;
     question_.traceTrying(baseline);
-    reportLostHops(baseline, selections_[selection]);
+    collectHopsOf(baseline, selections_[selection]);
     trail_.push_back({&baseline, selection,
                       combinationsFrom(plan_.stepsFrom(selection), selections_[selection])});
     return false;
@@ -163,15 +169,42 @@ class PlanExecution {
                                                 baseline) != failed->second.end();
   }
 
-  /// A hop whose target was missing is reported as soon as a baseline that offers it is processed.
-  void reportLostHops(const VersionBaseline& baseline, SelectionView selection) const {
-    for (const VersionIndex index : selection) {
-      if (!space_.versions[index].losesHop) continue;
-      const std::u16string& name = space_.names[space_.versions[index].name].text;
-      HopChoices choices;
-      collectHops(question_.repository, question_.direction, name, *baseline.metamodels.at(name),
-                  choices);
+  /// What fails when a baseline's hops are collected is reported as soon as it is processed.
+  void collectHopsOf(const VersionBaseline& baseline, SelectionView selection) {
+    for (const VersionIndex version : selection) {
+      if (space_.isAbsent(version) || space_.versions[version].areHopsCollected) continue;
+      if (!hopsCollected_.insert(version).second) continue;
+      const std::u16string& name = space_.names[space_.versions[version].name].text;
+      collectHopsOf(name, *baseline.metamodels.at(name));
     }
+  }
+
+  /// They hold the same in all sources and on all ways.
+  void collectHopsOfIrrelevantNames(std::size_t source) {
+    if (std::exchange(areIrrelevantCollected_, true)) return;
+    const VersionSelection& selection = space_.sources[source].selection;
+    const auto relevant =
+        std::count_if(selection.begin(), selection.end(),
+                      [this](VersionIndex held) { return !space_.isAbsent(held); });
+    const auto& metamodels = question_.sources[source].metamodels;
+    if (static_cast<std::size_t>(relevant) == metamodels.size()) return;
+    for (const auto& [name, linked] : metamodels) {
+      if (!isInSpace(name)) collectHopsOf(name, *linked);
+    }
+  }
+
+  bool isInSpace(const std::u16string& name) const {
+    const auto found =
+        std::lower_bound(space_.names.begin(), space_.names.end(), name,
+                         [](const SearchSpace::Name& one, const std::u16string& wanted) {
+                           return one.text < wanted;
+                         });
+    return found != space_.names.end() && found->text == name;
+  }
+
+  void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) {
+    choices_.byName.clear();
+    collectHops(question_.host, question_.direction, name, linked, choices_);
   }
 
   /// The combinations that planned steps stand for, the last one first.
@@ -234,7 +267,9 @@ class PlanExecution {
       visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
     }
     traceAttempt(visit.hops);
-    visit.candidates = combine(visit, selections_[visit.after.front()], digits);
+    visit.candidates = space_.anyLinksOwnName
+                           ? findTargetBaselines(question_.host, *visit.baseline, visit.hops)
+                           : combine(visit, selections_[visit.after.front()], digits);
     visit.seen = 0;
     traceCandidates(visit.candidates);
   }
@@ -314,6 +349,9 @@ class PlanExecution {
   SearchAnswer answer_;
   std::deque<Visit> trail_;                                       // from the source on
   std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
+  std::unordered_set<VersionIndex> hopsCollected_;                // of versions on the way
+  bool areIrrelevantCollected_ = false;
+  HopChoices choices_;  // kept for its memory
 };
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/search_space.hpp"
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 

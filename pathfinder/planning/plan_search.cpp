@@ -14,31 +14,41 @@
 
 #include <algorithm>
 #include <deque>
+#include <limits>
 #include <new>
 #include <type_traits>
 #include <utility>
 
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/dominance.hpp"
 #include "pathfinder/planning/incoming_hops.hpp"
 #include "pathfinder/planning/word_pool.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 class PlanSearch {
  public:
-  explicit PlanSearch(const PlanningGround& ground)
+  PlanSearch(const PlanningGround& ground, const std::optional<IdleStep>& first, std::uint64_t most,
+             const PlanningBudget& budget)
       : ground_(ground),
+        first_(first),
+        most_(most),
+        nodesLeft_(budget.nodes),
+        provesTotals_(budget.isSpaceComplete && !first),
         incoming_(ground.space, ground.bounds),
-        dominance_(ground.space, ground.compatibility, incoming_),
+        dominance_(ground.space, ground.compatibility, incoming_,
+                   first ? first->target : SearchSpace::none),
         plan_(ground.space.names.size(), ground.space.sources.size()) {
     const auto& sources = ground.space.sources;
     for (const SearchSpace::Source& source : sources) {
-      if (source.isRegular && !source.selection.empty()) plan_.selections_.intern(source.selection);
+      if (first_ || !source.isRegular || source.selection.empty()) continue;
+      plan_.selections_.intern(source.selection);
     }
     plan_.regularSources_ = plan_.selections_.size();
     for (std::size_t i = 0; i < sources.size(); ++i) {
       if (sources[i].isRegular || sources[i].selection.empty()) continue;
+      if (first_ && first_->source != i) continue;
       plan_.selections_.intern(sources[i].selection);
       irregularSources_.push_back(i);
     }
@@ -50,7 +60,9 @@ class PlanSearch {
       std::pop_heap(waiting_.begin(), waiting_.end(), IsAfter{plan_.chains_});
       Node* node = waiting_.back();
       waiting_.pop_back();
+      if (node->bound.total > most_) break;
       if (best_ && comesFirst(plan_.chains_, boundOf(*best_), node->bound)) break;
+      watchOver(*node);
       pursue(node);
     }
     if (!best_) return std::nullopt;
@@ -89,6 +101,16 @@ class PlanSearch {
     }
   };
 
+  void watchOver(const Node& node) {
+    if (nodesLeft_-- == 0) throw PlanningBudget::Spent();
+    SearchWatch* watch = SearchWatch::current();
+    if (watch == nullptr) return;
+    watch->noteMemory(nodes_.bytes() + plan_.bytes());
+    if (provesTotals_) watch->noteProven(node.bound.total);
+    if (best_) watch->noteFound(best_->total);
+    watch->check();
+  }
+
   void beginAt(const VersionSelection& target) {
     Stage& stage = newStage(SearchSpace::none, {}, StepProblem::Kind::LastSelection);
     for (NameIndex name = 0; name < target.size(); ++name) {
@@ -97,7 +119,8 @@ class PlanSearch {
       const VersionIndex first = isFree ? range.first : target[name];
       const VersionIndex end = isFree ? range.end : target[name] + 1;
       for (VersionIndex version = first; version < end; ++version) {
-        stage.problem.addOption({version});
+        if (!ground_.space.versions[version].canBeCombined) continue;
+        if (!isFree || dominance_.mayEndAt(version)) stage.problem.addOption({version});
       }
       stage.problem.endName();
     }
@@ -122,6 +145,7 @@ class PlanSearch {
   /// Adds what a name that holds a version after the step can do in it.
   void addOptions(StepProblem& problem, VersionIndex version, SelectionView after, bool mayRest) {
     for (const IncomingHop& hop : incoming_.into(version)) {
+      if (!ground_.space.versions[hop.before].canBeCombined) continue;  // only a first step
       problem.addOption({hop.before, hop.weight});
     }
     const Dominance::Stay stay = dominance_.stayAt(version, after);
@@ -237,6 +261,7 @@ class PlanSearch {
                                                        : PlannedHop::Expensive);
       hopWeights += option.hop;
     }
+    if (!isClosed(before_)) return;
     PlanCost cost = stage.cost;
     if (stage.after != SearchSpace::none) {
       if (!isBroughtIn(before_, plan_.selections_[stage.after])) return;
@@ -276,6 +301,7 @@ class PlanSearch {
       if (hops_[name] == PlannedHop::None) return;
       hopWeights += hopWeight(hops_[name] == PlannedHop::Expensive);
     }
+    if (first_ && !isFirstStep(to)) return;
     if (!isBroughtIn(from, to)) return;
     if (hopWeights > 0) {
       addIrregular(source, after, cost, hopWeights);
@@ -289,6 +315,13 @@ class PlanSearch {
       addIrregular(source, after, cost, hopWeight(hops_[name] == PlannedHop::Expensive));
       hops_[name] = PlannedHop::None;
     }
+  }
+
+  /// Whether the hops planned are those of the step that has to be the first.
+  bool isFirstStep(SelectionView after) const {
+    if (after[first_->name] != first_->target || hops_[first_->name] != first_->hop) return false;
+    return std::count(hops_.begin(), hops_.end(), PlannedHop::None) ==
+           static_cast<std::ptrdiff_t>(hops_.size()) - 1;
   }
 
   bool mayEnter(VersionIndex before, VersionIndex after) const {
@@ -336,6 +369,38 @@ class PlanSearch {
     return entering_.empty();
   }
 
+  /// Whether each version has a linked metamodel all links of which are to what the selection
+  /// holds. That any two versions can stand together need not mean that for linked metamodels which
+  /// link several names.
+  bool isClosed(SelectionView selection) const {
+    const SearchSpace& space = ground_.space;
+    return std::all_of(entangled_.begin(), entangled_.end(), [&](NameIndex name) {
+      const auto variants = space.variantsOf(selection[name]);
+      return variants.size() <= 1 ||
+             std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
+               return variant.canBeCombined && matches(variant.closure, selection);
+             });
+    });
+  }
+
+  /// The names of which a version has several linked metamodels that link several names, or cannot
+  /// all be held.
+  std::vector<NameIndex> findEntangled() const {
+    const SearchSpace& space = ground_.space;
+    std::vector<NameIndex> result;
+    for (VersionIndex version = 0; version < space.versions.size(); ++version) {
+      const NameIndex name = space.versions[version].name;
+      const auto variants = space.variantsOf(version);
+      if (variants.size() <= 1 || (!result.empty() && result.back() == name)) continue;
+      const bool isEntangled =
+          std::any_of(variants.begin(), variants.end(), [](const SearchSpace::Variant& variant) {
+            return variant.closure.size() > 2 || !variant.canBeCombined;
+          });
+      if (isEntangled) result.push_back(name);
+    }
+    return result;
+  }
+
   bool matches(std::span<const SearchSpace::Link> closure, SelectionView selection) const {
     return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
       return ground_.space.variants[link.variant].version == selection[link.name];
@@ -343,8 +408,13 @@ class PlanSearch {
   }
 
   const PlanningGround& ground_;
+  const std::optional<IdleStep> first_;  // if it has to be the first
+  const std::uint64_t most_;             // that a plan may cost
+  std::uint64_t nodesLeft_;              // to look at
+  const bool provesTotals_;
   const IncomingHops incoming_;
   const Dominance dominance_;
+  const std::vector<NameIndex> entangled_ = findEntangled();
   BackwardPlan plan_;
   std::vector<std::size_t> irregularSources_;
   std::optional<PlanCost> best_;
@@ -363,9 +433,67 @@ class PlanSearch {
   std::vector<NameIndex> entering_;
 };
 
+namespace {
+
+/// Whether what a source holds can stand together as it is, with nothing to be brought in.
+bool canStandTogether(const PlanningGround& ground, const VersionSelection& selection) {
+  for (const VersionIndex version : selection) {
+    const auto& neighbours = ground.compatibility.neighbours(ground.space.versions[version].name);
+    for (std::size_t i = 0; i < neighbours.size(); ++i) {
+      const VersionIndex other = selection[neighbours[i]];
+      if (!ground.compatibility.row(version, i).contains(ground.space.rankOf(other))) return false;
+    }
+  }
+  return true;
+}
+
+bool admits(const VersionSelection& target, const VersionSelection& selection) {
+  return std::equal(target.begin(), target.end(), selection.begin(),
+                    [](VersionIndex wanted, VersionIndex held) {
+                      return wanted == held || wanted == SearchSpace::none;
+                    });
+}
+
+/// Whether the step after an idle one, which there would have to be, does as well for the first.
+bool needsNoIdleStep(const PlanningGround& ground, const VersionSelection& source) {
+  const auto& targets = ground.space.targets;
+  return canStandTogether(ground, source) &&
+         std::none_of(targets.begin(), targets.end(),
+                      [&](const VersionSelection& target) { return admits(target, source); });
+}
+
+}  // namespace
+
+std::vector<IdleStep> idleStepsOf(const PlanningGround& ground) {
+  const SearchSpace& space = ground.space;
+  std::vector<IdleStep> result;
+  for (std::size_t i = 0; i < space.sources.size(); ++i) {
+    const VersionSelection& source = space.sources[i].selection;
+    if (space.sources[i].isRegular || source.empty() || needsNoIdleStep(ground, source)) continue;
+    for (NameIndex name = 0; name < source.size(); ++name) {
+      for (const SearchSpace::Move& move : space.versions[source[name]].moves) {
+        if (move.target == source[name]) continue;  // planned with the others
+        const PlannedHop hop = move.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary;
+        const IdleStep step{i, name, move.target, hop};
+        if (std::find(result.begin(), result.end(), step) == result.end()) result.push_back(step);
+      }
+    }
+  }
+  return result;
+}
+
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& targets) {
-  return PlanSearch(ground).run(targets);
+                                         const std::vector<VersionSelection>& targets,
+                                         const PlanningBudget& budget) {
+  constexpr auto any = std::numeric_limits<std::uint64_t>::max();
+  return PlanSearch(ground, std::nullopt, any, budget).run(targets);
+}
+
+std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
+                                         const std::vector<VersionSelection>& targets,
+                                         const IdleStep& first, std::uint64_t most,
+                                         const PlanningBudget& budget) {
+  return PlanSearch(ground, first, most, budget).run(targets);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -8,9 +11,42 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// The best plans from any source of the space to any of the targets; no value when there is no
-/// plan, and so no path.
+/// A first step from a source that is not regular, of one hop that could as well wait: what the
+/// step is for is to link everything anew.
+struct IdleStep {
+  std::size_t source;
+  NameIndex name;
+  VersionIndex target;
+  PlannedHop hop;
+
+  bool operator==(const IdleStep&) const = default;
+};
+
+/// All of them.
+std::vector<IdleStep> idleStepsOf(const PlanningGround& ground);
+
+/// How far planning may go.
+struct PlanningBudget {
+  /// Thrown when that is not far enough.
+  struct Spent {};
+
+  /// How many nodes may be looked at, which bounds the memory as well.
+  std::uint64_t nodes = std::numeric_limits<std::uint64_t>::max();
+
+  /// Whether the space holds every plan, so that what is proven in it may be told.
+  bool isSpaceComplete = false;
+};
+
+/// The best plans from any source of the space to any of the targets, but for those that begin with
+/// an idle step; no value when there is no plan.
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& targets);
+                                         const std::vector<VersionSelection>& targets,
+                                         const PlanningBudget& budget = {});
+
+/// The best plans that begin with an idle step and have a total of no more than `most`.
+std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
+                                         const std::vector<VersionSelection>& targets,
+                                         const IdleStep& first, std::uint64_t most,
+                                         const PlanningBudget& budget = {});
 
 }  // namespace tarn::evolution::pathfinder

@@ -48,8 +48,16 @@ struct SearchSpace {
     VariantIndex variantCount = 0;
     std::span<const Hop> hops;    ///< those that do not go against the direction, in order
     std::span<const Move> moves;  ///< those of the hops that lead to a version of the space
-    bool losesHop = false;  ///< whether a hop's target was missing when its direction was asked
-    bool isEntry = false;   ///< whether a link can bring this version in
+    bool isEntry = false;         ///< whether a link can bring this version in
+
+    bool canBeCombined = true;  ///< whether one of its linked metamodels can be
+
+    /// Whether it has several linked metamodels, of which one links what no dependency asks for.
+    /// Then any two of the versions that they link may go together, but not all of them.
+    bool linksAtWill = false;
+
+    /// Whether its hops have been collected without anything that failed.
+    bool areHopsCollected = false;
 
     /// Whether it stands for whatever versions unknown hops may lead to: it can stand beside
     /// anything.
@@ -65,6 +73,11 @@ struct SearchSpace {
   struct Variant {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
+
+    /// False when no step leads to a baseline that holds it: when it links what is not in the
+    /// space, or another version of its own name and there is no name before, beside which that
+    /// stands.
+    bool canBeCombined = true;
   };
 
   struct Name {
@@ -126,6 +139,12 @@ struct SearchSpace {
   std::vector<VersionSelection> targets;
 
   std::vector<Variant> variants;
+
+  /// Whether one of them links another version of its own name. Such a link is not in the closure:
+  /// the version that it leads to stands back.
+  bool anyLinksOwnName = false;
+
+  bool anyLinksAtWill = false;  ///< whether a version does
 
   /// What the containers of many small parts below are made in.
   std::pmr::monotonic_buffer_resource memory{32768};

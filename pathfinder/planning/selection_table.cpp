@@ -1,3 +1,6 @@
+// Interned rows: equal selections have one number. A hash table with open addressing holds numbers;
+// the rows stand one after the other.
+
 #include "pathfinder/planning/selection_table.hpp"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Names and versions get consecutive numbers, names ascending, so that sets of versions are rows of
+// bits and tables are arrays. Each list that versions or variants point into is reserved for its
+// greatest size before it is filled.
+
 #include "pathfinder/planning/space_building.hpp"
 
 #include <algorithm>
@@ -6,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "pathfinder/covering_link.hpp"
+#include "pathfinder/linking/covering_link.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -35,6 +39,7 @@ class SpaceBuilding {
     for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    if (!ordered.empty()) markWhatCannotBeCombined(*ordered.front());
     addEntries();
     markCertainNames(ordered);
     addSources();
@@ -79,16 +84,37 @@ class SpaceBuilding {
     version.linked = surveyed.linked;
     version.firstVariant = static_cast<VariantIndex>(space_->variants.size());
     version.hops = surveyed.hops;
-    version.losesHop = surveyed.losesHop;
     version.isEntry = surveyed.isEntry;
+    version.areHopsCollected = surveyed.isAsked && !surveyed.losesHop && !surveyed.hasUnknownHops;
     if (surveyed.linked == nullptr) {
       space_->variants.emplace_back().version = surveyed.index;  // as if it linked nothing
       ++linkCount_;
     } else {
       for (const auto& linked : *surveyed.linked) addVariant(name, *linked, surveyed.index);
+      version.linksAtWill =
+          surveyed.linked->size() > 1 &&
+          std::any_of(surveyed.linked->begin(), surveyed.linked->end(),
+                      [](const auto& linked) { return linksMoreThanNeeded(*linked); });
+      space_->anyLinksAtWill |= version.linksAtWill;
     }
     version.variantCount =
         static_cast<VariantIndex>(space_->variants.size()) - version.firstVariant;
+  }
+
+  /// Whether the application has linked what no dependency asks for.
+  static bool linksMoreThanNeeded(const LinkedMetamodel& linked) {
+    if (linked.linkedMetamodels.empty() || coveringLink(linked) != nullptr) return false;
+    const auto isNeeded = [&](const std::u16string& name) {
+      return std::any_of(linked.dependencies.begin(), linked.dependencies.end(),
+                         [&](const Dependency& dependency) {
+                           if (dependency.name == name) return true;
+                           const auto link = linked.linkedMetamodels.find(dependency.name);
+                           return link != linked.linkedMetamodels.end() &&
+                                  link->second->linkedMetamodels.contains(name);
+                         });
+    };
+    return !std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(),
+                        [&](const auto& link) { return isNeeded(link.first); });
   }
 
   VariantIndex addVariant(const SurveyedName& name, const LinkedMetamodel& linked,
@@ -198,8 +224,11 @@ class SpaceBuilding {
           covering == nullptr ? space_->variantOf.end() : space_->variantOf.find(covering);
       if (known != space_->variantOf.end() && !space_->variants[known->second].closure.empty()) {
         addClosure(variant, space_->variants[known->second].closure);
+        space_->variants[variant].canBeCombined = space_->variants[known->second].canBeCombined;
       } else {
-        addClosure(variant, linksOf(*linked));
+        const std::vector<SearchSpace::Link> links = linksOf(*linked);
+        addClosure(variant, links);
+        space_->variants[variant].canBeCombined = areInSpace(links);
       }
     }
   }
@@ -218,9 +247,21 @@ class SpaceBuilding {
   std::vector<SearchSpace::Link> linksOf(const LinkedMetamodel& linked) {
     std::vector<SearchSpace::Link> links;
     links.reserve(linked.linkedMetamodels.size());
-    for (const auto& [text, link] : linked.linkedMetamodels) links.push_back(linkTo(*link));
+    for (const auto& [text, link] : linked.linkedMetamodels) {
+      if (text != linked.name) {
+        links.push_back(linkTo(*link));
+      } else {
+        space_->anyLinksOwnName = true;
+      }
+    }
     std::sort(links.begin(), links.end(), isBefore);
     return links;
+  }
+
+  bool areInSpace(const std::vector<SearchSpace::Link>& links) const {
+    return std::all_of(links.begin(), links.end(), [this](const SearchSpace::Link& link) {
+      return space_->variants[link.variant].version != SearchSpace::none;
+    });
   }
 
   static bool isBefore(const SearchSpace::Link& left, const SearchSpace::Link& right) {
@@ -250,6 +291,7 @@ class SpaceBuilding {
       const std::size_t first = space_->entries.size();
       space_->entryStarts.push_back(first);
       for (const SearchSpace::Variant& variant : space_->variantsOf(version)) {
+        if (!variant.canBeCombined) continue;
         for (const SearchSpace::Link& link : variant.closure) {
           if (!isEntry(link)) continue;
           const VersionIndex entry = space_->variants[link.variant].version;
@@ -261,6 +303,30 @@ class SpaceBuilding {
       space_->entries.erase(std::unique(added, space_->entries.end()), space_->entries.end());
     }
     space_->entryStarts.push_back(space_->entries.size());
+  }
+
+  void markWhatCannotBeCombined(const SurveyedName& first) {
+    if (space_->anyLinksOwnName) markWhatLinksOwnName(first);
+    for (SearchSpace::Version& version : space_->versions) {
+      if (version.descriptor == nullptr) continue;
+      const auto variants = std::span(space_->variants).subspan(version.firstVariant);
+      version.canBeCombined =
+          std::any_of(variants.begin(), variants.begin() + version.variantCount,
+                      [](const SearchSpace::Variant& variant) { return variant.canBeCombined; });
+    }
+  }
+
+  /// What links another version of its own name stands only beside names before it.
+  void markWhatLinksOwnName(const SurveyedName& first) {
+    if (*met_.firstName < *first.text) return;
+    for (const SurveyedVersion* version : first.versions) {
+      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
+      VariantIndex variant = space_->versions[version->index].firstVariant;
+      for (const auto& linked : *version->linked) {
+        space_->variants[variant++].canBeCombined &=
+            !linked->linkedMetamodels.contains(*first.text);
+      }
+    }
   }
 
   void markCertainNames(const std::vector<SurveyedName*>& met) {

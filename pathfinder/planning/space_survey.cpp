@@ -2,10 +2,12 @@
 // that are repeated until nothing changes: ask for hops; mark, backwards, what leads to a target;
 // link what a path may hold, and enter what its links may bring in.
 //
-// Names that a target leaves free have a radius, beyond which they are not explored. It starts with
-// the least distance at which a version of the name can stand beside each target. A plan that uses
-// a version further away by d costs at least d more than the least that the targets need together;
-// so when a plan is found, its total tells how large a radius proves that there is no better one.
+// Names that a target leaves free have a radius, beyond which they are not explored; so have, of
+// the others, versions from which the direction asked for leads away from what the targets hold. It
+// starts with the least distance at which a version of the name can stand beside each target. A
+// plan that uses a version further away by d costs at least d more than the least that the targets
+// need together; so when a plan is found, its total tells how large a radius proves that there is
+// no better one.
 //
 // Whatever the application throws of a version is noted with the version, which is left out.
 
@@ -16,9 +18,11 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
-#include "pathfinder/covering_link.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/linking/covering_link.hpp"
 #include "pathfinder/planning/space_building.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -46,20 +50,28 @@ bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked
                      [&](const auto& link) { return holds(*link.second); });
 }
 
+/// Whether one linked metamodel links another that links another version of the first one's name.
+/// That version stands back.
+bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel& linked) {
+  const auto& links = linking.linkedMetamodels;
+  const auto link = links.find(linked.name);
+  return link != links.end() && link->second.get() == &linked && links.contains(linking.name);
+}
+
 }  // namespace
 
-SpaceSurvey::SpaceSurvey(const SearchQuestion& question, Scope scope)
+SpaceSurvey::SpaceSurvey(const SearchQuestion& question)
     : question_(question),
       state_(question.sources.size(), question.targets.size()),
       irrelevant_(question, &state_.memory) {
-  if (scope == Scope::Relevant) irrelevant_.find();
+  irrelevant_.find();
 }
 
 void SpaceSurvey::begin() {
   enterTargets();
   noteKnownAnswers();
   enterSources();
-  if (!isUnfit_ && mayNeedToBringIn()) takeAllUp();
+  if (!isUnfit_ && (mayNeedToBringIn() || mayLinkAnew())) takeAllUp();
   survey();
   goAsFarAsTargetsNeed();
 }
@@ -99,7 +111,7 @@ void SpaceSurvey::enterTargets() {
     for (const auto& [name, linked] : metamodels) {
       if (linked == nullptr) {
         state_.targets[i].absent.push_back(&state_.nameOf(name));
-      } else if (!irrelevant_.contain(*linked)) {
+      } else if (linked->name != name || !irrelevant_.contain(*linked)) {
         enterTarget(i, name, *linked);
       }
     }
@@ -119,8 +131,9 @@ void SpaceSurvey::enterTarget(std::size_t target, const std::u16string& key,
 void SpaceSurvey::closeTarget(std::size_t target, const LinkedMetamodel& linked) {
   SurveyedTarget& surveyed = state_.targets[target];
   for (const auto& [key, link] : linked.linkedMetamodels) {
+    if (key == linked.name) continue;
     const LinkedMetamodel* held = heldBy(target, key);
-    if (held == link.get()) continue;
+    if (held == link.get() || (held != nullptr && bringsInAgainstItself(*held, linked))) continue;
     const bool isMentioned = held != nullptr || question_.targets[target].metamodels.contains(key);
     surveyed.isPossible &= !isMentioned;
     if (isMentioned) continue;
@@ -158,6 +171,7 @@ void SpaceSurvey::enterSources() {
     for (const auto& [name, linked] : metamodels) {
       isUnfit_ |= linked == nullptr || linked->name != name;
       if (isUnfit_) return;
+      if (state_.firstName == nullptr || name < *state_.firstName) state_.firstName = &name;
       if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
     }
   }
@@ -173,7 +187,7 @@ void SpaceSurvey::enterSource(std::size_t source, const std::u16string& key,
   reach(version, 0);
   if (!std::exchange(version.isLinkTried, true)) {
     // Every step from here tries to hold it, but for those that move it.
-    version.linked = &question_.repository.getLinkedMetamodels(linked);
+    version.linked = &question_.host.getLinkedMetamodels(linked);
   }
   surveyed.isRegular &= isOwn(version, linked) && holdsLinksOf(question_.sources[source], linked);
 }
@@ -193,6 +207,12 @@ bool SpaceSurvey::mayNeedToBringIn() const {
             target.entries.begin(), target.entries.end(),
             [this](const SurveyedEntry& entry) { return !state_.isHeldFromStart(*entry.name); });
       });
+}
+
+/// Whether some first step links everything anew, whatever it moves.
+bool SpaceSurvey::mayLinkAnew() const {
+  return std::any_of(state_.sources.begin(), state_.sources.end(),
+                     [](const SurveyedSource& source) { return !source.isRegular; });
 }
 
 /// Takes a name up that is relevant after all.
@@ -227,16 +247,20 @@ void SpaceSurvey::survey() {
 
 /// Runs an action that asks the application of a version; false when it failed, which is noted.
 template <class Action>
-bool SpaceSurvey::attempt(SurveyedVersion& version, const Action& action) {
+bool SpaceSurvey::attempt(SurveyedVersion& version, SurveyAttempt what, const Action& action) {
   try {
     action();
     return true;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const SearchStopped&) {
+    throw;
+  } catch (const LinkingBudget::Spent&) {
+    throw;
   } catch (const Conflict&) {
-    state_.failures.push_back({&version, std::current_exception(), true});
+    state_.failures.push_back({&version, what, std::current_exception(), true});
   } catch (...) {
-    state_.failures.push_back({&version, std::current_exception(), false});
+    state_.failures.push_back({&version, what, std::current_exception(), false});
   }
   return false;
 }
@@ -266,7 +290,7 @@ void SpaceSurvey::explore(SurveyedName& name) {
 
 void SpaceSurvey::explore(SurveyedVersion& version) {
   SurveyedName& name = *version.name;
-  const std::uint64_t radius = state_.isMentionedByEveryTarget(name) ? unreached : name.radius;
+  const std::uint64_t radius = leadsToTargets(version) ? unreached : name.radius;
   if (version.distance >= radius) name.beyond.push_back(&version);
   if (version.distance > radius) return;
   if (!std::exchange(version.isEntered, true)) {
@@ -279,11 +303,12 @@ void SpaceSurvey::explore(SurveyedVersion& version) {
 }
 
 void SpaceSurvey::askForHops(SurveyedVersion& version) {
+  checkpoint();
   version.isAsked = true;
   ++findings_;
   hops_.clear();
-  const bool areKnown = attempt(version, [&] {
-    question_.repository.findHops(*version.name->text, version.descriptor->version, hops_);
+  const bool areKnown = attempt(version, SurveyAttempt::AskForHops, [&] {
+    question_.host.findHops(*version.name->text, version.descriptor->version, hops_);
   });
   if (!areKnown) {
     noteUnknownHops(version);
@@ -292,7 +317,8 @@ void SpaceSurvey::askForHops(SurveyedVersion& version) {
   version.firstTarget = state_.hopTargets.size();
   state_.hops.begin(hops_.size());
   for (Hop& hop : hops_) {
-    if (!attempt(version, [&] { keepHop(version, hop); })) noteUnknownHops(version);
+    const auto keep = [&] { keepHop(version, hop); };
+    if (!attempt(version, SurveyAttempt::AskForHops, keep)) noteUnknownHops(version);
   }
   version.hops = state_.hops.last();
 }
@@ -312,19 +338,16 @@ void SpaceSurvey::keepHop(SurveyedVersion& version, Hop& hop) {
   SurveyedName& name = *version.name;
   const bool hasOwnName = hop.name == *name.text;
   SurveyedVersion* target = hasOwnName ? lookUp(name, hop.to) : nullptr;
-  if (question_.direction != VersionRepository::Unknown) {
+  if (question_.direction != Direction::Unknown) {
     std::optional<Metamodel> other;
-    if (!hasOwnName) other = question_.repository.getMetamodel(hop.name, hop.to);
+    if (!hasOwnName) other = question_.host.getMetamodel(hop.name, hop.to);
     if (target == nullptr && !other) {
       version.losesHop = true;
       return;
     }
     if (goesAgainstDirection(version, target != nullptr ? *target->descriptor : *other)) return;
   }
-  if (!hasOwnName) {
-    target = lookUp(name, hop.to);
-    name.hasForeignHops = true;
-  }
+  if (!hasOwnName) target = lookUp(name, hop.to);
   if (target != nullptr) {
     state_.hopTargets.push_back({static_cast<std::uint32_t>(state_.hops.last().size()), target});
     ++version.targetCount;
@@ -332,23 +355,17 @@ void SpaceSurvey::keepHop(SurveyedVersion& version, Hop& hop) {
   state_.hops.add(std::move(hop));
 }
 
-void SpaceSurvey::followHops(SurveyedVersion& version) {
+void SpaceSurvey::followHops(const SurveyedVersion& version) {
   for (std::size_t i = 0; i < version.targetCount; ++i) {
     const auto [place, target] = state_.hopTargets[version.firstTarget + i];
-    if (leadsAwayFromTargets(*target)) continue;
     reach(*target, version.distance + hopWeight(version.hops[place].expensive));
-  }
-  SurveyedName& name = *version.name;
-  if (!name.hasForeignHops || std::exchange(name.areAllFollowed, true)) return;
-  for (SurveyedVersion* other : name.versions) {
-    if (other->isAsked) followHops(*other);
   }
 }
 
 bool SpaceSurvey::goesAgainstDirection(const SurveyedVersion& version,
                                        const Metamodel& target) const {
-  return VersionRepository::areDirectionsInconsistent(
-      question_.direction, question_.repository.getDirection(*version.descriptor, target));
+  return areOpposite(question_.direction,
+                     question_.host.directionBetween(*version.descriptor, target));
 }
 
 /// The version that a hop of this name leads to; null when the application has none.
@@ -366,7 +383,7 @@ SurveyedVersion* SpaceSurvey::lookUp(SurveyedName& name, const VersionId& number
 }
 
 SurveyedVersion* SpaceSurvey::ask(SurveyedName& name, const VersionId& number) {
-  std::optional<Metamodel> found = question_.repository.getMetamodel(*name.text, number);
+  std::optional<Metamodel> found = question_.host.getMetamodel(*name.text, number);
   if (!found) return nullptr;
   if (found->name == *name.text) return &versionOf(name, *std::move(found));
   isUnfit_ = true;
@@ -382,24 +399,23 @@ void SpaceSurvey::noteAnswer(SurveyedName& name, const VersionId& number,
   }
 }
 
-/// Whether no hops in the direction asked for can lead from a version to what a target holds: hops
-/// that do not go against a direction never lead back behind where they began, unless a hop is
-/// judged by another name than the one it moves.
-bool SpaceSurvey::leadsAwayFromTargets(SurveyedVersion& version) {
+/// Whether every target mentions the name, and hops in the direction asked for may lead from the
+/// version to what one holds. Hops that do not go against a direction never lead back behind where
+/// they began; but a hop may be judged by another name than the one it moves, so the other versions
+/// are only taken to be far off. What a source holds is asked for its hops in any case.
+bool SpaceSurvey::leadsToTargets(SurveyedVersion& version) {
   const SurveyedName& name = *version.name;
-  if (question_.direction == VersionRepository::Unknown || name.hasForeignHops ||
-      !state_.isMentionedByEveryTarget(name)) {
-    return false;
-  }
-  if (!version.leadsAway) {
-    version.leadsAway = false;
-    attempt(version, [&] {
-      version.leadsAway = std::all_of(
+  if (!state_.isMentionedByEveryTarget(name)) return false;
+  if (version.distance == 0 || question_.direction == Direction::Unknown) return true;
+  if (!version.mayLeadToTargets) {
+    version.mayLeadToTargets = true;
+    attempt(version, SurveyAttempt::Compare, [&] {
+      version.mayLeadToTargets = !std::all_of(
           name.targets.begin(), name.targets.end(),
           [&](const Metamodel* target) { return goesAgainstDirection(version, *target); });
     });
   }
-  return *version.leadsAway;
+  return *version.mayLeadToTargets;
 }
 
 void SpaceSurvey::markWhatLeadsToTargets() {
@@ -441,16 +457,16 @@ void SpaceSurvey::linkWhatIsOfUse() {
     version.areLinksEntered = true;
     if (version.linked == nullptr) continue;
     for (const auto& variant : *version.linked) {
-      isUnfit_ |= variant->linkedMetamodels.contains(variant->name);
       enterLinks(*variant);
     }
   }
 }
 
 void SpaceSurvey::link(SurveyedVersion& version) {
+  checkpoint();
   if (std::exchange(version.isLinkTried, true)) return;
-  version.isUnlinkable = !attempt(version, [&] {
-    version.linked = &question_.repository.getLinkedMetamodels(*version.descriptor);
+  version.isUnlinkable = !attempt(version, SurveyAttempt::Link, [&] {
+    version.linked = &question_.host.getLinkedMetamodels(*version.descriptor);
   });
 }
 
@@ -460,7 +476,9 @@ void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {
     if (!enterLink(*covering)) return;
     linking = covering;
   }
-  for (const auto& [text, linked] : linking->linkedMetamodels) enterLink(*linked);
+  for (const auto& [text, linked] : linking->linkedMetamodels) {
+    if (text != linking->name) enterLink(*linked);
+  }
 }
 
 /// False for one that has been entered before, with all that it links.
@@ -611,6 +629,14 @@ bool SpaceSurvey::extend() {
   return false;
 }
 
+void SpaceSurvey::surveyEverything() {
+  state_.isEverythingOfUse = true;
+  takeAllUp();
+  do {
+    linkWhatIsOfUse();
+  } while (goAllTo(unreached - 1) && !isUnfit_);
+}
+
 std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {
   for (SurveyedVersion& version : state_.versions) version.isAssumedBest = false;
   for (const SurveyFailure& failure : state_.failures) {
@@ -620,8 +646,7 @@ std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {
 }
 
 bool SpaceSurvey::isAssumedBest(const SurveyFailure& failure, Failed failed) {
-  if (failed == Failed::UnknownAssumedBest) return !failure.isConflict;
-  return failed == Failed::AllAssumedBest;
+  return failed == Failed::AssumedBest && !failure.isConflict;
 }
 
 bool SpaceSurvey::anyFailed(Failed failed) const {
@@ -638,9 +663,30 @@ void SpaceSurvey::throwFailureOf(const std::vector<VersionIndex>& versions) cons
   }
 }
 
-bool SpaceSurvey::anyLosesHop() const {
-  return std::any_of(state_.versions.begin(), state_.versions.end(),
-                     [](const SurveyedVersion& version) { return version.losesHop; });
+std::vector<SurveyedFault> SpaceSurvey::faults() const {
+  std::unordered_map<const SurveyedVersion*, std::exception_ptr> unlinkable;
+  std::vector<SurveyedFault> result;
+  for (const SurveyFailure& failure : state_.failures) {
+    if (failure.attempt == SurveyAttempt::Link) {
+      unlinkable.emplace(failure.version, failure.exception);
+    } else if (failure.attempt == SurveyAttempt::AskForHops) {
+      result.push_back({failure.version, failure.exception});
+    }
+  }
+  for (const SurveyedVersion& version : state_.versions) {
+    if (version.losesHop) result.push_back({&version, nullptr});
+    if (unlinkable.empty()) continue;
+    for (const SurveyedHop& hop : state_.targetsOf(version)) {
+      const auto failure = unlinkable.find(hop.target);
+      if (failure != unlinkable.end()) result.push_back({&version, failure->second});
+    }
+  }
+  std::erase_if(result,
+                [](const SurveyedFault& fault) { return fault.holding->linked == nullptr; });
+  std::stable_sort(result.begin(), result.end(), [](const auto& left, const auto& right) {
+    return left.holding->distance < right.holding->distance;
+  });
+  return result;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -12,7 +12,7 @@
 #include "pathfinder/planning/irrelevant_names.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/survey_state.hpp"
-#include "pathfinder/search_question.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -23,7 +23,7 @@ namespace tarn::evolution::pathfinder {
 /// Of a name that every target mentions, only versions from which hops lead to a target's are
 /// linked: no path holds the others. Of any other name the survey goes only as far as the targets
 /// need it to, and can be extended. Irrelevant names are not even asked for (see
-/// `IrrelevantNames`).
+/// `IrrelevantNames`), unless everything is to be surveyed.
 ///
 /// A version that cannot be linked, or with which the application fails, is left out and noted: the
 /// answer need not depend on it.
@@ -33,16 +33,10 @@ class SpaceSurvey {
   /// nothing and, where its hops are unknown, that these lead everywhere.
   enum class Failed {
     LeftOut,
-    UnknownAssumedBest,  ///< all but those that conflict, of which it is known that none holds them
-    AllAssumedBest,
+    AssumedBest,  ///< but for those that conflict, which no path can hold
   };
 
-  enum class Scope {
-    Relevant,
-    Everything,  ///< irrelevant names as well
-  };
-
-  explicit SpaceSurvey(const SearchQuestion& question, Scope scope = Scope::Relevant);
+  explicit SpaceSurvey(const SearchQuestion& question);
 
   /// Surveys what has to be. Throws what the application throws of a source.
   void begin();
@@ -54,9 +48,15 @@ class SpaceSurvey {
   /// Goes on, further each time; false when there is nothing left to survey.
   bool extend();
 
+  /// Whether there is nothing left to survey.
+  bool isOver() const;
+
+  /// Goes wherever hops and links lead, irrelevant names and what no path holds included.
+  void surveyEverything();
+
   /// Whether the question has a search space. It has none when a source holds a null pointer, or a
-  /// linked metamodel under another name than its own, when the application answers a name with a
-  /// metamodel of another name, or when a metamodel links another version of itself.
+  /// linked metamodel under another name than its own, or when the application answers a name with
+  /// a metamodel of another name.
   bool isFit() const { return !isUnfit_; }
 
   /// The space of what has been surveyed. Refers to the survey; valid until the next one is made.
@@ -69,8 +69,9 @@ class SpaceSurvey {
   /// order in which the survey met them. The versions are those of the space made last.
   void throwFailureOf(const std::vector<VersionIndex>& versions) const;
 
-  /// Whether some version offers a hop to a version that is not there.
-  bool anyLosesHop() const;
+  /// What a search meets that tries every step from every baseline, as far as it can hold what has
+  /// been surveyed; what is nearest to the sources comes first, each name taken alone.
+  std::vector<SurveyedFault> faults() const;
 
  private:
   SurveyedVersion* known(const SurveyedName& name, const Metamodel& descriptor) const;
@@ -86,6 +87,7 @@ class SpaceSurvey {
   void enterSource(std::size_t source, const std::u16string& key, const LinkedMetamodel& linked);
   bool isOwn(const SurveyedVersion& version, const LinkedMetamodel& linked) const;
   bool mayNeedToBringIn() const;
+  bool mayLinkAnew() const;
   void takeUp(const std::u16string& name, const LinkedMetamodel& linked);
   void takeAllUp();
 
@@ -97,12 +99,12 @@ class SpaceSurvey {
   void askForHops(SurveyedVersion& version);
   void noteUnknownHops(SurveyedVersion& version);
   void keepHop(SurveyedVersion& version, Hop& hop);
-  void followHops(SurveyedVersion& version);
+  void followHops(const SurveyedVersion& version);
   bool goesAgainstDirection(const SurveyedVersion& version, const Metamodel& target) const;
   SurveyedVersion* lookUp(SurveyedName& name, const VersionId& number);
   SurveyedVersion* ask(SurveyedName& name, const VersionId& number);
   void noteAnswer(SurveyedName& name, const VersionId& number, SurveyedVersion* version);
-  bool leadsAwayFromTargets(SurveyedVersion& version);
+  bool leadsToTargets(SurveyedVersion& version);
   void markWhatLeadsToTargets();
   void spreadBackwards(SurveyedName& name) const;
   void linkWhatIsOfUse();
@@ -111,7 +113,7 @@ class SpaceSurvey {
   bool enterLink(const LinkedMetamodel& linked);
   static bool isAssumedBest(const SurveyFailure& failure, Failed failed);
   template <class Action>
-  bool attempt(SurveyedVersion& version, const Action& action);
+  bool attempt(SurveyedVersion& version, SurveyAttempt what, const Action& action);
 
   void goAsFarAsTargetsNeed();
   std::optional<std::uint64_t> distanceFor(const SurveyedName& name, std::size_t target) const;
@@ -120,7 +122,7 @@ class SpaceSurvey {
   const LinkedMetamodel* heldBy(std::size_t target, const std::u16string& name) const;
   std::uint64_t frontier(const SurveyedName& name) const;
   bool goTo(SurveyedName& name, std::uint64_t radius);
-  bool isOver() const;
+
   bool goAllTo(std::uint64_t radius);
   std::uint64_t leastTotal() const;
   std::uint64_t radiusFor(const SurveyedName& name, std::uint64_t slack) const;

@@ -21,7 +21,7 @@
 #include <limits>
 #include <utility>
 
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -15,9 +15,9 @@
 #include <utility>
 #include <vector>
 
-#include "pathfinder/hashing.hpp"
-#include "pathfinder/linked_metamodel_cache.hpp"
+#include "pathfinder/linking/linked_metamodel_cache.hpp"
 #include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/values/hashing.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -51,7 +51,7 @@ struct SurveyedVersion {
   bool isAssumedBest = false;   // although it failed, for the space that is being made
   bool losesHop = false;
   bool leadsToTarget = false;
-  std::optional<bool> leadsAway;  // from what every target holds
+  std::optional<bool> mayLeadToTargets;
   bool isEntry = false;
   VersionIndex index = SearchSpace::none;
 };
@@ -112,8 +112,6 @@ struct SurveyedName {
   const std::u16string* text;
   std::size_t sources = 0;                      // that hold the name
   bool isLinked = false;                        // by a version that can lie on a path
-  bool hasForeignHops = false;                  // hops offered for it that bear another name
-  bool areAllFollowed = false;                  // again, after such hops were met
   std::pmr::vector<const Metamodel*> targets;   // what the targets hold under the name
   std::pmr::vector<SurveyedVersion*> versions;  // entered, in the order of their distance
   std::pmr::vector<std::pair<std::uint64_t, SurveyedVersion*>> waiting;  // a heap, by distance
@@ -167,12 +165,26 @@ struct SurveyedTarget {
   bool isPossible = true;
 };
 
+/// What was tried with a version when something failed.
+enum class SurveyAttempt {
+  Link,
+  AskForHops,  ///< or look at where they lead
+  Compare,     ///< with what targets hold
+};
+
 /// Something that the application failed at, or that conflicts. Kept, because the answer need not
 /// depend on it.
 struct SurveyFailure {
   SurveyedVersion* version;
+  SurveyAttempt attempt;
   std::exception_ptr exception;
   bool isConflict;
+};
+
+/// What a search meets that tries every step from every baseline, once one holds a version.
+struct SurveyedFault {
+  const SurveyedVersion* holding;
+  std::exception_ptr exception;  ///< null for a hop to a version that is not there
 };
 
 /// All that a survey has met: what becomes a search space.
@@ -195,7 +207,7 @@ struct SurveyState {
 
   /// Whether a path may hold the version, as far as its own hops tell.
   bool isOfUse(const SurveyedVersion& version) const {
-    return version.leadsToTarget || !isMentionedByEveryTarget(*version.name);
+    return isEverythingOfUse || version.leadsToTarget || !isMentionedByEveryTarget(*version.name);
   }
 
   std::span<const SurveyedHop> targetsOf(const SurveyedVersion& version) const {
@@ -210,6 +222,8 @@ struct SurveyState {
   std::vector<SurveyedHop> hopTargets;  // those of one version stand together
   std::vector<SurveyFailure> failures;
 
+  bool isEverythingOfUse = false;
+  const std::u16string* firstName = nullptr;  ///< the least that a source holds
   std::vector<SurveyedSource> sources;
   std::vector<SurveyedTarget> targets;
 };

@@ -1,3 +1,7 @@
+// Semi-join by one decided link: of a version with many variants, those stay that link the decided
+// variant of the name which leaves the fewest. Indices from a linked variant to those that link it
+// are built when they are first needed.
+
 #include "pathfinder/planning/variant_filter.hpp"
 
 #include <algorithm>

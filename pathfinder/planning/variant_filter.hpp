@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "pathfinder/linked_metamodel_cache.hpp"
+#include "pathfinder/linking/linked_metamodel_cache.hpp"
 #include "pathfinder/planning/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {

@@ -22,13 +22,13 @@
 #include <utility>
 
 #include "pathfinder/planning/version_set.hpp"
-#include "pathfinder/step_weight.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
-constexpr std::uint64_t unreached = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t neverReached = std::numeric_limits<std::uint64_t>::max();
 
 class BoundsComputation {
  public:
@@ -36,7 +36,7 @@ class BoundsComputation {
       : space_(space),
         compatibility_(compatibility),
         bounds_(space.versions.size()),
-        distances_(space.versions.size(), unreached),
+        distances_(space.versions.size(), neverReached),
         starts_(space),
         needsNoSupport_(space),
         isGrounded_(space.versions.size()) {
@@ -119,6 +119,7 @@ class BoundsComputation {
     bounds.isReachable = true;
     bounds.distance = distances_[version];
     const std::uint64_t ordinaryHops = ordinaryPart(bounds.distance);
+    bounds.ordinaryStepsEver = level;
     bounds.ordinarySteps = std::max(level, static_cast<std::uint32_t>(ordinaryHops));
   }
 
@@ -262,7 +263,7 @@ class BoundsComputation {
   void chooseCheapestWays(const SearchSpace::Name& name) {
     byDistance_.clear();
     for (VersionIndex version = name.first; version < name.end; ++version) {
-      if (distances_[version] != unreached) byDistance_.push_back(version);
+      if (distances_[version] != neverReached) byDistance_.push_back(version);
     }
     std::sort(byDistance_.begin(), byDistance_.end(),
               [this](VersionIndex left, VersionIndex right) {

@@ -17,10 +17,13 @@ struct VersionBounds {
   /// The least weights of hops from a source's version, or from one that a link brings in.
   std::uint64_t distance = 0;
 
-  /// How many steps with an ordinary hop the path has before it can hold the version: at least as
-  /// many as ordinary hops on the cheapest way, and as many as the names that have to make room
-  /// need for it.
+  /// How many steps with an ordinary hop a path has before it can hold the version, if it reaches
+  /// it by a cheapest way: at least as many as ordinary hops on that way, and as many as the names
+  /// that have to make room need for it.
   std::uint32_t ordinarySteps = 0;
+
+  /// The same for any path, also one with more expensive hops than it need have.
+  std::uint32_t ordinaryStepsEver = 0;
 
   /// The cheapest way to the version, from its end: the weight of the last hop (0 when there is
   /// none), and the version before it. Of several such ways the one that comes first when weights

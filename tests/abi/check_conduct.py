@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """Looks for what a library that is embedded must not do, in what it calls and in what it keeps.
 
-usage: check_conduct.py LIBRARY
+usage: check_conduct.py LIBRARY [OBJECT...]
 
 No output of its own, no end of the process, no thread; and no variable that outlives a call, but for the logger and for
 constants that are made when they are first used. For release builds: others check assertions.
+
+With objects, what they call counts instead of what the library does. A solver that is part of it has functions that
+read files and print, which are not called.
 """
 
 import re
@@ -30,11 +33,12 @@ def lines_of(*command):
         command, check=True, capture_output=True, text=True, env=environment).stdout.splitlines()
 
 
-def called(library):
-    for line in lines_of("nm", "--dynamic", "--undefined-only", "--demangle", library):
-        name = line.split(maxsplit=1)[1]
-        if FORBIDDEN.match(name):
-            yield f"{library} calls {name}"
+def called(library, objects):
+    for binary in objects or [library]:
+        for line in lines_of("nm", *([] if objects else ["--dynamic"]), "--undefined-only", "--demangle", binary):
+            name = line.split(maxsplit=1)[1]
+            if FORBIDDEN.match(name):
+                yield f"{binary} calls {name}"
 
 
 def kept(library):
@@ -49,8 +53,8 @@ def kept(library):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) < 2:
         sys.exit(__doc__)
-    faults = [*called(sys.argv[1]), *kept(sys.argv[1])]
+    faults = [*called(sys.argv[1], sys.argv[2:]), *kept(sys.argv[1])]
     print("\n".join(faults) or "Nothing that it must not do.")
     sys.exit(bool(faults))

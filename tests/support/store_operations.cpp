@@ -12,12 +12,12 @@
 #include "catalogue/import/import.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/printed_text.hpp"
 #include "catalogue/selection_file.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_snapshot.hpp"
 #include "catalogue/store/store_successor.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "support/plain_database.hpp"
 #include "support/store_folder.hpp"
 

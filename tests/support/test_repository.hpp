@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "pathfinder/repository_access.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace test {
@@ -112,6 +113,8 @@ class TestRepository : public VersionRepository {
   std::vector<std::shared_ptr<LinkedMetamodel>> loaded;
 
   using VersionRepository::accessTag;
+
+  tarn::evolution::pathfinder::RepositoryAccess access{*this};
 
  private:
   void addMetamodel(const std::u16string& name, const VersionId& id, const std::string& item);

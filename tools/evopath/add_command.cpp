@@ -24,7 +24,7 @@ ExitStatus runAdd(const AddOptions& options) {
     return addToStore(options.store, options.addition, progress);
   });
   std::cout << "Added " << describeCounts(counts) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace

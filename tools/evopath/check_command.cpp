@@ -30,8 +30,8 @@ struct CheckOptions {
 ExitStatus worstStatus(const std::vector<Finding>& findings) {
   Severity worst = Severity::Note;
   for (const Finding& finding : findings) worst = std::max(worst, severityOf(finding.code));
-  if (worst == Severity::Error) return badInput;
-  return worst == Severity::Warning ? doubtful : sound;
+  if (worst == Severity::Error) return ExitStatus::BadInput;
+  return worst == Severity::Warning ? ExitStatus::Doubtful : ExitStatus::Sound;
 }
 
 ExitStatus runCheck(const CheckOptions& options) {

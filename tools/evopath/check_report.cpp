@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace evopath {
 

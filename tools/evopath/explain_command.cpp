@@ -3,12 +3,11 @@
 #include <stdexcept>
 
 #include "catalogue/explanation/explanation.hpp"
+#include "catalogue/explanation/explanation_json.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
-#include "explanation_json.hpp"
 #include "explanation_status.hpp"
-#include "explanation_text.hpp"
-#include "no_path_report.hpp"
 #include "question_options.hpp"
 
 namespace evopath {
@@ -22,14 +21,14 @@ struct ExplainOptions : QuestionOptions {
   std::size_t budget = explanationBudget;
 };
 
-void print(const Explanation& explanation, const BrowsableRepository& repository) {
+void print(const Explanation& explanation, const StepWeights& weights) {
   if (const auto* reason = std::get_if<UnknownEntries>(&explanation.reason)) {
     throw std::invalid_argument(describe(*reason));
   }
   if (std::holds_alternative<PathExists>(explanation.reason)) {
     std::cout << "There is a path, which \"evopath path\" prints.\n";
   } else {
-    printText(reportNoPath(repository, explanation), std::cout);
+    writeExplanationText(explanation, weights, std::cout);
   }
 }
 
@@ -37,9 +36,9 @@ ExitStatus runExplain(const ExplainOptions& options) {
   const auto repository = openCatalogue(options.catalogue);
   const Explanation explanation = explain(*repository, options.ask(*repository), options.budget);
   if (options.json) {
-    std::cout << toJson(explanation, *repository).dump(2) << "\n";
+    writeExplanationJson(explanation, weightsOf(*repository), std::cout);
   } else {
-    print(explanation, *repository);
+    print(explanation, weightsOf(*repository));
   }
   return statusOf(explanation);
 }

@@ -24,7 +24,7 @@ ExitStatus runExport(const ExportOptions& options) {
     return exportCatalogue(options.store, options.catalogue, progress);
   });
   std::cout << "Exported " << describeCounts(counts) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ ExitStatus runGraph(const GraphOptions& options) {
   }
   options.output.write(options.format == "svg" ? catalogue::drawWithGraphviz(text.str())
                                                : text.str());
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace

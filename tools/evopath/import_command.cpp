@@ -56,7 +56,7 @@ ExitStatus importJson(const ImportArguments& arguments) {
     return importCatalogue(arguments.files[0], arguments.files[1], progress);
   });
   std::cout << "Imported " << describeCounts(counts) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 ExitStatus importForeign(const ImportArguments& arguments) {
@@ -68,7 +68,7 @@ ExitStatus importForeign(const ImportArguments& arguments) {
     return importForeignCatalogue(options, arguments.files.back(), progress);
   });
   printImportReport(report, arguments.listsAll, std::cout);
-  return found;
+  return ExitStatus::Found;
 }
 
 void addOptions(CLI::App& command, ImportArguments& arguments) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "store_report.hpp"
 
 namespace evopath {

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "catalogue/picture/display_text.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "program.hpp"
 #include "progress_bar.hpp"
 
@@ -21,20 +21,21 @@ void printError(const std::exception& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  constexpr int badInput = static_cast<int>(evopath::ExitStatus::BadInput);
   CLI::App program("", "evopath");
   evopath::Action action;
   evopath::addCommands(program, action);
   try {
     program.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A command");
-    return action();
+    return static_cast<int>(action());
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? 0 : evopath::badInput;
+    return program.exit(error) == 0 ? 0 : badInput;
   } catch (const evopath::Interrupted& error) {
     printError(error);
     return std::raise(SIGINT);  // so that who started the program sees how it ended
   } catch (const std::exception& error) {
     printError(error);
-    return evopath::badInput;
+    return badInput;
   }
 }

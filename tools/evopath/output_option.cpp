@@ -38,7 +38,7 @@ Colouring OutputOption::colouring() const {
   const char* terminal = std::getenv("TERM");
   const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
   const bool isColoured = file.empty() && ::isatty(STDOUT_FILENO) == 1 && !isSet("NO_COLOR");
-  return isColoured && !isDumb ? Colouring::terminal : Colouring::plain;
+  return isColoured && !isDumb ? Colouring::Terminal : Colouring::Plain;
 }
 
 }  // namespace evopath

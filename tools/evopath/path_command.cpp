@@ -3,15 +3,16 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "catalogue/conflicting_dependencies.hpp"
 #include "catalogue/explanation/explanation.hpp"
+#include "catalogue/explanation/explanation_json.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/picture/display_text.hpp"
 #include "catalogue/picture/path_picture.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "command.hpp"
 #include "explanation_status.hpp"
-#include "explanation_text.hpp"
-#include "no_path_report.hpp"
+#include "messages/trace.hpp"
 #include "output_option.hpp"
 #include "path_format.hpp"
 #include "platform/in_memory/logging.hpp"
@@ -20,6 +21,7 @@
 namespace evopath {
 
 using namespace tarn::evolution::catalogue;
+using tarn::evolution::diagnostics::TraceLevel;
 using tarn::evolution::pathfinder::BaselineHop;
 using tarn::evolution::pathfinder::VersionBaseline;
 
@@ -31,13 +33,18 @@ struct PathOptions : QuestionOptions {
   bool trace = false;
 };
 
+/// The path finder's logger, and all levels that it writes on.
+constexpr const char* traceChannel = "tarn::evolution::pathfinder";
+constexpr unsigned traceLevels =
+    static_cast<unsigned>(TraceLevel::Reasoning) | static_cast<unsigned>(TraceLevel::CacheStore);
+
 void traceToStandardError() {
   foundation::log::in_memory::addRecordSink(
       [](const foundation::log::in_memory::RecordView& record) {
         std::cerr << record.channel << " [" << record.severity << "] " << toVisible(record.text)
                   << "\n";
       });
-  foundation::log::in_memory::setEnabledLevels("tarn::evolution::pathfinder", 4 | 8);
+  foundation::log::in_memory::setEnabledLevels(traceChannel, traceLevels);
 }
 
 /// The path; none as well when the path finder stumbles over a version that cannot be linked.
@@ -50,18 +57,19 @@ std::optional<std::vector<BaselineHop>> findPath(BrowsableRepository& repository
   }
 }
 
-void printNoPath(const NoPathReport& report, const PathOptions& options) {
-  if (options.form.isPicture()) {
-    printText(report, std::cerr);
-    return;
-  }
+void printNoPath(const Explanation& explanation, const StepWeights& weights,
+                 const PathOptions& options) {
   std::ostringstream text;
-  if (options.form.format == PathFormat::json) {
-    printJson(report, text);
+  if (options.form.format == PathFormat::Json) {
+    writeNoPathJson(explanation, weights, text);
   } else {
-    printText(report, text);
+    writeExplanationText(explanation, weights, text);
   }
-  options.output.write(text.str());
+  if (options.form.isPicture()) {
+    std::cerr << text.str();
+  } else {
+    options.output.write(text.str());
+  }
 }
 
 /// The baseline to draw the path from. A path without steps names none.
@@ -81,12 +89,12 @@ ExitStatus runPath(const PathOptions& options) {
   if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
   if (const auto path = findPath(*repository, question)) {
     const auto picture =
-        drawPath(*repository, sourceOf(*path, options, *repository, question), *path);
+        drawPath(weightsOf(*repository), sourceOf(*path, options, *repository, question), *path);
     options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
-    return found;
+    return ExitStatus::Found;
   }
   const Explanation explanation = explain(*repository, question);
-  printNoPath(reportNoPath(*repository, explanation), options);
+  printNoPath(explanation, weightsOf(*repository), options);
   return statusOf(explanation);
 }
 

@@ -16,8 +16,8 @@ namespace catalogue = tarn::evolution::catalogue;
 
 void PathFormatOption::addTo(CLI::App& command) {
   static const std::map<std::string, PathFormat> byName{
-      {"text", PathFormat::text}, {"json", PathFormat::json}, {"html", PathFormat::html},
-      {"svg", PathFormat::svg},   {"dot", PathFormat::dot},   {"mermaid", PathFormat::mermaid}};
+      {"text", PathFormat::Text}, {"json", PathFormat::Json}, {"html", PathFormat::Html},
+      {"svg", PathFormat::Svg},   {"dot", PathFormat::Dot},   {"mermaid", PathFormat::Mermaid}};
   auto* formatOption =
       command
           .add_option_function<std::string>(
@@ -27,7 +27,7 @@ void PathFormatOption::addTo(CLI::App& command) {
           ->check(CLI::IsMember(&byName));
   command
       .add_flag_callback(
-          "--json", [this] { format = PathFormat::json; }, "Short for --format json")
+          "--json", [this] { format = PathFormat::Json; }, "Short for --format json")
       ->excludes(formatOption);
 }
 
@@ -35,22 +35,22 @@ std::string renderPath(const catalogue::PathPicture& picture, PathFormat format,
                        catalogue::Colouring colouring) {
   std::ostringstream out;
   switch (format) {
-    case PathFormat::text:
+    case PathFormat::Text:
       catalogue::writePathText(picture, colouring, out);
       break;
-    case PathFormat::json:
+    case PathFormat::Json:
       catalogue::writePathJson(picture, out);
       break;
-    case PathFormat::html:
+    case PathFormat::Html:
       catalogue::writePathHtml(picture, out);
       break;
-    case PathFormat::svg:
+    case PathFormat::Svg:
       catalogue::writePathSvg(picture, out);
       break;
-    case PathFormat::dot:
+    case PathFormat::Dot:
       catalogue::writePathDot(picture, out);
       break;
-    case PathFormat::mermaid:
+    case PathFormat::Mermaid:
       catalogue::writePathMermaid(picture, out);
       break;
   }

@@ -9,17 +9,17 @@
 namespace evopath {
 
 /// The forms in which a path can be shown.
-enum class PathFormat { text, json, html, svg, dot, mermaid };
+enum class PathFormat { Text, Json, Html, Svg, Dot, Mermaid };
 
 /// The options --format and --json of a command.
 struct PathFormatOption {
-  PathFormat format = PathFormat::text;
+  PathFormat format = PathFormat::Text;
 
   /// Adds the options to a command; they set `format`, so this must outlive the parsing.
   void addTo(CLI::App& command);
 
   /// Whether the answer is a picture, which there is none of when there is no path.
-  bool isPicture() const { return format != PathFormat::text && format != PathFormat::json; }
+  bool isPicture() const { return format != PathFormat::Text && format != PathFormat::Json; }
 };
 
 /// The picture in that form.

@@ -3,13 +3,11 @@
 #include <memory>
 #include <stdexcept>
 
-#include "catalogue/picture/display_text.hpp"
-#include "catalogue/printed_text.hpp"
 #include "catalogue/store/store_editing.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
-#include "phrases.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
 
@@ -39,10 +37,8 @@ RemovalChoice parseChoice(const std::string& argument) {
 
 void printObstacles(const RemovalResult& result, std::ostream& out) {
   out << "evopath: nothing was removed, for others depend on it:\n";
-  for (const auto& [dependent, dependency] : result.obstacles) {
-    const auto& [name, range] = dependent.dependencies.at(dependency);
-    out << "  " << toVisible(textOf(dependent)) << " depends on " << visible(name) << " "
-        << toVisible(textOf(range)) << "\n";
+  for (const RemovalObstacle& obstacle : result.obstacles) {
+    out << "  " << toVisible(describe(obstacle)) << "\n";
   }
   if (result.obstacleCount > result.obstacles.size()) {
     out << "  and " << result.obstacleCount - result.obstacles.size() << " more\n";
@@ -57,10 +53,10 @@ ExitStatus runRemove(const RemoveOptions& options) {
   });
   if (result.obstacleCount > 0) {
     printObstacles(result, std::cerr);
-    return badInput;
+    return ExitStatus::BadInput;
   }
   std::cout << "Removed " << describeCounts(result.removed) << ".\n";
-  return found;
+  return ExitStatus::Found;
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <stdexcept>
 
 #include "catalogue/selection_file.hpp"
+#include "catalogue/text/visible.hpp"
 #include "catalogue/version_text.hpp"
-#include "phrases.hpp"
 
 namespace evopath {
 
@@ -13,6 +13,7 @@ using tarn::evolution::catalogue::parseVersion;
 using tarn::evolution::catalogue::QuestionSide;
 using tarn::evolution::catalogue::readSelectionFile;
 using tarn::evolution::catalogue::Selection;
+using tarn::evolution::catalogue::visible;
 
 namespace {
 

@@ -43,7 +43,7 @@ ExitStatus showBaselines(const ShowOptions& options, catalogue::BrowsableReposit
   } else {
     catalogue::writeBaselinesText(baselines, selection, options.output.colouring(), out);
   }
-  return baselines.empty() ? noPath : found;
+  return baselines.empty() ? ExitStatus::NoPath : ExitStatus::Found;
 }
 
 void showSummary(const ShowOptions& options, catalogue::BrowsableRepository& repository,
@@ -71,7 +71,7 @@ void showDetails(const ShowOptions& options, catalogue::BrowsableRepository& rep
 ExitStatus runShow(const ShowOptions& options) {
   const auto repository = catalogue::openCatalogue(options.catalogue);
   std::ostringstream text;
-  ExitStatus status = found;
+  ExitStatus status = ExitStatus::Found;
   if (!options.at.empty()) {
     status = showBaselines(options, *repository, text);
   } else if (options.names.empty()) {

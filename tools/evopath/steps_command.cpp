@@ -50,7 +50,7 @@ ExitStatus runSteps(const StepsOptions& options) {
     catalogue::writeStepsText(listings, options.output.colouring(), text);
   }
   options.output.write(text.str());
-  return listings.empty() ? noPath : found;
+  return listings.empty() ? ExitStatus::NoPath : ExitStatus::Found;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "store_report.hpp"
 
-#include "catalogue/printed_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace evopath {
 

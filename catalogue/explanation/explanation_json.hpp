@@ -1,0 +1,45 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "catalogue/explanation/explanation.hpp"
+#include "catalogue/picture/path_picture.hpp"
+#include "tarn_evolution_catalogue_export.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Writes an explanation for programs:
+///
+///     {"kind", ..., "unlinkable": [UNLINKABLE], "withoutOrder": [NAMED], "nearest": NEAREST,
+///      "questions"}
+///
+/// Versions are texts, NAMED versions {"name", "version"}, hops {"name", "from", "to"}. "nearest"
+/// is left out where there is none. Beside "kind" stands what is particular to it:
+///
+///     path                    "steps"
+///     unknown                 "entries": [{"side", "name", "version", "unknown", "nearest"}]
+///     inconsistent            "side", "unlinkableSelected": [UNLINKABLE], "clash", "remedies"
+///     missing-chain           "direction", "chains": [CHAIN]
+///     against-direction       "direction", "against": [HOP], "steps"
+///     never-together          "names", "minimal", "stuckAt", "blocked": [{"hop", "clash"}]
+///     path-beside-unlinkable  "steps"
+///
+///     CHAIN       {"target", "held", "starts", "reached", "leading", "missing",
+///                  "chainInAnyDirection", "dependents"}
+///     CLASH       {"parties", "contested", "requirements": [{"chain", "name", "range"}]}
+///     UNLINKABLE  {"chain", "unmet": {"name", "range", "nearest"}, "clash"}
+///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}
+///
+/// A range is a pair [lower, upper), also of one semantic version, or a text version; a requirement
+/// without one is the selected version itself. Steps are as `writePathJson` writes them; `weights`
+/// weighs them.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeExplanationJson(const Explanation& explanation,
+                                                          const StepWeights& weights,
+                                                          std::ostream& out);
+
+/// What stands in the place of a path that `writePathJson` would write: {"found": false, "reason",
+/// "explanation"}, the reason being that of `headlineOf`.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeNoPathJson(const Explanation& explanation,
+                                                     const StepWeights& weights, std::ostream& out);
+
+}  // namespace tarn::evolution::catalogue

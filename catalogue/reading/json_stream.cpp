@@ -1,0 +1,55 @@
+#include "catalogue/reading/json_stream.hpp"
+
+#include <utility>
+
+#include "catalogue/catalogue_error.hpp"
+#include "catalogue/reading/json_rows.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+Selection selectionOf(const SelectionDraft& draft) {
+  Selection selection;
+  for (const SelectionRow& row : draft.rows) selection.emplace(row.name, row.version);
+  return selection;
+}
+
+/// Hands rows on, all parts of which are there, for the first fault would have ended the reading.
+class WholeRows : public JsonRowReceiver {
+ public:
+  explicit WholeRows(CatalogueSink& sink) : sink_(sink) {}
+
+  void receiveMetamodel(MetamodelRow row) override {
+    std::vector<pathfinder::Dependency> dependencies;
+    dependencies.reserve(row.dependencies.size());
+    for (const DependencyRow& dependency : row.dependencies) {
+      dependencies.emplace_back(*dependency.name, *dependency.range);
+    }
+    sink_.addMetamodel(
+        {pathfinder::Metamodel(*row.name, *row.version, dependencies), row.equivalent});
+  }
+
+  void receiveHop(HopRow row, bool isExpensive) override {
+    sink_.addHop({*row.name, *row.from, *row.to, isExpensive});
+  }
+
+  void receiveQuestion(std::optional<SelectionDraft> from,
+                       std::optional<SelectionDraft> to) override {
+    sink_.setQuestion({selectionOf(*from), selectionOf(*to)});
+  }
+
+ private:
+  CatalogueSink& sink_;
+};
+
+}  // namespace
+
+void streamJsonCatalogue(std::istream& in, CatalogueSink& sink) {
+  WholeRows rows(sink);
+  FirstJsonFault faults;
+  const std::string syntaxError = readJsonRows(in, rows, faults);
+  if (!syntaxError.empty()) throw CatalogueError("", syntaxError);
+}
+
+}  // namespace tarn::evolution::catalogue

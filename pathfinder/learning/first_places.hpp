@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "pathfinder/learning/last_steps.hpp"
+#include "pathfinder/learning/plan_solver.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A plan as the hops of its steps.
+struct PlannedWay {
+  std::vector<NodeIndex> start;              ///< by name
+  std::vector<std::vector<ArcIndex>> steps;  ///< by step and name: the hop made; none for no hop
+};
+
+/// Finds, among plans whose step weights are decided, the one that comes first: by the place of its
+/// source, and then by the combination of hops of its first step, of the second, and so on.
+class FirstPlaces {
+ public:
+  /// `steps`: those of the plans; `decided`: what has to be true for it.
+  /// `start`: null when plans begin at sources.
+  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided, const OpenStart* start)
+      : plans_(plans),
+        steps_(steps),
+        decided_(decided),
+        start_(start),
+        made_(plans.network.names.size()) {}
+
+  PlannedWay find();
+
+ private:
+  /// A hop of the plan at hand.
+  struct Made {
+    ArcIndex arc;
+    std::uint32_t step;  // counted from the last one, as LastSteps does
+  };
+
+  void decideSource();
+  void decideStart();
+  std::size_t decideStartOf(std::span<const VersionIndex> versions);
+  void decideStep(std::uint32_t step);
+  void readPlan();
+  ArcIndex madeIn(NameIndex name, std::uint32_t step) const;
+  std::vector<NameIndex> movingBelow(NameIndex end, std::uint32_t step, std::size_t most) const;
+  bool isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step);
+  Literal lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step);
+  void decide(NameIndex first, NameIndex end, std::uint32_t step);
+  std::vector<ArcIndex> takeStep(std::uint32_t step);
+
+  PlanSolver& plans_;
+  const LastSteps& steps_;
+  const Literal decided_;
+  const OpenStart* const start_;
+
+  // Of a plan in which all that is decided holds, by name.
+  std::vector<std::vector<Made>> made_;
+  std::vector<NodeIndex> begun_;
+  std::vector<NodeIndex> held_;  // by name, before the step that is being decided
+};
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,112 @@
+#include "pathfinder/learning/learning_search.hpp"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/learning/learning_planner.hpp"
+#include "pathfinder/learning/variant_conflict.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/planning/plan_execution.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+class LearningSearch {
+ public:
+  LearningSearch(const SearchQuestion& question, const SearchSpace& space, LearningPlanner& planner)
+      : question_(question), space_(space), planner_(planner) {}
+
+  std::optional<SearchAnswer> run() {
+    while (const auto plan = planner_.plan()) {
+      SearchAnswer answer = executePlan(question_, space_, *plan);
+      if (answer.verdict == SearchAnswer::Verdict::Found) return answer;
+      if (!learnFrom(*plan)) return std::nullopt;
+    }
+    return SearchAnswer{};
+  }
+
+ private:
+  /// Forbids what makes a plan impossible; false when nothing is found that does.
+  bool learnFrom(const BackwardPlan& plan) {
+    const std::vector<SelectionIndex> selections = plan.bestSelections();
+    bool anyLearnt = false;
+    for (const SelectionIndex index : selections) {
+      const SelectionView selection = plan.selections()[index];
+      if (isOfSource(selection)) continue;
+      if (const auto conflict = VariantConflict(space_, selection).find()) {
+        planner_.forbidTogether(versionsOf(selection, *conflict));
+        anyLearnt = true;
+      }
+    }
+    if (anyLearnt) return true;
+    return learnFromEnd(plan.selections()[selections.back()]);
+  }
+
+  bool isOfSource(SelectionView selection) const {
+    return std::any_of(space_.sources.begin(), space_.sources.end(),
+                       [&](const SearchSpace::Source& source) {
+                         return std::equal(selection.begin(), selection.end(),
+                                           source.selection.begin(), source.selection.end());
+                       });
+  }
+
+  static std::vector<VersionIndex> versionsOf(SelectionView selection,
+                                              const std::vector<NameIndex>& names) {
+    std::vector<VersionIndex> versions;
+    for (const NameIndex name : names) versions.push_back(selection[name]);
+    return versions;
+  }
+
+  /// The selection can be held, but includes no target: forbids to end with those of its versions
+  /// that keep each target out.
+  bool learnFromEnd(SelectionView selection) {
+    std::vector<NameIndex> names;
+    VariantConflict conflict(space_, selection);
+    for (const VersionBaseline& target : question_.targets) {
+      const auto obstacle = conflict.findBeside(target);
+      if (!obstacle) return false;
+      names.insert(names.end(), obstacle->begin(), obstacle->end());
+    }
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    if (names.empty()) return false;
+    planner_.forbidAtEnd(versionsOf(selection, names));
+    return true;
+  }
+
+  const SearchQuestion& question_;
+  const SearchSpace& space_;
+  LearningPlanner& planner_;
+};
+
+std::unique_ptr<LearningPlanner> beginOn(const PlanningGround& ground) {
+  if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
+  return LearningPlanner::create(ground, ground.space.targets);
+}
+
+class LearningEngine final : public SecondPlanner {
+ public:
+  Answer plan(const PlanningGround& ground) const override {
+    const auto planner = beginOn(ground);
+    if (!planner) return {};
+    return {true, planner->plan()};
+  }
+
+  std::optional<SearchAnswer> search(const SearchQuestion& question,
+                                     const PlanningGround& ground) const override {
+    const auto planner = beginOn(ground);
+    if (!planner) return std::nullopt;
+    return LearningSearch(question, ground.space, *planner).run();
+  }
+};
+
+}  // namespace
+
+const SecondPlanner* learningPlanner() {
+  static const LearningEngine engine;
+  return &engine;
+}
+
+}  // namespace tarn::evolution::pathfinder

@@ -1,0 +1,160 @@
+// Three minimizations by one solver, each under what the one before has proven:
+//
+//   1. the fewest expensive hops; none at all: there is no plan, of whatever length;
+//   2. the fewest ordinary hops with so few expensive ones: with the fewest layers that any name
+//      needs a lower bound, and with the layers of the model at hand an upper one;
+//   3. if a gap is left between these, for each number of layers in it the fewest ordinary hops
+//      that can be made in so many, on a timeline.
+//
+// Costs are reduced: a hop costs what it adds to the least that its name takes anyway, so that most
+// hops cost nothing. Steps of expensive hops alone are not counted: they weigh nothing of their
+// own.
+
+#include "pathfinder/learning/least_weight.hpp"
+
+#include <algorithm>
+
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/search/step_weight.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+using Outcome = CoreGuidedMinimum::Outcome;
+
+std::vector<WeightShare> LeastWeight::find() {
+  best_ = std::numeric_limits<std::uint64_t>::max();
+  if (!findFewestExpensiveHops()) return {};
+  findFewestOrdinaryHops();
+  return findLayers();
+}
+
+bool LeastWeight::findFewestExpensiveHops() {
+  const auto& nodes = plans_.network.nodes;
+  if (!fewestExpensive_) {
+    fewestExpensive_.emplace(plans_.sat);
+    leastExpensive_ = setCosts(
+        *fewestExpensive_,
+        [&](const PlanNetwork::Arc& arc) {
+          return (arc.expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
+                 nodes[arc.from].expensiveLeft;
+        },
+        [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
+  }
+  const auto outcome = fewestExpensive_->minimize({}, [this] { return plans_.check.accept(); });
+  if (outcome != Outcome::Found) return false;
+  expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
+  isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
+  best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
+  noteBounds(0);
+  return true;
+}
+
+void LeastWeight::findFewestOrdinaryHops() {
+  const auto& nodes = plans_.network.nodes;
+  fewestOrdinary_.emplace(plans_.sat);
+  leastOrdinary_ = setCosts(
+      *fewestOrdinary_,
+      [&](const PlanNetwork::Arc& arc) {
+        return (arc.expensive ? 0 : 1) + nodes[arc.to].ordinaryLeft - nodes[arc.from].ordinaryLeft;
+      },
+      [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
+  fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
+  ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
+  noteBounds(ordinaryHops_ + fewestLayers_);
+}
+
+std::vector<WeightShare> LeastWeight::findLayers() {
+  std::vector<WeightShare> shares;
+  for (std::uint32_t layers = fewestLayers_; layers + ordinaryHops_ <= best_; ++layers) {
+    const auto share = shareWith(layers);
+    if (!share) continue;
+    const std::uint64_t weight = share->ordinaryHops + layers;
+    if (weight < best_) shares.clear();
+    best_ = std::min(best_, weight);
+    shares.push_back(*share);
+  }
+  // Some were found while the best one was not known yet.
+  std::erase_if(shares, [this](const WeightShare& share) {
+    return share.ordinaryHops + share.layers != best_;
+  });
+  noteBounds(best_);
+  return shares;
+}
+
+/// The fewest ordinary hops that can be made in so many layers, if no better plan is known.
+std::optional<WeightShare> LeastWeight::shareWith(std::uint32_t layers) {
+  timeline_.extendTo(layers);
+  const Literal isWithin = plans_.sat.newVariable();
+  for (NodeIndex node = 0; node < plans_.network.nodes.size(); ++node) {
+    plans_.sat.addClause(
+        {-isWithin, -plans_.formula.isHeld(node), timeline_.isEnteredAfter(node, layers)});
+  }
+  CoreGuidedMinimum minimum = *fewestOrdinary_;
+  const auto outcome = minimum.minimize({isFewestExpensive_, isWithin}, acceptNoting(),
+                                        best_ - layers - leastOrdinary_ + 1);
+  if (outcome != Outcome::Found) return std::nullopt;
+  std::vector<Literal> needed = minimum.stillWanted();
+  needed.push_back(isFewestExpensive_);
+  return WeightShare{expensiveHops_, leastOrdinary_ + minimum.lowerBound(), layers,
+                     plans_.allOf(needed)};
+}
+
+/// Lets hops and sources cost what they add; returns what is paid in any case.
+template <class Extra, class Left>
+std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, const Extra& extra,
+                                    const Left& left) {
+  const PlanNetwork& network = plans_.network;
+  for (ArcIndex arc = 0; arc < network.arcs.size(); ++arc) {
+    if (const std::uint32_t cost = extra(network.arcs[arc])) {
+      minimum.want(-plans_.formula.isUsed(arc), cost);
+    }
+  }
+  if (!network.starts.empty()) return setStartCosts(minimum, left);
+  std::vector<std::uint64_t> sums;
+  for (const PlanNetwork::Source& source : network.sources) {
+    std::uint64_t& sum = sums.emplace_back(0);
+    for (const NodeIndex node : source.nodes) sum += left(network.nodes[node]);
+  }
+  const std::uint64_t least = *std::min_element(sums.begin(), sums.end());
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    if (sums[i] > least) minimum.want(-plans_.formula.isSource(i), sums[i] - least);
+  }
+  return least;
+}
+
+/// The same for an open start, name by name.
+template <class Left>
+std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, const Left& left) {
+  std::uint64_t sum = 0;
+  for (const std::vector<NodeIndex>& nodes : plans_.network.starts) {
+    std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
+    for (const NodeIndex node : nodes) {
+      least = std::min<std::uint64_t>(least, left(plans_.network.nodes[node]));
+    }
+    for (const NodeIndex node : nodes) {
+      const std::uint64_t cost = left(plans_.network.nodes[node]) - least;
+      if (cost > 0) minimum.want(-plans_.formula.startsAt(node), cost);
+    }
+    sum += least;
+  }
+  return sum;
+}
+
+/// Takes the weight of every plan that is met for an upper bound.
+CoreGuidedMinimum::AcceptModel LeastWeight::acceptNoting() {
+  return [this] {
+    if (!plans_.check.accept()) return false;
+    best_ = std::min(best_, plans_.check.ordinaryHops() + plans_.check.ordinarySteps());
+    return true;
+  };
+}
+
+void LeastWeight::noteBounds(std::uint64_t leastOrdinaryWeight) const {
+  SearchWatch* watch = SearchWatch::current();
+  if (watch == nullptr) return;
+  const std::uint64_t expensive = expensiveHops_ * expensiveHopWeight;
+  watch->noteProven(expensive + leastOrdinaryWeight);
+  watch->noteFound(expensive + best_);
+}
+
+}  // namespace tarn::evolution::pathfinder

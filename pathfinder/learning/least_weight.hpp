@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "pathfinder/learning/core_guided_minimum.hpp"
+#include "pathfinder/learning/plan_solver.hpp"
+#include "pathfinder/learning/timeline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// How a plan of least weight can share it out.
+struct WeightShare {
+  std::uint64_t expensiveHops;
+  std::uint64_t ordinaryHops;
+  std::uint32_t layers;  ///< steps with an ordinary hop
+  Literal holds;         ///< has to be true for it, and for the timeline to be kept
+};
+
+/// Finds the least weight of all plans, and proves it.
+class LeastWeight {
+ public:
+  /// `fewestLayers`: no plan has fewer steps with an ordinary hop.
+  LeastWeight(PlanSolver& plans, Timeline& timeline, std::uint32_t fewestLayers)
+      : plans_(plans), timeline_(timeline), fewestLayers_(fewestLayers) {}
+
+  /// Every share of the least weight; none when there is no plan. Asked again after plans were
+  /// excluded, goes on from what was proven.
+  std::vector<WeightShare> find();
+
+ private:
+  bool findFewestExpensiveHops();
+  void findFewestOrdinaryHops();
+  std::vector<WeightShare> findLayers();
+  std::optional<WeightShare> shareWith(std::uint32_t layers);
+  template <class Extra, class Left>
+  std::uint64_t setCosts(CoreGuidedMinimum& minimum, const Extra& extra, const Left& left);
+  template <class Left>
+  std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, const Left& left);
+  CoreGuidedMinimum::AcceptModel acceptNoting();
+  void noteBounds(std::uint64_t leastOrdinaryWeight) const;
+
+  PlanSolver& plans_;
+  Timeline& timeline_;
+  const std::uint32_t fewestLayers_;
+
+  std::optional<CoreGuidedMinimum> fewestExpensive_;  // kept: what it has proven stays true
+  std::uint64_t leastExpensive_ = 0;                  // that each way takes in any case
+  std::uint64_t expensiveHops_ = 0;
+  Literal isFewestExpensive_ = 0;
+
+  std::optional<CoreGuidedMinimum> fewestOrdinary_;
+  std::uint64_t leastOrdinary_ = 0;
+  std::uint64_t ordinaryHops_ = 0;
+
+  // The ordinary part of the weight of the best plan met with so few expensive hops.
+  std::uint64_t best_ = std::numeric_limits<std::uint64_t>::max();
+};
+
+}  // namespace tarn::evolution::pathfinder

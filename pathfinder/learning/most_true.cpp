@@ -1,0 +1,40 @@
+// Most literals cannot be true at all, and most of the others can be together. So each is first
+// seen to be true in some plan, all those open asked for at once; what is never seen is impossible.
+// For the possible ones a core-guided minimization begins at "all of them".
+
+#include "pathfinder/learning/most_true.hpp"
+
+#include <stdexcept>
+
+#include "pathfinder/learning/core_guided_minimum.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+std::uint64_t MostTrue::decide(const std::vector<Literal>& literals, Literal isDecided) {
+  std::vector<Literal> open = literals;
+  const std::vector<Literal> possible = takePossible(open);
+  for (const Literal literal : open) plans_.sat.addClause({-isDecided, -literal});
+  CoreGuidedMinimum minimum(plans_.sat);
+  for (const Literal literal : possible) minimum.want(literal, 1);
+  minimum.minimize(assumptions_, [this] { return plans_.check.accept(); });
+  for (const Literal literal : minimum.stillWanted()) {
+    plans_.sat.addClause({-isDecided, literal});
+  }
+  return possible.size() - minimum.lowerBound();
+}
+
+/// Those that are true in some plan; the others stay.
+std::vector<Literal> MostTrue::takePossible(std::vector<Literal>& open) {
+  std::vector<Literal> possible;
+  if (!plans_.findPlan(assumptions_)) throw std::logic_error("no plan has what was proven");
+  do {
+    std::erase_if(open, [&](Literal literal) {
+      if (!plans_.sat.isTrue(literal)) return false;
+      possible.push_back(literal);
+      return true;
+    });
+  } while (!open.empty() && plans_.findPlanWith(open, assumptions_));
+  return possible;
+}
+
+}  // namespace tarn::evolution::pathfinder

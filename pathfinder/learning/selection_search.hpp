@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "pathfinder/hop.hpp"
+#include "pathfinder/learning/dependency_space.hpp"
+#include "pathfinder/learning/selection_host.hpp"
+#include "pathfinder/version_baseline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// A path between two selections, and the baselines that these stand for.
+struct SelectionPath {
+  std::vector<BaselineHop> steps;
+  VersionBaseline source;
+  VersionBaseline target;
+};
+
+/// What a search between two selections comes to.
+struct SelectionAnswer {
+  bool isSettled = true;                             ///< otherwise the question is not for it
+  std::optional<SelectionPath> path = std::nullopt;  ///< settled without one: there is none
+};
+
+/// `VersionRepository::findPath` between two selections, by learning and without linking anything
+/// but what the path holds. For closed questions only (see `DependencySpace`), in which hops form
+/// no cycles.
+SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
+                                        const VersionsByName& to);
+
+}  // namespace tarn::evolution::pathfinder

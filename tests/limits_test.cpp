@@ -1,0 +1,135 @@
+// Searches that are stopped: by a token, a deadline, a ceiling for memory, from within callbacks.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "platform/exception.hpp"
+#include "support/random_question.hpp"
+#include "support/test_question.hpp"
+
+namespace test {
+namespace {
+
+using Stage = SearchProgress::Stage;
+using Reason = SearchStopped::Reason;
+
+/// A question that takes each stage: no two of its metamodels tell why there is no path.
+const char* const tightCatalogue =
+    "A1 A2 A3 A1>2 A2>3 B1 B2 B3 B1>2 B2>3 C1:A1 C2:A[1,4)+B[1,3) C3:B3+A3 C1>2! C2>3 "
+    "D1..3 E1..3 F1..3 G1..3 H1..3 I1..3 J1..3";
+const char* const tightStart = "A1 B1 C1 D1 E1 F1 G1 H1 I1 J1";
+const char* const tightGoal = "A3 B3 C3 D3 E3 F3 G3 H3 I3 J3";
+
+std::string reasonOf(TestRepository& repository, const SearchLimits& limits) {
+  try {
+    repository.findPath(selection(tightStart), selection(tightGoal), limits);
+    return "answered";
+  } catch (const SearchStopped& stopped) {
+    return "stopped " + std::to_string(static_cast<int>(stopped.reason()));
+  }
+}
+
+TEST(Limits, EachEndsTheSearchAndLeavesTheRepositoryUsable) {
+  TestRepository untroubled(tightCatalogue);
+  const std::string expected =
+      describe(untroubled.findPath(selection(tightStart), selection(tightGoal)));
+  std::stop_source stopped;
+  stopped.request_stop();
+  const SearchLimits all[] = {
+      {.stop = stopped.get_token()},
+      {.deadline = std::chrono::steady_clock::now()},
+      {.memory = 0},
+  };
+  for (const SearchLimits& limits : all) {
+    TestRepository repository(tightCatalogue);
+    const auto number = std::to_string(&limits - all);
+    EXPECT_EQ(reasonOf(repository, limits), "stopped " + number);
+    EXPECT_EQ(reasonOf(repository, {}), "answered");
+    EXPECT_EQ(describe(repository.findPath(selection(tightStart), selection(tightGoal))), expected);
+  }
+}
+
+TEST(Limits, AStopAtAnyCallbackArrivesAndChangesNoAnswer) {
+  RandomRun run(300);
+  run.ask(randomQuestion, [&](const std::string& text, Random& random) {
+    TestQuestion question(text);
+    if (!question.isPosed()) return;
+    const auto ask = [&](TestQuestion& asked, const SearchLimits& limits) {
+      return test::outcomeOf([&]() -> Path {
+        return asked.repository.findPath(asked.sources, asked.targets, asked.direction, limits);
+      });
+    };
+    question.repository.calls.clear();
+    const std::string expected = ask(question, {});
+    const std::size_t calls = question.repository.calls.size();
+    if (calls == 0) return;
+    TestQuestion stopped(text);
+    std::stop_source source;
+    std::size_t left = random.upTo(calls);
+    stopped.repository.onCall = [&](const std::string&) {
+      if (--left == 0) source.request_stop();
+    };
+    const std::string outcome = ask(stopped, {.stop = source.get_token()});
+    stopped.repository.onCall = {};
+    run.count("stopped", outcome != expected);
+    if (outcome != expected) {
+      EXPECT_EQ(outcome.substr(0, 7), "throws ") << outcome;
+      EXPECT_NE(outcome.find("No path weighs less than"), std::string::npos) << outcome;
+    }
+    EXPECT_EQ(ask(stopped, {}), expected);
+  });
+  run.expectPercentages({{"stopped", 10}});
+}
+
+TEST(Limits, ProgressTellsBoundsThatTheAnswerKeeps) {
+  RandomRun run(300);
+  run.ask(randomQuestion, [&](const std::string& text, Random&) {
+    TestQuestion question(text);
+    if (!question.isPosed()) return;
+    SearchProgress last;
+    const SearchLimits limits{.progress = [&](const SearchProgress& progress) {
+      EXPECT_GE(progress.leastProven, last.leastProven);
+      last = progress;
+    }};
+    Path path;
+    try {
+      path = question.repository.findPath(question.sources, question.targets, question.direction,
+                                          limits);
+    } catch (const std::exception&) {
+      return;
+    }
+    if (!path) return;
+    std::uint64_t weight = 0;
+    for (const BaselineHop& step : *path) weight += question.repository.getWeight(step.hops);
+    EXPECT_LE(last.leastProven, weight);
+    run.count("told", last.stage != Stage::Preparing);
+  });
+  run.expectPercentages({{"told", 15}});
+}
+
+TEST(Limits, WhatProgressThrowsReachesTheCaller) {
+  TestRepository repository(tightCatalogue);
+  const SearchLimits limits{.progress = [](const SearchProgress&) { throw CallbackFailure(); }};
+  EXPECT_THROW(repository.findPath(selection(tightStart), selection(tightGoal), limits),
+               CallbackFailure);
+}
+
+TEST(Limits, ProductsThatNoMemoryHoldsAreRefused) {
+  // Two names with thousands of linked metamodels each, and none to choose between them.
+  TestRepository repository("P1..20000 Q1..20000 A1:P[1,20001) B1:Q[1,20001)");
+  repository.isNoting = false;
+  try {
+    repository.combine(selection("A1 B1"));
+    FAIL() << "no exception";
+  } catch (const std::length_error& error) {
+    EXPECT_EQ(std::string(error.what()).substr(0, 53),
+              "A selection of 2 metamodels can be combined in more t");
+  }
+  EXPECT_EQ(repository.combine(selection("A1")).size(), 20000U);
+  const SearchLimits limits{.memory = 10'000'000};
+  EXPECT_THROW(repository.findPath(repository.combine(selection("A1")), selection("A1 B1"), limits),
+               SearchStopped);
+}
+
+}  // namespace
+}  // namespace test
