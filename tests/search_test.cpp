@@ -96,7 +96,7 @@ TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
     } catch (const std::exception&) {
       return;  // what a question that links everything meets
     }
-    found = searchBetweenSelections(repository.access, from, to);
+    found = searchBetweenSelections(accessTo(repository), from, to);
     run.count("settled", found.isSettled);
     if (!found.isSettled) return;
     const Path path = found.path ? Path(found.path->steps) : std::nullopt;
