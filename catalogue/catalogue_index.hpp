@@ -76,6 +76,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
 
   using ByVersion = std::unordered_map<VersionKey, Positions, VersionKeyHash, SameVersionKey>;
 
+  Positions metamodelsInAny(const std::u16string& name,
+                            const std::vector<pathfinder::VersionRange>& ranges) const;
   static const Positions& lookUp(const ByVersion& map, const VersionKeyView& key);
 
   ByVersion metamodels_;

@@ -14,10 +14,10 @@ namespace tarn::evolution::catalogue {
 ///      "hops":       [{"name", "from", "to", "expensive"}],
 ///      "question":   {"from": {name: version}, "to": {name: version}}}
 ///
-/// All values are texts but "expensive", which is true or false, and "range", which is either a
-/// pair of semantic versions [lower, upper) or one version. "semver", the semantic equivalent of a
-/// text version, and "question" may be left out. A version that does not read as a semantic version
-/// is a text version.
+/// All values are texts but "expensive", which is true or false, and "range", which is a pair
+/// of semantic versions [lower, upper), or one version, or {"anyOf": [...]} of several of these.
+/// "semver", the semantic equivalent of a text version, and "question" may be left out. A version
+/// that does not read as a semantic version is a text version.
 ///
 /// Throws CatalogueError when the text is not JSON or not of this form, or when the catalogue is
 /// unsound (see `Catalogue`).

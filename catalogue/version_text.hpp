@@ -10,7 +10,8 @@
 /// component beyond 64 bits.
 namespace tarn::evolution::catalogue {
 
-/// A semantic version where the text is one, otherwise a text version.
+/// A semantic version where the text is one, otherwise a text version; throws std::invalid_argument
+/// as well for a text that reads as the beginning of a union (see `unionOf`).
 TARN_EVOLUTION_CATALOGUE_EXPORT pathfinder::VersionId parseVersion(const std::string& utf8);
 
 /// A semantic version; throws std::invalid_argument as well when the text is none.

@@ -79,7 +79,7 @@ function(tarn_install_pkgconfig name component)
   if(TARN_STATIC)
     set(TARN_PKGCONFIG_DEFINES " -D${library}_STATIC_DEFINE")
     if(name STREQUAL "tarn-evolution-catalogue")
-      set(TARN_PKGCONFIG_PRIVATE "Requires.private: sqlite3 >= ${TARN_SQLITE_VERSION}, libutf8proc\n")
+      set(TARN_PKGCONFIG_PRIVATE "Requires.private: sqlite3 >= ${TARN_SQLITE_VERSION}, libutf8proc, yaml-0.1\n")
     elseif(name STREQUAL "tarn-evolution-catalogue-c")
       set(TARN_PKGCONFIG_PRIVATE
         "Requires.private: tarn-evolution-catalogue = ${PROJECT_VERSION}\nLibs.private: -lstdc++ -lm\n")

@@ -14,6 +14,7 @@ packages=(
   libcadical-dev                                   # the solver of the search that learns
   nlohmann-json3-dev libcli11-dev                  # catalogue reader and command line
   libsqlite3-dev                                   # catalogue stores
+  libyaml-dev                                      # catalogues of other programs
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
   pkg-config                                       # tests: hosts that find the library by it

@@ -9,6 +9,8 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/check/json_draft.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "catalogue/range_union.hpp"
+#include "catalogue/utf16.hpp"
 #include "platform/exception.hpp"
 #include "support/catalogue_json.hpp"
 #include "support/random_run.hpp"
@@ -185,6 +187,19 @@ std::string randomContent(Random& random) {
   return content;
 }
 
+/// Makes some ranges unions with another one.
+void addUnions(TestRepository& repository, Random& random) {
+  for (Metamodel& metamodel : repository.metamodels) {
+    for (Dependency& dependency : metamodel.dependencies) {
+      if (!random.chance(25)) continue;
+      const std::uint64_t lower = random.upTo(4);
+      VersionRange other = between(lower, lower + random.upTo(2));
+      if (random.chance(20)) other = toUtf16("t" + std::to_string(random.upTo(3)));
+      dependency.range = unionOf({dependency.range, other});
+    }
+  }
+}
+
 /// The places of versions of which the findings say that they can be in no baseline.
 std::set<std::string> unusable(const std::vector<Finding>& findings) {
   std::set<std::string> result;
@@ -229,6 +244,7 @@ TEST(Check, SaysOfVersionsAndSelectionsWhatLinkingThemSays) {
   RandomRun run(3000);
   run.ask(randomContent, [&](const std::string& content, Random& random) {
     TestRepository plain(content);
+    addUnions(plain, random);
     nlohmann::ordered_json document = toJson(plain);
     std::string selected;
     for (const char* item : {"A1", "B2", "C3"}) {

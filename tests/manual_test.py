@@ -32,6 +32,8 @@ COMPLETIONS = [
     ("evopath check data/op", ["data/operators.json"]),
     ("evopath check --severity w", ["warning"]),
     ("evopath add s.store data/op", ["data/operators.json"]),
+    ("evopath import --from o", ["operators"]),
+    ("evopath import --from npm a.json data/op", ["data/operators.json"]),
     ("evopath show x.json d", []),
     ("evopath path x.json --output da", ["data"]),
 ]

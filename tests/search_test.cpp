@@ -99,7 +99,7 @@ bool compareSelections(const QuestionText& question, RandomRun* run) {
   }
   SelectionAnswer found;
   try {
-    found = searchBetweenSelections(repository.access, from, to);
+    found = searchBetweenSelections(accessTo(repository), from, to);
   } catch (...) {
     // What fails far from every path is met by the survey of a whole name.
     EXPECT_TRUE(expected.empty() || !repository.failing.empty()) << expected;

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "pathfinder/search/step_generation.hpp"
+#include "support/engine_question.hpp"
 #include "support/path_finder_errors.hpp"
 #include "support/test_repository.hpp"
 #include "support/trace_capture.hpp"
@@ -92,7 +93,7 @@ TEST(Steps, TooManyToListIsALengthErrorBeforeAnyAttempt) {
   EXPECT_EQ(repository.calls.size(), 15U) << "one findHops for each name, and nothing else";
   const VersionBaseline from = repository.baseline(selected);
   EXPECT_THROW(
-      StepGeneration(repository.access, from, tarn::evolution::pathfinder::Direction::Unknown)
+      StepGeneration(accessTo(repository), from, tarn::evolution::pathfinder::Direction::Unknown)
           .run(),
       std::length_error);
   addNameWith15Hops("P");

@@ -12,7 +12,7 @@ DependencyGraph graphOf(const DraftIndex& index) {
   std::vector<DependencyGraph::Dependency> dependencies;
   for (Slot slot = 0; slot < index.slots().size(); ++slot) {
     for (const ResolvedDependency& dependency : index.dependenciesOf(slot)) {
-      dependencies.push_back({slot, dependency.candidates});
+      dependency.forCandidates([&](SlotInterval each) { dependencies.push_back({slot, each}); });
     }
   }
   return {index.slots().size(), std::move(dependencies)};

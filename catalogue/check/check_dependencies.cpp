@@ -9,6 +9,16 @@ namespace tarn::evolution::catalogue {
 
 namespace {
 
+using Slots = std::vector<SlotInterval>;
+
+bool share(const Slots& left, const Slots& right) {
+  return std::any_of(left.begin(), left.end(), [&](SlotInterval one) {
+    return std::any_of(right.begin(), right.end(), [&](SlotInterval other) {
+      return std::max(one.begin, other.begin) < std::min(one.end, other.end);
+    });
+  });
+}
+
 class DependencyCheck {
  public:
   DependencyCheck(const DraftIndex& index, Findings& findings)
@@ -60,10 +70,9 @@ class DependencyCheck {
       first = {&row, &dependency};
       return;
     }
-    const SlotInterval before = index_.versionsIn(name, *first.dependency->range);
-    const SlotInterval here = index_.versionsIn(name, *dependency.range);
-    const SlotInterval shared{std::max(before.begin, here.begin), std::min(before.end, here.end)};
-    const bool isContradictory = !before.empty() && !here.empty() && shared.empty();
+    const Slots before = index_.versionsIn(name, *first.dependency->range);
+    const Slots here = index_.versionsIn(name, *dependency.range);
+    const bool isContradictory = !before.empty() && !here.empty() && !share(before, here);
     std::string message = subject(row) + " depends on " + quotedName(*dependency.name) +
                           " twice, " + rangeText(*first.dependency->range) + " and " +
                           rangeText(*dependency.range);

@@ -11,6 +11,13 @@ namespace tarn::evolution::catalogue {
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
+bool ResolvedDependency::admits(Slot slot) const {
+  return candidates.contains(slot) &&
+         (pieces.empty() || std::any_of(pieces.begin(), pieces.end(), [slot](SlotInterval piece) {
+            return piece.contains(slot);
+          }));
+}
+
 DraftIndex::DraftIndex(const CatalogueDraft& draft) : draft_(draft), slots_(placeVersions()) {
   resolveDependencies();
 }
@@ -60,18 +67,37 @@ void DraftIndex::resolveDependencies() {
       if (!rows[i].name || !rows[i].range) continue;
       const NameNumber name = find(*rows[i].name);
       if (name == nothing) continue;
-      dependencies_.push_back({name, versionsIn(name, *rows[i].range), i, seenIn[name] != slot});
+      dependencies_.push_back(resolved(name, *rows[i].range, i, seenIn[name] != slot));
       seenIn[name] = slot;
     }
   }
   dependencyStart_.push_back(dependencies_.size());
 }
 
-SlotInterval DraftIndex::versionsIn(NameNumber name, const VersionRange& range) const {
-  return slots_.admittedBy(name, range, [&](const std::u16string& text) {
-    const auto found = texts_.find({name, text});
-    return found == texts_.end() ? nothing : slots_.slotOf(found->second);
+ResolvedDependency DraftIndex::resolved(NameNumber name, const VersionRange& range,
+                                        std::uint32_t row, bool isFirstOfName) const {
+  ResolvedDependency result{name, {}, row, isFirstOfName};
+  slots_.forAdmitted(name, range, textFinder(name), [&result](SlotInterval piece) {
+    if (result.candidates.empty()) {
+      result.candidates = piece;
+      return;
+    }
+    if (result.pieces.empty()) result.pieces.push_back(result.candidates);
+    result.pieces.push_back(piece);
+    result.candidates.end = piece.end;
   });
+  return result;
+}
+
+std::vector<SlotInterval> DraftIndex::versionsIn(NameNumber name, const VersionRange& range) const {
+  std::vector<SlotInterval> result;
+  slots_.forAdmitted(name, range, textFinder(name),
+                     [&result](SlotInterval interval) { result.push_back(interval); });
+  return result;
+}
+
+SlotInterval DraftIndex::versionsAt(NameNumber name, const VersionId& version) const {
+  return slots_.denotedBy(name, version, textFinder(name));
 }
 
 Slot DraftIndex::denotedBy(NameNumber name, const VersionId& version) const {

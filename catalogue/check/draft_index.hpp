@@ -15,9 +15,19 @@ namespace tarn::evolution::catalogue {
 /// A dependency of which name and range could be read, and whose name is there.
 struct ResolvedDependency {
   NameNumber name;
-  SlotInterval candidates;
-  std::uint32_t row;   ///< in the list of its metamodel
-  bool isFirstOfName;  ///< among the dependencies of its metamodel
+  SlotInterval candidates;                ///< for a union, from the first to the last
+  std::uint32_t row;                      ///< in the list of its metamodel
+  bool isFirstOfName;                     ///< among the dependencies of its metamodel
+  std::vector<SlotInterval> pieces = {};  ///< of `candidates`, when not all in them are
+
+  bool admits(Slot slot) const;
+
+  /// Hands each interval of candidates to `receive`.
+  template <class Receive>
+  void forCandidates(const Receive& receive) const {
+    if (pieces.empty()) return receive(candidates);
+    for (const SlotInterval piece : pieces) receive(piece);
+  }
 
   /// Whether linking chooses a version by it, and finds one.
   bool decides() const { return isFirstOfName && !candidates.empty(); }
@@ -44,14 +54,13 @@ class DraftIndex {
   const pathfinder::VersionId& version(Slot slot) const { return *row(slot).version; }
   Place placeOf(Slot slot) const { return draft_.placeOf(row(slot)); }
 
-  /// The versions that a range admits.
-  SlotInterval versionsIn(NameNumber name, const pathfinder::VersionRange& range) const;
+  /// The versions that a range admits, as ascending intervals that do not touch.
+  std::vector<SlotInterval> versionsIn(NameNumber name,
+                                       const pathfinder::VersionRange& range) const;
 
   /// The versions that a version denotes: those that carry it, and those for which it is the
   /// equivalent.
-  SlotInterval versionsAt(NameNumber name, const pathfinder::VersionId& version) const {
-    return versionsIn(name, pathfinder::VersionRange::singleVersion(version));
-  }
+  SlotInterval versionsAt(NameNumber name, const pathfinder::VersionId& version) const;
 
   /// The version that asking for a version gives: of those that it denotes, and of those that share
   /// their equivalent with a text version, the first in the file. `nothing` when there is none.
@@ -81,6 +90,17 @@ class DraftIndex {
   void numberNames();
   VersionSlots placeVersions();
   void resolveDependencies();
+  ResolvedDependency resolved(NameNumber name, const pathfinder::VersionRange& range,
+                              std::uint32_t row, bool isFirstOfName) const;
+
+  /// Gives the slot of a text version of that name, or `nothing`.
+  auto textFinder(NameNumber name) const {
+    return [this, name](const std::u16string& text) {
+      const auto found = texts_.find({name, text});
+      return found == texts_.end() ? nothing : slots_.slotOf(found->second);
+    };
+  }
+
   std::size_t dependencyCount(Slot slot) const {
     return dependencyStart_[slot + std::size_t{1}] - dependencyStart_[slot];
   }

@@ -1,6 +1,7 @@
 // Backtracking search with unit propagation and conflict-directed backjumping. Variables are the
-// names required so far; a domain is an interval of slots, with the two requirements that bound it;
-// taking a version makes it meet the requirements of its dependencies.
+// names required so far; a domain is an interval of slots, with the two requirements that bound it
+// and the unions whose gaps may lie within it, which are looked at when a version is about to be
+// taken; taking a version makes it meet the requirements of its dependencies.
 //
 // - A domain with one version left is taken at once (`forced_`), so that pinned dependencies cost
 //   one look each. Otherwise the first open name is decided, newest version first.
@@ -95,7 +96,7 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
   const Domain& known = domain(requirement.name);
   const SlotInterval wanted = requirement.candidates;
   if (known.taken != nothing) {
-    if (wanted.contains(known.taken)) return true;
+    if (requirement.admits(known.taken)) return true;
     const bool lowerExcludes = areDisjoint(known.lower.candidates, wanted);
     if (lowerExcludes || areDisjoint(known.upper.candidates, wanted)) {
       noteClash(lowerExcludes ? known.lower : known.upper, requirement);
@@ -120,7 +121,8 @@ void LinkSolver::narrow(const LinkRequirement& requirement) {
   const SlotInterval left = domain(requirement.name).left;
   const SlotInterval wanted = requirement.candidates;
   const bool isNew = left.empty();
-  if (!isNew && wanted.begin <= left.begin && left.end <= wanted.end) return;
+  const bool isUnion = requirement.parts != nullptr;
+  if (!isNew && !isUnion && wanted.begin <= left.begin && left.end <= wanted.end) return;
   Domain& changed = changedDomain(requirement.name);
   if (isNew) {
     changed.left = wanted;
@@ -128,6 +130,7 @@ void LinkSolver::narrow(const LinkRequirement& requirement) {
     changed.cause = requirement.holder;
     required_.push_back(requirement.name);
   }
+  if (isUnion) changed.unions.push_back(requirement);
   if (changed.left.begin < wanted.begin) {
     changed.left.begin = wanted.begin;
     changed.lower = requirement;
@@ -145,8 +148,9 @@ bool LinkSolver::takeForced() {
     const NameNumber name = forced_.back();
     forced_.pop_back();
     const Slot slot = domain(name).left.begin;
-    if (isExcluded_[slot]) {
-      blameBounds(domain(name));
+    if (domain(name).taken == slot) continue;
+    if (isExcluded_[slot] || !isAdmitted(name, slot)) {
+      blameAll(domain(name));
       return false;
     }
     if (!take(name, slot, nothing)) return false;
@@ -164,7 +168,10 @@ bool LinkSolver::take(NameNumber name, Slot slot, std::uint32_t level) {
 bool LinkSolver::requireAll(Slot holder) {
   for (const ResolvedDependency& dependency : index_.dependenciesOf(holder)) {
     if (!dependency.decides()) continue;
-    if (!meet({dependency.name, dependency.candidates, holder, dependency.row})) return false;
+    const ResolvedDependency* parts = dependency.pieces.empty() ? nullptr : &dependency;
+    if (!meet({dependency.name, dependency.candidates, holder, dependency.row, parts})) {
+      return false;
+    }
   }
   return true;
 }
@@ -194,12 +201,12 @@ bool LinkSolver::tryNext() {
   while (decision.next > first) {
     const Slot slot = --decision.next;
     ++work_;
-    if (isExcluded_[slot]) continue;
+    if (isExcluded_[slot] || !isAdmitted(decision.name, slot)) continue;
     conflict_.clear();
     return take(decision.name, slot, level) && takeForced();
   }
   conflict_ = decision.conflict;
-  blameBounds(domain(decision.name));
+  blameAll(domain(decision.name));
   choices_.push_back(decision.name);
   decisions_.pop_back();
   return false;
@@ -283,9 +290,16 @@ void LinkSolver::blame(Slot holder) {
   }
 }
 
-void LinkSolver::blameBounds(const Domain& domain) {
+void LinkSolver::blameAll(const Domain& domain) {
   blame(domain.lower.holder);
   blame(domain.upper.holder);
+  for (const LinkRequirement& requirement : domain.unions) blame(requirement.holder);
+}
+
+bool LinkSolver::isAdmitted(NameNumber name, Slot slot) {
+  const auto& unions = domain(name).unions;
+  return std::all_of(unions.begin(), unions.end(),
+                     [slot](const LinkRequirement& each) { return each.admits(slot); });
 }
 
 }  // namespace tarn::evolution::catalogue

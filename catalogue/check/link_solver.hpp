@@ -14,6 +14,13 @@ struct LinkRequirement {
   SlotInterval candidates;
   Slot holder = nothing;  ///< the version whose dependency it is; `nothing` for what is asked for
   std::uint32_t row = nothing;  ///< of the dependency
+
+  /// Of a union, what it consists of; `candidates` spans that. Refers to the dependency.
+  const ResolvedDependency* parts = nullptr;
+
+  bool admits(Slot slot) const {
+    return candidates.contains(slot) && (parts == nullptr || parts->admits(slot));
+  }
 };
 
 /// Two requirements that exclude one another, with the versions that lead from what is asked for to
@@ -65,7 +72,8 @@ class LinkSolver {
     SlotInterval left;
     LinkRequirement lower;  // what sets the bounds of `left`
     LinkRequirement upper;
-    Slot cause = nothing;  // the holder of the first requirement
+    std::vector<LinkRequirement> unions;  // whose gaps may lie within `left`
+    Slot cause = nothing;                 // the holder of the first requirement
     Slot taken = nothing;
     std::uint32_t level = nothing;  // of the decision that took it; none if nothing else was left
   };
@@ -102,7 +110,8 @@ class LinkSolver {
   void noteClash(const LinkRequirement& first, const LinkRequirement& second);
   std::vector<Slot> chainTo(Slot holder);
   void blame(Slot holder);
-  void blameBounds(const Domain& domain);
+  void blameAll(const Domain& domain);
+  bool isAdmitted(NameNumber name, Slot slot);
 
   const DraftIndex& index_;
   std::vector<bool> isExcluded_;

@@ -92,7 +92,7 @@ bool LinkWitnesses::covers(const Set& set, Slot slot) const {
   return std::all_of(dependencies.begin(), dependencies.end(), [&](const auto& dependency) {
     if (!dependency.decides()) return true;
     const auto held = set.find(dependency.name);
-    return held != set.end() && dependency.candidates.contains(held->second);
+    return held != set.end() && dependency.admits(held->second);
   });
 }
 

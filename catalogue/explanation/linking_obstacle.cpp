@@ -4,6 +4,7 @@
 
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/suggestions.hpp"
+#include "catalogue/range_union.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -38,7 +39,8 @@ std::vector<Dependency> decisiveDependencies(const Metamodel& metamodel) {
   return result;
 }
 
-pathfinder::VersionId nearTo(const pathfinder::VersionRange& range) {
+pathfinder::VersionId nearTo(const pathfinder::VersionRange& wanted) {
+  const pathfinder::VersionRange range = piecesOf(wanted).front();
   if (!range.isSemVerRange()) return range.getText();
   return range.getSemVerRange().lower;
 }

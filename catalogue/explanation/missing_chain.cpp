@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "catalogue/range_union.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -25,8 +27,12 @@ std::vector<NamedVersion> findDependents(BrowsableRepository& content, const Hop
   const auto hopsLeft = graph.hopsTo(target.version);
   const auto bringsIn = [&](const Dependency& dependency) {
     if (dependency.name != target.name) return false;
+    const auto pieces = piecesOf(dependency.range);
     for (HopGraph::Vertex vertex = 0; vertex < hopsLeft.size(); ++vertex) {
-      if (hopsLeft[vertex] && content.includes(dependency.range, graph.versions()[vertex])) {
+      const Metamodel& version = graph.versions()[vertex];
+      if (hopsLeft[vertex] && std::any_of(pieces.begin(), pieces.end(), [&](const auto& piece) {
+            return content.includes(piece, version);
+          })) {
         return true;
       }
     }

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -71,6 +72,7 @@ const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16stri
 
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
                                                        const VersionRange& range) const {
+  if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
   if (const auto single = findSingleVersion(range)) return metamodelsAt(name, *single);
   const SemVerRange& bounds = range.getSemVerRange();
   const auto& versions = semanticVersions(name);
@@ -80,6 +82,18 @@ CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& nam
     result.push_back(entry->position);
   }
   std::sort(result.begin(), result.end());
+  return result;
+}
+
+CatalogueIndex::Positions CatalogueIndex::metamodelsInAny(
+    const std::u16string& name, const std::vector<VersionRange>& ranges) const {
+  Positions result;
+  for (const VersionRange& range : ranges) {
+    const Positions found = metamodelsIn(name, range);
+    result.insert(result.end(), found.begin(), found.end());
+  }
+  std::sort(result.begin(), result.end());
+  result.erase(std::unique(result.begin(), result.end()), result.end());
   return result;
 }
 

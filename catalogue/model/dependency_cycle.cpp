@@ -43,8 +43,9 @@ std::vector<CatalogueIndex::Position> findDependencyCycle(
         return found.empty() ? nothing : slots.slotOf(found.front());
       };
       const NameNumber name = names.at(dependency.name);
-      dependencies.push_back(
-          {slots.slotOf(position), slots.admittedBy(name, dependency.range, findText)});
+      slots.forAdmitted(name, dependency.range, findText, [&](SlotInterval candidates) {
+        dependencies.push_back({slots.slotOf(position), candidates});
+      });
     }
   }
   const std::vector<std::uint32_t> rows = findCycle(slots, std::move(dependencies));

@@ -18,7 +18,8 @@ class DependencyGraph {
  public:
   using Node = std::uint32_t;
 
-  /// A version and the candidates of one of its dependencies.
+  /// A version and candidates of one of its dependencies: all of them, or an interval of those of
+  /// a union of ranges.
   struct Dependency {
     Slot from;
     SlotInterval candidates;

@@ -27,6 +27,21 @@ bool isHigher(const SemVer& bound, const Version& version) {
 
 }  // namespace
 
+std::vector<SlotInterval> united(std::vector<SlotInterval> intervals) {
+  std::erase_if(intervals, [](SlotInterval each) { return each.empty(); });
+  std::sort(intervals.begin(), intervals.end(),
+            [](SlotInterval left, SlotInterval right) { return left.begin < right.begin; });
+  std::vector<SlotInterval> result;
+  for (const SlotInterval each : intervals) {
+    if (result.empty() || result.back().end < each.begin) {
+      result.push_back(each);
+    } else {
+      result.back().end = std::max(result.back().end, each.end);
+    }
+  }
+  return result;
+}
+
 VersionSlots::VersionSlots(std::vector<Version> versions, std::size_t names, std::size_t rows)
     : versions_(std::move(versions)), all_(names), semantic_(names), slotOf_(rows, nothing) {
   std::sort(versions_.begin(), versions_.end(), comesBefore);

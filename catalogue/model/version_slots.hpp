@@ -4,16 +4,18 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "pathfinder/version_id.hpp"
 
 namespace tarn::evolution::catalogue {
 
-/// A version of a catalogue, by its place in an order in which every range is an interval: the
-/// versions of one name stand together, those with a semantic version or equivalent first and
-/// ascending, otherwise in the catalogue's order.
+/// A version of a catalogue, by its place in an order in which every range is an interval, and a
+/// union of ranges several: the versions of one name stand together, those with a semantic version
+/// or equivalent first and ascending, otherwise in the catalogue's order.
 using Slot = std::uint32_t;
 
 /// A name, by its place in any order of names.
@@ -31,6 +33,9 @@ struct SlotInterval {
   bool contains(Slot slot) const { return begin <= slot && slot < end; }
   Slot size() const { return end - begin; }
 };
+
+/// The same slots as ascending intervals that do not touch, none of them empty.
+std::vector<SlotInterval> united(std::vector<SlotInterval> intervals);
 
 /// The versions of a catalogue in their slots. Ranges take a binary search each. Text versions are
 /// for others to find.
@@ -58,19 +63,42 @@ class VersionSlots {
   /// The versions that a semantic version denotes.
   SlotInterval denotedBy(NameNumber name, const pathfinder::SemVer& version) const;
 
-  /// The versions that a range admits; `findText` gives the slot of a text version of that name, or
-  /// `nothing`.
+  /// The versions that a version denotes; `findText` gives the slot of a text version of that name,
+  /// or `nothing`.
   template <class FindText>
-  SlotInterval admittedBy(NameNumber name, const pathfinder::VersionRange& range,
-                          const FindText& findText) const {
-    const auto single = findSingleVersion(range);
-    if (!single) return between(name, range.getSemVerRange());
-    if (single->isSemVer()) return denotedBy(name, single->getSemVer());
-    const Slot slot = findText(single->getText());
+  SlotInterval denotedBy(NameNumber name, const pathfinder::VersionId& version,
+                         const FindText& findText) const {
+    if (version.isSemVer()) return denotedBy(name, version.getSemVer());
+    const Slot slot = findText(version.getText());
     return slot == nothing ? SlotInterval{} : SlotInterval{slot, slot + 1};
   }
 
+  /// Hands the versions that a range admits to `receive`, as ascending intervals that do not touch:
+  /// at most one of them, but for a union.
+  template <class FindText, class Receive>
+  void forAdmitted(NameNumber name, const pathfinder::VersionRange& range, const FindText& findText,
+                   const Receive& receive) const {
+    if (!isUnion(range)) {
+      const SlotInterval interval = admittedByOne(name, range, findText);
+      if (!interval.empty()) receive(interval);
+      return;
+    }
+    std::vector<SlotInterval> intervals;
+    for (const auto& piece : piecesOf(range)) {
+      intervals.push_back(admittedByOne(name, piece, findText));
+    }
+    for (const SlotInterval interval : united(std::move(intervals))) receive(interval);
+  }
+
  private:
+  /// For a range that is no union.
+  template <class FindText>
+  SlotInterval admittedByOne(NameNumber name, const pathfinder::VersionRange& range,
+                             const FindText& findText) const {
+    const auto single = findSingleVersion(range);
+    return single ? denotedBy(name, *single, findText) : between(name, range.getSemVerRange());
+  }
+
   SlotInterval between(NameNumber name, const pathfinder::SemVerRange& bounds) const;
 
   std::vector<Version> versions_;

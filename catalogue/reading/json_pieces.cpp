@@ -53,8 +53,8 @@ class PieceBuilder : public nlohmann::json_sax<json> {
 
  private:
   /// How many containers a catalogue has within one another at most: the root, its metamodels, one
-  /// of them, its dependencies, one of them, its range.
-  static constexpr std::size_t deepest = 6;
+  /// of them, its dependencies, one of them, its range, the list of a union, one of its ranges.
+  static constexpr std::size_t deepest = 8;
 
   JsonValue make(Kind kind) {
     JsonValue value;

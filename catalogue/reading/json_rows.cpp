@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/version_text.hpp"
 
@@ -175,6 +176,25 @@ class RowReader {
   }
 
   std::optional<VersionRange> readRange(const JsonSpot& spot) {
+    if (spot.value.kind != Kind::Object) return readSimpleRange(spot);
+    if (!expectObject(spot, {"anyOf"})) return std::nullopt;
+    return requiredField(spot, "anyOf", [&](const JsonSpot& list) { return readUnion(list); });
+  }
+
+  std::optional<VersionRange> readUnion(const JsonSpot& list) {
+    if (!expect(list, Kind::Array, "an array")) return std::nullopt;
+    std::vector<VersionRange> pieces;
+    bool isComplete = true;
+    for (std::size_t i = 0; i < list.value.children.size(); ++i) {
+      auto piece = readSimpleRange({list.value.children[i], &list, i});
+      isComplete = isComplete && piece;
+      if (piece) pieces.push_back(*std::move(piece));
+    }
+    if (!isComplete) return std::nullopt;
+    return orFault(JsonFault::BadRange, list, [&] { return unionOf(pieces); });
+  }
+
+  std::optional<VersionRange> readSimpleRange(const JsonSpot& spot) {
     if (spot.value.kind != Kind::Array) {
       return parsedText(JsonFault::BadRange, spot, [](const std::string& text) {
         return VersionRange::singleVersion(parseVersion(text));

@@ -1,7 +1,10 @@
 #include "catalogue/store/sqlite_reader.hpp"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
+#include "catalogue/range_union.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/text/version_range.hpp"
 
@@ -49,6 +52,7 @@ SqliteReader::SqliteReader(SqliteDatabase& database)
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& name,
                                                         const VersionRange& range) {
+  if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
   const auto stored = storedText(name);
   if (!stored) return {};
   const auto single = findSingleVersion(range);
@@ -62,6 +66,20 @@ std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& na
   }
   const auto& [lower, upper] = range.getSemVerRange();
   return metamodels(selectRange_.query(*stored, pack(lower), pack(upper)), name);
+}
+
+std::vector<StoredMetamodel> SqliteReader::metamodelsInAny(
+    const std::u16string& name, const std::vector<VersionRange>& ranges) {
+  std::map<std::int64_t, StoredMetamodel> found;
+  for (const VersionRange& range : ranges) {
+    for (StoredMetamodel& stored : metamodelsIn(name, range)) {
+      found.emplace(stored.position, std::move(stored));
+    }
+  }
+  std::vector<StoredMetamodel> result;
+  result.reserve(found.size());
+  for (auto& [position, stored] : found) result.push_back(std::move(stored));
+  return result;
 }
 
 std::vector<Hop> SqliteReader::hopsFrom(const std::u16string& name, const VersionId& version) {

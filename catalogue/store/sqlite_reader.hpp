@@ -37,6 +37,8 @@ class SqliteReader {
   void readAll(CatalogueSink& sink);
 
  private:
+  std::vector<StoredMetamodel> metamodelsInAny(const std::u16string& name,
+                                               const std::vector<pathfinder::VersionRange>& ranges);
   StoredMetamodel metamodelIn(const SqliteStatement::Rows& rows, const std::u16string& name);
   std::vector<StoredMetamodel> metamodels(SqliteStatement::Rows rows, const std::u16string& name);
   pathfinder::Hop hopIn(const SqliteStatement::Rows& rows, const std::u16string& name) const;

@@ -1,11 +1,17 @@
 #include "catalogue/store/store_removal.hpp"
 
+#include <algorithm>
+#include <utility>
+
+#include "catalogue/range_union.hpp"
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/store/sqlite_reader.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/text/messages.hpp"
 
 namespace tarn::evolution::catalogue {
+
+using pathfinder::VersionRange;
 
 namespace {
 
@@ -31,6 +37,16 @@ constexpr const char* selectObstacles =
     ") "
     "AND NOT EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " STAYS
     ")) "
+    "ORDER BY d.metamodel, d.ordinal";
+
+// Dependencies on a union of ranges, of a name of which some version stays.
+constexpr const char* selectUnions =
+    "SELECT d.metamodel, d.ordinal, names.name, d.version FROM dependencies d "
+    "JOIN names ON names.id = d.name "
+    "WHERE d.name IN (SELECT name FROM touched) "
+    "AND d.metamodel NOT IN (SELECT position FROM chosen) AND d.version GLOB ?1 "
+    "AND EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
+    ") "
     "ORDER BY d.metamodel, d.ordinal";
 
 #undef SATISFIES
@@ -90,13 +106,41 @@ void StoreRemoval::choose(const RemovalChoice& choice) {
 
 void StoreRemoval::collectObstacles(RemovalResult& result) {
   SqliteReader reader(store_);
+  const std::vector<Place> unions = findUnmetUnions(reader);
+  const auto add = [&](const Place& place) {
+    if (result.obstacleCount++ >= listedObstacles) return;
+    result.obstacles.push_back({reader.metamodelAt(place.first).metamodel.descriptor,
+                                static_cast<std::size_t>(place.second)});
+  };
+  auto next = unions.begin();
   SqliteStatement statement(store_, selectObstacles);
   auto rows = statement.query();
   while (rows.next()) {
-    if (result.obstacleCount++ >= listedObstacles) continue;
-    result.obstacles.push_back({reader.metamodelAt(rows.number(0)).metamodel.descriptor,
-                                static_cast<std::size_t>(rows.number(1))});
+    const Place place{rows.number(0), rows.number(1)};
+    for (; next != unions.end() && *next < place; ++next) add(*next);
+    add(place);
   }
+  std::for_each(next, unions.end(), add);
+}
+
+/// The dependencies on unions of which a version goes and none stays.
+std::vector<StoreRemoval::Place> StoreRemoval::findUnmetUnions(SqliteReader& reader) {
+  SqliteStatement isChosen(store_, "SELECT 1 FROM chosen WHERE position = ?1");
+  const auto goes = [&](const StoredMetamodel& stored) {
+    return isChosen.query(stored.position).next();
+  };
+  std::vector<Place> result;
+  SqliteStatement statement(store_, selectUnions);
+  auto rows = statement.query(*storedText(std::u16string(unionPrefix) + u"*"));
+  while (rows.next()) {
+    const auto [name, range] = readRow(store_, "dependencies", rows.number(0), [&] {
+      return std::pair(textIn(rows, 2), VersionRange(textIn(rows, 3)));
+    });
+    const auto candidates = reader.metamodelsIn(name, range);
+    if (candidates.empty() || !std::all_of(candidates.begin(), candidates.end(), goes)) continue;
+    result.emplace_back(rows.number(0), rows.number(1));
+  }
+  return result;
 }
 
 StoreCounts StoreRemoval::remove() {

@@ -33,13 +33,15 @@ class StoredVersions {
     return slots_.slotOf(static_cast<std::size_t>(found - positions_.begin()));
   }
 
-  SlotInterval candidates(std::int64_t nameId, const VersionRange& range) {
+  template <class Receive>
+  void forCandidates(std::int64_t nameId, const VersionRange& range, const Receive& receive) {
     const auto name = names_.find(nameId);
-    if (name == names_.end()) return {};
-    return slots_.admittedBy(name->second, range, [&](const std::u16string& text) {
+    if (name == names_.end()) return;
+    const auto findText = [&](const std::u16string& text) {
       auto rows = selectText_.query(nameId, storedVersion(text));
       return rows.next() ? slotOf(rows.number(0)) : nothing;
-    });
+    };
+    slots_.forAdmitted(name->second, range, findText, receive);
   }
 
  private:
@@ -80,8 +82,9 @@ std::vector<std::int64_t> findStoredCycle(SqliteDatabase& database) {
     const std::int64_t metamodel = rows.number(0);
     const VersionRange range =
         readRow(database, "dependencies", metamodel, [&] { return rangeIn(rows, 2); });
-    dependencies.push_back(
-        {versions.slotOf(metamodel), versions.candidates(rows.number(1), range)});
+    versions.forCandidates(rows.number(1), range, [&](SlotInterval candidates) {
+      dependencies.push_back({versions.slotOf(metamodel), candidates});
+    });
   }
   std::vector<std::int64_t> cycle;
   for (const std::uint32_t row : findCycle(versions.slots(), std::move(dependencies))) {

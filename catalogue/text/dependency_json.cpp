@@ -1,12 +1,34 @@
 #include "catalogue/text/dependency_json.hpp"
 
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
+namespace {
+
+template <class WritePiece>
+void writeUnion(JsonPrinter& printer, const pathfinder::VersionRange& range,
+                const WritePiece& writePiece) {
+  printer.object([&] {
+    printer.arrayField("anyOf", [&] {
+      for (const auto& piece : piecesOf(range)) writePiece(printer, piece);
+    });
+  });
+}
+
+void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
+  if (isUnion(range)) return writeUnion(printer, range, writeRange);
+  if (const auto single = findSingleVersion(range)) return printer.value(textOf(*single));
+  writeBounds(printer, range);
+}
+
+}  // namespace
+
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
+  if (isUnion(range)) return writeUnion(printer, range, writeBounds);
   if (!range.isSemVerRange()) return printer.value(textOf(range));
   printer.array([&] {
     const auto& [lower, upper] = range.getSemVerRange();
@@ -22,11 +44,7 @@ void writeDependencies(JsonPrinter& printer,
       printer.object([&, &name = name, &range = range] {
         printer.field("name", fl::i18n::ustring_to_utf8(name));
         printer.key("range");
-        if (const auto single = findSingleVersion(range)) {
-          printer.value(textOf(*single));
-        } else {
-          writeBounds(printer, range);
-        }
+        writeRange(printer, range);
       });
     }
   });

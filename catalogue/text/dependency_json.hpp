@@ -7,11 +7,11 @@
 
 namespace tarn::evolution::catalogue {
 
-/// Writes a pair [lower, upper), or a text version.
+/// Writes a pair [lower, upper), or a text version, or {"anyOf": [bounds]} of several of these.
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 
-/// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, or
-/// else its bounds.
+/// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, a
+/// pair [lower, upper), or {"anyOf": [range]}.
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies);
 

@@ -14,17 +14,17 @@
 /// (Only SQL has to know it again, in store/store_removal.cpp.)
 namespace tarn::evolution::catalogue {
 
-/// The version of a range that is of one version only.
+/// The version of a range that is of one version only. A union of ranges is none.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::optional<pathfinder::VersionId> findSingleVersion(
     const pathfinder::VersionRange& range);
 
-/// Whether it ends before it begins. Such a range admits nothing.
+/// Whether it, or a part of a union, ends before it begins, and so admits nothing.
 bool isReversed(const pathfinder::VersionRange& range);
 
 /// Whether no version can lie in it.
 bool admitsNothing(const pathfinder::VersionRange& range);
 
-/// "1.0.0", "[1.0.0, 2.0.0)" or "spring".
+/// "1.0.0", "[1.0.0, 2.0.0)", "spring", or several of these with "or" between them.
 std::string rangeText(const pathfinder::VersionRange& range);
 
 }  // namespace tarn::evolution::catalogue

@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "catalogue/range_union.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -47,6 +48,9 @@ std::optional<SemVer> parseSemVerIfAny(const std::u16string& text, const std::st
 VersionId parseVersion(const std::string& utf8) {
   const std::u16string text = parseText(utf8);
   if (const auto version = parseSemVerIfAny(text, utf8)) return *version;
+  if (text.starts_with(unionPrefix)) {
+    throw std::invalid_argument(quoted(utf8) + " begins as no version may");
+  }
   return text;
 }
 

@@ -12,7 +12,8 @@ import re
 import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
-ROOMS = {"catalogue": ["text", "model", "reading", "store", "check", "picture", "explanation", "beside", "c"]}
+ROOMS = {"catalogue": [
+    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "beside", "c"]}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "catalogue/check/json_draft.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 
 namespace test {
@@ -13,6 +14,11 @@ using namespace tarn::evolution::catalogue;
 namespace {
 
 ordered_json rangeJson(const VersionRange& range) {
+  if (isUnion(range)) {
+    ordered_json pieces = ordered_json::array();
+    for (const VersionRange& piece : piecesOf(range)) pieces.push_back(rangeJson(piece));
+    return {{"anyOf", pieces}};
+  }
   if (!range.isSemVerRange()) return printed(range);
   const auto& [lower, upper] = range.getSemVerRange();
   return {printed(lower), printed(upper)};

@@ -9,6 +9,7 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/check/open_draft.hpp"
+#include "catalogue/import/import.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/selection_file.hpp"
@@ -139,6 +140,14 @@ class Originals : public StoreFolder {
   Disk bytes_;
 };
 
+/// Other programs' catalogues, each with a version of a name that the catalogues have not.
+const Disk foreign{
+    {"t.csv",
+     "name,version,needs\nAMetamodelWithALongName,a version that is a long text,\n"
+     "L,1.0.0,AMetamodelWithALongName\nL,2.0.0,A 1 || 3\n"},
+    {"n.json", R"({"name": "N", "versions": {"1.0.0": {"peerDependencies": {"A": ">1 || 3"}}}})"},
+    {"s.yaml", "name: S\nstops: [&a '1.2', {version: 1.5, note: a text that takes memory}]\n"}};
+
 std::string textOf(const StoreCounts& counts) {
   return std::to_string(counts.metamodels) + " " + std::to_string(counts.hops);
 }
@@ -164,6 +173,9 @@ std::string makeMistakes(const FilePath& folder) {
   refuse([&] { removeFromStore(json, {{u"A", {}}}); });
   refuse([&] { exportCatalogue(json, folder / "z.json"); });
   refuse([&] { exportCatalogue(store, other); });
+  ImportOptions options;
+  options.sources = {json};
+  refuse([&] { importForeignCatalogue(options, folder / "z.json"); });
   return "";
 }
 
@@ -185,6 +197,21 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
   };
   const auto migrate = [](const FilePath& folder) {
     return StoreSnapshot(folder / "x.store", laterForm()).database().text("SELECT sum(y) FROM a");
+  };
+  const auto join = [](const std::string& catalogue, ImportFormat format,
+                       const std::string& source) {
+    return [=](const FilePath& folder) {
+      ImportOptions options;
+      options.format = format;
+      options.sources = {folder / source};
+      options.keepsOthers = true;
+      return textOf(importForeignCatalogue(options, folder / catalogue).counts);
+    };
+  };
+  const auto withForeign = [&](const std::map<std::string, std::string>& names) {
+    Disk disk = originals.disk(names);
+    disk.insert(foreign.begin(), foreign.end());
+    return disk;
   };
   const auto ask = [](const FilePath& folder) { return everythingIn(folder / "x.store"); };
   const auto askJson = [](const FilePath& folder) { return everythingIn(folder / "new.json"); };
@@ -213,6 +240,12 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
       {"remove", disk({old}), "x.store", remove},
       {"export", disk({old}), "y.json", write},
       {"export over a file", disk({old, {"y.json", "new.json"}}), "y.json", write},
+      {"joining a table", withForeign({old}), "x.store",
+       join("x.store", ImportFormat::Table, "t.csv")},
+      {"joining npm packages, written ahead", withForeign({ahead, aheadLog}), "x.store",
+       join("x.store", ImportFormat::Npm, "n.json")},
+      {"joining stops to JSON", withForeign({newJson}), "new.json",
+       join("new.json", ImportFormat::Stops, "s.yaml")},
       {"migration", disk({{"x.store", "m.store"}}), "x.store", migrate},
       {"asking", disk({old}), "", ask},
       {"asking, written ahead", disk({ahead, aheadLog}), "x.store", ask},

@@ -2,13 +2,17 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "pathfinder/repository_access.hpp"
 #include "pathfinder/version_repository.hpp"
+
+namespace tarn::evolution::pathfinder {
+class RepositoryAccess;
+}
 
 namespace test {
 
@@ -114,7 +118,8 @@ class TestRepository : public VersionRepository {
 
   using VersionRepository::accessTag;
 
-  tarn::evolution::pathfinder::RepositoryAccess access{*this};
+  /// What `accessTo` made. Not a member itself, for its operations are in no library.
+  std::shared_ptr<tarn::evolution::pathfinder::RepositoryAccess> access;
 
  private:
   void addMetamodel(const std::u16string& name, const VersionId& id, const std::string& item);

@@ -81,7 +81,9 @@ void writeCases(const Command& command, std::ostream& out) {
     for (const std::string& name : option.names) writeCase(command.name + "/" + name, option, out);
   }
   for (std::size_t place = 0; place < command.arguments.size(); ++place) {
-    writeCase(command.name + "/" + std::to_string(place), command.arguments[place], out);
+    const Parameter& argument = command.arguments[place];
+    const std::string places = argument.isRepeatable ? "[0-9]*" : std::to_string(place);
+    writeCase(command.name + "/" + places, argument, out);
   }
   out << "    " << command.name << "/) _evopath_words \"" << join(namesOf(command.options), " ")
       << "\" ;;\n";

@@ -9,8 +9,8 @@ namespace {
 
 /// What does not depend on the commands, but for the options that take a value.
 constexpr const char* helpers =
-    R"(# Whether an argument of a command is expected that has so many before it.
-function __evopath_expects -a command place
+    R"(# Whether an argument of a command is expected that has so many before it, or at least so many.
+function __evopath_expects -a command place comparison
     set -l words (commandline -opc)
     test "$words[2]" = "$command"; or return 1
     set -l found 0
@@ -28,7 +28,7 @@ function __evopath_expects -a command place
                 set found (math $found + 1)
         end
     end
-    test $found -eq $place
+    test $found $comparison $place
 end
 
 # The files for the last @FILE of a selection.
@@ -82,7 +82,9 @@ void writeCommand(const Command& command, std::ostream& out) {
   for (std::size_t place = 0; place < command.arguments.size(); ++place) {
     if (command.arguments[place].kind != ValueKind::File) continue;
     out << "complete -c evopath -n "
-        << quote("__evopath_expects " + command.name + " " + std::to_string(place)) << " -F\n";
+        << quote("__evopath_expects " + command.name + " " + std::to_string(place) +
+                 (command.arguments[place].isRepeatable ? " -ge" : " -eq"))
+        << " -F\n";
   }
   for (const Parameter& option : command.options) {
     writeOption("__fish_seen_subcommand_from " + command.name, option, out);

@@ -1,0 +1,183 @@
+#include "catalogue/import/catalogue_update.hpp"
+
+#include <cerrno>
+#include <fstream>
+#include <optional>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+
+#include "catalogue/catalogue_index.hpp"
+#include "catalogue/json_catalogue.hpp"
+#include "catalogue/model/validation.hpp"
+#include "catalogue/reading/file_error.hpp"
+#include "catalogue/reading/sqlite_header.hpp"
+#include "catalogue/store/progress_sink.hpp"
+#include "catalogue/store/replacing_file.hpp"
+#include "catalogue/store/sqlite_reader.hpp"
+#include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/store/store_successor.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The share of the work after which rows are written.
+constexpr double writingShare = 0.85;
+
+class ContentSink : public CatalogueSink {
+ public:
+  void addMetamodel(const CatalogueMetamodel& metamodel) override {
+    content_.metamodels.push_back(metamodel);
+  }
+  void addHop(const pathfinder::Hop& hop) override { content_.hops.push_back(hop); }
+  void setQuestion(const Question& question) override { content_.question = question; }
+
+  CatalogueContent take() { return std::move(content_); }
+
+ private:
+  CatalogueContent content_;
+};
+
+/// The content that comes, known to be sound; what differs is noted.
+CatalogueContent succeeded(const std::optional<CatalogueContent>& former, const Successor& succeed,
+                           ImportReport& report) {
+  CatalogueContent content = succeed(former.value_or(CatalogueContent()));
+  try {
+    validate(content, CatalogueIndex(content.metamodels, content.hops));
+  } catch (const CatalogueError& error) {
+    throw CatalogueError("", error.reason());  // places in what nobody sees help nobody
+  }
+  report.counts = {content.metamodels.size(), content.hops.size()};
+  report.isUpdate = former.has_value();
+  if (former) report.changes = changesBetween(*former, content);
+  return content;
+}
+
+void sendAll(const CatalogueContent& content, CatalogueSink& sink) {
+  for (const CatalogueMetamodel& metamodel : content.metamodels) sink.addMetamodel(metamodel);
+  for (const pathfinder::Hop& hop : content.hops) sink.addHop(hop);
+  if (content.question) sink.setQuestion(*content.question);
+}
+
+void writeStore(SqliteDatabase& store, const CatalogueContent& content,
+                const StoreProgress& progress) {
+  const auto rows = static_cast<double>(content.metamodels.size() + content.hops.size() + 1);
+  SqliteRowWriter writer(store);
+  ProgressSink sink(writer, progress, [rows](const StoreCounts& written) {
+    return writingShare +
+           (1 - writingShare) * static_cast<double>(written.metamodels + written.hops) / rows;
+  });
+  sendAll(content, sink);
+}
+
+CatalogueContent takeAll(SqliteDatabase& store) {
+  ContentSink sink;
+  SqliteReader(store).readAll(sink);
+  store.run(
+      "DELETE FROM question_versions; DELETE FROM question; DELETE FROM dependencies;"
+      "DELETE FROM hops; DELETE FROM metamodels; DELETE FROM names");
+  return sink.take();
+}
+
+void updateStore(const fs::path& store, const Successor& succeed, const StoreProgress& progress,
+                 ImportReport& report) {
+  const bool isThere = isDatabase(store);
+  StoreSuccessor successor(
+      store, isThere ? StoreSuccessor::Content::Kept : StoreSuccessor::Content::None,
+      SqliteSchema::current(), isThere ? partOf(progress, 0, 0) : StoreProgress());
+  std::optional<CatalogueContent> former;
+  if (isThere) former = takeAll(successor.database());
+  const CatalogueContent content = succeeded(former, succeed, report);
+  writeStore(successor.database(), content, progress);
+  if (progress) progress(1);
+  successor.takePlace();
+}
+
+void updateJson(const fs::path& json, const Successor& succeed, const StoreProgress& progress,
+                ImportReport& report) {
+  ReplacingFile file(json, ReplacingFile::Kind::Plain, toldAgain(progress, 0));
+  std::optional<CatalogueContent> former;
+  if (file.replaces()) {
+    const Catalogue read = readJsonCatalogue(json);
+    former = {read.metamodels(), read.hops(), read.question()};
+  }
+  const CatalogueContent content = succeeded(former, succeed, report);
+  try {
+    std::ofstream out(file.path(), std::ios::binary);
+    out.exceptions(std::ios::badbit | std::ios::failbit);
+    writeJsonCatalogue(content, out);
+    out.close();
+  } catch (const std::ios_base::failure&) {
+    failFor(json, "cannot be written: " + std::generic_category().message(errno));
+  }
+  if (progress) progress(1);
+  file.replaceTarget();
+}
+
+std::u16string keyOf(const std::u16string& name, const pathfinder::VersionId& version) {
+  const char16_t kind = version.isSemVer() ? u'S' : u'T';
+  if (!version.isSemVer()) return name + u'\0' + kind + version.getText();
+  const pathfinder::SemVer& numbers = version.getSemVer();
+  std::u16string key = name + u'\0' + kind;
+  for (const std::uint64_t number : {numbers.major, numbers.minor, numbers.patch}) {
+    for (int shift = 48; shift >= 0; shift -= 16) key += static_cast<char16_t>(number >> shift);
+  }
+  return key;
+}
+
+std::u16string keyOf(const CatalogueMetamodel& metamodel) {
+  return keyOf(metamodel.descriptor.name, metamodel.descriptor.version);
+}
+
+std::u16string keyOf(const pathfinder::Hop& hop) {
+  return keyOf(hop.name, hop.from) + keyOf(u"", hop.to);
+}
+
+bool isSame(const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
+  return left.descriptor == right.descriptor && left.equivalent == right.equivalent;
+}
+
+bool isSame(const pathfinder::Hop& left, const pathfinder::Hop& right) {
+  return left.expensive == right.expensive;
+}
+
+/// Counts of rows that are new, gone, or other than before.
+template <class Row>
+void compareRows(const std::vector<Row>& former, const std::vector<Row>& present,
+                 std::uint64_t StoreCounts::*count, CatalogueChanges& changes) {
+  std::unordered_map<std::u16string, const Row*> left;
+  for (const Row& row : former) left.emplace(keyOf(row), &row);
+  for (const Row& row : present) {
+    const auto found = left.find(keyOf(row));
+    if (found == left.end()) {
+      ++(changes.added.*count);
+    } else {
+      if (!isSame(*found->second, row)) ++(changes.changed.*count);
+      left.erase(found);
+    }
+  }
+  changes.removed.*count += left.size();
+}
+
+}  // namespace
+
+void updateCatalogue(const fs::path& catalogue, const Successor& succeed,
+                     const StoreProgress& progress, ImportReport& report) {
+  if (catalogue.extension() == ".json") {
+    updateJson(catalogue, succeed, progress, report);
+  } else {
+    updateStore(catalogue, succeed, progress, report);
+  }
+}
+
+CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present) {
+  CatalogueChanges changes;
+  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, changes);
+  compareRows(former.hops, present.hops, &StoreCounts::hops, changes);
+  return changes;
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,164 @@
+// Required stops: a table is a metamodel. It lists releases and those among them, or whole minor
+// versions, that an upgrade must not pass by; docs/import.md shows its form.
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "catalogue/import/documents.hpp"
+#include "catalogue/import/offered_hops.hpp"
+#include "catalogue/import/readers.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+using pathfinder::SemVer;
+
+/// Versions of which one must be stopped at: from `first` on, before `end`.
+struct RequiredStop {
+  SemVer first;
+  SemVer end;
+  bool isConditional;
+
+  bool liesBetween(const FullVersion& from, const FullVersion& to) const {
+    return from.core < first && !(to.core < end);
+  }
+};
+
+class StopReader {
+ public:
+  StopReader(const SourceNode& table, ForeignCatalogue& catalogue, const Reading& reading)
+      : table_(table), catalogue_(catalogue), reading_(reading) {}
+
+  void read(std::string name) {
+    if (table_.isArray()) {
+      readStops(table_);
+    } else {
+      const std::string own = table_.optionalText("name");
+      if (!own.empty()) name = own;
+      readStops(table_.field("stops"));
+    }
+    if (catalogue_.contains(name)) table_.fail("there is another table of the name " + name);
+    ForeignPackage& package = catalogue_[name];
+    if (!table_.isArray()) {
+      table_.withField("versions",
+                       [&](const SourceNode& versions) { readVersions(versions, package); });
+    }
+    addStops(package);
+    addStopHops(package);
+  }
+
+ private:
+  void readVersions(const SourceNode& versions, ForeignPackage& package) {
+    for (const SourceNode& version : versions.elements()) {
+      reading_.log.attempt([&] {
+        const std::string& text = version.asText();
+        if (!parseFullVersion(text).isSemantic) version.fail("\"" + text + "\" is no version");
+        package.addVersion(text, version.place());
+      });
+    }
+  }
+
+  void readStops(const SourceNode& stops) {
+    for (const SourceNode& stop : stops.elements()) {
+      reading_.log.attempt([&] { readStop(stop); });
+    }
+  }
+
+  /// "15.4", or "15.4.6", or an object with such a "version", or with "major" and "minor".
+  void readStop(const SourceNode& stop) {
+    std::string text;
+    bool isConditional = false;
+    if (!stop.isObject()) {
+      text = stop.asText();
+    } else {
+      text = stop.optionalText("version");
+      if (text.empty()) {
+        text = std::to_string(stop.field("major").asIndex()) + "." +
+               std::to_string(stop.field("minor").asIndex());
+        stop.withField("patch", [&](const SourceNode& patch) {
+          text += "." + std::to_string(patch.asIndex());
+        });
+      }
+      stop.withField("conditional", [&](const SourceNode& is) { isConditional = is.asBoolean(); });
+    }
+    const FullVersion version = parseFullVersion(text);
+    const auto numbers = std::count(text.begin(), text.end(), '.') + 1;
+    if (!version.isSemantic || version.isPrerelease() || numbers < 2) {
+      stop.fail("\"" + text + "\" is no stop: it must be a minor version or a release");
+    }
+    const SemVer last{version.core.major, version.core.minor, widestRange().upper.patch};
+    stops_.push_back({version.core, nextPatch(last).value_or(last), isConditional});
+    places_.emplace_back(text, stop.place());
+  }
+
+  /// A stop of which no release is listed is a release itself.
+  void addStops(ForeignPackage& package) {
+    for (std::size_t i = 0; i < stops_.size(); ++i) {
+      const bool isListed = std::any_of(
+          package.versions().begin(), package.versions().end(), [&](const ForeignVersion& each) {
+            return !(each.order.core < stops_[i].first) && each.order.core < stops_[i].end;
+          });
+      if (!isListed) {
+        reading_.log.attempt([&] { package.addVersion(places_[i].first, places_[i].second); });
+      }
+    }
+  }
+
+  void addStopHops(ForeignPackage& package) const {
+    const std::vector<ForeignVersion>& versions = package.versions();
+    const HopOffer offer(versions, reading_.options.offeredHops);
+    for (std::size_t from = 0; from < versions.size(); ++from) {
+      const auto crosses = [&](std::size_t to, bool isConditional) {
+        return std::any_of(stops_.begin(), stops_.end(), [&](const RequiredStop& stop) {
+          return stop.isConditional == isConditional &&
+                 stop.liesBetween(versions[from].order, versions[to].order);
+        });
+      };
+      const auto isAllowed = [&](std::size_t to) { return !crosses(to, false); };
+      for (const std::size_t to : offer.from(from, isAllowed)) {
+        package.addHop(from, to, crosses(to, true));
+      }
+      addHopsToStops(from, offer, package, isAllowed, crosses);
+    }
+  }
+
+  /// Stops are to be reached even where a newer version of their line is offered, beyond them.
+  template <class IsAllowed, class Crosses>
+  void addHopsToStops(std::size_t from, const HopOffer& offer, ForeignPackage& package,
+                      const IsAllowed& isAllowed, const Crosses& crosses) const {
+    for (const RequiredStop& stop : stops_) {
+      const auto isOfStop = [&](std::size_t to) {
+        const SemVer& core = package.versions()[to].order.core;
+        return !(core < stop.first) && core < stop.end && isAllowed(to);
+      };
+      for (const std::size_t to : offer.from(from, isOfStop)) {
+        package.addHop(from, to, crosses(to, true));
+      }
+    }
+  }
+
+  const SourceNode& table_;
+  ForeignCatalogue& catalogue_;
+  const Reading& reading_;
+  std::vector<RequiredStop> stops_;
+  std::vector<std::pair<std::string, SourcePlace>> places_;  // of the stops
+};
+
+}  // namespace
+
+ForeignCatalogue readRequiredStops(const Reading& reading) {
+  ForeignCatalogue catalogue;
+  for (const auto& source : reading.sources) {
+    for (const auto& path : filesOf(source, {".json", ".yaml", ".yml"})) {
+      SourceFile file(path, reading.advance);
+      readDocuments(file, [&](const SourceNode& document) {
+        reading.log.attempt(
+            [&] { StopReader(document, catalogue, reading).read(path.stem().string()); });
+      });
+    }
+  }
+  return catalogue;
+}
+
+}  // namespace tarn::evolution::catalogue

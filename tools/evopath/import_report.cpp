@@ -1,0 +1,55 @@
+#include "import_report.hpp"
+
+#include <algorithm>
+#include <ostream>
+
+#include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "store_report.hpp"
+
+namespace evopath {
+
+using namespace tarn::evolution::catalogue;
+
+namespace {
+
+constexpr std::size_t usuallyListed = 20;
+
+bool isAny(const StoreCounts& counts) {
+  return counts.metamodels > 0 || counts.hops > 0;
+}
+
+void printChanges(const CatalogueChanges& changes, std::ostream& out) {
+  if (!isAny(changes.added) && !isAny(changes.removed) && !isAny(changes.changed)) {
+    out << "Nothing has changed.\n";
+    return;
+  }
+  if (isAny(changes.added)) out << "Added " << describeCounts(changes.added) << ".\n";
+  if (isAny(changes.removed)) out << "Removed " << describeCounts(changes.removed) << ".\n";
+  if (isAny(changes.changed)) out << "Changed " << describeCounts(changes.changed) << ".\n";
+}
+
+}  // namespace
+
+void printImportReport(const ImportReport& report, bool listsAll, std::ostream& out) {
+  out << "Imported " << describeCounts(report.counts) << ".\n";
+  if (report.isUpdate) printChanges(report.changes, out);
+  if (report.optionalNeeds > 0) {
+    out << countedText(report.optionalNeeds, "optional need")
+        << " left out: a catalogue cannot say \"if it is there\".\n";
+  }
+  if (report.unordered > 0) {
+    out << report.unordered << (report.unordered == 1 ? " version has" : " versions have")
+        << " no place among the semantic versions; hops to them count as backward.\n";
+  }
+  const std::size_t count = report.leftOut.size();
+  if (count == 0) return;
+  out << "Left out:\n";
+  const std::size_t listed = listsAll ? count : std::min(count, usuallyListed);
+  for (std::size_t i = 0; i < listed; ++i) {
+    out << "  " << toVisible(report.leftOut[i].what()) << "\n";
+  }
+  if (listed < count) out << "  and " << count - listed << " more; --list-all lists them\n";
+}
+
+}  // namespace evopath
