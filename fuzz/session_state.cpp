@@ -76,7 +76,8 @@ std::string SessionState::outcomeText(const std::function<std::string()>& ask) {
     text = refused;
   } catch (const CallbackFailure&) {
     text = failed;
-    if (repository_.loads > 0) repository_.invalidatePathfindingCache();  // what failed may have been a load
+    if (repository_.loads > 0)
+      repository_.invalidatePathfindingCache();  // what failed may have been a load
   }
   if (repository_.loads > 0) paths_.clear();
   return text;

@@ -11,7 +11,7 @@
 #ifndef __GLIBCXX__
 #error "The evolution path finder needs libstdc++: clang++ takes it with -stdlib=libstdc++."
 #elif !_GLIBCXX_USE_CXX11_ABI
-#error "The evolution path finder needs the new ABI of libstdc++: leave out _GLIBCXX_USE_CXX11_ABI=0."
+#error "The evolution path finder needs the new ABI of libstdc++: no _GLIBCXX_USE_CXX11_ABI=0."
 #endif
 
 #ifndef __cpp_exceptions

@@ -1,5 +1,5 @@
-// As in a timeline, one literal for each node and step, "entered before", monotone; a hop comes in a
-// later step than the one before of its name, and an order carries over to the steps. A node from
+// As in a timeline, one literal for each node and step, "entered before", monotone; a hop comes in
+// a later step than the one before of its name, and an order carries over to the steps. A node from
 // which a way takes k more hops is entered before the k last steps, for which it takes no literal.
 
 #include "pathfinder/learning/last_steps.hpp"
@@ -49,8 +49,7 @@ Literal LastSteps::isMadeIn(ArcIndex arc, std::uint32_t step) {
 Literal LastSteps::isRestWithin(const Timeline& timeline, std::uint32_t layers) {
   const Literal result = solver_.newVariable();
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
-    solver_.addClause(
-        {-result, -before_.back()[node], timeline.isEnteredAfter(node, layers)});
+    solver_.addClause({-result, -before_.back()[node], timeline.isEnteredAfter(node, layers)});
   }
   return result;
 }

@@ -7,8 +7,8 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// The last steps of plans, one by one, after a timeline in which all else happens. Steps count from
-/// the end: 1 is the last one.
+/// The last steps of plans, one by one, after a timeline in which all else happens. Steps count
+/// from the end: 1 is the last one.
 class LastSteps {
  public:
   LastSteps(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver);

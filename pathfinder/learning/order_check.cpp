@@ -1,9 +1,9 @@
 // Strongly connected components of the graph of events (Tarjan's algorithm, with a stack of its
 // own). A strict edge inside a component lies on a circle; for each of them the circle with the
 // fewest orders is found by a breadth-first search over orders (0-1 BFS) and forbidden by a clause:
-// not all of these orders, of nodes that are held. Where the circle enters a node and leaves the one
-// before by one hop, that hop is named too, since another hop would make an edge of it. So a clause
-// holds in every plan, however long.
+// not all of these orders, of nodes that are held. Where the circle enters a node and leaves the
+// one before by one hop, that hop is named too, since another hop would make an edge of it. So a
+// clause holds in every plan, however long.
 //
 // Without circles, the layers of a plan are the longest chains of components, each counting one if
 // it has an ordinary hop.
@@ -85,8 +85,8 @@ void OrderCheck::findComponents() {
   std::uint32_t numbered = 0;
   struct Visit {
     EventIndex event;
-    std::size_t edge;    // the next one to follow
-    bool isStrictLeft;   // whether the next hop of the name has not been followed yet
+    std::size_t edge;   // the next one to follow
+    bool isStrictLeft;  // whether the next hop of the name has not been followed yet
   };
   std::vector<Visit> trail;
   const auto enter = [&](EventIndex event) {

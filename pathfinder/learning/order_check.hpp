@@ -10,10 +10,10 @@ namespace tarn::evolution::pathfinder {
 
 /// Looks whether the orders of a model can be kept all at once, and then what the plan is.
 ///
-/// The events of a plan are the hops that are used. A hop comes strictly later than the one before of
-/// its name, and a hop out of v no later than a hop into w if v is to be left before w is entered.
-/// The plan can be carried out if no circle of these has a strict part; the hops of a circle that
-/// has none are made in one step.
+/// The events of a plan are the hops that are used. A hop comes strictly later than the one before
+/// of its name, and a hop out of v no later than a hop into w if v is to be left before w is
+/// entered. The plan can be carried out if no circle of these has a strict part; the hops of a
+/// circle that has none are made in one step.
 class OrderCheck {
  public:
   OrderCheck(const PlanNetwork& network, PlanFormula& formula, SatSolver& solver)
@@ -77,7 +77,7 @@ class OrderCheck {
   std::vector<EventIndex> eventInto_;  // by node; none for one that is not held, or a start
   std::vector<EventIndex> eventOutOf_;
   std::vector<Edge> edges_;
-  std::vector<std::size_t> edgesOf_;  // by event, and the end
+  std::vector<std::size_t> edgesOf_;        // by event, and the end
   std::vector<std::uint32_t> componentOf_;  // ascending against the edges
   std::uint32_t components_ = 0;
   std::uint64_t ordinaryHops_ = 0;

@@ -8,8 +8,8 @@
 namespace tarn::evolution::pathfinder {
 
 /// A clock for the plans of a formula, as far as it counts steps with an ordinary hop: phases 0, 1,
-/// 2 and so on. An odd phase, a layer, is one step. An even one is the gap before the next layer: in
-/// it there are only expensive hops, in any number of steps, in an order that the formula keeps.
+/// 2 and so on. An odd phase, a layer, is one step. An even one is the gap before the next layer:
+/// in it there are only expensive hops, in any number of steps, in an order that the formula keeps.
 class Timeline {
  public:
   Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver)

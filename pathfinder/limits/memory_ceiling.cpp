@@ -12,7 +12,7 @@ namespace {
 
 std::size_t halfOfMemory() {
   const auto bytes = static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) *
-                            static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+                     static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   return bytes / 2;
 }
 

@@ -94,7 +94,7 @@ class PlainModel {
   std::set<std::size_t> pending_;  // being linked
   std::map<std::size_t, std::vector<Baseline>> linked_;
 
-  // What was worked out for a repository of so many metamodels and hops, to which some may be added.
+  // What was worked out for a repository of so many metamodels and hops, which may get more.
   std::map<std::pair<Baseline, VersionRepository::Direction>, std::vector<Step>> steps_;
   std::pair<std::size_t, std::size_t> stepsAmong_;
 };
