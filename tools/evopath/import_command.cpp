@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <iostream>
 #include <memory>
 
 #include "catalogue/store/store_transfer.hpp"
@@ -7,6 +6,7 @@
 #include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
+#include "text_output.hpp"
 
 namespace evopath {
 
@@ -23,7 +23,7 @@ ExitStatus runImport(const ImportOptions& options) {
   const auto counts = withProgressBar("Importing", [&](const StoreProgress& progress) {
     return importCatalogue(options.catalogue, options.store, progress);
   });
-  std::cout << "Imported " << describeCounts(counts) << ".\n";
+  writeToStandardOutput("Imported " + describeCounts(counts) + ".\n");
   return ExitStatus::Found;
 }
 
