@@ -72,7 +72,7 @@ class Minimisation {
 
  private:
   /// Whether the question about these names only has no path. Denied when it cannot be asked any
-  /// more, so that names are kept then and what remains blocks for certain.
+  /// more or stays open, so that names are kept then and what remains blocks for certain.
   bool isBlocked(const Names& names) {
     const PosedQuestion part = partOf(question_, names);
     if (part.goals.empty()) return false;
@@ -80,7 +80,9 @@ class Minimisation {
       isMinimal_ = false;
       return false;
     }
-    return !part.canReach(part.goals);
+    const Answer answer = part.reach(part.goals);
+    if (answer.isOpen) isMinimal_ = false;
+    return answer.isAbsent();
   }
 
   void leaveOut(const Names& candidates, Names& names) {

@@ -24,7 +24,10 @@ class Explaining {
  public:
   Explaining(BrowsableRepository& content, const Question& question, std::size_t budget,
              const pathfinder::SearchLimits& limits)
-      : question_(question), budget_(budget), inquiry_(content, limits) {}
+      : question_(question),
+        budget_(budget),
+        deadline_(limits.deadline),
+        inquiry_(content, limits) {}
 
   Explanation run() {
     UnknownEntries unknown = findUnknown(inquiry_.content(), question_);
@@ -37,6 +40,7 @@ class Explaining {
       result_.unlinkable.push_back(explainUnlinkable(inquiry_, metamodel));
     }
     result_.questions = inquiry_.questions();
+    result_.stopped = inquiry_.stopped();
     return std::move(result_);
   }
 
@@ -74,7 +78,7 @@ class Explaining {
     } else {
       explainImpassable(posed, targets);
     }
-    inquiry_.allow(budget_ - std::min(budget_, spent_));
+    inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
     result_.nearest = findNearestBaseline(posed);
   }
 
@@ -118,8 +122,9 @@ class Explaining {
         std::none_of(missing.chains.begin(), missing.chains.end(),
                      [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
     if (mayBeDirection && posed.direction != Direction::Unknown) {
-      if (auto path = inquiry_.findPath(posed.sources, targets, Direction::Unknown)) {
-        AgainstDirection reason = reportAgainst(posed.direction, *std::move(path));
+      Answer answer = inquiry_.ask(posed.sources, targets, Direction::Unknown);
+      if (answer.path) {
+        AgainstDirection reason = reportAgainst(posed.direction, *std::move(answer.path));
         for (const Hop& hop : reason.against) noteWithoutOrder(hop);
         result_.reason = std::move(reason);
         return;
@@ -133,9 +138,15 @@ class Explaining {
       return;
     }
     const std::size_t before = inquiry_.questions();
-    inquiry_.allow(budget_ / 2);
+    inquiry_.allow(budget_ / 2, halfwayToDeadline());
     result_.reason = explainBlocking(posed);
     spent_ = inquiry_.questions() - before;
+  }
+
+  std::optional<Inquiry::TimePoint> halfwayToDeadline() const {
+    if (!deadline_) return std::nullopt;
+    const Inquiry::TimePoint now = std::chrono::steady_clock::now();
+    return std::min(*deadline_, now + (*deadline_ - now) / 2);
   }
 
   void noteWithoutOrder(const Hop& hop) {
@@ -165,6 +176,7 @@ class Explaining {
 
   const Question& question_;
   const std::size_t budget_;
+  const std::optional<Inquiry::TimePoint> deadline_;
   std::size_t spent_ = 0;
   Inquiry inquiry_;
   Explanation result_;

@@ -10,6 +10,7 @@
 #include "catalogue/explanation/clash.hpp"
 #include "catalogue/explanation/selection_lookup.hpp"
 #include "pathfinder/hop.hpp"
+#include "pathfinder/search_limits.hpp"
 #include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
@@ -91,7 +92,7 @@ struct BlockedHop {
 /// of it may have to bring that one in.
 struct NeverTogether {
   std::vector<std::u16string> names;  ///< ascending
-  bool isMinimal;  ///< false when the budget ended before every name was tried to be left out
+  bool isMinimal;  ///< false when budget or limits ended before every name was tried to be left out
 
   /// Where `names` and what they link get stuck: the baseline with the fewest hops left that all of
   /// them can reach (while each still has its chain), ascending; and the hops from there towards
@@ -119,8 +120,8 @@ struct NearestBaseline {
   std::vector<NamedVersion> arrived = {};   ///< ascending
   std::vector<Unfinished> unfinished = {};  ///< ascending
 
-  /// Whether there is none nearer. False when the budget ended the search: then this is the best
-  /// one found, to which no metamodel could be added at its target version that was tried.
+  /// Whether there is none nearer. False when the budget or a limit ended the search: then this is
+  /// the best one found.
   bool isProven = false;
 };
 
@@ -144,6 +145,10 @@ struct Explanation {
 
   /// How many questions were put to the path finder.
   std::size_t questions = 0;
+
+  /// The limit that was reached, if one was. That there is no path holds all the same; the parts
+  /// that might have become better say that they are not proven.
+  std::optional<pathfinder::SearchStopped::Reason> stopped = std::nullopt;
 };
 
 /// How many questions an explanation puts to the path finder unless told otherwise.
@@ -156,7 +161,7 @@ inline constexpr std::size_t explanationBudget = 400;
 /// be the reason, and then at most about `budget` more, each about a part of the same question: up
 /// to half of them find what blocks, the others the nearest baseline. Where that is not enough, the
 /// parts concerned say so (`isMinimal`, `isProven`). They are not interrupted: a catalogue on which
-/// the path finder needs long needs long here, too.
+/// the path finder needs long needs long here, too, unless there are limits.
 ///
 /// Links what it needs in a repository of its own, and so leaves the linked metamodels and the path
 /// cache of `repository` alone. What is explained stays valid without the repository. May be called
@@ -165,10 +170,14 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& reposit
                                                     const Question& question,
                                                     std::size_t budget = explanationBudget);
 
-/// The same within limits, which are those of all questions to the path finder together, but for
-/// the memory, which is that of each. They are looked at while it searches, not while the
-/// explanation itself goes through the catalogue. Throws SearchStopped as well, and what
-/// `limits.progress` throws.
+/// The same within limits, which end it with the best that is known by then (see
+/// `Explanation::stopped`). Throws SearchStopped when one is reached before it is known whether
+/// there is a path.
+///
+/// What is left until the deadline is divided as the budget is: half of it, at most, is for what
+/// blocks. The ceiling for memory holds for each question by itself, and `progress` is told of each
+/// one's own search. Between questions limits are looked at, too; but the two selections of the
+/// question itself are linked and combined without a look at them.
 TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
                                                     const Question& question, std::size_t budget,
                                                     const pathfinder::SearchLimits& limits);

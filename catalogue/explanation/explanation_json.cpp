@@ -28,6 +28,7 @@ class ExplanationWriter {
       writeFields("unlinkable", explanation.unlinkable, "withoutOrder", explanation.withoutOrder);
       if (explanation.nearest) writeFields("nearest", *explanation.nearest);
       writeFields("questions", explanation.questions);
+      if (explanation.stopped) writeFields("stopped", *explanation.stopped);
     });
   }
 
@@ -55,6 +56,11 @@ class ExplanationWriter {
     writeFields("kind", "path-beside-unlinkable", "steps", reason.path);
   }
 
+  void writeValue(pathfinder::SearchStopped::Reason reason) {
+    using Reason = pathfinder::SearchStopped::Reason;
+    const bool isTime = reason == Reason::DeadlinePassed;
+    printer_.value(isTime ? "time" : reason == Reason::MemoryUsedUp ? "memory" : "request");
+  }
   void writeValue(const char* text) { printer_.value(text); }
   void writeValue(bool truth) { printer_.value(truth); }
   void writeValue(std::size_t number) { printer_.value(std::uint64_t{number}); }

@@ -11,10 +11,11 @@ namespace tarn::evolution::catalogue {
 /// Writes an explanation for programs:
 ///
 ///     {"kind", ..., "unlinkable": [UNLINKABLE], "withoutOrder": [NAMED], "nearest": NEAREST,
-///      "questions"}
+///      "questions", "stopped"}
 ///
 /// Versions are texts, NAMED versions {"name", "version"}, hops {"name", "from", "to"}. "nearest"
-/// is left out where there is none. Beside "kind" stands what is particular to it:
+/// is left out where there is none, and "stopped" unless a limit was reached: it is "request",
+/// "time" or "memory". Beside "kind" stands what is particular to it:
 ///
 ///     path                    "steps"
 ///     unknown                 "entries": [{"side", "name", "version", "unknown", "nearest"}]

@@ -85,7 +85,9 @@ constexpr auto headline = Overloaded{
 
 class Details {
  public:
-  Details(const StepWeights& weights, std::ostream& out) : weights_(weights), out_(out) {}
+  /// `cutBy` says what ended the explanation where it is not proven to be the best.
+  Details(const StepWeights& weights, const char* cutBy, std::ostream& out)
+      : weights_(weights), cutBy_(cutBy), out_(out) {}
 
   void operator()(const PathExists& /*reason*/) {}
   void operator()(const UnknownEntries& /*reason*/) {}
@@ -126,7 +128,8 @@ class Details {
 
   void operator()(const NeverTogether& reason) {
     if (!reason.isMinimal) {
-      out_ << "The budget ended before it was clear whether all of these are needed to block.\n";
+      out_ << "It did not become clear, before " << cutBy_
+           << ", whether all of these are needed to block.\n";
     } else if (reason.names.size() > 1) {
       out_ << "With any one of them left out, the others get there.\n";
     }
@@ -172,7 +175,8 @@ class Details {
     const std::size_t goals = nearest.arrived.size() + nearest.unfinished.size();
     out_ << "Nearest baseline that can be reached, with " << nearest.arrived.size() << " of "
          << countedText(goals, "metamodel") << " at the version asked for"
-         << (nearest.isProven ? "" : " (the best found before the budget ended)") << ":\n";
+         << (nearest.isProven ? "" : " (the best found before " + std::string(cutBy_) + ")")
+         << ":\n";
     std::size_t width = 0;
     const auto widen = [&width](const NamedVersion& target) {
       width = std::max(width, countColumns(visible(target.name)));
@@ -186,7 +190,8 @@ class Details {
       printName(rest.target.name, width) << standingOf(rest) << "\n";
     }
     if (nearest.path.empty()) {
-      out_ << "That is the source itself: nothing can be done that comes nearer.\n";
+      out_ << "That is the source itself"
+           << (nearest.isProven ? ": nothing can be done that comes nearer.\n" : ".\n");
     } else {
       out_ << "The way there:\n";
       printPath(nearest.path);
@@ -288,8 +293,17 @@ class Details {
   }
 
   const StepWeights& weights_;
+  const char* const cutBy_;
   std::ostream& out_;
 };
+
+const char* whatCut(const Explanation& explanation) {
+  using Reason = pathfinder::SearchStopped::Reason;
+  if (!explanation.stopped) return "the budget ended";
+  if (*explanation.stopped == Reason::DeadlinePassed) return "the time was up";
+  if (*explanation.stopped == Reason::MemoryUsedUp) return "the memory was used up";
+  return "it was stopped";
+}
 
 std::string describeUnknown(const UnknownEntry& unknown) {
   const std::string side = unknown.side == QuestionSide::From ? "to start from" : "to reach";
@@ -325,11 +339,14 @@ void writeExplanationText(const Explanation& explanation, const StepWeights& wei
     return;
   }
   out << "No path: " << headlineOf(explanation) << "\n";
-  Details details(weights, out);
+  Details details(weights, whatCut(explanation), out);
   std::visit(details, explanation.reason);
   details.printWithoutOrder(explanation.withoutOrder);
   for (const Unlinkable& unlinkable : explanation.unlinkable) details.print(unlinkable);
   if (explanation.nearest) details.print(*explanation.nearest);
+  if (explanation.stopped) {
+    out << "The explanation is not finished: " << whatCut(explanation) << ".\n";
+  }
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -69,13 +69,15 @@ class SubsetSearch {
   GoalSubsets run() {
     for (const std::u16string& name : all_) {
       if (isSpent()) return grow();
-      if (!canReach({name})) blocking_.push_back({name});
+      const Answer answer = reach({name});
+      if (answer.isOpen) return grow();
+      if (answer.isAbsent()) blocking_.push_back({name});
     }
     for (std::size_t size = 0; size <= all_.size(); ++size) {
       std::vector<Names> reachable;
-      if (!tryGivingUp(size, reachable))
-        return reachable.empty() ? grow() : withoutProof(reachable);
-      if (!reachable.empty()) return {std::move(reachable), true};
+      const bool isComplete = tryGivingUp(size, reachable);
+      if (!isComplete && reachable.empty()) return grow();
+      if (!reachable.empty()) return {std::move(reachable), isComplete, std::move(path_)};
     }
     return {{Names()}, true};
   }
@@ -83,12 +85,13 @@ class SubsetSearch {
  private:
   bool isSpent() const { return question_.inquiry->isSpent(); }
 
-  bool canReach(const Names& names) const {
-    return question_.canReach(restrictTo(question_.goals, names));
-  }
-
-  static GoalSubsets withoutProof(std::vector<Names>& reachable) {
-    return {std::move(reachable), false};
+  Answer reach(const Names& names) {
+    Answer answer = question_.reach(restrictTo(question_.goals, names));
+    if (answer.path && names.size() > best_.size()) {
+      best_ = names;
+      path_ = answer.path;
+    }
+    return answer;
   }
 
   /// Tries all ways to give up so many goals; false when the questions allowed do not suffice.
@@ -101,7 +104,9 @@ class SubsetSearch {
         const Names kept = without(givenUp);
         if (std::find(reachable.begin(), reachable.end(), kept) != reachable.end()) continue;
         if (isSpent()) return false;
-        if (canReach(kept)) {
+        const Answer answer = reach(kept);
+        if (answer.isOpen) return false;
+        if (answer.path) {
           reachable.push_back(kept);
         } else {
           if (!addBlockingSetIn(kept)) return false;
@@ -125,24 +130,29 @@ class SubsetSearch {
     for (const std::u16string& name : Names(names)) {
       if (isSpent()) return false;
       names.erase(name);
-      if (canReach(names)) names.insert(name);
+      const Answer answer = reach(names);
+      if (answer.isOpen) return false;
+      if (answer.path) names.insert(name);
     }
     blocking_.push_back(std::move(names));
     return true;
   }
 
-  GoalSubsets grow() const {
+  GoalSubsets grow() {
     Names reachable;
     for (const std::u16string& name : all_) {
+      if (question_.inquiry->isStopped()) break;
       reachable.insert(name);
-      if (!canReach(reachable)) reachable.erase(name);
+      if (!reach(reachable).path) reachable.erase(name);
     }
-    return {{reachable}, false};
+    return {{best_}, false, std::move(path_)};
   }
 
   const PosedQuestion& question_;
   Names all_;
   std::vector<Names> blocking_;
+  Names best_;  // the largest set found, the first one of its size, and the way to it
+  std::optional<Path> path_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -14,10 +15,14 @@ using Names = std::set<std::u16string>;
 struct GoalSubsets {
   std::vector<Names> largest;  ///< all of one size; at least one, which may be empty
   bool isProven;               ///< there are no others, of this size or larger
+
+  /// The way to the first of them, if it was asked for.
+  std::optional<Path> path = std::nullopt;
 };
 
 /// Finds them within the questions that the inquiry allows. When these do not suffice, returns one
-/// set to which no goal can be added, found with up to one more question for each goal.
+/// set to which no goal can be added, found with up to one more question for each goal; when a
+/// limit is reached, the largest set known.
 GoalSubsets findLargestGoalSubsets(const PosedQuestion& question);
 
 SelectedMetamodels restrictTo(const SelectedMetamodels& goals, const Names& names);

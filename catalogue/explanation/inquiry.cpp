@@ -5,6 +5,7 @@
 
 namespace tarn::evolution::catalogue {
 
+using pathfinder::SearchStopped;
 using pathfinder::VersionBaseline;
 
 namespace {
@@ -24,6 +25,26 @@ std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,
     repository_.hideUnlinkable();
     return repository_.findPath(from, to, direction, limits_);
   }
+}
+
+Answer Inquiry::ask(const std::vector<VersionBaseline>& from,
+                    const std::vector<VersionBaseline>& to, Direction direction) {
+  try {
+    return {.path = findPath(from, to, direction)};
+  } catch (const SearchStopped& stopped) {
+    if (!stopped_) stopped_ = stopped.reason();
+    return {.isOpen = true};
+  }
+}
+
+bool Inquiry::isStopped() {
+  std::optional<SearchStopped::Reason> reason;
+  if (limits_.deadline && std::chrono::steady_clock::now() >= *limits_.deadline) {
+    reason = SearchStopped::Reason::DeadlinePassed;
+  }
+  if (limits_.stop.stop_requested()) reason = SearchStopped::Reason::StopRequested;
+  if (!stopped_) stopped_ = reason;
+  return reason.has_value();
 }
 
 std::vector<VersionBaseline> Inquiry::combine(const SelectedMetamodels& selection) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "catalogue/explanation/linkable_repository.hpp"
+#include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -16,6 +18,14 @@ using Direction = pathfinder::VersionRepository::Direction;
 /// Descriptors by name, in ascending order.
 using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 
+/// What the path finder has said.
+struct Answer {
+  std::optional<Path> path = std::nullopt;
+  bool isOpen = false;  ///< a limit was reached before it was known whether there is a path
+
+  bool isAbsent() const { return !path && !isOpen; }
+};
+
 /// Puts questions to the path finder and counts them, over the content of a repository that must
 /// outlive it.
 ///
@@ -23,7 +33,8 @@ using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 /// that cannot be linked, the hops to all such versions are left out for good.
 class Inquiry {
  public:
-  /// Each question is asked within the limits, which must outlive it as well.
+  using TimePoint = std::chrono::steady_clock::time_point;
+
   Inquiry(BrowsableRepository& content, const pathfinder::SearchLimits& limits)
       : content_(content), repository_(content), limits_(limits) {}
 
@@ -31,15 +42,29 @@ class Inquiry {
   LinkableRepository& repository() { return repository_; }
 
   /// The least-weight path between some baselines of `repository()`, counted as one question.
+  /// Throws SearchStopped when a limit is reached.
   std::optional<Path> findPath(const std::vector<pathfinder::VersionBaseline>& from,
                                const std::vector<pathfinder::VersionBaseline>& to,
                                Direction direction);
 
-  /// Allows so many questions from now on.
-  void allow(std::size_t questions) { allowed_ = questions_ + questions; }
+  /// The same as an answer, which a limit leaves open.
+  Answer ask(const std::vector<pathfinder::VersionBaseline>& from,
+             const std::vector<pathfinder::VersionBaseline>& to, Direction direction);
+
+  /// Allows so many questions from now on, until that moment.
+  void allow(std::size_t questions, std::optional<TimePoint> deadline) {
+    allowed_ = questions_ + questions;
+    limits_.deadline = deadline;
+  }
 
   /// Whether no more questions are allowed. It is for those who ask to stop then.
-  bool isSpent() const { return questions_ >= allowed_; }
+  bool isSpent() { return isStopped() || questions_ >= allowed_; }
+
+  /// Whether the time is up or a stop was requested. Every answer is open then.
+  bool isStopped();
+
+  /// The limit that was reached first, if one was.
+  std::optional<pathfinder::SearchStopped::Reason> stopped() const { return stopped_; }
 
   std::size_t questions() const { return questions_; }
 
@@ -54,7 +79,8 @@ class Inquiry {
  private:
   BrowsableRepository& content_;
   LinkableRepository repository_;
-  const pathfinder::SearchLimits& limits_;
+  pathfinder::SearchLimits limits_;
+  std::optional<pathfinder::SearchStopped::Reason> stopped_;
   std::size_t questions_ = 0;
   std::size_t allowed_ = 0;
   bool hasCut_ = false;

@@ -41,12 +41,15 @@ struct Arrival {
 /// hops left in all.
 class FewestHops {
  public:
-  FewestHops(const PosedQuestion& question, std::vector<std::vector<Choice>> alternatives)
-      : question_(question), alternatives_(std::move(alternatives)) {}
+  /// `known` is the way to what the first alternative fixes, if it was found already.
+  FewestHops(const PosedQuestion& question, std::vector<std::vector<Choice>> alternatives,
+             std::optional<Path> known = std::nullopt)
+      : question_(question), alternatives_(std::move(alternatives)), known_(std::move(known)) {}
 
   bool isProven() const { return isProven_; }
 
   std::optional<Arrival> run() {
+    const SelectedMetamodels fixed = fixedBy(alternatives_.front());
     for (auto& choices : alternatives_) dropHopeless(choices);
     std::size_t least = ~std::size_t{0};
     std::size_t most = 0;
@@ -65,9 +68,10 @@ class FewestHops {
       }
       if (visits_ > mostVisits) break;
       if (auto arrival = ask()) return arrival;
+      if (isOpen_) break;
     }
     isProven_ = false;
-    return takeOneByOne();
+    return takeOneByOne(fixed);
   }
 
  private:
@@ -84,19 +88,24 @@ class FewestHops {
   /// Takes away the options with fewer hops left than the choice can be brought to with all those
   /// that are fixed.
   void dropHopeless(std::vector<Choice>& choices) {
-    SelectedMetamodels fixed;
-    for (const Choice& choice : choices) {
-      if (choice.options.size() == 1) add(choice.options.front(), fixed);
-    }
+    const SelectedMetamodels fixed = fixedBy(choices);
     for (Choice& choice : choices) {
       auto& options = choice.options;
       while (options.size() > 1 && !question_.inquiry->isSpent()) {
         SelectedMetamodels selection = fixed;
         add(options.front(), selection);
-        if (question_.canReach(selection)) break;
+        if (!question_.reach(selection).isAbsent()) break;
         options.erase(options.begin());
       }
     }
+  }
+
+  static SelectedMetamodels fixedBy(const std::vector<Choice>& choices) {
+    SelectedMetamodels fixed;
+    for (const Choice& choice : choices) {
+      if (choice.options.size() == 1) add(choice.options.front(), fixed);
+    }
+    return fixed;
   }
 
   static void add(const Option& option, SelectedMetamodels& selection) {
@@ -106,7 +115,8 @@ class FewestHops {
   /// Gathers the baselines of all selections with just so many hops left.
   void enumerate(const std::vector<Choice>& choices, std::size_t position, std::size_t hopsLeft,
                  SelectedMetamodels& selection) {
-    if (++visits_ > mostVisits || targets_.size() > mostTargets) {
+    const bool isTooMuch = ++visits_ > mostVisits || targets_.size() > mostTargets;
+    if (isTooMuch || question_.inquiry->isStopped()) {
       visits_ = mostVisits + 1;
       return;
     }
@@ -126,12 +136,13 @@ class FewestHops {
     }
   }
 
-  std::optional<Arrival> ask() const {
+  std::optional<Arrival> ask() {
     if (isUnbound_) return Arrival{{}, question_.sources.front()};
     if (targets_.empty()) return std::nullopt;
-    auto path = question_.inquiry->findPath(question_.sources, targets_, question_.direction);
-    if (!path) return std::nullopt;
-    return arrivalBy(*std::move(path), targets_);
+    Answer answer = question_.inquiry->ask(question_.sources, targets_, question_.direction);
+    isOpen_ = answer.isOpen;
+    if (!answer.path) return std::nullopt;
+    return arrivalBy(*std::move(answer.path), targets_);
   }
 
   Arrival arrivalBy(Path path, const std::vector<VersionBaseline>& targets) const {
@@ -150,11 +161,8 @@ class FewestHops {
 
   /// Without the questions to find the best: fixes the first choices first, each as well as it can
   /// be, and once no questions are left only those that are fixed already.
-  std::optional<Arrival> takeOneByOne() {
-    SelectedMetamodels fixed;
-    for (const Choice& choice : alternatives_.front()) {
-      if (choice.options.size() == 1) add(choice.options.front(), fixed);
-    }
+  std::optional<Arrival> takeOneByOne(SelectedMetamodels fixed) {
+    std::optional<Path> path = std::move(known_);
     for (const Choice& choice : alternatives_.front()) {
       if (choice.options.size() == 1) continue;
       for (const Option& option : choice.options) {
@@ -162,23 +170,26 @@ class FewestHops {
         if (question_.inquiry->isSpent()) break;
         SelectedMetamodels extended = fixed;
         add(option, extended);
-        if (!question_.canReach(extended)) continue;
+        Answer answer = question_.reach(extended);
+        if (!answer.path) continue;
         fixed = std::move(extended);
+        path = std::move(answer.path);
         break;
       }
     }
     if (fixed.empty()) return Arrival{{}, question_.sources.front()};
-    const auto targets = question_.inquiry->combine(fixed);
-    auto path = question_.inquiry->findPath(question_.sources, targets, question_.direction);
+    if (!path) path = question_.reach(fixed).path;
     if (!path) return std::nullopt;
-    return arrivalBy(*std::move(path), targets);
+    return arrivalBy(*std::move(path), question_.inquiry->combine(fixed));
   }
 
   const PosedQuestion& question_;
   std::vector<std::vector<Choice>> alternatives_;
+  std::optional<Path> known_;
   std::vector<VersionBaseline> targets_;
   bool isUnbound_ = false;  // a selection leaves everything open
   std::size_t visits_ = 0;
+  bool isOpen_ = false;  // a limit has kept the last question from being answered
   bool isProven_ = true;
 };
 
@@ -233,12 +244,12 @@ void describe(const PosedQuestion& question, NearestBaseline& result) {
 }  // namespace
 
 NearestBaseline findNearestBaseline(const PosedQuestion& question) {
-  const GoalSubsets subsets = findLargestGoalSubsets(question);
+  GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;
   for (const Names& arriving : subsets.largest) {
     alternatives.push_back(choicesFor(question, arriving));
   }
-  FewestHops search(question, std::move(alternatives));
+  FewestHops search(question, std::move(alternatives), std::move(subsets.path));
   auto arrival = search.run();
   if (!arrival) arrival = Arrival{{}, question.sources.front()};
   NearestBaseline result{.path = std::move(arrival->path),

@@ -15,7 +15,7 @@ namespace tarn::evolution::catalogue {
 /// the fewest hops left: asks at once for all selections that have the same number of them left,
 /// upward from what each metamodel needs at least. Both stop when the inquiry allows no more
 /// questions; then goals are added one by one to the best set known, which takes up to one more
-/// question for each.
+/// question for each, unless a limit is reached.
 NearestBaseline findNearestBaseline(const PosedQuestion& question);
 
 /// The reachable baseline with the fewest hops left from which each goal still has its chain of

@@ -25,12 +25,13 @@ struct PosedQuestion {
   /// The goals that not every source holds.
   std::set<std::u16string> newcomers = {};
 
-  /// Whether baselines that hold some of the goals can be reached. Asks one question, or none when
-  /// the goals cannot stand together.
-  bool canReach(const SelectedMetamodels& someGoals) const {
-    if (someGoals.empty()) return true;
+  /// The way to a baseline that holds some of the goals. Asks one question, or none when the goals
+  /// cannot stand together.
+  Answer reach(const SelectedMetamodels& someGoals) const {
+    if (someGoals.empty()) return {.path = Path()};
     const std::vector<pathfinder::VersionBaseline> targets = inquiry->combine(someGoals);
-    return !targets.empty() && inquiry->findPath(sources, targets, direction).has_value();
+    if (targets.empty()) return {};
+    return inquiry->ask(sources, targets, direction);
   }
 };
 

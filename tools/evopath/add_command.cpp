@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <iostream>
 #include <memory>
 
 #include "catalogue/store/store_editing.hpp"
@@ -7,6 +6,7 @@
 #include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
+#include "text_output.hpp"
 
 namespace evopath {
 
@@ -23,7 +23,7 @@ ExitStatus runAdd(const AddOptions& options) {
   const auto counts = withProgressBar("Adding", [&](const StoreProgress& progress) {
     return addToStore(options.store, options.addition, progress);
   });
-  std::cout << "Added " << describeCounts(counts) << ".\n";
+  writeToStandardOutput("Added " + describeCounts(counts) + ".\n");
   return ExitStatus::Found;
 }
 

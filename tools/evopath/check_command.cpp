@@ -1,14 +1,15 @@
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
 
 #include "catalogue/check/check.hpp"
 #include "catalogue/check/open_draft.hpp"
 #include "check_report.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "output_option.hpp"
 
 namespace evopath {
 
@@ -25,6 +26,7 @@ struct CheckOptions {
   std::filesystem::path catalogue;
   std::string least = "note";
   bool json = false;
+  OutputOption output;
 };
 
 ExitStatus worstStatus(const std::vector<Finding>& findings) {
@@ -38,11 +40,13 @@ ExitStatus runCheck(const CheckOptions& options) {
   const CheckReport report{options.catalogue.string(),
                            check(tarn::evolution::catalogue::readDraft(options.catalogue)),
                            severities.at(options.least)};
+  std::ostringstream text;
   if (options.json) {
-    printJson(report, std::cout);
+    printJson(report, text);
   } else {
-    printText(report, std::cout);
+    printText(report, text);
   }
+  options.output.write(text.str());
   return worstStatus(report.findings);
 }
 
@@ -59,6 +63,7 @@ void addCheckCommand(CLI::App& program, Action& action) {
       ->check(CLI::IsMember(&severities))
       ->capture_default_str();
   check->add_flag("--json", options->json, "Print the findings as JSON");
+  options->output.addTo(*check);
   check->footer(
       "Exit status: 0 nothing worse than notes, 1 warnings, 2 errors, for which other commands\n"
       "refuse the catalogue, or bad usage.\n"

@@ -8,8 +8,9 @@ enum class ExitStatus {
   Sound = 0,  ///< a checked catalogue, but for notes
   NoPath = 1,
   Doubtful = 1,  ///< a checked catalogue, with warnings
-  BadInput = 2,  ///< of the command line or of a catalogue
-  // 130, as shells put it, is to be ended by Ctrl-C
+  BadInput = 2,  ///< of the command line or of a catalogue; or output that cannot be written
+  Open = 3,      ///< a limit has ended the search: whether there is a path is not known
+  // 130 and 143, as shells put it, are to be ended by Ctrl-C and by SIGTERM
 };
 
 }  // namespace evopath

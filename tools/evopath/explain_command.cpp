@@ -1,13 +1,15 @@
-#include <iostream>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
+#include "attended_explanation.hpp"
 #include "catalogue/explanation/explanation.hpp"
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
-#include "explanation_status.hpp"
+#include "limit_options.hpp"
+#include "output_option.hpp"
 #include "question_options.hpp"
 
 namespace evopath {
@@ -19,27 +21,33 @@ namespace {
 struct ExplainOptions : QuestionOptions {
   bool json = false;
   std::size_t budget = explanationBudget;
+  LimitOptions limits;
+  OutputOption output;
 };
 
-void print(const Explanation& explanation, const StepWeights& weights) {
+void print(const Explanation& explanation, const StepWeights& weights, std::ostream& out) {
   if (const auto* reason = std::get_if<UnknownEntries>(&explanation.reason)) {
     throw std::invalid_argument(describe(*reason));
   }
   if (std::holds_alternative<PathExists>(explanation.reason)) {
-    std::cout << "There is a path, which \"evopath path\" prints.\n";
+    out << "There is a path, which \"evopath path\" prints.\n";
   } else {
-    writeExplanationText(explanation, weights, std::cout);
+    writeExplanationText(explanation, weights, out);
   }
 }
 
 ExitStatus runExplain(const ExplainOptions& options) {
+  const auto limits = options.limits.fromNow();
   const auto repository = openCatalogue(options.catalogue);
-  const Explanation explanation = explain(*repository, options.ask(*repository), options.budget);
+  const Explanation explanation =
+      explainAttended(*repository, options.ask(*repository), options.budget, limits);
+  std::ostringstream text;
   if (options.json) {
-    writeExplanationJson(explanation, weightsOf(*repository), std::cout);
+    writeExplanationJson(explanation, weightsOf(*repository), text);
   } else {
-    print(explanation, weightsOf(*repository));
+    print(explanation, weightsOf(*repository), text);
   }
+  options.output.write(text.str());
   return statusOf(explanation);
 }
 
@@ -56,8 +64,15 @@ void addExplainCommand(CLI::App& program, Action& action) {
                    "How many questions about parts of the question may be asked")
       ->type_name("NUMBER")
       ->capture_default_str();
+  options->limits.addTo(*explain);
+  options->output.addTo(*explain);
   explain->footer(
-      "Exit status: 0 there is a path, 1 there is none, 2 bad usage or input.\n"
+      "A limit that is reached once it is clear that there is no path ends the explanation with "
+      "what\n"
+      "is known by then. So does Ctrl-C, on standard error.\n"
+      "Exit status: 0 there is a path, 1 there is none, 2 bad usage or input, 3 a limit was "
+      "reached\n"
+      "before it was known whether there is a path.\n"
       "Example: evopath explain data/operators.json --from limitador-operator=0.6.0 --to "
       "limitador-operator=0.3.0");
   explain->callback([options, &action] { action = [options] { return runExplain(*options); }; });

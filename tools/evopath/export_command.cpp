@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <iostream>
 #include <memory>
 
 #include "catalogue/store/store_transfer.hpp"
@@ -7,6 +6,7 @@
 #include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
+#include "text_output.hpp"
 
 namespace evopath {
 
@@ -23,7 +23,7 @@ ExitStatus runExport(const ExportOptions& options) {
   const auto counts = withProgressBar("Exporting", [&](const StoreProgress& progress) {
     return exportCatalogue(options.store, options.catalogue, progress);
   });
-  std::cout << "Exported " << describeCounts(counts) << ".\n";
+  writeToStandardOutput("Exported " + describeCounts(counts) + ".\n");
   return ExitStatus::Found;
 }
 

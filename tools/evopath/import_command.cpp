@@ -1,7 +1,7 @@
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -13,6 +13,7 @@
 #include "import_report.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
+#include "text_output.hpp"
 
 namespace evopath {
 
@@ -55,7 +56,7 @@ ExitStatus importJson(const ImportArguments& arguments) {
   const auto counts = withProgressBar("Importing", [&](const StoreProgress& progress) {
     return importCatalogue(arguments.files[0], arguments.files[1], progress);
   });
-  std::cout << "Imported " << describeCounts(counts) << ".\n";
+  writeToStandardOutput("Imported " + describeCounts(counts) + ".\n");
   return ExitStatus::Found;
 }
 
@@ -67,7 +68,9 @@ ExitStatus importForeign(const ImportArguments& arguments) {
   const auto report = withProgressBar("Importing", [&](const StoreProgress& progress) {
     return importForeignCatalogue(options, arguments.files.back(), progress);
   });
-  printImportReport(report, arguments.listsAll, std::cout);
+  std::ostringstream text;
+  printImportReport(report, arguments.listsAll, text);
+  writeToStandardOutput(text.str());
   return ExitStatus::Found;
 }
 

@@ -4,8 +4,10 @@
 #include <sstream>
 
 #include "catalogue/text/display_text.hpp"
+#include "interruption.hpp"
+#include "pathfinder/search_limits.hpp"
 #include "program.hpp"
-#include "progress_bar.hpp"
+#include "text_output.hpp"
 
 namespace {
 
@@ -18,24 +20,39 @@ void printError(const std::exception& error) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  constexpr int badInput = static_cast<int>(evopath::ExitStatus::BadInput);
+/// Does what the command line says; help texts and what is wrong with it are printed as CLI11 words
+/// them.
+evopath::ExitStatus run(int argc, char** argv) {
   CLI::App program("", "evopath");
   evopath::Action action;
   evopath::addCommands(program, action);
   try {
     program.parse(argc, argv);
     if (!action) throw CLI::RequiredError("A command");
-    return static_cast<int>(action());
+    return action();
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? 0 : badInput;
+    std::ostringstream help;
+    const bool isHelp = program.exit(error, help, std::cerr) == 0;
+    if (isHelp) evopath::writeToStandardOutput(help.str());
+    return isHelp ? evopath::ExitStatus::Found : evopath::ExitStatus::BadInput;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  evopath::ExitStatus status = evopath::ExitStatus::BadInput;
+  try {
+    status = run(argc, argv);
   } catch (const evopath::Interrupted& error) {
     printError(error);
-    return std::raise(SIGINT);  // so that who started the program sees how it ended
+    return std::raise(error.signal());
+  } catch (const tarn::evolution::pathfinder::SearchStopped& error) {
+    printError(error);
+    if (const int signal = evopath::SignalCatcher::caught()) return std::raise(signal);
+    status = evopath::ExitStatus::Open;
   } catch (const std::exception& error) {
     printError(error);
-    return badInput;
   }
+  return static_cast<int>(status);
 }

@@ -9,9 +9,9 @@ void addCommands(CLI::App& program, Action& action) {
       "\"evopath COMMAND --help\" tells all about a command. Lists are coloured on a terminal, "
       "unless\n"
       "the environment variable NO_COLOR is set.\n"
-      "Ctrl-C ends a command with exit status 130; a file or store that it was to change is then "
-      "as\n"
-      "it was.\n"
+      "Ctrl-C ends a command with exit status 130, and a search with what is known; a file or "
+      "store\n"
+      "that it was to change is then as it was.\n"
       "Example: evopath path data/operators.json --question");
   for (const AddCommand addCommand :
        {addPathCommand, addExplainCommand, addStepsCommand, addShowCommand, addGraphCommand,

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <iostream>
 
+#include "interruption.hpp"
+
 namespace evopath {
 
 namespace {
@@ -36,7 +38,7 @@ ProgressBar::~ProgressBar() {
 
 tarn::evolution::catalogue::StoreProgress ProgressBar::progress() {
   return [this](double share) {
-    if (isInterrupted != 0) throw Interrupted();
+    if (isInterrupted != 0) throw Interrupted("interrupted; nothing has been changed", SIGINT);
     if (isShown_) show(share);
   };
 }

@@ -1,18 +1,11 @@
 #pragma once
 
 #include <csignal>
-#include <stdexcept>
 #include <string>
 
 #include "catalogue/store/store_progress.hpp"
 
 namespace evopath {
-
-/// An operation was ended by Ctrl-C and has changed nothing.
-class Interrupted : public std::runtime_error {
- public:
-  Interrupted() : std::runtime_error("interrupted; nothing has been changed") {}
-};
 
 /// Shows on standard error how far a long operation is, if that is a terminal; otherwise nothing.
 /// Goes away with the object.

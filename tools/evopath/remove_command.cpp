@@ -10,6 +10,7 @@
 #include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
+#include "text_output.hpp"
 
 namespace evopath {
 
@@ -55,7 +56,7 @@ ExitStatus runRemove(const RemoveOptions& options) {
     printObstacles(result, std::cerr);
     return ExitStatus::BadInput;
   }
-  std::cout << "Removed " << describeCounts(result.removed) << ".\n";
+  writeToStandardOutput("Removed " + describeCounts(result.removed) + ".\n");
   return ExitStatus::Found;
 }
 

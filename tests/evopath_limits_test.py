@@ -1,0 +1,128 @@
+"""Runs evopath with questions that take too long, and with output that cannot be written.
+
+usage: evopath_limits_test.py EVOPATH
+"""
+
+import json
+import os
+import pathlib
+import pty
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = pathlib.Path(sys.argv[1]).resolve()
+
+
+def crowd(guests):
+    """A catalogue in which guests move together over a version at which each needs a room of its
+    own, and a room is missing: there is no path, but to prove that takes for ever. Beside them, "A"
+    moves, and "X" has no hop."""
+    def metamodel(name, version, **needs):
+        dependencies = [{"name": key, "range": value} for key, value in needs.items()]
+        return {"name": name, "version": f"{version}.0.0", "dependencies": dependencies}
+
+    rooms, everyone = range(1, guests), range(1, guests + 1)
+    metamodels = [metamodel(name, k) for name in "ACX" for k in (1, 2, 3)]
+    metamodels += [metamodel(f"Room{r}", g) for r in rooms for g in everyone]
+    metamodels += [metamodel(f"Key{g}", r, **{f"Room{r}": f"{g}.0.0"}) for g in everyone for r in rooms]
+    for g in everyone:
+        keys = {f"Key{g}": ["1.0.0", f"{guests}.0.0"]}
+        metamodels += [metamodel(f"G{g}", k, C=f"{k}.0.0", **(keys if k == 2 else {})) for k in (1, 2, 3)]
+    hops = [{"name": name, "from": f"{k}.0.0", "to": f"{k + 1}.0.0", "expensive": False}
+            for name in ["A", "C"] + [f"G{g}" for g in everyone] for k in (1, 2)]
+    return {"metamodels": metamodels, "hops": hops}
+
+
+def versions(names, version):
+    return ",".join(f"{name}={version}.0.0" for name in names)
+
+
+GUESTS = [f"G{g}" for g in range(1, 13)]
+# Whether there is a path stays open; that there is none is known at once, but not how near one gets.
+OPEN = ["--from", versions(GUESTS, 1), "--to", versions(GUESTS, 3)]
+BLOCKED = ["--from", versions(GUESTS + ["A", "X"], 1), "--to", versions(GUESTS + ["A", "X"], 3)]
+
+
+class Limits(unittest.TestCase):
+    """What ends a search or an explanation, and how it is told."""
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+        (self.folder / "crowd.json").write_text(json.dumps(crowd(12)), encoding="utf-8")
+
+    def run_evopath(self, *arguments, **options):
+        return subprocess.run([PROGRAM, *arguments], cwd=self.folder, check=False, timeout=250,
+                              stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, encoding="utf-8",
+                              **{"stdout": subprocess.PIPE, **options})
+
+    def test_a_limit_is_no_absence(self):
+        for command in ("path", "explain"):
+            for limit in (["--timeout", "1.5"], ["--timeout", "0"], ["--memory", "100K"]):
+                done = self.run_evopath(command, "crowd.json", *OPEN, *limit)
+                self.assertEqual((done.returncode, done.stdout), (3, ""), limit)
+                self.assertRegex(done.stderr, r"\Aevopath: The search .* No path weighs less than \d+\.")
+        for option, value in [("--timeout", value) for value in ("-1", "nan", "inf", "1s", "", "1e10")] + [
+                ("--memory", value) for value in ("-1", "5X", "99999999999T", "M", "")]:
+            done = self.run_evopath("path", "crowd.json", *OPEN, option, value)
+            self.assertEqual(done.returncode, 2, value)
+            self.assertIn(f"{option} {value}: must be a number", done.stderr)
+
+    def test_an_absence_is_told_at_once_or_explained_in_time(self):
+        bare = ["path", "crowd.json", *BLOCKED, "--no-explain"]
+        self.assertEqual(self.run_evopath(*bare).stdout, "No path.\n")
+        self.assertEqual(json.loads(self.run_evopath(*bare, "--json").stdout), {"found": False})
+        for command in ("path", "explain"):
+            done = self.run_evopath(command, "crowd.json", *BLOCKED, "--timeout", "4", "--output", "why")
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (1, "", ""))
+            text = (self.folder / "why").read_text(encoding="utf-8")
+            self.assertIn("No path: no hops lead to X 3.0.0.", text)
+            self.assertIn("1 of 14 metamodels at the version asked for (the best found before the "
+                          "time was up):\n  A    3.0.0\n", text)
+            self.assertTrue(text.endswith("The explanation is not finished: the time was up.\n"))
+        done = self.run_evopath("explain", "crowd.json", *BLOCKED, "--timeout", "4", "--json")
+        self.assertEqual((done.returncode, json.loads(done.stdout)["stopped"]), (1, "time"))
+
+    def test_signals_end_with_what_is_known(self):
+        for ending in (signal.SIGINT, signal.SIGTERM):
+            for question, doing, said in [(OPEN, "Searching, 1 s", "No path weighs less than"),
+                                          (BLOCKED, "Explaining, 1 s", "evopath: interrupted")]:
+                ours, terminal = pty.openpty()
+                with subprocess.Popen([PROGRAM, "path", "crowd.json", *question, "--timeout", "200"],
+                                      cwd=self.folder, stdout=subprocess.PIPE, stderr=terminal) as process:
+                    os.close(terminal)
+                    shown = ""
+                    while doing not in shown:
+                        shown += os.read(ours, 1000).decode()
+                    process.send_signal(ending)
+                    self.assertEqual((process.wait(), process.stdout.read()), (-ending, b""))
+                rest = os.read(ours, 100_000).decode()
+                os.close(ours)
+                self.assertLessEqual(shown.count("0 s"), 12)
+                self.assertIn("\r\x1b[K" + ("evopath" if question is OPEN else "No path"), rest)
+                self.assertIn(said, rest)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "there is no full device")
+    def test_an_answer_that_cannot_be_written_is_no_success(self):
+        (self.folder / "more.json").write_text(
+            '{"metamodels": [{"name": "B", "version": "1.0", "dependencies": []}], "hops": []}')
+        for arguments in (["--help"], ["path", "--help"], ["check", "crowd.json"],
+                          ["explain", "crowd.json", "--from", "A=1.0", "--to", "X=3.0"],
+                          ["import", "crowd.json", "crowd.store"], ["add", "crowd.store", "more.json"],
+                          ["remove", "crowd.store", "B"], ["export", "crowd.store", "again.json"]):
+            with open("/dev/full", "w", encoding="utf-8") as full:
+                done = self.run_evopath(*arguments, stdout=full)
+            self.assertEqual((done.returncode, done.stderr),
+                             (2, "evopath: standard output: cannot be written: No space left on device\n"),
+                             arguments)
+        self.run_evopath("check", "crowd.json", "--output", "findings")
+        self.assertEqual((self.folder / "findings").read_text(encoding="utf-8"),
+                         self.run_evopath("check", "crowd.json").stdout)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
