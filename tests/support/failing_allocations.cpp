@@ -66,7 +66,15 @@ void* operator new(std::size_t size) {
 void* operator new(std::size_t size, std::align_val_t alignment) {
   return allocate(size, static_cast<std::size_t>(alignment));
 }
+void* operator new(std::size_t size, const std::nothrow_t& /*told by null*/) noexcept try {
+  return operator new(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
 void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t& /*told by null*/) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
