@@ -114,6 +114,22 @@ TEST(Limits, WhatProgressThrowsReachesTheCaller) {
                CallbackFailure);
 }
 
+TEST(Limits, ManyVersionsAreNoProduct) {
+  TestRepository row("A1..3000 B1..3000");
+  row.isNoting = false;
+  const SearchLimits limits{.progress = [](const SearchProgress& progress) {
+    EXPECT_NE(progress.stage, Stage::Learning);
+  }};
+  const auto path = row.findPath(selection("A1 B1"), selection("A3000 B3000"), limits);
+  EXPECT_EQ(path.value().size(), 2'999U);
+  // Not even beside a product.
+  std::string product = "Q1:P[1,6001) Q2:P[1,6001) Q1>2 A1..40";
+  for (int i = 1; i <= 6000; ++i) product += " P" + std::to_string(i);
+  TestRepository beside(product);
+  beside.isNoting = false;
+  EXPECT_EQ(beside.findPath(selection("A1 Q1"), selection("A40 Q2")).value().size(), 39U);
+}
+
 TEST(Limits, ProductsThatNoMemoryHoldsAreRefused) {
   // Two names with thousands of linked metamodels each, and none to choose between them.
   TestRepository repository("P1..20000 Q1..20000 A1:P[1,20001) B1:Q[1,20001)");

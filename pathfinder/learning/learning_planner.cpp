@@ -16,13 +16,13 @@ namespace tarn::evolution::pathfinder {
 namespace {
 
 /// The fewest steps with an ordinary hop that any plan has, as far as single versions tell.
-std::uint32_t fewestLayers(const PlanNetwork& network, const AllVersionBounds& bounds) {
+std::uint32_t fewestLayers(const PlanNetwork& network) {
   std::uint32_t fewest = std::numeric_limits<std::uint32_t>::max();
   for (const auto& target : network.targets) {
     std::uint32_t layers = 0;
     for (const auto& ends : target) {
       for (const NodeIndex node : ends) {
-        layers = std::max(layers, bounds[network.nodes[node].version].ordinaryStepsEver);
+        layers = std::max(layers, network.nodes[node].ordinaryStepsBefore);
       }
     }
     fewest = std::min(fewest, layers);
@@ -38,7 +38,7 @@ class Planner final : public LearningPlanner {
         network_(std::move(network)),
         plans_(network_),
         timeline_(network_, plans_.formula, plans_.sat),
-        leastWeight_(plans_, timeline_, fewestLayers(network_, ground.bounds)) {}
+        leastWeight_(plans_, timeline_, fewestLayers(network_)) {}
 
   std::optional<BackwardPlan> plan() override {
     if (!network_.canBegin() || network_.targets.empty()) return std::nullopt;

@@ -52,13 +52,13 @@ void PlanFormula::addSources() {
       startsAt_[node] = nodes.size() == 1 ? always_ : solver_.newVariable();
       starts.push_back(startsAt_[node]);
     }
-    exactlyOne(starts);
+    solver_.addExactlyOne(starts);
   }
   if (!network_.starts.empty()) return;
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
     isSource_.push_back(network_.sources.size() == 1 ? always_ : solver_.newVariable());
   }
-  exactlyOne(isSource_);
+  solver_.addExactlyOne(isSource_);
   std::map<NodeIndex, std::vector<Literal>> startingIn;
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
     for (const NodeIndex node : network_.sources[i].nodes) {
@@ -83,7 +83,7 @@ void PlanFormula::addTargets() {
       endsAt_[node] = isFixed ? always_ : solver_.newVariable();
       ends.push_back(endsAt_[node]);
     }
-    exactlyOne(ends);
+    solver_.addExactlyOne(ends);
     for (std::size_t i = 0; i < network_.targets.size() && !isFixed; ++i) {
       const auto& wanted = network_.targets[i][name];
       if (wanted.empty()) continue;
@@ -104,7 +104,7 @@ void PlanFormula::addWay(NodeIndex node) {
       solver_.addClause({-isUsed_[arc], held});
       solver_.addClause({-isUsed_[arc], -isLast});
     }
-    atMostOne(used);
+    solver_.addAtMostOne(used);
     solver_.addClause({-isLast, held});
     used.push_back(isLast);
     used.push_back(-held);
@@ -206,10 +206,17 @@ bool PlanFormula::comesBefore(NodeIndex first, NodeIndex second) const {
 }
 
 void PlanFormula::findWhatComesBefore() {
-  for (const PlanNetwork::Name& name : network_.names) {
+  std::vector<bool> hasNeighbours(network_.names.size());
+  for (const PlanNetwork::Neighbours& neighbours : network_.neighbours) {
+    hasNeighbours[neighbours.left] = hasNeighbours[neighbours.right] = true;
+  }
+  beforeStart_.resize(network_.nodes.size());
+  for (NameIndex index = 0; index < network_.names.size(); ++index) {
+    if (!hasNeighbours[index]) continue;
+    const PlanNetwork::Name& name = network_.names[index];
     const std::size_t words = wordsFor(name.end - name.first);
     for (NodeIndex node = name.first; node < name.end; ++node) {
-      beforeStart_.push_back(before_.size());
+      beforeStart_[node] = before_.size();
       before_.resize(before_.size() + words);
       BitRow row(&before_[beforeStart_[node]], words);
       for (const ArcIndex arc : network_.nodes[node].in) {
@@ -218,28 +225,6 @@ void PlanFormula::findWhatComesBefore() {
         row.insert(from - name.first);
       }
     }
-  }
-}
-
-void PlanFormula::exactlyOne(const std::vector<Literal>& literals) {
-  solver_.addClause(literals);
-  atMostOne(literals);
-}
-
-/// Pairs of few literals; of more, a few at a time and the rest behind a literal that stands for
-/// them.
-void PlanFormula::atMostOne(std::vector<Literal> literals) {
-  constexpr std::size_t most = 6;
-  while (literals.size() > most) {
-    const Literal anyOfFirst = solver_.newVariable();
-    std::vector<Literal> first(literals.end() - (most - 1), literals.end());
-    literals.resize(literals.size() - (most - 1));
-    for (const Literal literal : first) solver_.addClause({-literal, anyOfFirst});
-    atMostOne(std::move(first));
-    literals.push_back(anyOfFirst);
-  }
-  for (std::size_t i = 0; i < literals.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) solver_.addClause({-literals[i], -literals[j]});
   }
 }
 

@@ -41,9 +41,6 @@ class PlanFormula {
   /// All that may be said of when a node is left.
   std::span<const Order> ordersOf(NodeIndex left) const { return orders_[left]; }
 
-  /// Whether every way that holds both nodes, which are of one name, holds the first one earlier.
-  bool comesBefore(NodeIndex first, NodeIndex second) const;
-
   /// Forbids that all of these nodes are held at the same time, of which each two may be.
   void forbidTogether(std::span<const NodeIndex> nodes);
 
@@ -56,10 +53,11 @@ class PlanFormula {
   Literal addOrder(NodeIndex left, NodeIndex right);
   void addConsequences(const PlanNetwork::Neighbours& neighbours,
                        const std::vector<Literal>& orders);
-  void atMostOne(std::vector<Literal> literals);
-  void exactlyOne(const std::vector<Literal>& literals);
   Literal anyOf(const std::vector<Literal>& literals);
   void findWhatComesBefore();
+
+  /// Whether every way that holds both nodes, which are of one name, holds the first one earlier.
+  bool comesBefore(NodeIndex first, NodeIndex second) const;
 
   const PlanNetwork& network_;
   SatSolver& solver_;
@@ -71,7 +69,8 @@ class PlanFormula {
   std::vector<Literal> isSource_;
   std::vector<std::vector<Order>> orders_;
 
-  // For each node, as bits, the nodes of its name that lie on ways to it.
+  // For each node of a name that has neighbours, as bits, the nodes of its name that lie on ways to
+  // it.
   std::vector<std::size_t> beforeStart_;
   std::vector<BitWord> before_;
 };

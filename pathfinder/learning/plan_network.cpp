@@ -11,6 +11,22 @@ namespace {
 
 constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
 
+using Edges = std::vector<std::vector<std::size_t>>;
+
+std::vector<bool> reachedFrom(std::vector<std::size_t> open, const Edges& edges) {
+  std::vector<bool> isReached(edges.size());
+  for (const std::size_t place : open) isReached[place] = true;
+  while (!open.empty()) {
+    const std::size_t place = open.back();
+    open.pop_back();
+    for (const std::size_t next : edges[place]) {
+      if (!isReached[next]) open.push_back(next);
+      isReached[next] = true;
+    }
+  }
+  return isReached;
+}
+
 class NetworkBuilding {
  public:
   NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
@@ -77,7 +93,11 @@ class NetworkBuilding {
     const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
     for (const VersionIndex version : order) {
       nodeOf_[version] = static_cast<NodeIndex>(network_.nodes.size());
-      network_.nodes.push_back({version, name, {}, {}});
+      network_.nodes.push_back({.version = version,
+                                .name = name,
+                                .in = {},
+                                .out = {},
+                                .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
     }
     network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
     addArcs(first, order);
@@ -106,27 +126,25 @@ class NetworkBuilding {
     return order.size() == static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
   }
 
+  /// Those on a way from a start to an end.
   std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
-    std::vector<bool> isReached(end - first);
-    std::vector<bool> leadsOn(end - first);
+    Edges onward(end - first);
+    Edges back(end - first);
+    std::vector<std::size_t> starts;
+    std::vector<std::size_t> ends;
     for (VersionIndex version = first; version < end; ++version) {
-      isReached[version - first] = ground_.bounds[version].isReachable && isStart(version);
-      leadsOn[version - first] = ground_.bounds[version].isReachable && isEnd(version);
-    }
-    for (bool changed = true; std::exchange(changed, false);) {
-      for (VersionIndex version = first; version < end; ++version) {
-        for (const auto& [target, move] : moves_[version - first]) {
-          if (isReached[version - first] && !isReached[target - first]) {
-            isReached[target - first] = changed = true;
-          }
-          if (leadsOn[target - first] && !leadsOn[version - first]) {
-            leadsOn[version - first] = changed = true;
-          }
-        }
+      if (!ground_.bounds[version].isReachable) continue;
+      if (isStart(version)) starts.push_back(version - first);
+      if (isEnd(version)) ends.push_back(version - first);
+      for (const auto& [target, move] : moves_[version - first]) {
+        onward[version - first].push_back(target - first);
+        back[target - first].push_back(version - first);
       }
     }
-    for (std::size_t i = 0; i < isReached.size(); ++i) isReached[i] = isReached[i] && leadsOn[i];
-    return isReached;
+    std::vector<bool> isLive = reachedFrom(std::move(starts), onward);
+    const std::vector<bool> leadsOn = reachedFrom(std::move(ends), back);
+    for (std::size_t i = 0; i < isLive.size(); ++i) isLive[i] = isLive[i] && leadsOn[i];
+    return isLive;
   }
 
   void addArcs(VersionIndex first, const std::vector<VersionIndex>& versions) {

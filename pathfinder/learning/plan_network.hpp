@@ -26,6 +26,9 @@ struct PlanNetwork {
     std::vector<ArcIndex> in;
     std::vector<ArcIndex> out;
 
+    /// After how many steps with an ordinary hop it can be held, in any plan.
+    std::uint32_t ordinaryStepsBefore = 0;
+
     // The least that a way from here to an end of the name takes.
     std::uint32_t expensiveLeft = 0;
     std::uint32_t ordinaryLeft = 0;  ///< whatever that means for expensive ones

@@ -12,6 +12,8 @@ namespace {
 constexpr int satisfiable = 10;
 constexpr int unsatisfiable = 20;
 
+constexpr std::size_t clausesBetweenLooks = 4096;  // at the limits of the search
+
 }  // namespace
 
 /// The solver, which asks now and then whether to end.
@@ -46,6 +48,27 @@ void SatSolver::addClause(std::span<const Literal> literals) {
   for (const Literal literal : literals) backend_->solver.add(literal);
   backend_->solver.add(0);
   literals_ += literals.size();
+  if (++clauses_ % clausesBetweenLooks == 0) watch();
+}
+
+void SatSolver::addExactlyOne(const std::vector<Literal>& literals) {
+  addClause(literals);
+  addAtMostOne(literals);
+}
+
+void SatSolver::addAtMostOne(std::vector<Literal> literals) {
+  constexpr std::size_t most = 6;
+  while (literals.size() > most) {
+    const Literal anyOfLast = newVariable();
+    std::vector<Literal> last(literals.end() - (most - 1), literals.end());
+    literals.resize(literals.size() - (most - 1));
+    for (const Literal literal : last) addClause({-literal, anyOfLast});
+    addAtMostOne(std::move(last));
+    literals.push_back(anyOfLast);
+  }
+  for (std::size_t i = 0; i < literals.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) addClause({-literals[i], -literals[j]});
+  }
 }
 
 bool SatSolver::solve(std::span<const Literal> assumptions) {
@@ -64,12 +87,16 @@ bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
 }
 
 int SatSolver::ask(std::span<const Literal> assumptions) {
-  if (SearchWatch* watch = SearchWatch::current()) watch->noteMemory(bytes());
-  checkpoint();
+  watch();
   for (const Literal literal : assumptions) backend_->solver.assume(literal);
   const int answer = backend_->solver.solve();
   if (answer != satisfiable && answer != unsatisfiable) checkpoint();
   return answer;
+}
+
+void SatSolver::watch() const {
+  if (SearchWatch* watch = SearchWatch::current()) watch->noteMemory(bytes());
+  checkpoint();
 }
 
 bool SatSolver::isTrue(Literal literal) const {

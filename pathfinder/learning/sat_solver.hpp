@@ -13,7 +13,8 @@ namespace tarn::evolution::pathfinder {
 using Literal = int;
 
 /// A formula in conjunctive normal form that only grows, and questions to it under assumptions.
-/// What a question learns stays for those that follow.
+/// What a question learns stays for those that follow. Whatever takes time throws SearchStopped
+/// when a limit of the search is reached.
 class SatSolver {
  public:
   SatSolver();
@@ -26,8 +27,12 @@ class SatSolver {
   void addClause(std::initializer_list<Literal> literals);
   void addClause(std::span<const Literal> literals);
 
-  /// Whether the formula and all assumptions can be true. Throws SearchStopped, as the questions
-  /// below do, when a limit of the search is reached.
+  /// That no two of these are true: pairs of few, and with more a few at a time and the rest behind
+  /// a literal that stands for them.
+  void addAtMostOne(std::vector<Literal> literals);
+  void addExactlyOne(const std::vector<Literal>& literals);
+
+  /// Whether the formula and all assumptions can be true.
   bool solve(std::span<const Literal> assumptions);
 
   /// The same with a clause that holds for this question only.
@@ -53,9 +58,11 @@ class SatSolver {
   class Backend;
 
   int ask(std::span<const Literal> assumptions);
+  void watch() const;
 
   std::unique_ptr<Backend> backend_;
   int variables_ = 0;
+  std::size_t clauses_ = 0;
   std::size_t literals_ = 0;  // in all clauses
 };
 

@@ -110,10 +110,7 @@ std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firs
   for (const auto& [name, versions] : names_) {
     auto& literals = held[name];
     for (std::size_t i = 0; i < versions.size(); ++i) literals.push_back(solver.newVariable());
-    solver.addClause(literals);
-    for (std::size_t i = 0; i < literals.size(); ++i) {
-      for (std::size_t j = 0; j < i; ++j) solver.addClause({-literals[i], -literals[j]});
-    }
+    solver.addExactlyOne(literals);
   }
   for (const auto& [name, versions] : names_) {
     for (std::size_t i = 0; i < versions.size(); ++i) {

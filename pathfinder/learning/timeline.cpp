@@ -1,4 +1,5 @@
-// An order encoding: one literal for each node and phase, "entered by then", monotone in the phase.
+// An order encoding: one literal for each node and phase, "entered by then", monotone in the phase
+// and false before the first one in which bounds allow the node.
 // An order between nodes carries over to the phases in which they are left and entered, and a hop
 // comes in a later phase than the one before of its name, or in the same gap.
 
@@ -20,6 +21,10 @@ void Timeline::extendTo(std::uint32_t layers) {
 void Timeline::addPhase() {
   const std::uint32_t phase = phases_++;
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore) {
+      entered_[node].push_back(formula_.never());
+      continue;
+    }
     const Literal entered = solver_.newVariable();
     entered_[node].push_back(entered);
     if (phase > 0) solver_.addClause({-entered_[node][phase - 1], entered});

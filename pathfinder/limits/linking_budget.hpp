@@ -4,9 +4,9 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// While it lives, bounds how many linked metamodels are made on this thread, and how many
-/// baselines are combined at once, so that whoever asked can take another way before a product
-/// takes all time and memory.
+/// While it lives, bounds how many linked metamodels are made on this thread beyond the first one
+/// of each version, and how many baselines are combined at once, so that whoever asked can take
+/// another way before a product takes all time and memory. Many versions are no product.
 class LinkingBudget {
  public:
   /// Thrown when the budget is spent, through operations of the application; no std::exception, so

@@ -91,7 +91,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
                                                         const OptionsByName& optionsByName) {
   LinkedMetamodels results =
       linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
-  LinkingBudget::take(results.size());
+  if (!results.empty()) LinkingBudget::take(results.size() - 1);
   for (auto& linked : results) {
     if (auto known = cache_.findAlone(*linked)) {
       linked = std::move(known);
