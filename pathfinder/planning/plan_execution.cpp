@@ -255,6 +255,7 @@ class PlanExecution {
   void attempt(Visit& visit) {
     const Combination combination = std::move(visit.combinations.back());
     visit.combinations.pop_back();
+    if (visit.combinations.empty()) visit.combinations.shrink_to_fit();  // a way may be long
     visit.after = combination.after;
     const SelectionView selection = selections_[visit.selection];
     const Digits& digits = combination.digits;

@@ -61,7 +61,7 @@ class SurveyedVersions {
  public:
   using allocator_type = std::pmr::polymorphic_allocator<>;
 
-  explicit SurveyedVersions(const allocator_type& memory) : versions_(memory), places_(memory) {
+  explicit SurveyedVersions(const allocator_type& memory) : versions_(memory), byHash_(memory) {
     versions_.reserve(few);
   }
 
@@ -74,9 +74,10 @@ class SurveyedVersions {
       }
       return nullptr;
     }
-    const auto [begin, end] = places_.equal_range(number);
-    for (auto place = begin; place != end; ++place) {
-      if (isWanted(*place->second)) return place->second;
+    const auto [begin, end] = byHash_.equal_range(VersionIdHash()(number));
+    for (auto entry = begin; entry != end; ++entry) {
+      SurveyedVersion* const version = entry->second;
+      if (version->descriptor->version == number && isWanted(*version)) return version;
     }
     return nullptr;
   }
@@ -84,8 +85,8 @@ class SurveyedVersions {
   void add(SurveyedVersion& version) {
     versions_.push_back(&version);
     if (versions_.size() <= few) return;
-    for (std::size_t i = places_.size(); i < versions_.size(); ++i) {
-      places_.emplace(versions_[i]->descriptor->version, versions_[i]);
+    for (std::size_t i = byHash_.size(); i < versions_.size(); ++i) {
+      byHash_.emplace(VersionIdHash()(versions_[i]->descriptor->version), versions_[i]);
     }
   }
 
@@ -93,7 +94,7 @@ class SurveyedVersions {
   static constexpr std::size_t few = 8;
 
   std::pmr::vector<SurveyedVersion*> versions_;
-  std::pmr::unordered_multimap<VersionId, SurveyedVersion*, VersionIdHash> places_;  // once many
+  std::pmr::unordered_multimap<std::size_t, SurveyedVersion*> byHash_;  // of numbers; once many
 };
 
 /// Where a hop of a version leads.
