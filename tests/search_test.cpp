@@ -153,6 +153,7 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       {"A1..2 B1..2 A1>2@B | A1 B1 | A2 B2", false},
       {"A1..3 B1:A[1,3)+A[2,4) B2 B1>2 | A2 B1 | A3 B2", false},
       {"A1..2 B1:C1 B2 B1>2 | A1 B1 | A2 B2 C1", false},
+      {"A1..3 B1 B2:A[1,3)+A[2,4) B3 B1>2 B2>3 | A2 B1 | A2 B3", false},
   };
   for (const auto& [text, isSettled] : cases) {
     SCOPED_TRACE(text);
@@ -201,8 +202,13 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       // move before A does.
       {"A1 A2:C2 A3 A4:B2 A5 A6 A7 A1>2 A2>3 A3>5 A1>4 A4>6 A6>7 A7>3 B1 B2 B1>2 C1 C2", "A1 B1 C1",
        "A5 B2 C1", 5},
-      // The second target needs several hops of a name that no target mentions.
-      {"A1 A2 A1>2! B1 B2:C4 B1>2 C1..5", "A1 B1 C1", "A2, B2", 3},
+      // The lighter target needs several hops of a name that the other one leaves free.
+      {"A1..2 B1..2 C1..3 D1..2 E1..2 F1..2", "A1 B1 C1 D1 E1 F1", "A2 B2 D2 E2 F2, C3", 2},
+      // A2 is met after A3, to which it leads back; and A12, A13 and A14 from the last one on.
+      {"A1 A2 A3 A4 A1>3 A3>4 A1>2! A2>3 B1 B2:A2 B3 B1>2 B2>3", "A1 B1", "A4 B3", 3},
+      {"A1 A2:C2 A3 A4 A11 A12 A13 A14 A15 A1>2 A2>14 A2>3 A3>13 A3>4 A4>12 A1>11! A11>12 A12>13 "
+       "A13>14 A14>15 C1 C2",
+       "A1 C1", "A15 C1", 5},
       // Names that links bring in: chosen among several versions, then moved; and one that none
       // brings in.
       {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
