@@ -11,6 +11,7 @@
 #include "support/engine_question.hpp"
 #include "support/hard_questions.hpp"
 #include "support/items.hpp"
+#include "support/learning_engine.hpp"
 #include "support/test_question.hpp"
 
 namespace test {
@@ -208,6 +209,7 @@ class Comparison {
       fail("The small question has the wrong answer.\n\n" + shown(expected_) +
            "\n\nIt should have:\n" + shown(roundWay_));
     }
+    askLearning(asked, answer);
     if (itemsIn(text_.beside).empty()) {
       askOtherEngine(asked, answer);
     } else {
@@ -264,6 +266,22 @@ class Comparison {
     if (!haveSameBaselines(searchGoalDirected(asked), expected)) {
       fail("The engines reach other variants of the same versions.\n\n" + shown(expected_));
     }
+  }
+
+  /// The search that learns, from the start and where planning cannot settle the question.
+  void askLearning(const SearchQuestion& asked, const SearchAnswer& expected) {
+    if (throws(expected_) || !fault_.empty()) return;
+    const auto learnt = answerByLearning(asked);
+    note("learnt conflicts", learnt && learnt->metConflict);
+    if (learnt) compareLearnt(learnt->answer, expected);
+    const SearchAnswer planned = searchGoalDirected(asked, learningPlanner());
+    if (planned.verdict != Verdict::Unsettled) compareLearnt(planned, expected);
+  }
+
+  void compareLearnt(const SearchAnswer& learnt, const SearchAnswer& expected) {
+    SearchAnswer answer;
+    compare(outcomeOf([&] { return learnt; }, answer), "the search that learns");
+    if (!haveSameBaselines(answer, expected)) fail("Learning leads to other variants.");
   }
 
   void askLarge() {

@@ -136,7 +136,7 @@ void CoreGuidedMinimum::relax(const Core& core) {
     want(next, least);
     outputOf_.emplace(next, Output{counter, place + 1});
   }
-  std::vector<Literal> clause = violations;
+  std::vector<Literal> clause = violations;  // a consequence, for speed
   for (const Literal assumption : core.assumptions) clause.push_back(-assumption);
   solver_.addClause(clause);
   if (violations.size() == 1) return;

@@ -120,9 +120,8 @@ class DependencySurvey {
   }
 
   void follow(Name& name, std::size_t place, Hop&& hop) {
-    if (hop.name != *name.text) throw NotClosed();
     auto target = host_.getMetamodel(hop.name, hop.to);
-    if (target && target->name != *name.text) throw NotClosed();
+    if (target && target->name != *name.text) throw NotClosed();  // the hop's own name, or another
     if (result_.direction != Direction::Unknown) {
       if (!target) throw NotClosed();  // a fault of the application's, which a plain search reports
       const Metamodel& descriptor = *name.versions[place].descriptor;

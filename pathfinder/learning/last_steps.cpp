@@ -1,6 +1,7 @@
 // As in a timeline, one literal for each node and step, "entered before", monotone; a hop comes in
 // a later step than the one before of its name, and an order carries over to the steps. A node from
 // which a way takes k more hops is entered before the k last steps, for which it takes no literal.
+// That a start is entered before every step is said for speed: nothing asks when it is.
 
 #include "pathfinder/learning/last_steps.hpp"
 

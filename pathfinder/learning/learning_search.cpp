@@ -34,7 +34,6 @@ class LearningSearch {
     bool anyLearnt = false;
     for (const SelectionIndex index : selections) {
       const SelectionView selection = plan.selections()[index];
-      if (isOfSource(selection)) continue;
       if (const auto conflict = VariantConflict(space_, selection).find()) {
         planner_.forbidTogether(versionsOf(selection, *conflict));
         anyLearnt = true;
@@ -42,14 +41,6 @@ class LearningSearch {
     }
     if (anyLearnt) return true;
     return learnFromEnd(plan.selections()[selections.back()]);
-  }
-
-  bool isOfSource(SelectionView selection) const {
-    return std::any_of(space_.sources.begin(), space_.sources.end(),
-                       [&](const SearchSpace::Source& source) {
-                         return std::equal(selection.begin(), selection.end(),
-                                           source.selection.begin(), source.selection.end());
-                       });
   }
 
   static std::vector<VersionIndex> versionsOf(SelectionView selection,
@@ -60,7 +51,8 @@ class LearningSearch {
   }
 
   /// The selection can be held, but includes no target: forbids to end with those of its versions
-  /// that keep each target out.
+  /// that keep each target out. Where none of them does, no selection includes a target, and no
+  /// end is left.
   bool learnFromEnd(SelectionView selection) {
     std::vector<NameIndex> names;
     VariantConflict conflict(space_, selection);
@@ -71,7 +63,6 @@ class LearningSearch {
     }
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
-    if (names.empty()) return false;
     planner_.forbidAtEnd(versionsOf(selection, names));
     return true;
   }

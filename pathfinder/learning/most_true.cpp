@@ -13,6 +13,7 @@ namespace tarn::evolution::pathfinder {
 std::uint64_t MostTrue::decide(const std::vector<Literal>& literals, Literal isDecided) {
   std::vector<Literal> open = literals;
   const std::vector<Literal> possible = takePossible(open);
+  // For speed: a solver that tries them would have to take it back.
   for (const Literal literal : open) plans_.sat.addClause({-isDecided, -literal});
   CoreGuidedMinimum minimum(plans_.sat);
   for (const Literal literal : possible) minimum.want(literal, 1);

@@ -35,7 +35,7 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
       startsAt_(network.nodes.size(), -always_),
       endsAt_(network.nodes.size(), -always_),
       orders_(network.nodes.size()) {
-  solver_.addClause({always_});
+  solver_.addClause({always_});  // of several sources and targets a consequence, for speed
   for (std::size_t i = 0; i < network.nodes.size(); ++i) isHeld_.push_back(solver.newVariable());
   for (std::size_t i = 0; i < network.arcs.size(); ++i) isUsed_.push_back(solver.newVariable());
   addSources();
@@ -236,7 +236,7 @@ Literal PlanFormula::anyOf(const std::vector<Literal>& literals) {
     solver_.addClause({-literal, result});
     clause.push_back(literal);
   }
-  solver_.addClause(clause);
+  solver_.addClause(clause);  // each name ends once, so a second start cannot be; for speed
   return result;
 }
 

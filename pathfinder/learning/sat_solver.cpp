@@ -1,7 +1,11 @@
 #include "pathfinder/learning/sat_solver.hpp"
 
+#include <algorithm>
 #include <cadical.hpp>
+#include <optional>
+#include <random>
 
+#include "pathfinder/learning/random_choices.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -22,14 +26,44 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
   Backend() {
     solver.set("quiet", 1);
     if (watch_ != nullptr) solver.connect_terminator(this);
+    if (const auto seed = RandomChoices::seed()) {
+      random_.emplace(*seed);
+      solver.set("seed", static_cast<int>(*seed % 1'000'000));
+    }
   }
 
   bool terminate() override { return watch_->isOver(); }
 
+  void meet(int variable) {
+    if (random_) solver.phase((*random_)() % 2 == 0 ? variable : -variable);
+  }
+
+  void add(std::span<const Literal> clause) {
+    if (random_) {
+      waiting_.emplace_back(clause.begin(), clause.end());
+    } else {
+      addAtOnce(clause);
+    }
+  }
+
+  int solve() {
+    if (random_) std::shuffle(waiting_.begin(), waiting_.end(), *random_);
+    for (const std::vector<Literal>& clause : waiting_) addAtOnce(clause);
+    waiting_.clear();
+    return solver.solve();
+  }
+
   CaDiCaL::Solver solver;
 
  private:
+  void addAtOnce(std::span<const Literal> clause) {
+    for (const Literal literal : clause) solver.add(literal);
+    solver.add(0);
+  }
+
   SearchWatch* const watch_ = SearchWatch::current();
+  std::optional<std::mt19937_64> random_;      // for choices at random ...
+  std::vector<std::vector<Literal>> waiting_;  // ... with the clauses since the last question
 };
 
 SatSolver::SatSolver() : backend_(std::make_unique<Backend>()) {}
@@ -37,7 +71,8 @@ SatSolver::SatSolver() : backend_(std::make_unique<Backend>()) {}
 SatSolver::~SatSolver() = default;
 
 Literal SatSolver::newVariable() {
-  return ++variables_;
+  backend_->meet(++variables_);
+  return variables_;
 }
 
 void SatSolver::addClause(std::initializer_list<Literal> literals) {
@@ -45,8 +80,7 @@ void SatSolver::addClause(std::initializer_list<Literal> literals) {
 }
 
 void SatSolver::addClause(std::span<const Literal> literals) {
-  for (const Literal literal : literals) backend_->solver.add(literal);
-  backend_->solver.add(0);
+  backend_->add(literals);
   literals_ += literals.size();
   if (++clauses_ % clausesBetweenLooks == 0) watch();
 }
@@ -89,7 +123,7 @@ bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
 int SatSolver::ask(std::span<const Literal> assumptions) {
   watch();
   for (const Literal literal : assumptions) backend_->solver.assume(literal);
-  const int answer = backend_->solver.solve();
+  const int answer = backend_->solve();
   if (answer != satisfiable && answer != unsatisfiable) checkpoint();
   return answer;
 }
@@ -105,10 +139,6 @@ bool SatSolver::isTrue(Literal literal) const {
 
 bool SatSolver::hasFailed(Literal assumption) const {
   return backend_->solver.failed(assumption);
-}
-
-bool SatSolver::isImplied(Literal literal) const {
-  return backend_->solver.fixed(literal) > 0;
 }
 
 std::size_t SatSolver::bytes() const {

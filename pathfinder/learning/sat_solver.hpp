@@ -48,9 +48,6 @@ class SatSolver {
   /// After a question that was refuted: whether the assumption was used to refute it.
   bool hasFailed(Literal assumption) const;
 
-  /// Whether the formula alone implies the literal, as far as that is known without a search.
-  bool isImplied(Literal literal) const;
-
   /// A rough measure of the memory that the formula and what was learnt from it take.
   std::size_t bytes() const;
 

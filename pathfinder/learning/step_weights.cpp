@@ -2,6 +2,9 @@
 // decided, and all that comes before it keeps to the timeline, with a layer less if the step has an
 // ordinary hop. In it, first the most expensive hops that can be made, then the most ordinary ones.
 // These numbers, proven, decide the step.
+//
+// Once all hops are spent, nothing can be before the first step; what a step has decides whether it
+// has an ordinary hop, and without layers left there are none. These are said for speed.
 
 #include "pathfinder/learning/step_weights.hpp"
 

@@ -2,6 +2,9 @@
 // and false before the first one in which bounds allow the node.
 // An order between nodes carries over to the phases in which they are left and entered, and a hop
 // comes in a later phase than the one before of its name, or in the same gap.
+//
+// That what is entered stays so, that only what is held is entered, and a start from the beginning,
+// is said for speed: an assignment without that can be made into one with it.
 
 #include "pathfinder/learning/timeline.hpp"
 

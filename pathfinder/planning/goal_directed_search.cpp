@@ -206,7 +206,7 @@ class GoalDirectedSearch {
   /// Throws what the application failed at in a version with which there might be a plan, or a
   /// better one, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
-    if (!survey_.anyFailed(Failed::AssumedBest)) return;
+    if (!survey_.anyFailed()) return;
     const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
     const Plans best = planIn(ground);
     if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <exception>
 #include <limits>
 #include <memory_resource>
 #include <optional>
@@ -17,6 +16,8 @@
 
 #include "pathfinder/linking/linked_metamodel_cache.hpp"
 #include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/planning/survey_failures.hpp"
+#include "pathfinder/search/search_question.hpp"
 #include "pathfinder/values/hashing.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -166,32 +167,12 @@ struct SurveyedTarget {
   bool isPossible = true;
 };
 
-/// What was tried with a version when something failed.
-enum class SurveyAttempt {
-  Link,
-  AskForHops,  ///< or look at where they lead
-  Compare,     ///< with what targets hold
-};
-
-/// Something that the application failed at, or that conflicts. Kept, because the answer need not
-/// depend on it.
-struct SurveyFailure {
-  SurveyedVersion* version;
-  SurveyAttempt attempt;
-  std::exception_ptr exception;
-  bool isConflict;
-};
-
-/// What a search meets that tries every step from every baseline, once one holds a version.
-struct SurveyedFault {
-  const SurveyedVersion* holding;
-  std::exception_ptr exception;  ///< null for a hop to a version that is not there
-};
-
 /// All that a survey has met: what becomes a search space.
 struct SurveyState {
-  SurveyState(std::size_t sourceCount, std::size_t targetCount)
-      : sources(sourceCount), targets(targetCount) {}
+  explicit SurveyState(const SearchQuestion& itsQuestion)
+      : question(itsQuestion),
+        sources(itsQuestion.sources.size()),
+        targets(itsQuestion.targets.size()) {}
   SurveyState(const SurveyState&) = delete;
   SurveyState& operator=(const SurveyState&) = delete;
   ~SurveyState() = default;
@@ -199,6 +180,17 @@ struct SurveyState {
   /// `text` must outlive the survey.
   SurveyedName& nameOf(const std::u16string& text) {
     return names.try_emplace(text, text).first->second;
+  }
+
+  /// What a target, closed under its links, holds under a name; null for nothing.
+  const LinkedMetamodel* heldBy(std::size_t target, const std::u16string& name) const {
+    const auto& metamodels = question.targets[target].metamodels;
+    if (const auto held = metamodels.find(name); held != metamodels.end()) {
+      return held->second.get();
+    }
+    const auto& added = targets[target].added;
+    const auto held = added.find(name);
+    return held == added.end() ? nullptr : held->second;
   }
 
   bool isHeldFromStart(const SurveyedName& name) const { return name.sources == sources.size(); }
@@ -215,14 +207,18 @@ struct SurveyState {
     return std::span(hopTargets).subspan(version.firstTarget, version.targetCount);
   }
 
+  const SearchQuestion& question;
   std::pmr::monotonic_buffer_resource memory{65536};
   std::pmr::unordered_map<std::u16string_view, SurveyedName> names{&memory};
   std::pmr::deque<SurveyedVersion> versions{&memory};
   std::pmr::deque<Metamodel> descriptors{&memory};
   HopStore hops;
   std::vector<SurveyedHop> hopTargets;  // those of one version stand together
-  std::vector<SurveyFailure> failures;
+  SurveyFailures failures;
 
+  /// The question has no search space: a source holds a null pointer, or a linked metamodel under
+  /// another name than its own, or the application answers a name with a metamodel of another name.
+  bool isUnfit = false;
   bool isEverythingOfUse = false;
   const std::u16string* firstName = nullptr;  ///< the least that a source holds
   std::vector<SurveyedSource> sources;

@@ -7,6 +7,9 @@
 #include <csignal>
 #include <cstring>
 
+// In builds that measure coverage.
+extern "C" __attribute__((weak)) int __llvm_profile_write_file();  // NOLINT: the runtime's name
+
 namespace test {
 
 namespace {
@@ -39,6 +42,7 @@ void limit(decltype(RLIMIT_CPU) resource, rlim_t most) {
     if (count <= 0) _exit(1);
     written += static_cast<std::size_t>(count);
   }
+  if (__llvm_profile_write_file != nullptr) __llvm_profile_write_file();
   _exit(0);
 }
 

@@ -83,6 +83,52 @@ void addHostLinks(QuestionDraft& draft, Random& random) {
   }
 }
 
+/// A name with versions from 1 on and a hop from each to the next, which the ends hold at the first
+/// and the last one.
+Name& addRow(QuestionDraft& draft, std::size_t last, Random& random) {
+  Name& name = draft.addName();
+  const bool isBackward = draft.direction == "backward";
+  for (std::size_t number = 1; number <= last; ++number) {
+    name.versions.push_back({std::to_string(number), {}, {}, {}});
+    if (number == 1) continue;
+    const std::string ends[] = {std::to_string(number - 1), std::to_string(number)};
+    draft.addHop(name, ends[isBackward ? 1 : 0], ends[isBackward ? 0 : 1],
+                 random.chance(20) ? "!" : "");
+  }
+  name.start = name.versions[isBackward ? last - 1 : 0].number;
+  name.goal = name.versions[isBackward ? 0 : last - 1].number;
+  for (auto& entries : draft.from) entries.push_back(name.letter + name.start);
+  for (auto& entries : draft.to) {
+    if (random.chance(85)) entries.push_back(name.letter + name.goal);
+  }
+  return name;
+}
+
+/// Versions that link another one only beside a certain version of a third name: three that
+/// disagree, of which every two agree.
+void addVariantLinks(QuestionDraft& draft, Random& random) {
+  draft = QuestionDraft::either(random, 1);
+  const char base = addRow(draft, 1 + random.upTo(2), random).letter;
+  const Name bases = draft.names.back();
+  if (random.chance(80)) leaveFree(draft, base);
+  for (QuestionDraft::Hop& hop : draft.hops) hop.mark = hop.letter == base ? "" : hop.mark;
+  Name& linked = addRow(draft, random.chance(80) ? 3 : 4, random);
+  for (Version& version : linked.versions) {
+    if (random.chance(50)) version.needs.push_back(anyOf(bases, random));
+  }
+  const Name links = linked;
+  for (std::size_t left = random.upTo(2); left > 0; --left) {
+    Name& linking = addRow(draft, random.chance(80) ? 3 : 4, random);
+    for (Version& version : linking.versions) {
+      const bool isAtEnd =
+          &version == &linking.versions.front() || &version == &linking.versions.back();
+      if (isAtEnd && random.chance(90)) continue;
+      version.needs.push_back(base + std::string("[0,9)"));
+      if (random.chance(80)) version.links.push_back(anyOf(links, random));
+    }
+  }
+}
+
 /// A way past a name's goal and back by a hop that, judged as one of another name, goes on.
 void addDetour(QuestionDraft& draft, Random& random) {
   Name& name = draft.someName(random);
@@ -240,6 +286,7 @@ const std::vector<Difficulty>& difficulties() {
       {"None", [](QuestionDraft&, Random&) {}},
       {"Tail", addTailOnly},
       {"HostLinks", addHostLinks, {{"host links", 8}}},
+      {"VariantLinks", addVariantLinks, {{"host links", 8}, {"learnt conflicts", 1}}},
       {"ForeignHops", addForeignHops, {{"foreign hops", 15}}, true},
       {"LostHop", addLostHop, {{"throws", 6}}},
       {"UnlinkableVersion", addUnlinkableVersion, {{"throws", 6}}},

@@ -1,14 +1,21 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 
 #include "pathfinder/learning/learning_search.hpp"
+#include "pathfinder/planning/plan_execution.hpp"
 #include "pathfinder/planning/space_survey.hpp"
 
 namespace test {
 
+struct LearntAnswer {
+  SearchAnswer answer;
+  bool metConflict;  ///< the first plan could not be carried out
+};
+
 /// What planning by learning answers from the start; no value when the question is not for it.
-inline std::optional<SearchAnswer> answerByLearning(const SearchQuestion& question) {
+inline std::optional<LearntAnswer> answerByLearning(const SearchQuestion& question) {
   using namespace tarn::evolution::pathfinder;
   if (std::any_of(question.sources.begin(), question.sources.end(),
                   [&](const auto& source) { return question.targetIn(source) != nullptr; })) {
@@ -22,7 +29,12 @@ inline std::optional<SearchAnswer> answerByLearning(const SearchQuestion& questi
   const auto space = survey.makeSpace();
   const Compatibility compatibility(*space);
   const AllVersionBounds bounds = computeVersionBounds(*space, compatibility);
-  return learningPlanner()->search(question, {*space, compatibility, bounds});
+  const auto plan = learningPlanner()->plan({*space, compatibility, bounds}).plan;
+  const bool metConflict =
+      plan && executePlan(question, *space, *plan).verdict == SearchAnswer::Verdict::Unsettled;
+  auto answer = learningPlanner()->search(question, {*space, compatibility, bounds});
+  if (!answer) return std::nullopt;
+  return LearntAnswer{*std::move(answer), metConflict};
 }
 
 }  // namespace test

@@ -141,6 +141,79 @@ QuestionDraft QuestionDraft::rivals(Random& random, std::size_t nameCount) {
   return draft;
 }
 
+QuestionDraft QuestionDraft::ladder(Random& random) {
+  QuestionDraft draft;
+  const std::size_t last = 10 + random.upTo(4);
+  for (const char letter : {draft.addName().letter, draft.addName().letter}) {
+    Name& name = draft.names[static_cast<std::size_t>(letter - 'A')];
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+      if (letter == 'A') continue;
+      const std::size_t lower = number - std::min(number - 1, random.below(3));
+      name.versions.back().needs = {'A' + rangeText(lower, number + random.upTo(3))};
+    }
+    name.start = "1";
+    name.goal = std::to_string(last);
+    addWovenHops(draft, name, random);
+  }
+  draft.direction = "forward";
+  draft.settleEnds(random, 100, 95);
+  return draft;
+}
+
+QuestionDraft QuestionDraft::crowd(Random& random) {
+  QuestionDraft draft;
+  const std::size_t last = 7 + random.upTo(4);
+  draft.addName().versions = {{"1", {}, {}, {}}, {"2", {}, {}, {}}, {"3", {}, {}, {}}};
+  for (std::size_t number = 1; number <= last; ++number) {
+    if (number == 1) draft.addName();
+    std::vector<Version>& versions = draft.names[1].versions;
+    versions.push_back({std::to_string(number), {}, {}, {}});
+    if (random.chance(70)) versions.back().needs = {someRange(draft.names[0], random)};
+  }
+  for (Name& name : draft.names) {
+    name.start = "1";
+    name.goal = name.versions.back().number;
+  }
+  addWovenHops(draft, draft.names[0], random);
+  for (std::size_t left = 2 * last; left > 0; --left) {
+    const std::string between = std::to_string(2 + random.below(last - 2));
+    draft.addHop(draft.names[1], "1", between, random.chance(40) ? "!" : "");
+    draft.addHop(draft.names[1], between, std::to_string(last), random.chance(40) ? "!" : "");
+  }
+  draft.direction = random.chance(80) ? "forward" : "any";
+  draft.settleEnds(random, 100, 90);
+  return draft;
+}
+
+QuestionDraft QuestionDraft::closed(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  for (; nameCount > 0; --nameCount) {
+    Name& name = draft.addName();
+    const std::size_t last = random.upTo(4);
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+    }
+    for (const Name& needed : draft.names) {
+      if (needed.letter == name.letter || !random.chance(70)) continue;
+      for (Version& version : name.versions) version.needs.push_back(someRange(needed, random));
+    }
+    name.start = random.oneOf(name.versions).number;
+    name.goal = random.oneOf(name.versions).number;
+    addWovenHops(draft, name, random);
+    if (random.chance(20)) draft.addHop(name, name.start, name.goal, random.chance(50) ? "!" : "");
+  }
+  draft.direction = "any";
+  draft.from.resize(1);
+  draft.to.resize(1);
+  for (const Name& name : draft.names) {
+    const bool isNeeded = &name != &draft.names.back() && random.chance(70);
+    if (!isNeeded) draft.from[0].push_back(name.letter + name.start);
+    if (!isNeeded || random.chance(70)) draft.to[0].push_back(name.letter + name.goal);
+  }
+  return draft;
+}
+
 QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
@@ -213,8 +286,11 @@ std::string QuestionDraft::text(Random& random) const {
 
 std::string randomQuestion(Random& random) {
   const std::size_t names = random.upTo(3) + (random.chance(25) ? 3 : 0);
-  QuestionDraft draft = random.chance(15) ? QuestionDraft::rivals(random, names)
-                                          : QuestionDraft::either(random, names);
+  const std::size_t shape = random.below(100);
+  QuestionDraft draft = shape < 15   ? QuestionDraft::rivals(random, names)
+                        : shape < 20 ? QuestionDraft::ladder(random)
+                        : shape < 27 ? QuestionDraft::crowd(random)
+                                     : QuestionDraft::either(random, names);
   draft.isInOrder = random.chance(80);
   return draft.text(random);
 }

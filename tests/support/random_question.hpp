@@ -42,6 +42,16 @@ struct QuestionDraft {
   /// ask that of one another, all but a few have to go the dear way.
   static QuestionDraft rivals(Random& random, std::size_t nameCount);
 
+  /// Two names with many versions, each of which can stand beside few of the other name's.
+  static QuestionDraft ladder(Random& random);
+
+  /// A name with many ways side by side, which another one admits by turns.
+  static QuestionDraft crowd(Random& random);
+
+  /// Each version of a name depends on the same others: selections that leave names open mean many
+  /// baselines, all of the same names.
+  static QuestionDraft closed(Random& random, std::size_t nameCount);
+
   static QuestionDraft either(Random& random, std::size_t nameCount);
 
   Name& addName();
@@ -69,7 +79,7 @@ struct QuestionDraft {
   bool isInOrder = true;  ///< the catalogue; or its items stand in any order
 };
 
-/// A loose question, a web or rivals, as a text.
+/// A question of any shape but closed ones, as a text.
 std::string randomQuestion(Random& random);
 
 }  // namespace test
