@@ -63,12 +63,15 @@ static int ask_file(const char* file) {
 }
 
 /* Data of the host's own: shapes, and drawings that are made of them. */
-static int32_t find_metamodels(void* data, const char* name, const tarn_evolution_range* range,
-                               tarn_evolution_rows* rows) {
-  static const tarn_evolution_dependency shape1 = {"shape", {"1.0.0", "2.0.0"}};
-  static const tarn_evolution_dependency shape2 = {"shape", {"2.0.0", "3.0.0"}};
+static int32_t find_metamodels(void* data, const char* name, const tarn_evolution_range* ranges,
+                               size_t range_count, tarn_evolution_rows* rows) {
+  static const tarn_evolution_range range1 = {"1.0.0", "2.0.0"};
+  static const tarn_evolution_range range2 = {"2.0.0", "3.0.0"};
+  static const tarn_evolution_dependency shape1 = {"shape", &range1, 1};
+  static const tarn_evolution_dependency shape2 = {"shape", &range2, 1};
   (void)data;
-  (void)range; /* what does not lie in it is passed over */
+  (void)ranges; /* what does not lie in them is passed over */
+  (void)range_count;
   if (strcmp(name, "shape") == 0) {
     return tarn_evolution_rows_add_metamodel(rows, name, "1.0.0", NULL, NULL, 0, NULL) != 0 ||
            tarn_evolution_rows_add_metamodel(rows, name, "2.0.0", NULL, NULL, 0, NULL) != 0;

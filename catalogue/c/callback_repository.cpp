@@ -1,5 +1,6 @@
 #include "catalogue/c/callback_repository.hpp"
 
+#include <array>
 #include <set>
 
 #include "catalogue/c/arguments.hpp"
@@ -18,23 +19,32 @@ using pathfinder::VersionRange;
 
 namespace {
 
-/// The bounds of a range as texts; the upper one is empty for a single version.
-struct RangeTexts {
-  explicit RangeTexts(const VersionRange& range) {
-    if (const auto version = findSingleVersion(range)) {
-      lower = textOf(*version);
-    } else {
-      lower = textOf(range.getSemVerRange().lower);
-      upper = textOf(range.getSemVerRange().upper);
+/// Ranges for C. Refers to itself.
+class RangesForC {
+ public:
+  explicit RangesForC(std::span<const VersionRange> ranges) {
+    for (const VersionRange& range : ranges) {
+      const auto single = findSingleVersion(range);
+      if (single) {
+        texts_.push_back({textOf(*single), ""});
+      } else {
+        const auto& [lower, upper] = range.getSemVerRange();
+        texts_.push_back({textOf(lower), textOf(upper)});
+      }
+    }
+    for (const auto& [lower, upper] : texts_) {
+      items_.push_back({.lower = lower.c_str(), .upper = upper.empty() ? nullptr : upper.c_str()});
     }
   }
+  RangesForC(const RangesForC&) = delete;
+  RangesForC& operator=(const RangesForC&) = delete;
 
-  tarn_evolution_range toC() const {
-    return {.lower = lower.c_str(), .upper = upper.empty() ? nullptr : upper.c_str()};
-  }
+  const tarn_evolution_range* data() const { return items_.empty() ? nullptr : items_.data(); }
+  std::size_t size() const { return items_.size(); }
 
-  std::string lower;
-  std::string upper;
+ private:
+  std::vector<std::array<std::string, 2>> texts_;  ///< the upper one is empty for a single version
+  std::vector<tarn_evolution_range> items_;
 };
 
 void expectSuccess(int32_t result, const std::string& fault, const std::string& call) {
@@ -71,17 +81,11 @@ std::vector<std::u16string> CallbackRepository::listNames() {
 }
 
 std::vector<CatalogueMetamodel> CallbackRepository::rowsOf(const std::u16string& name,
-                                                           const VersionRange* range) {
+                                                           std::span<const VersionRange> ranges) {
   tarn_evolution_rows rows;
-  const std::string shown = ustring_to_utf8(name);
-  int32_t returned = 0;
-  if (range == nullptr) {
-    returned = callbacks_.find_metamodels(callbacks_.data, shown.c_str(), nullptr, &rows);
-  } else {
-    const RangeTexts texts(*range);
-    const tarn_evolution_range asked = texts.toC();
-    returned = callbacks_.find_metamodels(callbacks_.data, shown.c_str(), &asked, &rows);
-  }
+  const RangesForC asked(ranges);
+  const int32_t returned = callbacks_.find_metamodels(
+      callbacks_.data, ustring_to_utf8(name).c_str(), asked.data(), asked.size(), &rows);
   expectSuccess(returned, rows.fault, "the callback find_metamodels for " + quotedName(name));
   return std::move(rows.content.metamodels);
 }

@@ -17,8 +17,9 @@ std::vector<Dependency> readDependencies(const tarn_evolution_dependency* depend
   std::vector<Dependency> result;
   for (size_t i = 0; i < count; ++i) {
     const std::string place = "dependencies[" + std::to_string(i) + "]";
-    result.emplace_back(readName(dependencies[i].name, place + ".name"),
-                        readRange(dependencies[i].range, place + ".range"));
+    result.emplace_back(
+        readName(dependencies[i].name, place + ".name"),
+        readRanges(dependencies[i].ranges, dependencies[i].range_count, place + ".ranges"));
   }
   return result;
 }
