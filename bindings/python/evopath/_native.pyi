@@ -6,13 +6,15 @@ version: str
 
 _Texts = list[tuple[str, str]]
 _Step = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
-_Dependency = tuple[str, str, str | None]
-_Metamodel = tuple[str, str, str | None, list[_Dependency]]
+_Range = tuple[str, str | None]
+_Metamodel = tuple[str, str, str | None, list[tuple[str, list[_Range]]]]
 _Hop = tuple[str, str, str, bool]
 
-class Picture:
-    def render(self, format: str) -> str: ...
+class Path:
+    @property
+    def weight(self) -> int: ...
     def steps(self) -> list[_Step]: ...
+    def render(self, format: str) -> str: ...
 
 class Limits:
     def __init__(
@@ -23,12 +25,14 @@ class Limits:
     ) -> None: ...
 
 class Repository:
-    def find_path(self, source: _Texts, target: _Texts, limits: Limits) -> Picture | None: ...
+    def find_path(
+        self, source: dict[str, str], target: dict[str, str], limits: Limits
+    ) -> Path | None: ...
     def explain(
-        self, source: _Texts, target: _Texts, budget: int, limits: Limits
+        self, source: dict[str, str], target: dict[str, str], budget: int, limits: Limits
     ) -> tuple[str, str]: ...
     def steps(
-        self, at: _Texts, direction: str, limit: int
+        self, at: dict[str, str], direction: str, limit: int
     ) -> list[tuple[_Texts, list[tuple[str, list[_Step]]]]]: ...
     def question(self) -> tuple[_Texts, _Texts] | None: ...
     def forget_paths(self) -> None: ...
@@ -36,7 +40,7 @@ class Repository:
 def load(file: str) -> Repository: ...
 def from_rows(metamodels: list[_Metamodel], hops: list[_Hop]) -> Repository: ...
 def from_functions(
-    find_metamodels: Callable[[str, str | None, str | None], list[_Metamodel]],
+    find_metamodels: Callable[[str, list[_Range] | None], list[_Metamodel]],
     find_hops: Callable[[str, str | None], list[_Hop]],
     list_names: Callable[[], list[str]],
 ) -> Repository: ...

@@ -1,0 +1,126 @@
+#include "path.hpp"
+
+#include <pybind11/stl.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <tuple>
+
+#include "arguments.hpp"
+#include "catalogue/picture/path_dot.hpp"
+#include "catalogue/picture/path_html.hpp"
+#include "catalogue/picture/path_json.hpp"
+#include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_svg.hpp"
+#include "catalogue/picture/path_text.hpp"
+#include "pathfinder/version_repository.hpp"
+
+namespace tarn::evolution::catalogue::python {
+
+using MoveKind = PathPicture::MoveKind;
+
+namespace {
+
+// A picture as tuples.
+using LaneTuple = std::tuple<std::string, std::string, bool>;
+using MoveTuple = std::tuple<std::size_t, std::string, std::string, int>;
+using StepTuple = std::tuple<std::uint64_t, std::vector<MoveTuple>>;
+
+void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
+  if (format == "text") {
+    return [](const PathPicture& picture, std::ostream& out) {
+      writePathText(picture, Colouring::Plain, out);
+    };
+  }
+  if (format == "json") return writePathJson;
+  if (format == "svg") return writePathSvg;
+  if (format == "html") return writePathHtml;
+  if (format == "dot") return writePathDot;
+  if (format == "mermaid") return writePathMermaid;
+  throw std::invalid_argument("format: \"" + format + "\" is none");
+}
+
+PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
+  const auto& [lane, from, to, kind] = tuple;
+  if (lane >= lanes || kind < 0 || kind > static_cast<int>(MoveKind::Entering)) {
+    throw std::invalid_argument("the state is none of a path");
+  }
+  return {lane, from, to, static_cast<MoveKind>(kind)};
+}
+
+}  // namespace
+
+Path::Path(const pathfinder::VersionRepository& repository,
+           std::vector<pathfinder::BaselineHop> steps)
+    : weight_(0) {
+  std::vector<std::uint64_t> weights;
+  for (const auto& step : steps) weight_ += weights.emplace_back(repository.getWeight(step.hops));
+  content_ = Undrawn{std::move(steps), std::move(weights)};
+}
+
+Path::Path(PathPicture picture) : weight_(picture.weight), content_(std::move(picture)) {}
+
+const PathPicture& Path::picture() {
+  if (const auto* undrawn = std::get_if<Undrawn>(&content_)) {
+    auto weight = undrawn->weights.begin();
+    const auto next = [&](const pathfinder::LockstepHop&) { return *weight++; };  // in their order
+    content_ = drawPath(next, undrawn->steps);
+  }
+  return std::get<PathPicture>(content_);
+}
+
+std::string Path::render(const py::object& format) {
+  const auto write = writerOf(readText(format, "format"));
+  std::ostringstream out;
+  write(picture(), out);
+  return std::move(out).str();
+}
+
+py::list Path::stepsOf(const PathPicture& picture) {
+  py::list steps;
+  for (const PathPicture::Step& step : picture.steps) {
+    py::list hops;
+    py::list broughtIn;
+    for (const PathPicture::Move& move : step.moves) {
+      const std::string& name = picture.lanes[move.lane].name;
+      if (move.kind == MoveKind::Entering) {
+        broughtIn.append(py::make_tuple(name, move.to));
+      } else {
+        hops.append(py::make_tuple(name, move.from, move.to, move.kind == MoveKind::Expensive));
+      }
+    }
+    steps.append(py::make_tuple(step.weight, hops, broughtIn));
+  }
+  return steps;
+}
+
+py::tuple Path::state() {
+  std::vector<LaneTuple> lanes;
+  for (const auto& [name, start, isMoved] : picture().lanes) {
+    lanes.emplace_back(name, start, isMoved);
+  }
+  std::vector<StepTuple> steps;
+  for (const auto& [moves, weight] : picture().steps) {
+    std::vector<MoveTuple> tuples;
+    for (const auto& [lane, from, to, kind] : moves) {
+      tuples.emplace_back(lane, from, to, static_cast<int>(kind));
+    }
+    steps.emplace_back(weight, std::move(tuples));
+  }
+  return py::make_tuple(lanes, steps);
+}
+
+Path Path::ofState(const py::tuple& state) {
+  const auto [lanes, steps] =
+      state.cast<std::pair<std::vector<LaneTuple>, std::vector<StepTuple>>>();
+  PathPicture picture;
+  for (const auto& [name, start, isMoved] : lanes) picture.lanes.push_back({name, start, isMoved});
+  for (const auto& [weight, moves] : steps) {
+    PathPicture::Step& step = picture.steps.emplace_back(PathPicture::Step{{}, weight});
+    for (const MoveTuple& move : moves) step.moves.push_back(readMove(move, lanes.size()));
+    picture.weight += weight;
+  }
+  return Path(std::move(picture));
+}
+
+}  // namespace tarn::evolution::catalogue::python
