@@ -100,13 +100,18 @@ static int ask_own_data(void) {
   tarn_evolution_catalogue* catalogue;
   tarn_evolution_steps* path;
   char* message;
+  char* text;
   int result = 1;
   if (failed(tarn_evolution_open_callbacks(&callbacks, &catalogue, &message), &message)) return 1;
   if (!failed(tarn_evolution_find_path(catalogue, from, 1, to, 1, NULL, &path, &message),
               &message)) {
-    print_path(path);
+    if (!failed(tarn_evolution_steps_render(path, TARN_EVOLUTION_JSON, &text, &message),
+                &message)) {
+      printf("%s", text);
+      tarn_evolution_free(text);
+      result = 0;
+    }
     tarn_evolution_steps_free(path);
-    result = 0;
   }
   tarn_evolution_catalogue_free(catalogue);
   return result;

@@ -71,7 +71,7 @@ class Repository {
     });
   }
 
-  /// [(baseline, direction, steps)], baselines being {name: version}.
+  /// [(baseline, [(direction, steps)])], baselines being [(name, version)].
   py::list steps(const py::dict& at, const std::string& direction, std::uint64_t limit) {
     const Selection selection = readSelection(at, "at");
     const auto asked = direction == "forward"    ? VersionRepository::Forward

@@ -2,6 +2,8 @@
 
 #include <pybind11/stl.h>
 
+#include <concepts>
+#include <initializer_list>
 #include <sstream>
 #include <stdexcept>
 #include <tuple>
@@ -40,6 +42,44 @@ void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
   throw std::invalid_argument("format: \"" + format + "\" is none");
 }
 
+/// Makes values of a class of the package. They are set as `object.__setattr__` does, since they
+/// refuse to be set otherwise; their own constructors do the same and take five times as long.
+class ValueMaker {
+ public:
+  ValueMaker(const char* type, std::initializer_list<const char*> fields)
+      : type_(py::module_::import("evopath._model").attr(type)) {
+    for (const char* field : fields) fields_.emplace_back(field);
+  }
+
+  /// A value for each field.
+  template <class... Values>
+  py::object operator()(const Values&... values) const {
+    auto* const type = reinterpret_cast<PyTypeObject*>(type_.ptr());
+    const auto made = py::reinterpret_steal<py::object>(type->tp_alloc(type, 0));
+    if (!made) throw py::error_already_set();
+    auto field = fields_.begin();
+    (set(made, *field++, objectOf(values)), ...);
+    return made;
+  }
+
+ private:
+  static const py::object& objectOf(const py::object& value) { return value; }
+
+  template <class Value>
+  static py::object objectOf(const Value& value) requires(!std::derived_from<Value, py::object>) {
+    return py::cast(value);
+  }
+
+  static void set(const py::object& made, const py::str& field, const py::object& value) {
+    if (PyObject_GenericSetAttr(made.ptr(), field.ptr(), value.ptr()) != 0) {
+      throw py::error_already_set();
+    }
+  }
+
+  py::object type_;
+  std::vector<py::str> fields_;
+};
+
 PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
   const auto& [lane, from, to, kind] = tuple;
   if (lane >= lanes || kind < 0 || kind > static_cast<int>(MoveKind::Entering)) {
@@ -76,22 +116,26 @@ std::string Path::render(const py::object& format) {
   return std::move(out).str();
 }
 
-py::list Path::stepsOf(const PathPicture& picture) {
+py::tuple Path::stepsOf(const PathPicture& picture) {
+  const ValueMaker makeHop("Hop", {"name", "source", "target", "expensive"});
+  const ValueMaker makeNamedVersion("NamedVersion", {"name", "version"});
+  const ValueMaker makeStep("Step", {"weight", "hops", "brought_in"});
+  std::vector<py::str> names;
+  for (const PathPicture::Lane& lane : picture.lanes) names.emplace_back(lane.name);
   py::list steps;
   for (const PathPicture::Step& step : picture.steps) {
     py::list hops;
     py::list broughtIn;
-    for (const PathPicture::Move& move : step.moves) {
-      const std::string& name = picture.lanes[move.lane].name;
-      if (move.kind == MoveKind::Entering) {
-        broughtIn.append(py::make_tuple(name, move.to));
+    for (const auto& [lane, from, to, kind] : step.moves) {
+      if (kind == MoveKind::Entering) {
+        broughtIn.append(makeNamedVersion(names[lane], to));
       } else {
-        hops.append(py::make_tuple(name, move.from, move.to, move.kind == MoveKind::Expensive));
+        hops.append(makeHop(names[lane], from, to, kind == MoveKind::Expensive));
       }
     }
-    steps.append(py::make_tuple(step.weight, hops, broughtIn));
+    steps.append(makeStep(step.weight, py::tuple(hops), py::tuple(broughtIn)));
   }
-  return steps;
+  return py::tuple(steps);
 }
 
 py::tuple Path::state() {

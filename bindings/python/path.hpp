@@ -22,8 +22,8 @@ class Path {
 
   std::uint64_t weight() const { return weight_; }
 
-  /// [(weight, [(name, from, to, expensive)], [(name, version)])]
-  py::list steps() { return stepsOf(picture()); }
+  /// The package's Step of each.
+  py::tuple steps() { return stepsOf(picture()); }
 
   /// Throws std::invalid_argument for a format that is none.
   std::string render(const py::object& format);
@@ -32,7 +32,7 @@ class Path {
   py::tuple state();
   static Path ofState(const py::tuple& state);
 
-  static py::list stepsOf(const PathPicture& picture);
+  static py::tuple stepsOf(const PathPicture& picture);
 
  private:
   struct Undrawn {

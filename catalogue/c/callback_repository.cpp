@@ -47,14 +47,9 @@ class RangesForC {
   std::vector<tarn_evolution_range> items_;
 };
 
-void expectSuccess(int32_t result, const std::string& fault, const std::string& call) {
-  if (!fault.empty()) throw CallbackFailed(call + " could not add a row: " + fault);
-  if (result != 0) throw CallbackFailed(call + " returned " + std::to_string(result));
-}
-
 struct Names {
   std::set<std::u16string> names;
-  std::string fault;
+  RowFaults faults;
 };
 
 void addName(void* names, const char* name) {
@@ -62,7 +57,7 @@ void addName(void* names, const char* name) {
   try {
     result.names.insert(readName(name, "name"));
   } catch (const std::exception& error) {
-    result.fault = error.what();
+    result.faults.note(error);
   }
 }
 
@@ -76,7 +71,7 @@ std::vector<std::u16string> CallbackRepository::listNames() {
   if (callbacks_.list_names == nullptr) return {};
   Names result;
   const int32_t returned = callbacks_.list_names(callbacks_.data, addName, &result);
-  expectSuccess(returned, result.fault, "the callback list_names");
+  result.faults.expectNone(returned, "the callback list_names");
   return {result.names.begin(), result.names.end()};
 }
 
@@ -86,7 +81,7 @@ std::vector<CatalogueMetamodel> CallbackRepository::rowsOf(const std::u16string&
   const RangesForC asked(ranges);
   const int32_t returned = callbacks_.find_metamodels(
       callbacks_.data, ustring_to_utf8(name).c_str(), asked.data(), asked.size(), &rows);
-  expectSuccess(returned, rows.fault, "the callback find_metamodels for " + quotedName(name));
+  rows.faults.expectNone(returned, "the callback find_metamodels for " + quotedName(name));
   return std::move(rows.content.metamodels);
 }
 
@@ -95,7 +90,7 @@ std::vector<Hop> CallbackRepository::hopsOf(const std::u16string& name, const Ve
   const std::string version = from == nullptr ? std::string() : textOf(*from);
   const int32_t returned = callbacks_.find_hops(callbacks_.data, ustring_to_utf8(name).c_str(),
                                                 from == nullptr ? nullptr : version.c_str(), &rows);
-  expectSuccess(returned, rows.fault, "the callback find_hops for " + quotedName(name));
+  rows.faults.expectNone(returned, "the callback find_hops for " + quotedName(name));
   return std::move(rows.content.hops);
 }
 

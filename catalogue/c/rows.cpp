@@ -42,7 +42,7 @@ Hop readHop(const tarn_evolution_hop& hop) {
           readVersion(hop.to, "hop.to"), hop.expensive != 0};
 }
 
-/// Adds to rows, which remember the first time that it fails.
+/// Adds to rows, which remember that it failed.
 template <class Add>
 tarn_evolution_status addTo(tarn_evolution_rows* rows, char** message, const Add& add) {
   return guarded(message, [&] {
@@ -50,7 +50,7 @@ tarn_evolution_status addTo(tarn_evolution_rows* rows, char** message, const Add
     try {
       add(content);
     } catch (const std::exception& error) {
-      if (rows->fault.empty()) rows->fault = error.what();
+      rows->faults.note(error);
       throw;
     }
     return TARN_EVOLUTION_OK;

@@ -13,7 +13,7 @@ from typing import Any, TypeVar, cast
 from . import _native
 from ._errors import InvalidArgument
 from ._model import (Alternatives, Dependency, Direction, Explanation, Finding, Hop, Metamodel,
-                     NamedVersion, Path, Progress, Severity, Step, VersionRange)
+                     NamedVersion, Path, Progress, Severity, VersionRange)
 
 Selection = Mapping[str, str]
 _RangeTuple = tuple[str, str | None]
@@ -177,7 +177,7 @@ class _Asked(abc.ABC):
                                             _whole(limit, "limit"))
         return tuple(
             Alternatives(tuple(NamedVersion(*held) for held in sorted(baseline)),
-                         tuple((way, Step.of(step)) for way, steps in groups for step in steps))
+                         tuple((way, step) for way, steps in groups for step in steps))
             for baseline, groups in listings)
 
     def forget_paths(self) -> None:
@@ -247,6 +247,14 @@ class Repository(_Asked):
             made = _native.from_functions(*_functions_of(self))
             self.__dict__.setdefault("_Repository__native", made)
         return cast(_native.Repository, self.__native)
+
+    def __getstate__(self) -> object:
+        """Without the library's own: a copy, or what is pickled, answers for itself."""
+        state = cast(Any, super()).__getstate__()
+        own, *slots = state if isinstance(state, tuple) else (state,)
+        if isinstance(own, dict):
+            own = {name: value for name, value in own.items() if name != "_Repository__native"}
+        return (own, *slots) if slots else own
 
 
 def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:

@@ -16,9 +16,6 @@ Severity = Literal["error", "warning", "note"]
 
 _STAGES: tuple[Stage, ...] = ("preparing", "exhaustive", "goal-directed", "learning")
 
-#: As the library hands out a step: weight, hops, what is brought in.
-StepTuple = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
-
 
 def _keep_as_tuple(value: object, field: str) -> None:
     """Values are hashable, and stay as they are, also where they were given a list."""
@@ -96,13 +93,6 @@ class Step:
     hops: tuple[Hop, ...]
     brought_in: tuple[NamedVersion, ...] = ()
 
-    @classmethod
-    def of(cls, parts: StepTuple) -> Step:
-        """From what the library hands out."""
-        weight, hops, brought_in = parts
-        return cls(weight, tuple(Hop(*hop) for hop in hops),
-                   tuple(NamedVersion(*named) for named in brought_in))
-
     def to_dict(self) -> dict[str, Any]:
         """As the tool's JSON has it."""
         return {"weight": self.weight, "hops": [hop.to_dict() for hop in self.hops],
@@ -126,7 +116,7 @@ class Path:
     def steps(self) -> tuple[Step, ...]:
         """Made when they are first looked at, which takes longer than many a question."""
         if self._steps is None:
-            self._steps = tuple(Step.of(step) for step in self._native.steps())
+            self._steps = self._native.steps()
         return self._steps
 
     @property
@@ -138,7 +128,9 @@ class Path:
         return iter(self.steps)
 
     def __eq__(self, other: object) -> bool:
-        return self.steps == other.steps if isinstance(other, Path) else NotImplemented
+        if not isinstance(other, Path):
+            return NotImplemented
+        return self.steps == other.steps
 
     def __hash__(self) -> int:
         return hash(self.steps)

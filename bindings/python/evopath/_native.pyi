@@ -2,10 +2,11 @@
 
 from collections.abc import Callable
 
+from ._model import Step
+
 version: str
 
 _Texts = list[tuple[str, str]]
-_Step = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
 _Range = tuple[str, str | None]
 _Metamodel = tuple[str, str, str | None, list[tuple[str, list[_Range]]]]
 _Hop = tuple[str, str, str, bool]
@@ -13,7 +14,7 @@ _Hop = tuple[str, str, str, bool]
 class Path:
     @property
     def weight(self) -> int: ...
-    def steps(self) -> list[_Step]: ...
+    def steps(self) -> tuple[Step, ...]: ...
     def render(self, format: str) -> str: ...
 
 class Limits:
@@ -33,7 +34,7 @@ class Repository:
     ) -> tuple[str, str]: ...
     def steps(
         self, at: dict[str, str], direction: str, limit: int
-    ) -> list[tuple[_Texts, list[tuple[str, list[_Step]]]]]: ...
+    ) -> list[tuple[_Texts, list[tuple[str, tuple[Step, ...]]]]]: ...
     def question(self) -> tuple[_Texts, _Texts] | None: ...
     def forget_paths(self) -> None: ...
 

@@ -165,6 +165,12 @@ class Answers(unittest.TestCase):
             for same in (copy.copy(value), copy.deepcopy(value), pickle.loads(pickle.dumps(value))):
                 self.assertEqual((same, hash(same), repr(same)), (value, hash(value), repr(value)))
         self.assertEqual(pickle.loads(pickle.dumps(path)).render("svg"), path.render("svg"))
+        host = Host(SHAPES, HOPS)
+        host.find_path(OLD, NEW)
+        other = copy.copy(host)
+        other.hops = []
+        self.assertIsNone(other.find_path(OLD, NEW), "a copy answers for itself")
+        self.assertEqual(pickle.loads(pickle.dumps(host)).find_path(OLD, NEW), path)
         idle = catalogue.find_path(NEW, NEW)
         self.assertTrue(idle, "there is nothing to do")
         self.assertEqual((idle.steps, idle.weight), ((), 0))
