@@ -16,22 +16,23 @@ class RowFaults {
   void note(const std::exception& error) noexcept {
     if (hasAny_) return;
     hasAny_ = true;
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return;
     try {
-      first_ = error.what();
-    } catch (const std::bad_alloc&) {  // first_ is empty
+      message_ = error.what();
+    } catch (const std::bad_alloc&) {  // which is then what is thrown
     }
   }
 
   /// Throws for a callback that has returned `result` after this.
   void expectNone(int32_t result, const std::string& callback) const {
-    if (hasAny_ && first_.empty()) throw std::bad_alloc();
-    if (hasAny_) throw CallbackFailed(callback + " could not add a row: " + first_);
+    if (hasAny_ && message_.empty()) throw std::bad_alloc();
+    if (hasAny_) throw CallbackFailed(callback + " could not add a row: " + message_);
     if (result != 0) throw CallbackFailed(callback + " returned " + std::to_string(result));
   }
 
  private:
   bool hasAny_ = false;
-  std::string first_;
+  std::string message_;  ///< empty where memory was short
 };
 
 }  // namespace tarn::evolution::catalogue::c
