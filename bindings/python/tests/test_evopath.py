@@ -100,6 +100,13 @@ def tangled():
             {name: "8.0.0" for name in names})
 
 
+def random_generator():
+    """Other questions in every run."""
+    seed = int(os.environ.get("TARN_RANDOM_SEED", random.randrange(2**32)))
+    print(f"TARN_RANDOM_SEED={seed}", file=sys.stderr)
+    return random.Random(seed)
+
+
 def random_rows(generator):
     """A small catalogue and a question; some names depend on those before them."""
     names = "ABCDE"[:generator.randint(1, 5)]
@@ -179,9 +186,7 @@ class Answers(unittest.TestCase):
         self.assertIsNone(catalogue.question)
 
     def test_answers_are_those_of_the_tool(self):
-        seed = int(os.environ.get("TARN_RANDOM_SEED", random.randrange(2**32)))
-        print(f"TARN_RANDOM_SEED={seed}", file=sys.stderr)
-        generator = random.Random(seed)
+        generator = random_generator()
         with tempfile.TemporaryDirectory() as folder:
             file = pathlib.Path(folder, "catalogue.json")
             for _ in range(int(os.environ.get("TARN_RANDOM_CASES", 25))):
@@ -192,7 +197,7 @@ class Answers(unittest.TestCase):
                 listing = tool("steps", str(file), "--at", written(source), "--json")
                 for asked in (Catalogue.load(file), Catalogue.from_rows(metamodels, hops),
                               Host(metamodels, hops), Host(metamodels, hops, exact=True)):
-                    with self.subTest(seed=seed, file=file.read_text(), ends=ends):
+                    with self.subTest(file=file.read_text(), ends=ends):
                         self.compare(asked, source, target, answer, listing)
 
     def compare(self, asked, source, target, told, listing):
@@ -322,7 +327,8 @@ class Failures(unittest.TestCase):
     def test_every_call_of_a_host_may_fail(self):
         """An answer that depends on the call ends with what it raised, any other is given. Then the
         same host answers as ever."""
-        for rows in ((SHAPES, HOPS, OLD, NEW), random_rows(random.Random())):
+        generator = random_generator()
+        for rows in ((SHAPES, HOPS, OLD, NEW), random_rows(generator)):
             metamodels, hops, source, target = rows
             for ask in (lambda host: host.find_path(source, target),
                         lambda host: host.steps(source), lambda host: host.explain(source, target),
@@ -335,7 +341,8 @@ class Failures(unittest.TestCase):
                 quiet = Host(metamodels, hops)
                 expected = outcome(quiet)
                 raised = 0
-                for failing in range(1, quiet.calls + 1):
+                stride = 1 + quiet.calls // 10
+                for failing in range(generator.randint(1, stride), quiet.calls + 1, stride):
                     host = Host(metamodels, hops, failing)
                     with self.subTest(rows=rows, failing=failing):
                         try:
@@ -344,7 +351,8 @@ class Failures(unittest.TestCase):
                             raised += 1
                             self.assertEqual(str(error), f"call {failing}")
                         self.assertEqual(outcome(host), expected)
-                self.assertGreater(raised, 0)
+                if metamodels is SHAPES:
+                    self.assertGreater(raised, 0)
 
     def test_limits(self):
         metamodels, hops, source, target = interlocked(14)
