@@ -63,12 +63,15 @@ static int ask_file(const char* file) {
 }
 
 /* Data of the host's own: shapes, and drawings that are made of them. */
-static int32_t find_metamodels(void* data, const char* name, const tarn_evolution_range* range,
-                               tarn_evolution_rows* rows) {
-  static const tarn_evolution_dependency shape1 = {"shape", {"1.0.0", "2.0.0"}};
-  static const tarn_evolution_dependency shape2 = {"shape", {"2.0.0", "3.0.0"}};
+static int32_t find_metamodels(void* data, const char* name, const tarn_evolution_range* ranges,
+                               size_t range_count, tarn_evolution_rows* rows) {
+  static const tarn_evolution_range range1 = {"1.0.0", "2.0.0"};
+  static const tarn_evolution_range range2 = {"2.0.0", "3.0.0"};
+  static const tarn_evolution_dependency shape1 = {"shape", &range1, 1};
+  static const tarn_evolution_dependency shape2 = {"shape", &range2, 1};
   (void)data;
-  (void)range; /* what does not lie in it is passed over */
+  (void)ranges; /* what does not lie in them is passed over */
+  (void)range_count;
   if (strcmp(name, "shape") == 0) {
     return tarn_evolution_rows_add_metamodel(rows, name, "1.0.0", NULL, NULL, 0, NULL) != 0 ||
            tarn_evolution_rows_add_metamodel(rows, name, "2.0.0", NULL, NULL, 0, NULL) != 0;
@@ -97,13 +100,18 @@ static int ask_own_data(void) {
   tarn_evolution_catalogue* catalogue;
   tarn_evolution_steps* path;
   char* message;
+  char* text;
   int result = 1;
   if (failed(tarn_evolution_open_callbacks(&callbacks, &catalogue, &message), &message)) return 1;
   if (!failed(tarn_evolution_find_path(catalogue, from, 1, to, 1, NULL, &path, &message),
               &message)) {
-    print_path(path);
+    if (!failed(tarn_evolution_steps_render(path, TARN_EVOLUTION_JSON, &text, &message),
+                &message)) {
+      printf("%s", text);
+      tarn_evolution_free(text);
+      result = 0;
+    }
     tarn_evolution_steps_free(path);
-    result = 0;
   }
   tarn_evolution_catalogue_free(catalogue);
   return result;

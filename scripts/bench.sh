@@ -18,7 +18,10 @@ while [ $# -gt 0 ]; do
 done
 [ "${#quick[@]}" -gt 0 ] || [ "${#document[@]}" -gt 0 ] || document=(--document docs/benchmarks.md)
 
+python=/usr/bin/python3  # which Debian's packages are for, whatever else there is
 scripts/setup.sh
-cmake --preset release --log-level=WARNING -DTARN_BUILD_BENCHMARKS=ON
-cmake --build --preset release --target pathfinder_benchmarks bench_question bench_store
-python3 bench/run_benchmarks.py --build build/release "${quick[@]}" "${document[@]}"
+scripts/setup_python.sh
+cmake --preset release --log-level=WARNING -DTARN_BUILD_BENCHMARKS=ON -DTARN_BUILD_PYTHON=ON \
+  -DPython3_EXECUTABLE=$python
+cmake --build --preset release --target pathfinder_benchmarks bench_question bench_store evopath_native evopath
+"$python" bench/run_benchmarks.py --build build/release --python "${quick[@]}" "${document[@]}"

@@ -62,7 +62,7 @@ run_c_host() {
   mkdir -p "$work/$name"
   # The flags are words to be split.
   # shellcheck disable=SC2046
-  gcc -std=c99 -Wall -Wextra -Wpedantic -Werror examples/from_c.c -o "$work/$name/from_c" \
+  gcc -std=c99 -pedantic -Wall -Wextra -Werror examples/from_c.c -o "$work/$name/from_c" \
     $(pkg-config ${static:+--static} --cflags --libs "$package") -Wl,-rpath,"$(pkg-config --variable=libdir "$package")"
   "$work/$name/from_c" >/dev/null
 }

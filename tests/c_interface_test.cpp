@@ -2,6 +2,10 @@
 // garbage and failing callbacks end in a status and a message.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -13,6 +17,8 @@
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/picture/path_json.hpp"
 #include "catalogue/picture/step_listing.hpp"
+#include "catalogue/range_union.hpp"
+#include "catalogue/version_text.hpp"
 #include "messages/messages.hpp"
 #include "platform/exception.hpp"
 #include "platform/text.hpp"
@@ -108,26 +114,37 @@ Outcome explanationBy(tarn_evolution_catalogue* catalogue, const Selection& from
   return {status, status == TARN_EVOLUTION_OK ? explained : said};
 }
 
-/// The range as C takes it; refers to `lower` and `upper`.
-tarn_evolution_range toC(const VersionRange& range, std::string& lower, std::string& upper) {
-  if (!range.isSemVerRange()) {
-    lower = printed(range);
-    return {lower.c_str(), nullptr};
+/// A dependency as C takes it. Refers to itself.
+class CDependency {
+ public:
+  explicit CDependency(const Dependency& dependency) : name_(ustring_to_utf8(dependency.name)) {
+    for (const VersionRange& range : piecesOf(dependency.range)) {
+      if (range.isSemVerRange()) {
+        const auto& [lower, upper] = range.getSemVerRange();
+        texts_.push_back({printed(lower), printed(upper)});
+      } else {
+        texts_.push_back({printed(range), ""});
+      }
+    }
+    for (const auto& [lower, upper] : texts_) {
+      ranges_.push_back({lower.c_str(), upper.empty() ? nullptr : upper.c_str()});
+    }
   }
-  lower = printed(range.getSemVerRange().lower);
-  upper = printed(range.getSemVerRange().upper);
-  return {lower.c_str(), upper.c_str()};
-}
+
+  tarn_evolution_dependency get() const { return {name_.c_str(), ranges_.data(), ranges_.size()}; }
+
+ private:
+  std::string name_;
+  std::vector<std::array<std::string, 2>> texts_;
+  std::vector<tarn_evolution_range> ranges_;
+};
 
 tarn_evolution_status addRow(tarn_evolution_rows* rows, const CatalogueMetamodel& row) {
   const Metamodel& metamodel = row.descriptor;
-  std::vector<std::array<std::string, 3>> texts(metamodel.dependencies.size());
+  const std::deque<CDependency> needed(metamodel.dependencies.begin(),
+                                       metamodel.dependencies.end());
   std::vector<tarn_evolution_dependency> dependencies;
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    auto& [name, lower, upper] = texts[i];
-    name = ustring_to_utf8(metamodel.dependencies[i].name);
-    dependencies.push_back({name.c_str(), toC(metamodel.dependencies[i].range, lower, upper)});
-  }
+  for (const CDependency& each : needed) dependencies.push_back(each.get());
   const std::string equivalent = row.equivalent ? printed(*row.equivalent) : "";
   return tarn_evolution_rows_add_metamodel(rows, ustring_to_utf8(metamodel.name).c_str(),
                                            printed(metamodel.version).c_str(),
@@ -154,7 +171,19 @@ Handle openRows(const CatalogueContent& content) {
   return {catalogue, tarn_evolution_catalogue_free};
 }
 
-/// Answers from content; a call can fail, in one of several ways.
+/// What C asks for, as ranges.
+std::vector<VersionRange> fromC(const tarn_evolution_range* ranges, size_t count) {
+  std::vector<VersionRange> result;
+  for (const auto* range = ranges; range != ranges + count; ++range) {
+    result.push_back(range->upper == nullptr
+                         ? VersionRange::singleVersion(parseVersion(range->lower))
+                         : parseRange(range->lower, range->upper));
+  }
+  return result;
+}
+
+/// Answers from content, all or no more than was asked for; a call can fail, in one of several
+/// ways.
 class Host {
  public:
   explicit Host(CatalogueContent content) : content_(std::move(content)) {}
@@ -163,13 +192,22 @@ class Host {
     const tarn_evolution_callbacks callbacks{
         sizeof callbacks,
         this,
-        [](void* data, const char* name, const tarn_evolution_range*, tarn_evolution_rows* rows) {
-          return static_cast<Host*>(data)->list(name, static_cast<Host*>(data)->content_.metamodels,
-                                                rows);
+        [](void* data, const char* name, const tarn_evolution_range* ranges, size_t count,
+           tarn_evolution_rows* rows) {
+          EXPECT_EQ(ranges == nullptr, count == 0);
+          const auto& host = *static_cast<Host*>(data);
+          const auto asked = fromC(ranges, count);
+          return static_cast<Host*>(data)->list(
+              name, host.content_.metamodels, rows, [&](const CatalogueMetamodel& row) {
+                return !host.isExact || asked.empty() || liesInAny(asked, row);
+              });
         },
-        [](void* data, const char* name, const char*, tarn_evolution_rows* rows) {
-          return static_cast<Host*>(data)->list(name, static_cast<Host*>(data)->content_.hops,
-                                                rows);
+        [](void* data, const char* name, const char* from, tarn_evolution_rows* rows) {
+          const auto& host = *static_cast<Host*>(data);
+          return static_cast<Host*>(data)->list(
+              name, host.content_.hops, rows, [&](const Hop& hop) {
+                return !host.isExact || from == nullptr || hop.from == parseVersion(from);
+              });
         },
         [](void* data, void (*add)(void*, const char*), void* names) {
           return static_cast<Host*>(data)->listNames(add, names);
@@ -180,7 +218,8 @@ class Host {
     return {catalogue, tarn_evolution_catalogue_free};
   }
 
-  std::size_t calls = 0;
+  bool isExact = false;
+  std::atomic<std::size_t> calls = 0;
   std::size_t failing = 0;  ///< the number of the call to fail, from 1; 0: none
   int manner = 0;           ///< how: returns 7, adds garbage, adds another name, throws
   int releases = 0;
@@ -193,11 +232,20 @@ class Host {
     return manner == 1 && rows != nullptr ? 0 : 7;
   }
 
-  template <class Row>
-  int32_t list(const char* name, const std::vector<Row>& all, tarn_evolution_rows* rows) {
+  static bool liesInAny(const std::vector<VersionRange>& ranges, const CatalogueMetamodel& row) {
+    return std::any_of(ranges.begin(), ranges.end(), [&](const VersionRange& range) {
+      return range.includes(row.descriptor.version) ||
+             (row.equivalent && range.includes(*row.equivalent));
+    });
+  }
+
+  template <class Row, class IsAsked>
+  int32_t list(const char* name, const std::vector<Row>& all, tarn_evolution_rows* rows,
+               const IsAsked& isAsked) {
     if (++calls == failing) return fail(rows);
     for (const Row& row : all) {
-      if (ustring_to_utf8(nameOf(row)) == name && addRow(rows, row) != 0) return 1;
+      if (ustring_to_utf8(nameOf(row)) != name || !isAsked(row)) continue;
+      if (addRow(rows, row) != 0) return 1;
     }
     return 0;
   }
@@ -297,12 +345,26 @@ std::string selectionQuestion(Random& random) {
   return text;
 }
 
+/// Lets some dependencies be met by another version as well.
+void widen(CatalogueContent& content, Random& random) {
+  const auto rows = content.metamodels;
+  for (CatalogueMetamodel& row : content.metamodels) {
+    for (auto& [name, range] : row.descriptor.dependencies) {
+      const auto& other = random.oneOf(rows).descriptor;
+      if (other.name != name || !random.chance(50)) continue;
+      range = unionOf({range, VersionRange::singleVersion(other.version)});
+    }
+  }
+}
+
 TEST(CInterface, AnswersAreThoseOfCxx) {
   RandomRun run(150);
   run.ask(selectionQuestion, [&](const std::string& text, Random& random) {
     RandomCase asked{QuestionText(text)};
     if (random.chance(10)) asked.to[u"Z"] = v(1);
+    widen(asked.content, random);
     Host host(asked.content);
+    host.isExact = random.chance(50);
     {
       const Handle byRows = openRows(asked.content);
       const Handle byCallbacks = host.open();
@@ -364,8 +426,11 @@ TEST(CInterface, GarbageIsNamed) {
   const Rows rows(tarn_evolution_rows_new(), tarn_evolution_rows_free);
   const tarn_evolution_named_version good[] = {{"shape", "1.0.0"}, {"shape", "2.0.0"}};
   const tarn_evolution_named_version bad[] = {{"sh\xC3", "1.0.0"}, {"shape", nullptr}, {"", "1"}};
+  const tarn_evolution_range ranges[] = {
+      {"1.0.0", nullptr}, {"2.0.0", "1.0.0"}, {"spring", "3.0.0"}, {nullptr, nullptr}};
   const tarn_evolution_dependency dependencies[] = {
-      {"shape", {"2.0.0", "1.0.0"}}, {"shape", {"spring", "3.0.0"}}, {nullptr, {"1.0.0", nullptr}}};
+      {"shape", ranges, 2}, {"shape", ranges + 2, 1}, {nullptr, ranges, 1},
+      {"shape", ranges, 0}, {"shape", nullptr, 1},    {"shape", ranges + 3, 1}};
   const tarn_evolution_hop hop{"shape", "1.0.0", "99999999999999999999.0.0", 0};
   const tarn_evolution_limits small{1, -1, 0, nullptr, nullptr, nullptr};
   const tarn_evolution_callbacks none{sizeof none, nullptr, nullptr, nullptr, nullptr, nullptr};
@@ -397,10 +462,14 @@ TEST(CInterface, GarbageIsNamed) {
       {[&] { return ask(nullptr, 1); }, invalid, "from: is NULL"},
       {[&] { return ask(good, 1, &small); }, invalid, "limits.size: is 1, which is less than 48"},
       {[&] { return add("1.0.0", nullptr, 0); }, invalid,
-       "dependencies[0].range: the range [2.0.0, 1.0.0) is reversed"},
+       "dependencies[0].ranges[1]: the range [2.0.0, 1.0.0) is reversed"},
       {[&] { return add("1.0.0", nullptr, 1); }, invalid,
-       "dependencies[0].range: \"spring\" is not a semantic version"},
+       "dependencies[0].ranges[0]: \"spring\" is not a semantic version"},
       {[&] { return add("1.0.0", nullptr, 2); }, invalid, "dependencies[0].name: is NULL"},
+      {[&] { return add("1.0.0", nullptr, 3); }, invalid, "dependencies[0].ranges: there is none"},
+      {[&] { return add("1.0.0", nullptr, 4); }, invalid, "dependencies[0].ranges: is NULL"},
+      {[&] { return add("1.0.0", nullptr, 5); }, invalid,
+       "dependencies[0].ranges[0].lower: is NULL"},
       {[&] { return add("1.0.0", "1.0.0", 9); }, invalid,
        "semver: the version 1.0.0 is one already"},
       {[&] { return add("spring", "autumn", 9); }, invalid,
@@ -542,22 +611,45 @@ TEST(CInterface, LimitsEndQuestions) {
   EXPECT_EQ(pathBy(easy.get(), {{u"shape", v(1)}}, {{u"shape", v(2)}}, &limits).status, 0);
 }
 
+/// Threads ask one catalogue of callbacks, and one of them ends another's question.
+TEST(CInterfaceConcurrency, ThreadsAskOneCatalogue) {
+  RandomRun run(5);
+  run.ask(selectionQuestion, [](const std::string& text, Random&) {
+    const RandomCase asked{QuestionText(text)};
+    Host host(asked.content);
+    const Handle catalogue = host.open();
+    Reference reference(asked.content);
+    const Outcome path = reference.path(asked.from, asked.to);
+    const Outcome explanation = reference.explanation(asked.from, asked.to);
+    tarn_evolution_stop* const stop = tarn_evolution_stop_new();
+    tarn_evolution_limits limits = TARN_EVOLUTION_NO_LIMITS;
+    limits.stop = stop;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+      threads.emplace_back(
+          [&] { expectSame(pathBy(catalogue.get(), asked.from, asked.to), path); });
+      threads.emplace_back(
+          [&] { expectSame(explanationBy(catalogue.get(), asked.from, asked.to), explanation); });
+      threads.emplace_back([&] {
+        const Outcome outcome = pathBy(catalogue.get(), asked.from, asked.to, &limits);
+        if (outcome.status != TARN_EVOLUTION_STOPPED) expectSame(outcome, path);
+      });
+    }
+    tarn_evolution_stop_request(stop);
+    for (auto& thread : threads) thread.join();
+    tarn_evolution_stop_free(stop);
+  });
+}
+
 TEST(CInterface, FilesAreOpenedAndChecked) {
   tarn_evolution_catalogue* catalogue = nullptr;
   ASSERT_EQ(tarn_evolution_open(CATALOGUE_FILE, &catalogue, nullptr), 0);
   const Handle owner(catalogue, tarn_evolution_catalogue_free);
   const Question question =
       readJsonCatalogue(std::filesystem::path(CATALOGUE_FILE)).question().value();
-  std::vector<std::thread> threads;
-  std::vector<Outcome> outcomes(4);
-  for (auto& outcome : outcomes) {
-    threads.emplace_back([&] { outcome = pathBy(catalogue, question.from, question.to); });
-  }
-  for (auto& thread : threads) thread.join();
-  for (const Outcome& outcome : outcomes) {
-    EXPECT_EQ(outcome.status, TARN_EVOLUTION_OK);
-    EXPECT_NE(outcome.text.find("\"weight\": 27,"), std::string::npos);
-  }
+  const Outcome outcome = pathBy(catalogue, question.from, question.to);
+  EXPECT_EQ(outcome.status, TARN_EVOLUTION_OK);
+  EXPECT_NE(outcome.text.find("\"weight\": 27,"), std::string::npos);
   char* findings = nullptr;
   ASSERT_EQ(tarn_evolution_check(CATALOGUE_FILE, TARN_EVOLUTION_ERROR, &findings, nullptr), 0);
   const std::string text = taken(findings);

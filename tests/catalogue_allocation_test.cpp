@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <new>
 #include <sstream>
 
+#include "catalogue/c/tarn_evolution_catalogue.h"
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/check/check.hpp"
@@ -106,6 +108,53 @@ std::string checkedIn(const std::filesystem::path& place) {
   return all;
 }
 
+/// Throws what C is told by a status.
+void expectAnswer(tarn_evolution_status status, char* message) {
+  const std::unique_ptr<char, decltype(&tarn_evolution_free)> owner(message, tarn_evolution_free);
+  if (status == TARN_EVOLUTION_OUT_OF_MEMORY) throw std::bad_alloc();
+  if (status < 0) throw std::logic_error(message);
+}
+
+tarn_evolution_status addShapes(void*, const char* name, const tarn_evolution_range*, size_t,
+                                tarn_evolution_rows* rows) {
+  for (const char* version : {"a version that takes an allocation", "1.0.0"}) {
+    tarn_evolution_rows_add_metamodel(rows, name, version, nullptr, nullptr, 0, nullptr);
+  }
+  return 0;  // whatever could not be added
+}
+
+std::string askedFromC(const std::filesystem::path&) {
+  const tarn_evolution_callbacks callbacks{
+      sizeof callbacks,
+      nullptr,
+      addShapes,
+      [](void*, const char* name, const char*, tarn_evolution_rows* rows) -> int32_t {
+        const tarn_evolution_hop hop{name, "a version that takes an allocation", "1.0.0", 0};
+        tarn_evolution_rows_add_hop(rows, &hop, nullptr);
+        return 0;
+      },
+      nullptr,
+      nullptr};
+  const tarn_evolution_named_version from{"shape", "a version that takes an allocation"};
+  const tarn_evolution_named_version to{"shape", "1.0.0"};
+  char* message = nullptr;
+  tarn_evolution_catalogue* catalogue = nullptr;
+  expectAnswer(tarn_evolution_open_callbacks(&callbacks, &catalogue, &message), message);
+  const std::unique_ptr<tarn_evolution_catalogue, decltype(&tarn_evolution_catalogue_free)> owner(
+      catalogue, tarn_evolution_catalogue_free);
+  tarn_evolution_steps* path = nullptr;
+  auto status = tarn_evolution_find_path(catalogue, &from, 1, &to, 1, nullptr, &path, &message);
+  const std::unique_ptr<tarn_evolution_steps, decltype(&tarn_evolution_steps_free)> pathOwner(
+      path, tarn_evolution_steps_free);
+  expectAnswer(status, message);
+  std::string all = std::to_string(status);
+  char* text = nullptr;
+  status = tarn_evolution_steps_render(path, TARN_EVOLUTION_HTML, &text, &message);
+  expectAnswer(status, message);
+  const std::unique_ptr<char, decltype(&tarn_evolution_free)> textOwner(text, tarn_evolution_free);
+  return all + text;
+}
+
 std::vector<StoreOperation> allOperations() {
   std::vector<StoreOperation> all = storeOperations(CatalogueSize::Small);
   const auto isDrafts = [](const auto& each) { return each.name == "drafts and selections"; };
@@ -113,6 +162,7 @@ std::vector<StoreOperation> allOperations() {
   all.push_back({"drawing", disk, "", drawnIn});
   all.push_back({"explaining", disk, "", explainedIn});
   all.push_back({"checking", disk, "", checkedIn});
+  all.push_back({"asking from C", disk, "", askedFromC});
   return all;
 }
 

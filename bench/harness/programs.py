@@ -2,9 +2,13 @@
 from __future__ import annotations
 
 import json
+import os
+import shutil
 import subprocess
+import sys
 from collections import defaultdict
 from dataclasses import dataclass
+from functools import cached_property
 from pathlib import Path
 from typing import Any
 
@@ -50,6 +54,22 @@ class Programs:
             return TimedPath(Answer(Outcome.TIME_LIMIT, limit))
         outcome = Outcome.NO_PATH if weight is None else Outcome.PATH
         return TimedPath(Answer(outcome, seconds, weight), report["steps"], report["floor_seconds"])
+
+    @cached_property
+    def python_package(self) -> Path:
+        """The Python package of the build, put together in a folder to import it from."""
+        folder = self.work / "python"
+        shutil.rmtree(folder, ignore_errors=True)
+        command = ["cmake", "--install", self.build, "--component", "python", "--prefix", folder]
+        environment = {**os.environ, "DESTDIR": ""}
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, env=environment)
+        return folder
+
+    def ask_python(self, catalogue: Path, rounds: int) -> dict[str, float]:
+        """The catalogue's question, asked through the Python package."""
+        asker = Path(__file__).parents[1] / "ask_python.py"
+        command = [sys.executable, asker, self.python_package, catalogue, str(rounds)]
+        return json.loads(run_limited(command, seconds=STORE_LIMIT).output)
 
     def measure_store(self, what: str, *arguments: object) -> dict[str, float]:
         """What bench_store tells; fails when an answer was wrong."""

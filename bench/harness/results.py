@@ -79,6 +79,16 @@ class StoreComparison:
 
 
 @dataclass(frozen=True)
+class PythonComparison:
+    """One question, asked in C++ and through the Python package."""
+
+    label: str  # such as "uniform/64"
+    cxx_seconds: float
+    python_seconds: float  # until there is a path
+    python_read_seconds: float  # until all its steps have been looked at
+
+
+@dataclass(frozen=True)
 class Machine:
     processor: str
     cores: int
@@ -101,6 +111,7 @@ class Results:
     random: list[Comparison] = field(default_factory=list)
     operators: list[Comparison] = field(default_factory=list)
     stores: list[StoreComparison] = field(default_factory=list)
+    python: list[PythonComparison] = field(default_factory=list)
 
     def save(self, file: Path) -> None:
         file.write_text(json.dumps(asdict(self), indent=1))
@@ -116,6 +127,7 @@ class Results:
             random=[_comparison(entry) for entry in stored["random"]],
             operators=[_comparison(entry) for entry in stored["operators"]],
             stores=[StoreComparison(**entry) for entry in stored["stores"]],
+            python=[PythonComparison(**entry) for entry in stored["python"]],
         )
 
 

@@ -35,6 +35,9 @@ class Settings:
     joined_sizes: tuple[int, ...]  # most metamodels of the questions joined from families
     operators_limit: float
     stores: tuple[LargeCatalogue, ...]
+    python_size: int  # metamodels of the questions asked through Python
+    python_turns: int
+    python_rounds: int  # in each turn
 
 
 FULL = Settings(
@@ -53,6 +56,9 @@ FULL = Settings(
     joined_sizes=(10, 14, 20),
     operators_limit=60,
     stores=(LargeCatalogue(100, 50), LargeCatalogue(300, 100), LargeCatalogue(1000, 100)),
+    python_size=64,
+    python_turns=5,
+    python_rounds=20,
 )
 
 QUICK = Settings(
@@ -66,4 +72,7 @@ QUICK = Settings(
     joined_sizes=(10,),
     operators_limit=10,
     stores=(LargeCatalogue(33, 10),),
+    python_size=16,
+    python_turns=1,
+    python_rounds=2,
 )

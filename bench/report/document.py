@@ -10,6 +10,7 @@ from .families import families
 from .hard_questions import hard_questions
 from .markdown import counted, listed, paragraph, section, table
 from .operations import operations
+from .python_package import python_package
 from .stores import stores
 from .targets import rows, targets
 from .view import View
@@ -82,6 +83,7 @@ def document(results: Results) -> str:
         operators(view),
         hard_questions(view),
         operations(view),
+        python_package(view),
         stores(view),
     ]
     return "\n\n".join(blocks) + "\n"

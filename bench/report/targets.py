@@ -112,6 +112,16 @@ def trace_row(view: View) -> Row:
     return each_at_most(target, values, NOISE, "{:.2f}x".format)
 
 
+def python_row(view: View) -> Row:
+    values = {
+        each.label.split("/")[0]: each.python_seconds / each.cxx_seconds
+        for each in view.results.python
+        if each.label.endswith("/64")
+    }
+    target = "the six families, n = 64: through Python in twice the time of C++ at most"
+    return each_at_most(target, values, 2.0)
+
+
 def rows(view: View) -> list[Row]:
     return [
         exhaustive_row(view),
@@ -133,6 +143,7 @@ def rows(view: View) -> list[Row]:
         small_row(view),
         cached_row(view),
         trace_row(view),
+        python_row(view),
     ]
 
 

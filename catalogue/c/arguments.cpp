@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "catalogue/c/boundary.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue::c {
@@ -51,6 +52,14 @@ tarn_evolution_progress toC(const SearchProgress& progress) {
           .least_proven = progress.leastProven};
 }
 
+VersionRange readRange(const tarn_evolution_range& range, const std::string& argument) {
+  if (range.upper == nullptr) {
+    return VersionRange::singleVersion(readVersion(range.lower, argument + ".lower"));
+  }
+  return parsed(range.lower, argument,
+                [&](const std::string& lower) { return parseRange(lower, range.upper); });
+}
+
 }  // namespace
 
 std::u16string readName(const char* text, const std::string& argument) {
@@ -61,12 +70,15 @@ VersionId readVersion(const char* text, const std::string& argument) {
   return parsed(text, argument, parseVersion);
 }
 
-VersionRange readRange(const tarn_evolution_range& range, const std::string& argument) {
-  if (range.upper == nullptr) {
-    return VersionRange::singleVersion(readVersion(range.lower, argument + ".lower"));
+VersionRange readRanges(const tarn_evolution_range* ranges, size_t count,
+                        const std::string& argument) {
+  if (count == 0) throw std::invalid_argument(argument + ": there is none");
+  required(ranges, argument.c_str());
+  std::vector<VersionRange> result;
+  for (size_t i = 0; i < count; ++i) {
+    result.push_back(readRange(ranges[i], argument + "[" + std::to_string(i) + "]"));
   }
-  return parsed(range.lower, argument,
-                [&](const std::string& lower) { return parseRange(lower, range.upper); });
+  return unionOf(result);
 }
 
 Selection readSelection(const tarn_evolution_named_version* items, size_t count,

@@ -32,7 +32,10 @@ auto parsed(const char* text, const std::string& argument, const Parse& parse) {
 
 std::u16string readName(const char* text, const std::string& argument);
 pathfinder::VersionId readVersion(const char* text, const std::string& argument);
-pathfinder::VersionRange readRange(const tarn_evolution_range& range, const std::string& argument);
+
+/// One range, or the union of several.
+pathfinder::VersionRange readRanges(const tarn_evolution_range* ranges, size_t count,
+                                    const std::string& argument);
 
 Selection readSelection(const tarn_evolution_named_version* items, size_t count,
                         const std::string& argument);

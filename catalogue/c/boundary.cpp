@@ -56,6 +56,8 @@ tarn_evolution_status reportException(char** message) noexcept {
     return report(TARN_EVOLUTION_CALLBACK_FAILED, error.what(), message);
   } catch (const TooManyCombinations& error) {
     return report(TARN_EVOLUTION_TOO_MANY_COMBINATIONS, error.what(), message);
+  } catch (const std::length_error& error) {
+    return report(TARN_EVOLUTION_TOO_MANY_COMBINATIONS, error.what(), message);
   } catch (const CatalogueError& error) {
     return report(TARN_EVOLUTION_BAD_CATALOGUE, error.what(), message);
   } catch (const Exception<InvalidFamilyVersion>& error) {
@@ -97,7 +99,7 @@ const char* tarn_evolution_status_name(tarn_evolution_status status) {
     case TARN_EVOLUTION_MEMORY_USED_UP:
       return "memory limit reached";
     case TARN_EVOLUTION_TOO_MANY_COMBINATIONS:
-      return "too many combinations of hops";
+      return "too many combinations";
     case TARN_EVOLUTION_CALLBACK_FAILED:
       return "a callback failed";
     case TARN_EVOLUTION_OUT_OF_MEMORY:

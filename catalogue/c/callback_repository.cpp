@@ -1,5 +1,6 @@
 #include "catalogue/c/callback_repository.hpp"
 
+#include <array>
 #include <set>
 
 #include "catalogue/c/arguments.hpp"
@@ -18,33 +19,37 @@ using pathfinder::VersionRange;
 
 namespace {
 
-/// The bounds of a range as texts; the upper one is empty for a single version.
-struct RangeTexts {
-  explicit RangeTexts(const VersionRange& range) {
-    if (const auto version = findSingleVersion(range)) {
-      lower = textOf(*version);
-    } else {
-      lower = textOf(range.getSemVerRange().lower);
-      upper = textOf(range.getSemVerRange().upper);
+/// Ranges for C. Refers to itself.
+class RangesForC {
+ public:
+  explicit RangesForC(std::span<const VersionRange> ranges) {
+    for (const VersionRange& range : ranges) {
+      const auto single = findSingleVersion(range);
+      if (single) {
+        texts_.push_back({textOf(*single), ""});
+      } else {
+        const auto& [lower, upper] = range.getSemVerRange();
+        texts_.push_back({textOf(lower), textOf(upper)});
+      }
+    }
+    for (const auto& [lower, upper] : texts_) {
+      items_.push_back({.lower = lower.c_str(), .upper = upper.empty() ? nullptr : upper.c_str()});
     }
   }
+  RangesForC(const RangesForC&) = delete;
+  RangesForC& operator=(const RangesForC&) = delete;
 
-  tarn_evolution_range toC() const {
-    return {.lower = lower.c_str(), .upper = upper.empty() ? nullptr : upper.c_str()};
-  }
+  const tarn_evolution_range* data() const { return items_.empty() ? nullptr : items_.data(); }
+  std::size_t size() const { return items_.size(); }
 
-  std::string lower;
-  std::string upper;
+ private:
+  std::vector<std::array<std::string, 2>> texts_;  ///< the upper one is empty for a single version
+  std::vector<tarn_evolution_range> items_;
 };
-
-void expectSuccess(int32_t result, const std::string& fault, const std::string& call) {
-  if (!fault.empty()) throw CallbackFailed(call + " could not add a row: " + fault);
-  if (result != 0) throw CallbackFailed(call + " returned " + std::to_string(result));
-}
 
 struct Names {
   std::set<std::u16string> names;
-  std::string fault;
+  RowFaults faults;
 };
 
 void addName(void* names, const char* name) {
@@ -52,7 +57,7 @@ void addName(void* names, const char* name) {
   try {
     result.names.insert(readName(name, "name"));
   } catch (const std::exception& error) {
-    result.fault = error.what();
+    result.faults.note(error);
   }
 }
 
@@ -66,23 +71,17 @@ std::vector<std::u16string> CallbackRepository::listNames() {
   if (callbacks_.list_names == nullptr) return {};
   Names result;
   const int32_t returned = callbacks_.list_names(callbacks_.data, addName, &result);
-  expectSuccess(returned, result.fault, "the callback list_names");
+  result.faults.expectNone(returned, "the callback list_names");
   return {result.names.begin(), result.names.end()};
 }
 
 std::vector<CatalogueMetamodel> CallbackRepository::rowsOf(const std::u16string& name,
-                                                           const VersionRange* range) {
+                                                           std::span<const VersionRange> ranges) {
   tarn_evolution_rows rows;
-  const std::string shown = ustring_to_utf8(name);
-  int32_t returned = 0;
-  if (range == nullptr) {
-    returned = callbacks_.find_metamodels(callbacks_.data, shown.c_str(), nullptr, &rows);
-  } else {
-    const RangeTexts texts(*range);
-    const tarn_evolution_range asked = texts.toC();
-    returned = callbacks_.find_metamodels(callbacks_.data, shown.c_str(), &asked, &rows);
-  }
-  expectSuccess(returned, rows.fault, "the callback find_metamodels for " + quotedName(name));
+  const RangesForC asked(ranges);
+  const int32_t returned = callbacks_.find_metamodels(
+      callbacks_.data, ustring_to_utf8(name).c_str(), asked.data(), asked.size(), &rows);
+  rows.faults.expectNone(returned, "the callback find_metamodels for " + quotedName(name));
   return std::move(rows.content.metamodels);
 }
 
@@ -91,7 +90,7 @@ std::vector<Hop> CallbackRepository::hopsOf(const std::u16string& name, const Ve
   const std::string version = from == nullptr ? std::string() : textOf(*from);
   const int32_t returned = callbacks_.find_hops(callbacks_.data, ustring_to_utf8(name).c_str(),
                                                 from == nullptr ? nullptr : version.c_str(), &rows);
-  expectSuccess(returned, rows.fault, "the callback find_hops for " + quotedName(name));
+  rows.faults.expectNone(returned, "the callback find_hops for " + quotedName(name));
   return std::move(rows.content.hops);
 }
 

@@ -19,7 +19,7 @@ class CallbackRepository : public RowRepository {
 
  protected:
   std::vector<CatalogueMetamodel> rowsOf(const std::u16string& name,
-                                         const pathfinder::VersionRange* range) override;
+                                         std::span<const pathfinder::VersionRange> ranges) override;
   std::vector<pathfinder::Hop> hopsOf(const std::u16string& name,
                                       const pathfinder::VersionId* from) override;
 

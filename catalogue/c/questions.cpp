@@ -80,10 +80,12 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
   return guarded(message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
     required(path, "path");
-    const auto found = repository.findPath(readSelection(from, from_count, "from"),
-                                           readSelection(to, to_count, "to"), readLimits(limits));
+    const Selection source = readSelection(from, from_count, "from");
+    const Selection target = readSelection(to, to_count, "to");
+    const auto found = repository.findPath(source, target, readLimits(limits));
     if (!found) return TARN_EVOLUTION_NO_PATH;
-    *path = new tarn_evolution_steps(drawPath(weightsOf(repository), *found));
+    *path = new tarn_evolution_steps(found->empty() ? drawSelection(source)
+                                                    : drawPath(weightsOf(repository), *found));
     return TARN_EVOLUTION_OK;
   });
 }

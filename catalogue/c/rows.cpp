@@ -17,8 +17,9 @@ std::vector<Dependency> readDependencies(const tarn_evolution_dependency* depend
   std::vector<Dependency> result;
   for (size_t i = 0; i < count; ++i) {
     const std::string place = "dependencies[" + std::to_string(i) + "]";
-    result.emplace_back(readName(dependencies[i].name, place + ".name"),
-                        readRange(dependencies[i].range, place + ".range"));
+    result.emplace_back(
+        readName(dependencies[i].name, place + ".name"),
+        readRanges(dependencies[i].ranges, dependencies[i].range_count, place + ".ranges"));
   }
   return result;
 }
@@ -41,7 +42,7 @@ Hop readHop(const tarn_evolution_hop& hop) {
           readVersion(hop.to, "hop.to"), hop.expensive != 0};
 }
 
-/// Adds to rows, which remember the first time that it fails.
+/// Adds to rows, which remember that it failed.
 template <class Add>
 tarn_evolution_status addTo(tarn_evolution_rows* rows, char** message, const Add& add) {
   return guarded(message, [&] {
@@ -49,7 +50,7 @@ tarn_evolution_status addTo(tarn_evolution_rows* rows, char** message, const Add
     try {
       add(content);
     } catch (const std::exception& error) {
-      if (rows->fault.empty()) rows->fault = error.what();
+      rows->faults.note(error);
       throw;
     }
     return TARN_EVOLUTION_OK;

@@ -49,13 +49,13 @@ enum {
   TARN_EVOLUTION_STOPPED = -5,               /* by a stop or by the progress callback */
   TARN_EVOLUTION_TIMED_OUT = -6,
   TARN_EVOLUTION_MEMORY_USED_UP = -7,        /* the memory that the limits allow */
-  TARN_EVOLUTION_TOO_MANY_COMBINATIONS = -8, /* of hops, more than allowed */
+  TARN_EVOLUTION_TOO_MANY_COMBINATIONS = -8, /* of hops; or of versions, for memory */
   TARN_EVOLUTION_CALLBACK_FAILED = -9,       /* a callback returned something else than zero */
   TARN_EVOLUTION_OUT_OF_MEMORY = -10,        /* of the machine */
   TARN_EVOLUTION_OTHER_ERROR = -11           /* such as callbacks that contradict themselves */
 };
 
-/* A name for a status, such as "no path". Never freed; "unknown status" for a number that is none. */
+/* A name for a status, such as "no path"; "unknown status" for a number that is none. Never freed. */
 TARN_EVOLUTION_API const char* tarn_evolution_status_name(tarn_evolution_status status);
 
 /* Releases a message or text that a function of this header has given away; NULL is fine. */
@@ -79,9 +79,11 @@ typedef struct tarn_evolution_range {
   const char* upper;
 } tarn_evolution_range;
 
+/* Some version of `name` that lies in any of the ranges, of which there is at least one. */
 typedef struct tarn_evolution_dependency {
   const char* name;
-  tarn_evolution_range range;
+  const tarn_evolution_range* ranges;
+  size_t range_count;
 } tarn_evolution_dependency;
 
 typedef struct tarn_evolution_hop {
@@ -136,10 +138,10 @@ typedef struct tarn_evolution_callbacks {
   size_t size; /* sizeof(tarn_evolution_callbacks) */
   void* data;  /* handed to each */
 
-  /* Adds the metamodels of a name whose version, or what it stands for, lies in `range`, in the
-   * preferred order; all of the name where `range` is NULL. */
-  int32_t (*find_metamodels)(void* data, const char* name, const tarn_evolution_range* range,
-                             tarn_evolution_rows* rows);
+  /* Adds the metamodels of a name whose version, or what it stands for, lies in any of the ranges,
+   * in the preferred order; all of the name where there are none, and `ranges` is NULL. */
+  int32_t (*find_metamodels)(void* data, const char* name, const tarn_evolution_range* ranges,
+                             size_t range_count, tarn_evolution_rows* rows);
 
   /* Adds the hops of a name that lead away from version `from`; all of the name where it is NULL. */
   int32_t (*find_hops)(void* data, const char* name, const char* from, tarn_evolution_rows* rows);

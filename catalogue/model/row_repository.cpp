@@ -1,7 +1,9 @@
 #include "catalogue/model/row_repository.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -20,9 +22,11 @@ void expectName(const std::u16string& asked, const std::u16string& listed, const
                          ", one of " + quotedName(listed) + " was listed");
 }
 
-bool liesIn(const VersionRange& range, const CatalogueMetamodel& row) {
-  return range.includes(row.descriptor.version) ||
-         (row.equivalent && range.includes(*row.equivalent));
+bool liesInAny(std::span<const VersionRange> ranges, const CatalogueMetamodel& row) {
+  return std::any_of(ranges.begin(), ranges.end(), [&](const VersionRange& range) {
+    return range.includes(row.descriptor.version) ||
+           (row.equivalent && range.includes(*row.equivalent));
+  });
 }
 
 }  // namespace
@@ -30,7 +34,7 @@ bool liesIn(const VersionRange& range, const CatalogueMetamodel& row) {
 std::optional<SemVer> RowRepository::getEquivalentSemVer(const std::u16string& metamodelName,
                                                          const std::u16string& versionText) {
   const VersionRange range(versionText);
-  for (const CatalogueMetamodel& row : checkedRowsOf(metamodelName, &range)) {
+  for (const CatalogueMetamodel& row : checkedRowsOf(metamodelName, {&range, 1})) {
     if (range.includes(row.descriptor.version)) return row.equivalent;
   }
   return std::nullopt;
@@ -38,8 +42,9 @@ std::optional<SemVer> RowRepository::getEquivalentSemVer(const std::u16string& m
 
 void RowRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
                                    std::vector<Metamodel>& result) {
-  for (CatalogueMetamodel& row : checkedRowsOf(name, &range)) {
-    if (liesIn(range, row)) result.push_back(std::move(row.descriptor));
+  const std::vector<VersionRange> ranges = piecesOf(range);
+  for (CatalogueMetamodel& row : checkedRowsOf(name, ranges)) {
+    if (liesInAny(ranges, row)) result.push_back(std::move(row.descriptor));
   }
 }
 
@@ -51,7 +56,7 @@ void RowRepository::findHops(const std::u16string& name, const VersionId& from,
 }
 
 std::vector<CatalogueMetamodel> RowRepository::listMetamodels(const std::u16string& name) {
-  return checkedRowsOf(name, nullptr);
+  return checkedRowsOf(name, {});
 }
 
 std::vector<Hop> RowRepository::listHops(const std::u16string& name) {
@@ -59,8 +64,8 @@ std::vector<Hop> RowRepository::listHops(const std::u16string& name) {
 }
 
 std::vector<CatalogueMetamodel> RowRepository::checkedRowsOf(const std::u16string& name,
-                                                             const VersionRange* range) {
-  std::vector<CatalogueMetamodel> rows = rowsOf(name, range);
+                                                             std::span<const VersionRange> ranges) {
+  std::vector<CatalogueMetamodel> rows = rowsOf(name, ranges);
   for (const auto& row : rows) expectName(name, row.descriptor.name, "metamodels");
   return rows;
 }

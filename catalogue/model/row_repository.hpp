@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,10 +30,10 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
   std::optional<Question> getQuestion() override { return std::nullopt; }
 
  protected:
-  /// At least the metamodels of a name whose version, or its equivalent, lies in `range`; all of
-  /// the name where it is null. In the preferred order.
-  virtual std::vector<CatalogueMetamodel> rowsOf(const std::u16string& name,
-                                                 const pathfinder::VersionRange* range) = 0;
+  /// At least the metamodels of a name whose version, or its equivalent, lies in any of `ranges`,
+  /// none of which is a union; all of the name where there are none. In the preferred order.
+  virtual std::vector<CatalogueMetamodel> rowsOf(
+      const std::u16string& name, std::span<const pathfinder::VersionRange> ranges) = 0;
 
   /// At least the hops of a name that leave `from`; all of the name where it is null.
   virtual std::vector<pathfinder::Hop> hopsOf(const std::u16string& name,
@@ -40,7 +41,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
 
  private:
   std::vector<CatalogueMetamodel> checkedRowsOf(const std::u16string& name,
-                                                const pathfinder::VersionRange* range);
+                                                std::span<const pathfinder::VersionRange> ranges);
   std::vector<pathfinder::Hop> checkedHopsOf(const std::u16string& name,
                                              const pathfinder::VersionId* from);
 };

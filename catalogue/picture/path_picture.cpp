@@ -95,6 +95,15 @@ PathPicture drawPath(const pathfinder::VersionRepository& repository, const Vers
   return drawPath(weightsOf(repository), source, path);
 }
 
+PathPicture drawSelection(const Selection& selection) {
+  const std::map<std::u16string, pathfinder::VersionId> byName(selection.begin(), selection.end());
+  PathPicture picture;
+  for (const auto& [name, version] : byName) {
+    picture.lanes.push_back({fl::i18n::ustring_to_utf8(name), textOf(version), false});
+  }
+  return picture;
+}
+
 std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
   std::vector<std::vector<PathCell>> cells(picture.lanes.size(),
                                            std::vector<PathCell>(picture.steps.size() + 1));

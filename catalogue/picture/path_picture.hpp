@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/catalogue.hpp"
 #include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
@@ -70,6 +71,9 @@ drawPath(const StepWeights& weights, const std::vector<pathfinder::BaselineHop>&
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture
 drawPath(const pathfinder::VersionRepository& repository, const pathfinder::VersionBaseline& source,
          const std::vector<pathfinder::BaselineHop>& path);
+
+/// The picture of a path that starts at a selection and has nothing to do: its versions.
+TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture drawSelection(const Selection& selection);
 
 /// One place of the picture: a lane at a step, or at the start.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {

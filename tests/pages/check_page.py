@@ -5,7 +5,7 @@ usage: check_page.py BUILD PAGE [COMPLAINTS]
 Every code block says after its fence what it is, and is checked accordingly; there is no block that
 is not checked.
 
-- ```cpp FILE: lines that stand together in FILE, which the build or scripts/test_consumers.sh
+- ```cpp FILE or ```c FILE: lines that stand together in FILE, which the build or scripts/test_consumers.sh
   compiles.
 - ```text PROGRAM: lines that PROGRAM, an example, prints one after the other.
 - ```console: lines that begin with "$ " are commands, continued in lines that begin with "> ", and
@@ -35,7 +35,7 @@ from project import Project, anchors
 from scratch import Scratch
 
 COMPILED = ("examples/", "tests/consumer/")
-FILE_NAME = re.compile(r"[\w./*-]+\.(?:cmake|cpp|hpp|json|js|md|mjs|py|sh|svg|txt)|[\w./-]+/")
+FILE_NAME = re.compile(r"[\w./*-]+\.(?:c|cmake|cpp|h|hpp|json|js|md|mjs|py|sh|svg|txt)|[\w./-]+/")
 OTHER_BLOCK = re.compile(r"(?<=\n\n)(?: {4}|\t)|<pre")
 REFERENCE = re.compile(r"\]\((?P<link>[^)]*)\)|`(?P<code>[^`]+)`")
 
@@ -64,7 +64,7 @@ class PageCheck:
 
     def check_block(self, block):
         """What a block shows."""
-        checks = {"cmake": self.check_cmake, "console": self.check_console, "cpp": self.check_cpp,
+        checks = {"c": self.check_cpp, "cmake": self.check_cmake, "console": self.check_console, "cpp": self.check_cpp,
                   "json": self.check_json, "python": self.check_python, "sh": self.check_sh, "text": self.check_text}
         if block.kind in checks:
             yield from checks[block.kind](block)
@@ -89,7 +89,7 @@ class PageCheck:
 
     def check_text(self, block):
         """Lines that an example prints."""
-        if f"{block.subject}.cpp" not in self.project.files:
+        if not {f"{block.subject}.cpp", f"{block.subject}.c"} & self.project.files:
             yield f"the block is to be printed by \"{block.subject}\", which is no example"
             return
         printed, status = self.scratch.run([self.project.build / block.subject])

@@ -13,12 +13,13 @@ from typing import Any, TypeVar, cast
 from . import _native
 from ._errors import InvalidArgument
 from ._model import (Alternatives, Dependency, Direction, Explanation, Finding, Hop, Metamodel,
-                     NamedVersion, Path, Progress, Severity, Step, VersionRange)
+                     NamedVersion, Path, Progress, Severity, VersionRange)
 
 Selection = Mapping[str, str]
-_MetamodelTuple = tuple[str, str, str | None, list[tuple[str, str, str | None]]]
+_RangeTuple = tuple[str, str | None]
+_MetamodelTuple = tuple[str, str, str | None, list[tuple[str, list[_RangeTuple]]]]
 _HopTuple = tuple[str, str, str, bool]
-_Row = TypeVar("_Row", Metamodel, Hop)
+_Row = TypeVar("_Row", Metamodel, Hop, Dependency, VersionRange)
 
 
 def _text(value: object, what: str) -> str:
@@ -49,12 +50,14 @@ def _choice(value: object, what: str, choices: tuple[str, ...]) -> str:
     return cast(str, value)
 
 
-def _selection(selection: Selection, what: str) -> list[tuple[str, str]]:
+def _selection(selection: Selection, what: str) -> dict[str, str]:
+    """As a plain dictionary; the library looks at what is in it."""
+    if type(selection) is dict:
+        return selection
     if not isinstance(selection, Mapping):
         raise TypeError(f"{what} must be a mapping of names to versions, "
                         f"not {type(selection).__name__}")
-    return [(_text(name, f"a name of {what}"), _text(version, f"{what}[{name!r}]"))
-            for name, version in selection.items()]
+    return dict(selection.items())
 
 
 def _rows(rows: Iterable[_Row], kind: type[_Row], what: str) -> list[_Row]:
@@ -75,16 +78,23 @@ def _metamodel_tuples(rows: Iterable[Metamodel], what: str) -> list[_MetamodelTu
 
 
 def _metamodel_tuple(row: Metamodel, what: str) -> _MetamodelTuple:
-    dependencies = []
-    for number, needed in enumerate(row.dependencies):
-        place = f"{what}.dependencies[{number}]"
-        if not isinstance(needed, Dependency):
-            raise TypeError(f"{place} must be a Dependency, not {type(needed).__name__}")
-        dependencies.append((_text(needed.name, f"{place}.name"),
-                             _text(needed.lower, f"{place}.lower"),
-                             _optional_text(needed.upper, f"{place}.upper")))
     return (_text(row.name, f"{what}.name"), _text(row.version, f"{what}.version"),
-            _optional_text(row.semver, f"{what}.semver"), dependencies)
+            _optional_text(row.semver, f"{what}.semver"),
+            [(_text(needed.name, f"{what}.dependencies[{number}].name"),
+              _range_tuples(needed, f"{what}.dependencies[{number}]"))
+             for number, needed in enumerate(_rows(row.dependencies, Dependency,
+                                                   f"{what}.dependencies"))])
+
+
+def _range_tuples(needed: Dependency, what: str) -> list[_RangeTuple]:
+    others = _rows(needed.others, VersionRange, f"{what}.others")
+    return [_range_tuple(needed, what),
+            *(_range_tuple(other, f"{what}.others[{number}]")
+              for number, other in enumerate(others))]
+
+
+def _range_tuple(bounds: Dependency | VersionRange, what: str) -> _RangeTuple:
+    return _text(bounds.lower, f"{what}.lower"), _optional_text(bounds.upper, f"{what}.upper")
 
 
 def _hop_tuples(rows: Iterable[Hop], what: str) -> list[_HopTuple]:
@@ -94,8 +104,13 @@ def _hop_tuples(rows: Iterable[Hop], what: str) -> list[_HopTuple]:
             for number, hop in enumerate(_rows(rows, Hop, what))]
 
 
+_NO_LIMITS = _native.Limits(None, None, None)
+
+
 def _limits(timeout: float | None, memory: int | None,
             progress: Callable[[Progress], object] | None) -> _native.Limits:
+    if timeout is None and memory is None and progress is None:
+        return _NO_LIMITS
     if timeout is not None:
         if isinstance(timeout, bool) or not isinstance(timeout, (int, float)):
             raise TypeError(f"timeout must be a number of seconds, not {type(timeout).__name__}")
@@ -135,12 +150,10 @@ class _Asked(abc.ABC):
 
         Raises UnknownVersion, CannotBeLinked, TimedOut, MemoryUsedUp, and what callbacks raise.
         """
-        picture = self._repository().find_path(
-            _selection(source, "source"), _selection(target, "target"),
-            _limits(timeout, memory, progress))
-        if picture is None:
-            return None
-        return Path(tuple(Step.of(step) for step in picture.steps()), picture)
+        found = self._repository().find_path(_selection(source, "source"),
+                                             _selection(target, "target"),
+                                             _limits(timeout, memory, progress))
+        return None if found is None else Path(found)
 
     def explain(self, source: Selection, target: Selection, *, budget: int = 400,
                 timeout: float | None = None, memory: int | None = None,
@@ -164,7 +177,7 @@ class _Asked(abc.ABC):
                                             _whole(limit, "limit"))
         return tuple(
             Alternatives(tuple(NamedVersion(*held) for held in sorted(baseline)),
-                         tuple((way, Step.of(step)) for way, steps in groups for step in steps))
+                         tuple((way, step) for way, steps in groups for step in steps))
             for baseline, groups in listings)
 
     def forget_paths(self) -> None:
@@ -214,9 +227,10 @@ class Repository(_Asked):
     __native: _native.Repository | None = None
 
     @abc.abstractmethod
-    def find_metamodels(self, name: str, range: VersionRange | None) -> Iterable[Metamodel]:
-        """The versions of a metamodel that lie in a range, in the preferred order; without a range,
-        all of them."""
+    def find_metamodels(self, name: str,
+                        ranges: tuple[VersionRange, ...] | None) -> Iterable[Metamodel]:
+        """The versions of a metamodel of which the version, or what it stands for, lies in any of
+        the ranges, in the preferred order; for None, all of them."""
 
     @abc.abstractmethod
     def find_hops(self, name: str, source: str | None) -> Iterable[Hop]:
@@ -234,6 +248,14 @@ class Repository(_Asked):
             self.__dict__.setdefault("_Repository__native", made)
         return cast(_native.Repository, self.__native)
 
+    def __getstate__(self) -> object:
+        """Without the library's own: a copy, or what is pickled, answers for itself."""
+        state = cast(Any, super()).__getstate__()
+        own, *slots = state if isinstance(state, tuple) else (state,)
+        if isinstance(own, dict):
+            own = {name: value for name, value in own.items() if name != "_Repository__native"}
+        return (own, *slots) if slots else own
+
 
 def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:
     """What the library calls. It keeps them, and so they must not keep the repository, which keeps
@@ -243,8 +265,8 @@ def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:
     def asked() -> Repository:
         return cast(Repository, reference())
 
-    def find_metamodels(name: str, lower: str | None, upper: str | None) -> list[_MetamodelTuple]:
-        wanted = None if lower is None else VersionRange(lower, upper)
+    def find_metamodels(name: str, ranges: list[_RangeTuple] | None) -> list[_MetamodelTuple]:
+        wanted = None if ranges is None else tuple(VersionRange(*bounds) for bounds in ranges)
         return _metamodel_tuples(asked().find_metamodels(name, wanted), "find_metamodels()")
 
     def find_hops(name: str, source: str | None) -> list[_HopTuple]:

@@ -16,8 +16,11 @@ Severity = Literal["error", "warning", "note"]
 
 _STAGES: tuple[Stage, ...] = ("preparing", "exhaustive", "goal-directed", "learning")
 
-#: As the library hands out a step: weight, hops, what is brought in.
-StepTuple = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
+
+def _keep_as_tuple(value: object, field: str) -> None:
+    """Values are hashable, and stay as they are, also where they were given a list."""
+    if isinstance(getattr(value, field), list):
+        object.__setattr__(value, field, tuple(getattr(value, field)))
 
 
 @dataclasses.dataclass(frozen=True, slots=True)
@@ -31,11 +34,15 @@ class VersionRange:
 
 @dataclasses.dataclass(frozen=True, slots=True)
 class Dependency:
-    """What a metamodel needs: another one, at a version of a range."""
+    """What a metamodel needs: another one, at a version of a range, or of any of several."""
 
     name: str
     lower: str
     upper: str | None = None
+    others: tuple[VersionRange, ...] = ()  #: further ranges
+
+    def __post_init__(self) -> None:
+        _keep_as_tuple(self, "others")
 
 
 @dataclasses.dataclass(frozen=True, slots=True)
@@ -46,6 +53,9 @@ class Metamodel:
     version: str
     dependencies: tuple[Dependency, ...] = ()
     semver: str | None = None  #: what a text version stands for among the semantic versions
+
+    def __post_init__(self) -> None:
+        _keep_as_tuple(self, "dependencies")
 
 
 @dataclasses.dataclass(frozen=True, slots=True)
@@ -83,34 +93,53 @@ class Step:
     hops: tuple[Hop, ...]
     brought_in: tuple[NamedVersion, ...] = ()
 
-    @classmethod
-    def of(cls, parts: StepTuple) -> Step:
-        """From what the library hands out."""
-        weight, hops, brought_in = parts
-        return cls(weight, tuple(Hop(*hop) for hop in hops),
-                   tuple(NamedVersion(*named) for named in brought_in))
-
     def to_dict(self) -> dict[str, Any]:
         """As the tool's JSON has it."""
         return {"weight": self.weight, "hops": [hop.to_dict() for hop in self.hops],
                 "broughtIn": [named.to_dict() for named in self.brought_in]}
 
 
-@dataclasses.dataclass(frozen=True, slots=True)
 class Path:
     """The steps from one selection to another, in the order of application. Without steps where
-    there is nothing to do; a path is true all the same."""
+    there is nothing to do; a path is true all the same. A value like the others, made by
+    `find_path` only."""
 
-    steps: tuple[Step, ...]
-    _picture: _native.Picture = dataclasses.field(repr=False, compare=False)
+    __slots__ = ("_native", "_steps")
+
+    def __init__(self, native: _native.Path) -> None:
+        if not isinstance(native, _native.Path):
+            raise TypeError("find_path makes paths")
+        self._native = native
+        self._steps: tuple[Step, ...] | None = None
+
+    @property
+    def steps(self) -> tuple[Step, ...]:
+        """Made when they are first looked at, which takes longer than many a question."""
+        if self._steps is None:
+            self._steps = self._native.steps()
+        return self._steps
 
     @property
     def weight(self) -> int:
         """Of all steps."""
-        return sum(step.weight for step in self.steps)
+        return self._native.weight
 
     def __iter__(self) -> Iterator[Step]:
         return iter(self.steps)
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Path):
+            return NotImplemented
+        return self.steps == other.steps
+
+    def __hash__(self) -> int:
+        return hash(self.steps)
+
+    def __repr__(self) -> str:
+        return f"Path(steps={self.steps!r})"
+
+    def __reduce__(self) -> tuple[object, ...]:
+        return Path, (self._native,)
 
     def to_dict(self) -> dict[str, Any]:
         """As `evopath path --json` prints it."""
@@ -119,7 +148,7 @@ class Path:
 
     def render(self, format: Literal["text", "json", "svg", "html", "dot", "mermaid"]) -> str:
         """As `evopath path --format` prints it."""
-        return self._picture.render(format)
+        return self._native.render(format)
 
     def __str__(self) -> str:
         return self.render("text").rstrip("\n")

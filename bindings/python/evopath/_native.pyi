@@ -2,17 +2,20 @@
 
 from collections.abc import Callable
 
+from ._model import Step
+
 version: str
 
 _Texts = list[tuple[str, str]]
-_Step = tuple[int, list[tuple[str, str, str, bool]], list[tuple[str, str]]]
-_Dependency = tuple[str, str, str | None]
-_Metamodel = tuple[str, str, str | None, list[_Dependency]]
+_Range = tuple[str, str | None]
+_Metamodel = tuple[str, str, str | None, list[tuple[str, list[_Range]]]]
 _Hop = tuple[str, str, str, bool]
 
-class Picture:
+class Path:
+    @property
+    def weight(self) -> int: ...
+    def steps(self) -> tuple[Step, ...]: ...
     def render(self, format: str) -> str: ...
-    def steps(self) -> list[_Step]: ...
 
 class Limits:
     def __init__(
@@ -23,20 +26,22 @@ class Limits:
     ) -> None: ...
 
 class Repository:
-    def find_path(self, source: _Texts, target: _Texts, limits: Limits) -> Picture | None: ...
+    def find_path(
+        self, source: dict[str, str], target: dict[str, str], limits: Limits
+    ) -> Path | None: ...
     def explain(
-        self, source: _Texts, target: _Texts, budget: int, limits: Limits
+        self, source: dict[str, str], target: dict[str, str], budget: int, limits: Limits
     ) -> tuple[str, str]: ...
     def steps(
-        self, at: _Texts, direction: str, limit: int
-    ) -> list[tuple[_Texts, list[tuple[str, list[_Step]]]]]: ...
+        self, at: dict[str, str], direction: str, limit: int
+    ) -> list[tuple[_Texts, list[tuple[str, tuple[Step, ...]]]]]: ...
     def question(self) -> tuple[_Texts, _Texts] | None: ...
     def forget_paths(self) -> None: ...
 
 def load(file: str) -> Repository: ...
 def from_rows(metamodels: list[_Metamodel], hops: list[_Hop]) -> Repository: ...
 def from_functions(
-    find_metamodels: Callable[[str, str | None, str | None], list[_Metamodel]],
+    find_metamodels: Callable[[str, list[_Range] | None], list[_Metamodel]],
     find_hops: Callable[[str, str | None], list[_Hop]],
     list_names: Callable[[], list[str]],
 ) -> Repository: ...

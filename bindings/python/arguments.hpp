@@ -1,0 +1,51 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "catalogue/catalogue.hpp"
+#include "pathfinder/search_limits.hpp"
+
+/// What Python code hands in. Everything here throws std::invalid_argument, which names the
+/// argument, for what cannot be, and TypeError for what is of another type.
+namespace tarn::evolution::catalogue::python {
+
+namespace py = pybind11;
+
+// Rows as the package's Python code writes them: versions are texts, and None where there is
+// nothing. A range without an upper bound is one version.
+using OptionalText = std::optional<std::string>;
+using RangeTuple = std::tuple<std::string, OptionalText>;
+using DependencyTuple = std::tuple<std::string, std::vector<RangeTuple>>;
+using MetamodelTuple =
+    std::tuple<std::string, std::string, OptionalText, std::vector<DependencyTuple>>;
+using HopTuple = std::tuple<std::string, std::string, std::string, bool>;
+
+std::vector<CatalogueMetamodel> readMetamodels(const std::vector<MetamodelTuple>& tuples,
+                                               const char* list);
+std::vector<pathfinder::Hop> readHops(const std::vector<HopTuple>& tuples, const char* list);
+std::vector<std::u16string> readNames(const std::vector<std::string>& names, const char* list);
+
+/// A text that the package's Python code has not looked at.
+std::string readText(const py::handle& value, const char* argument);
+
+/// Versions by name. Any dictionary will do, whatever its keys and values.
+Selection readSelection(const py::dict& selection, const char* argument);
+
+/// Limits as Python code gives them.
+struct LimitOptions {
+  std::optional<double> timeout;  ///< seconds
+  std::optional<std::uint64_t> memory;
+  py::object progress;  ///< called with stage, least proven and least found; or None
+
+  /// From now on. Refers to `*this`.
+  pathfinder::SearchLimits read() const;
+};
+
+}  // namespace tarn::evolution::catalogue::python

@@ -1,0 +1,170 @@
+#include "path.hpp"
+
+#include <pybind11/stl.h>
+
+#include <concepts>
+#include <initializer_list>
+#include <sstream>
+#include <stdexcept>
+#include <tuple>
+
+#include "arguments.hpp"
+#include "catalogue/picture/path_dot.hpp"
+#include "catalogue/picture/path_html.hpp"
+#include "catalogue/picture/path_json.hpp"
+#include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_svg.hpp"
+#include "catalogue/picture/path_text.hpp"
+#include "pathfinder/version_repository.hpp"
+
+namespace tarn::evolution::catalogue::python {
+
+using MoveKind = PathPicture::MoveKind;
+
+namespace {
+
+// A picture as tuples.
+using LaneTuple = std::tuple<std::string, std::string, bool>;
+using MoveTuple = std::tuple<std::size_t, std::string, std::string, int>;
+using StepTuple = std::tuple<std::uint64_t, std::vector<MoveTuple>>;
+
+void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
+  if (format == "text") {
+    return [](const PathPicture& picture, std::ostream& out) {
+      writePathText(picture, Colouring::Plain, out);
+    };
+  }
+  if (format == "json") return writePathJson;
+  if (format == "svg") return writePathSvg;
+  if (format == "html") return writePathHtml;
+  if (format == "dot") return writePathDot;
+  if (format == "mermaid") return writePathMermaid;
+  throw std::invalid_argument("format: \"" + format + "\" is none");
+}
+
+/// Makes values of a class of the package. They are set as `object.__setattr__` does, since they
+/// refuse to be set otherwise; their own constructors do the same and take five times as long.
+class ValueMaker {
+ public:
+  ValueMaker(const char* type, std::initializer_list<const char*> fields)
+      : type_(py::module_::import("evopath._model").attr(type)) {
+    for (const char* field : fields) fields_.emplace_back(field);
+  }
+
+  /// A value for each field.
+  template <class... Values>
+  py::object operator()(const Values&... values) const {
+    auto* const type = reinterpret_cast<PyTypeObject*>(type_.ptr());
+    const auto made = py::reinterpret_steal<py::object>(type->tp_alloc(type, 0));
+    if (!made) throw py::error_already_set();
+    auto field = fields_.begin();
+    (set(made, *field++, objectOf(values)), ...);
+    return made;
+  }
+
+ private:
+  static const py::object& objectOf(const py::object& value) { return value; }
+
+  template <class Value>
+  static py::object objectOf(const Value& value) requires(!std::derived_from<Value, py::object>) {
+    return py::cast(value);
+  }
+
+  static void set(const py::object& made, const py::str& field, const py::object& value) {
+    if (PyObject_GenericSetAttr(made.ptr(), field.ptr(), value.ptr()) != 0) {
+      throw py::error_already_set();
+    }
+  }
+
+  py::object type_;
+  std::vector<py::str> fields_;
+};
+
+PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
+  const auto& [lane, from, to, kind] = tuple;
+  if (lane >= lanes || kind < 0 || kind > static_cast<int>(MoveKind::Entering)) {
+    throw std::invalid_argument("the state is none of a path");
+  }
+  return {lane, from, to, static_cast<MoveKind>(kind)};
+}
+
+}  // namespace
+
+Path::Path(const pathfinder::VersionRepository& repository,
+           std::vector<pathfinder::BaselineHop> steps)
+    : weight_(0) {
+  std::vector<std::uint64_t> weights;
+  for (const auto& step : steps) weight_ += weights.emplace_back(repository.getWeight(step.hops));
+  content_ = Undrawn{std::move(steps), std::move(weights)};
+}
+
+Path::Path(PathPicture picture) : weight_(picture.weight), content_(std::move(picture)) {}
+
+const PathPicture& Path::picture() {
+  if (const auto* undrawn = std::get_if<Undrawn>(&content_)) {
+    auto weight = undrawn->weights.begin();
+    const auto next = [&](const pathfinder::LockstepHop&) { return *weight++; };  // in their order
+    content_ = drawPath(next, undrawn->steps);
+  }
+  return std::get<PathPicture>(content_);
+}
+
+std::string Path::render(const py::object& format) {
+  const auto write = writerOf(readText(format, "format"));
+  std::ostringstream out;
+  write(picture(), out);
+  return std::move(out).str();
+}
+
+py::tuple Path::stepsOf(const PathPicture& picture) {
+  const ValueMaker makeHop("Hop", {"name", "source", "target", "expensive"});
+  const ValueMaker makeNamedVersion("NamedVersion", {"name", "version"});
+  const ValueMaker makeStep("Step", {"weight", "hops", "brought_in"});
+  std::vector<py::str> names;
+  for (const PathPicture::Lane& lane : picture.lanes) names.emplace_back(lane.name);
+  py::list steps;
+  for (const PathPicture::Step& step : picture.steps) {
+    py::list hops;
+    py::list broughtIn;
+    for (const auto& [lane, from, to, kind] : step.moves) {
+      if (kind == MoveKind::Entering) {
+        broughtIn.append(makeNamedVersion(names[lane], to));
+      } else {
+        hops.append(makeHop(names[lane], from, to, kind == MoveKind::Expensive));
+      }
+    }
+    steps.append(makeStep(step.weight, py::tuple(hops), py::tuple(broughtIn)));
+  }
+  return py::tuple(steps);
+}
+
+py::tuple Path::state() {
+  std::vector<LaneTuple> lanes;
+  for (const auto& [name, start, isMoved] : picture().lanes) {
+    lanes.emplace_back(name, start, isMoved);
+  }
+  std::vector<StepTuple> steps;
+  for (const auto& [moves, weight] : picture().steps) {
+    std::vector<MoveTuple> tuples;
+    for (const auto& [lane, from, to, kind] : moves) {
+      tuples.emplace_back(lane, from, to, static_cast<int>(kind));
+    }
+    steps.emplace_back(weight, std::move(tuples));
+  }
+  return py::make_tuple(lanes, steps);
+}
+
+Path Path::ofState(const py::tuple& state) {
+  const auto [lanes, steps] =
+      state.cast<std::pair<std::vector<LaneTuple>, std::vector<StepTuple>>>();
+  PathPicture picture;
+  for (const auto& [name, start, isMoved] : lanes) picture.lanes.push_back({name, start, isMoved});
+  for (const auto& [weight, moves] : steps) {
+    PathPicture::Step& step = picture.steps.emplace_back(PathPicture::Step{{}, weight});
+    for (const MoveTuple& move : moves) step.moves.push_back(readMove(move, lanes.size()));
+    picture.weight += weight;
+  }
+  return Path(std::move(picture));
+}
+
+}  // namespace tarn::evolution::catalogue::python

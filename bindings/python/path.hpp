@@ -1,0 +1,49 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "catalogue/picture/path_picture.hpp"
+
+namespace tarn::evolution::catalogue::python {
+
+namespace py = pybind11;
+
+/// The path of an answer. Drawn when somebody wants to see more of it than what it weighs, for
+/// that takes as long as a question that is easy. Requires the global lock.
+class Path {
+ public:
+  Path(const pathfinder::VersionRepository& repository, std::vector<pathfinder::BaselineHop> steps);
+  explicit Path(PathPicture picture);
+
+  std::uint64_t weight() const { return weight_; }
+
+  /// The package's Step of each.
+  py::tuple steps() { return stepsOf(picture()); }
+
+  /// Throws std::invalid_argument for a format that is none.
+  std::string render(const py::object& format);
+
+  /// To be written to a file or sent to another process, and made again from.
+  py::tuple state();
+  static Path ofState(const py::tuple& state);
+
+  static py::tuple stepsOf(const PathPicture& picture);
+
+ private:
+  struct Undrawn {
+    std::vector<pathfinder::BaselineHop> steps;
+    std::vector<std::uint64_t> weights;
+  };
+
+  const PathPicture& picture();
+
+  std::uint64_t weight_;
+  std::variant<Undrawn, PathPicture> content_;
+};
+
+}  // namespace tarn::evolution::catalogue::python
