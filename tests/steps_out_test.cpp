@@ -9,6 +9,7 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/explanation/loose_ends.hpp"
 #include "catalogue/model/conflicting_dependencies.hpp"
+#include "catalogue/utf16.hpp"
 #include "platform/text.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
@@ -169,6 +170,28 @@ TEST(LooseEnds, NameWhatIsOpenAndArePinned) {
             selection("A1 B1 C1"));
   EXPECT_EQ(completeSelection(*repository, selection("F1 B2"), VersionPreference::Newest),
             std::nullopt);
+}
+
+TEST(LooseEnds, FollowLongChains) {
+  CatalogueContent content;
+  constexpr int length = 20'000;
+  for (int i = 0; i < length; ++i) {
+    const auto nameOf = [](int number) { return toUtf16("N" + std::to_string(number)); };
+    for (const std::uint64_t version : {1U, 2U}) {
+      std::vector<Dependency> dependencies;
+      if (i + 1 < length) dependencies.emplace_back(nameOf(i + 1), between(1, version + 1));
+      content.metamodels.push_back({Metamodel(nameOf(i), v(version), dependencies), std::nullopt});
+    }
+  }
+  CatalogueRepository repository{Catalogue(content)};
+  const Selection first{{u"N0", v(2)}};
+  const LooseEnds ends = findLooseEnds(repository, first, 10);
+  EXPECT_FALSE(ends.isCounted);
+  EXPECT_EQ(ends.names.size(), length - 1);
+  const auto newest = completeSelection(repository, first, VersionPreference::Newest);
+  ASSERT_TRUE(newest.has_value());
+  EXPECT_EQ(newest->at(u"N19999"), VersionId(v(2)));
+  EXPECT_EQ(findLooseEnds(repository, {{u"N0", v(1)}}, 10).baselines, 1);
 }
 
 }  // namespace

@@ -110,68 +110,96 @@ class Completion {
 
   /// Whether all was tried that is not excluded, rather than ended by `use` or for its length.
   bool run(const std::map<std::u16string, Metamodel>& selected, const Use& use) {
-    use_ = &use;
     for (const auto& [name, metamodel] : selected) {
       const std::size_t place = domains_.of(name).places.at(metamodel.version);
-      if (!fitsChosen(name, place)) return true;
-      chosen_.emplace(name, place);
+      if (!fits(name, place)) return true;
+      choose(name, place);
     }
-    return complete();
+    return complete(use);
   }
 
   bool isTooLong() const { return tries_ > mostTries; }
 
  private:
+  /// A name that is needed, and how many of its versions have been tried.
+  struct Attempt {
+    std::u16string name;
+    std::size_t tried = 0;
+  };
+
   const Metamodel& at(const std::u16string& name, std::size_t place) {
     return domains_.of(name).versions[place];
   }
 
   /// Whether a version and what is chosen admit one another.
-  bool fitsChosen(const std::u16string& name, std::size_t place) {
-    bool fits = true;
+  bool fits(const std::u16string& name, std::size_t place) {
+    const auto& needs = needs_[name];
+    bool fits = std::all_of(needs.begin(), needs.end(), [&](const Dependency* need) {
+      return domains_.admittedBy(*need)[place];
+    });
     forEachDependency(at(name, place), [&](const Dependency& dependency) {
       const auto other = chosen_.find(dependency.name);
       if (other != chosen_.end()) fits = fits && domains_.admittedBy(dependency)[other->second];
     });
-    for (const auto& [otherName, otherPlace] : chosen_) {
-      forEachDependency(at(otherName, otherPlace), [&](const Dependency& dependency) {
-        if (dependency.name == name) fits = fits && domains_.admittedBy(dependency)[place];
-      });
-    }
     return fits;
   }
 
-  std::optional<std::u16string> firstNeeded() {
-    std::optional<std::u16string> first;
-    for (const auto& [name, place] : chosen_) {
-      forEachDependency(at(name, place), [&](const Dependency& dependency) {
-        if (chosen_.contains(dependency.name)) return;
-        if (!first || dependency.name < *first) first = dependency.name;
-      });
-    }
-    return first;
+  void choose(const std::u16string& name, std::size_t place) {
+    chosen_.emplace(name, place);
+    open_.erase(name);
+    forEachDependency(at(name, place), [&](const Dependency& dependency) {
+      needs_[dependency.name].push_back(&dependency);
+      if (!chosen_.contains(dependency.name)) open_.insert(dependency.name);
+    });
   }
 
-  bool complete() {
-    const auto name = firstNeeded();
-    if (!name) return (*use_)(chosen_);
-    const std::size_t count = domains_.of(*name).versions.size();
-    for (std::size_t i = 0; i < count; ++i) {
-      if (++tries_ > mostTries) return false;
-      const std::size_t place = preference_ == VersionPreference::Oldest ? i : count - 1 - i;
-      if (!fitsChosen(*name, place)) continue;
-      chosen_.emplace(*name, place);
-      const bool goesOn = complete();
-      chosen_.erase(*name);
-      if (!goesOn) return false;
+  /// Takes back the choice that was made last.
+  void takeBack(const std::u16string& name) {
+    forEachDependency(at(name, chosen_.at(name)), [&](const Dependency& dependency) {
+      auto& needs = needs_[dependency.name];
+      needs.pop_back();
+      if (needs.empty()) open_.erase(dependency.name);
+    });
+    chosen_.erase(name);
+    open_.insert(name);
+  }
+
+  bool complete(const Use& use) {
+    if (open_.empty()) return use(chosen_);
+    std::vector<Attempt> attempts{{*open_.begin()}};
+    while (!attempts.empty()) {
+      if (chosen_.contains(attempts.back().name)) takeBack(attempts.back().name);
+      if (!chooseNext(attempts.back())) {
+        if (isTooLong()) return false;
+        attempts.pop_back();
+      } else if (!open_.empty()) {
+        attempts.push_back({*open_.begin()});
+      } else if (!use(chosen_)) {
+        return false;
+      }
     }
     return true;
   }
 
+  /// Chooses the next version that fits; whether there is one.
+  bool chooseNext(Attempt& attempt) {
+    const std::size_t count = domains_.of(attempt.name).versions.size();
+    while (attempt.tried < count && ++tries_ <= mostTries) {
+      const std::size_t number = attempt.tried++;
+      const std::size_t place =
+          preference_ == VersionPreference::Oldest ? number : count - 1 - number;
+      if (!fits(attempt.name, place)) continue;
+      choose(attempt.name, place);
+      return true;
+    }
+    return false;
+  }
+
   Domains& domains_;
   const VersionPreference preference_;
-  const Use* use_ = nullptr;
   Chosen chosen_;
+  std::map<std::u16string, std::vector<const Dependency*>> needs_;  // of what is chosen, by name
+  std::set<std::u16string> open_;                                   // needed, and not chosen
   std::size_t tries_ = 0;
 };
 
@@ -181,7 +209,7 @@ class Choices {
   explicit Choices(Domains& domains) : domains_(domains) {}
 
   std::vector<NamedVersions> open(const std::map<std::u16string, Metamodel>& selected) {
-    for (const auto& [name, metamodel] : selected) settle(metamodel);
+    settle(selected);
     spread();
     std::vector<NamedVersions> result;
     for (const auto& [name, admitted] : admitted_) {
@@ -199,20 +227,33 @@ class Choices {
   }
 
  private:
-  /// A version that stands in every choice narrows down what it needs.
-  void settle(const Metamodel& metamodel) {
-    if (!settled_.insert(metamodel.name).second) return;
-    forEachDependency(metamodel, [&](const Dependency& dependency) {
-      const Admitted& admits = domains_.admittedBy(dependency);
-      const auto [found, isNew] = admitted_.try_emplace(dependency.name, admits);
-      for (std::size_t i = 0; i < admits.size(); ++i) {
-        found->second[i] = found->second[i] && admits[i];
-      }
-      if (std::count(found->second.begin(), found->second.end(), true) != 1) return;
-      const auto only = std::find(found->second.begin(), found->second.end(), true);
-      settle(domains_.of(dependency.name)
-                 .versions[static_cast<std::size_t>(only - found->second.begin())]);
-    });
+  /// A version that stands in every choice narrows down what it needs; where that leaves one
+  /// version, it stands in every choice as well.
+  void settle(const std::map<std::u16string, Metamodel>& selected) {
+    std::vector<const Metamodel*> waiting;
+    for (const auto& [name, metamodel] : selected) {
+      settled_.insert(name);
+      waiting.push_back(&metamodel);
+    }
+    while (!waiting.empty()) {
+      const Metamodel& metamodel = *waiting.back();
+      waiting.pop_back();
+      forEachDependency(metamodel, [&](const Dependency& dependency) {
+        if (const Metamodel* only = narrow(dependency)) waiting.push_back(only);
+      });
+    }
+  }
+
+  /// The only version left, if it has just become that.
+  const Metamodel* narrow(const Dependency& dependency) {
+    const Admitted& admits = domains_.admittedBy(dependency);
+    Admitted& left = admitted_.try_emplace(dependency.name, admits).first->second;
+    for (std::size_t i = 0; i < admits.size(); ++i) left[i] = left[i] && admits[i];
+    const auto only = std::find(left.begin(), left.end(), true);
+    if (std::count(only, left.end(), true) != 1) return nullptr;
+    if (!settled_.insert(dependency.name).second) return nullptr;
+    const auto place = static_cast<std::size_t>(only - left.begin());
+    return &domains_.of(dependency.name).versions[place];
   }
 
   /// Names that only some choices need may be at whatever one of these admits.
