@@ -1,11 +1,15 @@
 #include "catalogue/selection_file.hpp"
 
 #include <istream>
+#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
+#include <variant>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/json_catalogue.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/json_file.hpp"
@@ -58,13 +62,32 @@ std::optional<Selection> readPlainSelection(std::istream& in) {
   return SelectionReader().read(in);
 }
 
-}  // namespace
+/// A selection, or else the question of a catalogue.
+using SelectionContent = std::variant<Selection, std::optional<Question>>;
 
-Selection readSelectionFile(const std::filesystem::path& file, QuestionSide side) {
+/// Of a text that cannot be read again.
+SelectionContent readOnce(std::istream& in) {
+  std::istringstream text(std::string(std::istreambuf_iterator<char>(in), {}));
+  if (auto selection = readPlainSelection(text)) return *std::move(selection);
+  text.clear();
+  text.seekg(0);
+  return readJsonCatalogue(text).question();
+}
+
+SelectionContent readContent(const std::filesystem::path& file) {
+  if (isReadOnce(file)) return readJsonFile(file, readOnce);
   if (!isDatabase(file)) {
     if (auto selection = readJsonFile(file, readPlainSelection)) return *std::move(selection);
   }
-  const auto question = openCatalogue(file)->getQuestion();
+  return openCatalogue(file)->getQuestion();
+}
+
+}  // namespace
+
+Selection readSelectionFile(const std::filesystem::path& file, QuestionSide side) {
+  SelectionContent content = readContent(file);
+  if (auto* selection = std::get_if<Selection>(&content)) return std::move(*selection);
+  auto& question = std::get<std::optional<Question>>(content);
   if (!question) failFor(file, "the catalogue has no question");
   return side == QuestionSide::From ? question->from : question->to;
 }

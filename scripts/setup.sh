@@ -21,7 +21,7 @@ packages=(
   libxml2-utils                                    # tests: xmllint
   groff-base fish zsh                              # tests: manual page and completions
   git                                              # checks: which files are the repository's
-  python3                                          # tests, and the benchmarks' harness
+  python3 python3-jsonschema python3-yaml parallel # tests, and the benchmarks' harness
   gringo                                           # benchmarks: clingo to compare with
 )
 exec "$(dirname "$0")/install_packages.sh" "${packages[@]}"

@@ -182,7 +182,8 @@ TEST_F(EvopathExplain, AnswersProgramsInJson) {
   const std::string p1 = R"({"name":"P","version":"1.0.0"})";
   EXPECT_EQ(
       output,
-      R"({"found":false,"reason":"DandPblockoneanother.","explanation":{"kind":"never-together",)"
+      R"({"form":1,"found":false,"question":{"from":{"D":"1.0.0","P":"1.0.0"},"to":{"D":"2.0.0"}},)"
+      R"("reason":"DandPblockoneanother.","explanation":{"kind":"never-together",)"
       R"("names":["D","P"],"minimal":true,"stuckAt":[)" +
           d1 + "," + p1 +
           R"(,{"name":"S","version":"1.0.0"}],"blocked":[{"hop":{"name":"D","from":"1.0.0",)"

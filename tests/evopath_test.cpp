@@ -29,6 +29,9 @@ TEST_F(Evopath, PrintsStepsMovesAndWeights) {
   const auto [status, output] = run("path small.json --from A=1.0.0,B=1.0.0 --to B=2.0.0 2>&1");
   EXPECT_EQ(status, 0);
   EXPECT_EQ(output,
+            "Start\n"
+            "  A  1.0.0\n"
+            "  B  1.0.0\n"
             "Step 1, weight 1000000002\n"
             "  A  1.0.0 -> 2.0.0\n"
             "  B  1.0.0 -> 2.0.0  expensive\n"
@@ -40,19 +43,29 @@ TEST_F(Evopath, PrintsJsonForPrograms) {
   auto [status, output] = run("path --json small.json --from A=1.0.0 --from B=1.0 --to B=2.0.0");
   EXPECT_EQ(status, 0);
   std::erase_if(output, [](char character) { return character == ' ' || character == '\n'; });
-  EXPECT_EQ(output, R"({"found":true,"weight":1000000002,"steps":[{"weight":1000000002,"hops":[)"
+  EXPECT_EQ(output, R"({"form":1,"found":true,"question":{"from":{"A":"1.0.0","B":"1.0.0"},)"
+                    R"("to":{"B":"2.0.0"}},"weight":1000000002,"start":{"A":"1.0.0","B":"1.0.0"},)"
+                    R"("end":{"A":"2.0.0","B":"2.0.0","C":"spring"},)"
+                    R"("steps":[{"weight":1000000002,"hops":[)"
                     R"({"name":"A","from":"1.0.0","to":"2.0.0","expensive":false},)"
                     R"({"name":"B","from":"1.0.0","to":"2.0.0","expensive":true}],)"
-                    R"("broughtIn":[{"name":"C","version":"spring"}]}]})");
+                    R"("broughtIn":[{"name":"C","version":"spring"}],"ties":[)"
+                    R"({"mover":"A","companion":"B","dependent":{"name":"B","version":"1.0.0"},)"
+                    R"("needs":{"name":"A","range":"1.0.0"},"refused":"2.0.0"},)"
+                    R"({"mover":"B","companion":"A","dependent":{"name":"B","version":"2.0.0"},)"
+                    R"("needs":{"name":"A","range":"2.0.0"},"refused":"1.0.0"},)"
+                    R"({"mover":"B","companion":"C","dependent":{"name":"B","version":"2.0.0"},)"
+                    R"("needs":{"name":"C","range":"spring"},"refused":null}],)"
+                    R"("bundles":[["A","B","C"]]}]})");
 }
 
 TEST_F(Evopath, ShowsItsReasoningOnStandardError) {
   const std::string question = "path small.json --trace --from A=1.0.0 --to A=2.0.0";
   EXPECT_EQ(run(question + " 2>/dev/null").second,
-            "Step 1, weight 2\n  A  1.0.0 -> 2.0.0\n1 step, weight 2\n");
+            "Start\n  A  1.0.0\nStep 1, weight 2\n  A  1.0.0 -> 2.0.0\n1 step, weight 2\n");
   const std::string reasoning = run(question + " 2>&1 >/dev/null").second;
-  for (const char* record :
-       {"[4] Attempting Lockstep {Hop {A@1.0.0->2.0.0}}", "[8] Emplace Path to cache:"}) {
+  for (const char* record : {"[4] Attempting Lockstep {Hop {A@1.0.0->2.0.0}}",
+                             "[4]   Hop produced 1 candidates:", "[8] Emplace Path to cache:"}) {
     EXPECT_NE(reasoning.find(std::string("tarn::evolution::pathfinder ") + record + "\n"),
               std::string::npos)
         << reasoning;
@@ -114,7 +127,14 @@ TEST_F(Evopath, SaysWhatIsWrong) {
       {"path small.json --question", 2, "small.json: the catalogue has no question"},
       {"path missing.json --question", 2, "missing.json: cannot be opened: No such file"},
       {"path broken.json --question", 2, "broken.json: not JSON: parse error at line 2, column 16"},
-      {"", 2, "A command is required"},
+      {"", 0, "Subcommands:"},
+      {"explain small.json --from A=1.0 --to A=2.0 --budget -1", 2,
+       "--budget -1: must be a whole number"},
+      {"path small.json --from A=1.0 --to A=2.0 --format script", 2, "--template"},
+      {"path small.json --from A=1.0 --to A=2.0 --format script --template 'go {when}'", 2,
+       "{when} is none of"},
+      {"path small.json --from A=1.0 --to A=2.0 --format script --template 'go } {to}'", 2,
+       "a single brace"},
       {"path --help", 0, "Example: evopath path"},
   };
   for (const auto& [arguments, status, message] : cases) {

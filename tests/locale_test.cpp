@@ -46,7 +46,7 @@ std::string writeAll(CatalogueContent content) {
     const Explanation explanation = explain(repository, asked);
     writeExplanationText(explanation, weightsOf(repository), out);
     writeExplanationJson(explanation, weightsOf(repository), out);
-    writeNoPathJson(explanation, weightsOf(repository), out);
+    writeNoPathJson({}, explanation, weightsOf(repository), out);
   }
   return out.str();
 }

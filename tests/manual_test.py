@@ -24,7 +24,7 @@ COMPLETIONS = [
     ("evopath path da", ["data"]),
     ("evopath path data/op", ["data/operators.json"]),
     ("evopath path data/operators.json --fo", ["--format"]),
-    ("evopath path --format ", ["dot", "html", "json", "mermaid", "svg", "text"]),
+    ("evopath path --format ", ["dot", "html", "json", "mermaid", "script", "svg", "text"]),
     ("evopath steps x.json --direction ba", ["backward"]),
     ("evopath path --from a=1 data/op", ["data/operators.json"]),
     ("evopath path x.json --from @data/op", ["@data/operators.json"]),
@@ -35,6 +35,15 @@ COMPLETIONS = [
     ("evopath import --from o", ["operators"]),
     ("evopath import --from npm a.json data/op", ["data/operators.json"]),
     ("evopath show x.json d", []),
+    ("evopath show data/operators.json dns", ["dns-operator"]),
+    ("evopath show data/operators.json dns-operator=0.1", ["dns-operator=0.1.0"]),
+    ("evopath graph data/operators.json --format svg kuadrant", ["kuadrant-operator"]),
+    ("evopath check data/operators.json --name limit", ["limitador-operator"]),
+    ("evopath path data/operators.json --from dns", ["dns-operator="]),
+    ("evopath path data/operators.json --from dns-operator=0.6", ["dns-operator=0.6.0"]),
+    ("evopath path data/operators.json --to=@x,dns-operator=0.6", ["--to=@x,dns-operator=0.6.0"]),
+    ("evopath steps data/operators.json --at dns-operator=0.6.0,kua",
+     ["dns-operator=0.6.0,kuadrant-operator="]),
     ("evopath path x.json --output da", ["data"]),
 ]
 
@@ -62,7 +71,7 @@ class Manual(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.folder = pathlib.Path(scratch.name)
         (self.folder / "data").mkdir()
-        for file in DATA.glob("*.json"):
+        for file in DATA.glob("*.json*"):
             (self.folder / "data" / file.name).symlink_to(file)
 
     def offered_by(self, shell, script):

@@ -195,7 +195,8 @@ TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
       write("work.json", "old");
       write("path.json", "old");
       const auto before = files();
-      const bool hit = runAndSignal(command, SIGINT, latest * random.below(1'000) / 1'000);
+      const int ending = random.chance(50) ? SIGINT : SIGTERM;
+      const bool hit = runAndSignal(command, ending, latest * random.below(1'000) / 1'000);
       if (hit) ++interrupted;
       latest = hit ? latest * 5 / 4 : latest * 2 / 3;
       EXPECT_EQ(files(), before) << command;

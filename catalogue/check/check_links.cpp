@@ -57,7 +57,9 @@ void checkCycles(const DraftIndex& index, const DependencyComponents& components
     const std::vector<Slot> cycle = components.cycleThrough(first);
     const std::size_t others = members.size() - cycle.size();
     std::string message = dependencyCycle(described(index, cycle));
-    if (others > 0) message += ", and others with " + std::to_string(others) + " more versions";
+    if (others > 0)
+      message += ", and others with " + std::to_string(others) +
+                 (others == 1 ? " more version" : " more versions");
     Place place = index.placeOf(first);
     place.text = index.draft().placeOf(index.row(first), "dependencies").text;
     std::vector<Place> related;

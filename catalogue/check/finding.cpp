@@ -1,7 +1,7 @@
 #include "catalogue/check/finding.hpp"
 
 #include <algorithm>
-#include <iterator>
+#include <span>
 #include <stdexcept>
 
 namespace tarn::evolution::catalogue {
@@ -15,20 +15,21 @@ struct CodeEntry {
   const char* title;
 };
 
-const CodeEntry& entryOf(FindingCode code) {
+std::span<const CodeEntry> codeTable() {
   using enum FindingCode;
   using enum Severity;
-  static constexpr CodeEntry codeTable[] = {
+  static constexpr CodeEntry entries[] = {
       {NotJson, Error, "not-json", "the file is not JSON"},
       {DamagedStore, Error, "damaged-store", "the store is damaged"},
       {WrongType, Error, "wrong-type", "values of a wrong type"},
       {MissingField, Error, "missing-field", "fields that are missing"},
       {UnknownField, Error, "unknown-field", "fields without meaning"},
       {DuplicateField, Error, "duplicate-field", "fields that stand twice"},
-      {BadName, Error, "bad-name", "names that are none"},
-      {BadVersion, Error, "bad-version", "versions that are none"},
-      {BadRange, Error, "bad-range", "ranges that are none"},
-      {BadEquivalent, Error, "bad-equivalent", "equivalents that are none"},
+      {BadName, Error, "bad-name", "names that are empty or hold U+0000"},
+      {BadVersion, Error, "bad-version", "versions that cannot be read as one"},
+      {BadRange, Error, "bad-range", "ranges that cannot be read as one"},
+      {BadEquivalent, Error, "bad-equivalent",
+       "equivalents that are no semantic version, or of one"},
       {OrphanRow, Error, "orphan-row", "rows that belong to no other"},
       {DuplicateVersion, Error, "duplicate-version", "versions that stand twice"},
       {DuplicateEquivalent, Error, "duplicate-equivalent", "equivalents of two text versions"},
@@ -71,9 +72,14 @@ const CodeEntry& entryOf(FindingCode code) {
       {UndecidedLinks, Note, "undecided-links",
        "versions of which it is not decided whether they can be linked"},
   };
-  const auto* found = std::find_if(std::begin(codeTable), std::end(codeTable),
-                                   [&](const CodeEntry& entry) { return entry.code == code; });
-  if (found == std::end(codeTable)) throw std::invalid_argument("no such finding code");
+  return entries;
+}
+
+const CodeEntry& entryOf(FindingCode code) {
+  const auto entries = codeTable();
+  const auto found = std::find_if(entries.begin(), entries.end(),
+                                  [&](const CodeEntry& entry) { return entry.code == code; });
+  if (found == entries.end()) throw std::invalid_argument("no such finding code");
   return *found;
 }
 
@@ -81,6 +87,12 @@ const CodeEntry& entryOf(FindingCode code) {
 
 std::string identifierOf(FindingCode code) {
   return entryOf(code).identifier;
+}
+
+std::vector<FindingCode> allFindingCodes() {
+  std::vector<FindingCode> codes;
+  for (const CodeEntry& entry : codeTable()) codes.push_back(entry.code);
+  return codes;
 }
 
 Severity severityOf(FindingCode code) {

@@ -77,10 +77,17 @@ struct Finding {
   Place place;
   std::string message;         ///< one sentence without its full stop, naming what it is about
   std::vector<Place> related;  ///< other places that take part, in the order of the message
+
+  /// The metamodels whose versions, hops or selection these places are, ascending. Filled in by
+  /// `check`.
+  std::vector<std::u16string> names = {};
 };
 
 /// The stable identifier, such as "dependency-cycle".
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string identifierOf(FindingCode code);
+
+/// Every code, errors first, then warnings and notes.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<FindingCode> allFindingCodes();
 
 TARN_EVOLUTION_CATALOGUE_EXPORT Severity severityOf(FindingCode code);
 

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -18,6 +22,54 @@ std::vector<std::string> textsOf(const std::vector<Slot>& slots, const Describe&
   return texts;
 }
 
+/// Whose each place is.
+class PlaceOwners {
+ public:
+  explicit PlaceOwners(const CatalogueDraft& draft) {
+    for (const MetamodelRow& row : draft.metamodels) add(row.order, row.name);
+    for (const HopRow& row : draft.hops) add(row.order, row.name);
+    for (const auto* side : {&draft.questionFrom, &draft.questionTo}) {
+      if (!*side) continue;
+      for (const SelectionRow& row : (*side)->rows) selected_.emplace(row.place.order, &row.name);
+    }
+  }
+
+  void nameOwners(Finding& finding) const {
+    std::set<std::u16string> names;
+    addOwner(finding.place, names);
+    for (const Place& place : finding.related) addOwner(place, names);
+    finding.names.assign(names.begin(), names.end());
+  }
+
+ private:
+  using Names = std::map<std::uint64_t, const std::u16string*>;
+
+  void add(std::uint64_t order, const std::optional<std::u16string>& name) {
+    rows_.emplace(order, name ? &*name : nullptr);
+  }
+
+  static bool isWithinRow(const Place& place) {
+    constexpr const char* beginnings[] = {"/metamodels/", "/hops/", "table metamodels, ",
+                                          "table hops, ", "table dependencies, "};
+    return std::any_of(std::begin(beginnings), std::end(beginnings),
+                       [&](const char* beginning) { return place.text.starts_with(beginning); });
+  }
+
+  void addOwner(const Place& place, std::set<std::u16string>& names) const {
+    if (!isWithinRow(place)) {
+      const auto selected = selected_.find(place.order);
+      if (selected != selected_.end()) names.insert(*selected->second);
+      return;
+    }
+    const auto next = rows_.upper_bound(place.order);
+    if (next == rows_.begin()) return;
+    if (const std::u16string* name = std::prev(next)->second) names.insert(*name);
+  }
+
+  Names rows_;  // by where they begin
+  Names selected_;
+};
+
 }  // namespace
 
 void Findings::add(FindingCode code, const std::vector<Slot>& slots, const std::string& message) {
@@ -33,6 +85,8 @@ std::vector<Finding> Findings::inOrder() {
     return std::tie(left.place.order, left.place.text, left.code) <
            std::tie(right.place.order, right.place.text, right.code);
   });
+  const PlaceOwners owners(index_.draft());
+  for (Finding& finding : all_) owners.nameOwners(finding);
   return std::move(all_);
 }
 

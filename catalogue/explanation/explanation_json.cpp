@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "catalogue/explanation/explanation_text.hpp"
+#include "catalogue/picture/plan_json.hpp"
 #include "catalogue/picture/step_json.hpp"
 #include "catalogue/text/dependency_json.hpp"
 #include "catalogue/text/json_printer.hpp"
@@ -100,8 +101,8 @@ class ExplanationWriter {
   }
   void writeValue(const UnknownEntry& unknown) {
     printer_.object([&] {
-      writeFields("side", unknown.side, "name", unknown.entry.name, "version",
-                  unknown.entry.version);
+      writeFields("side", unknown.side.value_or(QuestionSide::From), "name", unknown.entry.name,
+                  "version", unknown.entry.version);
       if (unknown.isNameKnown) {
         writeFields("unknown", "version", "nearest", unknown.nearestVersions);
       } else {
@@ -170,11 +171,17 @@ void writeExplanationJson(const Explanation& explanation, const StepWeights& wei
   out << "\n";
 }
 
-void writeNoPathJson(const Explanation& explanation, const StepWeights& weights,
-                     std::ostream& out) {
+void writeNoPathJson(const Question& question, std::ostream& out) {
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] { writeAnswerHead(printer, false, question); });
+  out << "\n";
+}
+
+void writeNoPathJson(const Question& question, const Explanation& explanation,
+                     const StepWeights& weights, std::ostream& out) {
   JsonPrinter printer(out, JsonPrinter::Layout::Indented);
   printer.object([&] {
-    printer.field("found", false);
+    writeAnswerHead(printer, false, question);
     printer.field("reason", headlineOf(explanation));
     printer.key("explanation");
     ExplanationWriter(weights, printer).write(explanation);

@@ -38,9 +38,13 @@ TARN_EVOLUTION_CATALOGUE_EXPORT void writeExplanationJson(const Explanation& exp
                                                           const StepWeights& weights,
                                                           std::ostream& out);
 
-/// What stands in the place of a path that `writePathJson` would write: {"found": false, "reason",
-/// "explanation"}, the reason being that of `headlineOf`.
-TARN_EVOLUTION_CATALOGUE_EXPORT void writeNoPathJson(const Explanation& explanation,
+/// What stands in the place of a plan that `writePlanJson` would write: {"form", "found": false,
+/// "question", "reason", "explanation"}, the reason being that of `headlineOf`.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeNoPathJson(const Question& question,
+                                                     const Explanation& explanation,
                                                      const StepWeights& weights, std::ostream& out);
+
+/// The same without reason and explanation.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeNoPathJson(const Question& question, std::ostream& out);
 
 }  // namespace tarn::evolution::catalogue

@@ -272,7 +272,8 @@ class Details {
       out_ << indent << lines[i] << "\n";
     }
     if (lines.size() > mostRequirements) {
-      out_ << indent << "and " << lines.size() - mostRequirements << " more requirements\n";
+      out_ << indent << "and " << countedText(lines.size() - mostRequirements, "more requirement")
+           << "\n";
     }
   }
 
@@ -306,14 +307,15 @@ const char* whatCut(const Explanation& explanation) {
 }
 
 std::string describeUnknown(const UnknownEntry& unknown) {
-  const std::string side = unknown.side == QuestionSide::From ? "to start from" : "to reach";
+  std::string side;
+  if (unknown.side) side = *unknown.side == QuestionSide::From ? " to start from" : " to reach";
   const std::string name = "metamodel \"" + visible(unknown.entry.name) + "\"";
   if (!unknown.isNameKnown) {
-    std::string result = "there is no " + name + " " + side;
+    std::string result = "there is no " + name + side;
     if (unknown.nearestNames.empty()) return result + ".";
     return result + "; did you mean " + listed(visibleEach(unknown.nearestNames), "or") + "?";
   }
-  return "there is no version " + visible(unknown.entry.version) + " of " + name + " " + side +
+  return "there is no version " + visible(unknown.entry.version) + " of " + name + side +
          "; the nearest known: " + listed(visibleEach(unknown.nearestVersions)) + ".";
 }
 
@@ -329,6 +331,11 @@ std::string describe(const UnknownEntries& unknown) {
 
 std::string headlineOf(const Explanation& explanation) {
   return std::visit(headline, explanation.reason);
+}
+
+void writeUnlinkableText(const Unlinkable& unlinkable, std::ostream& out) {
+  const PlainNumbers plain(out);
+  Details({}, "", out).print(unlinkable);
 }
 
 void writeExplanationText(const Explanation& explanation, const StepWeights& weights,

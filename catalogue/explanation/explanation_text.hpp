@@ -17,6 +17,10 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::string headlineOf(const Explanation& explan
 /// of its own, without a line end after the last.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string describe(const UnknownEntries& unknown);
 
+/// "D 3.0.0 cannot be linked: ..." with the reason, in a line or more.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writeUnlinkableText(const Unlinkable& unlinkable,
+                                                         std::ostream& out);
+
 /// "No path: ", the headline, and lines with all that there is to say beside it: the reason in
 /// detail, what cannot be linked, and the nearest baseline. `weights` weighs the steps of paths.
 /// Where there is a path, just says so.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,9 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A name or version of a question that the repository does not know.
+/// A name or version that the repository does not know, of a question or of what else is asked.
 struct UnknownEntry {
-  QuestionSide side;
+  std::optional<QuestionSide> side;  ///< none where there are no sides
   NamedVersion entry;
   bool isNameKnown;  ///< then it is the version that is not
 
@@ -28,8 +29,15 @@ struct UnknownEntries {
   std::vector<UnknownEntry> entries;  ///< source first, then by ascending name
 };
 
-/// What of a question the repository does not know. Costs one look-up for each entry that is known.
+/// What of a question, or of a selection by itself, the repository does not know. Costs one look-up
+/// for each entry that is known.
 TARN_EVOLUTION_CATALOGUE_EXPORT UnknownEntries findUnknown(BrowsableRepository& repository,
                                                            const Question& question);
+TARN_EVOLUTION_CATALOGUE_EXPORT UnknownEntries findUnknown(BrowsableRepository& repository,
+                                                           const Selection& selection);
+
+/// Which of some names no metamodel has; their entries are of version 0.0.0.
+TARN_EVOLUTION_CATALOGUE_EXPORT UnknownEntries
+findUnknownNames(BrowsableRepository& repository, const std::vector<std::u16string>& names);
 
 }  // namespace tarn::evolution::catalogue

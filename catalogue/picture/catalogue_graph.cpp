@@ -54,8 +54,8 @@ class GraphBuilder {
     for (const std::u16string& name : names) {
       const auto metamodels = repository_.listMetamodels(name);
       if (metamodels.empty()) {
-        throw std::invalid_argument("no metamodel \"" + toVisible(fl::i18n::ustring_to_utf8(name)) +
-                                    "\"");
+        throw std::invalid_argument("there is no metamodel \"" +
+                                    toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
       }
       for (const CatalogueMetamodel& metamodel : metamodels) show(metamodel.descriptor);
     }

@@ -64,8 +64,8 @@ class HopsByVersion {
 MetamodelDetails describeMetamodel(BrowsableRepository& repository, const std::u16string& name) {
   const auto versions = listInOrder(repository, name);
   if (versions.empty()) {
-    throw std::invalid_argument("no metamodel \"" + toVisible(fl::i18n::ustring_to_utf8(name)) +
-                                "\"");
+    throw std::invalid_argument("there is no metamodel \"" +
+                                toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
   }
   const HopsByVersion hops(repository, name);
   MetamodelDetails details{name, {}};
@@ -83,8 +83,9 @@ MetamodelDetails describeVersion(BrowsableRepository& repository, const std::u16
     return detail.metamodel.descriptor.version != version;
   });
   if (details.versions.empty()) {
-    throw std::invalid_argument("no version " + toVisible(textOf(version)) + " of metamodel \"" +
-                                toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
+    throw std::invalid_argument("there is no version " + toVisible(textOf(version)) +
+                                " of metamodel \"" + toVisible(fl::i18n::ustring_to_utf8(name)) +
+                                "\"");
   }
   for (VersionDetails& detail : details.versions) {
     try {

@@ -1,9 +1,24 @@
 #include "catalogue/picture/path_text.hpp"
 
+#include <algorithm>
 #include <ostream>
 #include <string>
 
+#include "catalogue/text/display_text.hpp"
+
 namespace tarn::evolution::catalogue {
+
+void writeStartText(const PathPicture& picture, Colouring colouring, std::ostream& out) {
+  std::size_t columns = 0;
+  for (const PathPicture::Lane& lane : picture.lanes) {
+    if (!lane.start.empty()) columns = std::max(columns, countColumns(toVisible(lane.name)));
+  }
+  out << emphasise("Start", colouring) << "\n";
+  for (const PathPicture::Lane& lane : picture.lanes) {
+    if (lane.start.empty()) continue;
+    out << "  " << padTo(columns, toVisible(lane.name)) << "  " << toVisible(lane.start) << "\n";
+  }
+}
 
 void writePathText(const PathPicture& picture, Colouring colouring, std::ostream& out) {
   if (picture.steps.empty()) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace tarn::evolution::catalogue {
 
@@ -61,6 +62,11 @@ std::uint64_t countHopCombinations(BrowsableRepository& repository, const Versio
   return combinations;
 }
 
+StepListing makeListing(BrowsableRepository& repository, const VersionBaseline& baseline,
+                        std::vector<BaselineHop> steps) {
+  return {baseline, groupSteps(repository, baseline, std::move(steps))};
+}
+
 TooManyCombinations::TooManyCombinations(std::uint64_t combinations, std::uint64_t limit)
     : std::runtime_error(
           (combinations == unbounded ? "more than 2^64" : std::to_string(combinations)) +
@@ -82,7 +88,7 @@ std::vector<StepListing> listSteps(BrowsableRepository& repository, const Select
   listings.reserve(baselines.size());
   for (const VersionBaseline& baseline : baselines) {
     listings.push_back(
-        {baseline, groupSteps(repository, baseline, repository.getStepsFrom(baseline, direction))});
+        makeListing(repository, baseline, repository.getStepsFrom(baseline, direction)));
   }
   return listings;
 }

@@ -28,7 +28,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT TooManyCombinations : public std::runtime_
 /// The steps that leave one baseline.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT StepListing {
   /// The steps of one direction, alternatives of each other: by ascending weight, then in the order
-  /// in which the path finder lists them. Their weights are not summed up.
+  /// in which they were found. Their weights are not summed up.
   struct Group {
     pathfinder::VersionRepository::Direction direction;
     PathPicture picture;
@@ -37,6 +37,11 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT StepListing {
   pathfinder::VersionBaseline baseline;
   std::vector<Group> groups;  ///< forward, backward, then both at once (Unknown); none is empty
 };
+
+/// The listing of some steps that leave a baseline, in any order.
+TARN_EVOLUTION_CATALOGUE_EXPORT StepListing makeListing(BrowsableRepository& repository,
+                                                        const pathfinder::VersionBaseline& baseline,
+                                                        std::vector<pathfinder::BaselineHop> steps);
 
 /// The steps that leave each baseline that realises a selection, in the order of `combine`; none
 /// when the selection is not consistent.

@@ -4,14 +4,13 @@
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/step_json.hpp"
 #include "catalogue/picture/step_listing.hpp"
+#include "catalogue/picture/step_listing_json.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::VersionRepository;
 
-namespace {
-
-const char* headingOf(VersionRepository::Direction direction) {
+const char* nameOfDirection(VersionRepository::Direction direction) {
   switch (direction) {
     case VersionRepository::Forward:
       return "forward";
@@ -22,12 +21,19 @@ const char* headingOf(VersionRepository::Direction direction) {
   }
 }
 
+void writeListedStep(JsonPrinter& printer, const StepListing::Group& group, std::size_t step) {
+  printer.field("direction", nameOfDirection(group.direction));
+  writeStepFields(printer, group.picture, group.picture.steps[step]);
+}
+
+namespace {
+
 void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& out) {
   if (listing.groups.empty()) out << "No step leads out of it.\n";
   for (const StepListing::Group& group : listing.groups) {
     const StepTextWriter writer(group.picture, colouring, out);
     for (std::size_t i = 0; i < group.picture.steps.size(); ++i) {
-      std::string heading = headingOf(group.direction);
+      std::string heading = nameOfDirection(group.direction);
       heading[0] = static_cast<char>(heading[0] - 'a' + 'A');
       writer.write(heading + " " + std::to_string(i + 1) + ", weight " +
                        std::to_string(group.picture.steps[i].weight),
@@ -38,11 +44,8 @@ void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& 
 
 void writeSteps(JsonPrinter& printer, const StepListing& listing) {
   for (const StepListing::Group& group : listing.groups) {
-    for (const PathPicture::Step& step : group.picture.steps) {
-      printer.object([&] {
-        printer.field("direction", headingOf(group.direction));
-        writeStepFields(printer, group.picture, step);
-      });
+    for (std::size_t step = 0; step < group.picture.steps.size(); ++step) {
+      printer.object([&] { writeListedStep(printer, group, step); });
     }
   }
 }
@@ -61,19 +64,21 @@ void writeStepsText(const std::vector<StepListing>& listings, Colouring colourin
   }
 }
 
+void writeListings(JsonPrinter& printer, const std::vector<StepListing>& listings) {
+  printer.arrayField("baselines", [&] {
+    for (const StepListing& listing : listings) {
+      printer.object([&] {
+        printer.key("metamodels");
+        writeMembers(printer, listing.baseline);
+        printer.arrayField("steps", [&] { writeSteps(printer, listing); });
+      });
+    }
+  });
+}
+
 void writeStepsJson(const std::vector<StepListing>& listings, std::ostream& out) {
   JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
-    printer.arrayField("baselines", [&] {
-      for (const StepListing& listing : listings) {
-        printer.object([&] {
-          printer.key("metamodels");
-          writeMembers(printer, listing.baseline);
-          printer.arrayField("steps", [&] { writeSteps(printer, listing); });
-        });
-      }
-    });
-  });
+  printer.object([&] { writeListings(printer, listings); });
   out << "\n";
 }
 

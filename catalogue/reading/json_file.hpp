@@ -1,16 +1,20 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
+#include <istream>
+#include <memory>
 
 #include "catalogue/catalogue_error.hpp"
 
 namespace tarn::evolution::catalogue {
 
-/// Opens a JSON file for reading; what goes wrong while it is read, the stream throws as
-/// std::ios_base::failure. Throws CatalogueError, which does not name the file, when it cannot be
-/// opened, and when it is a SQLite database.
-std::ifstream openJsonFile(const std::filesystem::path& file);
+/// Whether a file is read from its beginning to its end once: a pipe, a terminal or another device.
+bool isReadOnce(const std::filesystem::path& file);
+
+/// Opens a JSON file, which may be one that is read once, for reading; what goes wrong while it is
+/// read, the stream throws as std::ios_base::failure. Throws CatalogueError, which does not name
+/// the file, when it cannot be opened, and when it is a SQLite database.
+std::unique_ptr<std::istream> openJsonFile(const std::filesystem::path& file);
 
 /// Throws that a file cannot be read.
 [[noreturn]] void failToRead(const std::ios_base::failure& failure);
@@ -20,9 +24,9 @@ std::ifstream openJsonFile(const std::filesystem::path& file);
 template <class Read>
 auto readJsonFile(const std::filesystem::path& file, const Read& read) {
   try {
-    std::ifstream in = openJsonFile(file);
+    const auto in = openJsonFile(file);
     try {
-      return read(in);
+      return read(*in);
     } catch (const std::ios_base::failure& failure) {
       failToRead(failure);
     }

@@ -25,7 +25,7 @@ SqliteHeader parse(std::string_view bytes, std::uint64_t fileSize) {
   SqliteHeader result;
   result.fileSize = fileSize;
   result.isWhole = fileSize >= headerSize;
-  result.isDatabase = bytes.starts_with("SQLite format 3\0"sv);
+  result.isDatabase = beginsAsDatabase(bytes);
   result.isStore = bytes.substr(applicationIdOffset).starts_with("EVOP"sv);
   result.isWrittenAhead = bytes.substr(writeVersionOffset, 2).find('\2') != std::string_view::npos;
   return result;
@@ -67,6 +67,10 @@ std::optional<SqliteHeader> headerOf(const std::filesystem::path& file) {
   return header;
 }
 
+bool beginsAsDatabase(std::string_view bytes) {
+  return bytes.starts_with("SQLite format 3\0"sv);
+}
+
 bool isDatabase(const std::filesystem::path& file) {
   const auto header = headerOf(file);
   return header && header->isDatabase;
@@ -78,7 +82,7 @@ void expectDatabase(const std::filesystem::path& file) {
   if (!std::filesystem::exists(status)) failFor(file, "cannot be opened: " + error.message());
   if (std::filesystem::is_directory(status)) failFor(file, "is a directory, not a file");
   if (!std::filesystem::is_regular_file(status)) {
-    failFor(file, "is not a catalogue store: it is no regular file");
+    failFor(file, "is no regular file; a store is opened by the name of its file");
   }
   const auto header = headerOf(file);
   if (!header || !header->isDatabase)

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 struct sqlite3;
 
@@ -30,6 +31,9 @@ std::optional<SqliteHeader> headerOf(sqlite3* connection);
 /// Of a regular file; nothing for all else, which SQLite is never given, and where there is none.
 /// Throws CatalogueError, which names the file, when it cannot be opened or read.
 std::optional<SqliteHeader> headerOf(const std::filesystem::path& file);
+
+/// Whether these bytes are the beginning of a SQLite database.
+bool beginsAsDatabase(std::string_view bytes);
 
 /// Whether a file begins as every SQLite database does.
 bool isDatabase(const std::filesystem::path& file);

@@ -60,6 +60,17 @@ constexpr const char* selectLooseHop = R"(
   WHERE NOT (has_name AND has_source AND has_target)
   ORDER BY checked.position LIMIT 1)";
 
+/// The first new hop that stands already, and where it stands first.
+constexpr const char* selectRepeatedHop = R"(
+  SELECT later.position, min(earlier.position), names.name, later.source, later.target,
+    later.expensive, earlier.expensive
+  FROM hops later
+  JOIN hops earlier ON earlier.name = later.name AND earlier.source = later.source
+    AND earlier.target = later.target AND earlier.position < later.position
+  JOIN names ON names.id = later.name
+  WHERE later.position >= ?1
+  GROUP BY later.position ORDER BY later.position LIMIT 1)";
+
 class Validation {
  public:
   Validation(SqliteDatabase& database, std::int64_t firstMetamodel, std::int64_t firstHop)
@@ -164,6 +175,25 @@ class Validation {
 
 void validateAdded(SqliteDatabase& database, std::int64_t firstMetamodel, std::int64_t firstHop) {
   Validation(database, firstMetamodel, firstHop).run();
+}
+
+void expectNewHops(SqliteDatabase& database, std::int64_t firstHop) {
+  SqliteStatement statement(database, selectRepeatedHop);
+  auto rows = statement.query(firstHop);
+  if (!rows.next()) return;
+  const auto placeOf = [&](std::int64_t position) {
+    return hopPlace(static_cast<std::size_t>(position - firstHop));
+  };
+  const std::string hop = "the hop of " + quotedName(textIn(rows, 2)) + " from " +
+                          textOf(versionIn(rows, 3)) + " to " + textOf(versionIn(rows, 4));
+  const bool isInStore = rows.number(1) < firstHop;
+  std::string message =
+      standsAlready(hop, isInStore ? "in the store" : "at " + placeOf(rows.number(1)));
+  const bool isExpensive = rows.number(6) != 0;
+  if ((rows.number(5) != 0) != isExpensive) {
+    message += isExpensive ? ", there as an expensive one" : ", there as one that is not expensive";
+  }
+  throw CatalogueError(placeOf(rows.number(0)), message);
 }
 
 }  // namespace tarn::evolution::catalogue

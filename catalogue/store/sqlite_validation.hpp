@@ -13,4 +13,9 @@ namespace tarn::evolution::catalogue {
 /// Takes memory for the graph of the versions, about a hundred bytes for each of them.
 void validateAdded(SqliteDatabase& database, std::int64_t firstMetamodel, std::int64_t firstHop);
 
+/// Throws CatalogueError, with a place that counts from the first new hop, for the first hop from
+/// that position on that stands in the store already: a catalogue may hold a hop twice, but to add
+/// it once more is a mistake, the more so where one of both is expensive.
+void expectNewHops(SqliteDatabase& database, std::int64_t firstHop);
+
 }  // namespace tarn::evolution::catalogue

@@ -22,7 +22,7 @@ StoreCounts addToStore(const std::filesystem::path& store, const std::filesystem
   StoreSuccessor successor(store, StoreSuccessor::Content::Kept, SqliteSchema::current(),
                            partOf(progress, 0, copyingShare));
   const StoreProgress rest = partOf(progress, copyingShare, 1);
-  const StoreCounts counts = fillStore(successor.database(), json, rest);
+  const StoreCounts counts = fillStore(successor.database(), json, RepeatedHops::Refused, rest);
   if (progress) progress(1);
   successor.takePlace();
   return counts;

@@ -20,7 +20,8 @@ namespace tarn::evolution::catalogue {
 
 /// Adds the metamodels, hops and question of a JSON file, which has the form of a catalogue but may
 /// lean on what the store holds, after those of the store. Refuses, with places in the JSON file,
-/// what would leave the store unsound (see `Catalogue`), and a question when the store has one.
+/// what would leave the store unsound (see `Catalogue`), a hop that stands in the store or in the
+/// file already, and a question when the store has one.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts addToStore(const std::filesystem::path& store,
                                                        const std::filesystem::path& json,
                                                        const StoreProgress& progress = {});

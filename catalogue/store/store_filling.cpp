@@ -32,18 +32,19 @@ class FillingSink : public SqliteRowWriter {
   SqliteDatabase& store_;
 };
 
-/// Bytes that `in` has left to read; 0 when that cannot be said.
+/// Bytes that `in` has left to read; 0 when that cannot be said, as of a pipe.
 double sizeOf(std::istream& in) {
   const auto end = in.seekg(0, std::ios::end).tellg();
   in.clear();
+  if (end <= 0) return 0;
   in.seekg(0);
-  return end > 0 ? static_cast<double>(end) : 0;
+  return static_cast<double>(end);
 }
 
 }  // namespace
 
 StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
-                      const StoreProgress& progress) {
+                      RepeatedHops repeated, const StoreProgress& progress) {
   return readJsonFile(json, [&](std::istream& in) {
     const double size = sizeOf(in);
     FillingSink writer(store);
@@ -53,6 +54,7 @@ StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
     streamJsonCatalogue(in, sink);
     const SqliteWatch watch(store, toldAgain(progress, readingShare));
     validateAdded(store, writer.firstMetamodel(), writer.firstHop());
+    if (repeated == RepeatedHops::Refused) expectNewHops(store, writer.firstHop());
     return sink.counts();
   });
 }

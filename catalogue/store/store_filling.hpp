@@ -7,10 +7,13 @@
 
 namespace tarn::evolution::catalogue {
 
+/// Whether a hop may stand twice.
+enum class RepeatedHops { Kept, Refused };
+
 /// Adds the content of a JSON file to a store, within a transaction that the caller holds. Throws
 /// CatalogueError, which names the JSON file and places in it, when that would leave the store
-/// unsound.
+/// unsound, and for a repeated hop that is refused.
 StoreCounts fillStore(SqliteDatabase& store, const std::filesystem::path& json,
-                      const StoreProgress& progress);
+                      RepeatedHops repeated, const StoreProgress& progress);
 
 }  // namespace tarn::evolution::catalogue

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <iosfwd>
 
 #include "catalogue/store/store_progress.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
@@ -22,10 +23,17 @@ TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts importCatalogue(const std::filesyste
                                                             const StoreProgress& progress = {});
 
 /// Writes a store as a JSON catalogue, as it is when the operation begins. A regular file that
-/// stands in the place is replaced, unless it is a SQLite database; all else is left alone, and
-/// that is an error.
+/// stands in the place is replaced, unless it is a SQLite database, which is left alone, and that
+/// is an error. A pipe or device is written to as it is, and a symbolic link stands for what it
+/// leads to.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts exportCatalogue(const std::filesystem::path& store,
                                                             const std::filesystem::path& json,
+                                                            const StoreProgress& progress = {});
+
+/// The same to a stream, which is flushed at the end; what goes wrong with it is thrown as
+/// std::ios_base::failure.
+TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts exportCatalogue(const std::filesystem::path& store,
+                                                            std::ostream& out,
                                                             const StoreProgress& progress = {});
 
 }  // namespace tarn::evolution::catalogue

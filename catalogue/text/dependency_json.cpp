@@ -37,16 +37,18 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   });
 }
 
+void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
+  printer.object([&] {
+    printer.field("name", fl::i18n::ustring_to_utf8(dependency.name));
+    printer.key("range");
+    writeRange(printer, dependency.range);
+  });
+}
+
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies) {
   printer.array([&] {
-    for (const auto& [name, range] : dependencies) {
-      printer.object([&, &name = name, &range = range] {
-        printer.field("name", fl::i18n::ustring_to_utf8(name));
-        printer.key("range");
-        writeRange(printer, range);
-      });
-    }
+    for (const auto& dependency : dependencies) writeDependency(printer, dependency);
   });
 }
 

@@ -10,8 +10,11 @@ namespace tarn::evolution::catalogue {
 /// Writes a pair [lower, upper), or a text version, or {"anyOf": [bounds]} of several of these.
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 
-/// Writes dependencies as a catalogue has them: [{"name", "range"}], a range being one version, a
-/// pair [lower, upper), or {"anyOf": [range]}.
+/// Writes a dependency as a catalogue has it: {"name", "range"}, a range being one version, a pair
+/// [lower, upper), or {"anyOf": [range]}.
+void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency);
+
+/// Writes a list of them.
 void writeDependencies(JsonPrinter& printer,
                        const std::vector<pathfinder::Dependency>& dependencies);
 

@@ -13,6 +13,7 @@ is not checked.
   data/ is that of the project. What they write below docs/ must be what is kept there.
 - ```cmake FOLDER: lines that stand together in the CMakeLists.txt of FOLDER, which the build or
   scripts/test_consumers.sh configures.
+- ```bash FILE, ```yaml FILE: lines that stand together in FILE, an example that a test runs.
 - ```json: a catalogue that loads.
 - ```python: lines of a session at the prompt. They parse; scripts/python.sh runs those of a page one after the other.
 - ```sh: commands whose programs, files, presets and tests are there. They are not run.
@@ -64,15 +65,16 @@ class PageCheck:
 
     def check_block(self, block):
         """What a block shows."""
-        checks = {"c": self.check_cpp, "cmake": self.check_cmake, "console": self.check_console, "cpp": self.check_cpp,
-                  "json": self.check_json, "python": self.check_python, "sh": self.check_sh, "text": self.check_text}
+        checks = {"bash": self.check_cpp, "c": self.check_cpp, "cmake": self.check_cmake, "console": self.check_console,
+                  "cpp": self.check_cpp, "json": self.check_json, "python": self.check_python, "sh": self.check_sh,
+                  "text": self.check_text, "yaml": self.check_cpp}
         if block.kind in checks:
             yield from checks[block.kind](block)
         else:
             yield f"nothing checks a block of kind \"{block.kind}\""
 
     def check_cpp(self, block):
-        """A part of a file that is compiled."""
+        """A part of a file that is compiled or run."""
         yield from self.check_part(block, block.subject)
 
     def check_cmake(self, block):

@@ -213,7 +213,11 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
     disk.insert(foreign.begin(), foreign.end());
     return disk;
   };
-  const auto ask = [](const FilePath& folder) { return everythingIn(folder / "x.store"); };
+  const auto ask = [](const FilePath& folder) {
+    std::ostringstream exported;
+    exportCatalogue(folder / "x.store", exported);
+    return everythingIn(folder / "x.store") + std::move(exported).str();
+  };
   const auto askJson = [](const FilePath& folder) { return everythingIn(folder / "new.json"); };
   const auto draw = [](const FilePath& folder) {
     return draftOf(folder / "new.json") + draftOf(folder / "x.store") +

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <ostream>
+#include <span>
 
 #include "catalogue/check/findings_json.hpp"
 #include "catalogue/text/display_text.hpp"
@@ -24,7 +25,11 @@ std::size_t countOf(const CheckReport& report, Severity severity) {
 
 using Group = std::vector<const Finding*>;
 
-void printGroup(FindingCode code, const Group& group, std::ostream& out) {
+constexpr std::size_t listedOfEachCode = 20;
+
+void printGroup(FindingCode code, const Group& whole, bool listsAll, std::ostream& out) {
+  const std::size_t listed = listsAll ? whole.size() : std::min(whole.size(), listedOfEachCode);
+  const std::span group(whole.data(), listed);
   out << nameOf(severityOf(code)) << " " << identifierOf(code) << ": " << titleOf(code) << "\n";
   std::size_t widest = 0;
   for (const Finding* finding : group) {
@@ -34,6 +39,8 @@ void printGroup(FindingCode code, const Group& group, std::ostream& out) {
     out << "  " << padTo(widest, toVisible(finding->place.text)) << (widest > 0 ? "  " : "")
         << toVisible(finding->message) << "\n";
   }
+  if (listed == whole.size()) return;
+  out << "  and " << whole.size() - listed << " more; --list-all lists them\n";
 }
 
 }  // namespace
@@ -43,7 +50,9 @@ void printText(const CheckReport& report, std::ostream& out) {
   for (const Finding& finding : report.findings) groups[finding.code].push_back(&finding);
   for (const Severity severity : gravestFirst) {
     for (const auto& [code, group] : groups) {
-      if (severityOf(code) == severity && severity >= report.least) printGroup(code, group, out);
+      if (severityOf(code) == severity && severity >= report.least) {
+        printGroup(code, group, report.listsAll, out);
+      }
     }
   }
   out << report.catalogue << ": ";

@@ -13,6 +13,7 @@ struct CheckReport {
   std::string catalogue;
   std::vector<tarn::evolution::catalogue::Finding> findings;
   tarn::evolution::catalogue::Severity least;  ///< what is less is counted only
+  bool listsAll = false;                       ///< rather than the first twenty of each code
 };
 
 /// Grouped by what was found, the gravest first, and ending with a line of numbers; safe on a

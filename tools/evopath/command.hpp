@@ -15,6 +15,7 @@ using Action = std::function<ExitStatus()>;
 using AddCommand = void (*)(CLI::App& program, Action& action);
 
 void addAddCommand(CLI::App& program, Action& action);
+void addBatchCommand(CLI::App& program, Action& action);
 void addCheckCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
@@ -24,5 +25,6 @@ void addPathCommand(CLI::App& program, Action& action);
 void addRemoveCommand(CLI::App& program, Action& action);
 void addShowCommand(CLI::App& program, Action& action);
 void addStepsCommand(CLI::App& program, Action& action);
+void addWordsCommand(CLI::App& program, Action& action);
 
 }  // namespace evopath

@@ -9,6 +9,8 @@
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
 #include "limit_options.hpp"
+#include "memory_advice.hpp"
+#include "number_option.hpp"
 #include "output_option.hpp"
 #include "question_options.hpp"
 
@@ -39,8 +41,10 @@ void print(const Explanation& explanation, const StepWeights& weights, std::ostr
 ExitStatus runExplain(const ExplainOptions& options) {
   const auto limits = options.limits.fromNow();
   const auto repository = openCatalogue(options.catalogue);
-  const Explanation explanation =
-      explainAttended(*repository, options.ask(*repository), options.budget, limits);
+  const Question question = options.ask(*repository);
+  const Explanation explanation = adviseOnMemory(*repository, question, [&] {
+    return explainAttended(*repository, question, options.budget, limits);
+  });
   std::ostringstream text;
   if (options.json) {
     writeExplanationJson(explanation, weightsOf(*repository), text);
@@ -59,11 +63,8 @@ void addExplainCommand(CLI::App& program, Action& action) {
       program.add_subcommand("explain", "Explain why there is no path, and how near one can get");
   options->addTo(*explain);
   explain->add_flag("--json", options->json, "Print the explanation as JSON");
-  explain
-      ->add_option("--budget", options->budget,
-                   "How many questions about parts of the question may be asked")
-      ->type_name("NUMBER")
-      ->capture_default_str();
+  addNumberOption(*explain, "--budget", options->budget,
+                  "How many questions about parts of the question may be asked");
   options->limits.addTo(*explain);
   options->output.addTo(*explain);
   explain->footer(

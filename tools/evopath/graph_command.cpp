@@ -7,7 +7,10 @@
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "known_versions.hpp"
+#include "number_option.hpp"
 #include "output_option.hpp"
+#include "selection_argument.hpp"
 
 namespace evopath {
 
@@ -29,6 +32,7 @@ catalogue::CatalogueGraph make(const GraphOptions& options) {
   for (const std::string& name : options.names) {
     request.names.push_back(catalogue::parseName(name));
   }
+  expectKnown(*repository, request.names);
   try {
     return catalogue::makeGraph(*repository, request);
   } catch (const catalogue::GraphTooLarge& error) {
@@ -57,18 +61,15 @@ void addGraphCommand(CLI::App& program, Action& action) {
   CLI::App* graph = program.add_subcommand("graph", "Draw the hops and dependencies of metamodels");
   addCatalogueArgument(*graph, options->catalogue);
   graph->add_option("names", options->names, "The metamodels to draw; with none, all")
-      ->type_name("NAME");
+      ->type_name(nameTypeName);
   graph->add_flag("--with-dependencies", options->request.withDependencies,
                   "Draw as well the versions that they need, directly or not");
   graph->add_option("--format", options->format, "The form; svg needs Graphviz")
       ->type_name("FORMAT")
       ->check(CLI::IsMember({"dot", "svg", "mermaid"}))
       ->capture_default_str();
-  graph
-      ->add_option("--limit", options->request.limit,
-                   "How many versions, ranges, hops and dependencies to draw at most")
-      ->type_name("NUMBER")
-      ->capture_default_str();
+  addNumberOption(*graph, "--limit", options->request.limit,
+                  "How many versions, ranges, hops and dependencies to draw at most");
   options->output.addTo(*graph);
   graph->footer(
       "Exit status: 0 drawn, 2 bad usage or input, also a graph beyond the limit.\n"

@@ -12,6 +12,7 @@
 #include "file_arguments.hpp"
 #include "import_report.hpp"
 #include "progress_bar.hpp"
+#include "standard_streams.hpp"
 #include "store_report.hpp"
 #include "text_output.hpp"
 
@@ -42,7 +43,7 @@ std::vector<std::string> wordsOf(const std::map<std::string, Value>& choices) {
 }
 
 struct ImportArguments {
-  std::vector<std::filesystem::path> files;
+  std::vector<std::string> files;
   std::string format;
   std::string offeredHops = "majors";
   bool listsAll = false;
@@ -53,8 +54,9 @@ ExitStatus importJson(const ImportArguments& arguments) {
   if (arguments.files.size() != 2) {
     throw std::invalid_argument("several files are joined only with --from");
   }
+  const auto source = inputFile(arguments.files[0]);
   const auto counts = withProgressBar("Importing", [&](const StoreProgress& progress) {
-    return importCatalogue(arguments.files[0], arguments.files[1], progress);
+    return importCatalogue(source, arguments.files[1], progress);
   });
   writeToStandardOutput("Imported " + describeCounts(counts) + ".\n");
   return ExitStatus::Found;
@@ -64,7 +66,9 @@ ExitStatus importForeign(const ImportArguments& arguments) {
   ImportOptions options = arguments.options;
   options.format = formats.at(arguments.format);
   options.offeredHops = offers.at(arguments.offeredHops);
-  options.sources.assign(arguments.files.begin(), arguments.files.end() - 1);
+  for (std::size_t i = 0; i + 1 < arguments.files.size(); ++i) {
+    options.sources.push_back(inputFile(arguments.files[i]));
+  }
   const auto report = withProgressBar("Importing", [&](const StoreProgress& progress) {
     return importForeignCatalogue(options, arguments.files.back(), progress);
   });
@@ -115,6 +119,13 @@ void addOptions(CLI::App& command, ImportArguments& arguments) {
       ->needs(from);
 }
 
+ExitStatus runImport(const ImportArguments& arguments) {
+  if (arguments.files.back() == standardStream) {
+    throw std::invalid_argument("a catalogue is made in a file, not on standard output");
+  }
+  return arguments.format.empty() ? importJson(arguments) : importForeign(arguments);
+}
+
 }  // namespace
 
 void addImportCommand(CLI::App& program, Action& action) {
@@ -122,8 +133,10 @@ void addImportCommand(CLI::App& program, Action& action) {
   CLI::App* command =
       program.add_subcommand("import", "Make a catalogue of what other programs keep, or a store");
   command
-      ->add_option("file", arguments->files,
-                   "The sources, files or folders, and last the catalogue to make")
+      ->add_option(
+          "file", arguments->files,
+          "The sources, files or folders or - for standard input, and last the catalogue to "
+          "make")
       ->type_name(fileTypeName)
       ->required()
       ->expected(2, -1);
@@ -136,11 +149,8 @@ void addImportCommand(CLI::App& program, Action& action) {
       "--lenient leaves it out.\n"
       "Exit status: 0 the catalogue was made, 2 bad usage or input.\n"
       "Example: evopath import data/operators.json operators.store");
-  command->callback([arguments, &action] {
-    action = [arguments] {
-      return arguments->format.empty() ? importJson(*arguments) : importForeign(*arguments);
-    };
-  });
+  command->callback(
+      [arguments, &action] { action = [arguments] { return runImport(*arguments); }; });
 }
 
 }  // namespace evopath

@@ -1,6 +1,7 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <sstream>
 
 #include "catalogue/text/display_text.hpp"
@@ -28,7 +29,7 @@ evopath::ExitStatus run(int argc, char** argv) {
   evopath::addCommands(program, action);
   try {
     program.parse(argc, argv);
-    if (!action) throw CLI::RequiredError("A command");
+    if (!action) throw CLI::CallForHelp();
     return action();
   } catch (const CLI::ParseError& error) {
     std::ostringstream help;
@@ -51,6 +52,8 @@ int main(int argc, char** argv) {
     printError(error);
     if (const int signal = evopath::SignalCatcher::caught()) return std::raise(signal);
     status = evopath::ExitStatus::Open;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "evopath: out of memory\n";
   } catch (const std::exception& error) {
     printError(error);
   }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "file_arguments.hpp"
+#include "standard_streams.hpp"
 #include "text_output.hpp"
 
 namespace evopath {
@@ -27,17 +28,30 @@ void OutputOption::addTo(CLI::App& command) {
 }
 
 void OutputOption::write(const std::string& text) const {
-  if (file.empty()) {
+  if (file.empty() || isStandardOutput(file)) {
     writeToStandardOutput(text);
   } else {
     writeToFile(file, text);
   }
 }
 
+void OutputOption::Stream::write(const std::string& text) {
+  if (option_.file.empty()) {
+    writeToStandardOutput(text);
+  } else {
+    kept_ += text;
+  }
+}
+
+void OutputOption::Stream::finish() {
+  if (!option_.file.empty()) option_.write(kept_);
+}
+
 Colouring OutputOption::colouring() const {
   const char* terminal = std::getenv("TERM");
   const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
-  const bool isColoured = file.empty() && ::isatty(STDOUT_FILENO) == 1 && !isSet("NO_COLOR");
+  const bool isColoured = (file.empty() || file == standardStream) &&
+                          ::isatty(STDOUT_FILENO) == 1 && !isSet("NO_COLOR");
   return isColoured && !isDumb ? Colouring::Terminal : Colouring::Plain;
 }
 

@@ -19,6 +19,18 @@ struct OutputOption {
   /// Throws std::runtime_error, naming the file, when it cannot be written.
   void write(const std::string& text) const;
 
+  /// An answer that is written in pieces: to standard output at once, to a file when it is whole.
+  class Stream {
+   public:
+    explicit Stream(const OutputOption& option) : option_(option) {}
+    void write(const std::string& text);
+    void finish();
+
+   private:
+    const OutputOption& option_;
+    std::string kept_;
+  };
+
   /// Colours for a terminal, unless NO_COLOR says otherwise.
   tarn::evolution::catalogue::Colouring colouring() const;
 };

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -10,10 +11,13 @@
 #include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/path_picture.hpp"
+#include "catalogue/picture/path_plan.hpp"
 #include "catalogue/text/display_text.hpp"
 #include "command.hpp"
 #include "interruption.hpp"
+#include "known_versions.hpp"
 #include "limit_options.hpp"
+#include "memory_advice.hpp"
 #include "messages/trace.hpp"
 #include "output_option.hpp"
 #include "path_format.hpp"
@@ -45,11 +49,17 @@ constexpr const char* traceChannel = "tarn::evolution::pathfinder";
 constexpr unsigned traceLevels =
     static_cast<unsigned>(TraceLevel::Reasoning) | static_cast<unsigned>(TraceLevel::CacheStore);
 
+/// A record's text, which tabulators indent, safe on a terminal.
+std::string indented(const std::string& text) {
+  const std::size_t tabulators = std::min(text.find_first_not_of('\t'), text.size());
+  return std::string(2 * tabulators, ' ') + toVisible(text.substr(tabulators));
+}
+
 void traceToStandardError() {
   foundation::log::in_memory::addRecordSink(
       [](const foundation::log::in_memory::RecordView& record) {
-        std::cerr << record.channel << " [" << record.severity << "] " << toVisible(record.text)
-                  << "\n";
+        std::cerr << record.channel << " [" << record.severity << "] "
+                  << indented(std::string(record.text)) << "\n";
       });
   foundation::log::in_memory::setEnabledLevels(traceChannel, traceLevels);
 }
@@ -81,11 +91,11 @@ void writeNoPath(const std::string& text, const PathOptions& options) {
   }
 }
 
-void writeExplanation(const Explanation& explanation, const StepWeights& weights,
-                      const PathOptions& options) {
+void writeExplanation(const Question& question, const Explanation& explanation,
+                      const StepWeights& weights, const PathOptions& options) {
   std::ostringstream text;
   if (options.form.format == PathFormat::Json) {
-    writeNoPathJson(explanation, weights, text);
+    writeNoPathJson(question, explanation, weights, text);
   } else {
     writeExplanationText(explanation, weights, text);
   }
@@ -93,30 +103,36 @@ void writeExplanation(const Explanation& explanation, const StepWeights& weights
 }
 
 /// The bare answer, which was proven by the search itself.
-ExitStatus tellAbsence(const PathOptions& options, const std::string& text) {
-  const bool isJson = options.form.format == PathFormat::Json;
-  writeNoPath(isJson ? "{\n  \"found\": false\n}\n" : text + "\n", options);
+ExitStatus tellAbsence(const PathOptions& options, const Question& question,
+                       const std::string& text) {
+  std::ostringstream answer;
+  if (options.form.format == PathFormat::Json) {
+    writeNoPathJson(question, answer);
+  } else {
+    answer << text << "\n";
+  }
+  writeNoPath(answer.str(), options);
   return ExitStatus::NoPath;
 }
 
 ExitStatus explainAbsence(const PathOptions& options, BrowsableRepository& repository,
                           const Question& question, const SearchLimits& limits) {
   const Explanation explanation = explainAttended(repository, question, explanationBudget, limits);
-  writeExplanation(explanation, weightsOf(repository), options);
+  writeExplanation(question, explanation, weightsOf(repository), options);
   return statusOf(explanation);
 }
 
 /// For a search that has ended without a path and has not stumbled.
 ExitStatus answerAbsence(const PathOptions& options, BrowsableRepository& repository,
                          const Question& question, const SearchLimits& limits) {
-  if (!options.isExplained) return tellAbsence(options, "No path.");
+  if (!options.isExplained) return tellAbsence(options, question, "No path.");
   const char* const unexplained = "no path; interrupted before it was explained";
   throwIfInterrupted(unexplained);
   try {
     return explainAbsence(options, repository, question, limits);
   } catch (const SearchStopped&) {
     throwIfInterrupted(unexplained);
-    return tellAbsence(options, "No path. A limit was reached before it was explained.");
+    return tellAbsence(options, question, "No path. A limit was reached before it was explained.");
   }
 }
 
@@ -129,22 +145,38 @@ VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions
   return sources.empty() ? VersionBaseline{} : sources.front();
 }
 
+std::string render(const std::vector<BaselineHop>& path, const PathOptions& options,
+                   BrowsableRepository& repository, const Question& question) {
+  if (options.form.format == PathFormat::Json) {
+    std::ostringstream text;
+    writePlanJson(makePlan(repository, question, path), weightsOf(repository), text);
+    return text.str();
+  }
+  const auto picture =
+      drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);
+  return renderPath(picture, options.form, options.output.colouring());
+}
+
+ExitStatus answer(const PathOptions& options, BrowsableRepository& repository,
+                  const Question& question, const SearchLimits& limits) {
+  const auto [path, hasStumbled] = search(options, repository, question, limits);
+  if (path) {
+    options.output.write(render(*path, options, repository, question));
+    return ExitStatus::Found;
+  }
+  return hasStumbled ? explainAbsence(options, repository, question, limits)
+                     : answerAbsence(options, repository, question, limits);
+}
+
 ExitStatus runPath(const PathOptions& options) {
+  options.form.expectTemplate();
   if (options.trace) traceToStandardError();
   const SearchLimits limits = options.limits.fromNow();
   const auto repository = openCatalogue(options.catalogue);
   const Question question = options.ask(*repository);
-  const UnknownEntries unknown = findUnknown(*repository, question);
-  if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
-  const auto [path, hasStumbled] = search(options, *repository, question, limits);
-  if (path) {
-    const auto picture =
-        drawPath(weightsOf(*repository), sourceOf(*path, options, *repository, question), *path);
-    options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
-    return ExitStatus::Found;
-  }
-  return hasStumbled ? explainAbsence(options, *repository, question, limits)
-                     : answerAbsence(options, *repository, question, limits);
+  expectKnown(*repository, question);
+  return adviseOnMemory(*repository, question,
+                        [&] { return answer(options, *repository, question, limits); });
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
-#include "catalogue/picture/path_json.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_script.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
 
@@ -16,8 +16,9 @@ namespace catalogue = tarn::evolution::catalogue;
 
 void PathFormatOption::addTo(CLI::App& command) {
   static const std::map<std::string, PathFormat> byName{
-      {"text", PathFormat::Text}, {"json", PathFormat::Json}, {"html", PathFormat::Html},
-      {"svg", PathFormat::Svg},   {"dot", PathFormat::Dot},   {"mermaid", PathFormat::Mermaid}};
+      {"text", PathFormat::Text},      {"json", PathFormat::Json}, {"script", PathFormat::Script},
+      {"html", PathFormat::Html},      {"svg", PathFormat::Svg},   {"dot", PathFormat::Dot},
+      {"mermaid", PathFormat::Mermaid}};
   auto* formatOption =
       command
           .add_option_function<std::string>(
@@ -29,17 +30,33 @@ void PathFormatOption::addTo(CLI::App& command) {
       .add_flag_callback(
           "--json", [this] { format = PathFormat::Json; }, "Short for --format json")
       ->excludes(formatOption);
+  command
+      .add_option("--template", scriptLine,
+                  "The line of a script for each hop, in which {step}, {name}, {from}, {to} and "
+                  "{expensive} are filled in")
+      ->type_name("LINE")
+      ->needs(formatOption);
 }
 
-std::string renderPath(const catalogue::PathPicture& picture, PathFormat format,
+void PathFormatOption::expectTemplate() const {
+  if (format != PathFormat::Script) return;
+  if (scriptLine.empty()) throw CLI::RequiredError("--template, with --format script,");
+  std::ostringstream ignored;
+  catalogue::writePathScript({}, scriptLine, ignored);
+}
+
+std::string renderPath(const catalogue::PathPicture& picture, const PathFormatOption& form,
                        catalogue::Colouring colouring) {
   std::ostringstream out;
-  switch (format) {
-    case PathFormat::Text:
-      catalogue::writePathText(picture, colouring, out);
-      break;
+  switch (form.format) {
     case PathFormat::Json:
-      catalogue::writePathJson(picture, out);
+      break;
+    case PathFormat::Script:
+      catalogue::writePathScript(picture, form.scriptLine, out);
+      break;
+    case PathFormat::Text:
+      if (!picture.steps.empty()) catalogue::writeStartText(picture, colouring, out);
+      catalogue::writePathText(picture, colouring, out);
       break;
     case PathFormat::Html:
       catalogue::writePathHtml(picture, out);

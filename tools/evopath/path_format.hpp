@@ -9,21 +9,26 @@
 namespace evopath {
 
 /// The forms in which a path can be shown.
-enum class PathFormat { Text, Json, Html, Svg, Dot, Mermaid };
+enum class PathFormat { Text, Json, Script, Html, Svg, Dot, Mermaid };
 
-/// The options --format and --json of a command.
+/// The options --format, --json and --template of a command.
 struct PathFormatOption {
   PathFormat format = PathFormat::Text;
+  std::string scriptLine;  ///< for each hop
 
-  /// Adds the options to a command; they set `format`, so this must outlive the parsing.
+  /// Adds the options to a command; they set the fields, so this must outlive the parsing.
   void addTo(CLI::App& command);
 
-  /// Whether the answer is a picture, which there is none of when there is no path.
+  /// Throws what is wrong with the template of a script, or that it is missing.
+  void expectTemplate() const;
+
+  /// Whether the answer is a picture or script, which there is none of when there is no path.
   bool isPicture() const { return format != PathFormat::Text && format != PathFormat::Json; }
 };
 
-/// The picture in that form.
-std::string renderPath(const tarn::evolution::catalogue::PathPicture& picture, PathFormat format,
+/// The picture in a form other than JSON.
+std::string renderPath(const tarn::evolution::catalogue::PathPicture& picture,
+                       const PathFormatOption& form,
                        tarn::evolution::catalogue::Colouring colouring);
 
 }  // namespace evopath

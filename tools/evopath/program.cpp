@@ -29,8 +29,9 @@ void addCommands(CLI::App& program, Action& action) {
       "that it was to change is then as it was.\n"
       "Example: evopath path data/operators.json --question");
   for (const AddCommand addCommand :
-       {addPathCommand, addExplainCommand, addStepsCommand, addShowCommand, addGraphCommand,
-        addCheckCommand, addImportCommand, addExportCommand, addAddCommand, addRemoveCommand}) {
+       {addPathCommand, addBatchCommand, addExplainCommand, addStepsCommand, addShowCommand,
+        addGraphCommand, addCheckCommand, addImportCommand, addExportCommand, addAddCommand,
+        addRemoveCommand, addWordsCommand}) {
     addCommand(program, action);
   }
 }

@@ -1,24 +1,22 @@
 #pragma once
 
-#include <csignal>
 #include <string>
 
 #include "catalogue/store/store_progress.hpp"
+#include "signal_catcher.hpp"
+#include "terminal_line.hpp"
 
 namespace evopath {
 
 /// Shows on standard error how far a long operation is, if that is a terminal; otherwise nothing.
 /// Goes away with the object.
 ///
-/// While it exists, Ctrl-C ends the operation in good order instead of the process at once: the
-/// progress function then throws Interrupted. A second Ctrl-C ends the process.
+/// While it exists, Ctrl-C and SIGTERM end the operation in good order instead of the process at
+/// once: the progress function then throws Interrupted. A second one ends the process.
 class ProgressBar {
  public:
   /// `title` says what is going on.
-  explicit ProgressBar(const std::string& title);
-  ProgressBar(const ProgressBar&) = delete;
-  ProgressBar& operator=(const ProgressBar&) = delete;
-  ~ProgressBar();
+  explicit ProgressBar(const std::string& title) : title_(title) {}
 
   /// To give to the operation, which the bar must outlive.
   tarn::evolution::catalogue::StoreProgress progress();
@@ -26,10 +24,10 @@ class ProgressBar {
  private:
   void show(double share);
 
+  const SignalCatcher signals_;
   std::string title_;
-  bool isShown_;
+  TerminalLine line_;
   int percent_ = -1;
-  struct sigaction formerAction_ {};
 };
 
 /// What the operation, which takes a progress function, returns; with a bar while it runs.

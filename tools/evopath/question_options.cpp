@@ -22,9 +22,16 @@ void QuestionOptions::addTo(CLI::App& command) {
   auto* questionFlag = command.add_flag("--question", question, "Ask the catalogue's own question");
   fromOption->needs(toOption)->excludes(questionFlag);
   toOption->needs(fromOption)->excludes(questionFlag);
+  preference.addTo(command);
 }
 
 Question QuestionOptions::ask(BrowsableRepository& repository) const {
+  Question asked = given(repository);
+  asked.from = preference.apply(repository, asked.from);
+  return asked;
+}
+
+Question QuestionOptions::given(BrowsableRepository& repository) const {
   if (!question && from.empty()) throw CLI::RequiredError("Either --question or --from and --to");
   if (!question)
     return {parseSelection("--from", from), parseSelection("--to", to, QuestionSide::To)};

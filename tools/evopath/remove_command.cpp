@@ -3,12 +3,15 @@
 #include <memory>
 #include <stdexcept>
 
+#include "catalogue/store/sqlite_catalogue_repository.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/text/display_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "known_versions.hpp"
 #include "progress_bar.hpp"
+#include "selection_argument.hpp"
 #include "store_report.hpp"
 #include "text_output.hpp"
 
@@ -36,6 +39,18 @@ RemovalChoice parseChoice(const std::string& argument) {
   }
 }
 
+/// That the store holds what is to be removed.
+void expectHeld(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices) {
+  SqliteCatalogueRepository repository(store);
+  for (const auto& [name, version] : choices) {
+    if (version) {
+      expectKnown(repository, Selection{{name, *version}});
+    } else {
+      expectKnown(repository, std::vector{name});
+    }
+  }
+}
+
 void printObstacles(const RemovalResult& result, std::ostream& out) {
   out << "evopath: nothing was removed, for others depend on it:\n";
   for (const RemovalObstacle& obstacle : result.obstacles) {
@@ -49,6 +64,7 @@ void printObstacles(const RemovalResult& result, std::ostream& out) {
 ExitStatus runRemove(const RemoveOptions& options) {
   std::vector<RemovalChoice> choices;
   for (const std::string& argument : options.choices) choices.push_back(parseChoice(argument));
+  expectHeld(options.store, choices);
   const RemovalResult result = withProgressBar("Removing", [&](const StoreProgress& progress) {
     return removeFromStore(options.store, choices, progress);
   });
@@ -69,7 +85,7 @@ void addRemoveCommand(CLI::App& program, Action& action) {
   command
       ->add_option("choices", options->choices,
                    "What to remove: one version of a metamodel, or all of them")
-      ->type_name("NAME[=VERSION]...")
+      ->type_name(nameOrVersionTypeName)
       ->required();
   command->footer(
       "The hops from and to what is removed go with it. Nothing is removed when a version that\n"

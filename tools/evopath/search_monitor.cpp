@@ -1,9 +1,5 @@
 #include "search_monitor.hpp"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
-#include <iostream>
 #include <string>
 
 namespace evopath {
@@ -14,13 +10,6 @@ using tarn::evolution::pathfinder::SearchProgress;
 namespace {
 
 constexpr int millisecondsBetweenLines = 100;
-
-/// How many characters fit into a line of the terminal, its last column left free.
-std::size_t terminalWidth() {
-  winsize size{};
-  const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return isKnown ? size.ws_col - 1U : 79U;
-}
 
 std::string describeBounds(const SearchProgress& progress) {
   std::string text;
@@ -35,7 +24,7 @@ std::string describeBounds(const SearchProgress& progress) {
 SearchMonitor::SearchMonitor(const SearchLimits& limits, Task task, Line line)
     : limits_(limits),
       task_(task),
-      isShown_(line == Line::OnTerminal && ::isatty(STDERR_FILENO) == 1),
+      isShown_(line == Line::OnTerminal && terminal_.isOnTerminal()),
       attendant_([this] { attend(); }) {}
 
 SearchMonitor::~SearchMonitor() {
@@ -55,16 +44,13 @@ SearchLimits SearchMonitor::limits() {
 }
 
 void SearchMonitor::attend() {
-  bool isDrawn = false;
   while (!isOver_) {
     if (signals_.wait(isShown_ ? millisecondsBetweenLines : -1)) {
       if (SignalCatcher::caught() != 0) stop_.request_stop();
     } else if (isShown_) {
       draw();
-      isDrawn = true;
     }
   }
-  if (isDrawn) std::cerr << "\r\033[K" << std::flush;
 }
 
 void SearchMonitor::draw() {
@@ -76,7 +62,7 @@ void SearchMonitor::draw() {
     const std::lock_guard lock(mutex_);
     text += describeBounds(progress_);
   }
-  std::cerr << "\r" << text.substr(0, terminalWidth()) << "\033[K" << std::flush;
+  terminal_.show(text);
 }
 
 }  // namespace evopath

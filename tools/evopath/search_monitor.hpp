@@ -8,6 +8,7 @@
 
 #include "pathfinder/search_limits.hpp"
 #include "signal_catcher.hpp"
+#include "terminal_line.hpp"
 
 namespace evopath {
 
@@ -36,6 +37,7 @@ class SearchMonitor {
 
   const tarn::evolution::pathfinder::SearchLimits limits_;
   const Task task_;
+  TerminalLine terminal_;
   const bool isShown_;
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::stop_source stop_;

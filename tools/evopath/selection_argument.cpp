@@ -5,6 +5,7 @@
 #include "catalogue/selection_file.hpp"
 #include "catalogue/text/visible.hpp"
 #include "catalogue/version_text.hpp"
+#include "standard_streams.hpp"
 
 namespace evopath {
 
@@ -20,7 +21,7 @@ namespace {
 Selection parseOne(const std::string& argument, QuestionSide side) {
   const std::size_t separator = argument.find('=');
   if (separator == std::string::npos) {
-    if (argument.starts_with('@')) return readSelectionFile(argument.substr(1), side);
+    if (argument.starts_with('@')) return readSelectionFile(inputFile(argument.substr(1)), side);
     throw std::invalid_argument("must be NAME=VERSION or @FILE");
   }
   return {{parseName(argument.substr(0, separator)), parseVersion(argument.substr(separator + 1))}};

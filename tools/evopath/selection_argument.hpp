@@ -12,6 +12,10 @@ namespace evopath {
 /// after the at sign.
 inline constexpr const char* selectionTypeName = "NAME=VERSION|@FILE[,...]";
 
+/// What arguments are called that name metamodels; completions ask the catalogue for them.
+inline constexpr const char* nameTypeName = "NAME";
+inline constexpr const char* nameOrVersionTypeName = "NAME[=VERSION]";
+
 /// The selection that arguments of the forms NAME=VERSION and @FILE make, a file giving `side` of
 /// its question where it is a catalogue (see `readSelectionFile`, also for what is thrown). What
 /// has an equals sign is no @FILE, for names may begin with an at sign. Throws

@@ -6,7 +6,10 @@
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "known_versions.hpp"
+#include "number_option.hpp"
 #include "output_option.hpp"
+#include "preference_option.hpp"
 #include "selection_argument.hpp"
 
 namespace evopath {
@@ -19,6 +22,8 @@ struct ShowOptions {
   std::filesystem::path catalogue;
   std::vector<std::string> names;
   std::vector<std::string> at;
+  std::uint64_t baselines = 1000;
+  PreferenceOption preference;
   bool json = false;
   OutputOption output;
 };
@@ -27,21 +32,28 @@ struct ShowOptions {
 catalogue::MetamodelDetails describe(catalogue::BrowsableRepository& repository,
                                      const std::string& argument) {
   if (argument.find('=') == std::string::npos) {
-    return catalogue::describeMetamodel(repository, catalogue::parseName(argument));
+    const std::vector names{catalogue::parseName(argument)};
+    expectKnown(repository, names);
+    return catalogue::describeMetamodel(repository, names.front());
   }
   const auto selection = parseSelection("show", {argument});
+  expectKnown(repository, selection);
   const auto& [name, version] = *selection.begin();
   return catalogue::describeVersion(repository, name, version);
 }
 
 ExitStatus showBaselines(const ShowOptions& options, catalogue::BrowsableRepository& repository,
                          std::ostream& out) {
-  const auto selection = parseSelection("--at", options.at);
+  auto selection = parseSelection("--at", options.at);
+  expectKnown(repository, selection);
+  const auto named = selection;
+  selection = options.preference.apply(repository, selection);
+  expectFewBaselines(repository, selection, options.baselines);
   const auto baselines = repository.combine(selection);
   if (options.json) {
     catalogue::writeBaselinesJson(baselines, out);
   } else {
-    catalogue::writeBaselinesText(baselines, selection, options.output.colouring(), out);
+    catalogue::writeBaselinesText(baselines, named, options.output.colouring(), out);
   }
   return baselines.empty() ? ExitStatus::NoPath : ExitStatus::Found;
 }
@@ -92,11 +104,14 @@ void addShowCommand(CLI::App& program, Action& action) {
   auto* names = show->add_option("names", options->names,
                                  "Metamodels to show with all versions, or single versions, which "
                                  "are linked as well; with none, every metamodel in one line")
-                    ->type_name("NAME[=VERSION]");
+                    ->type_name(nameOrVersionTypeName);
   show->add_option("--at", options->at, "Show the consistent baselines of these versions instead")
       ->type_name(selectionTypeName)
       ->delimiter(',')
       ->excludes(names);
+  addNumberOption(*show, "--baselines", options->baselines,
+                  "How many baselines --at may show at most");
+  options->preference.addTo(*show);
   show->add_flag("--json", options->json, "Print the answer as JSON");
   options->output.addTo(*show);
   show->footer(

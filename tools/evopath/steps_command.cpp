@@ -2,11 +2,14 @@
 #include <memory>
 #include <sstream>
 
+#include "catalogue/explanation/steps_out.hpp"
 #include "catalogue/open_catalogue.hpp"
-#include "catalogue/picture/step_listing.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "known_versions.hpp"
+#include "number_option.hpp"
 #include "output_option.hpp"
+#include "preference_option.hpp"
 #include "selection_argument.hpp"
 
 namespace evopath {
@@ -25,32 +28,52 @@ struct StepsOptions {
   std::filesystem::path catalogue;
   std::vector<std::string> at;
   std::string direction = "any";
-  std::uint64_t limit = 10000;
+  std::uint64_t limit = 1'000'000;
+  std::uint64_t baselines = 1000;
+  PreferenceOption preference;
+  bool all = false;
   bool json = false;
   OutputOption output;
+
+  catalogue::StepSearch search() const { return {directions.at(direction), limit}; }
 };
 
-std::vector<catalogue::StepListing> list(const StepsOptions& options) {
-  const auto repository = catalogue::openCatalogue(options.catalogue);
-  try {
-    return catalogue::listSteps(*repository, parseSelection("--at", options.at),
-                                directions.at(options.direction), options.limit);
-  } catch (const catalogue::TooManyCombinations& error) {
-    throw std::runtime_error(std::string(error.what()) +
-                             "; ask for fewer metamodels, one direction or a higher --limit");
+ExitStatus statusOf(const catalogue::StepsOut& steps) {
+  return steps.isComplete ? ExitStatus::Found : ExitStatus::Open;
+}
+
+ExitStatus listMinimal(const StepsOptions& options, catalogue::BrowsableRepository& repository,
+                       const catalogue::Selection& selection) {
+  const auto steps = catalogue::findMinimalSteps(repository, selection, options.search());
+  std::ostringstream text;
+  if (options.json) {
+    catalogue::writeStepsOutJson(steps, text);
+  } else {
+    catalogue::writeStepsOutText(steps, options.output.colouring(), text);
   }
+  options.output.write(text.str());
+  return steps.listings.empty() ? ExitStatus::NoPath : statusOf(steps);
+}
+
+ExitStatus streamAll(const StepsOptions& options, catalogue::BrowsableRepository& repository,
+                     const catalogue::Selection& selection) {
+  OutputOption::Stream out(options.output);
+  const auto form = options.json ? catalogue::StepForm::JsonLines : catalogue::StepForm::Text;
+  const auto steps = catalogue::streamSteps(repository, selection, options.search(), form,
+                                            options.output.colouring(),
+                                            [&](const std::string& text) { out.write(text); });
+  out.finish();
+  return steps.listings.empty() ? ExitStatus::NoPath : statusOf(steps);
 }
 
 ExitStatus runSteps(const StepsOptions& options) {
-  const auto listings = list(options);
-  std::ostringstream text;
-  if (options.json) {
-    catalogue::writeStepsJson(listings, text);
-  } else {
-    catalogue::writeStepsText(listings, options.output.colouring(), text);
-  }
-  options.output.write(text.str());
-  return listings.empty() ? ExitStatus::NoPath : ExitStatus::Found;
+  const auto repository = catalogue::openCatalogue(options.catalogue);
+  auto selection = parseSelection("--at", options.at);
+  expectKnown(*repository, selection);
+  selection = options.preference.apply(*repository, selection);
+  expectFewBaselines(*repository, selection, options.baselines);
+  return options.all ? streamAll(options, *repository, selection)
+                     : listMinimal(options, *repository, selection);
 }
 
 }  // namespace
@@ -67,17 +90,21 @@ void addStepsCommand(CLI::App& program, Action& action) {
       ->type_name("DIRECTION")
       ->check(CLI::IsMember(&directions))
       ->capture_default_str();
-  steps
-      ->add_option("--limit", options->limit,
-                   "How many combinations of hops to try at most; each metamodel that can move "
-                   "doubles their number or more")
-      ->type_name("NUMBER")
-      ->capture_default_str();
-  steps->add_flag("--json", options->json, "Print the answer as JSON");
+  addNumberOption(*steps, "--limit", options->limit,
+                  "How many combinations of hops to try at most, for each baseline with --all");
+  addNumberOption(*steps, "--baselines", options->baselines,
+                  "How many baselines the versions may leave open at most");
+  options->preference.addTo(*steps);
+  steps->add_flag("--all", options->all,
+                  "List all steps, as they are found, not only those of which no part is a step");
+  steps->add_flag("--json", options->json,
+                  "Print the answer as JSON; with --all a step on each line");
   options->output.addTo(*steps);
   steps->footer(
-      "Exit status: 0 listed, 1 the versions cannot stand together, 2 bad usage or input, also "
-      "more combinations than the limit.\n"
+      "A hop to a version that cannot be linked is left out and named.\n"
+      "Exit status: 0 listed, 1 the versions cannot stand together, 2 bad usage or input, 3 "
+      "listed\n"
+      "are those that were found before the limit was reached.\n"
       "Example: evopath steps data/operators.json --at kuadrant-operator=0.6.1 --direction "
       "forward");
   steps->callback([options, &action] { action = [options] { return runSteps(*options); }; });

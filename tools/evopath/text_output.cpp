@@ -17,11 +17,6 @@ namespace evopath {
 
 namespace {
 
-[[noreturn]] void failToWrite(const std::string& where, int error) {
-  throw std::runtime_error(where +
-                           ": cannot be written: " + std::generic_category().message(error));
-}
-
 void writeAll(int descriptor, std::string_view text, const std::string& where) {
   while (!text.empty()) {
     const ssize_t written = ::write(descriptor, text.data(), text.size());
@@ -40,14 +35,14 @@ mode_t permissionsOf(const std::string& file) {
   return 0666 & ~mask;
 }
 
-/// Has Ctrl-C wait as long as it lives.
+/// Has Ctrl-C, SIGTERM and SIGHUP wait as long as it lives.
 class InterruptDelay {
  public:
   InterruptDelay() {
-    sigset_t interrupt;
-    sigemptyset(&interrupt);
-    sigaddset(&interrupt, SIGINT);
-    ::pthread_sigmask(SIG_BLOCK, &interrupt, &former_);
+    sigset_t interrupts;
+    sigemptyset(&interrupts);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&interrupts, signal);
+    ::pthread_sigmask(SIG_BLOCK, &interrupts, &former_);
   }
   InterruptDelay(const InterruptDelay&) = delete;
   InterruptDelay& operator=(const InterruptDelay&) = delete;
@@ -108,6 +103,15 @@ void writeToDevice(const std::filesystem::path& file, const std::string& text) {
 void writeToStandardOutput(const std::string& text) {
   std::cout.flush();
   writeAll(STDOUT_FILENO, text, "standard output");
+}
+
+void writeToDescriptor(int descriptor, const std::string& text, const std::string& where) {
+  writeAll(descriptor, text, where);
+}
+
+void failToWrite(const std::string& where, int error) {
+  throw std::runtime_error(where +
+                           ": cannot be written: " + std::generic_category().message(error));
 }
 
 void writeToFile(const std::filesystem::path& file, const std::string& text) {

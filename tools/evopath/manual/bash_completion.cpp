@@ -21,16 +21,26 @@ _evopath_files() {
   _evopath_reply < <(compgen -P "$prefix" -f -- "$value")
 }
 
+_evopath_known() {
+  local known
+  compopt -o nospace 2>/dev/null
+  _evopath_reply < <("${words[0]}" words "${catalogue/#~\//$HOME/}" "$@" -- "$value" 2>/dev/null |
+    while IFS= read -r known; do printf '%s\n' "$prefix$known"; done)
+}
+
 _evopath_selection() {
   case $value in *,*) prefix+=${value%,*}, value=${value##*,} ;; esac
-  case $value in @*) prefix+=@ value=${value#@}; _evopath_files ;; esac
+  case $value in
+    @*) prefix+=@ value=${value#@}; _evopath_files ;;
+    *) _evopath_known --selection ;;
+  esac
 }
 
 )";
 
 constexpr const char* readWords = R"(_evopath() {
   local -a words
-  local line=${COMP_LINE:0:COMP_POINT} word option place=0 value prefix= given
+  local line=${COMP_LINE:0:COMP_POINT} word option place=0 value prefix= given catalogue=
   read -ra words <<<"$line"
   case $line in *[[:space:]]) words+=("") ;; esac
   local last=$((${#words[@]} - 1)) command=${words[1]}
@@ -50,7 +60,7 @@ constexpr const char* findPlace = R"(    return
     case $word in
       @VALUED@) option=$word ;;
       -*) ;;
-      *) place=$((place + 1)) ;;
+      *) place=$((place + 1)) catalogue=${catalogue:-$word} ;;
     esac
   done
   case $value in --*=*) option=${value%%=*} prefix=${value%%=*}= value=${value#*=} ;; esac
@@ -69,6 +79,10 @@ void writeCase(const std::string& pattern, const Parameter& parameter, std::ostr
       return;
     case ValueKind::File:
       out << "    " << pattern << ") _evopath_files ;;\n";
+      return;
+    case ValueKind::Name:
+    case ValueKind::NameOrVersion:
+      out << "    " << pattern << ") _evopath_known ;;\n";
       return;
     case ValueKind::Selection:
       out << "    " << pattern << ") _evopath_selection ;;\n";

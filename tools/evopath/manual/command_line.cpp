@@ -21,6 +21,12 @@ std::vector<std::string> splitChoices(std::string_view braced) {
   return words;
 }
 
+ValueKind kindOf(const std::string& type) {
+  if (type == selectionTypeName) return ValueKind::Selection;
+  if (type == nameTypeName) return ValueKind::Name;
+  return type == nameOrVersionTypeName ? ValueKind::NameOrVersion : ValueKind::Other;
+}
+
 /// Fills in what the type of the value tells: its name, then a colon and the check, if any.
 void describeValue(const std::string& type, Parameter& parameter) {
   const std::size_t braces = type.find(":{");
@@ -31,7 +37,7 @@ void describeValue(const std::string& type, Parameter& parameter) {
   } else if (type == fileTypeName) {
     parameter.kind = ValueKind::File;
   } else {
-    parameter.kind = type == selectionTypeName ? ValueKind::Selection : ValueKind::Other;
+    parameter.kind = kindOf(type);
   }
 }
 
@@ -91,7 +97,7 @@ Command describe(const CLI::App& app) {
   }
   describeFooter(app.get_footer(), command);
   for (const CLI::App* inner : app.get_subcommands([](const CLI::App*) { return true; })) {
-    command.commands.push_back(describe(*inner));
+    if (!inner->get_group().empty()) command.commands.push_back(describe(*inner));
   }
   return command;
 }

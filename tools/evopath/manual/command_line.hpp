@@ -11,11 +11,13 @@ namespace evopath::manual {
 
 /// What may stand where an argument or the value of an option is expected.
 enum class ValueKind {
-  None,       ///< nothing: a flag
-  Other,      ///< what only a catalogue knows, or a number
-  Choice,     ///< one of a few words
-  File,       ///< a file
-  Selection,  ///< pairs of name and version, or files after an at sign
+  None,           ///< nothing: a flag
+  Other,          ///< what only a catalogue knows, or a number
+  Choice,         ///< one of a few words
+  File,           ///< a file
+  Name,           ///< a metamodel of the catalogue
+  NameOrVersion,  ///< the same, or one version of it
+  Selection,      ///< pairs of name and version, or files after an at sign
 };
 
 /// An option, or an argument known by its place.

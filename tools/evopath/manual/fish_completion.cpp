@@ -31,10 +31,46 @@ function __evopath_expects -a command place comparison
     test $found $comparison $place
 end
 
-# The files for the last @FILE of a selection.
+# The first argument of the command.
+function __evopath_catalogue
+    set -l words (commandline -opc)
+    set -l skipped 0
+    for word in $words[3..]
+        if test $skipped = 1
+            set skipped 0
+            continue
+        end
+        switch $word
+            case @VALUED@
+                set skipped 1
+            case '-*'
+            case '*'
+                string replace -r '^~/' "$HOME/" -- $word
+                return
+        end
+    end
+end
+
+# The names and versions that the last part of the word may become; arguments are options.
+function __evopath_known
+    set -l catalogue (__evopath_catalogue)
+    set -l program (commandline -opc)[1]
+    test -n "$catalogue"; or return 1
+    set -l word (commandline -ct)
+    set -l start (string match -r '^(?:--[a-z-]+=)?(?:.*,)?' -- $word)
+    set -l value (string sub -s (math (string length -- "$start") + 1) -- $word)
+    for found in ($program words $catalogue $argv -- "$value" 2>/dev/null)
+        echo $start$found
+    end
+end
+
+# The files for the last @FILE of a selection, or names and versions.
 function __evopath_selection
     set -l word (commandline -ct)
-    string match -qr '(^|,|=)@[^,]*$' -- $word; or return 1
+    if not string match -qr '(^|,|=)@[^,]*$' -- $word
+        __evopath_known --selection
+        return
+    end
     set -l file (string replace -r '.*@' '' -- $word)
     set -l start (string replace -r '[^@]*$' '' -- $word)
     for found in (__fish_complete_path "$file")
@@ -58,6 +94,9 @@ std::string completionFor(const Parameter& parameter) {
       return " -x -a " + quote(join(parameter.choices, " "));
     case ValueKind::File:
       return " -r -F";
+    case ValueKind::Name:
+    case ValueKind::NameOrVersion:
+      return " -x -a '(__evopath_known)'";
     case ValueKind::Selection:
       return " -x -a '(__evopath_selection)'";
   }
@@ -80,11 +119,15 @@ void writeCommand(const Command& command, std::ostream& out) {
   out << "\ncomplete -c evopath -n __fish_use_subcommand -a " << command.name << " -d "
       << quote(command.description) << "\n";
   for (std::size_t place = 0; place < command.arguments.size(); ++place) {
-    if (command.arguments[place].kind != ValueKind::File) continue;
+    const Parameter& argument = command.arguments[place];
+    const bool isFile = argument.kind == ValueKind::File;
+    const bool isKnown =
+        argument.kind == ValueKind::Name || argument.kind == ValueKind::NameOrVersion;
+    if (!isFile && !isKnown) continue;
     out << "complete -c evopath -n "
         << quote("__evopath_expects " + command.name + " " + std::to_string(place) +
-                 (command.arguments[place].isRepeatable ? " -ge" : " -eq"))
-        << " -F\n";
+                 (argument.isRepeatable ? " -ge" : " -eq"))
+        << (isFile ? " -F\n" : " -a '(__evopath_known)'\n");
   }
   for (const Parameter& option : command.options) {
     writeOption("__fish_seen_subcommand_from " + command.name, option, out);
@@ -96,7 +139,10 @@ void writeCommand(const Command& command, std::ostream& out) {
 void writeFishCompletion(const Command& program, std::ostream& out) {
   std::string functions = helpers;
   const std::string mark = "@VALUED@";
-  functions.replace(functions.find(mark), mark.size(), join(optionsWithValue(program), " "));
+  const std::string valued = join(optionsWithValue(program), " ");
+  for (std::size_t found; (found = functions.find(mark)) != std::string::npos;) {
+    functions.replace(found, mark.size(), valued);
+  }
   out << "# Completion of " << program.name << " for fish.\n\n"
       << functions << "complete -c evopath -f\n";
   for (const Parameter& option : program.options) {

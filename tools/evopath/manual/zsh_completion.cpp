@@ -7,12 +7,18 @@ namespace evopath::manual {
 
 namespace {
 
-constexpr const char* selection = R"(_evopath_selection() {
-  compset -P '*,'
-  if compset -P '@'; then _files; else _message 'NAME=VERSION or @FILE'; fi
+constexpr const char* selection = R"zsh(_evopath_known() {
+  local -a known
+  known=(${(f)"$(evopath words ${~${(Q)line[1]}} $@ -- "$PREFIX" 2>/dev/null)"})
+  compadd -S '' -- $known
 }
 
-)";
+_evopath_selection() {
+  compset -P '*,'
+  if compset -P '@'; then _files; else _evopath_known --selection; fi
+}
+
+)zsh";
 
 std::string escape(const std::string& text) {
   return escapeEach(text, "\\:[]");
@@ -25,6 +31,9 @@ std::string actionFor(const Parameter& parameter) {
       return "(" + join(parameter.choices, " ") + ")";
     case ValueKind::File:
       return "_files";
+    case ValueKind::Name:
+    case ValueKind::NameOrVersion:
+      return "_evopath_known";
     case ValueKind::Selection:
       return "_evopath_selection";
     case ValueKind::None:

@@ -1,0 +1,100 @@
+#include <sstream>
+
+#include "catalogue/explanation/explanation_text.hpp"
+#include "catalogue/explanation/step_stream_writer.hpp"
+#include "catalogue/explanation/steps_out.hpp"
+#include "catalogue/picture/baseline_output.hpp"
+#include "catalogue/picture/step_listing_json.hpp"
+#include "catalogue/text/printed_text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+namespace {
+
+/// What was left out, and whether these are all; nothing when there is nothing to say.
+void writeLeftOutText(const StepsOut& steps, std::ostream& out) {
+  for (const Unlinkable& unlinkable : steps.unlinkable) {
+    out << "Left out: ";
+    writeUnlinkableText(unlinkable, out);
+  }
+  if (!steps.isComplete) out << "There may be more: the limit was reached.\n";
+}
+
+}  // namespace
+
+void writeStepsOutText(const StepsOut& steps, Colouring colouring, std::ostream& out) {
+  writeStepsText(steps.listings, colouring, out);
+  writeLeftOutText(steps, out);
+}
+
+void writeStepsOutJson(const StepsOut& steps, std::ostream& out) {
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] {
+    writeListings(printer, steps.listings);
+    printer.arrayField("unlinkable", [&] {
+      for (const Unlinkable& unlinkable : steps.unlinkable) {
+        printer.object([&] {
+          printer.field("name", fl::i18n::ustring_to_utf8(unlinkable.chain.front().name));
+          printer.field("version", textOf(unlinkable.chain.front().version));
+        });
+      }
+    });
+    printer.field("complete", steps.isComplete);
+  });
+  out << "\n";
+}
+
+StepStreamWriter::StepStreamWriter(BrowsableRepository& repository,
+                                   const std::vector<pathfinder::VersionBaseline>& baselines,
+                                   StepForm form, Colouring colouring, const Write& write)
+    : repository_(repository),
+      baselines_(baselines),
+      form_(form),
+      colouring_(colouring),
+      write_(write) {}
+
+void StepStreamWriter::beginBaseline() {
+  steps_ = 0;
+  const std::size_t place = begun_++;
+  if (form_ != StepForm::Text || baselines_.size() == 1) return;
+  write_((place == 0 ? "" : "\n") + headingOfBaseline(place, baselines_.size(), colouring_) + ": " +
+         listMembers(baselines_[place]) + "\n");
+}
+
+void StepStreamWriter::write(const pathfinder::BaselineHop& step) {
+  ++steps_;
+  const StepListing listing = makeListing(repository_, step.from, {step});
+  write_(form_ == StepForm::Text ? textOf(listing) : lineOf(listing));
+}
+
+void StepStreamWriter::finish(const StepsOut& found) {
+  if (form_ != StepForm::Text) return;
+  std::ostringstream text;
+  if (baselines_.empty()) text << noBaseline;
+  writeLeftOutText(found, text);
+  write_(std::move(text).str());
+}
+
+std::string StepStreamWriter::textOf(const StepListing& listing) {
+  const StepListing::Group& group = listing.groups.front();
+  std::ostringstream out;
+  StepTextWriter(group.picture, colouring_, out)
+      .write("Step " + std::to_string(steps_) + ", " + nameOfDirection(group.direction) +
+                 ", weight " + std::to_string(group.picture.steps.front().weight),
+             0);
+  return std::move(out).str();
+}
+
+std::string StepStreamWriter::lineOf(const StepListing& listing) {
+  std::ostringstream out;
+  JsonPrinter printer(out, JsonPrinter::Layout::Line);
+  printer.object([&] {
+    printer.key("baseline");
+    writeMembers(printer, listing.baseline);
+    writeListedStep(printer, listing.groups.front(), 0);
+  });
+  out << "\n";
+  return std::move(out).str();
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,119 @@
+#include "catalogue/picture/path_plan.hpp"
+
+#include <algorithm>
+#include <map>
+#include <ostream>
+
+#include "catalogue/picture/baseline_output.hpp"
+#include "catalogue/picture/plan_json.hpp"
+#include "catalogue/picture/step_json.hpp"
+#include "catalogue/text/dependency_json.hpp"
+#include "catalogue/text/printed_text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using fl::i18n::ustring_to_utf8;
+using pathfinder::BaselineHop;
+using pathfinder::VersionBaseline;
+
+namespace {
+
+/// The first source that includes a target, which a path without steps stands for.
+VersionBaseline findArrived(pathfinder::VersionRepository& repository, const Question& question) {
+  const auto sources = repository.combine(question.from);
+  const auto targets = repository.combine(question.to);
+  const auto arrived =
+      std::find_if(sources.begin(), sources.end(), [&](const VersionBaseline& source) {
+        return std::any_of(targets.begin(), targets.end(),
+                           [&](const VersionBaseline& target) { return source.includes(target); });
+      });
+  return arrived == sources.end() ? VersionBaseline() : *arrived;
+}
+
+void writeSelection(JsonPrinter& printer, const Selection& selection) {
+  printer.object([&] {
+    for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
+      printer.field(ustring_to_utf8(name), textOf(version));
+    }
+  });
+}
+
+void writeTie(JsonPrinter& printer, const StepTie& tie) {
+  printer.object([&] {
+    printer.field("mover", ustring_to_utf8(tie.mover));
+    printer.field("companion", ustring_to_utf8(tie.companion));
+    printer.objectField("dependent", [&] {
+      printer.field("name", ustring_to_utf8(tie.dependent.name));
+      printer.field("version", textOf(tie.dependent.version));
+    });
+    printer.key("needs");
+    writeDependency(printer, tie.requirement());
+    printer.key("refused");
+    if (tie.refused) {
+      printer.value(textOf(*tie.refused));
+    } else {
+      printer.null();
+    }
+  });
+}
+
+void writeBundles(JsonPrinter& printer, const BaselineHop& step, const std::vector<StepTie>& ties) {
+  printer.arrayField("bundles", [&] {
+    for (const auto& bundle : bundlesOf(step, ties)) {
+      printer.array([&] {
+        for (const std::u16string& name : bundle) printer.value(ustring_to_utf8(name));
+      });
+    }
+  });
+}
+
+}  // namespace
+
+PathPlan makePlan(pathfinder::VersionRepository& repository, const Question& question,
+                  const std::vector<BaselineHop>& path) {
+  PathPlan plan{question, {}, {}, path, {}};
+  for (const BaselineHop& step : path) plan.ties.push_back(tiesOf(repository, step));
+  plan.start = path.empty() ? findArrived(repository, question) : path.front().from;
+  plan.end = path.empty() ? plan.start : path.back().to;
+  return plan;
+}
+
+void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question) {
+  printer.field("form", planForm);
+  printer.field("found", isFound);
+  printer.objectField("question", [&] {
+    printer.key("from");
+    writeSelection(printer, question.from);
+    printer.key("to");
+    writeSelection(printer, question.to);
+  });
+}
+
+void writePlanFields(JsonPrinter& printer, const PathPlan& plan, const StepWeights& weights) {
+  const PathPicture picture = drawPath(weights, plan.start, plan.steps);
+  writeAnswerHead(printer, true, plan.question);
+  printer.field("weight", std::uint64_t{picture.weight});
+  printer.key("start");
+  writeMembers(printer, plan.start);
+  printer.key("end");
+  writeMembers(printer, plan.end);
+  printer.arrayField("steps", [&] {
+    for (std::size_t i = 0; i < plan.steps.size(); ++i) {
+      printer.object([&] {
+        writeStepFields(printer, picture, picture.steps[i]);
+        printer.arrayField("ties", [&] {
+          for (const StepTie& tie : plan.ties[i]) writeTie(printer, tie);
+        });
+        writeBundles(printer, plan.steps[i], plan.ties[i]);
+      });
+    }
+  });
+}
+
+void writePlanJson(const PathPlan& plan, const StepWeights& weights, std::ostream& out) {
+  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
+  printer.object([&] { writePlanFields(printer, plan, weights); });
+  out << "\n";
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,165 @@
+"""Answers batches of questions, and holds answers against the schema and against asking one by one.
+
+usage: evopath_batch_test.py EVOPATH DATA EXAMPLES
+"""
+
+import json
+import os
+import pathlib
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import jsonschema
+import yaml
+
+PROGRAM, DATA, EXAMPLES = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
+SCHEMA = json.loads((DATA / "plan.schema.json").read_text(encoding="utf-8"))
+SEED = int(os.environ.get("TARN_RANDOM_SEED", random.randrange(1 << 32)))
+
+
+def heads():
+    """Random questions about the versions of the operators, hostile lines among them, for each of which it is said
+    whether it can be asked."""
+    print(f"TARN_RANDOM_SEED={SEED}")
+    chance = random.Random(SEED)
+    versions = {}
+    for each in json.loads((DATA / "operators.json").read_text(encoding="utf-8"))["metamodels"]:
+        versions.setdefault(each["name"], []).append(each["version"])
+    lines = []
+    for _ in range(60):
+        names = chance.sample(sorted(versions), chance.randint(1, 2))
+        question = {side: {name: chance.choice(versions[name]) for name in names} for side in ("from", "to")}
+        lines.append((json.dumps(question), True))
+    for hostile in ("", "{", "[]", "{}", '{"from": {}, "to": 1}', '{"from": {"x": "1"}, "to": {"x": "2"}}',
+                    '{"from": {}, "to": {}}, "hops": [3]', "\"\u00e4\U0001f600\"", "{}}", "null", " \t"):
+        lines.insert(chance.randrange(len(lines)), (hostile, False))
+    return lines
+
+
+class Batch(unittest.TestCase):
+    """What batches answer, and how they are divided and resumed."""
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+        self.lines = heads()
+        (self.folder / "q.jsonl").write_text("".join(line + "\n" for line, _ in self.lines), encoding="utf-8")
+        self.evopath("import", DATA / "operators.json", "operators.store")
+
+    def evopath(self, *arguments, **options):
+        return subprocess.run([PROGRAM, *arguments], cwd=self.folder, check=False, encoding="utf-8", timeout=250,
+                              **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
+
+    def batch(self, *arguments, catalogue="operators.store"):
+        return self.evopath("batch", catalogue, "q.jsonl", *arguments)
+
+    def test_answers_are_those_of_asking_one_by_one(self):
+        validator = jsonschema.Draft202012Validator(SCHEMA)
+        jsonschema.Draft202012Validator.check_schema(SCHEMA)
+        done = self.batch("--jobs", "4")
+        self.assertEqual(done.returncode, 2)
+        answers = [json.loads(line) for line in done.stdout.splitlines()]
+        asked = [number for number, (line, _) in enumerate(self.lines, 1) if line.strip()]
+        self.assertEqual([answer["line"] for answer in answers], asked)
+        found = absent = 0
+        for answer in answers:
+            validator.validate(answer)
+            text, is_question = self.lines[answer["line"] - 1]
+            self.assertEqual("error" in answer, not is_question, text)
+            if not is_question:
+                continue
+            question = json.loads(text)
+            for side in ("from", "to"):
+                (self.folder / f"{side}.json").write_text(json.dumps(question[side]), encoding="utf-8")
+            single = self.evopath("path", "operators.store", "--from", "@from.json", "--to", "@to.json", "--json",
+                                  "--no-explain")
+            plan = json.loads(single.stdout)
+            validator.validate(plan)
+            self.assertEqual({**plan, "line": answer["line"]}, answer)
+            found += answer["found"]
+            absent += not answer["found"]
+        self.assertGreater(min(found, absent), 0)
+        for jobs, catalogue in [("1", "operators.store"), ("3", DATA / "operators.json")]:
+            self.assertEqual(self.batch("--jobs", jobs, catalogue=catalogue).stdout, done.stdout)
+        for wrong in ({"form": 2, "found": False, "question": {"from": {}, "to": {}}}, {"form": 1},
+                      {**answers[asked.index(answer["line"])], "found": "yes"}):
+            self.assertFalse(validator.is_valid(wrong))
+
+    def test_parts_and_resumption_lose_nothing(self):
+        whole = self.batch().stdout.splitlines(keepends=True)
+        parts = [self.batch("--part", f"{part}/3").stdout.splitlines(keepends=True) for part in (1, 2, 3)]
+        self.assertEqual([parts[place % 3][place // 3] for place in range(len(whole))], whole)
+        self.assertEqual(sum(map(len, parts)), len(whole))
+        text = "".join(whole)
+        output = self.folder / "answers"
+        for kept in (0, 1, len(whole[0]), len(whole[0]) + 1, len(text) // 2, len(text) - 1, len(text)):
+            output.write_bytes(text.encode()[:kept])
+            self.batch("--output", "answers", "--resume")
+            self.assertEqual(output.read_text(encoding="utf-8"), text, kept)
+        self.assertIn("answers: exists; --resume goes on with it", self.batch("--output", "answers").stderr)
+        done = self.batch("--output", "answers", "--resume", "--part", "2/3")
+        self.assertIn("answers: line 1 does not answer the question that it should", done.stderr)
+        self.assertEqual(output.read_text(encoding="utf-8"), text)
+        for part in ("0/3", "4/3", "1", "a/b", "1/0", "-1/3"):
+            self.assertIn(f"--part {part}: must be", self.batch("--part", part).stderr)
+
+    def test_limits_and_signals(self):
+        done = self.batch("--timeout", "0")
+        self.assertEqual(done.returncode, 2)  # some could not be asked
+        stopped = [json.loads(line) for line in done.stdout.splitlines()]
+        self.assertIn("time", [answer.get("open") for answer in stopped])
+        (self.folder / "endless").write_text(200_000 * (self.lines[-1][0] + "\n"), encoding="utf-8")
+        with subprocess.Popen([PROGRAM, "batch", "operators.store", "endless", "--output", "a"], cwd=self.folder,
+                              stderr=subprocess.PIPE) as process:
+            while not (self.folder / "a").exists() or (self.folder / "a").stat().st_size < 5_000:
+                self.assertIsNone(process.poll())
+            process.send_signal(signal.SIGTERM)
+            self.assertEqual(process.wait(), -signal.SIGTERM)
+            self.assertIn(b"interrupted", process.stderr.read())
+        lines = (self.folder / "a").read_text(encoding="utf-8")
+        self.assertTrue(lines.endswith("}\n"))
+        self.assertEqual([json.loads(line)["line"] for line in lines.splitlines()],
+                         list(range(1, lines.count("\n") + 1)))
+
+    @unittest.skipUnless(shutil.which("parallel"), "GNU parallel is not installed")
+    def test_gnu_parallel_runs_the_parts(self):
+        line = f"parallel --will-cite -j2 -k '{PROGRAM}' batch operators.store q.jsonl --jobs 1 --part {{}}/3 ::: 1 2 3"
+        done = subprocess.run(["bash", "-c", line], cwd=self.folder, check=False, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, encoding="utf-8", timeout=250)
+        answers = sorted(done.stdout.splitlines(keepends=True), key=lambda answer: json.loads(answer)["line"])
+        self.assertEqual("".join(answers), self.batch().stdout)
+
+    def expect_shared(self, command, variables):
+        """Runs a command as each of 16 tasks does, one of them a second time; what all answer is the whole."""
+        shutil.copy(self.folder / "q.jsonl", self.folder / "questions.jsonl")
+        for task in [*range(16), 3]:
+            environment = {**os.environ, **variables(task), "PATH": f"{PROGRAM.parent}{os.pathsep}{os.environ['PATH']}"}
+            subprocess.run(command, cwd=self.folder, check=False, env=environment, stderr=subprocess.DEVNULL,
+                           timeout=250)
+        files = list(self.folder.glob("answers.*.jsonl"))
+        self.assertEqual(len(files), 16)
+        answers = [line for file in files for line in file.read_text(encoding="utf-8").splitlines(keepends=True)]
+        answers.sort(key=lambda answer: json.loads(answer)["line"])
+        self.assertEqual("".join(answers), self.batch().stdout)
+
+    def test_an_array_of_jobs_shares_the_work(self):
+        self.expect_shared(["bash", EXAMPLES / "array.slurm"],
+                           lambda task: {"SLURM_CPUS_PER_TASK": "4", "SLURM_ARRAY_TASK_COUNT": "16",
+                                         "SLURM_ARRAY_TASK_ID": str(task + 1)})
+
+    def test_an_indexed_job_shares_the_work(self):
+        job = yaml.safe_load((EXAMPLES / "indexed_job.yaml").read_text(encoding="utf-8"))["spec"]
+        self.assertEqual((job["completionMode"], job["completions"]), ("Indexed", 16))
+        container = job["template"]["spec"]["containers"][0]
+        command = [*container["command"], container["args"][0].replace("/data/", f"{self.folder}/")]
+        self.expect_shared(command, lambda task: {"JOB_COMPLETION_INDEX": str(task)})
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
