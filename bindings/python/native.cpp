@@ -26,6 +26,7 @@
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
 #include "catalogue/picture/step_listing.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "catalogue/version_text.hpp"
@@ -119,9 +120,9 @@ class PythonRepository : public RowRepository {
     OptionalText lower;
     OptionalText upper;
     if (range != nullptr) {
-      const auto version = findSingleVersion(*range);
-      lower = version ? textOf(*version) : textOf(range->getSemVerRange().lower);
-      if (!version) upper = textOf(range->getSemVerRange().upper);
+      const auto bounds = boundsOf(*range);
+      lower = textOf(bounds ? bounds->lower : *findSingleVersion(*range));
+      if (bounds) upper = textOf(bounds->upper);
     }
     const py::gil_scoped_acquire held;
     const py::object rows = findMetamodels_(ustring_to_utf8(name), lower, upper);

@@ -5,6 +5,7 @@
 #include "catalogue/c/arguments.hpp"
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/c/rows.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
@@ -24,8 +25,9 @@ struct RangeTexts {
     if (const auto version = findSingleVersion(range)) {
       lower = textOf(*version);
     } else {
-      lower = textOf(range.getSemVerRange().lower);
-      upper = textOf(range.getSemVerRange().upper);
+      const VersionBounds bounds = *boundsOf(range);
+      lower = textOf(bounds.lower);
+      upper = textOf(bounds.upper);
     }
   }
 

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -21,8 +22,7 @@ void expectName(const std::u16string& asked, const std::u16string& listed, const
 }
 
 bool liesIn(const VersionRange& range, const CatalogueMetamodel& row) {
-  return range.includes(row.descriptor.version) ||
-         (row.equivalent && range.includes(*row.equivalent));
+  return admits(range, row.descriptor.version, row.semVer());
 }
 
 }  // namespace
