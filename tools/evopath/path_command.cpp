@@ -12,6 +12,7 @@
 #include "catalogue/picture/path_picture.hpp"
 #include "catalogue/text/display_text.hpp"
 #include "command.hpp"
+#include "condition_options.hpp"
 #include "interruption.hpp"
 #include "limit_options.hpp"
 #include "messages/trace.hpp"
@@ -33,6 +34,7 @@ using tarn::evolution::pathfinder::VersionBaseline;
 namespace {
 
 struct PathOptions : QuestionOptions {
+  ConditionOptions conditions;
   PathFormatOption form;
   OutputOption output;
   LimitOptions limits;
@@ -129,18 +131,64 @@ VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions
   return sources.empty() ? VersionBaseline{} : sources.front();
 }
 
+std::string render(BrowsableRepository& repository, const std::vector<BaselineHop>& path,
+                   const VersionBaseline& source, const PathOptions& options) {
+  auto picture = drawPath(weightsOf(repository), source, path);
+  addTies(repository, path, picture);
+  return renderPath(picture, options.form.format, options.output.colouring());
+}
+
+std::string renderAlternatives(BrowsableRepository& repository,
+                               const std::vector<std::vector<BaselineHop>>& paths,
+                               const PathOptions& options) {
+  const bool isJson = options.form.format == PathFormat::Json;
+  std::string text;
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    if (isJson) {
+      text += i == 0 ? "[" : ",\n";
+    } else {
+      text += (i == 0 ? "Path " : "\nPath ") + std::to_string(i + 1) + "\n";
+    }
+    text += render(repository, paths[i], {}, options);
+    if (isJson && text.back() == '\n') text.pop_back();
+  }
+  return isJson ? text + "]\n" : text;
+}
+
+ExitStatus runConditional(const PathOptions& options, BrowsableRepository& repository,
+                          const ConditionalQuestion& question, const SearchLimits& limits) {
+  const std::size_t count = options.conditions.alternatives;
+  if (count > 1 && options.form.isPicture()) {
+    throw std::invalid_argument("--alternatives: only as text or JSON");
+  }
+  const auto line = options.trace ? SearchMonitor::Line::Never : SearchMonitor::Line::OnTerminal;
+  const auto paths =
+      searchAttended(limits, SearchMonitor::Task::Search, line, [&](const SearchLimits& attended) {
+        return findAlternativePaths(repository, question.from, question.goals, question.conditions,
+                                    count, attended);
+      });
+  if (paths.empty()) return tellAbsence(options, "No path keeps to the conditions.");
+  if (count > 1) {
+    options.output.write(renderAlternatives(repository, paths, options));
+    return ExitStatus::Found;
+  }
+  const auto source = sourceOf(paths.front(), options, repository, {question.from, {}});
+  options.output.write(render(repository, paths.front(), source, options));
+  return ExitStatus::Found;
+}
+
 ExitStatus runPath(const PathOptions& options) {
   if (options.trace) traceToStandardError();
   const SearchLimits limits = options.limits.fromNow();
   const auto repository = openCatalogue(options.catalogue);
   const Question question = options.ask(*repository);
-  const UnknownEntries unknown = findUnknown(*repository, question);
-  if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
+  if (const auto conditional = options.conditions.resolve(*repository, question)) {
+    return runConditional(options, *repository, *conditional, limits);
+  }
   const auto [path, hasStumbled] = search(options, *repository, question, limits);
   if (path) {
-    const auto picture =
-        drawPath(weightsOf(*repository), sourceOf(*path, options, *repository, question), *path);
-    options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
+    const auto source = sourceOf(*path, options, *repository, question);
+    options.output.write(render(*repository, *path, source, options));
     return ExitStatus::Found;
   }
   return hasStumbled ? explainAbsence(options, *repository, question, limits)
@@ -154,6 +202,7 @@ void addPathCommand(CLI::App& program, Action& action) {
   CLI::App* path =
       program.add_subcommand("path", "Find the least-weight path between two selections");
   options->addTo(*path);
+  options->conditions.addTo(*path);
   options->form.addTo(*path);
   options->output.addTo(*path);
   path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");
