@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,15 @@ namespace tarn::evolution::catalogue {
 /// `VersionRepository` may.
 class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::VersionRepository {
  public:
+  /// Whether the metamodel is one that `findMetamodels` lists for the range. Unlike the operation
+  /// of `VersionRepository`, which it hides, it understands every range of a catalogue, and goes by
+  /// precedence.
+  bool includes(const pathfinder::VersionRange& range, const pathfinder::Metamodel& metamodel) {
+    std::vector<pathfinder::Metamodel> admitted;
+    findMetamodels(metamodel.name, range, admitted);
+    return std::find(admitted.begin(), admitted.end(), metamodel) != admitted.end();
+  }
+
   /// The names of all metamodels, ascending.
   virtual std::vector<std::u16string> listNames() = 0;
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "catalogue/catalogue_index.hpp"
+#include "catalogue/precedence.hpp"
 #include "pathfinder/hop.hpp"
 #include "pathfinder/metamodel.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
@@ -16,12 +17,18 @@ namespace tarn::evolution::catalogue {
 struct CatalogueMetamodel {
   pathfinder::Metamodel descriptor;
 
-  /// What a text version stands for among the semantic versions, if anything.
+  /// What a text version is said to stand for among the semantic versions, if anything.
   std::optional<pathfinder::SemVer> equivalent;
 
   /// Its semantic version, or else the equivalent of its text version, if there is one.
   std::optional<pathfinder::SemVer> semVer() const {
     return descriptor.version.isSemVer() ? descriptor.version.getSemVer() : equivalent;
+  }
+
+  /// Its place in the order of its metamodel's versions: that of the equivalent that it is said to
+  /// have, or else that which its version reads as. Without one it comes before all that have one.
+  std::optional<Precedence> precedence() const {
+    return equivalent ? Precedence(*equivalent) : Precedence::of(descriptor.version);
   }
 };
 

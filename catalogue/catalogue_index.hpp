@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "catalogue/precedence.hpp"
+#include "catalogue/version_scale.hpp"
 #include "pathfinder/hop.hpp"
 #include "pathfinder/metamodel.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
@@ -23,9 +25,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
   using Position = std::size_t;
   using Positions = std::vector<Position>;
 
-  /// A semantic version, or a text version's equivalent, and the metamodel that has it.
-  struct SemanticVersion {
-    pathfinder::SemVer version;
+  /// The precedence of a version, and the metamodel that has it.
+  struct OrderedVersion {
+    Precedence precedence;
     Position position;
   };
 
@@ -33,20 +35,22 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
                  const std::vector<pathfinder::Hop>& hops);
 
   /// The metamodels of one version: those that carry it and, when it is semantic, those whose text
-  /// version is equivalent to it.
+  /// version is said to be equivalent to it.
   const Positions& metamodelsAt(const std::u16string& name,
                                 const pathfinder::VersionId& version) const;
 
-  /// The metamodels whose version, or its equivalent, lies in `range`.
+  /// The metamodels that `range` admits (see `admits`).
   Positions metamodelsIn(const std::u16string& name, const pathfinder::VersionRange& range) const;
 
   const Positions& hopsFrom(const std::u16string& name, const pathfinder::VersionId& version) const;
 
-  bool hasMetamodel(const std::u16string& name) const { return semanticVersions_.contains(name); }
+  bool hasMetamodel(const std::u16string& name) const { return ordered_.contains(name); }
 
-  /// All semantic versions and equivalents of a name, ascending; empty for a name that is not
-  /// there.
-  const std::vector<SemanticVersion>& semanticVersions(const std::u16string& name) const;
+  /// All versions of a name that have a precedence, ascending; empty for a name that is not there.
+  const std::vector<OrderedVersion>& orderedVersions(const std::u16string& name) const;
+
+  /// How the versions of a name are shown to the path finder.
+  const VersionScale& scale(const std::u16string& name) const;
 
  private:
   struct VersionKey {
@@ -82,7 +86,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
 
   ByVersion metamodels_;
   ByVersion hops_;
-  std::unordered_map<std::u16string, std::vector<SemanticVersion>> semanticVersions_;
+  std::unordered_map<std::u16string, std::vector<OrderedVersion>> ordered_;
+  std::unordered_map<std::u16string, VersionScale> scales_;  // those of names with their own
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -8,8 +8,10 @@ namespace tarn::evolution::catalogue {
 
 /// A repository whose metamodels and hops are those of a catalogue, in the catalogue's order.
 ///
-/// A text version that has a semantic equivalent is answered wherever the equivalent is asked for.
-/// The operations declared here take no lock, and throw nothing but std::bad_alloc.
+/// A version that is asked for by a semantic version is the one that carries it, or else the text
+/// version that is said to be equivalent to it. Ranges and directions go by precedence; a metamodel
+/// that has pre-releases has a scale of its own for that (see `VersionScale`). The operations
+/// declared here take no lock, and throw nothing but std::bad_alloc.
 class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepository {
  public:
   explicit CatalogueRepository(Catalogue catalogue);
@@ -18,6 +20,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
 
   std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
                                                         const std::u16string& versionText) override;
+  std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) override;
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
@@ -29,6 +33,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
   std::optional<Question> getQuestion() override;
 
  private:
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT const CatalogueMetamodel* find(
+      const std::u16string& name, const pathfinder::VersionId& version) const;
+
   Catalogue catalogue_;
 };
 

@@ -10,6 +10,8 @@
 #include <tuple>
 #include <vector>
 
+#include "catalogue/precedence.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "expectation.hpp"
@@ -133,6 +135,11 @@ void compareAll(const std::vector<VersionId>& versions) {
   }
 }
 
+std::optional<Precedence> precedenceIn(const std::string& text) {
+  const auto version = readIfAny(parseVersion, text);
+  return version ? Precedence::of(*version) : std::nullopt;
+}
+
 /// Every range of two of the texts that is one, with every single version.
 std::vector<VersionRange> rangesOf(const std::vector<std::string>& texts,
                                    const std::vector<VersionId>& versions) {
@@ -145,8 +152,17 @@ std::vector<VersionRange> rangesOf(const std::vector<std::string>& texts,
       const auto first = readIfAny(parseSemVer, lower);
       const auto last = readIfAny(parseSemVer, upper);
       const auto tell = [&](auto& out) { out << "[" << lower << ", " << upper << ")"; };
-      expect(range.has_value() == (first && last && !(*last < *first)), tell);
+      const auto from = precedenceIn(lower);
+      const auto upTo = precedenceIn(upper);
+      expect(range.has_value() == (from && upTo && !(*upTo < *from)), tell);
       if (!range) continue;
+      if (!first || !last) {
+        const auto bounds = boundsOf(*range);
+        expect(bounds && textOf(bounds->lower) == textOf(parseVersion(lower)), tell);
+        expect(bounds && textOf(bounds->upper) == textOf(parseVersion(upper)), tell);
+        expect(!isUnion(*range) && piecesOf(unionOf({*range, *range})).back() == *range, tell);
+        continue;
+      }
       expect(*range == VersionRange(SemVerRange{*first, *last}), tell);
       expect(textOf(*range) == "[" + textOf(*first) + ", " + textOf(*last) + ")", tell);
       ranges.push_back(*range);

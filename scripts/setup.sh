@@ -18,7 +18,7 @@ packages=(
   libutf8proc-dev graphviz                         # widths of text on screens, drawings of graphs
   libgtest-dev libgmock-dev libbenchmark-dev       # tests and benchmarks
   pkg-config                                       # tests: hosts that find the library by it
-  libxml2-utils                                    # tests: xmllint
+  libxml2-utils librsvg2-bin                       # tests: xmllint, and a program that draws SVG
   groff-base fish zsh                              # tests: manual page and completions
   git                                              # checks: which files are the repository's
   python3 python3-jsonschema python3-yaml parallel # tests, and the benchmarks' harness

@@ -58,7 +58,6 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
       {document("", "{'name': null, 'name': null}"), "/hops/0: the field 'name' stands twice"},
       {version("''"), metamodel + "/version: must not be empty"},
       {version("'1.0\\u0000x'"), metamodel + "/version: must not hold the character U+0000"},
-      {version("'18446744073709551616.0'"), metamodel + "/version: '18446744073709551616.0' has a"},
       {version("'1.0', 'semver': '1.0'"),
        metamodel + "/semver: only a text version has a semantic"},
       {version("'x', 'semver': 'y'"), metamodel + "/semver: 'y' is not a semantic version"},

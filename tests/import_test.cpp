@@ -93,7 +93,7 @@ data,2.0.0,-
 web,1.0.0,-
 web,1.1.0,[data,1.0.0]
 web,1.2.0,[data,[1.0.0,1.5.1]]
-web,2.0.0-rc1,semver:1.999999999.999999999,-
+web,2.0.0-rc1,-
 web,2.0.0,[data,2.0.0];
 data,1.0.0,2.0.0,cheap
 data,1.0.0,1.5.0,expensive
@@ -168,7 +168,7 @@ TEST_F(Import, ReadsUpdateGraphs) {
   EXPECT_EQ(imported("graph"), R"(Imported 4 versions of metamodels and 5 hops.
 
 cluster,4.1.0,-
-cluster,4.2.0-rc.1,semver:4.1.999999999,-
+cluster,4.2.0-rc.1,-
 cluster,4.2.0,-
 cluster,4.3.0,-;
 cluster,4.1.0,4.3.0,expensive
@@ -190,7 +190,7 @@ forge,15.3.0,-
 forge,15.4.2,-
 forge,15.4.6,-
 forge,15.9.1,-
-forge,16.0.0-rc1,semver:15.999999999.999999999,-
+forge,16.0.0-rc1,-
 forge,17.0.2,-
 list,1.2.0,-
 list,1.5.3,-
@@ -285,9 +285,9 @@ TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
        "line 1, /versions/1.0.0: is the manifest of the version 2.0.0"},
       {"npm", "a.json", R"({"name": "a", "versions": {"1.0": {}, "1.0.0": {}}})",
        "line 1, /versions/1.0.0: the version 1.0.0 of a reads as the same one as 1.0"},
-      {"npm", "a.json", R"({"name": "a", "versions": {"99999999999999999999.0.0": {}}})",
-       "line 1, /versions/99999999999999999999.0.0: the version of a "
-       "\"99999999999999999999.0.0\" has a component beyond 64 bits"},
+      {"npm", "a.json", R"({"name": "a", "versions": {"any of 1.0.0": {}}})",
+       "line 1, /versions/any of 1.0.0: the version of a "
+       "\"any of 1.0.0\" begins as no version may"},
       {"npm", "a.json",
        R"({"name": "a", "versions": {}} {"name": "b", "versions": {"1.0.0": )"
        R"({"peerDependencies": {"c": ">=2"}}}} {"name": "c", "versions": {"1.0.0": {}}})",

@@ -121,6 +121,52 @@ TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
   }
 }
 
+/// Browsers know more than other programs that draw SVG.
+TEST(PathPicture, HasItsColoursOutsideOfBrowsers) {
+  const EvopathProgram folder;
+  folder.write("path.svg", written(writePathSvg, draw("A1..2 B1..3 B2>3!", "A1 B1", "A2 B3")));
+  const auto [status, drawn] = folder.runShell("rsvg-convert --format svg path.svg");
+  ASSERT_EQ(status, 0);
+  for (const char* colour : {"fill:rgb(100%,100%,100%)", "stroke:rgb(0%,40.784314%,63.921571%)",
+                             "stroke:rgb(65.882355%,24.313726%,0%)"}) {
+    EXPECT_GT(countOf(colour, drawn), 0U) << colour;
+  }
+}
+
+TEST(PathPicture, TellsWhatMustMoveTogetherFromWhatOnlyDoes) {
+  TestRepository repository("A1..2 B1:A1 B2:A2 B1>2 C1..2 D1");
+  const auto source = repository.baseline("A1 B1 C1 D1");
+  const auto path =
+      repository.findPath({source}, repository.baselines("A2 B2 C2"), forward).value();
+  PathPicture picture = drawPath(repository, source, path);
+  addTies(repository, path, picture);
+  const auto cells = layOutCells(picture);
+  EXPECT_TRUE(cells[0][1].isTiedDownward && cells[1][1].isTiedUpward);
+  EXPECT_TRUE(cells[1][1].isLooseDownward && cells[2][1].isLooseUpward);
+  EXPECT_FALSE(cells[0][1].isLooseDownward || cells[1][1].isTiedDownward);
+  const std::string text = written(
+      [](const auto& drawn, auto& out) { writePathText(drawn, Colouring::Plain, out); }, picture);
+  EXPECT_EQ(text,
+            "Step 1, weight 4\n  A  1.0.0 -> 2.0.0\n  B  1.0.0 -> 2.0.0\n  C  1.0.0 -> 2.0.0\n"
+            "    A 2.0.0 is too new for B 1.0.0\n1 step, weight 4\n");
+  EXPECT_EQ(countOf("class=\"loose\"", written(writePathSvg, picture)), 2U);
+  EXPECT_EQ(countOf("<i class=\"tie loose", written(writePathHtml, picture)), 2U);
+}
+
+TEST(PathPicture, WeightsAreReadable) {
+  EXPECT_EQ(weightText(411), "411");
+  EXPECT_EQ(weightText(78'000'000'411), "78 expensive, 411");
+  EXPECT_EQ(weightText(2'000'000'000), "2 expensive");
+}
+
+TEST(PathPicture, MermaidSaysWhereItsLimitsArePassed) {
+  const auto chart = [](const std::string& versions) {
+    return written(writePathMermaid, draw("A1.." + versions, "A1", "A" + versions));
+  };
+  EXPECT_EQ(chart("200").find("flowchart LR\n"), 0U);
+  EXPECT_EQ(chart("300").find("%% 597 edges and "), 0U);
+}
+
 TEST(Graphviz, FailureIsToldToHostsThatIgnoreTheEndOfChildrenToo) {
   for (const auto handler : {SIG_DFL, SIG_IGN}) {
     const auto before = std::signal(SIGCHLD, handler);

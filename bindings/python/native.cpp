@@ -17,6 +17,7 @@
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/step_listing.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "errors.hpp"
 #include "interruption.hpp"

@@ -16,8 +16,8 @@ namespace {
 
 RangeTuple tupleOf(const VersionRange& range) {
   if (const auto single = findSingleVersion(range)) return {textOf(*single), std::nullopt};
-  const auto& [lower, upper] = range.getSemVerRange();
-  return {textOf(lower), textOf(upper)};
+  const VersionBounds bounds = *boundsOf(range);
+  return {textOf(bounds.lower), textOf(bounds.upper)};
 }
 
 std::optional<std::vector<RangeTuple>> tuplesOf(std::span<const VersionRange> ranges) {

@@ -6,6 +6,7 @@
 #include "catalogue/c/arguments.hpp"
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/c/rows.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
@@ -24,12 +25,11 @@ class RangesForC {
  public:
   explicit RangesForC(std::span<const VersionRange> ranges) {
     for (const VersionRange& range : ranges) {
-      const auto single = findSingleVersion(range);
-      if (single) {
+      if (const auto single = findSingleVersion(range)) {
         texts_.push_back({textOf(*single), ""});
       } else {
-        const auto& [lower, upper] = range.getSemVerRange();
-        texts_.push_back({textOf(lower), textOf(upper)});
+        const VersionBounds bounds = *boundsOf(range);
+        texts_.push_back({textOf(bounds.lower), textOf(bounds.upper)});
       }
     }
     for (const auto& [lower, upper] : texts_) {

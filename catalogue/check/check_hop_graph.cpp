@@ -44,9 +44,9 @@ class HopGraphCheck {
     ends_[from].isLeftForward = ends_[to].isEnteredForward = true;
   }
 
-  /// A text version without equivalent counts as older than all others but its like.
+  /// A text version without precedence counts as older than all others but its like.
   bool isNewer(Slot left, Slot right) const {
-    return index_.slots().at(right).semantic < index_.slots().at(left).semantic;
+    return index_.slots().at(right).precedence < index_.slots().at(left).precedence;
   }
 
   SlotInterval all(NameNumber name) const { return index_.slots().all(name); }
@@ -80,7 +80,7 @@ class HopGraphCheck {
     return result;
   }
 
-  /// Of several text versions without equivalent, the first in the file.
+  /// Of several text versions without precedence, the first in the file.
   Slot oldestWithHops(NameNumber name) const {
     Slot oldest = nothing;
     for (const Slot slot :

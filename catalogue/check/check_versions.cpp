@@ -13,12 +13,12 @@ class VersionCheck {
       : index_(index),
         name_(name),
         all_(index.slots().all(name)),
-        semantic_(index.slots().semantic(name)),
+        ordered_(index.slots().ordered(name)),
         findings_(findings) {}
 
   void run() {
-    for (Slot slot = semantic_.begin; slot < semantic_.end;) {
-      const SlotInterval same = index_.slots().denotedBy(name_, *index_.slots().at(slot).semantic);
+    for (Slot slot = ordered_.begin; slot < ordered_.end;) {
+      const SlotInterval same = index_.slots().at(name_, *index_.slots().at(slot).precedence);
       checkSame(same);
       slot = same.end;
     }
@@ -33,11 +33,12 @@ class VersionCheck {
     return index_.draft().placeOf(index_.row(slot), "semver");
   }
 
-  /// Versions whose semantic versions or equivalents are the same.
+  /// Versions of one precedence.
   void checkSame(SlotInterval same) {
     Slot carrier = nothing;
     Slot holder = nothing;
     for (Slot slot = same.begin; slot < same.end; ++slot) {
+      if (!index_.slots().at(slot).isSemantic) break;
       Slot& first = isText(slot) ? holder : carrier;
       if (first == nothing) {
         first = slot;
@@ -45,7 +46,7 @@ class VersionCheck {
         findDuplicate(slot, first);
       } else {
         findings_.add(FindingCode::DuplicateEquivalent, equivalentPlace(slot),
-                      sharedEquivalent(*index_.slots().at(slot).semantic, index_.describe(first),
+                      sharedEquivalent(*index_.row(slot).equivalent, index_.describe(first),
                                        "at " + index_.placeOf(first).text),
                       {index_.placeOf(first)});
       }
@@ -53,8 +54,7 @@ class VersionCheck {
     if (carrier == nothing || holder == nothing) return;
     findings_.add(FindingCode::AmbiguousEquivalent, equivalentPlace(holder),
                   index_.describe(holder) + " stands for " + textOf(index_.version(carrier)) +
-                      ", which is a version of its own; asking for either gives " +
-                      index_.describe(same.begin),
+                      ", which is a version of its own; ranges admit both or neither",
                   {index_.placeOf(carrier)});
   }
 
@@ -71,9 +71,9 @@ class VersionCheck {
   }
 
   void checkMissing() {
-    if (semantic_.empty() || semantic_.end == all_.end) return;
+    if (ordered_.empty() || ordered_.end == all_.end) return;
     std::vector<Slot> texts;
-    for (Slot slot = semantic_.end; slot < all_.end; ++slot) texts.push_back(slot);
+    for (Slot slot = ordered_.end; slot < all_.end; ++slot) texts.push_back(slot);
     texts = inFileOrder(index_, texts);
     findings_.add(FindingCode::MissingEquivalent, texts,
                   "no range of semantic versions admits " + quotedName(index_.names()[name_].text) +
@@ -83,7 +83,7 @@ class VersionCheck {
   const DraftIndex& index_;
   const NameNumber name_;
   const SlotInterval all_;
-  const SlotInterval semantic_;
+  const SlotInterval ordered_;
   Findings& findings_;
 };
 

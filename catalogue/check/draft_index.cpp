@@ -48,9 +48,11 @@ VersionSlots DraftIndex::placeVersions() {
     if (!row.version) {
       names_[name].isComplete = false;
     } else if (row.version->isSemVer()) {
-      versions.push_back({name, position, row.version->getSemVer()});
+      versions.push_back({name, position, row.version->getSemVer(), true});
     } else {
-      versions.push_back({name, position, row.equivalent});
+      versions.push_back({name, position,
+                          row.equivalent ? *row.equivalent : Precedence::of(*row.version),
+                          row.equivalent.has_value()});
       texts_.try_emplace({name, row.version->getText()}, position);
     }
   }
@@ -101,10 +103,11 @@ SlotInterval DraftIndex::versionsAt(NameNumber name, const VersionId& version) c
 }
 
 Slot DraftIndex::denotedBy(NameNumber name, const VersionId& version) const {
-  SlotInterval found = versionsAt(name, version);
+  const SlotInterval found = versionsAt(name, version);
   if (found.empty()) return nothing;
-  const auto& semantic = slots_.at(found.begin).semantic;
-  if (!version.isSemVer() && semantic) found = slots_.denotedBy(name, *semantic);
+  for (Slot slot = found.begin; slot < found.end; ++slot) {
+    if (this->version(slot) == version) return slot;
+  }
   return found.begin;
 }
 

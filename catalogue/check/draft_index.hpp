@@ -58,12 +58,12 @@ class DraftIndex {
   std::vector<SlotInterval> versionsIn(NameNumber name,
                                        const pathfinder::VersionRange& range) const;
 
-  /// The versions that a version denotes: those that carry it, and those for which it is the
-  /// equivalent.
+  /// The versions that a version denotes: those that carry it, and those that are said to be
+  /// equivalent to it.
   SlotInterval versionsAt(NameNumber name, const pathfinder::VersionId& version) const;
 
-  /// The version that asking for a version gives: of those that it denotes, and of those that share
-  /// their equivalent with a text version, the first in the file. `nothing` when there is none.
+  /// The version that asking for a version gives: of those that it denotes, the first that carries
+  /// it, otherwise the first in the file. `nothing` when there is none.
   Slot denotedBy(NameNumber name, const pathfinder::VersionId& version) const;
 
   /// The dependencies of a version that are resolved, in their order.

@@ -48,8 +48,8 @@ enum class FindingCode {
   UnlinkableVersion,        ///< its requirements cannot all be met at once, so it is in no baseline
   BlockedVersion,  ///< a range of its dependencies admits a version that cannot be linked; linking
                    ///< it links all candidates, and fails
-  AmbiguousEquivalent,  ///< a text version's equivalent is also a version of its own: asking for
-                        ///< either gives the one that stands first
+  AmbiguousEquivalent,  ///< a text version's equivalent is also a version of its own: ranges admit
+                        ///< both or neither
   DuplicateHop,         ///< a hop that stands twice: every step with it is tried twice
   SelfHop,              ///< a hop that leads to where it starts
   UnofferedHop,         ///< a hop from a semantic version that is there only as a text version's

@@ -5,6 +5,7 @@
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/suggestions.hpp"
 #include "catalogue/range_union.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -41,8 +42,8 @@ std::vector<Dependency> decisiveDependencies(const Metamodel& metamodel) {
 
 pathfinder::VersionId nearTo(const pathfinder::VersionRange& wanted) {
   const pathfinder::VersionRange range = piecesOf(wanted).front();
-  if (!range.isSemVerRange()) return range.getText();
-  return range.getSemVerRange().lower;
+  if (const auto bounds = boundsOf(range)) return bounds->lower;
+  return *findSingleVersion(range);
 }
 
 /// Says what a party of a clash between dependencies requires from their owner's point of view.

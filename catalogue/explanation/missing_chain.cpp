@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "catalogue/range_union.hpp"
-
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -27,16 +25,12 @@ std::vector<NamedVersion> findDependents(BrowsableRepository& content, const Hop
   const auto hopsLeft = graph.hopsTo(target.version);
   const auto bringsIn = [&](const Dependency& dependency) {
     if (dependency.name != target.name) return false;
-    const auto pieces = piecesOf(dependency.range);
-    for (HopGraph::Vertex vertex = 0; vertex < hopsLeft.size(); ++vertex) {
-      const Metamodel& version = graph.versions()[vertex];
-      if (hopsLeft[vertex] && std::any_of(pieces.begin(), pieces.end(), [&](const auto& piece) {
-            return content.includes(piece, version);
-          })) {
-        return true;
-      }
-    }
-    return false;
+    std::vector<Metamodel> admitted;
+    content.findMetamodels(dependency.name, dependency.range, admitted);
+    return std::any_of(admitted.begin(), admitted.end(), [&](const Metamodel& version) {
+      const auto vertex = graph.find(version.version);
+      return vertex && hopsLeft[*vertex];
+    });
   };
   std::vector<NamedVersion> result;
   for (const std::u16string& name : content.listNames()) {

@@ -12,7 +12,6 @@
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::SemVer;
 using pathfinder::VersionId;
 
 namespace {
@@ -45,12 +44,12 @@ std::size_t dissimilarity(const std::u16string& left, const std::u16string& righ
   return editDistance(left, right);
 }
 
-std::vector<VersionId> neighbours(const SemVer& version,
+std::vector<VersionId> neighbours(const Precedence& version,
                                   const std::vector<CatalogueMetamodel>& known) {
-  std::vector<std::pair<SemVer, const VersionId*>> ordered;
+  std::vector<std::pair<Precedence, const VersionId*>> ordered;
   for (const CatalogueMetamodel& metamodel : known) {
-    if (const auto semantic = metamodel.semVer()) {
-      ordered.emplace_back(*semantic, &metamodel.descriptor.version);
+    if (const auto precedence = metamodel.precedence()) {
+      ordered.emplace_back(*precedence, &metamodel.descriptor.version);
     }
   }
   std::stable_sort(ordered.begin(), ordered.end(),
@@ -106,8 +105,8 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
 
 std::vector<VersionId> nearestVersions(const VersionId& version,
                                        const std::vector<CatalogueMetamodel>& known) {
-  if (version.isSemVer()) {
-    std::vector<VersionId> result = neighbours(version.getSemVer(), known);
+  if (const auto precedence = Precedence::of(version)) {
+    std::vector<VersionId> result = neighbours(*precedence, known);
     if (!result.empty()) return result;
   }
   return mostSimilar(version, known);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "catalogue/import/full_version.hpp"
+#include "catalogue/precedence.hpp"
 #include "pathfinder/version_id.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -17,9 +18,9 @@ struct KnownVersion {
   std::optional<pathfinder::SemVer> equivalent = {};
   bool isLeftOut = false;
 
-  /// Its semantic version, or its equivalent, by which ranges find it.
-  std::optional<pathfinder::SemVer> semVer() const {
-    return id.isSemVer() ? id.getSemVer() : equivalent;
+  /// Its place in the catalogue's order, by which ranges find it.
+  std::optional<Precedence> precedence() const {
+    return equivalent ? Precedence(*equivalent) : Precedence::of(id);
   }
 };
 

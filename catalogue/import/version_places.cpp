@@ -20,6 +20,16 @@ std::optional<SemVer> beforeRelease(const SemVer& core, std::uint64_t count) {
   return std::nullopt;
 }
 
+/// Where a version stands, unless its text reads as a pre-release to one and as none to the other,
+/// its source and the catalogue.
+std::optional<Precedence> placed(const KnownVersion& version) {
+  const auto precedence = version.precedence();
+  const bool isRead = !version.equivalent && !version.id.isSemVer();
+  const bool isMisread =
+      precedence && isRead && version.order.isPrerelease() == precedence->semVer().has_value();
+  return isMisread ? std::nullopt : precedence;
+}
+
 class Placement {
  public:
   explicit Placement(std::vector<KnownVersion*>& versions) : versions_(versions) {
@@ -31,11 +41,11 @@ class Placement {
     std::size_t unplaced = 0;
     for (std::size_t i = 0; i < versions_.size(); ++i) {
       KnownVersion& version = *versions_[i];
-      if (!version.semVer() && version.order.hasNumbers) {
+      if (!placed(version) && version.order.hasNumbers) {
         version.equivalent = findPlace(i);
         if (!version.equivalent) ++unplaced;
       }
-      if (version.semVer()) lower_ = version.semVer();
+      if (const auto precedence = placed(version)) lower_ = precedence;
     }
     return unplaced;
   }
@@ -44,15 +54,15 @@ class Placement {
   /// How many pre-releases of the same numbers come next, and which placed version after all texts.
   struct Follower {
     std::uint64_t prereleases = 0;
-    std::optional<SemVer> placed;
+    std::optional<Precedence> placed;
   };
 
   void countFollowers(std::size_t i) {
     if (i + 1 == versions_.size()) return;
     const KnownVersion& next = *versions_[i + 1];
-    followers_[i].placed = next.semVer() ? next.semVer() : followers_[i + 1].placed;
+    followers_[i].placed = placed(next) ? placed(next) : followers_[i + 1].placed;
     const bool isOfSame = next.order.isPrerelease() && versions_[i]->order.isPrerelease() &&
-                          next.order.core == versions_[i]->order.core && !next.semVer();
+                          next.order.core == versions_[i]->order.core && !placed(next);
     if (isOfSame) followers_[i].prereleases = followers_[i + 1].prereleases + 1;
   }
 
@@ -61,19 +71,19 @@ class Placement {
     std::optional<SemVer> wanted = order.core;
     if (order.isPrerelease()) wanted = beforeRelease(order.core, followers_[i].prereleases + 1);
     if (wanted && isFree(*wanted, i)) return wanted;
-    if (lower_) wanted = nextPatch(*lower_);
+    if (lower_ && lower_->semVer()) wanted = nextPatch(*lower_->semVer());
     if (wanted && isFree(*wanted, i)) return wanted;
     return std::nullopt;
   }
 
   bool isFree(const SemVer& place, std::size_t i) const {
-    const std::optional<SemVer>& upper = followers_[i].placed;
-    return (!lower_ || *lower_ < place) && (!upper || place < *upper);
+    const std::optional<Precedence>& upper = followers_[i].placed;
+    return (!lower_ || *lower_ < place) && (!upper || Precedence(place) < *upper);
   }
 
   std::vector<KnownVersion*>& versions_;
   std::vector<Follower> followers_;
-  std::optional<SemVer> lower_;  // of the last one that has a place
+  std::optional<Precedence> lower_;  // of the last one that has a place
 };
 
 }  // namespace

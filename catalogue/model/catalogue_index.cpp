@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "catalogue/catalogue.hpp"
 #include "catalogue/range_union.hpp"
@@ -10,7 +11,6 @@
 namespace tarn::evolution::catalogue {
 
 using pathfinder::SemVer;
-using pathfinder::SemVerRange;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
@@ -26,14 +26,25 @@ std::size_t hashOf(const VersionId& version) noexcept {
   return combineHash(combineHash(semantic.major, semantic.minor), semantic.patch);
 }
 
-bool precedes(const CatalogueIndex::SemanticVersion& left,
-              const CatalogueIndex::SemanticVersion& right) {
-  if (left.version == right.version) return left.position < right.position;
-  return left.version < right.version;
+bool precedes(const CatalogueIndex::OrderedVersion& left,
+              const CatalogueIndex::OrderedVersion& right) {
+  const auto order = left.precedence <=> right.precedence;
+  return order < 0 || (order == 0 && left.position < right.position);
 }
 
-bool isBelow(const CatalogueIndex::SemanticVersion& entry, const SemVer& bound) {
-  return entry.version < bound;
+bool isBelow(const CatalogueIndex::OrderedVersion& entry, const Precedence& bound) {
+  return entry.precedence < bound;
+}
+
+bool isAbove(const Precedence& bound, const CatalogueIndex::OrderedVersion& entry) {
+  return bound < entry.precedence;
+}
+
+VersionScale scaleOf(const std::vector<CatalogueIndex::OrderedVersion>& ordered) {
+  std::vector<Precedence> precedences;
+  precedences.reserve(ordered.size());
+  for (const auto& entry : ordered) precedences.push_back(entry.precedence);
+  return VersionScale(std::move(precedences));
 }
 
 }  // namespace
@@ -51,14 +62,17 @@ CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels
   for (Position position = 0; position < metamodels.size(); ++position) {
     const auto& [name, version, dependencies] = metamodels[position].descriptor;
     metamodels_[{name, version}].push_back(position);
-    auto& semantic = semanticVersions_[name];  // there also for a name of text versions only
-    const auto semVer = metamodels[position].semVer();
-    if (!semVer) continue;
-    semantic.push_back({*semVer, position});
-    if (!version.isSemVer()) metamodels_[{name, *semVer}].push_back(position);
+    const auto& equivalent = metamodels[position].equivalent;
+    if (equivalent) metamodels_[{name, *equivalent}].push_back(position);
+    auto& ordered = ordered_[name];  // there also for a name without any
+    if (const auto precedence = metamodels[position].precedence()) {
+      ordered.push_back({*precedence, position});
+    }
   }
-  for (auto& [name, semantic] : semanticVersions_) {
-    std::sort(semantic.begin(), semantic.end(), precedes);
+  for (auto& [name, ordered] : ordered_) {
+    std::sort(ordered.begin(), ordered.end(), precedes);
+    VersionScale scale = scaleOf(ordered);
+    if (scale.isOwn()) scales_.emplace(name, std::move(scale));
   }
   for (Position position = 0; position < hops.size(); ++position) {
     hops_[{hops[position].name, hops[position].from}].push_back(position);
@@ -73,14 +87,19 @@ const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16stri
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
                                                        const VersionRange& range) const {
   if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
-  if (const auto single = findSingleVersion(range)) return metamodelsAt(name, *single);
-  const SemVerRange& bounds = range.getSemVerRange();
-  const auto& versions = semanticVersions(name);
-  const auto first = std::lower_bound(versions.begin(), versions.end(), bounds.lower, isBelow);
+  const auto single = findSingleVersion(range);
+  if (single && !single->isSemVer()) return metamodelsAt(name, *single);
+  const auto& versions = orderedVersions(name);
+  const auto from = [&](const VersionId& version) {
+    return std::lower_bound(versions.begin(), versions.end(), *Precedence::of(version), isBelow);
+  };
+  const auto bounds = boundsOf(range);
+  const auto first = from(bounds ? bounds->lower : *single);
+  const auto last =
+      bounds ? from(bounds->upper)
+             : std::upper_bound(first, versions.end(), Precedence(single->getSemVer()), isAbove);
   Positions result;
-  for (auto entry = first; entry != versions.end() && entry->version < bounds.upper; ++entry) {
-    result.push_back(entry->position);
-  }
+  for (auto entry = first; entry < last; ++entry) result.push_back(entry->position);
   std::sort(result.begin(), result.end());
   return result;
 }
@@ -102,11 +121,17 @@ const CatalogueIndex::Positions& CatalogueIndex::hopsFrom(const std::u16string& 
   return lookUp(hops_, {name, version});
 }
 
-const std::vector<CatalogueIndex::SemanticVersion>& CatalogueIndex::semanticVersions(
+const std::vector<CatalogueIndex::OrderedVersion>& CatalogueIndex::orderedVersions(
     const std::u16string& name) const {
-  static const std::vector<SemanticVersion> none;
-  const auto found = semanticVersions_.find(name);
-  return found == semanticVersions_.end() ? none : found->second;
+  static const std::vector<OrderedVersion> none;
+  const auto found = ordered_.find(name);
+  return found == ordered_.end() ? none : found->second;
+}
+
+const VersionScale& CatalogueIndex::scale(const std::u16string& name) const {
+  static const VersionScale asTheyAre;
+  const auto found = scales_.find(name);
+  return found == scales_.end() ? asTheyAre : found->second;
 }
 
 const CatalogueIndex::Positions& CatalogueIndex::lookUp(const ByVersion& map,

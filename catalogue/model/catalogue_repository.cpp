@@ -5,27 +5,41 @@
 
 namespace tarn::evolution::catalogue {
 
+using pathfinder::VersionId;
+
 CatalogueRepository::CatalogueRepository(Catalogue catalogue) : catalogue_(std::move(catalogue)) {}
 
 std::optional<pathfinder::SemVer> CatalogueRepository::getEquivalentSemVer(
     const std::u16string& metamodelName, const std::u16string& versionText) {
-  const auto& found = catalogue_.index().metamodelsAt(metamodelName, versionText);
-  if (found.empty()) return std::nullopt;
-  return catalogue_.metamodels()[found.front()].equivalent;
+  const VersionScale& scale = catalogue_.index().scale(metamodelName);
+  const CatalogueMetamodel* const found = find(metamodelName, scale.meant(VersionId(versionText)));
+  const auto precedence = found == nullptr ? std::nullopt : found->precedence();
+  if (!precedence) return std::nullopt;
+  return scale.equivalent(*precedence);
+}
+
+std::optional<pathfinder::Metamodel> CatalogueRepository::getMetamodel(const std::u16string& name,
+                                                                       const VersionId& version) {
+  const VersionScale& scale = catalogue_.index().scale(name);
+  const CatalogueMetamodel* const found = find(name, scale.meant(version));
+  if (found == nullptr) return std::nullopt;
+  return scale.shown(found->descriptor);
 }
 
 void CatalogueRepository::findMetamodels(const std::u16string& name,
                                          const pathfinder::VersionRange& range,
                                          std::vector<pathfinder::Metamodel>& result) {
-  for (const auto position : catalogue_.index().metamodelsIn(name, range)) {
-    result.push_back(catalogue_.metamodels()[position].descriptor);
+  const VersionScale& scale = catalogue_.index().scale(name);
+  for (const auto position : catalogue_.index().metamodelsIn(name, scale.meant(range))) {
+    result.push_back(scale.shown(catalogue_.metamodels()[position].descriptor));
   }
 }
 
 void CatalogueRepository::findHops(const std::u16string& name, const pathfinder::VersionId& from,
                                    std::vector<pathfinder::Hop>& result) {
-  for (const auto position : catalogue_.index().hopsFrom(name, from)) {
-    result.push_back(catalogue_.hops()[position]);
+  const VersionScale& scale = catalogue_.index().scale(name);
+  for (const auto position : catalogue_.index().hopsFrom(name, scale.meant(from))) {
+    result.push_back(scale.shown(catalogue_.hops()[position]));
   }
 }
 
@@ -38,23 +52,36 @@ std::vector<std::u16string> CatalogueRepository::listNames() {
 }
 
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
+  const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<CatalogueMetamodel> result;
-  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
-    if (metamodel.descriptor.name == name) result.push_back(metamodel);
+  for (const auto& [descriptor, equivalent] : catalogue_.metamodels()) {
+    if (descriptor.name == name) result.push_back({scale.shown(descriptor), equivalent});
   }
   return result;
 }
 
 std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string& name) {
+  const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<pathfinder::Hop> result;
   for (const pathfinder::Hop& hop : catalogue_.hops()) {
-    if (hop.name == name) result.push_back(hop);
+    if (hop.name == name) result.push_back(scale.shown(hop));
   }
   return result;
 }
 
 std::optional<Question> CatalogueRepository::getQuestion() {
   return catalogue_.question();
+}
+
+/// The metamodel that carries a version, otherwise the first that is equivalent to it.
+const CatalogueMetamodel* CatalogueRepository::find(const std::u16string& name,
+                                                    const VersionId& version) const {
+  const auto& metamodels = catalogue_.metamodels();
+  const auto& found = catalogue_.index().metamodelsAt(name, version);
+  for (const auto position : found) {
+    if (metamodels[position].descriptor.version == version) return &metamodels[position];
+  }
+  return found.empty() ? nullptr : &metamodels[found.front()];
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -32,7 +32,8 @@ std::vector<CatalogueIndex::Position> findDependencyCycle(
   for (const CatalogueMetamodel& metamodel : metamodels) {
     const auto number = static_cast<NameNumber>(names.size());
     const NameNumber name = names.try_emplace(metamodel.descriptor.name, number).first->second;
-    versions.push_back({name, static_cast<std::uint32_t>(versions.size()), metamodel.semVer()});
+    versions.push_back({name, static_cast<std::uint32_t>(versions.size()), metamodel.precedence(),
+                        metamodel.semVer().has_value()});
   }
   const VersionSlots slots(std::move(versions), names.size(), metamodels.size());
   std::vector<DependencyGraph::Dependency> dependencies;

@@ -5,6 +5,7 @@
 
 #include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
+#include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -24,8 +25,7 @@ void expectName(const std::u16string& asked, const std::u16string& listed, const
 
 bool liesInAny(std::span<const VersionRange> ranges, const CatalogueMetamodel& row) {
   return std::any_of(ranges.begin(), ranges.end(), [&](const VersionRange& range) {
-    return range.includes(row.descriptor.version) ||
-           (row.equivalent && range.includes(*row.equivalent));
+    return admits(range, row.descriptor.version, row.semVer());
   });
 }
 

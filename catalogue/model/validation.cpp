@@ -52,7 +52,7 @@ class Validation {
     const auto& equivalent = content_.metamodels[position].equivalent;
     if (!equivalent) return;
     for (const Position other : index_.metamodelsAt(descriptor(position).name, *equivalent)) {
-      if (other >= position || descriptor(other).version.isSemVer()) continue;
+      if (other >= position || !content_.metamodels[other].equivalent) continue;
       throw CatalogueError(
           metamodelPlace(position) + "/semver",
           sharedEquivalent(*equivalent, textOf(descriptor(other)), "at " + metamodelPlace(other)));

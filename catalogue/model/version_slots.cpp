@@ -13,16 +13,22 @@ using Version = VersionSlots::Version;
 
 bool comesBefore(const Version& left, const Version& right) {
   if (left.name != right.name) return left.name < right.name;
-  if (left.semantic.has_value() != right.semantic.has_value()) return left.semantic.has_value();
-  return left.semantic != right.semantic ? left.semantic < right.semantic : left.row < right.row;
+  if (left.precedence.has_value() != right.precedence.has_value()) {
+    return left.precedence.has_value();
+  }
+  if (left.precedence) {
+    const auto order = *left.precedence <=> *right.precedence;
+    if (order != 0) return order < 0;
+  }
+  return std::pair(!left.isSemantic, left.row) < std::pair(!right.isSemantic, right.row);
 }
 
-bool isLower(const Version& version, const SemVer& bound) {
-  return *version.semantic < bound;
+bool isLower(const Version& version, const Precedence& bound) {
+  return *version.precedence < bound;
 }
 
-bool isHigher(const SemVer& bound, const Version& version) {
-  return bound < *version.semantic;
+bool isHigher(const Precedence& bound, const Version& version) {
+  return bound < *version.precedence;
 }
 
 }  // namespace
@@ -43,30 +49,39 @@ std::vector<SlotInterval> united(std::vector<SlotInterval> intervals) {
 }
 
 VersionSlots::VersionSlots(std::vector<Version> versions, std::size_t names, std::size_t rows)
-    : versions_(std::move(versions)), all_(names), semantic_(names), slotOf_(rows, nothing) {
+    : versions_(std::move(versions)), all_(names), ordered_(names), slotOf_(rows, nothing) {
   std::sort(versions_.begin(), versions_.end(), comesBefore);
   for (Slot slot = 0; slot < size(); ++slot) {
-    const auto& [name, row, semantic] = versions_[slot];
-    if (all_[name].empty()) all_[name].begin = semantic_[name].begin = semantic_[name].end = slot;
-    all_[name].end = slot + 1;
-    if (semantic) semantic_[name].end = slot + 1;
-    slotOf_[row] = slot;
+    const Version& version = versions_[slot];
+    SlotInterval& all = all_[version.name];
+    SlotInterval& ordered = ordered_[version.name];
+    if (all.empty()) all.begin = ordered.begin = ordered.end = slot;
+    all.end = slot + 1;
+    if (version.precedence) ordered.end = slot + 1;
+    slotOf_[version.row] = slot;
   }
 }
 
 SlotInterval VersionSlots::denotedBy(NameNumber name, const SemVer& version) const {
-  const SlotInterval among = semantic(name);
+  SlotInterval found = at(name, version);
+  while (!found.empty() && !versions_[found.end - 1].isSemantic) --found.end;
+  return found;
+}
+
+SlotInterval VersionSlots::at(NameNumber name, const Precedence& precedence) const {
+  const SlotInterval among = ordered(name);
   const auto begin = versions_.begin();
-  const auto first = std::lower_bound(begin + among.begin, begin + among.end, version, isLower);
-  const auto last = std::upper_bound(first, begin + among.end, version, isHigher);
+  const auto first = std::lower_bound(begin + among.begin, begin + among.end, precedence, isLower);
+  const auto last = std::upper_bound(first, begin + among.end, precedence, isHigher);
   return {static_cast<Slot>(first - begin), static_cast<Slot>(last - begin)};
 }
 
-SlotInterval VersionSlots::between(NameNumber name, const pathfinder::SemVerRange& bounds) const {
-  const SlotInterval among = semantic(name);
+SlotInterval VersionSlots::between(NameNumber name, const VersionBounds& bounds) const {
+  const SlotInterval among = ordered(name);
   const auto begin = versions_.begin();
-  const auto firstFrom = [&](const SemVer& bound) {
-    const auto first = std::lower_bound(begin + among.begin, begin + among.end, bound, isLower);
+  const auto firstFrom = [&](const pathfinder::VersionId& bound) {
+    const auto first =
+        std::lower_bound(begin + among.begin, begin + among.end, *Precedence::of(bound), isLower);
     return static_cast<Slot>(first - begin);
   };
   return {firstFrom(bounds.lower), firstFrom(bounds.upper)};

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "catalogue/precedence.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "pathfinder/version_id.hpp"
@@ -14,8 +15,9 @@
 namespace tarn::evolution::catalogue {
 
 /// A version of a catalogue, by its place in an order in which every range is an interval, and a
-/// union of ranges several: the versions of one name stand together, those with a semantic version
-/// or equivalent first and ascending, otherwise in the catalogue's order.
+/// union of ranges several: the versions of one name stand together, those with a precedence first
+/// and ascending, of equal ones those that a semantic version denotes first, otherwise in the
+/// catalogue's order.
 using Slot = std::uint32_t;
 
 /// A name, by its place in any order of names.
@@ -43,8 +45,9 @@ class VersionSlots {
  public:
   struct Version {
     NameNumber name;
-    std::uint32_t row;                           ///< its place in the catalogue
-    std::optional<pathfinder::SemVer> semantic;  ///< its semantic version or equivalent
+    std::uint32_t row;                     ///< its place in the catalogue
+    std::optional<Precedence> precedence;  ///< see `CatalogueMetamodel::precedence`
+    bool isSemantic;  ///< whether a semantic version, its own or its equivalent, denotes it
   };
 
   /// Versions in any order; `names` and `rows` are beyond all of their numbers.
@@ -56,9 +59,12 @@ class VersionSlots {
   /// `nothing` for a row that no version has.
   Slot slotOf(std::size_t row) const { return slotOf_[row]; }
 
-  /// All versions of a name, and those of them with a semantic version or equivalent.
+  /// All versions of a name, and those of them with a precedence.
   SlotInterval all(NameNumber name) const { return all_[name]; }
-  SlotInterval semantic(NameNumber name) const { return semantic_[name]; }
+  SlotInterval ordered(NameNumber name) const { return ordered_[name]; }
+
+  /// The versions of a name that have a precedence.
+  SlotInterval at(NameNumber name, const Precedence& precedence) const;
 
   /// The versions that a semantic version denotes.
   SlotInterval denotedBy(NameNumber name, const pathfinder::SemVer& version) const;
@@ -95,15 +101,16 @@ class VersionSlots {
   template <class FindText>
   SlotInterval admittedByOne(NameNumber name, const pathfinder::VersionRange& range,
                              const FindText& findText) const {
-    const auto single = findSingleVersion(range);
-    return single ? denotedBy(name, *single, findText) : between(name, range.getSemVerRange());
+    if (const auto bounds = boundsOf(range)) return between(name, *bounds);
+    const auto single = *findSingleVersion(range);
+    return single.isSemVer() ? at(name, single.getSemVer()) : denotedBy(name, single, findText);
   }
 
-  SlotInterval between(NameNumber name, const pathfinder::SemVerRange& bounds) const;
+  SlotInterval between(NameNumber name, const VersionBounds& bounds) const;
 
   std::vector<Version> versions_;
   std::vector<SlotInterval> all_;  // by name
-  std::vector<SlotInterval> semantic_;
+  std::vector<SlotInterval> ordered_;
   std::vector<Slot> slotOf_;  // by row
 };
 

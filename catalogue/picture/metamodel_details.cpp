@@ -22,7 +22,7 @@ std::vector<CatalogueMetamodel> listInOrder(BrowsableRepository& repository,
   auto versions = repository.listMetamodels(name);
   std::stable_sort(versions.begin(), versions.end(),
                    [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-                     return left.semVer() < right.semVer();
+                     return left.precedence() < right.precedence();
                    });
   return versions;
 }
@@ -78,9 +78,9 @@ MetamodelDetails describeMetamodel(BrowsableRepository& repository, const std::u
 MetamodelDetails describeVersion(BrowsableRepository& repository, const std::u16string& name,
                                  const VersionId& version) {
   MetamodelDetails details = describeMetamodel(repository, name);
+  const auto found = repository.getMetamodel(name, version);
   std::erase_if(details.versions, [&](const VersionDetails& detail) {
-    if (version.isSemVer()) return detail.metamodel.semVer() != version.getSemVer();
-    return detail.metamodel.descriptor.version != version;
+    return !found || detail.metamodel.descriptor.version != found->version;
   });
   if (details.versions.empty()) {
     throw std::invalid_argument("there is no version " + toVisible(textOf(version)) +

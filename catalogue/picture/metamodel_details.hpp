@@ -24,8 +24,8 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT VersionDetails {
   std::optional<std::vector<std::shared_ptr<pathfinder::LinkedMetamodel>>> variants;
 };
 
-/// A metamodel and its versions: text versions without an equivalent first, then by ascending
-/// semantic version or equivalent.
+/// A metamodel and its versions: those without a precedence first, then by ascending
+/// precedence.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT MetamodelDetails {
   std::u16string name;
   std::vector<VersionDetails> versions;

@@ -1,5 +1,7 @@
 #include "catalogue/picture/move_marks.hpp"
 
+#include <set>
+
 namespace tarn::evolution::catalogue {
 
 const char* styleClassOf(PathPicture::MoveKind kind) {
@@ -12,6 +14,15 @@ const char* styleClassOf(PathPicture::MoveKind kind) {
       break;
   }
   return "move";
+}
+
+std::string whyTogether(const PathPicture::Step& step) {
+  std::string reasons;
+  std::set<std::string> told;
+  for (const PathPicture::Tie& tie : step.ties) {
+    if (told.insert(tie.reason).second) reasons += (reasons.empty() ? "" : "\n") + tie.reason;
+  }
+  return reasons;
 }
 
 std::string tooltipOf(const PathPicture& picture, const PathPicture::Lane& lane,

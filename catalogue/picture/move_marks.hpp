@@ -14,4 +14,7 @@ const char* styleClassOf(PathPicture::MoveKind kind);
 std::string tooltipOf(const PathPicture& picture, const PathPicture::Lane& lane,
                       const PathCell& cell);
 
+/// Why the moves of a step go together, a line for each reason; empty where nothing is known.
+std::string whyTogether(const PathPicture::Step& step);
+
 }  // namespace tarn::evolution::catalogue

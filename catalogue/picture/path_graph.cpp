@@ -35,7 +35,7 @@ PathGraph::PathGraph(const PathPicture& picture) {
   for (std::size_t column = 1; column <= picture.steps.size(); ++column) {
     const PathPicture::Step& step = picture.steps[column - 1];
     Cluster& cluster = clusters.emplace_back();
-    cluster.label = "Step " + std::to_string(column) + ", weight " + std::to_string(step.weight);
+    cluster.label = "Step " + std::to_string(column) + ", weight " + weightText(step.weight);
     if (column > 1) {
       cluster.order.emplace(clusters[column - 1].nodes.front().id,
                             nodeId(step.moves.front().lane, column));

@@ -56,7 +56,8 @@ class PageWriter {
 <span class="move"><i class="way"></i>move</span>
 <span class="dear"><i class="way"></i>expensive move (!)</span>
 <span class="enter"><i class="way"></i>brought in by a link (+)</span>
-<span><i class="sample-tie"></i>moves together</span>
+<span><i class="sample-tie"></i>must move together</span>
+<span><i class="sample-tie loose"></i>together as that weighs less</span>
 <span class="keys"><kbd>←</kbd> <kbd>→</kbd> step &nbsp; <kbd>Esc</kbd> clear</span>
 </div>
 </header>
@@ -64,22 +65,54 @@ class PageWriter {
   }
 
   void writeLanes() const {
+    const auto cells = layOutCells(picture_);
     out_ << "<section id=\"picture\" tabindex=\"0\" aria-label=\"Swim lanes\">\n<table>\n"
             R"(<thead><tr><th scope="col">Metamodel</th><th scope="col">Start</th>)";
     for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
       out_ << R"(<th scope="col"><button type="button" tabindex="-1">Step )" << i + 1
-           << "<small>weight " << picture_.steps[i].weight << "</small></button></th>";
+           << "<small>weight " << weightText(picture_.steps[i].weight) << "</small></button></th>";
     }
     out_ << "</tr></thead>\n<tbody>\n";
-    const auto cells = layOutCells(picture_);
     for (std::size_t i = 0; i < cells.size(); ++i) writeLane(picture_.lanes[i], cells[i]);
     out_ << "</tbody>\n</table>\n</section>\n";
+    if (picture_.steps.size() > stepsOnPaper) writePrintedLanes(cells);
+  }
+
+  /// The same for paper, as many columns at a time as fit beside the names.
+  void writePrintedLanes(const std::vector<std::vector<PathCell>>& cells) const {
+    out_ << "<section class=\"printed\" aria-hidden=\"true\">\n";
+    for (std::size_t first = 0; first <= picture_.steps.size(); first += stepsOnPaper) {
+      const std::size_t last = std::min(first + stepsOnPaper, picture_.steps.size() + 1);
+      out_ << "<table>\n<thead><tr><th>Metamodel</th>";
+      for (std::size_t column = first; column < last; ++column) {
+        out_ << "<th>" << (column == 0 ? "Start" : "Step " + std::to_string(column)) << "</th>";
+      }
+      out_ << "</tr></thead>\n<tbody>\n";
+      for (std::size_t lane = 0; lane < cells.size(); ++lane) {
+        out_ << "<tr><th><bdi>" << escapeXml(picture_.lanes[lane].name) << "</bdi></th>";
+        for (std::size_t column = first; column < last; ++column) {
+          writePrintedCell(cells[lane][column]);
+        }
+        out_ << "</tr>\n";
+      }
+      out_ << "</tbody>\n</table>\n";
+    }
+    out_ << "</section>\n";
+  }
+
+  void writePrintedCell(const PathCell& cell) const {
+    out_ << "<td" << (cell.move == nullptr ? "" : R"( class="moved")") << "><bdi>"
+         << escapeXml(cell.version) << "</bdi>";
+    if (cell.move != nullptr && cell.move->kind == MoveKind::Expensive) out_ << " !";
+    if (cell.move != nullptr && cell.move->kind == MoveKind::Entering) out_ << " +";
+    out_ << "</td>";
   }
 
   void writeLane(const PathPicture::Lane& lane, const std::vector<PathCell>& cells) const {
     const std::string name = escapeXml(lane.name);
     out_ << "<tr data-name=\"" << name << "\"" << (lane.isMoved ? "" : " class=\"unmoved\"")
-         << R"(><th scope="row" title=")" << name << "\"><bdi>" << name << "</bdi></th>";
+         << R"(><th scope="row" title=")" << name << "\"><bdi>" << name
+         << "</bdi><span class=\"now\" aria-hidden=\"true\"></span></th>";
     bool begins = true;
     for (const PathCell& cell : cells) {
       writeCell(lane, cell, begins);
@@ -92,7 +125,8 @@ class PageWriter {
     std::string classes;
     if (cell.kind != PathCell::Kind::Absent) classes += begins ? " held begins" : " held";
     if (cell.move != nullptr) classes += std::string(" ") + styleClassOf(cell.move->kind);
-    const bool isTied = cell.isTiedUpward || cell.isTiedDownward;
+    const bool isTied =
+        cell.isTiedUpward || cell.isTiedDownward || cell.isLooseUpward || cell.isLooseDownward;
     if (cell.move != nullptr || isTied) classes += " band";
     out_ << "<td";
     if (!classes.empty()) out_ << " class=\"" << classes.substr(1) << "\"";
@@ -102,6 +136,8 @@ class PageWriter {
     out_ << ">";
     if (cell.isTiedUpward) out_ << "<i class=\"tie up\"></i>";
     if (cell.isTiedDownward) out_ << "<i class=\"tie down\"></i>";
+    if (cell.isLooseUpward) out_ << "<i class=\"tie loose up\"></i>";
+    if (cell.isLooseDownward) out_ << "<i class=\"tie loose down\"></i>";
     if (cell.move != nullptr) out_ << R"(<i class="way"></i><i class="dot"></i>)";
     if (cell.move != nullptr || cell.kind == PathCell::Kind::Start) writeBox(cell);
     out_ << "</td>";
@@ -122,9 +158,13 @@ class PageWriter {
     out_ << "<aside aria-label=\"Steps\">\n<h2>Steps</h2>\n<ol id=\"steps\">\n";
     for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
       out_ << "<li><button type=\"button\">Step " << i + 1 << " <small>weight "
-           << picture_.steps[i].weight << "</small></button>\n<ul>\n";
+           << weightText(picture_.steps[i].weight) << "</small></button>\n<ul>\n";
       for (const PathPicture::Move& move : picture_.steps[i].moves) writeMove(move);
-      out_ << "</ul></li>\n";
+      out_ << "</ul>";
+      if (const std::string why = whyTogether(picture_.steps[i]); !why.empty()) {
+        out_ << "<p class=\"why\">" << escapeXml(why) << "</p>";
+      }
+      out_ << "</li>\n";
     }
     out_ << "</ol>\n</aside>\n";
   }
@@ -140,6 +180,8 @@ class PageWriter {
     if (move.kind == MoveKind::Entering) out_ << " <span class=\"note link\">brought in</span>";
     out_ << "</li>\n";
   }
+
+  static constexpr std::size_t stepsOnPaper = 8;
 
   const PathPicture& picture_;
   std::ostream& out_;

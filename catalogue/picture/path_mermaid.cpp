@@ -1,6 +1,8 @@
 #include "catalogue/picture/path_mermaid.hpp"
 
 #include <ostream>
+#include <sstream>
+#include <string>
 
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
@@ -37,17 +39,40 @@ void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::os
   }
 }
 
-}  // namespace
-
-void writePathMermaid(const PathPicture& picture, std::ostream& out) {
-  const PlainNumbers plain(out);
+void writeChart(const PathGraph& graph, std::ostream& out) {
   out << "flowchart LR\n";
-  const PathGraph graph(picture);
   for (std::size_t column = 0; column < graph.clusters.size(); ++column) {
     writeCluster(column, graph.clusters[column], out);
   }
   out << "  classDef unmoved stroke-dasharray:2,color:#666\n"
          "  classDef entering stroke-dasharray:4\n";
+}
+
+/// Mermaid draws no more than this unless its host sets `maxEdges` and `maxTextSize`, which a chart
+/// itself may not.
+void warnOfLimits(const PathGraph& graph, std::size_t size, std::ostream& out) {
+  constexpr std::size_t mostEdges = 500;
+  constexpr std::size_t mostText = 50'000;
+  std::size_t edges = 0;
+  for (const PathGraph::Cluster& cluster : graph.clusters) {
+    edges += cluster.edges.size() + (cluster.order ? 1 : 0);
+  }
+  if (edges <= mostEdges && size <= mostText) return;
+  const std::string text = std::to_string(edges) + " edges and " + std::to_string(size);
+  out << "%% " << text << " characters: beyond " << std::to_string(mostEdges) << " and "
+      << std::to_string(mostText)
+      << ", Mermaid draws nothing unless maxEdges and maxTextSize are set.\n";
+}
+
+}  // namespace
+
+void writePathMermaid(const PathPicture& picture, std::ostream& out) {
+  const PathGraph graph(picture);
+  std::ostringstream chart;
+  const PlainNumbers plain(chart);
+  writeChart(graph, chart);
+  warnOfLimits(graph, chart.str().size(), out);
+  out << chart.str();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <map>
 
+#include "catalogue/picture/step_ties.hpp"
 #include "catalogue/text/printed_text.hpp"
+#include "catalogue/utf16.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -59,16 +61,24 @@ std::vector<PathPicture::Move> listMoves(const BaselineHop& step, const LaneNumb
   return moves;
 }
 
-/// Marks the places between a step's first and last moved lane.
+/// Marks the places between a step's first and last moved lane: as tied between those of one
+/// bundle, otherwise as loose. Where nothing is known of bundles, all moves are of one.
 void tieMoves(const PathPicture::Step& step, std::size_t column,
               std::vector<std::vector<PathCell>>& cells) {
   if (step.moves.empty()) return;
   const auto [first, last] = std::minmax_element(
       step.moves.begin(), step.moves.end(),
       [](const auto& left, const auto& right) { return left.lane < right.lane; });
-  for (std::size_t lane = first->lane; lane <= last->lane; ++lane) {
-    cells[lane][column].isTiedUpward = lane > first->lane;
-    cells[lane][column].isTiedDownward = lane < last->lane;
+  for (std::size_t lane = first->lane; lane < last->lane; ++lane) {
+    const bool isTied =
+        step.bundles.empty() ||
+        std::any_of(step.bundles.begin(), step.bundles.end(), [lane](const auto& bundle) {
+          return bundle.front() <= lane && lane < bundle.back();
+        });
+    PathCell& upper = cells[lane][column];
+    PathCell& lower = cells[lane + 1][column];
+    (isTied ? upper.isTiedDownward : upper.isLooseDownward) = true;
+    (isTied ? lower.isTiedUpward : lower.isLooseUpward) = true;
   }
 }
 
@@ -104,6 +114,25 @@ PathPicture drawSelection(const Selection& selection) {
   return picture;
 }
 
+void addTies(pathfinder::VersionRepository& repository, const std::vector<BaselineHop>& path,
+             PathPicture& picture) {
+  LaneNumbers numbers;
+  for (std::size_t lane = 0; lane < picture.lanes.size(); ++lane) {
+    numbers.emplace(toUtf16(picture.lanes[lane].name), lane);
+  }
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const std::vector<StepTie> ties = tiesOf(repository, path[i]);
+    PathPicture::Step& step = picture.steps[i];
+    for (const StepTie& tie : ties) {
+      step.ties.push_back({numbers.at(tie.mover), numbers.at(tie.companion), describe(tie)});
+    }
+    for (const auto& names : bundlesOf(path[i], ties)) {
+      std::vector<std::size_t>& bundle = step.bundles.emplace_back();
+      for (const std::u16string& name : names) bundle.push_back(numbers.at(name));
+    }
+  }
+}
+
 std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
   std::vector<std::vector<PathCell>> cells(picture.lanes.size(),
                                            std::vector<PathCell>(picture.steps.size() + 1));
@@ -128,8 +157,16 @@ std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
   return cells;
 }
 
+std::string weightText(std::uint64_t weight) {
+  constexpr std::uint64_t expensive = 1'000'000'000;
+  if (weight < expensive) return std::to_string(weight);
+  const std::uint64_t rest = weight % expensive;
+  return std::to_string(weight / expensive) + " expensive" +
+         (rest == 0 ? "" : ", " + std::to_string(rest));
+}
+
 std::string summarise(const PathPicture& picture) {
-  return countedText(picture.steps.size(), "step") + ", weight " + std::to_string(picture.weight);
+  return countedText(picture.steps.size(), "step") + ", weight " + weightText(picture.weight);
 }
 
 std::string describe(const PathPicture& picture, const PathPicture::Move& move) {

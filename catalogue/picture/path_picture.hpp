@@ -34,9 +34,22 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
     MoveKind kind;
   };
 
+  /// Why one lane cannot take its part in a step without another one's (see `StepTie`).
+  struct Tie {
+    std::size_t mover;
+    std::size_t companion;
+    std::string reason;  ///< "A 2.0.0 needs B 3.0.0, not 2.0.0"
+  };
+
   struct Step {
     std::vector<Move> moves;  ///< hops by ascending lane, then what enters, by ascending lane
     std::uint64_t weight;
+
+    std::vector<Tie> ties = {};  ///< see `addTies`
+
+    /// The lanes that cannot be divided, ascending, as `bundlesOf` has them: of several bundles,
+    /// each could be a step of its own, and all are one step because that weighs less.
+    std::vector<std::vector<std::size_t>> bundles = {};
   };
 
   struct Lane {
@@ -75,6 +88,11 @@ drawPath(const pathfinder::VersionRepository& repository, const pathfinder::Vers
 /// The picture of a path that starts at a selection and has nothing to do: its versions.
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture drawSelection(const Selection& selection);
 
+/// Adds to each step of a path's picture why its parts go together.
+TARN_EVOLUTION_CATALOGUE_EXPORT void addTies(pathfinder::VersionRepository& repository,
+                                             const std::vector<pathfinder::BaselineHop>& path,
+                                             PathPicture& picture);
+
 /// One place of the picture: a lane at a step, or at the start.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
   enum class Kind {
@@ -96,11 +114,18 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
   /// Which parts of a line that ties the step's moves together cross this place.
   bool isTiedUpward = false;
   bool isTiedDownward = false;
+
+  /// The same for the parts that the tied lanes need not go together for.
+  bool isLooseUpward = false;
+  bool isLooseDownward = false;
 };
 
 /// The places of a picture, by lane, then by column; column 0 is the start, column n step n.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<std::vector<PathCell>> layOutCells(
     const PathPicture& picture);
+
+/// "27"; "78 expensive, 411" for what weighs as much as 78 expensive hops and 411 more.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string weightText(std::uint64_t weight);
 
 /// "9 steps, weight 27".
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string summarise(const PathPicture& picture);

@@ -13,38 +13,71 @@ namespace tarn::evolution::catalogue {
 
 namespace {
 
-constexpr const char* style = R"(<style>
-  svg { --paper: #fff; --ink: #1b2530; --quiet: #5c6873; --line: #b4bec7; --stripe: #f5f7f9;
-        --band: #e3eef7; --move: #0068a3; --dear: #a83e00; --enter: #00664d; }
-  @media (prefers-color-scheme: dark) {
-    svg { --paper: #14191f; --ink: #e8edf2; --quiet: #9fabb6; --line: #4a5661; --stripe: #1a2027;
-          --band: #1d3346; --move: #6cb8ee; --dear: #f5a45d; --enter: #52cfa9; }
-  }
+/// The colours of a picture, by what they are for.
+struct Palette {
+  const char* paper;
+  const char* ink;
+  const char* quiet;
+  const char* line;
+  const char* stripe;
+  const char* band;
+  const char* move;
+  const char* dear;
+  const char* enter;
+};
+
+constexpr Palette light{"#fff",    "#1b2530", "#5c6873", "#b4bec7", "#f5f7f9",
+                        "#e3eef7", "#0068a3", "#a83e00", "#00664d"};
+constexpr Palette dark{"#14191f", "#e8edf2", "#9fabb6", "#4a5661", "#1a2027",
+                       "#1d3346", "#6cb8ee", "#f5a45d", "#52cfa9"};
+
+constexpr const char* shapes = R"(
   text { font: 13px system-ui, "Segoe UI", "Noto Sans", "DejaVu Sans", sans-serif;
-         fill: var(--ink); unicode-bidi: isolate; white-space: pre; }
+         unicode-bidi: isolate; white-space: pre; }
   .heading { font-weight: 600; }
-  .weight { font-size: 11px; fill: var(--quiet); }
+  .weight { font-size: 11px; }
   .summary { font-size: 16px; font-weight: 600; }
-  .key { font-size: 11px; fill: var(--quiet); }
-  .quiet { fill: var(--quiet); }
-  .paper { fill: var(--paper); }
-  .stripe { fill: var(--stripe); }
-  .band { fill: var(--band); }
-  .held { stroke: var(--line); stroke-width: 1.5; }
-  .box { fill: var(--paper); stroke: var(--line); stroke-width: 1.25; }
-  .move .box { stroke: var(--move); stroke-width: 1.75; }
-  .dear .box { stroke: var(--dear); stroke-width: 2.5; }
-  .enter .box { stroke: var(--enter); stroke-width: 1.75; stroke-dasharray: 4 3; }
-  .way { fill: none; stroke-width: 2.5; stroke: var(--move); }
-  .dear .way { stroke: var(--dear); stroke-width: 2; }
-  .enter .way { stroke: var(--enter); stroke-dasharray: 4 3; }
-  .tip { fill: var(--move); }
-  .dear .tip, .dear .badge { fill: var(--dear); }
-  .enter .tip, .enter .badge { fill: var(--enter); }
-  .tie { stroke: var(--move); stroke-width: 2.5; }
-  .mark { fill: none; stroke: var(--paper); stroke-width: 1.75; stroke-linecap: round; }
-</style>
+  .key { font-size: 11px; }
+  .held { stroke-width: 1.5; }
+  .box { stroke-width: 1.25; }
+  .move .box { stroke-width: 1.75; }
+  .dear .box { stroke-width: 2.5; }
+  .enter .box { stroke-width: 1.75; stroke-dasharray: 4 3; }
+  .way { fill: none; stroke-width: 2.5; }
+  .dear .way { stroke-width: 2; }
+  .enter .way { stroke-dasharray: 4 3; }
+  .tie { stroke-width: 2.5; }
+  .loose { stroke-width: 1.5; stroke-dasharray: 1 4; }
+  .mark { fill: none; stroke-width: 1.75; stroke-linecap: round; }
 )";
+
+/// Colours are written out for each palette, for many programs that draw SVG know no variables.
+void writeColours(const Palette& colours, std::ostream& out) {
+  const auto rule = [&out](const char* selectors, const char* property, const char* colour) {
+    out << "  " << selectors << " { " << property << ": " << colour << "; }\n";
+  };
+  rule("text", "fill", colours.ink);
+  rule(".weight, .key, .quiet", "fill", colours.quiet);
+  rule(".paper, .box", "fill", colours.paper);
+  rule(".stripe", "fill", colours.stripe);
+  rule(".band", "fill", colours.band);
+  rule(".held, .box", "stroke", colours.line);
+  rule(".move .box, .way, .tie, .loose", "stroke", colours.move);
+  rule(".dear .box, .dear .way", "stroke", colours.dear);
+  rule(".enter .box, .enter .way", "stroke", colours.enter);
+  rule(".tip", "fill", colours.move);
+  rule(".dear .tip, .dear .badge", "fill", colours.dear);
+  rule(".enter .tip, .enter .badge", "fill", colours.enter);
+  rule(".mark", "stroke", colours.paper);
+}
+
+void writeStyle(std::ostream& out) {
+  out << "<style>\n";
+  writeColours(light, out);
+  out << "  @media (prefers-color-scheme: dark) {\n";
+  writeColours(dark, out);
+  out << "  }" << shapes << "</style>\n";
+}
 
 class SvgWriter {
  public:
@@ -69,7 +102,7 @@ class SvgWriter {
 
  private:
   static constexpr int keyHeight = 48;
-  static constexpr int narrowest = 560;  // the key needs as much
+  static constexpr int narrowest = 740;  // the key needs as much
 
   void open() const {
     const int width = std::max(lanes_.lanesRight() + SwimLanes::margin, narrowest);
@@ -85,9 +118,14 @@ class SvgWriter {
         out_ << separator << escapeXml(describe(picture_, move));
         separator = "; ";
       }
+      for (const PathPicture::Tie& tie : picture_.steps[i].ties) {
+        out_ << "; " << escapeXml(tie.reason);
+      }
       out_ << ".\n";
     }
-    out_ << "</desc>\n" << style << rectangle("paper", 0, 0, width, height);
+    out_ << "</desc>\n";
+    writeStyle(out_);
+    out_ << rectangle("paper", 0, 0, width, height);
     for (std::size_t lane = 0; lane < picture_.lanes.size(); lane += 2) {
       out_ << rectangle("stripe", SwimLanes::margin / 2, SwimLanes::top(lane),
                         lanes_.lanesRight() - SwimLanes::margin / 2, SwimLanes::laneHeight);
@@ -103,7 +141,7 @@ class SvgWriter {
     }
     out_ << text("heading", left, SwimLanes::firstLaneTop - 28, "Step " + std::to_string(column))
          << text("weight", left, SwimLanes::firstLaneTop - 10,
-                 "weight " + std::to_string(picture_.steps[column - 1].weight));
+                 "weight " + weightText(picture_.steps[column - 1].weight));
   }
 
   void writeLane(std::size_t lane) const {
@@ -140,11 +178,19 @@ class SvgWriter {
   }
 
   void writeTie(std::size_t column) const {
-    const auto [first, last] = spanOf(column);
     const int x = lanes_.left(column) + SwimLanes::tieOffset;
-    if (first < last) {
-      out_ << line("tie", x, SwimLanes::middle(first), x, SwimLanes::middle(last));
+    out_ << "<g><title>" << tieTooltip(column) << "</title>\n";
+    for (std::size_t lane = 0; lane + 1 < cells_.size(); ++lane) {
+      const PathCell& cell = cells_[lane][column];
+      if (!cell.isTiedDownward && !cell.isLooseDownward) continue;
+      out_ << line(cell.isTiedDownward ? "tie" : "loose", x, SwimLanes::middle(lane), x,
+                   SwimLanes::middle(lane + 1));
     }
+    out_ << "</g>\n";
+  }
+
+  std::string tieTooltip(std::size_t column) const {
+    return escapeXml(whyTogether(picture_.steps[column - 1]));
   }
 
   void writeBox(std::size_t lane, std::size_t column) const {
@@ -211,7 +257,11 @@ class SvgWriter {
     sample(PathPicture::MoveKind::Ordinary, "move");
     sample(PathPicture::MoveKind::Expensive, "expensive move");
     sample(PathPicture::MoveKind::Entering, "brought in by a link");
-    out_ << line("tie", x + 4, y - 9, x + 4, y + 9) << text("key", x + 14, y + 4, "moves together");
+    out_ << line("tie", x + 4, y - 9, x + 4, y + 9)
+         << text("key", x + 14, y + 4, "must move together");
+    x += estimatePixels("must move together", SwimLanes::smallFontSize) + 36;
+    out_ << line("loose", x + 4, y - 9, x + 4, y + 9)
+         << text("key", x + 14, y + 4, "together as that weighs less");
   }
 
   static std::string attribute(const char* name, int value) {

@@ -28,7 +28,7 @@ void writePathText(const PathPicture& picture, Colouring colouring, std::ostream
   const StepTextWriter writer(picture, colouring, out);
   for (std::size_t i = 0; i < picture.steps.size(); ++i) {
     writer.write(
-        "Step " + std::to_string(i + 1) + ", weight " + std::to_string(picture.steps[i].weight), i);
+        "Step " + std::to_string(i + 1) + ", weight " + weightText(picture.steps[i].weight), i);
   }
   out << emphasise(summarise(picture), colouring) << "\n";
 }

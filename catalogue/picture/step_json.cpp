@@ -2,6 +2,31 @@
 
 namespace tarn::evolution::catalogue {
 
+namespace {
+
+void writeTieFields(JsonPrinter& printer, const PathPicture& picture,
+                    const PathPicture::Step& step) {
+  if (step.bundles.empty()) return;
+  printer.arrayField("ties", [&] {
+    for (const PathPicture::Tie& tie : step.ties) {
+      printer.object([&] {
+        printer.field("mover", picture.lanes[tie.mover].name);
+        printer.field("companion", picture.lanes[tie.companion].name);
+        printer.field("reason", tie.reason);
+      });
+    }
+  });
+  printer.arrayField("bundles", [&] {
+    for (const auto& bundle : step.bundles) {
+      printer.array([&] {
+        for (const std::size_t lane : bundle) printer.value(picture.lanes[lane].name);
+      });
+    }
+  });
+}
+
+}  // namespace
+
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step) {
   const auto nameOf = [&](const PathPicture::Move& move) { return picture.lanes[move.lane].name; };
@@ -26,6 +51,7 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
       });
     }
   });
+  writeTieFields(printer, picture, step);
 }
 
 void writeSteps(JsonPrinter& printer, const PathPicture& picture) {

@@ -36,7 +36,7 @@ void writeGroups(const StepListing& listing, Colouring colouring, std::ostream& 
       std::string heading = nameOfDirection(group.direction);
       heading[0] = static_cast<char>(heading[0] - 'a' + 'A');
       writer.write(heading + " " + std::to_string(i + 1) + ", weight " +
-                       std::to_string(group.picture.steps[i].weight),
+                       weightText(group.picture.steps[i].weight),
                    i);
     }
   }

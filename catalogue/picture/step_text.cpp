@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <set>
 
 #include "catalogue/text/display_text.hpp"
 
@@ -39,6 +40,25 @@ StepTextWriter::StepTextWriter(const PathPicture& picture, Colouring colouring, 
 void StepTextWriter::write(const std::string& heading, std::size_t step) const {
   out_ << emphasise(heading, colouring_) << "\n";
   for (const PathPicture::Move& move : picture_.steps[step].moves) writeMove(move);
+  writeTies(picture_.steps[step]);
+}
+
+void StepTextWriter::writeTies(const PathPicture::Step& step) const {
+  std::set<std::string> told;
+  for (const PathPicture::Tie& tie : step.ties) {
+    if (told.insert(tie.reason).second) out_ << "    " << toVisible(tie.reason) << "\n";
+  }
+  if (step.bundles.size() < 2) return;
+  out_ << "    together because that weighs less:";
+  const char* before = " ";
+  for (const auto& bundle : step.bundles) {
+    for (const std::size_t lane : bundle) {
+      out_ << before << toVisible(picture_.lanes[lane].name);
+      before = " with ";
+    }
+    before = "; ";
+  }
+  out_ << "\n";
 }
 
 void StepTextWriter::writeMove(const PathPicture::Move& move) const {

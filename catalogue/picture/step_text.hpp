@@ -18,7 +18,7 @@ enum class Colouring {
 };
 
 /// Writes steps of a picture for a terminal: a heading, then a line for each move, with names and
-/// versions of all steps in columns.
+/// versions of all steps in columns, then, where they are known, why the moves go together.
 class TARN_EVOLUTION_CATALOGUE_EXPORT StepTextWriter {
  public:
   /// Keeps references.
@@ -29,6 +29,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT StepTextWriter {
 
  private:
   void writeMove(const PathPicture::Move& move) const;
+  void writeTies(const PathPicture::Step& step) const;
 
   const PathPicture& picture_;
   const Colouring colouring_;

@@ -56,31 +56,46 @@ CachedSqliteReader::Metamodels CachedSqliteReader::metamodelsIn(const std::u16st
   return found;
 }
 
+std::optional<CatalogueMetamodel> CachedSqliteReader::find(const std::u16string& name,
+                                                           const VersionId& version) {
+  const Metamodels found = versionsAt(name, version);
+  expectNoCycle(found);
+  for (const StoredMetamodel& stored : *found) {
+    if (stored.metamodel.descriptor.version == version) return stored.metamodel;
+  }
+  if (found->empty()) return std::nullopt;
+  return found->front().metamodel;
+}
+
 CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name,
                                                       const VersionId& version) {
   const std::u16string key = keyOf(name, version);
   if (Hops cached = hops_.find(key)) return cached;
   auto found = reader_.hopsFrom(name, version);
   for (const pathfinder::Hop& hop : found) {
-    if (hasVersion(name, hop.to)) continue;
+    if (!versionsAt(name, hop.to)->empty()) continue;
     database_.failDamaged("table hops", textOf(hop) + " leads to no version");
   }
   const std::size_t size = 1 + found.size();
   return hops_.add(key, std::move(found), size);
 }
 
-bool CachedSqliteReader::hasVersion(const std::u16string& name, const VersionId& version) {
-  const Metamodels found = lookUp(name, VersionRange::singleVersion(version));
-  if (found->empty() || version.isSemVer()) return !found->empty();
-  const auto& equivalent = found->front().metamodel.equivalent;  // which a text is looked up by
-  return !equivalent || !lookUp(name, VersionRange::singleVersion(*equivalent))->empty();
+CachedSqliteReader::Metamodels CachedSqliteReader::versionsAt(const std::u16string& name,
+                                                              const VersionId& version) {
+  return remembered(u'v' + keyOf(name, version),
+                    [&] { return reader_.metamodelsAt(name, version); });
 }
 
 CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& name,
                                                           const VersionRange& range) {
-  const std::u16string key = keyOf(name, range);
+  return remembered(u'r' + keyOf(name, range), [&] { return reader_.metamodelsIn(name, range); });
+}
+
+template <class Read>
+CachedSqliteReader::Metamodels CachedSqliteReader::remembered(const std::u16string& key,
+                                                              const Read& read) {
   if (Metamodels cached = metamodels_.find(key)) return cached;
-  auto found = reader_.metamodelsIn(name, range);
+  std::vector<StoredMetamodel> found = read();
   const std::size_t size = 1 + found.size();
   return metamodels_.add(key, std::move(found), size);
 }

@@ -24,9 +24,19 @@ class CachedSqliteReader {
   /// Throws CatalogueError when there is a cycle.
   Metamodels metamodelsIn(const std::u16string& name, const pathfinder::VersionRange& range);
 
+  /// The metamodel that asking for a version gives: the one that carries it, otherwise the first
+  /// that is equivalent to it. Throws CatalogueError when there is a cycle.
+  std::optional<CatalogueMetamodel> find(const std::u16string& name,
+                                         const pathfinder::VersionId& version);
+
   /// Throws CatalogueError when a hop leads to a version that `VersionRepository::getMetamodel`
   /// would not find.
   Hops hopsFrom(const std::u16string& name, const pathfinder::VersionId& version);
+
+  /// How the versions of a name are shown to the path finder.
+  std::shared_ptr<const VersionScale> scale(const std::u16string& name) {
+    return reader_.scale(name);
+  }
 
   /// The reader itself, for what is not remembered.
   SqliteReader& uncached() noexcept { return reader_; }
@@ -39,8 +49,12 @@ class CachedSqliteReader {
     std::size_t dependency;
   };
 
+  /// What is kept for the key, or else what `read` finds, which is kept.
+  template <class Read>
+  Metamodels remembered(const std::u16string& key, const Read& read);
+
   Metamodels lookUp(const std::u16string& name, const pathfinder::VersionRange& range);
-  bool hasVersion(const std::u16string& name, const pathfinder::VersionId& version);
+  Metamodels versionsAt(const std::u16string& name, const pathfinder::VersionId& version);
   void expectNoCycle(const Metamodels& candidates);
   void enterCandidate(const Metamodels& candidates);
   [[noreturn]] void failForCycle(std::int64_t position) const;

@@ -1,11 +1,14 @@
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
 
 #include <mutex>
+#include <utility>
 
 #include "catalogue/store/cached_sqlite_reader.hpp"
 #include "catalogue/store/store_snapshot.hpp"
 
 namespace tarn::evolution::catalogue {
+
+using pathfinder::VersionId;
 
 /// The connection and what stands on it, for one thread at a time.
 class SqliteCatalogueRepository::Store {
@@ -33,24 +36,47 @@ SqliteCatalogueRepository::~SqliteCatalogueRepository() = default;
 
 std::optional<pathfinder::SemVer> SqliteCatalogueRepository::getEquivalentSemVer(
     const std::u16string& metamodelName, const std::u16string& versionText) {
-  const auto found =
-      store_->ask([&](auto& reader) { return reader.metamodelsIn(metamodelName, versionText); });
-  if (found->empty()) return std::nullopt;
-  return found->front().metamodel.equivalent;
+  return store_->ask([&](auto& reader) -> std::optional<pathfinder::SemVer> {
+    const auto scale = reader.scale(metamodelName);
+    const auto found = reader.find(metamodelName, scale->meant(VersionId(versionText)));
+    const auto precedence = found ? found->precedence() : std::nullopt;
+    if (!precedence) return std::nullopt;
+    return scale->equivalent(*precedence);
+  });
+}
+
+std::optional<pathfinder::Metamodel> SqliteCatalogueRepository::getMetamodel(
+    const std::u16string& name, const VersionId& version) {
+  return store_->ask([&](auto& reader) -> std::optional<pathfinder::Metamodel> {
+    const auto scale = reader.scale(name);
+    auto found = reader.find(name, scale->meant(version));
+    if (!found) return std::nullopt;
+    return scale->shown(std::move(found->descriptor));
+  });
 }
 
 void SqliteCatalogueRepository::findMetamodels(const std::u16string& name,
                                                const pathfinder::VersionRange& range,
                                                std::vector<pathfinder::Metamodel>& result) {
-  const auto found = store_->ask([&](auto& reader) { return reader.metamodelsIn(name, range); });
-  for (const StoredMetamodel& stored : *found) result.push_back(stored.metamodel.descriptor);
+  const auto [scale, found] = store_->ask([&](auto& reader) {
+    auto own = reader.scale(name);
+    auto metamodels = reader.metamodelsIn(name, own->meant(range));
+    return std::pair(std::move(own), std::move(metamodels));
+  });
+  for (const StoredMetamodel& stored : *found) {
+    result.push_back(scale->shown(stored.metamodel.descriptor));
+  }
 }
 
 void SqliteCatalogueRepository::findHops(const std::u16string& name,
                                          const pathfinder::VersionId& from,
                                          std::vector<pathfinder::Hop>& result) {
-  const auto found = store_->ask([&](auto& reader) { return reader.hopsFrom(name, from); });
-  result.insert(result.end(), found->begin(), found->end());
+  const auto [scale, found] = store_->ask([&](auto& reader) {
+    auto own = reader.scale(name);
+    auto hops = reader.hopsFrom(name, own->meant(from));
+    return std::pair(std::move(own), std::move(hops));
+  });
+  for (const pathfinder::Hop& hop : *found) result.push_back(scale->shown(hop));
 }
 
 std::vector<std::u16string> SqliteCatalogueRepository::listNames() {
@@ -59,15 +85,22 @@ std::vector<std::u16string> SqliteCatalogueRepository::listNames() {
 
 std::vector<CatalogueMetamodel> SqliteCatalogueRepository::listMetamodels(
     const std::u16string& name) {
-  auto found = store_->ask([&](auto& reader) { return reader.uncached().metamodelsOf(name); });
+  auto [scale, found] = store_->ask([&](auto& reader) {
+    return std::pair(reader.scale(name), reader.uncached().metamodelsOf(name));
+  });
   std::vector<CatalogueMetamodel> result;
   result.reserve(found.size());
-  for (StoredMetamodel& stored : found) result.push_back(std::move(stored.metamodel));
+  for (auto& [position, metamodel] : found) {
+    result.push_back({scale->shown(std::move(metamodel.descriptor)), metamodel.equivalent});
+  }
   return result;
 }
 
 std::vector<pathfinder::Hop> SqliteCatalogueRepository::listHops(const std::u16string& name) {
-  return store_->ask([&](auto& reader) { return reader.uncached().hopsOf(name); });
+  auto [scale, hops] = store_->ask(
+      [&](auto& reader) { return std::pair(reader.scale(name), reader.uncached().hopsOf(name)); });
+  for (pathfinder::Hop& hop : hops) hop = scale->shown(std::move(hop));
+  return hops;
 }
 
 std::optional<Question> SqliteCatalogueRepository::getQuestion() {

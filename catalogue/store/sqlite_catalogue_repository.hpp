@@ -40,6 +40,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public Browsab
 
   std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
                                                         const std::u16string& versionText) override;
+  std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) override;
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,

@@ -27,6 +27,11 @@ constexpr const char* selectRange =
     SELECT_METAMODELS OF_NAME "AND semver >= ?2 AND semver < ?3 ORDER BY +position";
 constexpr const char* selectSemVer = SELECT_METAMODELS OF_NAME "AND semver = ?2 ORDER BY +position";
 constexpr const char* selectText = SELECT_METAMODELS OF_NAME "AND version = ?2 ORDER BY +position";
+constexpr const char* selectAt = SELECT_METAMODELS "WHERE position = ?1";
+constexpr const char* selectTexts =
+    "SELECT position, version FROM metamodels " OF_NAME "AND version < x'' AND equivalent IS NULL";
+constexpr const char* selectVersions =
+    "SELECT position, version, equivalent FROM metamodels " OF_NAME;
 constexpr const char* selectMetamodels = SELECT_METAMODELS OF_NAME "ORDER BY +position";
 constexpr const char* selectHopsFrom = SELECT_HOPS OF_NAME "AND source = ?2 ORDER BY +position";
 constexpr const char* selectHops = SELECT_HOPS OF_NAME "ORDER BY +position";
@@ -38,13 +43,20 @@ constexpr const char* selectDependencies =
 #undef OF_NAME
 #undef SELECT_HOPS
 
+/// How many versions the cache of orders is made for.
+constexpr std::size_t orderedVersions = 100000;
+
 }  // namespace
 
 SqliteReader::SqliteReader(SqliteDatabase& database)
     : database_(database),
+      orders_(orderedVersions),
       selectRange_(database, selectRange),
       selectSemVer_(database, selectSemVer),
       selectText_(database, selectText),
+      selectAt_(database, selectAt),
+      selectTexts_(database, selectTexts),
+      selectVersions_(database, selectVersions),
       selectMetamodels_(database, selectMetamodels),
       selectDependencies_(database, selectDependencies),
       selectHopsFrom_(database, selectHopsFrom),
@@ -53,19 +65,95 @@ SqliteReader::SqliteReader(SqliteDatabase& database)
 std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& name,
                                                         const VersionRange& range) {
   if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
+  const auto single = findSingleVersion(range);
+  if (single && !single->isSemVer()) return metamodelsAt(name, *single);
+  const auto order = orderOf(name);
+  if (!order->ascending.empty()) return metamodelsIn(*order, name, range);
+  if (single) return metamodelsAt(name, *single);
   const auto stored = storedText(name);
   if (!stored) return {};
-  const auto single = findSingleVersion(range);
-  if (single && single->isSemVer()) {
-    return metamodels(selectSemVer_.query(*stored, pack(single->getSemVer())), name);
-  }
-  if (single) {
-    const auto text = storedText(single->getText());
-    if (!text) return {};
-    return metamodels(selectText_.query(*stored, *text), name);
-  }
+  if (!range.isSemVerRange()) return metamodelsIn(readOrder(*stored), name, range);
   const auto& [lower, upper] = range.getSemVerRange();
   return metamodels(selectRange_.query(*stored, pack(lower), pack(upper)), name);
+}
+
+std::vector<StoredMetamodel> SqliteReader::metamodelsAt(const std::u16string& name,
+                                                        const VersionId& version) {
+  const auto stored = storedText(name);
+  if (!stored) return {};
+  if (version.isSemVer()) {
+    return metamodels(selectSemVer_.query(*stored, pack(version.getSemVer())), name);
+  }
+  const auto text = storedText(version.getText());
+  if (!text) return {};
+  return metamodels(selectText_.query(*stored, *text), name);
+}
+
+std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const NameOrder& order,
+                                                        const std::u16string& name,
+                                                        const VersionRange& range) {
+  const auto& versions = order.ascending;
+  const auto from = [&](const Precedence& bound) {
+    return std::partition_point(versions.begin(), versions.end(),
+                                [&](const auto& entry) { return entry.first < bound; });
+  };
+  const auto bounds = boundsOf(range);
+  auto first = from(*Precedence::of(bounds ? bounds->lower : *findSingleVersion(range)));
+  std::vector<std::int64_t> positions;
+  for (; first != versions.end() && admits(range, VersionId(), first->first); ++first) {
+    positions.push_back(first->second);
+  }
+  std::sort(positions.begin(), positions.end());
+  std::vector<StoredMetamodel> result;
+  result.reserve(positions.size());
+  for (const std::int64_t position : positions) {
+    for (StoredMetamodel& stored : metamodels(selectAt_.query(position), name)) {
+      result.push_back(std::move(stored));
+    }
+  }
+  return result;
+}
+
+std::shared_ptr<const VersionScale> SqliteReader::scale(const std::u16string& name) {
+  const auto order = orderOf(name);
+  return {order, &order->scale};
+}
+
+std::shared_ptr<const SqliteReader::NameOrder> SqliteReader::orderOf(const std::u16string& name) {
+  if (auto known = orders_.find(name)) return known;
+  const auto stored = storedText(name);
+  NameOrder order;
+  if (stored && hasReadableText(*stored)) order = readOrder(*stored);
+  const std::size_t size = 1 + order.ascending.size();
+  return orders_.add(name, std::move(order), size);
+}
+
+bool SqliteReader::hasReadableText(const std::string& name) {
+  auto rows = selectTexts_.query(name);
+  while (rows.next()) {
+    const auto text =
+        readRow(database_, "metamodels", rows.number(0), [&] { return textIn(rows, 1); });
+    if (Precedence::read(text)) return true;
+  }
+  return false;
+}
+
+SqliteReader::NameOrder SqliteReader::readOrder(const std::string& name) {
+  NameOrder order;
+  std::vector<Precedence> precedences;
+  auto rows = selectVersions_.query(name);
+  while (rows.next()) {
+    const auto precedence = readRow(database_, "metamodels", rows.number(0), [&] {
+      const auto equivalent = optionalSemVerIn(rows, 2);
+      return equivalent ? Precedence(*equivalent) : Precedence::of(versionIn(rows, 1));
+    });
+    if (!precedence) continue;
+    order.ascending.emplace_back(*precedence, rows.number(0));
+    precedences.push_back(*precedence);
+  }
+  std::sort(order.ascending.begin(), order.ascending.end());
+  order.scale = VersionScale(std::move(precedences));
+  return order;
 }
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsInAny(

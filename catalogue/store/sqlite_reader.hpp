@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "catalogue/model/catalogue_sink.hpp"
+#include "catalogue/store/bounded_cache.hpp"
 #include "catalogue/store/sqlite_database.hpp"
+#include "catalogue/version_scale.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -22,10 +26,18 @@ class SqliteReader {
  public:
   explicit SqliteReader(SqliteDatabase& database);
 
+  std::vector<StoredMetamodel> metamodelsAt(const std::u16string& name,
+                                            const pathfinder::VersionId& version);
   std::vector<StoredMetamodel> metamodelsIn(const std::u16string& name,
                                             const pathfinder::VersionRange& range);
   std::vector<pathfinder::Hop> hopsFrom(const std::u16string& name,
                                         const pathfinder::VersionId& version);
+
+  /// Whether the order of a name's versions takes more than the index by semantic version tells.
+  bool hasOwnOrder(const std::u16string& name) { return !orderOf(name)->ascending.empty(); }
+
+  /// How the versions of a name are shown to the path finder.
+  std::shared_ptr<const VersionScale> scale(const std::u16string& name);
 
   std::vector<std::u16string> names();  ///< ascending
   StoredMetamodel metamodelAt(std::int64_t position);
@@ -37,6 +49,18 @@ class SqliteReader {
   void readAll(CatalogueSink& sink);
 
  private:
+  /// The versions of a name that have a precedence, if its text versions have any that their
+  /// equivalents do not tell; otherwise the index by semantic version holds them all.
+  struct NameOrder {
+    std::vector<std::pair<Precedence, std::int64_t>> ascending;  // with positions
+    VersionScale scale;
+  };
+
+  std::shared_ptr<const NameOrder> orderOf(const std::u16string& name);
+  NameOrder readOrder(const std::string& name);
+  bool hasReadableText(const std::string& name);
+  std::vector<StoredMetamodel> metamodelsIn(const NameOrder& order, const std::u16string& name,
+                                            const pathfinder::VersionRange& range);
   std::vector<StoredMetamodel> metamodelsInAny(const std::u16string& name,
                                                const std::vector<pathfinder::VersionRange>& ranges);
   StoredMetamodel metamodelIn(const SqliteStatement::Rows& rows, const std::u16string& name);
@@ -46,9 +70,13 @@ class SqliteReader {
   std::vector<pathfinder::Dependency> dependenciesOf(std::int64_t position);
 
   SqliteDatabase& database_;
+  BoundedCache<NameOrder> orders_;
   SqliteStatement selectRange_;
   SqliteStatement selectSemVer_;
   SqliteStatement selectText_;
+  SqliteStatement selectAt_;
+  SqliteStatement selectTexts_;
+  SqliteStatement selectVersions_;
   SqliteStatement selectMetamodels_;
   SqliteStatement selectDependencies_;
   SqliteStatement selectHopsFrom_;

@@ -11,13 +11,11 @@
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::VersionRange;
-
 namespace {
 
 constexpr const char* createChosen = R"(
   CREATE TEMP TABLE chosen (position INTEGER PRIMARY KEY, name INTEGER NOT NULL);
-  CREATE TEMP TABLE touched (name INTEGER PRIMARY KEY);)";
+  CREATE TEMP TABLE touched (name INTEGER PRIMARY KEY, has_order INTEGER NOT NULL);)";
 
 // Whether version m satisfies dependency d. An upper bound below the lower one has wrapped: the
 // range is that of the one version with the largest patch.
@@ -33,18 +31,21 @@ constexpr const char* selectObstacles =
     "AND d.metamodel NOT IN (SELECT position FROM chosen) "
     "AND (NOT EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
     ") "
-    "OR EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " GOES
+    "OR d.name NOT IN (SELECT name FROM touched WHERE has_order) "
+    "AND EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " GOES
     ") "
     "AND NOT EXISTS (SELECT 1 FROM metamodels m WHERE " SATISFIES " AND " STAYS
     ")) "
     "ORDER BY d.metamodel, d.ordinal";
 
-// Dependencies on a union of ranges, of a name of which some version stays.
-constexpr const char* selectUnions =
-    "SELECT d.metamodel, d.ordinal, names.name, d.version FROM dependencies d "
+// Dependencies that a reader has to look at, of a name of which some version stays: those on a
+// union of ranges, and those on versions that are ordered by what their texts read as.
+constexpr const char* selectOthers =
+    "SELECT d.metamodel, d.ordinal, names.name, d.version, d.lower, d.upper FROM dependencies d "
     "JOIN names ON names.id = d.name "
     "WHERE d.name IN (SELECT name FROM touched) "
-    "AND d.metamodel NOT IN (SELECT position FROM chosen) AND d.version GLOB ?1 "
+    "AND d.metamodel NOT IN (SELECT position FROM chosen) "
+    "AND (d.version GLOB ?1 OR d.name IN (SELECT name FROM touched WHERE has_order)) "
     "AND EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
     ") "
     "ORDER BY d.metamodel, d.ordinal";
@@ -75,7 +76,8 @@ constexpr const char* removeNames = R"(
 RemovalResult StoreRemoval::run(const std::vector<RemovalChoice>& choices) {
   store_.run(createChosen);
   for (const RemovalChoice& choice : choices) choose(choice);
-  store_.run("INSERT INTO touched SELECT DISTINCT name FROM chosen");
+  store_.run("INSERT INTO touched SELECT DISTINCT name, 0 FROM chosen");
+  markOrders();
   RemovalResult result;
   collectObstacles(result);
   if (result.obstacleCount == 0) result.removed = remove();
@@ -106,41 +108,57 @@ void StoreRemoval::choose(const RemovalChoice& choice) {
 
 void StoreRemoval::collectObstacles(RemovalResult& result) {
   SqliteReader reader(store_);
-  const std::vector<Place> unions = findUnmetUnions(reader);
+  const std::vector<Place> others = findOtherObstacles(reader);
   const auto add = [&](const Place& place) {
     if (result.obstacleCount++ >= listedObstacles) return;
     result.obstacles.push_back({reader.metamodelAt(place.first).metamodel.descriptor,
                                 static_cast<std::size_t>(place.second)});
   };
-  auto next = unions.begin();
+  auto next = others.begin();
   SqliteStatement statement(store_, selectObstacles);
   auto rows = statement.query();
   while (rows.next()) {
     const Place place{rows.number(0), rows.number(1)};
-    for (; next != unions.end() && *next < place; ++next) add(*next);
+    for (; next != others.end() && *next < place; ++next) add(*next);
     add(place);
   }
-  std::for_each(next, unions.end(), add);
+  std::for_each(next, others.end(), add);
 }
 
-/// The dependencies on unions of which a version goes and none stays.
-std::vector<StoreRemoval::Place> StoreRemoval::findUnmetUnions(SqliteReader& reader) {
+/// Of those that the statement leaves to a reader, the dependencies of which a version goes and
+/// none stays.
+std::vector<StoreRemoval::Place> StoreRemoval::findOtherObstacles(SqliteReader& reader) {
   SqliteStatement isChosen(store_, "SELECT 1 FROM chosen WHERE position = ?1");
   const auto goes = [&](const StoredMetamodel& stored) {
     return isChosen.query(stored.position).next();
   };
   std::vector<Place> result;
-  SqliteStatement statement(store_, selectUnions);
+  SqliteStatement statement(store_, selectOthers);
   auto rows = statement.query(*storedText(std::u16string(unionPrefix) + u"*"));
   while (rows.next()) {
     const auto [name, range] = readRow(store_, "dependencies", rows.number(0), [&] {
-      return std::pair(textIn(rows, 2), VersionRange(textIn(rows, 3)));
+      return std::pair(textIn(rows, 2), rangeIn(rows, 3));
     });
     const auto candidates = reader.metamodelsIn(name, range);
     if (candidates.empty() || !std::all_of(candidates.begin(), candidates.end(), goes)) continue;
     result.emplace_back(rows.number(0), rows.number(1));
   }
   return result;
+}
+
+void StoreRemoval::markOrders() {
+  SqliteReader reader(store_);
+  SqliteStatement names(store_,
+                        "SELECT touched.name, names.name FROM touched "
+                        "JOIN names ON names.id = touched.name");
+  std::vector<std::int64_t> withOrder;
+  auto rows = names.query();
+  while (rows.next()) {
+    const auto name = readRow(store_, "names", rows.number(0), [&] { return textIn(rows, 1); });
+    if (reader.hasOwnOrder(name)) withOrder.push_back(rows.number(0));
+  }
+  SqliteStatement mark(store_, "UPDATE touched SET has_order = 1 WHERE name = ?1");
+  for (const std::int64_t name : withOrder) mark.run(name);
 }
 
 StoreCounts StoreRemoval::remove() {

@@ -25,7 +25,8 @@ class StoreRemoval {
   using Place = std::pair<std::int64_t, std::int64_t>;
 
   void collectObstacles(RemovalResult& result);
-  std::vector<Place> findUnmetUnions(SqliteReader& reader);
+  std::vector<Place> findOtherObstacles(SqliteReader& reader);
+  void markOrders();
   StoreCounts remove();
 
   SqliteDatabase& store_;

@@ -47,7 +47,8 @@ class StoredVersions {
  private:
   VersionSlots read() {
     SqliteStatement statement(database_,
-                              "SELECT position, name, semver FROM metamodels ORDER BY position");
+                              "SELECT position, name, version, semver FROM metamodels "
+                              "ORDER BY position");
     std::vector<VersionSlots::Version> versions;
     auto rows = statement.query();
     while (rows.next()) {
@@ -55,9 +56,12 @@ class StoredVersions {
       const NameNumber name = names_.try_emplace(rows.number(1), number).first->second;
       const auto row = static_cast<std::uint32_t>(positions_.size());
       positions_.push_back(rows.number(0));
-      versions.push_back({name, row, readRow(database_, "metamodels", positions_.back(), [&] {
-                            return optionalSemVerIn(rows, 2);
-                          })});
+      versions.push_back(readRow(database_, "metamodels", positions_.back(), [&] {
+        const auto semantic = optionalSemVerIn(rows, 3);
+        return VersionSlots::Version{
+            name, row, semantic ? Precedence(*semantic) : Precedence::of(versionIn(rows, 2)),
+            semantic.has_value()};
+      }));
     }
     return {std::move(versions), names_.size(), positions_.size()};
   }

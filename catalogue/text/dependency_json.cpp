@@ -29,11 +29,11 @@ void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
 
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   if (isUnion(range)) return writeUnion(printer, range, writeBounds);
-  if (!range.isSemVerRange()) return printer.value(textOf(range));
+  if (!range.isSemVerRange() && !boundsOf(range)) return printer.value(textOf(range));
   printer.array([&] {
-    const auto& [lower, upper] = range.getSemVerRange();
-    printer.value(textOf(lower));
-    printer.value(textOf(upper));
+    const auto bounds = boundsOf(range);
+    printer.value(textOf(bounds ? bounds->lower : range.getSemVerRange().lower));
+    printer.value(textOf(bounds ? bounds->upper : range.getSemVerRange().upper));
   });
 }
 

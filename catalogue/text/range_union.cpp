@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "catalogue/precedence.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 
@@ -11,11 +12,26 @@ namespace tarn::evolution::catalogue {
 
 using pathfinder::SemVer;
 using pathfinder::SemVerRange;
+using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
 namespace {
 
 constexpr std::u16string_view separator = u", ";
+
+bool isSingle(const VersionRange& range) {
+  return range.isSemVerRange() &&
+         range == VersionRange::singleVersion(range.getSemVerRange().lower);
+}
+
+bool hasPrecedence(const VersionId& version) {
+  return Precedence::of(version).has_value();
+}
+
+std::u16string boundsText(const VersionBounds& bounds) {
+  return u"[" + toUtf16(textOf(bounds.lower)) + std::u16string(separator) +
+         toUtf16(textOf(bounds.upper)) + u")";
+}
 
 std::u16string quotedText(const std::u16string& text) {
   std::u16string quoted = u"\"";
@@ -44,6 +60,13 @@ class UnionParser {
     return pieces;
   }
 
+  /// Those of a text that is a single piece with bounds.
+  std::optional<VersionBounds> parseBounds() {
+    if (!take(unionPrefix) || !take(u"[")) return std::nullopt;
+    auto bounds = takeBounds();
+    return rest_.empty() ? bounds : std::nullopt;
+  }
+
  private:
   bool take(std::u16string_view beginning) {
     if (!rest_.starts_with(beginning)) return false;
@@ -55,13 +78,20 @@ class UnionParser {
     if (take(u"\"")) return takeText();
     if (!take(u"[")) {
       const auto version = takeVersion(u",");
-      return version ? std::optional(VersionRange::singleVersion(*version)) : std::nullopt;
+      if (!version || !version->isSemVer()) return std::nullopt;
+      return VersionRange::singleVersion(*version);
     }
-    const auto lower = takeVersion(u",");
+    const auto bounds = takeBounds();
+    return bounds ? std::optional(rangeBetween(*bounds)) : std::nullopt;
+  }
+
+  /// What follows the bracket.
+  std::optional<VersionBounds> takeBounds() {
+    auto lower = takeVersion(u",");
     if (!lower || !take(separator)) return std::nullopt;
-    const auto upper = takeVersion(u")");
+    auto upper = takeVersion(u")");
     if (!upper || !take(u")")) return std::nullopt;
-    return VersionRange(SemVerRange{*lower, *upper});
+    return VersionBounds{*std::move(lower), *std::move(upper)};
   }
 
   std::optional<VersionRange> takeText() {
@@ -77,10 +107,13 @@ class UnionParser {
     return std::nullopt;
   }
 
-  std::optional<SemVer> takeVersion(std::u16string_view end) {
-    const std::u16string text(rest_.substr(0, rest_.find(end)));
+  std::optional<VersionId> takeVersion(std::u16string_view end) {
+    std::u16string text(rest_.substr(0, rest_.find(end)));
     rest_.remove_prefix(text.size());
-    return SemVer::parse(text);
+    const auto precedence = Precedence::read(text);
+    if (!precedence) return std::nullopt;
+    if (const auto version = SemVer::parse(text); version && precedence->semVer()) return *version;
+    return text;
   }
 
   std::u16string_view rest_;
@@ -99,9 +132,11 @@ VersionRange unionOf(const std::vector<VersionRange>& ranges) {
   std::u16string text(unionPrefix);
   for (const VersionRange& range : ranges) {
     if (text.size() > unionPrefix.size()) text += separator;
-    if (!range.isSemVerRange()) {
+    if (const auto bounds = boundsOf(range)) {
+      text += boundsText(*bounds);
+    } else if (!range.isSemVerRange()) {
       text += quotedText(range.getText());
-    } else if (range == VersionRange::singleVersion(range.getSemVerRange().lower)) {
+    } else if (isSingle(range)) {
       text += toUtf16(textOf(range.getSemVerRange().lower));
     } else {
       text += toUtf16(textOf(range));
@@ -116,7 +151,27 @@ std::vector<VersionRange> piecesOf(const VersionRange& range) {
 }
 
 bool isUnion(const VersionRange& range) {
-  return findPieces(range).has_value();
+  const auto pieces = findPieces(range);
+  return pieces && (pieces->size() > 1 || pieces->front() != range);
+}
+
+VersionRange rangeBetween(const VersionBounds& bounds) {
+  const auto& [lower, upper] = bounds;
+  if (!hasPrecedence(lower) || !hasPrecedence(upper)) {
+    throw std::invalid_argument("only versions with a precedence bound a range");
+  }
+  if (lower.isSemVer() && upper.isSemVer()) {
+    return SemVerRange{lower.getSemVer(), upper.getSemVer()};
+  }
+  return std::u16string(unionPrefix) + boundsText(bounds);
+}
+
+std::optional<VersionBounds> boundsOf(const VersionRange& range) {
+  if (range.isSemVerRange()) {
+    const auto& [lower, upper] = range.getSemVerRange();
+    return isSingle(range) ? std::nullopt : std::optional(VersionBounds{lower, upper});
+  }
+  return UnionParser(range.getText()).parseBounds();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -13,10 +13,28 @@ using pathfinder::VersionRange;
 
 std::optional<VersionId> findSingleVersion(const VersionRange& range) {
   if (isUnion(range)) return std::nullopt;
-  if (!range.isSemVerRange()) return VersionId(range.getText());
+  if (!range.isSemVerRange()) {
+    return boundsOf(range) ? std::nullopt : std::optional<VersionId>(range.getText());
+  }
   const pathfinder::SemVer& lower = range.getSemVerRange().lower;
   return range == VersionRange::singleVersion(lower) ? std::optional<VersionId>(lower)
                                                      : std::nullopt;
+}
+
+bool admits(const VersionRange& range, const VersionId& version,
+            const std::optional<Precedence>& precedence) {
+  if (isUnion(range)) {
+    const auto pieces = piecesOf(range);
+    return std::any_of(pieces.begin(), pieces.end(), [&](const VersionRange& piece) {
+      return admits(piece, version, precedence);
+    });
+  }
+  if (const auto bounds = boundsOf(range)) {
+    return precedence && *Precedence::of(bounds->lower) <= *precedence &&
+           *precedence < *Precedence::of(bounds->upper);
+  }
+  const VersionId single = *findSingleVersion(range);
+  return single == version || (single.isSemVer() && precedence == single.getSemVer());
 }
 
 bool isReversed(const VersionRange& range) {
@@ -24,7 +42,8 @@ bool isReversed(const VersionRange& range) {
     const auto pieces = piecesOf(range);
     return std::any_of(pieces.begin(), pieces.end(), isReversed);
   }
-  return !findSingleVersion(range) && range.getSemVerRange().upper < range.getSemVerRange().lower;
+  const auto bounds = boundsOf(range);
+  return bounds && *Precedence::of(bounds->upper) < *Precedence::of(bounds->lower);
 }
 
 bool admitsNothing(const VersionRange& range) {
@@ -32,8 +51,8 @@ bool admitsNothing(const VersionRange& range) {
     const auto pieces = piecesOf(range);
     return std::all_of(pieces.begin(), pieces.end(), admitsNothing);
   }
-  return !findSingleVersion(range) &&
-         !(range.getSemVerRange().lower < range.getSemVerRange().upper);
+  const auto bounds = boundsOf(range);
+  return bounds && *Precedence::of(bounds->upper) <= *Precedence::of(bounds->lower);
 }
 
 std::string rangeText(const VersionRange& range) {
@@ -44,8 +63,10 @@ std::string rangeText(const VersionRange& range) {
     }
     return text;
   }
-  const auto single = findSingleVersion(range);
-  return single ? textOf(*single) : textOf(range);
+  if (const auto bounds = boundsOf(range)) {
+    return "[" + textOf(bounds->lower) + ", " + textOf(bounds->upper) + ")";
+  }
+  return textOf(*findSingleVersion(range));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "catalogue/precedence.hpp"
 #include "pathfinder/version_id.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
@@ -17,6 +18,12 @@ namespace tarn::evolution::catalogue {
 /// The version of a range that is of one version only. A union of ranges is none.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::optional<pathfinder::VersionId> findSingleVersion(
     const pathfinder::VersionRange& range);
+
+/// Whether it admits a version: one that it names, or one whose precedence, where there is any, lies
+/// between its bounds or is that of the semantic version that it names.
+TARN_EVOLUTION_CATALOGUE_EXPORT bool admits(const pathfinder::VersionRange& range,
+                                            const pathfinder::VersionId& version,
+                                            const std::optional<Precedence>& precedence);
 
 /// Whether it, or a part of a union, ends before it begins, and so admits nothing.
 bool isReversed(const pathfinder::VersionRange& range);

@@ -3,13 +3,14 @@
 #include <optional>
 #include <stdexcept>
 
+#include "catalogue/precedence.hpp"
 #include "catalogue/range_union.hpp"
+#include "catalogue/text/version_range.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::SemVer;
-using pathfinder::SemVerRange;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
@@ -35,10 +36,10 @@ bool readsAs(const SemVer& version, const std::string& text) {
          (text == twoParts && version.patch == 0);
 }
 
-std::optional<SemVer> parseSemVerIfAny(const std::u16string& text, const std::string& utf8) {
-  const std::optional<SemVer> version = SemVer::parse(text);
-  if (version && !readsAs(*version, utf8)) {
-    throw std::invalid_argument(quoted(utf8) + " has a component beyond 64 bits");
+VersionId parseBound(const std::string& utf8) {
+  VersionId version = parseVersion(utf8);
+  if (!Precedence::of(version)) {
+    throw std::invalid_argument(quoted(utf8) + " is not a semantic version");
   }
   return version;
 }
@@ -47,7 +48,7 @@ std::optional<SemVer> parseSemVerIfAny(const std::u16string& text, const std::st
 
 VersionId parseVersion(const std::string& utf8) {
   const std::u16string text = parseText(utf8);
-  if (const auto version = parseSemVerIfAny(text, utf8)) return *version;
+  if (const auto version = SemVer::parse(text); version && readsAs(*version, utf8)) return *version;
   if (text.starts_with(unionPrefix)) {
     throw std::invalid_argument(quoted(utf8) + " begins as no version may");
   }
@@ -55,8 +56,11 @@ VersionId parseVersion(const std::string& utf8) {
 }
 
 SemVer parseSemVer(const std::string& utf8) {
-  const auto version = parseSemVerIfAny(parseText(utf8), utf8);
+  const auto version = SemVer::parse(parseText(utf8));
   if (!version) throw std::invalid_argument(quoted(utf8) + " is not a semantic version");
+  if (!readsAs(*version, utf8)) {
+    throw std::invalid_argument(quoted(utf8) + " has a component beyond 64 bits");
+  }
   return *version;
 }
 
@@ -65,8 +69,8 @@ std::u16string parseName(const std::string& utf8) {
 }
 
 VersionRange parseRange(const std::string& lower, const std::string& upper) {
-  const SemVerRange range{parseSemVer(lower), parseSemVer(upper)};
-  if (range.upper < range.lower) {
+  const VersionRange range = rangeBetween({parseBound(lower), parseBound(upper)});
+  if (isReversed(range)) {
     throw std::invalid_argument("the range [" + lower + ", " + upper + ") is reversed");
   }
   return range;

@@ -14,6 +14,7 @@
 #include "catalogue/picture/path_plan.hpp"
 #include "catalogue/text/display_text.hpp"
 #include "command.hpp"
+#include "condition_options.hpp"
 #include "interruption.hpp"
 #include "known_versions.hpp"
 #include "limit_options.hpp"
@@ -37,6 +38,7 @@ using tarn::evolution::pathfinder::VersionBaseline;
 namespace {
 
 struct PathOptions : QuestionOptions {
+  ConditionOptions conditions;
   PathFormatOption form;
   OutputOption output;
   LimitOptions limits;
@@ -152,8 +154,9 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
     writePlanJson(makePlan(repository, question, path), weightsOf(repository), text);
     return text.str();
   }
-  const auto picture =
+  auto picture =
       drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);
+  addTies(repository, path, picture);
   return renderPath(picture, options.form, options.output.colouring());
 }
 
@@ -168,12 +171,82 @@ ExitStatus answer(const PathOptions& options, BrowsableRepository& repository,
                      : answerAbsence(options, repository, question, limits);
 }
 
+bool reaches(const VersionBaseline& baseline, const std::vector<PathGoal>& goals) {
+  return std::all_of(goals.begin(), goals.end(), [&](const PathGoal& goal) {
+    const auto held = baseline.metamodels.find(goal.name);
+    return held != baseline.metamodels.end() &&
+           std::find(goal.versions.begin(), goal.versions.end(), held->second->version) !=
+               goal.versions.end();
+  });
+}
+
+/// The question that a path under conditions is the answer to: its goals as they were reached.
+Question answeredBy(const std::vector<BaselineHop>& path, const ConditionalQuestion& question,
+                    BrowsableRepository& repository) {
+  Question result{question.from, {}};
+  const std::vector<VersionBaseline> ends = path.empty()
+                                                ? repository.combine(question.from)
+                                                : std::vector<VersionBaseline>{path.back().to};
+  const auto end = std::find_if(ends.begin(), ends.end(), [&](const VersionBaseline& baseline) {
+    return reaches(baseline, question.goals);
+  });
+  if (end == ends.end()) return result;
+  for (const PathGoal& goal : question.goals) {
+    result.to.emplace(goal.name, end->metamodels.at(goal.name)->version);
+  }
+  return result;
+}
+
+std::string renderAlternatives(BrowsableRepository& repository,
+                               const std::vector<std::vector<BaselineHop>>& paths,
+                               const PathOptions& options, const ConditionalQuestion& question) {
+  const bool isJson = options.form.format == PathFormat::Json;
+  std::string text;
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    if (isJson) {
+      text += i == 0 ? "[" : ",\n";
+    } else {
+      text += (i == 0 ? "Path " : "\nPath ") + std::to_string(i + 1) + "\n";
+    }
+    text += render(paths[i], options, repository, answeredBy(paths[i], question, repository));
+    if (isJson && text.back() == '\n') text.pop_back();
+  }
+  return isJson ? text + "]\n" : text;
+}
+
+ExitStatus runConditional(const PathOptions& options, BrowsableRepository& repository,
+                          const Question& asked, const ConditionalQuestion& question,
+                          const SearchLimits& limits) {
+  const std::size_t count = options.conditions.alternatives;
+  if (count > 1 && options.form.isPicture()) {
+    throw std::invalid_argument("--alternatives: only as text or JSON");
+  }
+  const auto line = options.trace ? SearchMonitor::Line::Never : SearchMonitor::Line::OnTerminal;
+  const auto paths =
+      searchAttended(limits, SearchMonitor::Task::Search, line, [&](const SearchLimits& attended) {
+        return findAlternativePaths(repository, question.from, question.goals, question.conditions,
+                                    count, attended);
+      });
+  if (paths.empty()) {
+    return tellAbsence(options, asked, "No path keeps to the conditions.");
+  }
+  options.output.write(count > 1 ? renderAlternatives(repository, paths, options, question)
+                                 : render(paths.front(), options, repository,
+                                          answeredBy(paths.front(), question, repository)));
+  return ExitStatus::Found;
+}
+
 ExitStatus runPath(const PathOptions& options) {
   options.form.expectTemplate();
   if (options.trace) traceToStandardError();
   const SearchLimits limits = options.limits.fromNow();
   const auto repository = openCatalogue(options.catalogue);
   const Question question = options.ask(*repository);
+  if (const auto conditional = options.conditions.resolve(*repository, question)) {
+    return adviseOnMemory(*repository, question, [&] {
+      return runConditional(options, *repository, question, *conditional, limits);
+    });
+  }
   expectKnown(*repository, question);
   return adviseOnMemory(*repository, question,
                         [&] { return answer(options, *repository, question, limits); });
@@ -186,6 +259,7 @@ void addPathCommand(CLI::App& program, Action& action) {
   CLI::App* path =
       program.add_subcommand("path", "Find the least-weight path between two selections");
   options->addTo(*path);
+  options->conditions.addTo(*path);
   options->form.addTo(*path);
   options->output.addTo(*path);
   path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");

@@ -6,7 +6,7 @@
   const matches = document.getElementById("matches");
   const picture = document.getElementById("picture");
   const entries = all("#steps > li");
-  const lanes = all("tbody tr");
+  const lanes = all("#picture tbody tr");
   let chosen = 0;  // the step, counted from 1; 0 for none
 
   const plain = (text) => text.normalize("NFKC").toLowerCase();
@@ -36,6 +36,21 @@
     if (picture.scrollLeft < right) picture.scrollLeft = right;
   }
 
+  /** Tells beside each name what the lane holds at the first column in sight, if its box is not. */
+  function tellHeld() {
+    const headings = [...document.querySelector("thead tr").cells];
+    const edge = picture.scrollLeft + headings[0].offsetWidth;
+    const column = headings.findIndex((cell, i) => i > 0 && cell.offsetLeft + cell.offsetWidth > edge);
+    for (const lane of lanes) {
+      let from = column;
+      while (from > 0 && !lane.cells[from].querySelector(".box")) --from;
+      const isSeen = from <= 0 || (from === column && lane.cells[from].offsetLeft >= edge);
+      const text = isSeen ? "" : lane.cells[from].querySelector(".box bdi").textContent;
+      const now = lane.querySelector(".now");
+      if (now.textContent !== text) now.textContent = text;
+    }
+  }
+
   function choose(step) {
     chosen = step;
     for (const cell of all(".chosen")) cell.classList.remove("chosen");
@@ -46,7 +61,7 @@
     const button = all("#steps button")[Math.max(step, 1) - 1];
     if (button) button.tabIndex = 0;
     if (step === 0) return;
-    for (const row of all("tr")) row.cells[step + 1].classList.add("chosen");
+    for (const row of all("#picture tr")) row.cells[step + 1].classList.add("chosen");
     entries[step - 1].classList.add("chosen");
     button.setAttribute("aria-current", "step");
     reveal(document.querySelector("thead tr").cells[step + 1]);
@@ -88,6 +103,12 @@
       return;
     }
     event.preventDefault();
+  });
+  let isDue = false;
+  picture.addEventListener("scroll", () => {
+    if (isDue) return;
+    isDue = true;
+    requestAnimationFrame(() => { isDue = false; tellHeld(); });
   });
   search.addEventListener("input", filter);
   movedOnly.addEventListener("change", filter);

@@ -1,0 +1,263 @@
+#include "catalogue/conditions/conditional_path.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+#include <tuple>
+
+#include "catalogue/conditions/conditional_repository.hpp"
+#include "catalogue/import/foreign_range.hpp"
+#include "catalogue/precedence.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/version_text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::BaselineHop;
+using pathfinder::SearchLimits;
+using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
+
+namespace {
+
+using Path = std::vector<BaselineHop>;
+
+/// Asks for paths to one set of goals after another.
+class ConditionalSearch {
+ public:
+  ConditionalSearch(BrowsableRepository& content, const Selection& from,
+                    const PathConditions& conditions, const SearchLimits& limits)
+      : content_(content),
+        conditions_(conditions),
+        limits_(limits),
+        repository_(content, conditions) {
+    for (const VersionBaseline& source : content.combine(from)) addSource(source);
+  }
+
+  std::optional<Path> ask(const std::vector<PathGoal>& goals) {
+    targets_.clear();
+    std::vector<PathGoal> all = goals;
+    for (const std::u16string& name : repository_.passedNames()) {
+      const bool isGoal = std::any_of(goals.begin(), goals.end(),
+                                      [&](const PathGoal& goal) { return goal.name == name; });
+      if (!isGoal) all.push_back({name, everyVersion(name)});
+    }
+    expectFew(all);
+    Selection selection;
+    addTargets(all, 0, selection);
+    if (sources_.empty() || targets_.empty()) return std::nullopt;
+    repository_.invalidatePathfindingCache();
+    const auto direction = conditions_.direction.value_or(
+        repository_.computeDirection(sources_.front(), targets_.front()));
+    const auto path = repository_.findPath(sources_, targets_, direction, limits_);
+    if (!path) return std::nullopt;
+    return repository_.inContent(*path);
+  }
+
+ private:
+  void addSource(const VersionBaseline& source) {
+    Selection selection;
+    for (const auto& [name, linked] : source.metamodels) selection.emplace(name, linked->version);
+    for (const std::u16string& name : repository_.passedNames()) {
+      if (selection.contains(name)) continue;
+      throw std::invalid_argument("the source does not hold " + quotedName(name) +
+                                  ", of which a version is to be passed");
+    }
+    for (VersionBaseline& start : repository_.starts(selection)) {
+      sources_.push_back(std::move(start));
+    }
+  }
+
+  std::vector<VersionId> everyVersion(const std::u16string& name) {
+    std::vector<VersionId> versions;
+    for (const CatalogueMetamodel& metamodel : content_.listMetamodels(name)) {
+      versions.push_back(metamodel.descriptor.version);
+    }
+    return versions;
+  }
+
+  static void expectFew(const std::vector<PathGoal>& goals) {
+    std::size_t combinations = 1;
+    for (const PathGoal& goal : goals) {
+      combinations *= std::max<std::size_t>(goal.versions.size(), 1);
+      if (combinations <= mostTargets) continue;
+      throw std::invalid_argument("the versions asked for have more than " +
+                                  std::to_string(mostTargets) + " combinations");
+    }
+  }
+
+  void addTargets(const std::vector<PathGoal>& goals, std::size_t place, Selection& selection) {
+    if (place == goals.size()) {
+      for (VersionBaseline& end : repository_.ends(selection)) targets_.push_back(std::move(end));
+      return;
+    }
+    for (const VersionId& version : goals[place].versions) {
+      selection.insert_or_assign(goals[place].name, version);
+      addTargets(goals, place + 1, selection);
+    }
+  }
+
+  BrowsableRepository& content_;
+  const PathConditions conditions_;
+  const SearchLimits limits_;
+  ConditionalRepository repository_;
+  std::vector<VersionBaseline> sources_;
+  std::vector<VersionBaseline> targets_;
+};
+
+/// Settles one goal after the other; in the end each is for the version that it has come to.
+std::optional<Path> settle(ConditionalSearch& search, std::vector<PathGoal>& goals) {
+  std::optional<Path> path;
+  bool isAsked = false;
+  for (std::size_t place = 0; place < goals.size(); ++place) {
+    if (!goals[place].isFirstWanted) continue;
+    const std::vector<VersionId> versions = std::move(goals[place].versions);
+    isAsked = true;
+    path.reset();
+    for (auto version = versions.begin(); !path && version != versions.end(); ++version) {
+      goals[place].versions = {*version};
+      path = search.ask(goals);
+    }
+    if (!path) return std::nullopt;
+    goals[place].isFirstWanted = false;
+  }
+  return isAsked ? path : search.ask(goals);
+}
+
+/// What the steps of a path lead to and its source does not hold.
+using Reached = std::vector<std::pair<std::u16string, VersionId>>;
+
+Reached reachedBy(const Path& path) {
+  Reached reached;
+  for (const BaselineHop& step : path) {
+    for (const auto& [name, linked] : step.to.metamodels) {
+      const auto before = path.front().from.metamodels.find(name);
+      if (before != path.front().from.metamodels.end() &&
+          before->second->version == linked->version) {
+        continue;
+      }
+      const std::pair entry(name, linked->version);
+      if (std::find(reached.begin(), reached.end(), entry) == reached.end()) {
+        reached.push_back(entry);
+      }
+    }
+  }
+  std::sort(reached.begin(), reached.end(), [](const auto& left, const auto& right) {
+    return std::pair(left.first, textOf(left.second)) <
+           std::pair(right.first, textOf(right.second));
+  });
+  return reached;
+}
+
+bool doesWithoutOneOf(const Reached& reached, const Reached& before) {
+  return std::any_of(before.begin(), before.end(), [&](const auto& entry) {
+    return std::find(reached.begin(), reached.end(), entry) == reached.end();
+  });
+}
+
+}  // namespace
+
+std::vector<VersionId> newestFirst(BrowsableRepository& repository, const std::u16string& name) {
+  std::vector<std::pair<Precedence, VersionId>> ordered;
+  for (const CatalogueMetamodel& metamodel : repository.listMetamodels(name)) {
+    if (const auto precedence = metamodel.precedence()) {
+      ordered.emplace_back(*precedence, metamodel.descriptor.version);
+    }
+  }
+  std::stable_sort(ordered.begin(), ordered.end(),
+                   [](const auto& left, const auto& right) { return right.first < left.first; });
+  std::vector<VersionId> versions;
+  for (auto& [precedence, version] : ordered) versions.push_back(std::move(version));
+  return versions;
+}
+
+std::vector<VersionId> versionsMeant(BrowsableRepository& repository, const std::u16string& name,
+                                     const std::string& text) {
+  const VersionId written = parseVersion(text);
+  if (const auto found = repository.getMetamodel(name, written)) return {found->version};
+  std::vector<VersionId> versions = newestFirst(repository, name);
+  if (text == "latest") {
+    versions.resize(std::min<std::size_t>(versions.size(), 1));
+    return versions;
+  }
+  const ForeignRange range = parseForeignRange(text, RangeGrammar::Npm);
+  std::erase_if(versions, [&](const VersionId& version) {
+    const std::string own = textOf(version);
+    return !range.matches(own, parseFullVersion(own));
+  });
+  return versions;
+}
+
+std::optional<Path> findConditionalPath(BrowsableRepository& repository, const Selection& from,
+                                        const std::vector<PathGoal>& goals,
+                                        const PathConditions& conditions,
+                                        const SearchLimits& limits) {
+  ConditionalSearch search(repository, from, conditions, limits);
+  std::vector<PathGoal> settled = goals;
+  return settle(search, settled);
+}
+
+// A tree of searches, as of Reiter's hitting sets: each node avoids some versions, and has the
+// least path without them. The node with the lightest path is looked at next. Its path is an
+// alternative if it does without a version of each one before; then each child avoids one more of
+// the versions that it reaches, otherwise one more of those of a path before, all of which it
+// reaches. A path that does without a version of every one before lies below some node that has not
+// been looked at, so none that is lighter is missed.
+std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Selection& from,
+                                       const std::vector<PathGoal>& goals,
+                                       const PathConditions& conditions, std::size_t count,
+                                       const SearchLimits& limits) {
+  using Avoided = std::set<std::pair<std::u16string, std::string>>;
+  struct Node {
+    PathConditions conditions;
+    Avoided added;
+    Path path;
+    std::uint64_t weight;
+  };
+  std::vector<PathGoal> settled = goals;
+  std::vector<Node> open;
+  std::set<Avoided> met;
+  const auto weigh = [&](const Path& path) {
+    std::uint64_t weight = 0;
+    for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
+    return weight;
+  };
+  const auto add = [&](const PathConditions& under, const Avoided& added) {
+    if (!met.insert(added).second) return;
+    ConditionalSearch search(repository, from, under, limits);
+    if (auto path = settle(search, settled)) {
+      const std::uint64_t weight = weigh(*path);
+      open.push_back({under, added, *std::move(path), weight});
+    }
+  };
+  add(conditions, {});
+  std::vector<Path> found;
+  std::vector<Reached> reachedBefore;
+  while (found.size() < count && !open.empty()) {
+    const auto lightest =
+        std::min_element(open.begin(), open.end(), [](const Node& left, const Node& right) {
+          return std::tie(left.weight, left.added) < std::tie(right.weight, right.added);
+        });
+    Node node = std::move(*lightest);
+    open.erase(lightest);
+    const Reached reached = reachedBy(node.path);
+    const auto repeated =
+        std::find_if_not(reachedBefore.begin(), reachedBefore.end(),
+                         [&](const Reached& before) { return doesWithoutOneOf(reached, before); });
+    const Reached toAvoid = repeated == reachedBefore.end() ? reached : *repeated;
+    if (repeated == reachedBefore.end()) {
+      found.push_back(node.path);
+      reachedBefore.push_back(reached);
+    }
+    if (found.size() == count) break;
+    for (const auto& [name, version] : toAvoid) {
+      PathConditions under = node.conditions;
+      under.avoided[name].push_back(version);
+      Avoided added = node.added;
+      added.emplace(name, textOf(version));
+      add(under, added);
+    }
+  }
+  return found;
+}
+
+}  // namespace tarn::evolution::catalogue

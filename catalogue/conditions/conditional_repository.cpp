@@ -1,0 +1,229 @@
+// A product of the content with what has been passed.
+//
+// - A metamodel that the path has to pass versions of has each of its versions once for each set of
+//   these that may have been passed: its marks. A hop keeps the marks and adds that of the version
+//   that it leads to; a version that is to be passed is never without its own mark. Weights and
+//   steps are those of the content, so the least path to a baseline with all marks is the least
+//   path of the content that passes them all. As every source holds the metamodel, no dependency
+//   can bring it in with marks that no hop has set: it only moves.
+// - Versions to be avoided are not there. A dependency is left the other candidates; what cannot be
+//   linked with these alone is not there either. What is left of the linked metamodels are just
+//   those of the content without an avoided version among their links: by induction over
+//   dependencies, for each is a consistent choice among those of its candidates.
+// - Versions that cannot be linked in the content stay out: no path holds them.
+// - What is not to be moved, or not to be left, has no hops there.
+//
+// A marked version is a text: the marks, a blank, "s" or "t", and the version as it is written.
+
+#include "catalogue/conditions/conditional_repository.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "catalogue/model/conflicting_dependencies.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/utf16.hpp"
+#include "catalogue/version_text.hpp"
+#include "platform/text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::BaselineHop;
+using pathfinder::Hop;
+using pathfinder::Metamodel;
+using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
+
+namespace {
+
+/// The version by which the content carries what is asked for; that itself, if there is none.
+VersionId carried(BrowsableRepository& content, const std::u16string& name,
+                  const VersionId& version) {
+  const auto metamodel = content.getMetamodel(name, version);
+  return metamodel ? metamodel->version : version;
+}
+
+PathConditions resolved(BrowsableRepository& content, PathConditions conditions) {
+  for (auto& [name, versions] : conditions.avoided) {
+    for (VersionId& version : versions) version = carried(content, name, version);
+  }
+  for (auto& [name, version] : conditions.kept) version = carried(content, name, version);
+  for (auto& [name, version] : conditions.via) version = carried(content, name, version);
+  return conditions;
+}
+
+bool canLink(pathfinder::VersionRepository& repository, const Metamodel& metamodel) {
+  try {
+    repository.getLinkedMetamodels(metamodel);
+    return true;
+  } catch (const ConflictingDependencies&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+ConditionalRepository::ConditionalRepository(BrowsableRepository& content,
+                                             const PathConditions& conditions)
+    : content_(content), conditions_(resolved(content, conditions)) {
+  for (const auto& [name, version] : conditions_.via) {
+    auto& versions = passed_[name];
+    if (std::find(versions.begin(), versions.end(), version) == versions.end()) {
+      versions.push_back(version);
+    }
+    if (versions.size() > 16) throw std::invalid_argument("more than 16 versions of one name");
+  }
+}
+
+std::optional<pathfinder::SemVer> ConditionalRepository::getEquivalentSemVer(
+    const std::u16string& metamodelName, const std::u16string& versionText) {
+  const VersionId version = read(metamodelName, versionText).version;
+  if (version.isSemVer()) return version.getSemVer();
+  return content_.getEquivalentSemVer(metamodelName, version.getText());
+}
+
+std::optional<Metamodel> ConditionalRepository::getMetamodel(const std::u16string& name,
+                                                             const VersionId& version) {
+  const auto [plain, marks] = read(name, version);
+  auto metamodel = content_.getMetamodel(name, plain);
+  if (!metamodel || isAvoided(*metamodel)) return std::nullopt;
+  metamodel->version = mark(name, metamodel->version, marks);
+  return metamodel;
+}
+
+void ConditionalRepository::findMetamodels(const std::u16string& name,
+                                           const pathfinder::VersionRange& range,
+                                           std::vector<Metamodel>& result) {
+  std::vector<Metamodel> found;
+  content_.findMetamodels(name, range, found);
+  for (Metamodel& metamodel : found) {
+    if (isAvoided(metamodel)) continue;
+    const VersionId version = metamodel.version;
+    const Marks own = marksAt(name, version);
+    for (Marks marks = 0; marks <= allMarks(name); ++marks) {
+      if ((marks & own) != own) continue;
+      metamodel.version = mark(name, version, marks);
+      if (!canBeLinked(metamodel)) break;
+      result.push_back(metamodel);
+    }
+  }
+}
+
+void ConditionalRepository::findHops(const std::u16string& name, const VersionId& from,
+                                     std::vector<Hop>& result) {
+  if (conditions_.held.contains(name)) return;
+  const auto [plain, marks] = read(name, from);
+  const auto kept = conditions_.kept.find(name);
+  if (kept != conditions_.kept.end() && kept->second == plain) return;
+  std::vector<Hop> hops;
+  content_.findHops(name, plain, hops);
+  for (const Hop& hop : hops) {
+    auto target = content_.getMetamodel(name, hop.to);
+    if (!target || isAvoided(*target) || !canLink(content_, *target)) continue;
+    target->version = mark(name, target->version, marks | marksAt(name, target->version));
+    if (canBeLinked(*target)) result.emplace_back(name, from, target->version, hop.expensive);
+  }
+}
+
+std::vector<std::u16string> ConditionalRepository::passedNames() const {
+  std::vector<std::u16string> names;
+  for (const auto& [name, versions] : passed_) names.push_back(name);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<VersionBaseline> ConditionalRepository::starts(const Selection& content) {
+  Selection marked;
+  for (const auto& [name, version] : content) {
+    const VersionId own = carried(content_, name, version);
+    marked.emplace(name, mark(name, own, marksAt(name, own)));
+  }
+  return combineMarked(marked);
+}
+
+std::vector<VersionBaseline> ConditionalRepository::ends(const Selection& content) {
+  Selection marked;
+  for (const auto& [name, version] : content) {
+    marked.emplace(name, mark(name, carried(content_, name, version), allMarks(name)));
+  }
+  return combineMarked(marked);
+}
+
+std::vector<BaselineHop> ConditionalRepository::inContent(const std::vector<BaselineHop>& path) {
+  std::vector<BaselineHop> result;
+  for (const BaselineHop& step : path) {
+    pathfinder::LockstepHop hops;
+    for (const auto& [name, hop] : step.hops) {
+      hops.emplace(
+          name, Hop(name, read(name, hop.from).version, read(name, hop.to).version, hop.expensive));
+    }
+    const VersionBaseline from = result.empty() ? inContent(step.from) : result.back().to;
+    result.emplace_back(from, inContent(step.to), std::move(hops));
+  }
+  return result;
+}
+
+/// The versions of all that a baseline holds tell which linked metamodels they are.
+VersionBaseline ConditionalRepository::inContent(const VersionBaseline& baseline) {
+  Selection selection;
+  for (const auto& [name, linked] : baseline.metamodels) {
+    selection.emplace(name, read(name, linked->version).version);
+  }
+  return content_.combine(selection).at(0);
+}
+
+ConditionalRepository::Marks ConditionalRepository::marksAt(const std::u16string& name,
+                                                            const VersionId& version) const {
+  const auto passed = passed_.find(name);
+  if (passed == passed_.end()) return 0;
+  const auto& versions = passed->second;
+  const auto place = std::find(versions.begin(), versions.end(), version);
+  return place == versions.end() ? 0 : Marks{1} << (place - versions.begin());
+}
+
+ConditionalRepository::Marks ConditionalRepository::allMarks(const std::u16string& name) const {
+  const auto passed = passed_.find(name);
+  return passed == passed_.end() ? 0 : (Marks{1} << passed->second.size()) - 1;
+}
+
+VersionId ConditionalRepository::mark(const std::u16string& name, const VersionId& version,
+                                      Marks marks) const {
+  if (!isPassed(name)) return version;
+  return toUtf16(std::to_string(marks) + (version.isSemVer() ? " s" : " t") + textOf(version));
+}
+
+ConditionalRepository::Marked ConditionalRepository::read(const std::u16string& name,
+                                                          const VersionId& version) const {
+  if (!isPassed(name) || version.isSemVer()) return {version, 0};
+  const std::u16string& text = version.getText();
+  const std::size_t blank = text.find(u' ');
+  const std::u16string written = text.substr(blank + 2);
+  const Marks marks = std::stoull(fl::i18n::ustring_to_utf8(text.substr(0, blank)));
+  if (text[blank + 1] == u's') return {*pathfinder::SemVer::parse(written), marks};
+  return {written, marks};
+}
+
+bool ConditionalRepository::isAvoided(const Metamodel& metamodel) const {
+  const auto avoided = conditions_.avoided.find(metamodel.name);
+  if (avoided == conditions_.avoided.end()) return false;
+  const auto& versions = avoided->second;
+  return std::find(versions.begin(), versions.end(), metamodel.version) != versions.end();
+}
+
+bool ConditionalRepository::canBeLinked(const Metamodel& metamodel) {
+  if (unlinkable_.contains(metamodel)) return false;
+  if (canLink(*this, metamodel)) return true;
+  unlinkable_.insert(metamodel);
+  return false;
+}
+
+/// None where a version is not there or cannot be linked.
+std::vector<VersionBaseline> ConditionalRepository::combineMarked(const Selection& marked) {
+  for (const auto& [name, version] : marked) {
+    const auto metamodel = getMetamodel(name, version);
+    if (!metamodel || !canBeLinked(*metamodel)) return {};
+  }
+  return combine(marked);
+}
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <unordered_map>
+#include <unordered_set>
+
+#include "catalogue/conditions/conditional_path.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The part of a repository's content that conditions leave: paths through it are just those of the
+/// content that keep to them. See conditional_repository.cpp.
+class ConditionalRepository : public pathfinder::VersionRepository {
+ public:
+  ConditionalRepository(BrowsableRepository& content, const PathConditions& conditions);
+
+  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
+                                                        const std::u16string& versionText) override;
+  std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) override;
+  void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
+                      std::vector<pathfinder::Metamodel>& result) override;
+  void findHops(const std::u16string& name, const pathfinder::VersionId& from,
+                std::vector<pathfinder::Hop>& result) override;
+
+  /// The names that the path has to pass versions of.
+  std::vector<std::u16string> passedNames() const;
+
+  /// Baselines with these versions of the content, no version passed but those that they hold.
+  std::vector<pathfinder::VersionBaseline> starts(const Selection& content);
+
+  /// Baselines with these versions, all that is to be passed being passed.
+  std::vector<pathfinder::VersionBaseline> ends(const Selection& content);
+
+  /// The path in the content.
+  std::vector<pathfinder::BaselineHop> inContent(const std::vector<pathfinder::BaselineHop>& path);
+
+ private:
+  using Marks = std::uint64_t;  // which of a name's versions to pass have been passed
+
+  struct Marked {
+    pathfinder::VersionId version;
+    Marks marks;
+  };
+
+  bool isPassed(const std::u16string& name) const { return passed_.contains(name); }
+  Marks marksAt(const std::u16string& name, const pathfinder::VersionId& version) const;
+  Marks allMarks(const std::u16string& name) const;
+  pathfinder::VersionId mark(const std::u16string& name, const pathfinder::VersionId& version,
+                             Marks marks) const;
+  Marked read(const std::u16string& name, const pathfinder::VersionId& version) const;
+  bool isAvoided(const pathfinder::Metamodel& metamodel) const;
+  bool canBeLinked(const pathfinder::Metamodel& metamodel);
+  std::vector<pathfinder::VersionBaseline> combineMarked(const Selection& marked);
+  pathfinder::VersionBaseline inContent(const pathfinder::VersionBaseline& baseline);
+
+  BrowsableRepository& content_;
+  const PathConditions conditions_;
+  std::unordered_map<std::u16string, std::vector<pathfinder::VersionId>> passed_;
+  std::unordered_set<pathfinder::Metamodel> unlinkable_;
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,290 @@
+// Paths under conditions, held against every path that the steps of the path finder make.
+#include "catalogue/conditions/conditional_path.hpp"
+
+#include <algorithm>
+#include <queue>
+#include <sstream>
+
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/text/printed_text.hpp"
+#include "catalogue/version_text.hpp"
+#include "support/legal_path.hpp"
+#include "support/random_run.hpp"
+#include "support/store_folder.hpp"
+
+namespace test::conditional_path {
+namespace {
+
+using namespace tarn::evolution::catalogue;
+
+using Entry = std::pair<std::u16string, VersionId>;
+using Weight = std::optional<std::uint64_t>;
+
+/// "CATALOGUE | FROM | GOALS | CONDITIONS": of goals, "A2/3" is either version, "A3>2>1" the first
+/// of these that can be reached; of conditions, "-A2" avoids, "A" holds, "A2" keeps, "+A2" passes,
+/// "*" asks in any direction.
+struct ConditionalCase {
+  explicit ConditionalCase(const std::string& text) {
+    std::istringstream in(text);
+    std::getline(in, catalogue, '|');
+    std::string part;
+    std::getline(in, part, '|');
+    forItems(part, [&](const std::string& item) { from.insert(entry(item)); });
+    std::getline(in, part, '|');
+    forItems(part, [&](const std::string& item) { addGoal(item); });
+    std::getline(in, part, '|');
+    conditions.direction = VersionRepository::Forward;
+    forItems(part, [&](const std::string& item) { addCondition(item); });
+  }
+
+  template <class Receive>
+  static void forItems(const std::string& part, const Receive& receive) {
+    std::istringstream items(part);
+    for (std::string item; items >> item;) receive(item);
+  }
+
+  static VersionId version(const std::string& number) { return parseVersion(number + ".0"); }
+
+  static Entry entry(const std::string& item) {
+    return {parseName(item.substr(0, 1)), version(item.substr(1))};
+  }
+
+  void addGoal(const std::string& item) {
+    PathGoal goal{parseName(item.substr(0, 1)), {}, item.find('>') != item.npos};
+    for (const char digit : item.substr(1)) {
+      if (digit >= '0' && digit <= '9') goal.versions.push_back(version(std::string(1, digit)));
+    }
+    goals.push_back(goal);
+  }
+
+  void addCondition(const std::string& item) {
+    if (item == "*") {
+      conditions.direction = VersionRepository::Unknown;
+    } else if (item[0] == '-') {
+      conditions.avoided[entry(item.substr(1)).first].push_back(entry(item.substr(1)).second);
+    } else if (item[0] == '+') {
+      conditions.via.push_back(entry(item.substr(1)));
+    } else if (item.size() == 1) {
+      conditions.held.insert(parseName(item));
+    } else {
+      conditions.kept.insert_or_assign(entry(item).first, entry(item).second);
+    }
+  }
+
+  std::string catalogue;
+  Selection from;
+  std::vector<PathGoal> goals;
+  PathConditions conditions;
+};
+
+bool holds(const VersionBaseline& baseline, const std::u16string& name, const VersionId& version) {
+  const auto held = baseline.metamodels.find(name);
+  return held != baseline.metamodels.end() && held->second->version == version;
+}
+
+bool holdsAvoided(const VersionBaseline& baseline, const PathConditions& conditions) {
+  for (const auto& [name, versions] : conditions.avoided) {
+    for (const VersionId& version : versions) {
+      if (holds(baseline, name, version)) return true;
+    }
+  }
+  return false;
+}
+
+bool isAllowed(const BaselineHop& step, const PathConditions& conditions) {
+  if (holdsAvoided(step.to, conditions)) return false;
+  return std::none_of(step.hops.begin(), step.hops.end(), [&](const auto& entry) {
+    const auto kept = conditions.kept.find(entry.first);
+    return conditions.held.contains(entry.first) ||
+           (kept != conditions.kept.end() && kept->second == entry.second.from);
+  });
+}
+
+/// The least weight by going through all baselines, with what each has passed.
+Weight leastWeight(VersionRepository& repository, const Selection& from,
+                   const std::vector<PathGoal>& goals, const PathConditions& conditions) {
+  struct State {
+    std::uint64_t weight;
+    VersionBaseline baseline;
+    std::uint64_t passed;
+    bool operator<(const State& other) const { return other.weight < weight; }
+  };
+  const auto passedAt = [&](const VersionBaseline& baseline) {
+    std::uint64_t passed = 0;
+    for (std::size_t i = 0; i < conditions.via.size(); ++i) {
+      if (holds(baseline, conditions.via[i].first, conditions.via[i].second)) passed |= 1U << i;
+    }
+    return passed;
+  };
+  std::priority_queue<State> open;
+  for (const VersionBaseline& source : repository.combine(from)) {
+    if (!holdsAvoided(source, conditions)) open.push({0, source, passedAt(source)});
+  }
+  std::set<std::pair<std::map<std::u16string, std::string>, std::uint64_t>> closed;
+  while (!open.empty()) {
+    const State state = open.top();
+    open.pop();
+    std::map<std::u16string, std::string> versions;
+    for (const auto& [name, linked] : state.baseline.metamodels) {
+      versions.emplace(name, textOf(linked->version));
+    }
+    if (!closed.emplace(versions, state.passed).second) continue;
+    const bool isArrived =
+        state.passed == (1U << conditions.via.size()) - 1 &&
+        std::all_of(goals.begin(), goals.end(), [&](const PathGoal& goal) {
+          return std::any_of(goal.versions.begin(), goal.versions.end(), [&](const auto& version) {
+            return holds(state.baseline, goal.name, version);
+          });
+        });
+    if (isArrived) return state.weight;
+    for (const BaselineHop& step : repository.getStepsFrom(state.baseline, *conditions.direction)) {
+      if (!isAllowed(step, conditions)) continue;
+      open.push({state.weight + repository.getWeight(step.hops), step.to,
+                 state.passed | passedAt(step.to)});
+    }
+  }
+  return std::nullopt;
+}
+
+std::uint64_t weightOf(VersionRepository& repository, const std::vector<BaselineHop>& path) {
+  std::uint64_t weight = 0;
+  for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
+  return weight;
+}
+
+/// The goals with those that want the first come down to it.
+std::vector<PathGoal> settled(VersionRepository& repository, const ConditionalCase& asked) {
+  std::vector<PathGoal> goals = asked.goals;
+  for (PathGoal& goal : goals) {
+    if (!goal.isFirstWanted) continue;
+    for (const VersionId& version : std::vector(goal.versions)) {
+      goal.versions = {version};
+      if (leastWeight(repository, asked.from, goals, asked.conditions)) break;
+    }
+  }
+  return goals;
+}
+
+/// What a path comes to beside the versions that it starts with.
+std::vector<Entry> reachedBy(const std::vector<BaselineHop>& path) {
+  std::vector<Entry> reached;
+  for (const BaselineHop& step : path) {
+    for (const auto& [name, linked] : step.to.metamodels) {
+      if (!holds(path.front().from, name, linked->version)) {
+        reached.emplace_back(name, linked->version);
+      }
+    }
+  }
+  return reached;
+}
+
+/// The least weight of the paths that do without one of each of these sets of versions.
+Weight leastWithoutOneOfEach(VersionRepository& repository, const ConditionalCase& asked,
+                             const std::vector<PathGoal>& goals,
+                             const std::vector<std::vector<Entry>>& sets,
+                             const PathConditions& conditions) {
+  if (sets.empty()) return leastWeight(repository, asked.from, goals, conditions);
+  Weight least;
+  for (const auto& [name, version] : sets.front()) {
+    PathConditions further = conditions;
+    further.avoided[name].push_back(version);
+    const Weight weight =
+        leastWithoutOneOfEach(repository, asked, goals, {sets.begin() + 1, sets.end()}, further);
+    if (weight && (!least || *weight < *least)) least = weight;
+  }
+  return least;
+}
+
+void expectLeast(const ConditionalCase& asked, TestRepository& described, RandomRun& run) {
+  CatalogueRepository repository{Catalogue(contentOf(described))};
+  const auto goals = settled(repository, asked);
+  const Weight least = leastWeight(repository, asked.from, goals, asked.conditions);
+  const auto paths = findAlternativePaths(repository, asked.from, asked.goals, asked.conditions, 3);
+  run.count("path", least && *least > 0);
+  run.count("no path", !least);
+  run.count("alternatives", paths.size() > 1);
+  ASSERT_EQ(paths.empty(), !least);
+  std::vector<std::vector<Entry>> before;
+  for (const auto& path : paths) {
+    expectLegal(repository, path);
+    EXPECT_EQ(weightOf(repository, path),
+              leastWithoutOneOfEach(repository, asked, goals, before, asked.conditions));
+    for (const BaselineHop& step : path) EXPECT_TRUE(isAllowed(step, asked.conditions));
+    before.push_back(reachedBy(path));
+  }
+  if (paths.size() < 3) {
+    EXPECT_EQ(leastWithoutOneOfEach(repository, asked, goals, before, asked.conditions),
+              std::nullopt);
+  }
+}
+
+std::string number(std::size_t n) {
+  return std::to_string(n);
+}
+
+/// A needs nothing, B needs A, and C one of both; so all can be linked.
+std::string anyCase(Random& random) {
+  constexpr std::size_t last = 3;
+  std::string text;
+  for (const char name : {'A', 'B', 'C'}) {
+    for (std::size_t version = 1; version <= last; ++version) {
+      text += name + number(version);
+      if (name != 'A') {
+        const std::size_t lower = random.upTo(last);
+        text += std::string(":") + (name == 'C' && random.chance(50) ? 'B' : 'A') + "[" +
+                number(lower) + "," + number(lower + random.upTo(3)) + ")";
+      }
+      text += " ";
+      for (std::size_t to = 1; to <= last; ++to) {
+        if (to == version || !random.chance(to > version ? 60 : 25)) continue;
+        text += name + number(version) + ">" + number(to) + (random.chance(15) ? "! " : " ");
+      }
+    }
+  }
+  text += "| ";
+  for (const char name : {'A', 'B', 'C'}) {
+    if (name == 'B' || random.chance(60)) text += name + number(random.upTo(2)) + " ";
+  }
+  text += "| B" + number(last);
+  if (random.chance(30)) text += random.chance(50) ? ">2>1" : "/2";
+  if (random.chance(40)) text += " A" + number(random.upTo(last));
+  if (random.chance(20)) text += " C3>2>1";
+  text += " | ";
+  const auto anyVersion = [&] {
+    return std::string(1, "ABC"[random.below(3)]) + number(random.upTo(last));
+  };
+  if (random.chance(50)) text += "-" + anyVersion() + " ";
+  if (random.chance(20)) text += std::string(1, "AC"[random.below(2)]) + " ";
+  if (random.chance(20)) text += anyVersion() + " ";
+  if (random.chance(50)) text += "+B" + number(random.upTo(last)) + " ";
+  if (random.chance(25)) text += "+B" + number(random.upTo(last)) + " ";
+  if (random.chance(30)) text += "* ";
+  return text;
+}
+
+TEST(ConditionalPath, IsTheLeastOfAllThatKeepToTheConditions) {
+  RandomRun run(400);
+  run.ask(anyCase, [&](const std::string& text, Random&) {
+    ConditionalCase asked(text);
+    if (asked.from.empty() || !asked.from.contains(u"B")) return;
+    TestRepository described(asked.catalogue);
+    expectLeast(asked, described, run);
+  });
+  run.expectPercentages({{"path", 10}, {"no path", 5}, {"alternatives", 2}});
+}
+
+TEST(ConditionalPath, SaysWhatCannotBeAsked) {
+  TestRepository described("A1..2 B1 B2 B1>2");
+  CatalogueRepository repository{Catalogue(contentOf(described))};
+  const Selection from{{u"A", SemVer{1, 0, 0}}};
+  PathConditions conditions;
+  conditions.via.emplace_back(u"B", SemVer{2, 0, 0});
+  EXPECT_THROW(findConditionalPath(repository, from, {}, conditions), std::invalid_argument);
+  EXPECT_EQ(versionsMeant(repository, u"A", ">=1 <2"), (std::vector<VersionId>{SemVer{1, 0, 0}}));
+  EXPECT_EQ(versionsMeant(repository, u"A", "latest"), (std::vector<VersionId>{SemVer{2, 0, 0}}));
+  EXPECT_TRUE(versionsMeant(repository, u"A", "^7").empty());
+  EXPECT_THROW(versionsMeant(repository, u"A", "spring"), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace test::conditional_path
