@@ -10,14 +10,16 @@ namespace tarn::evolution::catalogue {
 
 /// Reads a catalogue from JSON:
 ///
-///     {"metamodels": [{"name", "version", "dependencies": [{"name", "range"}], "semver"}],
-///      "hops":       [{"name", "from", "to", "expensive"}],
+///     {"metamodels": [{"name", "version", "dependencies": [{"name", "range", "note"}], "semver",
+///                      "note"}],
+///      "hops":       [{"name", "from", "to", "expensive", "note"}],
 ///      "question":   {"from": {name: version}, "to": {name: version}}}
 ///
 /// All values are texts but "expensive", which is true or false, and "range", which is a pair
 /// of semantic versions [lower, upper), or one version, or {"anyOf": [...]} of several of these.
-/// "semver", the semantic equivalent of a text version, and "question" may be left out. A version
-/// that does not read as a semantic version is a text version.
+/// "semver", the semantic equivalent of a text version, "question", and every "note", which is for
+/// people to read, may be left out. A version that does not read as a semantic version is a text
+/// version.
 ///
 /// Throws CatalogueError when the text is not JSON or not of this form, or when the catalogue is
 /// unsound (see `Catalogue`).

@@ -44,7 +44,7 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
     EXPECT_EQ(PlainDatabase(path(name)).run(statements), "");
   };
   PlainDatabase(path("foreign")).run("CREATE TABLE addresses (name TEXT)");
-  changed("newer", "PRAGMA user_version = 2");
+  changed("newer", "PRAGMA user_version = 3");
   changed("formless", "PRAGMA user_version = 0");
   changed("tableless", "DROP TABLE hops");
   changed("other table", "DROP TABLE hops; CREATE TABLE hops (name, source, position)");
@@ -58,7 +58,7 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
   write("half", bytes.substr(0, bytes.size() / 8192 * 4096));
   const std::pair<std::string, std::string> cases[] = {
       {"foreign", "is not a catalogue store, but a SQLite database of another kind"},
-      {"newer", "is a store of form 2, newer than form 1, the last that this program knows"},
+      {"newer", "is a store of form 3, newer than form 2, the last that this program knows"},
       {"formless", "the store is damaged: it is of no known form"},
       {"tableless", "the store is damaged: it has no hops"},
       {"other table", "the store is damaged: hops is not as it should be"},

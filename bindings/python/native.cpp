@@ -239,7 +239,10 @@ class Repository {
     return interruptible(options.read(), [&](const SearchLimits& limits) -> std::optional<Picture> {
       const auto path = repository_->findPath(from, to, limits);
       if (!path) return std::nullopt;
-      return Picture(path->empty() ? drawSource(from) : drawPath(weightsOf(*repository_), *path));
+      PathPicture picture =
+          path->empty() ? drawSource(from) : drawPath(weightsOf(*repository_), *path);
+      addNotes(*repository_, picture);
+      return Picture(std::move(picture));
     });
   }
 

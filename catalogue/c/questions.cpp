@@ -83,7 +83,9 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
     const auto found = repository.findPath(readSelection(from, from_count, "from"),
                                            readSelection(to, to_count, "to"), readLimits(limits));
     if (!found) return TARN_EVOLUTION_NO_PATH;
-    *path = new tarn_evolution_steps(drawPath(weightsOf(repository), *found));
+    PathPicture picture = drawPath(weightsOf(repository), *found);
+    addNotes(repository, picture);
+    *path = new tarn_evolution_steps(std::move(picture));
     return TARN_EVOLUTION_OK;
   });
 }

@@ -16,6 +16,7 @@
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
+#include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
 #include "platform/text.hpp"
 
@@ -135,7 +136,9 @@ class Assembly {
       result_.content.metamodels.push_back(std::move(metamodel));
     }
     for (pathfinder::Hop& hop : former_.hops) {
-      if (!isReplaced(hop.name)) result_.content.hops.push_back(std::move(hop));
+      if (isReplaced(hop.name)) continue;
+      result_.content.hopNotes.add(hop, former_.hopNotes.of(hop));
+      result_.content.hops.push_back(std::move(hop));
     }
     result_.content.question = std::move(former_.question);
   }
@@ -146,20 +149,28 @@ class Assembly {
     for (std::size_t i = 0; i < versions.size(); ++i) {
       if (known_[name][i].isLeftOut) continue;
       for (const ForeignDependency& dependency : versions[i].dependencies) {
-        log_.attempt([&] { addNeed(dependency, name, package, package.needs[i]); });
+        log_.attempt([&] { addNeed(dependency, name, i, package); });
       }
     }
   }
 
-  void addNeed(const ForeignDependency& dependency, const std::string& owner,
-               const PackageInWork& package, std::vector<Need>& needs) {
+  void addNeed(const ForeignDependency& dependency, const std::string& owner, std::size_t version,
+               PackageInWork& package) {
+    std::vector<Need>& needs = package.needs[version];
     std::string name = *package.prefix + dependency.name;
     if (!known_.contains(name)) name = dependency.name;
     if (!known_.contains(name)) {
       dependency.place.fail(owner + " needs \"" + dependency.name + "\", which no source has");
     }
-    if (name == owner) dependency.place.fail(owner + " needs itself");
     const Indices& accepted = acceptedBy(dependency, name);
+    if (name == owner) {
+      // Of its own name, a version has no other beside it.
+      if (std::find(accepted.begin(), accepted.end(), version) != accepted.end()) return;
+      KnownVersion& known = known_[owner][version];
+      known.isLeftOut = true;
+      dependency.place.fail(owner + " " + known.text + " needs " + owner + " " + dependency.text +
+                            ", which it is not itself");
+    }
     const auto found = std::find_if(needs.begin(), needs.end(),
                                     [&](const Need& need) { return need.name == name; });
     if (found == needs.end()) {
@@ -222,13 +233,20 @@ class Assembly {
     for (std::size_t i = 0; i < package.order.size(); ++i) rank[package.order[i]] = i;
     for (const std::size_t index : package.order) {
       if (known[index].isLeftOut) continue;
+      const ForeignVersion& source = package.source->versions()[index];
       std::vector<pathfinder::Dependency> dependencies;
+      std::vector<std::u16string> notes;
       for (const Need& need : package.needs[index]) {
-        log_.attempt([&] { dependencies.push_back(dependencyOf(need, name, known[index])); });
+        log_.attempt([&] {
+          dependencies.push_back(dependencyOf(need, name, known[index]));
+          notes.push_back(noteOf(need));
+        });
       }
-      places_.emplace_back(package.source->versions()[index].place);
+      while (!notes.empty() && notes.back().empty()) notes.pop_back();
+      places_.emplace_back(source.place);
       result_.content.metamodels.push_back(
-          {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent});
+          {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent,
+           textIn(source.note), std::move(notes)});
     }
     std::vector<ForeignHop> hops = package.source->hops();
     if (!package.source->keepsOrder) {
@@ -242,7 +260,19 @@ class Assembly {
       if (known[hop.from].isLeftOut || known[hop.to].isLeftOut) continue;
       result_.content.hops.emplace_back(ownName, known[hop.from].id, known[hop.to].id,
                                         hop.isExpensive);
+      result_.content.hopNotes.add(result_.content.hops.back(), textIn(hop.note));
     }
+  }
+
+  /// What is told, which readers have from texts that are UTF-8.
+  static std::u16string textIn(const std::string& note) {
+    return note.empty() ? std::u16string() : toUtf16(note);
+  }
+
+  static std::u16string noteOf(const Need& need) {
+    std::string note;
+    for (const ForeignDependency* source : need.sources) addNote(source->note, note);
+    return textIn(note);
   }
 
   pathfinder::Dependency dependencyOf(const Need& need, const std::string& owner,
@@ -298,8 +328,17 @@ class Assembly {
       if (closing == 0) throw CatalogueError(fault);
       log_.leaveOut(places_[cycle[closing - 1] - kept].error(fault.reason()));
       const std::u16string next = metamodels[cycle[closing % cycle.size()]].descriptor.name;
-      std::erase_if(metamodels[cycle[closing - 1]].descriptor.dependencies,
-                    [&](const pathfinder::Dependency& each) { return each.name == next; });
+      removeDependencies(next, metamodels[cycle[closing - 1]]);
+    }
+  }
+
+  static void removeDependencies(const std::u16string& name, CatalogueMetamodel& metamodel) {
+    auto& [descriptor, equivalent, note, notes] = metamodel;
+    for (std::size_t i = descriptor.dependencies.size(); i-- > 0;) {
+      if (descriptor.dependencies[i].name != name) continue;
+      descriptor.dependencies.erase(descriptor.dependencies.begin() +
+                                    static_cast<std::ptrdiff_t>(i));
+      if (i < notes.size()) notes.erase(notes.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }
 

@@ -1,5 +1,5 @@
 // Tables: one of versions has the columns name, version, and perhaps needs, as often as it likes,
-// and equivalent; one of hops has name, from, to and perhaps expensive.
+// and equivalent; one of hops has name, from, to and perhaps expensive. Both may have a note.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -33,6 +33,7 @@ class TableReader {
     std::string from;
     std::string to;
     bool isExpensive;
+    std::string note;
     SourcePlace place;
   };
 
@@ -58,8 +59,8 @@ class TableReader {
           "and \"to\"");
     }
     const std::set<std::string> known =
-        isOfVersions ? std::set<std::string>{"name", "version", needsColumn, "equivalent"}
-                     : std::set<std::string>{"name", "from", "to", "expensive"};
+        isOfVersions ? std::set<std::string>{"name", "version", needsColumn, "equivalent", "note"}
+                     : std::set<std::string>{"name", "from", "to", "expensive", "note"};
     for (const std::string& column : head.columns()) {
       if (known.contains(column)) continue;
       reading_.log.leaveOut(
@@ -78,7 +79,7 @@ class TableReader {
       hops_.push_back({head.neededCell(row, "name", file), head.neededCell(row, "from", file),
                        head.neededCell(row, "to", file),
                        truthOf(head.cell(row, "expensive"), file.place(row.line)),
-                       file.place(row.line)});
+                       head.cell(row, "note"), file.place(row.line)});
     }
   }
 
@@ -101,6 +102,7 @@ class TableReader {
     package.keepsOrder = true;
     ForeignVersion& version = package.addVersion(head.neededCell(row, "version", file), place);
     version.dependencies = std::move(dependencies);
+    version.note = head.cell(row, "note");
     const std::string equivalent = head.cell(row, "equivalent");
     if (!equivalent.empty()) version.equivalent = equivalent;
   }
@@ -155,7 +157,7 @@ class TableReader {
       return package.versions().size() - 1;
     };
     const std::size_t from = versionOf(hop.from);
-    package.addHop(from, versionOf(hop.to), hop.isExpensive);
+    package.addHop(from, versionOf(hop.to), hop.isExpensive, hop.note);
   }
 
   const Reading& reading_;

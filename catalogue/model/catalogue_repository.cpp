@@ -53,6 +53,19 @@ std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string&
   return result;
 }
 
+std::u16string CatalogueRepository::findVersionNote(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) {
+  for (const auto position : catalogue_.index().metamodelsAt(name, version)) {
+    const CatalogueMetamodel& metamodel = catalogue_.metamodels()[position];
+    if (metamodel.descriptor.version == version) return metamodel.note;
+  }
+  return {};
+}
+
+std::u16string CatalogueRepository::findHopNote(const pathfinder::Hop& hop) {
+  return catalogue_.hopNotes().of(hop);
+}
+
 std::optional<Question> CatalogueRepository::getQuestion() {
   return catalogue_.question();
 }

@@ -2,6 +2,17 @@
 
 namespace tarn::evolution::catalogue {
 
+namespace {
+
+void writeNotes(JsonPrinter& printer, const PathPicture::Move& move) {
+  if (move.notes.empty()) return;
+  printer.arrayField("notes", [&] {
+    for (const std::string& note : move.notes) printer.value(note);
+  });
+}
+
+}  // namespace
+
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step) {
   const auto nameOf = [&](const PathPicture::Move& move) { return picture.lanes[move.lane].name; };
@@ -14,6 +25,7 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
         printer.field("from", move.from);
         printer.field("to", move.to);
         printer.field("expensive", move.kind == PathPicture::MoveKind::Expensive);
+        writeNotes(printer, move);
       });
     }
   });
@@ -23,6 +35,7 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
       printer.object([&] {
         printer.field("name", nameOf(move));
         printer.field("version", move.to);
+        writeNotes(printer, move);
       });
     }
   });

@@ -70,6 +70,21 @@ std::vector<pathfinder::Hop> SqliteCatalogueRepository::listHops(const std::u16s
   return store_->ask([&](auto& reader) { return reader.uncached().hopsOf(name); });
 }
 
+std::u16string SqliteCatalogueRepository::findVersionNote(const std::u16string& name,
+                                                          const pathfinder::VersionId& version) {
+  const auto range = pathfinder::VersionRange::singleVersion(version);
+  const auto found =
+      store_->ask([&](auto& reader) { return reader.uncached().metamodelsIn(name, range); });
+  for (const StoredMetamodel& stored : found) {
+    if (stored.metamodel.descriptor.version == version) return stored.metamodel.note;
+  }
+  return {};
+}
+
+std::u16string SqliteCatalogueRepository::findHopNote(const pathfinder::Hop& hop) {
+  return store_->ask([&](auto& reader) { return reader.uncached().noteOf(hop); });
+}
+
 std::optional<Question> SqliteCatalogueRepository::getQuestion() {
   return store_->ask([](auto& reader) { return reader.uncached().question(); });
 }

@@ -38,16 +38,22 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
 }
 
 void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies) {
+                       const std::vector<pathfinder::Dependency>& dependencies,
+                       const std::vector<std::u16string>& notes) {
   printer.array([&] {
-    for (const auto& [name, range] : dependencies) {
-      printer.object([&, &name = name, &range = range] {
-        printer.field("name", fl::i18n::ustring_to_utf8(name));
+    for (std::size_t i = 0; i < dependencies.size(); ++i) {
+      printer.object([&] {
+        printer.field("name", fl::i18n::ustring_to_utf8(dependencies[i].name));
         printer.key("range");
-        writeRange(printer, range);
+        writeRange(printer, dependencies[i].range);
+        if (i < notes.size()) writeNote(printer, notes[i]);
       });
     }
   });
+}
+
+void writeNote(JsonPrinter& printer, const std::u16string& note) {
+  if (!note.empty()) printer.field("note", fl::i18n::ustring_to_utf8(note));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -138,8 +138,9 @@ ExitStatus runPath(const PathOptions& options) {
   if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
   const auto [path, hasStumbled] = search(options, *repository, question, limits);
   if (path) {
-    const auto picture =
+    auto picture =
         drawPath(weightsOf(*repository), sourceOf(*path, options, *repository, question), *path);
+    addNotes(*repository, picture);
     options.output.write(renderPath(picture, options.form.format, options.output.colouring()));
     return ExitStatus::Found;
   }
