@@ -50,9 +50,10 @@ TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
   changed("other table", "DROP TABLE hops; CREATE TABLE hops (name, source, position)");
   changed("cyclic",
           "INSERT INTO dependencies SELECT 0, 0, id, NULL, zeroblob(24), CAST(x'02' || "
-          "zeroblob(23) AS BLOB) "
+          "zeroblob(23) AS BLOB), NULL "
           "FROM names WHERE name = 'B'");
-  changed("hop to nowhere", "INSERT INTO hops SELECT NULL, name, version, 'x', 0 FROM metamodels");
+  changed("hop to nowhere",
+          "INSERT INTO hops SELECT NULL, name, version, 'x', 0, NULL FROM metamodels");
   const std::string bytes = read("good.store");
   write("short", bytes.substr(0, 50));
   write("half", bytes.substr(0, bytes.size() / 8192 * 4096));

@@ -79,6 +79,20 @@ class StoreComparison:
 
 
 @dataclass(frozen=True)
+class ImportMeasurement:
+    """A large catalogue of another program, made a store."""
+
+    name: str  # of the format
+    files: int
+    bytes: int
+    versions: int
+    hops: int
+    seconds: float
+    peak_bytes: int
+    store_bytes: int
+
+
+@dataclass(frozen=True)
 class Machine:
     processor: str
     cores: int
@@ -101,6 +115,7 @@ class Results:
     random: list[Comparison] = field(default_factory=list)
     operators: list[Comparison] = field(default_factory=list)
     stores: list[StoreComparison] = field(default_factory=list)
+    imports: list[ImportMeasurement] = field(default_factory=list)
 
     def save(self, file: Path) -> None:
         file.write_text(json.dumps(asdict(self), indent=1))
@@ -116,6 +131,7 @@ class Results:
             random=[_comparison(entry) for entry in stored["random"]],
             operators=[_comparison(entry) for entry in stored["operators"]],
             stores=[StoreComparison(**entry) for entry in stored["stores"]],
+            imports=[ImportMeasurement(**entry) for entry in stored["imports"]],
         )
 
 

@@ -35,6 +35,7 @@ class Settings:
     joined_sizes: tuple[int, ...]  # most metamodels of the questions joined from families
     operators_limit: float
     stores: tuple[LargeCatalogue, ...]
+    import_share: float  # of the size of the full samples
 
 
 FULL = Settings(
@@ -53,6 +54,7 @@ FULL = Settings(
     joined_sizes=(10, 14, 20),
     operators_limit=60,
     stores=(LargeCatalogue(100, 50), LargeCatalogue(300, 100), LargeCatalogue(1000, 100)),
+    import_share=1,
 )
 
 QUICK = Settings(
@@ -66,4 +68,5 @@ QUICK = Settings(
     joined_sizes=(10,),
     operators_limit=10,
     stores=(LargeCatalogue(33, 10),),
+    import_share=0.02,
 )

@@ -8,6 +8,7 @@ from .clingo import clingo, operators
 from .engines import engines
 from .families import families
 from .hard_questions import hard_questions
+from .imports import imports
 from .markdown import counted, listed, paragraph, section, table
 from .operations import operations
 from .stores import stores
@@ -83,6 +84,7 @@ def document(results: Results) -> str:
         hard_questions(view),
         operations(view),
         stores(view),
+        imports(view),
     ]
     return "\n\n".join(blocks) + "\n"
 

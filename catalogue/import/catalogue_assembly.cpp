@@ -1,8 +1,10 @@
 #include "catalogue/import/catalogue_assembly.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <unordered_map>
@@ -28,11 +30,14 @@ namespace {
 
 using Indices = std::vector<std::size_t>;
 
+/// Those of versions, which many dependencies share.
+using SharedIndices = std::shared_ptr<const std::vector<std::uint32_t>>;
+
 /// What a version accepts of one name: all that its dependencies on it say.
 struct Need {
   std::string name;
   std::vector<const ForeignDependency*> sources;
-  Indices accepted;  // of the known versions of the name
+  SharedIndices accepted;  // of the known versions of the name; some may have been left out since
 };
 
 struct PackageInWork {
@@ -162,10 +167,10 @@ class Assembly {
     if (!known_.contains(name)) {
       dependency.place.fail(owner + " needs \"" + dependency.name + "\", which no source has");
     }
-    const Indices& accepted = acceptedBy(dependency, name);
+    const SharedIndices& accepted = acceptedBy(dependency, name);
     if (name == owner) {
       // Of its own name, a version has no other beside it.
-      if (std::find(accepted.begin(), accepted.end(), version) != accepted.end()) return;
+      if (std::find(accepted->begin(), accepted->end(), version) != accepted->end()) return;
       KnownVersion& known = known_[owner][version];
       known.isLeftOut = true;
       dependency.place.fail(owner + " " + known.text + " needs " + owner + " " + dependency.text +
@@ -177,20 +182,23 @@ class Assembly {
       needs.push_back({name, {&dependency}, accepted});
       return;
     }
-    Indices common;
-    std::set_intersection(found->accepted.begin(), found->accepted.end(), accepted.begin(),
-                          accepted.end(), std::back_inserter(common));
-    found->accepted = std::move(common);
+    std::vector<std::uint32_t> common;
+    std::set_intersection(found->accepted->begin(), found->accepted->end(), accepted->begin(),
+                          accepted->end(), std::back_inserter(common));
+    found->accepted = std::make_shared<const std::vector<std::uint32_t>>(std::move(common));
     found->sources.push_back(&dependency);
   }
 
-  const Indices& acceptedBy(const ForeignDependency& dependency, const std::string& name) {
+  const SharedIndices& acceptedBy(const ForeignDependency& dependency, const std::string& name) {
     const auto [place, isNew] = accepted_.try_emplace(name + '\0' + dependency.text);
     if (isNew) {
       const std::vector<KnownVersion>& known = known_[name];
-      for (std::size_t i = 0; i < known.size(); ++i) {
-        if (dependency.range.matches(known[i].text, known[i].order)) place->second.push_back(i);
+      std::vector<std::uint32_t> accepted;
+      for (std::uint32_t i = 0; i < known.size(); ++i) {
+        if (dependency.range.matches(known[i].text, known[i].order)) accepted.push_back(i);
       }
+      accepted.shrink_to_fit();
+      place->second = std::make_shared<const std::vector<std::uint32_t>>(std::move(accepted));
     }
     return place->second;
   }
@@ -202,10 +210,12 @@ class Assembly {
       std::vector<KnownVersion>& known = known_[name];
       for (std::size_t i = 0; i < known.size(); ++i) {
         if (known[i].isLeftOut) continue;
-        for (Need& need : package.needs[i]) {
-          std::erase_if(need.accepted,
-                        [&](std::size_t each) { return known_[need.name][each].isLeftOut; });
-          if (!need.accepted.empty()) continue;
+        for (const Need& need : package.needs[i]) {
+          const std::vector<KnownVersion>& needed = known_[need.name];
+          if (!std::all_of(need.accepted->begin(), need.accepted->end(),
+                           [&](std::uint32_t each) { return needed[each].isLeftOut; })) {
+            continue;
+          }
           log_.leaveOut(need.sources.front()->place.error(name + " " + known[i].text + " needs " +
                                                           need.name + " " + textsOf(need) +
                                                           ", of which there is no version"));
@@ -281,7 +291,10 @@ class Assembly {
     for (const ForeignDependency* source : need.sources) {
       spans = commonSpans(spans, source->range.spans());
     }
-    const auto range = fitRange(known_[need.name], need.accepted, spans);
+    const std::vector<KnownVersion>& needed = known_[need.name];
+    Indices wanted(need.accepted->begin(), need.accepted->end());
+    std::erase_if(wanted, [&](std::size_t each) { return needed[each].isLeftOut; });
+    const auto range = fitRange(needed, wanted, spans);
     if (!range) {
       need.sources.front()->place.fail(owner + " " + version.text + " needs " + need.name + " " +
                                        textsOf(need) +
@@ -346,8 +359,8 @@ class Assembly {
   ImportLog& log_;
   std::map<std::string, PackageInWork> packages_;
   std::unordered_map<std::string, std::vector<KnownVersion>> known_;
-  std::unordered_map<std::string, Indices> accepted_;  // by name and text of the range
-  std::vector<SourcePlace> places_;                    // of the metamodels after those kept
+  std::unordered_map<std::string, SharedIndices> accepted_;  // by name and text of the range
+  std::vector<SourcePlace> places_;                          // of the metamodels after those kept
   AssembledCatalogue result_;
 };
 

@@ -8,6 +8,7 @@
 
 #include "catalogue/import/readers.hpp"
 #include "catalogue/import/table_rows.hpp"
+#include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -79,8 +80,18 @@ class TableReader {
       hops_.push_back({head.neededCell(row, "name", file), head.neededCell(row, "from", file),
                        head.neededCell(row, "to", file),
                        truthOf(head.cell(row, "expensive"), file.place(row.line)),
-                       head.cell(row, "note"), file.place(row.line)});
+                       noteOf(row, head, file), file.place(row.line)});
     }
+  }
+
+  static std::string noteOf(const TableRow& row, const TableHead& head, const SourceFile& file) {
+    std::string note = head.cell(row, "note");
+    try {
+      toUtf16(note);
+    } catch (const std::invalid_argument&) {
+      file.place(row.line).fail("the note is not UTF-8");
+    }
+    return note;
   }
 
   static bool truthOf(const std::string& cell, const SourcePlace& place) {
@@ -98,11 +109,12 @@ class TableReader {
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
       if (head.columns()[i] == needsColumn) readNeeds(row.cells[i], place, dependencies);
     }
+    const std::string note = noteOf(row, head, file);
     ForeignPackage& package = catalogue_[name];
     package.keepsOrder = true;
     ForeignVersion& version = package.addVersion(head.neededCell(row, "version", file), place);
     version.dependencies = std::move(dependencies);
-    version.note = head.cell(row, "note");
+    version.note = note;
     const std::string equivalent = head.cell(row, "equivalent");
     if (!equivalent.empty()) version.equivalent = equivalent;
   }
