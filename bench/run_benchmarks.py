@@ -11,6 +11,7 @@ import time
 from pathlib import Path
 
 from harness.comparison import compare_families, compare_random
+from harness.imports import measure_imports
 from harness.machine import this_machine
 from harness.operators import compare_operators
 from harness.programs import Programs
@@ -32,6 +33,7 @@ def measure(programs: Programs, settings: Settings, with_python: bool) -> Result
     results.stores += compare_stores(programs, settings)
     if with_python:
         results.python += compare_python(programs, settings)
+    results.imports += measure_imports(programs, settings)
     results.minutes = (time.monotonic() - begin) / 60
     return results
 

@@ -35,6 +35,14 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::V
   /// The hops of a metamodel, in the catalogue's order; none for an unknown name.
   virtual std::vector<pathfinder::Hop> listHops(const std::u16string& name) = 0;
 
+  /// What is told of a version, for people to read; empty when that is nothing, or it is unknown.
+  /// By default that of `listMetamodels`.
+  virtual std::u16string findVersionNote(const std::u16string& name,
+                                         const pathfinder::VersionId& version);
+
+  /// The same of a hop, which none has by default.
+  virtual std::u16string findHopNote(const pathfinder::Hop& hop);
+
   /// The question that the catalogue comes with, if any.
   virtual std::optional<Question> getQuestion() = 0;
 };

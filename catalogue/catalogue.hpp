@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "catalogue/catalogue_index.hpp"
+#include "catalogue/hop_notes.hpp"
 #include "catalogue/precedence.hpp"
 #include "pathfinder/hop.hpp"
 #include "pathfinder/metamodel.hpp"
@@ -18,7 +19,20 @@ struct CatalogueMetamodel {
   pathfinder::Metamodel descriptor;
 
   /// What a text version is said to stand for among the semantic versions, if anything.
-  std::optional<pathfinder::SemVer> equivalent;
+  std::optional<pathfinder::SemVer> equivalent = {};
+
+  /// What is told of it, for people to read: why it is deprecated, what to see to, a link. Empty
+  /// when there is nothing to tell.
+  std::u16string note = {};
+
+  /// The same of each dependency, in their order. May be shorter than they are.
+  std::vector<std::u16string> dependencyNotes = {};
+
+  /// Empty when there is none.
+  const std::u16string& noteOfDependency(std::size_t dependency) const {
+    static const std::u16string none;
+    return dependency < dependencyNotes.size() ? dependencyNotes[dependency] : none;
+  }
 
   /// Its semantic version, or else the equivalent of its text version, if there is one.
   std::optional<pathfinder::SemVer> semVer() const {
@@ -45,7 +59,8 @@ struct Question {
 struct CatalogueContent {
   std::vector<CatalogueMetamodel> metamodels;
   std::vector<pathfinder::Hop> hops;
-  std::optional<Question> question;
+  std::optional<Question> question = {};
+  HopNotes hopNotes = {};
 };
 
 /// A closed, sound set of metamodels and hops. A value; never changed once made, so that any number
@@ -60,9 +75,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue {
   /// Throws CatalogueError, with JSON pointers for places, for the first thing found to be unsound.
   explicit Catalogue(CatalogueContent content);
 
+  const CatalogueContent& content() const noexcept { return content_; }
   const std::vector<CatalogueMetamodel>& metamodels() const noexcept { return content_.metamodels; }
   const std::vector<pathfinder::Hop>& hops() const noexcept { return content_.hops; }
   const std::optional<Question>& question() const noexcept { return content_.question; }
+  const HopNotes& hopNotes() const noexcept { return content_.hopNotes; }
 
   /// Look-ups by name and version; positions refer to `metamodels()` and `hops()`.
   const CatalogueIndex& index() const noexcept { return index_; }

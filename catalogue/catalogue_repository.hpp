@@ -30,6 +30,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
   std::vector<std::u16string> listNames() override;
   std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
   std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
+  std::u16string findVersionNote(const std::u16string& name,
+                                 const pathfinder::VersionId& version) override;
+  std::u16string findHopNote(const pathfinder::Hop& hop) override;
   std::optional<Question> getQuestion() override;
 
  private:

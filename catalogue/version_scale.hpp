@@ -41,6 +41,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT VersionScale {
   /// The same with the versions of a metamodel or hop as they are shown.
   pathfinder::Metamodel shown(pathfinder::Metamodel metamodel) const;
   pathfinder::Hop shown(pathfinder::Hop hop) const;
+  pathfinder::Hop meant(pathfinder::Hop hop) const;
 
   /// A range as it is asked for, in the catalogue's versions.
   pathfinder::VersionRange meant(const pathfinder::VersionRange& range) const;

@@ -17,7 +17,7 @@ namespace {
 
 std::string written(const Catalogue& catalogue) {
   std::ostringstream out;
-  writeJsonCatalogue({catalogue.metamodels(), catalogue.hops(), catalogue.question()}, out);
+  writeJsonCatalogue(catalogue.content(), out);
   return out.str();
 }
 

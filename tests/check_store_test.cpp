@@ -92,7 +92,8 @@ TEST_F(StoreCheck, FindsRowsThatCannotStandThere) {
       {"INSERT INTO metamodels (position, name, version) SELECT 90, name, version FROM metamodels "
        "WHERE position = 3",
        "duplicate-version table metamodels, row 90\n"},
-      {"INSERT INTO hops SELECT position + 90, name, target, source, expensive FROM hops; DELETE "
+      {"INSERT INTO hops SELECT position + 90, name, target, source, expensive, note FROM hops; "
+       "DELETE "
        "FROM "
        "question",
        ""},

@@ -87,19 +87,19 @@ class Import : public testing::Test, protected EvopathProgram {
 TEST_F(Import, ReadsOperators) {
   EXPECT_EQ(imported("operators"), R"(Imported 8 versions of metamodels and 8 hops.
 
-data,1.0.0,-
-data,1.5.0,-
-data,2.0.0,-
+data,1.0.0,-,note:Use another one.
+data,1.5.0,-,note:It loses rows.\nUse another one.
+data,2.0.0,-,note:Use another one.
 web,1.0.0,-
 web,1.1.0,[data,1.0.0]
 web,1.2.0,[data,[1.0.0,1.5.1]]
 web,2.0.0-rc1,-
-web,2.0.0,[data,2.0.0];
+web,2.0.0,[data,2.0.0,note:needs data];
 data,1.0.0,2.0.0,cheap
 data,1.0.0,1.5.0,expensive
 data,1.5.0,2.0.0,cheap
 web,1.0.0,1.2.0,cheap
-web,1.0.0,1.1.0,expensive
+web,1.0.0,1.1.0,expensive,note:Gone.
 web,1.1.0,1.2.0,cheap
 web,1.2.0,2.0.0-rc1,cheap
 web,2.0.0-rc1,2.0.0,cheap
@@ -117,7 +117,7 @@ TEST_F(Import, ReadsNpmPackages) {
 core,0.9.0,-
 core,1.0.0,-
 core,1.1.0,-
-core,1.2.0,-
+core,1.2.0,-,note:Broken.
 core,2.0.0-rc.1,-
 core,2.0.0,-
 core,2.1.0,-
@@ -171,7 +171,7 @@ cluster,4.1.0,-
 cluster,4.2.0-rc.1,-
 cluster,4.2.0,-
 cluster,4.3.0,-;
-cluster,4.1.0,4.3.0,expensive
+cluster,4.1.0,4.3.0,expensive,note:Risk: Disks fill up. (u)
 cluster,4.1.0,4.2.0,cheap
 cluster,4.1.0,4.2.0-rc.1,cheap
 cluster,4.2.0-rc.1,4.2.0,cheap
@@ -188,7 +188,7 @@ forge,15.0.0,-
 forge,15.0.5,-
 forge,15.3.0,-
 forge,15.4.2,-
-forge,15.4.6,-
+forge,15.4.6,-,note:migrations
 forge,15.9.1,-
 forge,16.0.0-rc1,-
 forge,17.0.2,-
@@ -205,7 +205,7 @@ forge,15.0.5,15.4.6,cheap
 forge,15.0.5,15.3.0,cheap
 forge,15.3.0,15.4.6,cheap
 forge,15.4.2,15.4.6,cheap
-forge,15.4.6,17.0.2,expensive
+forge,15.4.6,17.0.2,expensive,note:large tables only
 forge,15.4.6,15.9.1,cheap
 forge,15.9.1,17.0.2,cheap
 forge,16.0.0-rc1,17.0.2,cheap
@@ -224,10 +224,10 @@ ink,summer,-
 loose,a,-
 loose,b,-
 shape,1.0.0,-
-shape,3.0.0,-
+shape,3.0.0,-,note:third
 shape,2023-01,semver:2.0.0,-;
 draw,1.0.0,2.0.0,expensive
-loose,a,b,cheap
+loose,a,b,cheap,note:told
 shape,1.0.0,3.0.0,cheap
 )");
 }
@@ -279,8 +279,8 @@ TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
        R"({"name": "a", "versions": {"1.0.0": {"peerDependencies": {"b/c": "^1"}}}})",
        "line 1, /versions/1.0.0/peerDependencies/b~1c: a needs \"b/c\", which no source has"},
       {"npm", "a.json",
-       R"({"name": "a", "versions": {"1.0.0": {"peerDependencies": {"a": "^1"}}}})",
-       "line 1, /versions/1.0.0/peerDependencies/a: a needs itself"},
+       R"({"name": "a", "versions": {"1.0.0": {"peerDependencies": {"a": "^1 || 2"}}, "1.1.0": {"peerDependencies": {"a": "1.0.x"}}}})",
+       "line 1, /versions/1.1.0/peerDependencies/a: a 1.1.0 needs a 1.0.x, which it is not itself"},
       {"npm", "a.json", R"({"name": "a", "versions": {"1.0.0": {"version": "2.0.0"}}})",
        "line 1, /versions/1.0.0: is the manifest of the version 2.0.0"},
       {"npm", "a.json", R"({"name": "a", "versions": {"1.0": {}, "1.0.0": {}}})",
@@ -319,6 +319,9 @@ TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
        "line 1: there is no column \"colour\" in such a table"},
       {"table", "a.csv", "name,from,to,expensive\na,1,2,perhaps\n",
        "line 2: \"perhaps\" is neither true nor false"},
+      {"table", "a.csv", "name,version,note\na,1.0,\xff\n", "line 2: the note is not UTF-8"},
+      {"graph", "a.json", R"({"nodes": [{"version": "1"}], "edges": [[0, 1e400]]})",
+       "line 1: not JSON: number overflow parsing '1e400'"},
       {"table", "a.csv", "name,version\na,any of 1\n",
        "line 2: the version of a \"any of 1\" begins as no version may"},
       {"table", "b.txt", "", ": holds no file that ends in .csv, .tsv"},

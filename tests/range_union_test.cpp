@@ -95,8 +95,8 @@ TEST_F(RangeUnion, AdmitsWhatAnyOfItsRangesAdmits) {
     ASSERT_EQ(read("again.json"), read("c.json"));
     for (const char* file : {"c.json", "c.store"}) {
       const auto repository = openCatalogue(path(file));
-      for (const auto& [descriptor, equivalent] : content.metamodels) {
-        for (const Dependency& dependency : descriptor.dependencies) {
+      for (const CatalogueMetamodel& metamodel : content.metamodels) {
+        for (const Dependency& dependency : metamodel.descriptor.dependencies) {
           std::vector<Metamodel> found;
           repository->findMetamodels(dependency.name, dependency.range, found);
           EXPECT_EQ(found, admitted(content, dependency.range)) << dependency.range;
@@ -108,8 +108,8 @@ TEST_F(RangeUnion, AdmitsWhatAnyOfItsRangesAdmits) {
     CatalogueContent left = content;
     std::erase_if(left.metamodels, [&](const auto& each) { return each.descriptor == gone; });
     std::size_t obstacles = 0;
-    for (const auto& [descriptor, equivalent] : left.metamodels) {
-      for (const Dependency& dependency : descriptor.dependencies) {
+    for (const CatalogueMetamodel& metamodel : left.metamodels) {
+      for (const Dependency& dependency : metamodel.descriptor.dependencies) {
         obstacles += admitted(left, dependency.range).empty() &&
                      !admitted(content, dependency.range).empty();
       }

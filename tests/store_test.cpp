@@ -32,24 +32,50 @@ void expectSameLists(BrowsableRepository& left, BrowsableRepository& right) {
     for (std::size_t i = 0; i < metamodels.size(); ++i) {
       EXPECT_EQ(metamodels[i].descriptor, others[i].descriptor);
       EXPECT_EQ(metamodels[i].equivalent, others[i].equivalent);
+      EXPECT_EQ(metamodels[i].note, others[i].note);
+      EXPECT_EQ(metamodels[i].dependencyNotes, others[i].dependencyNotes);
+      const VersionId& version = metamodels[i].descriptor.version;
+      EXPECT_EQ(left.findVersionNote(name, version), metamodels[i].note);
+      EXPECT_EQ(right.findVersionNote(name, version), metamodels[i].note);
     }
     const auto hops = left.listHops(name);
     const auto otherHops = right.listHops(name);
     EXPECT_EQ(hops, otherHops);
     for (std::size_t i = 0; i < hops.size(); ++i) {
       EXPECT_EQ(hops[i].expensive, otherHops[i].expensive);
+      EXPECT_EQ(left.findHopNote(hops[i]), right.findHopNote(hops[i]));
     }
   }
 }
 
+/// Nothing, more often than not.
+std::u16string anyNote(Random& random) {
+  const std::u16string notes[] = {u"leaks", u"see \u20ac\n\"there\"\r\n", u"\U0001F600 \\",
+                                  std::u16string(300, u'x'), std::u16string(1, u'\0') + u"x"};
+  return random.chance(60) ? u"" : random.oneOf(notes);
+}
+
+void tellOf(CatalogueContent& content, Random& random) {
+  for (CatalogueMetamodel& metamodel : content.metamodels) {
+    metamodel.note = anyNote(random);
+    auto& notes = metamodel.dependencyNotes;
+    for (std::size_t i = metamodel.descriptor.dependencies.size(); i > 0; --i) {
+      notes.push_back(anyNote(random));
+    }
+    while (!notes.empty() && notes.back().empty()) notes.pop_back();
+  }
+  for (const Hop& hop : content.hops) content.hopNotes.add(hop, anyNote(random));
+}
+
 TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
   RandomRun run(80);
-  run.ask(randomQuestion, [&](const std::string& text, Random&) {
+  run.ask(randomQuestion, [&](const std::string& text, Random& notes) {
     TestQuestion random(text);
     if (!random.isPosed()) return;
     CatalogueContent content = contentOf(random.repository);
     content.question =
         Question{selectionOf(random.sources.front()), selectionOf(random.targets.front())};
+    tellOf(content, notes);
     make("random", content);
     CatalogueRepository memory{Catalogue(content)};
     SqliteCatalogueRepository store(path("random.store"));
@@ -65,6 +91,8 @@ TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
     EXPECT_EQ(pathIn(store), pathIn(memory));
     EXPECT_EQ(describe(store.combine(question.to)), describe(memory.combine(question.to)));
     expectSameLists(store, memory);
+    CatalogueRepository again(readJsonCatalogue(path("random.json")));
+    expectSameLists(again, memory);
     run.count("asked");
   });
   run.expectPercentages({{"asked", 15}});
@@ -113,7 +141,9 @@ TEST_F(Store, LooksUpVersionsOfEverySizeAndKindAsInMemory) {
     expectSame(name, SemVerRange{{0, 0, 0}, {~std::uint64_t{0}, 0, 0}});
   }
   expectSame(u"Z", u"text \xd800");
-  for (const auto& [descriptor, equivalent] : content.metamodels) {
+  for (const CatalogueMetamodel& metamodel : content.metamodels) {
+    const auto& descriptor = metamodel.descriptor;
+    const auto& equivalent = metamodel.equivalent;
     expectSame(descriptor.name, VersionRange::singleVersion(descriptor.version));
     EXPECT_EQ(hopsFrom(store, descriptor), hopsFrom(memory, descriptor));
     EXPECT_EQ(store.extractSemVer(descriptor), memory.extractSemVer(descriptor));
@@ -166,13 +196,14 @@ TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
   const auto inOrder = [](Random& random) {
     return QuestionDraft::loose(random, random.upTo(4)).text(random);
   };
-  run.ask(inOrder, [&](const std::string& text, Random&) {
+  run.ask(inOrder, [&](const std::string& text, Random& random) {
     TestRepository repository(QuestionText(text).catalogue);
     CatalogueContent whole = contentOf(repository);
     for (auto hop = whole.hops.begin(); hop != whole.hops.end();) {  // a second one is refused
       const bool isSecond = std::find(whole.hops.begin(), hop, *hop) != hop;
       hop = isSecond ? whole.hops.erase(hop) : hop + 1;
     }
+    tellOf(whole, random);
     CatalogueContent parts[2] = {whole, whole};
     const auto half = static_cast<std::ptrdiff_t>(whole.metamodels.size() / 2);
     parts[0].metamodels.erase(parts[0].metamodels.begin() + half, parts[0].metamodels.end());

@@ -5,9 +5,11 @@ here have one thread and wait for nothing: on an idle machine it is the time tha
 """
 from __future__ import annotations
 
+import os
 import resource
 import signal
 import subprocess
+import tempfile
 import time
 from collections.abc import Sequence
 from dataclasses import dataclass
@@ -71,6 +73,26 @@ def run_limited(
         failure = f"exit status {done.returncode}: {done.stderr[-500:]}"
         raise ProgramFailed(f"{command[0]}: {failure}")
     return Finished(done.stdout, taken)
+
+
+@dataclass(frozen=True)
+class Measured:
+    output: str
+    seconds: float
+    peak_bytes: int
+
+
+def run_measured(command: Sequence[str | Path]) -> Measured:
+    """Runs a program to its end; it must succeed."""
+    with tempfile.TemporaryFile("w+") as output:
+        process = subprocess.Popen(command, stdout=output, stderr=subprocess.STDOUT)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        output.seek(0)
+        told = output.read()
+    if process.returncode != 0:
+        raise ProgramFailed(f"{command[0]}: exit status {process.returncode}: {told[-500:]}")
+    return Measured(told, usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024)
 
 
 def _processor_seconds_of_children() -> float:

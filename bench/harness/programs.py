@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import json
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -12,7 +13,7 @@ from functools import cached_property
 from pathlib import Path
 from typing import Any
 
-from .child_process import MemoryLimit, TimeLimit, run_limited
+from .child_process import MemoryLimit, TimeLimit, run_limited, run_measured
 from .results import Answer, Measurement, Outcome
 from .settings import BenchmarkRun
 
@@ -76,6 +77,16 @@ class Programs:
         program = self.build / "bench" / "bench_store"
         command = [program, what, *map(str, arguments)]
         return json.loads(run_limited(command, seconds=STORE_LIMIT).output)
+
+    def measure_import(self, form: str, source: Path, store: Path) -> dict[str, float]:
+        """What evopath says of an import, and what it takes."""
+        program = self.build / "tools" / "evopath" / "evopath"
+        done = run_measured([program, "import", "--from", form, source, store])
+        told = re.match(r"Imported (\d+) versions? of metamodels? and (\d+) hops?\.\n$", done.output)
+        if told is None:
+            raise RuntimeError(f"evopath import --from {form} says: {done.output}")
+        versions, hops = map(int, told.groups())
+        return {"versions": versions, "hops": hops, "seconds": done.seconds, "peak_bytes": done.peak_bytes}
 
     def run_benchmarks(self, run: BenchmarkRun) -> list[Measurement]:
         """Shows the program's own report on the way; fails when an answer was wrong."""

@@ -88,6 +88,20 @@ class PythonComparison:
     python_read_seconds: float  # until all its steps have been looked at
 
 
+@dataclass
+class ImportMeasurement:
+    """A large catalogue of another program, made a store."""
+
+    name: str  # of the format
+    files: int
+    bytes: int
+    versions: int
+    hops: int
+    seconds: float
+    peak_bytes: int
+    store_bytes: int
+
+
 @dataclass(frozen=True)
 class Machine:
     processor: str
@@ -112,6 +126,7 @@ class Results:
     operators: list[Comparison] = field(default_factory=list)
     stores: list[StoreComparison] = field(default_factory=list)
     python: list[PythonComparison] = field(default_factory=list)
+    imports: list[ImportMeasurement] = field(default_factory=list)
 
     def save(self, file: Path) -> None:
         file.write_text(json.dumps(asdict(self), indent=1))
@@ -128,6 +143,7 @@ class Results:
             operators=[_comparison(entry) for entry in stored["operators"]],
             stores=[StoreComparison(**entry) for entry in stored["stores"]],
             python=[PythonComparison(**entry) for entry in stored["python"]],
+            imports=[ImportMeasurement(**entry) for entry in stored["imports"]],
         )
 
 

@@ -38,6 +38,7 @@ class Settings:
     python_size: int  # metamodels of the questions asked through Python
     python_turns: int
     python_rounds: int  # in each turn
+    import_share: float  # of the size of the full samples
 
 
 FULL = Settings(
@@ -59,6 +60,7 @@ FULL = Settings(
     python_size=64,
     python_turns=5,
     python_rounds=20,
+    import_share=1,
 )
 
 QUICK = Settings(
@@ -75,4 +77,5 @@ QUICK = Settings(
     python_size=16,
     python_turns=1,
     python_rounds=2,
+    import_share=0.02,
 )

@@ -8,6 +8,7 @@ from .clingo import clingo, operators
 from .engines import engines
 from .families import families
 from .hard_questions import hard_questions
+from .imports import imports
 from .markdown import counted, listed, paragraph, section, table
 from .operations import operations
 from .python_package import python_package
@@ -85,6 +86,7 @@ def document(results: Results) -> str:
         operations(view),
         python_package(view),
         stores(view),
+        imports(view),
     ]
     return "\n\n".join(blocks) + "\n"
 

@@ -53,7 +53,7 @@ class Repository {
       return repository_->findPath(from, to, limits);
     });
     if (!steps) return std::nullopt;
-    return steps->empty() ? Path(drawSelection(from)) : Path(*repository_, *std::move(steps));
+    return steps->empty() ? Path(drawSelection(from)) : Path(repository_, *std::move(steps));
   }
 
   /// The explanation as JSON and as text.
@@ -124,7 +124,7 @@ class Repository {
     return result;
   }
 
-  const std::unique_ptr<BrowsableRepository> repository_;
+  const std::shared_ptr<BrowsableRepository> repository_;
 };
 
 std::unique_ptr<Repository> load(const std::string& file) {

@@ -90,12 +90,12 @@ PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
 
 }  // namespace
 
-Path::Path(const pathfinder::VersionRepository& repository,
+Path::Path(std::shared_ptr<BrowsableRepository> repository,
            std::vector<pathfinder::BaselineHop> steps)
     : weight_(0) {
   std::vector<std::uint64_t> weights;
-  for (const auto& step : steps) weight_ += weights.emplace_back(repository.getWeight(step.hops));
-  content_ = Undrawn{std::move(steps), std::move(weights)};
+  for (const auto& step : steps) weight_ += weights.emplace_back(repository->getWeight(step.hops));
+  content_ = Undrawn{std::move(repository), std::move(steps), std::move(weights)};
 }
 
 Path::Path(PathPicture picture) : weight_(picture.weight), content_(std::move(picture)) {}
@@ -104,7 +104,9 @@ const PathPicture& Path::picture() {
   if (const auto* undrawn = std::get_if<Undrawn>(&content_)) {
     auto weight = undrawn->weights.begin();
     const auto next = [&](const pathfinder::LockstepHop&) { return *weight++; };  // in their order
-    content_ = drawPath(next, undrawn->steps);
+    PathPicture drawn = drawPath(next, undrawn->steps);
+    addNotes(*undrawn->repository, drawn);
+    content_ = std::move(drawn);
   }
   return std::get<PathPicture>(content_);
 }

@@ -3,6 +3,7 @@
 #include <pybind11/pybind11.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -17,7 +18,8 @@ namespace py = pybind11;
 /// that takes as long as a question that is easy. Requires the global lock.
 class Path {
  public:
-  Path(const pathfinder::VersionRepository& repository, std::vector<pathfinder::BaselineHop> steps);
+  /// Keeps the repository, which tells what there is to read of hops and versions.
+  Path(std::shared_ptr<BrowsableRepository> repository, std::vector<pathfinder::BaselineHop> steps);
   explicit Path(PathPicture picture);
 
   std::uint64_t weight() const { return weight_; }
@@ -36,6 +38,7 @@ class Path {
 
  private:
   struct Undrawn {
+    std::shared_ptr<BrowsableRepository> repository;
     std::vector<pathfinder::BaselineHop> steps;
     std::vector<std::uint64_t> weights;
   };

@@ -84,8 +84,10 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
     const Selection target = readSelection(to, to_count, "to");
     const auto found = repository.findPath(source, target, readLimits(limits));
     if (!found) return TARN_EVOLUTION_NO_PATH;
-    *path = new tarn_evolution_steps(found->empty() ? drawSelection(source)
-                                                    : drawPath(weightsOf(repository), *found));
+    PathPicture picture =
+        found->empty() ? drawSelection(source) : drawPath(weightsOf(repository), *found);
+    addNotes(repository, picture);
+    *path = new tarn_evolution_steps(std::move(picture));
     return TARN_EVOLUTION_OK;
   });
 }

@@ -45,7 +45,7 @@ class QuestionReader : public CatalogueSink {
   }
 
   void addMetamodel(const CatalogueMetamodel& /*metamodel*/) override {}
-  void addHop(const pathfinder::Hop& /*hop*/) override {}
+  void addHop(const pathfinder::Hop& /*hop*/, const std::u16string& /*note*/) override {}
   void setQuestion(const Question& question) override { question_ = question; }
 
  private:

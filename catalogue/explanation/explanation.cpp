@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "catalogue/explanation/blocking_set.hpp"
+#include "catalogue/explanation/explanation_notes.hpp"
 #include "catalogue/explanation/inconsistent_selection.hpp"
 #include "catalogue/explanation/linking_obstacle.hpp"
 #include "catalogue/explanation/missing_chain.hpp"
@@ -39,6 +40,7 @@ class Explaining {
     for (const Metamodel& metamodel : inquiry_.repository().hidden()) {
       result_.unlinkable.push_back(explainUnlinkable(inquiry_, metamodel));
     }
+    result_.notes = collectNotes(inquiry_.content(), result_);
     result_.questions = inquiry_.questions();
     result_.stopped = inquiry_.stopped();
     return std::move(result_);

@@ -125,6 +125,15 @@ struct NearestBaseline {
   bool isProven = false;
 };
 
+/// What the catalogue tells, for people to read, of something that an explanation names.
+struct ExplanationNote {
+  /// The version itself, the hop that leads from it to another one, or its dependency on a name.
+  NamedVersion subject;
+  std::optional<pathfinder::VersionId> to = {};
+  std::optional<std::u16string> dependency = {};
+  std::u16string note = {};
+};
+
 /// Why there is no path, or that there is one. Linked metamodels in it are of the explanation's own
 /// making, not those of the repository; `loadMetamodel` has not seen them.
 struct Explanation {
@@ -142,6 +151,10 @@ struct Explanation {
 
   /// None when there is a path and when there is no consistent source to start from.
   std::optional<NearestBaseline> nearest;
+
+  /// What the catalogue tells of the versions, hops and dependencies that are named here, in the
+  /// order of their names.
+  std::vector<ExplanationNote> notes = {};
 
   /// How many questions were put to the path finder.
   std::size_t questions = 0;

@@ -28,6 +28,7 @@ class ExplanationWriter {
       std::visit([&](const auto& reason) { writeReason(reason); }, explanation.reason);
       writeFields("unlinkable", explanation.unlinkable, "withoutOrder", explanation.withoutOrder);
       if (explanation.nearest) writeFields("nearest", *explanation.nearest);
+      if (!explanation.notes.empty()) writeFields("notes", explanation.notes);
       writeFields("questions", explanation.questions);
       if (explanation.stopped) writeFields("stopped", *explanation.stopped);
     });
@@ -114,6 +115,14 @@ class ExplanationWriter {
     writeObject("target", chain.target, "held", chain.isHeld, "starts", chain.starts, "reached",
                 chain.reached, "leading", chain.leading, "missing", chain.missingHop,
                 "chainInAnyDirection", chain.chainInAnyDirection, "dependents", chain.dependents);
+  }
+  void writeValue(const ExplanationNote& note) {
+    printer_.object([&] {
+      writeFields("name", note.subject.name, "version", note.subject.version);
+      if (note.to) writeFields("to", *note.to);
+      if (note.dependency) writeFields("needs", *note.dependency);
+      writeFields("note", note.note);
+    });
   }
   void writeValue(const BlockedHop& blocked) {
     writeObject("hop", blocked.hop, "clash", blocked.clash);

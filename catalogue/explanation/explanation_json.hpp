@@ -11,11 +11,11 @@ namespace tarn::evolution::catalogue {
 /// Writes an explanation for programs:
 ///
 ///     {"kind", ..., "unlinkable": [UNLINKABLE], "withoutOrder": [NAMED], "nearest": NEAREST,
-///      "questions", "stopped"}
+///      "notes": [NOTE], "questions", "stopped"}
 ///
 /// Versions are texts, NAMED versions {"name", "version"}, hops {"name", "from", "to"}. "nearest"
-/// is left out where there is none, and "stopped" unless a limit was reached: it is "request",
-/// "time" or "memory". Beside "kind" stands what is particular to it:
+/// and "notes" are left out where there are none, and "stopped" unless a limit was reached: it is
+/// "request", "time" or "memory". Beside "kind" stands what is particular to it:
 ///
 ///     path                    "steps"
 ///     unknown                 "entries": [{"side", "name", "version", "unknown", "nearest"}]
@@ -29,6 +29,9 @@ namespace tarn::evolution::catalogue {
 ///                  "chainInAnyDirection", "dependents"}
 ///     CLASH       {"parties", "contested", "requirements": [{"chain", "name", "range"}]}
 ///     UNLINKABLE  {"chain", "unmet": {"name", "range", "nearest"}, "clash"}
+///     NOTE        {"name", "version", "note"}, with "to" that of a hop from the version, with
+///     "needs"
+///                  that of its dependency on that name
 ///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}
 ///
 /// A range is a pair [lower, upper), also of one semantic version, or a text version; a requirement

@@ -5,6 +5,7 @@
 
 #include "catalogue/picture/path_text.hpp"
 #include "catalogue/text/messages.hpp"
+#include "catalogue/text/note_lines.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 #include "catalogue/text/visible.hpp"
 
@@ -169,6 +170,17 @@ class Details {
          << (versions.size() == 1 ? "counts" : "count")
          << " as older than every semantic version. If the hop is right, give it one in the "
             "catalogue.\n";
+  }
+
+  void print(const std::vector<ExplanationNote>& notes) {
+    if (!notes.empty()) out_ << "What the catalogue tells of these:\n";
+    for (const ExplanationNote& note : notes) {
+      out_ << "  " << visible(note.subject) << (note.to ? " -> " + visible(*note.to) : "")
+           << (note.dependency ? " needs " + visible(*note.dependency) : "") << ":\n";
+      for (const std::string& line : linesOf(fl::i18n::ustring_to_utf8(note.note))) {
+        out_ << "    " << toVisible(line) << "\n";
+      }
+    }
   }
 
   void print(const NearestBaseline& nearest) {
@@ -351,6 +363,7 @@ void writeExplanationText(const Explanation& explanation, const StepWeights& wei
   details.printWithoutOrder(explanation.withoutOrder);
   for (const Unlinkable& unlinkable : explanation.unlinkable) details.print(unlinkable);
   if (explanation.nearest) details.print(*explanation.nearest);
+  details.print(explanation.notes);
   if (explanation.stopped) {
     out << "The explanation is not finished: " << whatCut(explanation) << ".\n";
   }

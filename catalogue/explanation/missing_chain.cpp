@@ -34,7 +34,8 @@ std::vector<NamedVersion> findDependents(BrowsableRepository& content, const Hop
   };
   std::vector<NamedVersion> result;
   for (const std::u16string& name : content.listNames()) {
-    for (const auto& [descriptor, equivalent] : content.listMetamodels(name)) {
+    for (const auto& metamodel : content.listMetamodels(name)) {
+      const pathfinder::Metamodel& descriptor = metamodel.descriptor;
       const auto& dependencies = descriptor.dependencies;
       if (std::any_of(dependencies.begin(), dependencies.end(), bringsIn)) {
         result.push_back({descriptor.name, descriptor.version});

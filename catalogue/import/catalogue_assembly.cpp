@@ -1,8 +1,10 @@
 #include "catalogue/import/catalogue_assembly.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <unordered_map>
@@ -16,6 +18,7 @@
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
+#include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
 #include "platform/text.hpp"
 
@@ -27,11 +30,14 @@ namespace {
 
 using Indices = std::vector<std::size_t>;
 
+/// Those of versions, which many dependencies share.
+using SharedIndices = std::shared_ptr<const std::vector<std::uint32_t>>;
+
 /// What a version accepts of one name: all that its dependencies on it say.
 struct Need {
   std::string name;
   std::vector<const ForeignDependency*> sources;
-  Indices accepted;  // of the known versions of the name
+  SharedIndices accepted;  // of the known versions of the name; some may have been left out since
 };
 
 struct PackageInWork {
@@ -135,7 +141,9 @@ class Assembly {
       result_.content.metamodels.push_back(std::move(metamodel));
     }
     for (pathfinder::Hop& hop : former_.hops) {
-      if (!isReplaced(hop.name)) result_.content.hops.push_back(std::move(hop));
+      if (isReplaced(hop.name)) continue;
+      result_.content.hopNotes.add(hop, former_.hopNotes.of(hop));
+      result_.content.hops.push_back(std::move(hop));
     }
     result_.content.question = std::move(former_.question);
   }
@@ -146,40 +154,51 @@ class Assembly {
     for (std::size_t i = 0; i < versions.size(); ++i) {
       if (known_[name][i].isLeftOut) continue;
       for (const ForeignDependency& dependency : versions[i].dependencies) {
-        log_.attempt([&] { addNeed(dependency, name, package, package.needs[i]); });
+        log_.attempt([&] { addNeed(dependency, name, i, package); });
       }
     }
   }
 
-  void addNeed(const ForeignDependency& dependency, const std::string& owner,
-               const PackageInWork& package, std::vector<Need>& needs) {
+  void addNeed(const ForeignDependency& dependency, const std::string& owner, std::size_t version,
+               PackageInWork& package) {
+    std::vector<Need>& needs = package.needs[version];
     std::string name = *package.prefix + dependency.name;
     if (!known_.contains(name)) name = dependency.name;
     if (!known_.contains(name)) {
       dependency.place.fail(owner + " needs \"" + dependency.name + "\", which no source has");
     }
-    if (name == owner) dependency.place.fail(owner + " needs itself");
-    const Indices& accepted = acceptedBy(dependency, name);
+    const SharedIndices& accepted = acceptedBy(dependency, name);
+    if (name == owner) {
+      // Of its own name, a version has no other beside it.
+      if (std::find(accepted->begin(), accepted->end(), version) != accepted->end()) return;
+      KnownVersion& known = known_[owner][version];
+      known.isLeftOut = true;
+      dependency.place.fail(owner + " " + known.text + " needs " + owner + " " + dependency.text +
+                            ", which it is not itself");
+    }
     const auto found = std::find_if(needs.begin(), needs.end(),
                                     [&](const Need& need) { return need.name == name; });
     if (found == needs.end()) {
       needs.push_back({name, {&dependency}, accepted});
       return;
     }
-    Indices common;
-    std::set_intersection(found->accepted.begin(), found->accepted.end(), accepted.begin(),
-                          accepted.end(), std::back_inserter(common));
-    found->accepted = std::move(common);
+    std::vector<std::uint32_t> common;
+    std::set_intersection(found->accepted->begin(), found->accepted->end(), accepted->begin(),
+                          accepted->end(), std::back_inserter(common));
+    found->accepted = std::make_shared<const std::vector<std::uint32_t>>(std::move(common));
     found->sources.push_back(&dependency);
   }
 
-  const Indices& acceptedBy(const ForeignDependency& dependency, const std::string& name) {
+  const SharedIndices& acceptedBy(const ForeignDependency& dependency, const std::string& name) {
     const auto [place, isNew] = accepted_.try_emplace(name + '\0' + dependency.text);
     if (isNew) {
       const std::vector<KnownVersion>& known = known_[name];
-      for (std::size_t i = 0; i < known.size(); ++i) {
-        if (dependency.range.matches(known[i].text, known[i].order)) place->second.push_back(i);
+      std::vector<std::uint32_t> accepted;
+      for (std::uint32_t i = 0; i < known.size(); ++i) {
+        if (dependency.range.matches(known[i].text, known[i].order)) accepted.push_back(i);
       }
+      accepted.shrink_to_fit();
+      place->second = std::make_shared<const std::vector<std::uint32_t>>(std::move(accepted));
     }
     return place->second;
   }
@@ -191,10 +210,12 @@ class Assembly {
       std::vector<KnownVersion>& known = known_[name];
       for (std::size_t i = 0; i < known.size(); ++i) {
         if (known[i].isLeftOut) continue;
-        for (Need& need : package.needs[i]) {
-          std::erase_if(need.accepted,
-                        [&](std::size_t each) { return known_[need.name][each].isLeftOut; });
-          if (!need.accepted.empty()) continue;
+        for (const Need& need : package.needs[i]) {
+          const std::vector<KnownVersion>& needed = known_[need.name];
+          if (!std::all_of(need.accepted->begin(), need.accepted->end(),
+                           [&](std::uint32_t each) { return needed[each].isLeftOut; })) {
+            continue;
+          }
           log_.leaveOut(need.sources.front()->place.error(name + " " + known[i].text + " needs " +
                                                           need.name + " " + textsOf(need) +
                                                           ", of which there is no version"));
@@ -222,13 +243,20 @@ class Assembly {
     for (std::size_t i = 0; i < package.order.size(); ++i) rank[package.order[i]] = i;
     for (const std::size_t index : package.order) {
       if (known[index].isLeftOut) continue;
+      const ForeignVersion& source = package.source->versions()[index];
       std::vector<pathfinder::Dependency> dependencies;
+      std::vector<std::u16string> notes;
       for (const Need& need : package.needs[index]) {
-        log_.attempt([&] { dependencies.push_back(dependencyOf(need, name, known[index])); });
+        log_.attempt([&] {
+          dependencies.push_back(dependencyOf(need, name, known[index]));
+          notes.push_back(noteOf(need));
+        });
       }
-      places_.emplace_back(package.source->versions()[index].place);
+      while (!notes.empty() && notes.back().empty()) notes.pop_back();
+      places_.emplace_back(source.place);
       result_.content.metamodels.push_back(
-          {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent});
+          {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent,
+           textIn(source.note), std::move(notes)});
     }
     std::vector<ForeignHop> hops = package.source->hops();
     if (!package.source->keepsOrder) {
@@ -242,7 +270,19 @@ class Assembly {
       if (known[hop.from].isLeftOut || known[hop.to].isLeftOut) continue;
       result_.content.hops.emplace_back(ownName, known[hop.from].id, known[hop.to].id,
                                         hop.isExpensive);
+      result_.content.hopNotes.add(result_.content.hops.back(), textIn(hop.note));
     }
+  }
+
+  /// What is told, which readers have from texts that are UTF-8.
+  static std::u16string textIn(const std::string& note) {
+    return note.empty() ? std::u16string() : toUtf16(note);
+  }
+
+  static std::u16string noteOf(const Need& need) {
+    std::string note;
+    for (const ForeignDependency* source : need.sources) addNote(source->note, note);
+    return textIn(note);
   }
 
   pathfinder::Dependency dependencyOf(const Need& need, const std::string& owner,
@@ -251,7 +291,10 @@ class Assembly {
     for (const ForeignDependency* source : need.sources) {
       spans = commonSpans(spans, source->range.spans());
     }
-    const auto range = fitRange(known_[need.name], need.accepted, spans);
+    const std::vector<KnownVersion>& needed = known_[need.name];
+    Indices wanted(need.accepted->begin(), need.accepted->end());
+    std::erase_if(wanted, [&](std::size_t each) { return needed[each].isLeftOut; });
+    const auto range = fitRange(needed, wanted, spans);
     if (!range) {
       need.sources.front()->place.fail(owner + " " + version.text + " needs " + need.name + " " +
                                        textsOf(need) +
@@ -298,8 +341,17 @@ class Assembly {
       if (closing == 0) throw CatalogueError(fault);
       log_.leaveOut(places_[cycle[closing - 1] - kept].error(fault.reason()));
       const std::u16string next = metamodels[cycle[closing % cycle.size()]].descriptor.name;
-      std::erase_if(metamodels[cycle[closing - 1]].descriptor.dependencies,
-                    [&](const pathfinder::Dependency& each) { return each.name == next; });
+      removeDependencies(next, metamodels[cycle[closing - 1]]);
+    }
+  }
+
+  static void removeDependencies(const std::u16string& name, CatalogueMetamodel& metamodel) {
+    auto& [descriptor, equivalent, note, notes] = metamodel;
+    for (std::size_t i = descriptor.dependencies.size(); i-- > 0;) {
+      if (descriptor.dependencies[i].name != name) continue;
+      descriptor.dependencies.erase(descriptor.dependencies.begin() +
+                                    static_cast<std::ptrdiff_t>(i));
+      if (i < notes.size()) notes.erase(notes.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }
 
@@ -307,8 +359,8 @@ class Assembly {
   ImportLog& log_;
   std::map<std::string, PackageInWork> packages_;
   std::unordered_map<std::string, std::vector<KnownVersion>> known_;
-  std::unordered_map<std::string, Indices> accepted_;  // by name and text of the range
-  std::vector<SourcePlace> places_;                    // of the metamodels after those kept
+  std::unordered_map<std::string, SharedIndices> accepted_;  // by name and text of the range
+  std::vector<SourcePlace> places_;                          // of the metamodels after those kept
   AssembledCatalogue result_;
 };
 

@@ -9,6 +9,8 @@
 
 #include "catalogue/catalogue_index.hpp"
 #include "catalogue/json_catalogue.hpp"
+#include "catalogue/model/content_sink.hpp"
+#include "catalogue/model/row_key.hpp"
 #include "catalogue/model/validation.hpp"
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/sqlite_header.hpp"
@@ -27,20 +29,6 @@ namespace {
 /// The share of the work after which rows are written.
 constexpr double writingShare = 0.85;
 
-class ContentSink : public CatalogueSink {
- public:
-  void addMetamodel(const CatalogueMetamodel& metamodel) override {
-    content_.metamodels.push_back(metamodel);
-  }
-  void addHop(const pathfinder::Hop& hop) override { content_.hops.push_back(hop); }
-  void setQuestion(const Question& question) override { content_.question = question; }
-
-  CatalogueContent take() { return std::move(content_); }
-
- private:
-  CatalogueContent content_;
-};
-
 /// The content that comes, known to be sound; what differs is noted.
 CatalogueContent succeeded(const std::optional<CatalogueContent>& former, const Successor& succeed,
                            ImportReport& report) {
@@ -54,12 +42,6 @@ CatalogueContent succeeded(const std::optional<CatalogueContent>& former, const 
   report.isUpdate = former.has_value();
   if (former) report.changes = changesBetween(*former, content);
   return content;
-}
-
-void sendAll(const CatalogueContent& content, CatalogueSink& sink) {
-  for (const CatalogueMetamodel& metamodel : content.metamodels) sink.addMetamodel(metamodel);
-  for (const pathfinder::Hop& hop : content.hops) sink.addHop(hop);
-  if (content.question) sink.setQuestion(*content.question);
 }
 
 void writeStore(SqliteDatabase& store, const CatalogueContent& content,
@@ -101,8 +83,7 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
   ReplacingFile file(json, ReplacingFile::Kind::Plain, toldAgain(progress, 0));
   std::optional<CatalogueContent> former;
   if (file.replaces()) {
-    const Catalogue read = readJsonCatalogue(json);
-    former = {read.metamodels(), read.hops(), read.question()};
+    former = readJsonCatalogue(json).content();
   }
   const CatalogueContent content = succeeded(former, succeed, report);
   try {
@@ -117,37 +98,22 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
   file.replaceTarget();
 }
 
-std::u16string keyOf(const std::u16string& name, const pathfinder::VersionId& version) {
-  const char16_t kind = version.isSemVer() ? u'S' : u'T';
-  if (!version.isSemVer()) return name + u'\0' + kind + version.getText();
-  const pathfinder::SemVer& numbers = version.getSemVer();
-  std::u16string key = name + u'\0' + kind;
-  for (const std::uint64_t number : {numbers.major, numbers.minor, numbers.patch}) {
-    for (int shift = 48; shift >= 0; shift -= 16) key += static_cast<char16_t>(number >> shift);
-  }
-  return key;
-}
-
-std::u16string keyOf(const CatalogueMetamodel& metamodel) {
-  return keyOf(metamodel.descriptor.name, metamodel.descriptor.version);
-}
-
-std::u16string keyOf(const pathfinder::Hop& hop) {
-  return keyOf(hop.name, hop.from) + keyOf(u"", hop.to);
-}
-
 bool isSame(const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-  return left.descriptor == right.descriptor && left.equivalent == right.equivalent;
-}
-
-bool isSame(const pathfinder::Hop& left, const pathfinder::Hop& right) {
-  return left.expensive == right.expensive;
+  const auto haveSameNotes = [&] {
+    for (std::size_t i = 0; i < left.descriptor.dependencies.size(); ++i) {
+      if (left.noteOfDependency(i) != right.noteOfDependency(i)) return false;
+    }
+    return left.note == right.note;
+  };
+  return left.descriptor == right.descriptor && left.equivalent == right.equivalent &&
+         haveSameNotes();
 }
 
 /// Counts of rows that are new, gone, or other than before.
-template <class Row>
+template <class Row, class IsSame>
 void compareRows(const std::vector<Row>& former, const std::vector<Row>& present,
-                 std::uint64_t StoreCounts::*count, CatalogueChanges& changes) {
+                 std::uint64_t StoreCounts::*count, const IsSame& isSame,
+                 CatalogueChanges& changes) {
   std::unordered_map<std::u16string, const Row*> left;
   for (const Row& row : former) left.emplace(keyOf(row), &row);
   for (const Row& row : present) {
@@ -175,8 +141,12 @@ void updateCatalogue(const fs::path& catalogue, const Successor& succeed,
 
 CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present) {
   CatalogueChanges changes;
-  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, changes);
-  compareRows(former.hops, present.hops, &StoreCounts::hops, changes);
+  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, isSame, changes);
+  const auto isSameHop = [&](const pathfinder::Hop& left, const pathfinder::Hop& right) {
+    return left.expensive == right.expensive &&
+           former.hopNotes.of(left) == present.hopNotes.of(right);
+  };
+  compareRows(former.hops, present.hops, &StoreCounts::hops, isSameHop, changes);
   return changes;
 }
 

@@ -20,6 +20,7 @@ struct ForeignDependency {
   ForeignRange range;
   std::string text;  ///< the range as it is written, for messages
   SourcePlace place;
+  std::string note = {};  ///< here and below, for people to read; may be empty
 };
 
 struct ForeignVersion {
@@ -28,12 +29,14 @@ struct ForeignVersion {
   FullVersion order;  ///< what `text` reads as
   std::vector<ForeignDependency> dependencies = {};
   std::optional<std::string> equivalent = {};  ///< that the source itself states
+  std::string note = {};
 };
 
 struct ForeignHop {
   std::size_t from;  ///< indices of the package's versions
   std::size_t to;
   bool isExpensive;
+  std::string note = {};
 };
 
 /// All versions of one name. In the order in which they were added.
@@ -44,8 +47,9 @@ class ForeignPackage {
 
   std::optional<std::size_t> find(const std::string& text) const;
 
-  /// Of two hops between the same versions the cheaper one counts.
-  void addHop(std::size_t from, std::size_t to, bool isExpensive);
+  /// Of several hops between the same versions the first of the cheapest counts, and what is told
+  /// of each that is as cheap.
+  void addHop(std::size_t from, std::size_t to, bool isExpensive, const std::string& note = {});
 
   const std::vector<ForeignVersion>& versions() const noexcept { return versions_; }
   std::vector<ForeignVersion>& versions() noexcept { return versions_; }
@@ -65,6 +69,9 @@ class ForeignPackage {
   std::unordered_map<std::string, std::size_t> byText_;
   std::map<std::pair<std::size_t, std::size_t>, std::size_t> byEnds_;
 };
+
+/// Adds to a note, on a line of its own, what it does not say yet.
+void addNote(const std::string& more, std::string& note);
 
 /// In ascending order of names.
 using ForeignCatalogue = std::map<std::string, ForeignPackage>;

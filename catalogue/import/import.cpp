@@ -113,6 +113,7 @@ ImportReport importForeignCatalogue(const ImportOptions& options, const fs::path
   const auto succeed = [&](CatalogueContent former) {
     if (!options.keepsOthers) former = {{}, {}, std::nullopt};
     AssembledCatalogue assembled = assembleCatalogue(parts, std::move(former), log);
+    parts.clear();  // as large as what was made of them
     report.unordered = assembled.unordered;
     return std::move(assembled.content);
   };

@@ -53,8 +53,8 @@ struct ImportOptions {
 struct CatalogueChanges {
   StoreCounts added;
   StoreCounts removed;
-  StoreCounts
-      changed;  ///< versions with other dependencies or equivalent, hops with another weight
+  StoreCounts changed;  ///< versions with other dependencies or equivalent, hops with another
+                        ///< weight, and both with other notes
 };
 
 struct ImportReport {

@@ -74,9 +74,11 @@ class DocumentBuilder : public nlohmann::json_sax<json> {
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const json::exception& error) override {
-    // "[json.exception...] parse error at line 1, column 2: reason", counted from the document on
+    // "[json.exception...] parse error at line 1, column 2: reason", counted from the document on,
+    // or "[json.exception...] reason"
     const std::string message = error.what();
-    const std::size_t reason = message.find(": ");
+    std::size_t reason = message.find(": ");
+    if (reason == std::string::npos) reason = message.find("] ");
     file_.place().fail("not JSON: " +
                        (reason == std::string::npos ? message : message.substr(reason + 2)));
   }

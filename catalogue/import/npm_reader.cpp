@@ -128,7 +128,10 @@ class NpmReader {
       });
     }
     package.addVersion(text, manifest.place());
-    if (isDeprecated(manifest)) deprecated_[name].insert(index);
+    if (const auto reason = reasonOfDeprecation(manifest)) {
+      deprecated_[name].insert(index);
+      package.versions().back().note = *reason;
+    }
     std::move(peers.begin(), peers.end(), std::back_inserter(peers_));
   }
 
@@ -146,10 +149,14 @@ class NpmReader {
   }
 
   /// "deprecated" is the reason, or sometimes just true; an empty reason takes it back.
-  static bool isDeprecated(const SourceNode& manifest) {
-    bool result = false;
+  static std::optional<std::string> reasonOfDeprecation(const SourceNode& manifest) {
+    std::optional<std::string> result;
     manifest.withField("deprecated", [&](const SourceNode& reason) {
-      result = reason.isBoolean() ? reason.asBoolean() : !reason.asText().empty();
+      if (reason.isBoolean()) {
+        if (reason.asBoolean()) result = "deprecated";
+      } else if (!reason.asText().empty()) {
+        result = reason.asText();
+      }
     });
     return result;
   }

@@ -19,6 +19,7 @@ using ApiName = std::string;
 struct ApiRequirement {
   ApiName api;
   SourcePlace place;
+  std::string note = {};
 };
 
 struct Bundle {
@@ -44,8 +45,9 @@ struct OperatorPackage {
   std::vector<Bundle> bundles;  // of the versions of the same indices
   std::unordered_map<std::string, std::size_t> byName;
   std::vector<Channel> channels;
-  std::set<std::string> deprecatedBundles;
-  std::set<std::string> deprecatedChannels;
+  std::map<std::string, std::string> deprecatedBundles;  // with what is told of that
+  std::map<std::string, std::string> deprecatedChannels;
+  std::string note;  // on its own deprecation
 };
 
 class OperatorReader {
@@ -56,7 +58,10 @@ class OperatorReader {
     for (const auto& source : reading_.sources) {
       for (const auto& path : filesOf(source, {".json", ".yaml", ".yml"})) readFile(path);
     }
-    for (auto& [name, package] : packages_) addHops(package, catalogue_[name]);
+    for (auto& [name, package] : packages_) {
+      addHops(package, catalogue_[name]);
+      addNotes(package, catalogue_[name]);
+    }
     collectProviders();
     for (auto& [name, package] : packages_) addApiDependencies(name, package);
     return std::move(catalogue_);
@@ -125,7 +130,7 @@ class OperatorReader {
     } else if (type == "olm.gvk.required") {
       bundle.required.push_back({readApi(property.field("value")), property.place()});
     } else if (type == "olm.constraint") {
-      readConstraint(property.field("value"), bundle, dependencies);
+      readConstraint(property.field("value"), "", bundle, dependencies);
     }
   }
 
@@ -142,17 +147,19 @@ class OperatorReader {
   }
 
   /// A constraint of one package or API, or of several that must all hold.
-  void readConstraint(const SourceNode& value, Bundle& bundle,
+  void readConstraint(const SourceNode& value, std::string note, Bundle& bundle,
                       std::vector<ForeignDependency>& dependencies) {
+    addNote(value.optionalText("failureMessage"), note);
     for (const auto& [kind, content] : value.entries()) {
       if (kind == "failureMessage") continue;
       if (kind == "package") {
         dependencies.push_back(readRequiredPackage(content));
+        dependencies.back().note = note;
       } else if (kind == "gvk") {
-        bundle.required.push_back({readApi(content), content.place()});
+        bundle.required.push_back({readApi(content), content.place(), note});
       } else if (kind == "all") {
         for (const SourceNode& each : content.field("constraints").elements()) {
-          readConstraint(each, bundle, dependencies);
+          readConstraint(each, note, bundle, dependencies);
         }
       } else {
         content.fail("constraints of the kind \"" + kind + "\" cannot be held by a catalogue");
@@ -189,11 +196,14 @@ class OperatorReader {
       reading_.log.attempt([&] {
         const SourceNode reference = entry.field("reference");
         const std::string schema = reference.textField("schema");
+        const std::string message = entry.optionalText("message");
         if (schema == "olm.bundle") {
-          package.deprecatedBundles.insert(reference.textField("name"));
+          package.deprecatedBundles.emplace(reference.textField("name"), message);
         } else if (schema == "olm.channel") {
-          package.deprecatedChannels.insert(reference.textField("name"));
-        } else if (schema != "olm.package") {
+          package.deprecatedChannels.emplace(reference.textField("name"), message);
+        } else if (schema == "olm.package") {
+          package.note = message;
+        } else {
           reference.fail("nothing of the schema " + schema + " can be deprecated");
         }
       });
@@ -204,7 +214,6 @@ class OperatorReader {
   /// deprecated channel are expensive, as those into a deprecated bundle are.
   void addHops(const OperatorPackage& package, ForeignPackage& versions) {
     for (const Channel& channel : package.channels) {
-      const bool isExpensive = package.deprecatedChannels.contains(channel.name);
       std::set<std::string> skipped;
       for (const ChannelEntry& entry : channel.entries) {
         skipped.insert(entry.skips.begin(), entry.skips.end());
@@ -214,20 +223,22 @@ class OperatorReader {
         if (to == package.byName.end()) {
           reading_.log.leaveOut(entry.place.error("there is no bundle " + entry.name));
         } else if (!skipped.contains(entry.name)) {
-          addHopsInto(to->second, entry, channel, package, versions, isExpensive);
+          addHopsInto(to->second, entry, channel, package, versions);
         }
       }
     }
   }
 
   static void addHopsInto(std::size_t to, const ChannelEntry& entry, const Channel& channel,
-                          const OperatorPackage& package, ForeignPackage& versions,
-                          bool isExpensive) {
-    isExpensive = isExpensive || package.deprecatedBundles.contains(entry.name);
+                          const OperatorPackage& package, ForeignPackage& versions) {
+    const auto deprecation = package.deprecatedChannels.find(channel.name);
+    const bool isOfDeprecated = deprecation != package.deprecatedChannels.end();
+    const bool isExpensive = isOfDeprecated || package.deprecatedBundles.contains(entry.name);
+    const std::string note = isOfDeprecated ? deprecation->second : "";
     const auto addFrom = [&](const std::string& name) {
       // What is replaced need not be in the catalogue any more.
       const auto from = package.byName.find(name);
-      if (from != package.byName.end()) versions.addHop(from->second, to, isExpensive);
+      if (from != package.byName.end()) versions.addHop(from->second, to, isExpensive, note);
     };
     addFrom(entry.replaces);
     for (const std::string& skipped : entry.skips) addFrom(skipped);
@@ -237,6 +248,17 @@ class OperatorReader {
       if (from == package.byName.end()) continue;
       const ForeignVersion& version = versions.versions()[from->second];
       if (entry.skipRange->matches(version.text, version.order)) addFrom(other.name);
+    }
+  }
+
+  /// What is told of deprecated bundles and packages, of their versions.
+  static void addNotes(const OperatorPackage& package, ForeignPackage& versions) {
+    for (std::size_t i = 0; i < package.bundles.size(); ++i) {
+      const auto deprecation = package.deprecatedBundles.find(package.bundles[i].name);
+      const bool isDeprecated = deprecation != package.deprecatedBundles.end();
+      std::string& note = versions.versions()[i].note;
+      if (isDeprecated) addNote(deprecation->second, note);
+      addNote(package.note, note);
     }
   }
 
@@ -285,7 +307,7 @@ class OperatorReader {
                           "; a catalogue cannot hold a choice between names");
     }
     dependencies.push_back({provider->first, ForeignRange::versions(provider->second),
-                            "what provides " + required.api, required.place});
+                            "what provides " + required.api, required.place, required.note});
   }
 
   const Reading& reading_;

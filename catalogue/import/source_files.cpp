@@ -18,13 +18,18 @@ bool isHidden(const fs::path& path) {
   return path.filename().string().starts_with('.');
 }
 
+/// A link to a file that is missing, which whoever opens it tells.
+bool isDangling(const fs::directory_entry& entry) {
+  return entry.is_symlink() && !entry.exists();
+}
+
 std::vector<fs::path> filesBelow(const fs::path& folder, const std::vector<std::string>& endings) {
   std::vector<fs::path> files;
   fs::recursive_directory_iterator entry(folder);
   for (const fs::recursive_directory_iterator end; entry != end; ++entry) {
     if (isHidden(entry->path())) {
       if (entry->is_directory()) entry.disable_recursion_pending();
-    } else if (entry->is_regular_file() &&
+    } else if ((entry->is_regular_file() || isDangling(*entry)) &&
                std::find(endings.begin(), endings.end(), entry->path().extension().string()) !=
                    endings.end()) {
       files.push_back(entry->path());

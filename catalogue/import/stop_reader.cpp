@@ -19,6 +19,7 @@ struct RequiredStop {
   SemVer first;
   SemVer end;
   bool isConditional;
+  std::string note;
 
   bool liesBetween(const FullVersion& from, const FullVersion& to) const {
     return from.core < first && !(to.core < end);
@@ -45,6 +46,7 @@ class StopReader {
                        [&](const SourceNode& versions) { readVersions(versions, package); });
     }
     addStops(package);
+    addStopNotes(package);
     addStopHops(package);
   }
 
@@ -69,6 +71,7 @@ class StopReader {
   void readStop(const SourceNode& stop) {
     std::string text;
     bool isConditional = false;
+    std::string note;
     if (!stop.isObject()) {
       text = stop.asText();
     } else {
@@ -81,6 +84,8 @@ class StopReader {
         });
       }
       stop.withField("conditional", [&](const SourceNode& is) { isConditional = is.asBoolean(); });
+      addNote(stop.optionalText("note"), note);
+      addNote(stop.optionalText("comments"), note);
     }
     const FullVersion version = parseFullVersion(text);
     const auto numbers = std::count(text.begin(), text.end(), '.') + 1;
@@ -88,7 +93,8 @@ class StopReader {
       stop.fail("\"" + text + "\" is no stop: it must be a minor version or a release");
     }
     const SemVer last{version.core.major, version.core.minor, widestRange().upper.patch};
-    stops_.push_back({version.core, nextPatch(last).value_or(last), isConditional});
+    stops_.push_back(
+        {version.core, nextPatch(last).value_or(last), isConditional, std::move(note)});
     places_.emplace_back(text, stop.place());
   }
 
@@ -105,6 +111,25 @@ class StopReader {
     }
   }
 
+  /// What is told of the stops that a hop passes by.
+  std::string notesBetween(const ForeignVersion& from, const ForeignVersion& to) const {
+    std::string note;
+    for (const RequiredStop& stop : stops_) {
+      if (stop.liesBetween(from.order, to.order)) addNote(stop.note, note);
+    }
+    return note;
+  }
+
+  /// What is told of stops is told of their versions, too.
+  void addStopNotes(ForeignPackage& package) const {
+    for (ForeignVersion& version : package.versions()) {
+      for (const RequiredStop& stop : stops_) {
+        const bool isOfStop = !(version.order.core < stop.first) && version.order.core < stop.end;
+        if (isOfStop && !stop.isConditional) addNote(stop.note, version.note);
+      }
+    }
+  }
+
   void addStopHops(ForeignPackage& package) const {
     const std::vector<ForeignVersion>& versions = package.versions();
     const HopOffer offer(versions, reading_.options.offeredHops);
@@ -117,7 +142,7 @@ class StopReader {
       };
       const auto isAllowed = [&](std::size_t to) { return !crosses(to, false); };
       for (const std::size_t to : offer.from(from, isAllowed)) {
-        package.addHop(from, to, crosses(to, true));
+        package.addHop(from, to, crosses(to, true), notesBetween(versions[from], versions[to]));
       }
       addHopsToStops(from, offer, package, isAllowed, crosses);
     }
@@ -133,7 +158,8 @@ class StopReader {
         return !(core < stop.first) && core < stop.end && isAllowed(to);
       };
       for (const std::size_t to : offer.from(from, isOfStop)) {
-        package.addHop(from, to, crosses(to, true));
+        package.addHop(from, to, crosses(to, true),
+                       notesBetween(package.versions()[from], package.versions()[to]));
       }
     }
   }

@@ -1,5 +1,5 @@
 // Tables: one of versions has the columns name, version, and perhaps needs, as often as it likes,
-// and equivalent; one of hops has name, from, to and perhaps expensive.
+// and equivalent; one of hops has name, from, to and perhaps expensive. Both may have a note.
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -8,6 +8,7 @@
 
 #include "catalogue/import/readers.hpp"
 #include "catalogue/import/table_rows.hpp"
+#include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -33,6 +34,7 @@ class TableReader {
     std::string from;
     std::string to;
     bool isExpensive;
+    std::string note;
     SourcePlace place;
   };
 
@@ -58,8 +60,8 @@ class TableReader {
           "and \"to\"");
     }
     const std::set<std::string> known =
-        isOfVersions ? std::set<std::string>{"name", "version", needsColumn, "equivalent"}
-                     : std::set<std::string>{"name", "from", "to", "expensive"};
+        isOfVersions ? std::set<std::string>{"name", "version", needsColumn, "equivalent", "note"}
+                     : std::set<std::string>{"name", "from", "to", "expensive", "note"};
     for (const std::string& column : head.columns()) {
       if (known.contains(column)) continue;
       reading_.log.leaveOut(
@@ -78,8 +80,18 @@ class TableReader {
       hops_.push_back({head.neededCell(row, "name", file), head.neededCell(row, "from", file),
                        head.neededCell(row, "to", file),
                        truthOf(head.cell(row, "expensive"), file.place(row.line)),
-                       file.place(row.line)});
+                       noteOf(row, head, file), file.place(row.line)});
     }
+  }
+
+  static std::string noteOf(const TableRow& row, const TableHead& head, const SourceFile& file) {
+    std::string note = head.cell(row, "note");
+    try {
+      toUtf16(note);
+    } catch (const std::invalid_argument&) {
+      file.place(row.line).fail("the note is not UTF-8");
+    }
+    return note;
   }
 
   static bool truthOf(const std::string& cell, const SourcePlace& place) {
@@ -97,10 +109,12 @@ class TableReader {
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
       if (head.columns()[i] == needsColumn) readNeeds(row.cells[i], place, dependencies);
     }
+    const std::string note = noteOf(row, head, file);
     ForeignPackage& package = catalogue_[name];
     package.keepsOrder = true;
     ForeignVersion& version = package.addVersion(head.neededCell(row, "version", file), place);
     version.dependencies = std::move(dependencies);
+    version.note = note;
     const std::string equivalent = head.cell(row, "equivalent");
     if (!equivalent.empty()) version.equivalent = equivalent;
   }
@@ -155,7 +169,7 @@ class TableReader {
       return package.versions().size() - 1;
     };
     const std::size_t from = versionOf(hop.from);
-    package.addHop(from, versionOf(hop.to), hop.isExpensive);
+    package.addHop(from, versionOf(hop.to), hop.isExpensive, hop.note);
   }
 
   const Reading& reading_;

@@ -54,8 +54,10 @@ std::vector<std::u16string> CatalogueRepository::listNames() {
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<CatalogueMetamodel> result;
-  for (const auto& [descriptor, equivalent] : catalogue_.metamodels()) {
-    if (descriptor.name == name) result.push_back({scale.shown(descriptor), equivalent});
+  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
+    if (metamodel.descriptor.name != name) continue;
+    result.push_back(metamodel);
+    result.back().descriptor = scale.shown(std::move(result.back().descriptor));
   }
   return result;
 }
@@ -67,6 +69,16 @@ std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string&
     if (hop.name == name) result.push_back(scale.shown(hop));
   }
   return result;
+}
+
+std::u16string CatalogueRepository::findVersionNote(const std::u16string& name,
+                                                    const pathfinder::VersionId& version) {
+  const CatalogueMetamodel* const found = find(name, catalogue_.index().scale(name).meant(version));
+  return found == nullptr ? std::u16string() : found->note;
+}
+
+std::u16string CatalogueRepository::findHopNote(const pathfinder::Hop& hop) {
+  return catalogue_.hopNotes().of(catalogue_.index().scale(hop.name).meant(hop));
 }
 
 std::optional<Question> CatalogueRepository::getQuestion() {

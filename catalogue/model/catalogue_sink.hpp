@@ -13,7 +13,7 @@ class CatalogueSink {
   virtual ~CatalogueSink() = default;
 
   virtual void addMetamodel(const CatalogueMetamodel& metamodel) = 0;
-  virtual void addHop(const pathfinder::Hop& hop) = 0;
+  virtual void addHop(const pathfinder::Hop& hop, const std::u16string& note) = 0;
   virtual void setQuestion(const Question& question) = 0;
 };
 

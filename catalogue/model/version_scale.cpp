@@ -59,6 +59,12 @@ pathfinder::Hop VersionScale::shown(pathfinder::Hop hop) const {
   return hop;
 }
 
+pathfinder::Hop VersionScale::meant(pathfinder::Hop hop) const {
+  hop.from = meant(hop.from);
+  hop.to = meant(hop.to);
+  return hop;
+}
+
 VersionRange VersionScale::meant(const VersionRange& range) const {
   if (!isOwn() || range.isSemVerRange()) return range;
   const auto single = findSingleVersion(range);

@@ -92,7 +92,8 @@ class GraphBuilder {
         const VersionKey key = keyOf(metamodel.descriptor.version);
         if (!shown.versions.contains(key)) continue;
         shown.nodes.emplace(key, graph_.groups.back().nodes.size());
-        graph_.groups.back().nodes.push_back({key.second, false});
+        graph_.groups.back().nodes.push_back(
+            {key.second, false, fl::i18n::ustring_to_utf8(metamodel.note)});
         shown.metamodels.push_back(std::move(metamodel));
       }
     }
@@ -112,7 +113,8 @@ class GraphBuilder {
         const auto to = findEnd(shown, hop.to);
         if (!from || !to) continue;
         count();
-        graph_.hops.push_back({*from, *to, hop.expensive});
+        graph_.hops.push_back(
+            {*from, *to, hop.expensive, fl::i18n::ustring_to_utf8(repository_.findHopNote(hop))});
       }
     }
   }
@@ -121,11 +123,13 @@ class GraphBuilder {
     for (const auto& [name, shown] : shown_) {
       for (const CatalogueMetamodel& metamodel : shown.metamodels) {
         const auto from = findEnd(shown, metamodel.descriptor.version);
-        for (const Dependency& dependency : metamodel.descriptor.dependencies) {
-          const auto needed = shown_.find(dependency.name);
+        const auto& dependencies = metamodel.descriptor.dependencies;
+        for (std::size_t i = 0; i < dependencies.size(); ++i) {
+          const auto needed = shown_.find(dependencies[i].name);
           if (needed == shown_.end()) continue;
           count();
-          graph_.dependencies.push_back({*from, endOf(dependency, needed->second)});
+          graph_.dependencies.push_back({*from, endOf(dependencies[i], needed->second),
+                                         fl::i18n::ustring_to_utf8(metamodel.noteOfDependency(i))});
         }
       }
     }
@@ -141,7 +145,7 @@ class GraphBuilder {
     const auto [range, isNew] = needed.ranges.emplace(rangeText(dependency.range), nodes.size());
     if (isNew) {
       count();
-      nodes.push_back({range->first + ": " + countedText(satisfying.size(), "version"), true});
+      nodes.push_back({range->first + ": " + countedText(satisfying.size(), "version"), true, {}});
     }
     return {needed.group, range->second};
   }

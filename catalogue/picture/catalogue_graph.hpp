@@ -18,6 +18,7 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueGraph {
   struct Node {
     std::string label;
     bool isRange;
+    std::string note = {};  ///< what is told of the version
   };
 
   /// A metamodel. Its versions come first, in the catalogue's order, then its ranges.
@@ -35,12 +36,14 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueGraph {
     End from;
     End to;
     bool isExpensive;
+    std::string note = {};  ///< what is told of the hop
   };
 
   /// From a version to what it needs: the one version that satisfies it, or a range.
   struct DependencyEdge {
     End from;
     End to;
+    std::string note = {};  ///< what is told of the dependency
   };
 
   std::vector<Group> groups;  ///< by ascending name

@@ -30,7 +30,8 @@ std::vector<CatalogueMetamodel> listInOrder(BrowsableRepository& repository,
 /// The hops of a metamodel by version, so that a long history is gone through once.
 class HopsByVersion {
  public:
-  HopsByVersion(BrowsableRepository& repository, const std::u16string& name) {
+  HopsByVersion(BrowsableRepository& repository, const std::u16string& name)
+      : repository_(repository) {
     for (const Hop& hop : repository.listHops(name)) {
       in_[hop.to].push_back(hop);
       out_[hop.from].push_back(hop);
@@ -38,8 +39,15 @@ class HopsByVersion {
   }
 
   VersionDetails detail(const CatalogueMetamodel& metamodel) const {
-    return {metamodel, lookUp(in_, metamodel.descriptor.version),
-            lookUp(out_, metamodel.descriptor.version), std::nullopt};
+    VersionDetails details{metamodel,
+                           lookUp(in_, metamodel.descriptor.version),
+                           lookUp(out_, metamodel.descriptor.version),
+                           {},
+                           std::nullopt};
+    for (const auto* hops : {&details.hopsIn, &details.hopsOut}) {
+      for (const Hop& hop : *hops) details.hopNotes.add(hop, repository_.findHopNote(hop));
+    }
+    return details;
   }
 
  private:
@@ -55,6 +63,7 @@ class HopsByVersion {
     return found == hops.end() ? std::vector<Hop>() : found->second;
   }
 
+  BrowsableRepository& repository_;
   Hops in_;
   Hops out_;
 };

@@ -18,6 +18,7 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT VersionDetails {
   CatalogueMetamodel metamodel;
   std::vector<pathfinder::Hop> hopsIn;   ///< in the catalogue's order
   std::vector<pathfinder::Hop> hopsOut;  ///< in the catalogue's order
+  HopNotes hopNotes;                     ///< of both
 
   /// Its linked metamodels, one for each consistent choice of what it needs; none when it cannot be
   /// linked, no value when that was not asked for.
@@ -65,10 +66,10 @@ TARN_EVOLUTION_CATALOGUE_EXPORT void writeSummaryJson(const std::vector<Metamode
 TARN_EVOLUTION_CATALOGUE_EXPORT void writeDetailsText(const std::vector<MetamodelDetails>& details,
                                                       Colouring colouring, std::ostream& out);
 
-/// {"metamodels": [{"name", "versions": [{"version", "semver", "dependencies": [{"name", "range"}],
-/// "hopsIn": [{"from", "expensive"}], "hopsOut": [{"to", "expensive"}], "variants": [{name:
-/// version}]}]}]}; "semver" and "variants" only where there is something to say, a variant being
-/// what the version is linked with.
+/// {"metamodels": [{"name", "versions": [{"version", "semver", "note", "dependencies": [{"name",
+/// "range", "note"}], "hopsIn": [{"from", "expensive", "note"}], "hopsOut": [{"to", "expensive",
+/// "note"}], "variants": [{name: version}]}]}]}; "semver", "note" and "variants" only where there
+/// is something to say, a variant being what the version is linked with.
 TARN_EVOLUTION_CATALOGUE_EXPORT void writeDetailsJson(const std::vector<MetamodelDetails>& details,
                                                       std::ostream& out);
 

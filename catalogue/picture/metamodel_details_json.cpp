@@ -16,12 +16,13 @@ using fl::i18n::ustring_to_utf8;
 
 /// Writes the ends of hops that are not the version itself, as the field `end` of each.
 void writeHops(JsonPrinter& printer, const std::string& field, const std::vector<Hop>& hops,
-               const char* end, pathfinder::VersionId Hop::*version) {
+               const HopNotes& notes, const char* end, pathfinder::VersionId Hop::*version) {
   printer.arrayField(field, [&] {
     for (const Hop& hop : hops) {
       printer.object([&] {
         printer.field(end, textOf(hop.*version));
         printer.field("expensive", hop.expensive);
+        writeNote(printer, notes.of(hop));
       });
     }
   });
@@ -33,10 +34,11 @@ void writeVersion(JsonPrinter& printer, const VersionDetails& version) {
     printer.field("version", textOf(descriptor.version));
     if (version.metamodel.equivalent)
       printer.field("semver", textOf(*version.metamodel.equivalent));
+    writeNote(printer, version.metamodel.note);
     printer.key("dependencies");
-    writeDependencies(printer, descriptor.dependencies);
-    writeHops(printer, "hopsIn", version.hopsIn, "from", &Hop::from);
-    writeHops(printer, "hopsOut", version.hopsOut, "to", &Hop::to);
+    writeDependencies(printer, descriptor.dependencies, version.metamodel.dependencyNotes);
+    writeHops(printer, "hopsIn", version.hopsIn, version.hopNotes, "from", &Hop::from);
+    writeHops(printer, "hopsOut", version.hopsOut, version.hopNotes, "to", &Hop::to);
     if (!version.variants) return;
     printer.arrayField("variants", [&] {
       for (const auto& variant : *version.variants)

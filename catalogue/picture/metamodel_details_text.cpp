@@ -5,12 +5,12 @@
 
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
+#include "catalogue/text/note_lines.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 #include "catalogue/text/visible.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::Dependency;
 using pathfinder::Hop;
 
 namespace {
@@ -25,6 +25,12 @@ class LabelledList {
     label_ = "";
   }
 
+  void addNote(const std::u16string& note) {
+    for (const std::string& line : linesOf(fl::i18n::ustring_to_utf8(note))) {
+      add("  " + toVisible(line));
+    }
+  }
+
  private:
   const char* label_;
   std::ostream& out_;
@@ -34,10 +40,12 @@ void writeHops(const VersionDetails& version, std::ostream& out) {
   LabelledList from("from", out);
   for (const Hop& hop : version.hopsIn) {
     from.add(visible(hop.from) + (hop.expensive ? "  expensive" : ""));
+    from.addNote(version.hopNotes.of(hop));
   }
   LabelledList to("to", out);
   for (const Hop& hop : version.hopsOut) {
     to.add(visible(hop.to) + (hop.expensive ? "  expensive" : ""));
+    to.addNote(version.hopNotes.of(hop));
   }
 }
 
@@ -55,9 +63,14 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
   out << "  " << visible(version.metamodel.descriptor.version);
   if (version.metamodel.equivalent) out << " = " << *version.metamodel.equivalent;
   out << "\n";
+  for (const std::string& line : linesOf(fl::i18n::ustring_to_utf8(version.metamodel.note))) {
+    out << "    " << toVisible(line) << "\n";
+  }
   LabelledList needs("needs", out);
-  for (const Dependency& dependency : version.metamodel.descriptor.dependencies) {
-    needs.add(visible(dependency.name) + " " + visible(dependency.range));
+  const auto& dependencies = version.metamodel.descriptor.dependencies;
+  for (std::size_t i = 0; i < dependencies.size(); ++i) {
+    needs.add(visible(dependencies[i].name) + " " + visible(dependencies[i].range));
+    needs.addNote(version.metamodel.noteOfDependency(i));
   }
   writeHops(version, out);
   writeVariants(version, out);

@@ -25,17 +25,22 @@ const char* attributesOf(PathGraph::NodeKind kind) {
 void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::ostream& out) {
   out << "  subgraph cluster_" << column << " {\n    label=" << quoteDot(cluster.label)
       << ";\n    style=\"rounded,filled\";\n    color=\"#9bb8cc\";\n    fillcolor=\"#eef4f9\";\n";
-  for (const auto& [id, label, kind] : cluster.nodes) {
-    out << "    " << id << " [label=" << quoteDot(label) << attributesOf(kind) << "];\n";
+  for (const auto& [id, label, kind, tooltip] : cluster.nodes) {
+    out << "    " << id << " [label=" << quoteDot(label) << attributesOf(kind);
+    if (!tooltip.empty()) out << ", tooltip=" << quoteDot(tooltip);
+    out << "];\n";
   }
   out << "  }\n";
   if (cluster.order) {
     out << "  " << cluster.order->first << " -> " << cluster.order->second << " [style=invis];\n";
   }
-  for (const auto& [from, to, isExpensive] : cluster.edges) {
+  for (const auto& [from, to, isExpensive, label] : cluster.edges) {
     out << "  " << from << " -> " << to;
     if (isExpensive) {
-      out << R"( [color="#b34700:white:#b34700", fontcolor="#b34700", label="expensive"])";
+      out << R"( [color="#b34700:white:#b34700", fontcolor="#b34700", label=)" << quoteDot(label)
+          << "]";
+    } else if (!label.empty()) {
+      out << " [label=" << quoteDot(label) << "]";
     }
     out << ";\n";
   }

@@ -1,5 +1,7 @@
 #include "catalogue/picture/path_graph.hpp"
 
+#include "catalogue/picture/hop_label.hpp"
+
 namespace tarn::evolution::catalogue {
 
 namespace {
@@ -22,7 +24,7 @@ PathGraph::Cluster startOf(const PathPicture& picture) {
     const auto& [name, start, isMoved] = picture.lanes[i];
     if (start.empty()) continue;
     cluster.nodes.push_back(
-        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::Ordinary : NodeKind::Unmoved});
+        {nodeId(i, 0), labelOf(name, start), isMoved ? NodeKind::Ordinary : NodeKind::Unmoved, ""});
   }
   return cluster;
 }
@@ -43,12 +45,16 @@ PathGraph::PathGraph(const PathPicture& picture) {
     for (const PathPicture::Move& move : step.moves) {
       const bool enters = move.kind == MoveKind::Entering;
       const std::string id = nodeId(move.lane, column);
-      cluster.nodes.push_back(
-          {id, labelOf(picture.lanes[move.lane].name, move.to) + (enters ? " (brought in)" : ""),
-           enters ? NodeKind::Entering : NodeKind::Ordinary});
+      std::string label = labelOf(picture.lanes[move.lane].name, move.to);
+      if (enters) {
+        label += " (brought in" + (move.notes.empty() ? "" : ": " + shortNote(move.notes)) + ")";
+      }
+      cluster.nodes.push_back({id, label, enters ? NodeKind::Entering : NodeKind::Ordinary,
+                               move.notes.empty() ? "" : describe(picture, move)});
       if (!enters) {
-        cluster.edges.push_back(
-            {nodeId(move.lane, columnOf[move.lane]), id, move.kind == MoveKind::Expensive});
+        const bool isExpensive = move.kind == MoveKind::Expensive;
+        cluster.edges.push_back({nodeId(move.lane, columnOf[move.lane]), id, isExpensive,
+                                 hopLabel(isExpensive, move.notes)});
       }
       columnOf[move.lane] = column;
     }

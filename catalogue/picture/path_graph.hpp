@@ -23,6 +23,7 @@ struct PathGraph {
     std::string id;
     std::string label;
     NodeKind kind;
+    std::string tooltip;  ///< the move that leads there, if it has notes
   };
 
   /// A move, from the node that the metamodel was at.
@@ -30,6 +31,7 @@ struct PathGraph {
     std::string from;
     std::string to;
     bool isExpensive;
+    std::string label;  ///< "expensive", or the beginning of the move's notes, or both, or nothing
   };
 
   struct Cluster {

@@ -7,6 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/path_page.hpp"
+#include "catalogue/text/note_lines.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 #include "catalogue/text/printed_text.hpp"
 
@@ -178,7 +179,18 @@ class PageWriter {
     out_ << "<bdi>" << escapeXml(move.to) << "</bdi></span>";
     if (move.kind == MoveKind::Expensive) out_ << " <span class=\"note\">expensive</span>";
     if (move.kind == MoveKind::Entering) out_ << " <span class=\"note link\">brought in</span>";
+    for (const std::string& note : move.notes) writeNote(note);
     out_ << "</li>\n";
+  }
+
+  void writeNote(const std::string& note) const {
+    out_ << "<p dir=\"auto\">";
+    const char* separator = "";
+    for (const std::string& line : linesOf(note)) {
+      out_ << separator << escapeXml(line);
+      separator = "<br>";
+    }
+    out_ << "</p>";
   }
 
   static constexpr std::size_t stepsOnPaper = 8;

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <string>
 
+#include "catalogue/picture/hop_label.hpp"
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
 #include "catalogue/text/plain_numbers.hpp"
@@ -27,15 +28,16 @@ const char* classOf(PathGraph::NodeKind kind) {
 void writeCluster(std::size_t column, const PathGraph::Cluster& cluster, std::ostream& out) {
   out << "  subgraph step" << column << "[" << quoteMermaid(cluster.label)
       << "]\n    direction TB\n";
-  for (const auto& [id, label, kind] : cluster.nodes) {
+  for (const auto& [id, label, kind, tooltip] : cluster.nodes) {
     out << "    " << id << "[" << quoteMermaid(label) << "]" << classOf(kind) << "\n";
   }
   out << "  end\n";
   if (cluster.order) {
     out << "  " << cluster.order->first << " ~~~ " << cluster.order->second << "\n";
   }
-  for (const auto& [from, to, isExpensive] : cluster.edges) {
-    out << "  " << from << (isExpensive ? " ==>|expensive| " : " --> ") << to << "\n";
+  for (const auto& [from, to, isExpensive, label] : cluster.edges) {
+    out << "  " << from << (isExpensive ? " ==>" : " -->") << mermaidLabel(label) << " " << to
+        << "\n";
   }
 }
 

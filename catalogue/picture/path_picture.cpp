@@ -4,8 +4,10 @@
 #include <map>
 
 #include "catalogue/picture/step_ties.hpp"
+#include "catalogue/text/note_lines.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
+#include "catalogue/version_text.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -133,6 +135,24 @@ void addTies(pathfinder::VersionRepository& repository, const std::vector<Baseli
   }
 }
 
+void addNotes(BrowsableRepository& repository, PathPicture& picture) {
+  const auto add = [](const std::u16string& note, PathPicture::Move& move) {
+    std::string text = fl::i18n::ustring_to_utf8(note);
+    const bool isThere = std::find(move.notes.begin(), move.notes.end(), text) != move.notes.end();
+    if (!text.empty() && !isThere) move.notes.push_back(std::move(text));
+  };
+  for (PathPicture::Step& step : picture.steps) {
+    for (PathPicture::Move& move : step.moves) {
+      const std::u16string name = toUtf16(picture.lanes[move.lane].name);
+      const pathfinder::VersionId to = parseVersion(move.to);
+      if (move.kind != PathPicture::MoveKind::Entering) {
+        add(repository.findHopNote({name, parseVersion(move.from), to, false}), move);
+      }
+      add(repository.findVersionNote(name, to), move);
+    }
+  }
+}
+
 std::vector<std::vector<PathCell>> layOutCells(const PathPicture& picture) {
   std::vector<std::vector<PathCell>> cells(picture.lanes.size(),
                                            std::vector<PathCell>(picture.steps.size() + 1));
@@ -171,11 +191,19 @@ std::string summarise(const PathPicture& picture) {
 
 std::string describe(const PathPicture& picture, const PathPicture::Move& move) {
   const std::string& name = picture.lanes[move.lane].name;
+  std::string text;
   if (move.kind == PathPicture::MoveKind::Entering) {
-    return name + " enters at " + move.to + ", brought in by a link";
+    text = name + " enters at " + move.to + ", brought in by a link";
+  } else {
+    text = name + " from " + move.from + " to " + move.to +
+           (move.kind == PathPicture::MoveKind::Expensive ? ", expensive" : "");
   }
-  return name + " from " + move.from + " to " + move.to +
-         (move.kind == PathPicture::MoveKind::Expensive ? ", expensive" : "");
+  const char* separator = ": ";
+  for (const std::string& note : move.notes) {
+    text.append(separator).append(inOneLine(note));
+    separator = "; ";
+  }
+  return text;
 }
 
 }  // namespace tarn::evolution::catalogue

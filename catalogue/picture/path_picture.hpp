@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/browsable_repository.hpp"
 #include "catalogue/catalogue.hpp"
 #include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
@@ -32,6 +33,9 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
     std::string from;  ///< empty for one that enters
     std::string to;
     MoveKind kind;
+
+    /// What the catalogue tells of the hop and of the version it leads to (see `addNotes`).
+    std::vector<std::string> notes = {};
   };
 
   /// Why one lane cannot take its part in a step without another one's (see `StepTie`).
@@ -92,6 +96,9 @@ TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture drawSelection(const Selection& selec
 TARN_EVOLUTION_CATALOGUE_EXPORT void addTies(pathfinder::VersionRepository& repository,
                                              const std::vector<pathfinder::BaselineHop>& path,
                                              PathPicture& picture);
+/// Adds to each move what the repository tells of its hop, and of its new version.
+TARN_EVOLUTION_CATALOGUE_EXPORT void addNotes(BrowsableRepository& repository,
+                                              PathPicture& picture);
 
 /// One place of the picture: a lane at a step, or at the start.
 struct TARN_EVOLUTION_CATALOGUE_EXPORT PathCell {
@@ -130,7 +137,8 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::string weightText(std::uint64_t weight);
 /// "9 steps, weight 27".
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string summarise(const PathPicture& picture);
 
-/// "kuadrant-operator from 0.4.0 to 0.4.1, expensive": a move in words.
+/// "kuadrant-operator from 0.4.0 to 0.4.1, expensive: loses its settings": a move in words, with
+/// its notes.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string describe(const PathPicture& picture,
                                                      const PathPicture::Move& move);
 

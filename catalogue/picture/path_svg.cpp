@@ -7,6 +7,7 @@
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/move_marks.hpp"
 #include "catalogue/picture/swim_lanes.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -97,18 +98,32 @@ class SvgWriter {
       }
     }
     writeKey();
+    writeNotes();
     out_ << "</svg>\n";
   }
 
  private:
   static constexpr int keyHeight = 48;
+  static constexpr int noteHeight = 20;
   static constexpr int narrowest = 740;  // the key needs as much
 
+  int width() const { return std::max(lanes_.lanesRight() + SwimLanes::margin, narrowest); }
+
+  /// Calls `use` with each move that has notes and the step that it is in, counted from 1.
+  template <class Use>
+  void forNoted(const Use& use) const {
+    for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
+      for (const PathPicture::Move& move : picture_.steps[i].moves) {
+        if (!move.notes.empty()) use(i + 1, move);
+      }
+    }
+  }
+
   void open() const {
-    const int width = std::max(lanes_.lanesRight() + SwimLanes::margin, narrowest);
-    const int height = lanes_.lanesBottom() + keyHeight + SwimLanes::margin;
-    out_ << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << width << "\" height=\""
-         << height << "\" viewBox=\"0 0 " << width << " " << height
+    int height = lanes_.lanesBottom() + keyHeight + SwimLanes::margin;
+    forNoted([&](std::size_t, const PathPicture::Move&) { height += noteHeight; });
+    out_ << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << width() << "\" height=\""
+         << height << "\" viewBox=\"0 0 " << width() << " " << height
          << "\" role=\"img\" aria-labelledby=\"title desc\">\n<title id=\"title\">Evolution path: "
          << summarise(picture_) << "</title>\n<desc id=\"desc\">";
     for (std::size_t i = 0; i < picture_.steps.size(); ++i) {
@@ -125,7 +140,7 @@ class SvgWriter {
     }
     out_ << "</desc>\n";
     writeStyle(out_);
-    out_ << rectangle("paper", 0, 0, width, height);
+    out_ << rectangle("paper", 0, 0, width(), height);
     for (std::size_t lane = 0; lane < picture_.lanes.size(); lane += 2) {
       out_ << rectangle("stripe", SwimLanes::margin / 2, SwimLanes::top(lane),
                         lanes_.lanesRight() - SwimLanes::margin / 2, SwimLanes::laneHeight);
@@ -262,6 +277,18 @@ class SvgWriter {
     x += estimatePixels("must move together", SwimLanes::smallFontSize) + 36;
     out_ << line("loose", x + 4, y - 9, x + 4, y + 9)
          << text("key", x + 14, y + 4, "together as that weighs less");
+  }
+
+  /// What is told of moves, a line for each, cut where the picture ends.
+  void writeNotes() const {
+    int y = lanes_.lanesBottom() + keyHeight + 12;
+    const double most = (width() - 2.0 * SwimLanes::margin) / SwimLanes::smallFontSize;
+    forNoted([&](std::size_t step, const PathPicture::Move& move) {
+      const std::string told = "Step " + std::to_string(step) + ": " + describe(picture_, move);
+      out_ << "<g><title>" << escapeXml(told) << "</title>"
+           << text("key", SwimLanes::margin, y, shortenTo(most, toVisible(told))) << "</g>\n";
+      y += noteHeight;
+    });
   }
 
   static std::string attribute(const char* name, int value) {

@@ -25,6 +25,13 @@ void writeTieFields(JsonPrinter& printer, const PathPicture& picture,
   });
 }
 
+void writeNotes(JsonPrinter& printer, const PathPicture::Move& move) {
+  if (move.notes.empty()) return;
+  printer.arrayField("notes", [&] {
+    for (const std::string& note : move.notes) printer.value(note);
+  });
+}
+
 }  // namespace
 
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
@@ -39,6 +46,7 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
         printer.field("from", move.from);
         printer.field("to", move.to);
         printer.field("expensive", move.kind == PathPicture::MoveKind::Expensive);
+        writeNotes(printer, move);
       });
     }
   });
@@ -48,6 +56,7 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
       printer.object([&] {
         printer.field("name", nameOf(move));
         printer.field("version", move.to);
+        writeNotes(printer, move);
       });
     }
   });

@@ -6,7 +6,8 @@
 namespace tarn::evolution::catalogue {
 
 /// Writes the fields of a step of a picture: "weight", "hops": [{"name", "from", "to",
-/// "expensive"}], "broughtIn": [{"name", "version"}].
+/// "expensive", "notes"}], "broughtIn": [{"name", "version", "notes"}]; "notes", a list of texts,
+/// only where there are any.
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step);
 

@@ -46,6 +46,7 @@ std::vector<StepListing::Group> groupSteps(BrowsableRepository& repository,
                  });
     if (ofDirection.empty()) continue;
     groups.push_back({direction, drawPath(repository, baseline, ofDirection)});
+    addNotes(repository, groups.back().picture);
   }
   return groups;
 }

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "catalogue/text/display_text.hpp"
+#include "catalogue/text/note_lines.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -77,6 +78,11 @@ void StepTextWriter::writeMove(const PathPicture::Move& move) const {
       break;
   }
   out_ << "\n";
+  for (const std::string& note : move.notes) {
+    for (const std::string& line : linesOf(note)) {
+      out_ << "  " << padTo(nameColumns_ + 2, "") << toVisible(line) << "\n";
+    }
+  }
 }
 
 std::string emphasise(const std::string& text, Colouring colouring) {

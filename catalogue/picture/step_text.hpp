@@ -18,7 +18,8 @@ enum class Colouring {
 };
 
 /// Writes steps of a picture for a terminal: a heading, then a line for each move, with names and
-/// versions of all steps in columns, then, where they are known, why the moves go together.
+/// versions of all steps in columns, and lines for its notes below; then, where they are known, why
+/// the moves go together.
 class TARN_EVOLUTION_CATALOGUE_EXPORT StepTextWriter {
  public:
   /// Keeps references.

@@ -19,6 +19,7 @@ struct DependencyRow {
   std::uint64_t order = 0;  ///< see Place
   std::optional<std::u16string> name = {};
   std::optional<pathfinder::VersionRange> range = {};
+  std::u16string note = {};
 };
 
 /// What could be read of one version of a metamodel.
@@ -29,6 +30,7 @@ struct MetamodelRow {
   std::optional<pathfinder::VersionId> version = {};
   std::optional<pathfinder::SemVer> equivalent = {};  ///< of text versions only; may be left out
   std::vector<DependencyRow> dependencies = {};
+  std::u16string note = {};
 };
 
 /// What could be read of a hop.
@@ -38,6 +40,7 @@ struct HopRow {
   std::optional<std::u16string> name = {};
   std::optional<pathfinder::VersionId> from = {};
   std::optional<pathfinder::VersionId> to = {};
+  std::u16string note = {};
 };
 
 /// One version that the catalogue's question selects, both parts of which could be read.

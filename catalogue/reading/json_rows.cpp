@@ -10,6 +10,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/text/messages.hpp"
+#include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -40,14 +41,16 @@ class RowReader {
   explicit RowReader(JsonFaults& faults) : faults_(faults) {}
 
   std::optional<MetamodelRow> readMetamodel(const JsonSpot& spot) {
-    if (!expectObject(spot, {"name", "version", "dependencies", "semver"})) return std::nullopt;
+    if (!expectObject(spot, {"name", "version", "dependencies", "semver", "note"}))
+      return std::nullopt;
     auto dependencies = requiredField(
         spot, "dependencies", [&](const JsonSpot& field) { return readDependencies(field); });
     MetamodelRow row{.number = spot.index,
                      .order = spot.value.order,
                      .name = nameField(spot),
                      .version = versionField(spot, "version"),
-                     .dependencies = std::move(dependencies)};
+                     .dependencies = std::move(dependencies),
+                     .note = noteField(spot)};
     if (const JsonValue* field = findField(spot, "semver")) {
       row.equivalent = readEquivalent({*field, &spot}, row);
     }
@@ -55,12 +58,13 @@ class RowReader {
   }
 
   std::optional<HopRow> readHop(const JsonSpot& spot, bool& isExpensive) {
-    if (!expectObject(spot, {"name", "from", "to", "expensive"})) return std::nullopt;
+    if (!expectObject(spot, {"name", "from", "to", "expensive", "note"})) return std::nullopt;
     HopRow row{.number = spot.index,
                .order = spot.value.order,
                .name = nameField(spot),
                .from = versionField(spot, "from"),
-               .to = versionField(spot, "to")};
+               .to = versionField(spot, "to"),
+               .note = noteField(spot)};
     isExpensive = requiredField(spot, "expensive", [&](const JsonSpot& field) {
       return expect(field, Kind::Boolean, "true or false") && field.value.isTrue;
     });
@@ -150,6 +154,13 @@ class RowReader {
     return textField(JsonFault::BadVersion, object, name, parseVersion);
   }
 
+  /// Empty when there is none.
+  std::u16string noteField(const JsonSpot& object) {
+    const JsonValue* field = findField(object, "note");
+    if (field == nullptr || !expect({*field, &object}, Kind::Text, "a text")) return {};
+    return toUtf16(field->text);
+  }
+
   std::optional<pathfinder::SemVer> readEquivalent(const JsonSpot& spot, const MetamodelRow& row) {
     if (row.version && row.version->isSemVer()) {
       faults_.add(JsonFault::BadEquivalent, spot, equivalentOfSemVer);
@@ -165,12 +176,13 @@ class RowReader {
     for (const JsonValue& element : list.value.children) {
       const auto number = static_cast<std::size_t>(&element - list.value.children.data());
       const JsonSpot spot{element, &list, number};
-      if (!expectObject(spot, {"name", "range"})) continue;
+      if (!expectObject(spot, {"name", "range", "note"})) continue;
       rows.push_back({.number = number,
                       .order = element.order,
                       .name = nameField(spot),
                       .range = requiredField(
-                          spot, "range", [&](const JsonSpot& field) { return readRange(field); })});
+                          spot, "range", [&](const JsonSpot& field) { return readRange(field); }),
+                      .note = noteField(spot)});
     }
     return rows;
   }

@@ -23,15 +23,20 @@ class WholeRows : public JsonRowReceiver {
   void receiveMetamodel(MetamodelRow row) override {
     std::vector<pathfinder::Dependency> dependencies;
     dependencies.reserve(row.dependencies.size());
+    std::vector<std::u16string> notes;
     for (const DependencyRow& dependency : row.dependencies) {
+      if (!dependency.note.empty()) {
+        notes.resize(dependencies.size());
+        notes.push_back(dependency.note);
+      }
       dependencies.emplace_back(*dependency.name, *dependency.range);
     }
-    sink_.addMetamodel(
-        {pathfinder::Metamodel(*row.name, *row.version, dependencies), row.equivalent});
+    sink_.addMetamodel({pathfinder::Metamodel(*row.name, *row.version, dependencies),
+                        row.equivalent, std::move(row.note), std::move(notes)});
   }
 
   void receiveHop(HopRow row, bool isExpensive) override {
-    sink_.addHop({*row.name, *row.from, *row.to, isExpensive});
+    sink_.addHop({*row.name, *row.from, *row.to, isExpensive}, row.note);
   }
 
   void receiveQuestion(std::optional<SelectionDraft> from,

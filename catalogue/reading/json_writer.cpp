@@ -31,16 +31,17 @@ void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
   beginRow();
   JsonPrinter printer(out_, Layout::Line);
   printer.object([&] {
-    const auto& [descriptor, equivalent] = metamodel;
+    const auto& [descriptor, equivalent, note, dependencyNotes] = metamodel;
     printer.field("name", ustring_to_utf8(descriptor.name));
     printer.field("version", textOf(descriptor.version));
     if (equivalent) printer.field("semver", textOf(*equivalent));
     printer.key("dependencies");
-    writeDependencies(printer, descriptor.dependencies);
+    writeDependencies(printer, descriptor.dependencies, dependencyNotes);
+    writeNote(printer, note);
   });
 }
 
-void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop) {
+void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop, const std::u16string& note) {
   if (!isInHops_) endMetamodels();
   beginRow();
   JsonPrinter printer(out_, Layout::Line);
@@ -49,6 +50,7 @@ void JsonCatalogueWriter::addHop(const pathfinder::Hop& hop) {
     printer.field("from", textOf(hop.from));
     printer.field("to", textOf(hop.to));
     printer.field("expensive", hop.expensive);
+    writeNote(printer, note);
   });
 }
 

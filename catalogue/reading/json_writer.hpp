@@ -15,7 +15,7 @@ class JsonCatalogueWriter : public CatalogueSink {
   explicit JsonCatalogueWriter(std::ostream& out);
 
   void addMetamodel(const CatalogueMetamodel& metamodel) override;
-  void addHop(const pathfinder::Hop& hop) override;
+  void addHop(const pathfinder::Hop& hop, const std::u16string& note) override;
   void setQuestion(const Question& question) override;
 
   /// Must be called once, after the last row.

@@ -31,8 +31,8 @@ void ProgressSink::addMetamodel(const CatalogueMetamodel& metamodel) {
   tell();
 }
 
-void ProgressSink::addHop(const pathfinder::Hop& hop) {
-  next_.addHop(hop);
+void ProgressSink::addHop(const pathfinder::Hop& hop, const std::u16string& note) {
+  next_.addHop(hop, note);
   ++counts_.hops;
   tell();
 }

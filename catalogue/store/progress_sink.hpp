@@ -23,7 +23,7 @@ class ProgressSink : public CatalogueSink {
   ProgressSink(CatalogueSink& next, const StoreProgress& progress, ShareOf shareOf);
 
   void addMetamodel(const CatalogueMetamodel& metamodel) override;
-  void addHop(const pathfinder::Hop& hop) override;
+  void addHop(const pathfinder::Hop& hop, const std::u16string& note) override;
   void setQuestion(const Question& question) override { next_.setQuestion(question); }
 
   const StoreCounts& counts() const noexcept { return counts_; }

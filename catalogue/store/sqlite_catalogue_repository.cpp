@@ -91,7 +91,8 @@ std::vector<CatalogueMetamodel> SqliteCatalogueRepository::listMetamodels(
   std::vector<CatalogueMetamodel> result;
   result.reserve(found.size());
   for (auto& [position, metamodel] : found) {
-    result.push_back({scale->shown(std::move(metamodel.descriptor)), metamodel.equivalent});
+    result.push_back(std::move(metamodel));
+    result.back().descriptor = scale->shown(std::move(result.back().descriptor));
   }
   return result;
 }
@@ -101,6 +102,18 @@ std::vector<pathfinder::Hop> SqliteCatalogueRepository::listHops(const std::u16s
       [&](auto& reader) { return std::pair(reader.scale(name), reader.uncached().hopsOf(name)); });
   for (pathfinder::Hop& hop : hops) hop = scale->shown(std::move(hop));
   return hops;
+}
+
+std::u16string SqliteCatalogueRepository::findVersionNote(const std::u16string& name,
+                                                          const pathfinder::VersionId& version) {
+  const auto found = store_->ask(
+      [&](auto& reader) { return reader.find(name, reader.scale(name)->meant(version)); });
+  return found ? found->note : std::u16string();
+}
+
+std::u16string SqliteCatalogueRepository::findHopNote(const pathfinder::Hop& hop) {
+  return store_->ask(
+      [&](auto& reader) { return reader.uncached().noteOf(reader.scale(hop.name)->meant(hop)); });
 }
 
 std::optional<Question> SqliteCatalogueRepository::getQuestion() {

@@ -17,10 +17,9 @@ namespace tarn::evolution::catalogue {
 /// **What it sees** is the store as it was when it was opened. Others may change the store
 /// (`store_editing.hpp`), or import another one in its place, meanwhile, which is seen by
 /// repositories that are opened later; other programs cannot write the file as long as it is open.
-/// A store of an older form is brought to the present one when it is opened, which needs leave to
-/// write it. Otherwise reading needs none, and leaves nothing beside the store. The process must
-/// open the file by no other means than SQLite meanwhile: to close it again would end SQLite's
-/// locks.
+/// A store of an older form is read as it is. Reading needs no leave to write, and leaves nothing
+/// beside the store. The process must open the file by no other means than SQLite meanwhile: to
+/// close it again would end SQLite's locks.
 ///
 /// **Threads.** Any number of threads may call any operations at once, those of `VersionRepository`
 /// included, and may ask different questions. What reads the store takes turns at its one
@@ -50,6 +49,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public Browsab
   std::vector<std::u16string> listNames() override;
   std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
   std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
+  std::u16string findVersionNote(const std::u16string& name,
+                                 const pathfinder::VersionId& version) override;
+  std::u16string findHopNote(const pathfinder::Hop& hop) override;
   std::optional<Question> getQuestion() override;
 
  private:

@@ -126,6 +126,8 @@ class SqliteStatement {
   };
 
   SqliteStatement(SqliteDatabase& database, const char* text);
+  SqliteStatement(SqliteDatabase& database, const std::string& text)
+      : SqliteStatement(database, text.c_str()) {}
 
   /// Asks with these values for the statement's parameters. Only one list of rows at a time.
   template <class... Values>

@@ -6,6 +6,7 @@
 
 #include "catalogue/range_union.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/store/sqlite_schema.hpp"
 #include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -18,30 +19,42 @@ using pathfinder::VersionRange;
 
 namespace {
 
+/// The columns of a metamodel, all but its name; those of stores of the first form have no notes.
+std::string selectMetamodels(bool hasNotes) {
+  return std::string("SELECT position, version, equivalent, ") +
+         (hasNotes ? "metamodels.note" : "NULL") + " AS note";
+}
+
+std::string selectHops(bool hasNotes) {
+  return std::string("SELECT position, source, target, expensive, ") +
+         (hasNotes ? "hops.note" : "NULL") + " AS note";
+}
+
+std::string selectDependencies(bool hasNotes) {
+  return std::string("SELECT names.name, version, lower, upper, ") + (hasNotes ? "note" : "NULL") +
+         " FROM dependencies JOIN names ON names.id = dependencies.name WHERE metamodel = ?1 "
+         "ORDER BY ordinal";
+}
+
 // The sign before a column keeps SQLite from walking the whole table in that column's order.
-#define SELECT_METAMODELS "SELECT position, version, equivalent FROM metamodels "
-#define OF_NAME "WHERE name = (SELECT id FROM names WHERE name = ?1) "
-#define SELECT_HOPS "SELECT position, source, target, expensive FROM hops "
 
-constexpr const char* selectRange =
-    SELECT_METAMODELS OF_NAME "AND semver >= ?2 AND semver < ?3 ORDER BY +position";
-constexpr const char* selectSemVer = SELECT_METAMODELS OF_NAME "AND semver = ?2 ORDER BY +position";
-constexpr const char* selectText = SELECT_METAMODELS OF_NAME "AND version = ?2 ORDER BY +position";
-constexpr const char* selectAt = SELECT_METAMODELS "WHERE position = ?1";
+std::string metamodelsOfName(bool hasNotes, const char* condition = "") {
+  return selectMetamodels(hasNotes) +
+         " FROM metamodels WHERE name = (SELECT id FROM names WHERE name = ?1) " + condition;
+}
+
+std::string metamodelsWhere(bool hasNotes, const char* condition = "") {
+  return metamodelsOfName(hasNotes, condition) + " ORDER BY +position";
+}
+
 constexpr const char* selectTexts =
-    "SELECT position, version FROM metamodels " OF_NAME "AND version < x'' AND equivalent IS NULL";
-constexpr const char* selectVersions =
-    "SELECT position, version, equivalent FROM metamodels " OF_NAME;
-constexpr const char* selectMetamodels = SELECT_METAMODELS OF_NAME "ORDER BY +position";
-constexpr const char* selectHopsFrom = SELECT_HOPS OF_NAME "AND source = ?2 ORDER BY +position";
-constexpr const char* selectHops = SELECT_HOPS OF_NAME "ORDER BY +position";
-constexpr const char* selectDependencies =
-    "SELECT names.name, version, lower, upper FROM dependencies "
-    "JOIN names ON names.id = dependencies.name WHERE metamodel = ?1 ORDER BY ordinal";
+    "SELECT position, version FROM metamodels WHERE name = (SELECT id FROM names WHERE name = ?1) "
+    "AND version < x'' AND equivalent IS NULL";
 
-#undef SELECT_METAMODELS
-#undef OF_NAME
-#undef SELECT_HOPS
+std::string hopsWhere(bool hasNotes, const char* condition = "") {
+  return selectHops(hasNotes) + " FROM hops WHERE name = (SELECT id FROM names WHERE name = ?1) " +
+         condition + " ORDER BY +position";
+}
 
 /// How many versions the cache of orders is made for.
 constexpr std::size_t orderedVersions = 100000;
@@ -51,16 +64,17 @@ constexpr std::size_t orderedVersions = 100000;
 SqliteReader::SqliteReader(SqliteDatabase& database)
     : database_(database),
       orders_(orderedVersions),
-      selectRange_(database, selectRange),
-      selectSemVer_(database, selectSemVer),
-      selectText_(database, selectText),
-      selectAt_(database, selectAt),
+      hasNotes_(database.number("PRAGMA user_version") >= firstFormWithNotes),
+      selectRange_(database, metamodelsWhere(hasNotes_, "AND semver >= ?2 AND semver < ?3")),
+      selectSemVer_(database, metamodelsWhere(hasNotes_, "AND semver = ?2")),
+      selectText_(database, metamodelsWhere(hasNotes_, "AND version = ?2")),
+      selectAt_(database, selectMetamodels(hasNotes_) + " FROM metamodels WHERE position = ?1"),
       selectTexts_(database, selectTexts),
-      selectVersions_(database, selectVersions),
-      selectMetamodels_(database, selectMetamodels),
-      selectDependencies_(database, selectDependencies),
-      selectHopsFrom_(database, selectHopsFrom),
-      selectHops_(database, selectHops) {}
+      selectVersions_(database, metamodelsOfName(hasNotes_)),
+      selectMetamodels_(database, metamodelsWhere(hasNotes_)),
+      selectDependencies_(database, selectDependencies(hasNotes_)),
+      selectHopsFrom_(database, hopsWhere(hasNotes_, "AND source = ?2")),
+      selectHops_(database, hopsWhere(hasNotes_)) {}
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& name,
                                                         const VersionRange& range) {
@@ -191,13 +205,14 @@ std::vector<std::u16string> SqliteReader::names() {
 
 StoredMetamodel SqliteReader::metamodelAt(std::int64_t position) {
   SqliteStatement statement(database_,
-                            "SELECT position, version, equivalent, names.name FROM metamodels "
-                            "JOIN names ON names.id = metamodels.name WHERE position = ?1");
+                            selectMetamodels(hasNotes_) +
+                                ", names.name FROM metamodels "
+                                "JOIN names ON names.id = metamodels.name WHERE position = ?1");
   auto rows = statement.query(position);
   if (!rows.next()) {
     database_.failDamaged("table metamodels", "it has no row " + std::to_string(position));
   }
-  const auto name = readRow(database_, "metamodels", position, [&] { return textIn(rows, 3); });
+  const auto name = readRow(database_, "metamodels", position, [&] { return textIn(rows, 4); });
   return metamodelIn(rows, name);
 }
 
@@ -211,6 +226,19 @@ std::vector<Hop> SqliteReader::hopsOf(const std::u16string& name) {
   const auto stored = storedText(name);
   if (!stored) return {};
   return hops(selectHops_.query(*stored), name);
+}
+
+std::u16string SqliteReader::noteOf(const Hop& hop) {
+  const auto name = storedText(hop.name);
+  const auto isStored = [](const VersionId& version) {
+    return version.isSemVer() || storedText(version.getText());
+  };
+  if (!hasNotes_ || !name || !isStored(hop.from) || !isStored(hop.to)) return {};
+  SqliteStatement statement(database_,
+                            hopsWhere(hasNotes_, "AND source = ?2 AND target = ?3 AND note <> ''"));
+  auto rows = statement.query(*name, storedVersion(hop.from), storedVersion(hop.to));
+  if (!rows.next()) return {};
+  return readRow(database_, "hops", rows.number(0), [&] { return noteIn(rows, 4); });
 }
 
 std::optional<Question> SqliteReader::question() {
@@ -229,23 +257,25 @@ std::optional<Question> SqliteReader::question() {
 
 void SqliteReader::readAll(CatalogueSink& sink) {
   SqliteStatement metamodelStatement(
-      database_,
-      "SELECT position, version, equivalent, names.name FROM metamodels "
-      "JOIN names ON names.id = metamodels.name ORDER BY position");
+      database_, selectMetamodels(hasNotes_) +
+                     ", names.name FROM metamodels "
+                     "JOIN names ON names.id = metamodels.name ORDER BY position");
   auto metamodelRows = metamodelStatement.query();
   while (metamodelRows.next()) {
     const auto name = readRow(database_, "metamodels", metamodelRows.number(0),
-                              [&] { return textIn(metamodelRows, 3); });
+                              [&] { return textIn(metamodelRows, 4); });
     sink.addMetamodel(metamodelIn(metamodelRows, name).metamodel);
   }
   SqliteStatement hopStatement(database_,
-                               "SELECT position, source, target, expensive, names.name FROM hops "
-                               "JOIN names ON names.id = hops.name ORDER BY position");
+                               selectHops(hasNotes_) +
+                                   ", names.name FROM hops "
+                                   "JOIN names ON names.id = hops.name ORDER BY position");
   auto hopRows = hopStatement.query();
   while (hopRows.next()) {
-    const auto name =
-        readRow(database_, "hops", hopRows.number(0), [&] { return textIn(hopRows, 4); });
-    sink.addHop(hopIn(hopRows, name));
+    const auto row = hopRows.number(0);
+    const auto name = readRow(database_, "hops", row, [&] { return textIn(hopRows, 5); });
+    sink.addHop(hopIn(hopRows, name),
+                readRow(database_, "hops", row, [&] { return noteIn(hopRows, 4); }));
   }
   if (const auto own = question()) sink.setQuestion(*own);
 }
@@ -254,9 +284,11 @@ StoredMetamodel SqliteReader::metamodelIn(const SqliteStatement::Rows& rows,
                                           const std::u16string& name) {
   const std::int64_t position = rows.number(0);
   return readRow(database_, "metamodels", position, [&] {
+    std::vector<std::u16string> notes;
+    Metamodel descriptor(name, versionIn(rows, 1), dependenciesOf(position, notes));
     return StoredMetamodel{
         position,
-        {Metamodel(name, versionIn(rows, 1), dependenciesOf(position)), optionalSemVerIn(rows, 2)}};
+        {std::move(descriptor), optionalSemVerIn(rows, 2), noteIn(rows, 3), std::move(notes)}};
   });
 }
 
@@ -279,12 +311,18 @@ std::vector<Hop> SqliteReader::hops(SqliteStatement::Rows rows, const std::u16st
   return result;
 }
 
-std::vector<Dependency> SqliteReader::dependenciesOf(std::int64_t position) {
+std::vector<Dependency> SqliteReader::dependenciesOf(std::int64_t position,
+                                                     std::vector<std::u16string>& notes) {
   auto rows = selectDependencies_.query(position);
   std::vector<Dependency> result;
   while (rows.next()) {
-    result.push_back(readRow(database_, "dependencies", position,
-                             [&] { return Dependency(textIn(rows, 0), rangeIn(rows, 1)); }));
+    readRow(database_, "dependencies", position, [&] {
+      if (std::u16string note = noteIn(rows, 4); !note.empty()) {
+        notes.resize(result.size());
+        notes.push_back(std::move(note));
+      }
+      result.emplace_back(textIn(rows, 0), rangeIn(rows, 1));
+    });
   }
   return result;
 }

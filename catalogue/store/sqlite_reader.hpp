@@ -20,8 +20,9 @@ struct StoredMetamodel {
   CatalogueMetamodel metamodel;
 };
 
-/// Looks up what a store holds. Answers are in the store's order, and are those of `CatalogueIndex`
-/// for the same content. Throws CatalogueError, which names the file, for damage that it meets.
+/// Looks up what a store holds, of whichever form it is. Answers are in the store's order, and are
+/// those of `CatalogueIndex` for the same content. Throws CatalogueError, which names the file, for
+/// damage that it meets.
 class SqliteReader {
  public:
   explicit SqliteReader(SqliteDatabase& database);
@@ -43,6 +44,7 @@ class SqliteReader {
   StoredMetamodel metamodelAt(std::int64_t position);
   std::vector<StoredMetamodel> metamodelsOf(const std::u16string& name);
   std::vector<pathfinder::Hop> hopsOf(const std::u16string& name);
+  std::u16string noteOf(const pathfinder::Hop& hop);  ///< empty when there is none
   std::optional<Question> question();
 
   /// Hands everything on, metamodels first, one row at a time.
@@ -67,10 +69,12 @@ class SqliteReader {
   std::vector<StoredMetamodel> metamodels(SqliteStatement::Rows rows, const std::u16string& name);
   pathfinder::Hop hopIn(const SqliteStatement::Rows& rows, const std::u16string& name) const;
   std::vector<pathfinder::Hop> hops(SqliteStatement::Rows rows, const std::u16string& name) const;
-  std::vector<pathfinder::Dependency> dependenciesOf(std::int64_t position);
+  std::vector<pathfinder::Dependency> dependenciesOf(std::int64_t position,
+                                                     std::vector<std::u16string>& notes);
 
   SqliteDatabase& database_;
   BoundedCache<NameOrder> orders_;
+  const bool hasNotes_;
   SqliteStatement selectRange_;
   SqliteStatement selectSemVer_;
   SqliteStatement selectText_;

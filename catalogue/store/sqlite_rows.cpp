@@ -37,6 +37,11 @@ std::string expectStored(const std::u16string& text) {
   throw std::invalid_argument("the text is not well-formed UTF-16");
 }
 
+/// NULL for an empty one.
+SqliteValue storedNote(const std::u16string& note) {
+  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
+}
+
 std::int64_t positionAfterLast(SqliteDatabase& database, const char* selectLast) {
   return database.number(selectLast) + 1;
 }
@@ -93,18 +98,22 @@ VersionRange rangeIn(const SqliteStatement::Rows& rows, int column) {
   return pathfinder::SemVerRange{semVerIn(rows, column + 1), semVerIn(rows, column + 2)};
 }
 
+std::u16string noteIn(const SqliteStatement::Rows& rows, int column) {
+  return rows.bytes(column).empty() ? std::u16string() : textIn(rows, column);
+}
+
 SqliteRowWriter::SqliteRowWriter(SqliteDatabase& database)
     : insertName_(database, "INSERT OR IGNORE INTO names (name) VALUES (?1)"),
       selectName_(database, "SELECT id FROM names WHERE name = ?1"),
-      insertMetamodel_(
-          database,
-          "INSERT INTO metamodels (position, name, version, equivalent) VALUES (?1, ?2, ?3, ?4)"),
+      insertMetamodel_(database,
+                       "INSERT INTO metamodels (position, name, version, equivalent, note) "
+                       "VALUES (?1, ?2, ?3, ?4, ?5)"),
       insertDependency_(database,
                         "INSERT INTO dependencies (metamodel, ordinal, name, version, lower, "
-                        "upper) VALUES (?1, ?2, ?3, ?4, ?5, ?6)"),
+                        "upper, note) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)"),
       insertHop_(database,
-                 "INSERT INTO hops (position, name, source, target, expensive) "
-                 "VALUES (?1, ?2, ?3, ?4, ?5)"),
+                 "INSERT INTO hops (position, name, source, target, expensive, note) "
+                 "VALUES (?1, ?2, ?3, ?4, ?5, ?6)"),
       insertQuestion_(database, "INSERT INTO question (id) VALUES (0)"),
       insertQuestionVersion_(database,
                              "INSERT INTO question_versions (question, side, name, version) "
@@ -116,29 +125,33 @@ SqliteRowWriter::SqliteRowWriter(SqliteDatabase& database)
       nextHop_(firstHop_) {}
 
 void SqliteRowWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
-  const auto& [descriptor, equivalent] = metamodel;
+  const auto& [descriptor, equivalent, note, dependencyNotes] = metamodel;
   insertMetamodel_.run(nextMetamodel_, idOf(descriptor.name), storedVersion(descriptor.version),
-                       equivalent ? SqliteValue(pack(*equivalent)) : SqliteValue(nullptr));
-  std::int64_t ordinal = 0;
-  for (const auto& dependency : descriptor.dependencies) addDependency(ordinal++, dependency);
+                       equivalent ? SqliteValue(pack(*equivalent)) : SqliteValue(nullptr),
+                       storedNote(note));
+  for (std::size_t i = 0; i < descriptor.dependencies.size(); ++i) {
+    addDependency(static_cast<std::int64_t>(i), descriptor.dependencies[i],
+                  metamodel.noteOfDependency(i));
+  }
   ++nextMetamodel_;
 }
 
-void SqliteRowWriter::addDependency(std::int64_t ordinal,
-                                    const pathfinder::Dependency& dependency) {
+void SqliteRowWriter::addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency,
+                                    const std::u16string& note) {
   const std::int64_t name = idOf(dependency.name);
   if (dependency.range.isSemVerRange()) {
     const auto& [lower, upper] = dependency.range.getSemVerRange();
-    insertDependency_.run(nextMetamodel_, ordinal, name, nullptr, pack(lower), pack(upper));
+    insertDependency_.run(nextMetamodel_, ordinal, name, nullptr, pack(lower), pack(upper),
+                          storedNote(note));
   } else {
     insertDependency_.run(nextMetamodel_, ordinal, name, expectStored(dependency.range.getText()),
-                          nullptr, nullptr);
+                          nullptr, nullptr, storedNote(note));
   }
 }
 
-void SqliteRowWriter::addHop(const pathfinder::Hop& hop) {
+void SqliteRowWriter::addHop(const pathfinder::Hop& hop, const std::u16string& note) {
   insertHop_.run(nextHop_++, idOf(hop.name), storedVersion(hop.from), storedVersion(hop.to),
-                 std::int64_t{hop.expensive});
+                 std::int64_t{hop.expensive}, storedNote(note));
 }
 
 void SqliteRowWriter::setQuestion(const Question& question) {

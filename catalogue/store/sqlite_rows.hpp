@@ -31,6 +31,9 @@ std::optional<pathfinder::SemVer> optionalSemVerIn(const SqliteStatement::Rows& 
 /// A dependency's range: columns `column` (version), and the two after it (lower, upper).
 pathfinder::VersionRange rangeIn(const SqliteStatement::Rows& rows, int column);
 
+/// A note; empty where NULL stands. Throws as they do.
+std::u16string noteIn(const SqliteStatement::Rows& rows, int column);
+
 /// What `read` returns; its std::invalid_argument becomes the error that the row of that table is
 /// damaged.
 template <class Read>
@@ -51,7 +54,7 @@ class SqliteRowWriter : public CatalogueSink {
   explicit SqliteRowWriter(SqliteDatabase& database);
 
   void addMetamodel(const CatalogueMetamodel& metamodel) override;
-  void addHop(const pathfinder::Hop& hop) override;
+  void addHop(const pathfinder::Hop& hop, const std::u16string& note) override;
   void setQuestion(const Question& question) override;
 
   std::int64_t firstMetamodel() const noexcept { return firstMetamodel_; }  ///< of those received
@@ -61,7 +64,8 @@ class SqliteRowWriter : public CatalogueSink {
 
  private:
   std::int64_t idOf(const std::u16string& name);
-  void addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency);
+  void addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency,
+                     const std::u16string& note);
   void addSelection(const std::string& side, const Selection& selection);
 
   SqliteStatement insertName_;

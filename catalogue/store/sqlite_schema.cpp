@@ -70,6 +70,13 @@ CREATE TABLE question_versions (
 ) STRICT, WITHOUT ROWID;
 )";
 
+// What is told of a row, for people to read.
+constexpr const char* version2 = R"(
+ALTER TABLE metamodels ADD COLUMN note TEXT;
+ALTER TABLE dependencies ADD COLUMN note TEXT;
+ALTER TABLE hops ADD COLUMN note TEXT;
+)";
+
 /// The tables and indices of a database, by name, as they were created.
 std::map<std::string, std::string> objectsOf(SqliteDatabase& database) {
   std::map<std::string, std::string> result;
@@ -95,7 +102,7 @@ void setVersion(SqliteDatabase& database, std::int64_t version) {
 SqliteSchema::SqliteSchema(std::vector<const char*> steps) : steps_(std::move(steps)) {}
 
 const SqliteSchema& SqliteSchema::current() {
-  static const SqliteSchema schema({version1});
+  static const SqliteSchema schema({version1, version2});
   return schema;
 }
 

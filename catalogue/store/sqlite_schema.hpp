@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "catalogue/store/sqlite_database.hpp"
 
 namespace tarn::evolution::catalogue {
+
+/// From this form on the rows of metamodels, dependencies and hops may have notes.
+constexpr std::int64_t firstFormWithNotes = 2;
 
 /// The form of a store: what it consists of, and how each version of that form is made from the one
 /// before.

@@ -5,7 +5,6 @@
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/locked_store.hpp"
-#include "catalogue/store/store_successor.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -27,10 +26,7 @@ StoreSnapshot::StoreSnapshot(const std::filesystem::path& store, const SqliteSch
     if (!isLeftUnfinished(database_.get()) || !LockedStore::undoUnfinished(store)) throw;
     begin(store);
   }
-  if (form.check(*database_)) return;
-  StoreSuccessor(store, StoreSuccessor::Content::Kept, form).takePlace();
-  begin(store);
-  if (!form.check(*database_)) failFor(store, "has been replaced meanwhile");
+  form.check(*database_);
 }
 
 void StoreSnapshot::begin(const std::filesystem::path& store) {

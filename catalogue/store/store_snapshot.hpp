@@ -14,9 +14,9 @@ namespace tarn::evolution::catalogue {
 /// kept out by SQLite's lock.
 class StoreSnapshot {
  public:
-  /// A store of an older form is brought to `form` first, and a change undone that another program
-  /// left unfinished; both need leave to write it. Throws CatalogueError, which names the file,
-  /// when it cannot be read or is no store, of this or an older form.
+  /// A store of an older form stays what it is. A change that another program left unfinished is
+  /// undone first, which needs leave to write it. Throws CatalogueError, which names the file, when
+  /// it cannot be read or is no store, of `form` or an older one.
   explicit StoreSnapshot(const std::filesystem::path& store,
                          const SqliteSchema& form = SqliteSchema::current());
 

@@ -25,6 +25,12 @@ void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   writeBounds(printer, range);
 }
 
+void writeFields(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
+  printer.field("name", fl::i18n::ustring_to_utf8(dependency.name));
+  printer.key("range");
+  writeRange(printer, dependency.range);
+}
+
 }  // namespace
 
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
@@ -38,18 +44,24 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
 }
 
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
-  printer.object([&] {
-    printer.field("name", fl::i18n::ustring_to_utf8(dependency.name));
-    printer.key("range");
-    writeRange(printer, dependency.range);
-  });
+  printer.object([&] { writeFields(printer, dependency); });
 }
 
 void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies) {
+                       const std::vector<pathfinder::Dependency>& dependencies,
+                       const std::vector<std::u16string>& notes) {
   printer.array([&] {
-    for (const auto& dependency : dependencies) writeDependency(printer, dependency);
+    for (std::size_t i = 0; i < dependencies.size(); ++i) {
+      printer.object([&] {
+        writeFields(printer, dependencies[i]);
+        if (i < notes.size()) writeNote(printer, notes[i]);
+      });
+    }
   });
+}
+
+void writeNote(JsonPrinter& printer, const std::u16string& note) {
+  if (!note.empty()) printer.field("note", fl::i18n::ustring_to_utf8(note));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "catalogue/text/json_printer.hpp"
@@ -14,8 +15,12 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 /// [lower, upper), or {"anyOf": [range]}.
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency);
 
-/// Writes a list of them.
+/// Writes a list of them, each with the field "note" if there is one. There may be fewer notes.
 void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies);
+                       const std::vector<pathfinder::Dependency>& dependencies,
+                       const std::vector<std::u16string>& notes);
+
+/// Writes the field "note", unless it is empty.
+void writeNote(JsonPrinter& printer, const std::u16string& note);
 
 }  // namespace tarn::evolution::catalogue

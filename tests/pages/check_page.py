@@ -11,6 +11,8 @@ is not checked.
 - ```console: lines that begin with "$ " are commands, continued in lines that begin with "> ", and
   what follows is all that they print. They run one after the other in one scratch folder, in which
   data/ is that of the project. What they write below docs/ must be what is kept there.
+- ```console SOURCE: the same with packages from npm or Debian, SOURCE being "npm" or "apt-get". Where that does not
+  answer, these blocks are not run, which is said.
 - ```cmake FOLDER: lines that stand together in the CMakeLists.txt of FOLDER, which the build or
   scripts/test_consumers.sh configures.
 - ```bash FILE, ```yaml FILE: lines that stand together in FILE, an example that a test runs.
@@ -22,7 +24,8 @@ In what is printed, "..." on a line of its own stands for lines that are left ou
 blocks, links must lead somewhere, and what reads as a file of the project or as a command of ctest
 must name files and tests that are there.
 
-Given a file of complaints, the check is passed when it has exactly these.
+Given a file of complaints, the check is passed when it has exactly these. The exit status is 77 when nothing is at
+fault, but some blocks were not run.
 """
 
 import doctest
@@ -36,6 +39,10 @@ from project import Project, anchors
 from scratch import Scratch
 
 COMPILED = ("examples/", "tests/consumer/")
+# What shows that packages can be had.
+PROBES = {"npm": "npm view --fetch-retries=0 --fetch-timeout=30000 vue@3.4.1 version",
+          "apt-get": "apt-get -qq download postgresql-15-cron"}
+NOT_RUN = 77
 FILE_NAME = re.compile(r"[\w./*-]+\.(?:c|cmake|cpp|h|hpp|json|js|md|mjs|py|sh|svg|txt)|[\w./-]+/")
 OTHER_BLOCK = re.compile(r"(?<=\n\n)(?: {4}|\t)|<pre")
 REFERENCE = re.compile(r"\]\((?P<link>[^)]*)\)|`(?P<code>[^`]+)`")
@@ -49,6 +56,7 @@ class PageCheck:
         self.page = page_file.read_text(encoding="utf-8")
         self.project = project
         self.scratch = scratch
+        self.not_run = []
 
     def run(self):
         """All complaints, with their lines."""
@@ -102,6 +110,12 @@ class PageCheck:
         """Commands and all they print."""
         if not block.lines or not block.lines[0].startswith("$ "):
             yield "the block does not begin with a command"
+            return
+        if block.subject and block.subject not in PROBES:
+            yield f"packages come from {' or '.join(PROBES)}, not from \"{block.subject}\""
+            return
+        if block.subject and not self.scratch.answers(PROBES[block.subject]):
+            self.not_run.append(f"line {block.line}: not run, for {block.subject} does not answer")
             return
         for command, shown in commands_of(block.lines):
             printed = self.scratch.run_command(command)
@@ -213,10 +227,13 @@ def main():
     project = Project(pathlib.Path(__file__).resolve().parents[2], build)
     with tempfile.TemporaryDirectory() as folder:
         scratch = Scratch(folder, project.folder, build)
-        complaints = "".join(complaint.rstrip("\n") + "\n"
-                             for complaint in PageCheck(page_file, project, scratch).run())
+        check = PageCheck(page_file, project, scratch)
+        complaints = "".join(complaint.rstrip("\n") + "\n" for complaint in check.run())
     print(complaints or f"{page_file.name}: all is as shown\n", end="")
-    sys.exit(complaints != (expected[0].read_text(encoding="utf-8") if expected else ""))
+    print("".join(line + "\n" for line in check.not_run), end="")
+    if complaints != (expected[0].read_text(encoding="utf-8") if expected else ""):
+        sys.exit(1)
+    sys.exit(NOT_RUN if check.not_run else 0)
 
 
 if __name__ == "__main__":

@@ -157,14 +157,15 @@ stops:
       {"table",
        ImportFormat::Table,
        {{"versions.csv",
-         "\xEF\xBB\xBFName;Version;needs;Needs;equivalent\r\n"
+         "\xEF\xBB\xBFName;Version;needs;Needs;equivalent;note\r\n"
          "draw;1.0.0;shape >=1 <2 || >=3; ink spring ;\r\n\r\n"
          "draw;2.0.0;\"shape 3.0.0 ; ink\";;\r\n"
-         "shape;1.0.0\r\nshape;3.0;;;\r\nshape;2023-01;;;2.0.0\r\n\"ink\";spring;;;\r\nink;summer;;"
+         "shape;1.0.0\r\nshape;3.0;;;;third\r\nshape;2023-01;;;2.0.0\r\n\"ink\";spring;;;\r\nink;"
+         "summer;;"
          ";"},
         {"hops.tsv",
-         "name\tfrom\tto\texpensive\ndraw\t1.0.0\t2.0.0\tyes\nshape\t1.0.0\t3.0\t\n"
-         "loose\ta\tb\t0\n"}}},
+         "name\tfrom\tto\texpensive\tnote\ndraw\t1.0.0\t2.0.0\tyes\nshape\t1.0.0\t3.0\t\n"
+         "loose\ta\tb\t0\ttold\n"}}},
   };
   return samples;
 }

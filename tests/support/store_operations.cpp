@@ -196,7 +196,9 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
     return textOf(exportCatalogue(folder / "x.store", folder / "y.json"));
   };
   const auto migrate = [](const FilePath& folder) {
-    return StoreSnapshot(folder / "x.store", laterForm()).database().text("SELECT sum(y) FROM a");
+    const FilePath store = folder / "x.store";
+    StoreSuccessor(store, StoreSuccessor::Content::Kept, laterForm()).takePlace();
+    return StoreSnapshot(store, laterForm()).database().text("SELECT sum(y) FROM a");
   };
   const auto join = [](const std::string& catalogue, ImportFormat format,
                        const std::string& source) {

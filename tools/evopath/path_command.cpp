@@ -157,6 +157,7 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
   auto picture =
       drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);
   addTies(repository, path, picture);
+  addNotes(repository, picture);
   return renderPath(picture, options.form, options.output.colouring());
 }
 
