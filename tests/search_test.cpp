@@ -177,6 +177,8 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       // Several targets, the nearest neither first nor last; one that is included already.
       {"A1..4 B1..4", "A1 B1", "A4 B1, A2 B2, A1 B4", 1},
       {"A1..4 B1..4", "A1 B1", "A4 B4, B1", 0},
+      // Several sources, each of which would be nearer with what the other one holds.
+      {"A1..3 B1..4", "A1 B3, A3 B1", "A3 B3", 2},
       {"A1 A2 A3 A1>2! A2>3! B1 B2 B1>2!", "A1 B1", "A3 B2", 2},
       // The way that costs A least takes more steps than a dearer one.
       {"A1..5 A1>5! A1>3! B1..2", "A1 B1", "A5 B2", 4},
