@@ -4,9 +4,11 @@
 #include <map>
 
 #include "pathfinder/linking/baseline_combination.hpp"
+#include "pathfinder/linking/selection_combination.hpp"
+#include "support/engine_question.hpp"
 #include "support/path_finder_errors.hpp"
-#include "support/random_run.hpp"
-#include "support/test_repository.hpp"
+#include "support/random_question.hpp"
+#include "support/test_question.hpp"
 
 namespace test {
 namespace {
@@ -282,6 +284,30 @@ std::string everythingOf(const std::vector<VersionBaseline>& baselines) {
     out << baseline << " " << std::hash<VersionBaseline>()(baseline) << "\n";
   }
   return out.str();
+}
+
+TEST(Combination, OfSeveralSelectionsInTurnIsThatOfEachAlone) {
+  RandomRun run(500);
+  run.ask(randomQuestion, [&](const std::string& text, Random& random) {
+    TestRepository repository(QuestionText(text).catalogue);
+    std::vector<Selection> selections(4);
+    for (Selection& selection : selections) {
+      for (const Metamodel& metamodel : repository.metamodels) {
+        if (random.chance(35)) selection.emplace(metamodel.name, metamodel.version);
+      }
+    }
+    SelectionCombination combination(accessTo(repository), 4 * repository.metamodels.size());
+    try {
+      for (const Selection& selection : selections) {
+        const auto expected = everythingOf(repository.combine(selection));
+        EXPECT_EQ(everythingOf(combination.combine(selection)), expected);
+        run.count("several baselines", repository.combine(selection).size() > 1);
+      }
+    } catch (const Conflict&) {
+      // A version that cannot be linked.
+    }
+  });
+  run.expectPercentages({{"several baselines", 5}});
 }
 
 TEST(Combination, OfWhatIsLinkedIsTheSameAsOneByOne) {

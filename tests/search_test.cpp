@@ -148,6 +148,10 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       {"A1 A3 A5 A1>5 A5>3 A1>3! Bx By Bx>y | A1 Bx | A3 By", true},
       // Hops that lead to the target by turns.
       {"A1 A2 A3 A4 A1>3! A1>2 A2>3 A3>4 | A1 | A4", true},
+      // Of A only what C admits can be held, which gives the question a direction, or none.
+      {"A1 A2 A3 A2>1 B1:A[1,4) B2:A[1,4) B1>2 C1:A2 C2:A1 C1>2 | B1 C1 | B2 C2", true},
+      // The first start has the later hop.
+      {"A1 A2 A3 A1>2 A1>3 A2>3 B1:A[1,3) B2:A3 B1>2 | B1 | A3 B2", true},
       // What a plain search reports, or what names alone do not tell.
       {"A1..3 A2>9 B1..3 | A1 B1 | A3 B3", false},
       {"A1..2 B1..2 A1>2@B | A1 B1 | A2 B2", false},
@@ -177,6 +181,8 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       // Several targets, the nearest neither first nor last; one that is included already.
       {"A1..4 B1..4", "A1 B1", "A4 B1, A2 B2, A1 B4", 1},
       {"A1..4 B1..4", "A1 B1", "A4 B4, B1", 0},
+      // Several sources, each of which would be nearer with what the other one holds.
+      {"A1..3 B1..4", "A1 B3, A3 B1", "A3 B3", 2},
       {"A1 A2 A3 A1>2! A2>3! B1 B2 B1>2!", "A1 B1", "A3 B2", 2},
       // The way that costs A least takes more steps than a dearer one.
       {"A1..5 A1>5! A1>3! B1..2", "A1 B1", "A5 B2", 4},
@@ -209,6 +215,10 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       {"A1 A2:C2 A3 A4 A11 A12 A13 A14 A15 A1>2 A2>14 A2>3 A3>13 A3>4 A4>12 A1>11! A11>12 A12>13 "
        "A13>14 A14>15 C1 C2",
        "A1 C1", "A15 C1", 5},
+      // Equal totals, told apart by the third step from the end only.
+      {"A1 A2 A3 A4 A5 A6 A7 A8 A9 A10 A11 A12 A1>2! A2>3 A3>4 A4>5 A1>6 A6>7 A7>8! A8>5 A1>10 "
+       "A10>11! A11>12 A12>9 B1",
+       "A1 B1", "A5, A9", 4},
       // Names that links bring in: chosen among several versions, then moved; and one that none
       // brings in.
       {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
@@ -251,6 +261,17 @@ TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
     EXPECT_EQ(expected.steps.size(), steps);
     expectSame(expected, searchGoalDirected(lacking));
   }
+}
+
+TEST(Engines, ATargetOfAnotherRepositoryIsNeverReached) {
+  TestRepository repository("A1..3 B1..3");
+  TestRepository other("A1..3 B1..3");
+  const auto sources = repository.baselines("A1 B1");
+  const auto targets = other.baselines("A3 B3");
+  const SearchQuestion asked = engineQuestion(repository, sources, targets, forward);
+  EXPECT_EQ(searchExhaustively(asked).verdict, Verdict::NoPath);
+  EXPECT_EQ(searchGoalDirected(asked, learningPlanner()).verdict, Verdict::NoPath);
+  EXPECT_EQ(answerByLearning(asked).value().answer.verdict, Verdict::NoPath);
 }
 
 TEST(Engines, LongPathsTakeNoStack) {

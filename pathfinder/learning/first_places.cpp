@@ -160,7 +160,8 @@ void FirstPlaces::decide(NameIndex first, NameIndex end, std::uint32_t step) {
       const Literal isUsed = plans_.formula.isUsed(other);
       const Literal isEntered = steps_.isEnteredBefore(plans_.network.arcs[other].to, step - 1);
       if (other == arc) {
-        plans_.sat.addClause({-decided_, isUsed});  // nothing else leads there; for speed
+        // Either follows from the other, given what the step weighs.
+        plans_.sat.addClause({-decided_, isUsed});
         plans_.sat.addClause({-decided_, isEntered});
       } else {
         plans_.sat.addClause({-decided_, -isUsed, -isEntered});

@@ -7,11 +7,14 @@
 //            false, w is left no later than v is entered. What a name starts at was never entered,
 //            what it ends at is never left.
 //   circles  of two names: v left before w is entered, so all that comes before v is left before
-//   all
-//            that comes after w is entered
+//            all that comes after w is entered
 //
 // Consequences of the last kind are given for all pairs where they are few and otherwise for
 // neighbouring ones only; the rest is met as circles.
+//
+// Some others follow as well, and are given for speed. Ways neither branch nor merge, so a name
+// that starts once ends once, and the reverse: each of "one start", "one source" and "one end"
+// follows from the others, and so does that no arc leads into a start or out of an end.
 
 #include "pathfinder/learning/plan_formula.hpp"
 
@@ -35,7 +38,7 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
       startsAt_(network.nodes.size(), -always_),
       endsAt_(network.nodes.size(), -always_),
       orders_(network.nodes.size()) {
-  solver_.addClause({always_});  // of several sources and targets a consequence, for speed
+  solver_.addClause({always_});
   for (std::size_t i = 0; i < network.nodes.size(); ++i) isHeld_.push_back(solver.newVariable());
   for (std::size_t i = 0; i < network.arcs.size(); ++i) isUsed_.push_back(solver.newVariable());
   addSources();
@@ -236,7 +239,7 @@ Literal PlanFormula::anyOf(const std::vector<Literal>& literals) {
     solver_.addClause({-literal, result});
     clause.push_back(literal);
   }
-  solver_.addClause(clause);  // each name ends once, so a second start cannot be; for speed
+  solver_.addClause(clause);
   return result;
 }
 

@@ -187,7 +187,7 @@ std::vector<VersionBaseline> combineInOrder(const std::vector<Alternatives>& alt
       checkpoint();
       LinkingBudget::check(extended.size());
       const auto held = baseline.metamodels.find(*next->name);
-      if (held == baseline.metamodels.end() || !held->second) {
+      if (held == baseline.metamodels.end()) {
         extend(std::move(baseline), *next, extended);
       } else if (candidates.contains(held->second)) {
         extended.push_back(std::move(baseline));

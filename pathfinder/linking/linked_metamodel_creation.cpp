@@ -39,7 +39,6 @@ const LinkedMetamodels& LinkedMetamodelCreation::create(const Metamodel& metamod
     }
     const Pending done = std::move(pending_.back());
     pending_.pop_back();
-    remembered_ = std::min(remembered_, pending_.size());
     const LinkedMetamodels& list = finish(*done.metamodel, done.optionsByName);
     if (pending_.empty()) return list;
     append(pending_.back().options, list);

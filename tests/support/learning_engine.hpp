@@ -14,7 +14,8 @@ struct LearntAnswer {
   bool metConflict;  ///< the first plan could not be carried out
 };
 
-/// What planning by learning answers from the start; no value when the question is not for it.
+/// What planning by learning answers from the start; no value when the question is not for it. Any
+/// other it has to settle.
 inline std::optional<LearntAnswer> answerByLearning(const SearchQuestion& question) {
   using namespace tarn::evolution::pathfinder;
   if (std::any_of(question.sources.begin(), question.sources.end(),
@@ -29,12 +30,12 @@ inline std::optional<LearntAnswer> answerByLearning(const SearchQuestion& questi
   const auto space = survey.makeSpace();
   const Compatibility compatibility(*space);
   const AllVersionBounds bounds = computeVersionBounds(*space, compatibility);
-  const auto plan = learningPlanner()->plan({*space, compatibility, bounds}).plan;
-  const bool metConflict =
-      plan && executePlan(question, *space, *plan).verdict == SearchAnswer::Verdict::Unsettled;
+  const auto [isPlanned, plan] = learningPlanner()->plan({*space, compatibility, bounds});
+  if (!isPlanned) return std::nullopt;
+  constexpr auto unsettled = SearchAnswer::Verdict::Unsettled;
+  const bool metConflict = plan && executePlan(question, *space, *plan).verdict == unsettled;
   auto answer = learningPlanner()->search(question, {*space, compatibility, bounds});
-  if (!answer) return std::nullopt;
-  return LearntAnswer{*std::move(answer), metConflict};
+  return LearntAnswer{answer ? *std::move(answer) : SearchAnswer{unsettled}, metConflict};
 }
 
 }  // namespace test

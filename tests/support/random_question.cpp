@@ -163,7 +163,7 @@ QuestionDraft QuestionDraft::ladder(Random& random) {
 
 QuestionDraft QuestionDraft::crowd(Random& random) {
   QuestionDraft draft;
-  const std::size_t last = 7 + random.upTo(4);
+  const std::size_t last = 8 + random.upTo(3);
   draft.addName().versions = {{"1", {}, {}, {}}, {"2", {}, {}, {}}, {"3", {}, {}, {}}};
   for (std::size_t number = 1; number <= last; ++number) {
     if (number == 1) draft.addName();
@@ -176,10 +176,11 @@ QuestionDraft QuestionDraft::crowd(Random& random) {
     name.goal = name.versions.back().number;
   }
   addWovenHops(draft, draft.names[0], random);
-  for (std::size_t left = 2 * last; left > 0; --left) {
-    const std::string between = std::to_string(2 + random.below(last - 2));
-    draft.addHop(draft.names[1], "1", between, random.chance(40) ? "!" : "");
-    draft.addHop(draft.names[1], between, std::to_string(last), random.chance(40) ? "!" : "");
+  const auto percent = static_cast<unsigned>(random.below(50));
+  for (std::size_t number = 2; number < last; ++number) {
+    const std::string between = std::to_string(number);
+    draft.addHop(draft.names[1], "1", between, random.chance(percent) ? "!" : "");
+    draft.addHop(draft.names[1], between, std::to_string(last), random.chance(percent) ? "!" : "");
   }
   draft.direction = random.chance(80) ? "forward" : "any";
   draft.settleEnds(random, 100, 90);
