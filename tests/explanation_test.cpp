@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
@@ -205,6 +206,32 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
                          {"reason 4", 0.25},
                          {"reason 5", 0.35},
                          {"blocked hops", 0.3}});
+}
+
+bool sameVersions(const VersionBaseline& left, const VersionBaseline& right) {
+  return std::is_permutation(
+      left.metamodels.begin(), left.metamodels.end(), right.metamodels.begin(),
+      right.metamodels.end(), [](const auto& one, const auto& other) {
+        return one.first == other.first && one.second->version == other.second->version;
+      });
+}
+
+/// However few questions may be asked, what is said to be near is a source or where a path ends.
+TEST(Explanation, OfFewQuestionsIsOfThisCatalogue) {
+  RandomRun run(3000);
+  run.ask(questionableCase, [](const std::string& text, Random& random) {
+    RandomCase asked{QuestionText(text)};
+    const Explanation explanation = explain(*asked.repository, asked.question, random.below(24));
+    if (!explanation.nearest) return;
+    const auto& [path, baseline] =
+        std::tie(explanation.nearest->path, explanation.nearest->baseline);
+    const auto isThis = [&, &baseline = baseline](const VersionBaseline& other) {
+      return sameVersions(other, baseline);
+    };
+    const auto sources = asked.repository->combine(asked.question.from);
+    EXPECT_TRUE(path.empty() ? std::any_of(sources.begin(), sources.end(), isThis)
+                             : isThis(path.back().to));
+  });
 }
 
 }  // namespace

@@ -145,6 +145,8 @@ class FewestHops {
     return arrivalBy(*std::move(answer.path), targets_);
   }
 
+  /// Without steps the way ends at a source: at one that includes a target, unless there are none
+  /// of these that could be linked and listed within the limits.
   Arrival arrivalBy(Path path, const std::vector<VersionBaseline>& targets) const {
     if (!path.empty()) {
       VersionBaseline baseline = path.back().to;
@@ -156,7 +158,7 @@ class FewestHops {
             return candidate.includes(target);
           });
         });
-    return {{}, *source};
+    return {{}, source == question_.sources.end() ? question_.sources.front() : *source};
   }
 
   /// Without the questions to find the best: fixes the first choices first, each as well as it can
