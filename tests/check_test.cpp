@@ -139,7 +139,7 @@ TEST(Check, NamesWhatTakesPart) {
   };
   expectMessage("X1:A1 A1:B[1,9) B1 B2:Cspring+D1 Cspring:A[0.1,1.0.1) D1:A1",
                 "the dependencies form a cycle: A@1.0.0 -> B@2.0.0 -> C@spring -> A@1.0.0, and "
-                "others with 1 more versions",
+                "others with 1 more version",
                 {"/metamodels/3", "/metamodels/4"});
   expectMessage("C1..2 A1:C1 B1:A1 D1:B1+C[2,5)",
                 "D@1.0.0 cannot be linked: D@1.0.0 needs \"C\" [2.0.0, 5.0.0), but D@1.0.0 -> "

@@ -54,20 +54,8 @@ class TieSearch {
 
   std::vector<StepTie> run() {
     for (const auto& [name, part] : parts_) {
-      forEachPartRequired(*part.after, [&](std::size_t dependency, const Part& required) {
-        const std::u16string& companion = required.after->name;
-        if (required.before == nullptr) {
-          ties_.push_back({name, companion, *part.after, dependency, std::nullopt});
-        } else if (!admits(*part.after, dependency, required.before->version)) {
-          ties_.push_back({name, companion, *part.after, dependency, required.before->version});
-        }
-      });
-      if (part.before == nullptr) continue;
-      forEachPartRequired(*part.before, [&](std::size_t dependency, const Part& required) {
-        const VersionId& version = required.after->version;
-        if (required.before == nullptr || admits(*part.before, dependency, version)) return;
-        ties_.push_back({required.after->name, name, *part.before, dependency, version});
-      });
+      addNewNeeds(*part.after);
+      if (part.before != nullptr) addOldNeeds(*part.before);
     }
     std::stable_sort(ties_.begin(), ties_.end(), [](const StepTie& left, const StepTie& right) {
       return std::tie(left.mover, left.companion) < std::tie(right.mover, right.companion);
@@ -76,6 +64,28 @@ class TieSearch {
   }
 
  private:
+  /// What a version that the step brings needs others to be moved for.
+  void addNewNeeds(const Metamodel& dependent) {
+    forEachPartRequired(dependent, [&](std::size_t dependency, const Part& required) {
+      const std::u16string& companion = required.after->name;
+      if (required.before == nullptr) {
+        ties_.push_back({dependent.name, companion, dependent, dependency, std::nullopt});
+      } else if (!admits(dependent, dependency, required.before->version)) {
+        ties_.push_back(
+            {dependent.name, companion, dependent, dependency, required.before->version});
+      }
+    });
+  }
+
+  /// What a version that the step leaves keeps others from being moved for.
+  void addOldNeeds(const Metamodel& dependent) {
+    forEachPartRequired(dependent, [&](std::size_t dependency, const Part& required) {
+      const VersionId& version = required.after->version;
+      if (required.before == nullptr || admits(dependent, dependency, version)) return;
+      ties_.push_back({required.after->name, dependent.name, dependent, dependency, version});
+    });
+  }
+
   /// Of several dependencies on one name, the first is the one that linking goes by.
   template <class Use>
   void forEachPartRequired(const Metamodel& dependent, const Use& use) {

@@ -100,7 +100,7 @@ class Originals : public StoreFolder {
     make("old", withQuestion);
     TestRepository large("C1.." + last + " D1:C[1,9) D2.." + last + ":C3 C1>2 D1>2");
     make("new", withLongTexts(large));
-    TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E1>2");
+    TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E2>1");
     make("more", contentOf(more), false);
     StoreSuccessor(path("m.store"), StoreSuccessor::Content::None, formerForm()).takePlace();
     writeAhead();
