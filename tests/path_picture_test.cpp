@@ -148,7 +148,8 @@ TEST(PathPicture, TellsWhatMustMoveTogetherFromWhatOnlyDoes) {
       [](const auto& drawn, auto& out) { writePathText(drawn, Colouring::Plain, out); }, picture);
   EXPECT_EQ(text,
             "Step 1, weight 4\n  A  1.0.0 -> 2.0.0\n  B  1.0.0 -> 2.0.0\n  C  1.0.0 -> 2.0.0\n"
-            "    A 2.0.0 is too new for B 1.0.0\n1 step, weight 4\n");
+            "    B 1.0.0 needs A 1.0.0, not 2.0.0\n    B 2.0.0 needs A 2.0.0, not 1.0.0\n"
+            "    together because that weighs less: A with B; C\n1 step, weight 4\n");
   EXPECT_EQ(countOf("class=\"loose\"", written(writePathSvg, picture)), 2U);
   EXPECT_EQ(countOf("<i class=\"tie loose", written(writePathHtml, picture)), 2U);
 }
