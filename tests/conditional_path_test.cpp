@@ -270,7 +270,7 @@ TEST(ConditionalPath, IsTheLeastOfAllThatKeepToTheConditions) {
     TestRepository described(asked.catalogue);
     expectLeast(asked, described, run);
   });
-  run.expectPercentages({{"path", 6}, {"no path", 4}, {"alternatives", 1}});
+  run.expectPercentages({{"path", 6}, {"no path", 4}, {"alternatives", 0.6}});
 }
 
 TEST(ConditionalPath, SaysWhatCannotBeAsked) {

@@ -190,7 +190,7 @@ void expectOrder(BrowsableRepository& repository, const OrderQuestion& question)
 }
 
 TEST_F(VersionOrder, IsThatOfSemanticVersioning) {
-  RandomRun run(300);
+  RandomRun run(150);
   run.ask(anyVersions, [&](const std::string& text, Random&) {
     const OrderQuestion question(text);
     if (question.versions.size() < 2) return;
