@@ -209,7 +209,8 @@ TEST_F(EvopathExplain, TakesSelectionsFromFiles) {
   write("broken.json", "{\"A\": \n]");
   const std::string moveA = "Step 1, weight 2\n  A  1.0.0 -> 2.0.0\n1 step, weight 2\n";
   const std::string moveBoth =
-      "Step 1, weight 3\n  A  1.0.0 -> 2.0.0\n  B  1.0.0 -> 2.0.0\n1 step, weight 3\n";
+      "Step 1, weight 3\n  A  1.0.0 -> 2.0.0\n  B  1.0.0 -> 2.0.0\n"
+      "    together because that weighs less: A; B\n1 step, weight 3\n";
   const std::tuple<std::string, int, std::string> cases[] = {
       {"--from @a.json --to A=2.0", 0, moveA},
       {"--from @asks.json --to @asks.json", 0, moveA},

@@ -32,11 +32,14 @@ TEST_F(Evopath, PrintsStepsMovesAndWeights) {
             "Start\n"
             "  A  1.0.0\n"
             "  B  1.0.0\n"
-            "Step 1, weight 1000000002\n"
+            "Step 1, weight 1 expensive, 2\n"
             "  A  1.0.0 -> 2.0.0\n"
             "  B  1.0.0 -> 2.0.0  expensive\n"
             "  C         + spring\n"
-            "1 step, weight 1000000002\n");
+            "    B 1.0.0 needs A 1.0.0, not 2.0.0\n"
+            "    B 2.0.0 needs A 2.0.0, not 1.0.0\n"
+            "    B 2.0.0 needs C spring, which enters\n"
+            "1 step, weight 1 expensive, 2\n");
 }
 
 TEST_F(Evopath, PrintsJsonForPrograms) {
@@ -57,6 +60,50 @@ TEST_F(Evopath, PrintsJsonForPrograms) {
                     R"({"mover":"B","companion":"C","dependent":{"name":"B","version":"2.0.0"},)"
                     R"("needs":{"name":"C","range":"spring"},"refused":null}],)"
                     R"("bundles":[["A","B","C"]]}]})");
+}
+
+TEST_F(Evopath, AsksUnderConditions) {
+  write("way.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
+        {"name": "A", "version": "1.1.0-rc.1", "dependencies": []},
+        {"name": "A", "version": "1.1.0", "dependencies": []},
+        {"name": "A", "version": "2.0.0", "dependencies": []},
+        {"name": "A", "version": "3.0.0", "dependencies": []}],
+      "hops": [{"name": "A", "from": "1.0.0", "to": "1.1.0-rc.1", "expensive": false},
+               {"name": "A", "from": "1.0.0", "to": "1.1.0", "expensive": false},
+               {"name": "A", "from": "1.1.0-rc.1", "to": "2.0.0", "expensive": false},
+               {"name": "A", "from": "1.1.0", "to": "2.0.0", "expensive": true}]})");
+  const std::string ask = "path way.json --from A=1.0.0 --to ";
+  const std::string start = "Start\n  A  1.0.0\n";
+  const std::string first = start + "Step 1, weight 2\n  A  1.0.0      -> 1.1.0-rc.1\n";
+  const std::string over =
+      first + "Step 2, weight 2\n  A  1.1.0-rc.1 -> 2.0.0\n2 steps, weight 4\n";
+  const std::string dear =
+      start +
+      "Step 1, weight 2\n  A  1.0.0 -> 1.1.0\n"
+      "Step 2, weight 1 expensive\n  A  1.1.0 -> 2.0.0  expensive\n2 steps, weight 1 expensive, "
+      "2\n";
+  const std::string none = "No path keeps to the conditions.\n";
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"A=newest", 0, over},
+      {"A=latest", 1, none},
+      {"'A=>1.1 <3'", 0, over},
+      {"A=2.0.0 --avoid A=1.1.0-rc.1", 0, dear},
+      {"A=2.0.0 --via A=1.1.0", 0, dear},
+      {"A=2.0.0 --via A=1.1.0 --avoid A=1.1.0", 1, none},
+      {"A=2.0.0 --pin A", 1, none},
+      {"A=2.0.0 --pin A=1.1.0-rc.1", 0, dear},
+      {"A=2.0.0 --direction backward", 1, none},
+      {"A=2.0.0 --alternatives 5", 0, "Path 1\n" + over + "\nPath 2\n" + dear},
+      {"A=2.0.0 --avoid B=1", 2, "evopath: --avoid B=1: there is no such metamodel\n"},
+      {"A=2.0.0 --avoid A", 2, "evopath: --avoid A: must be NAME=RANGE\n"},
+      {"A=2.0.0 --via A=7", 2, "evopath: --via A=7: there is no such version\n"},
+      {"A=9", 2,
+       "evopath: there is no version 9 of metamodel \"A\" to reach; the nearest known: "
+       "1.0.0, 1.1.0 and 2.0.0.\n"},
+  };
+  for (const auto& [asked, status, said] : cases) {
+    EXPECT_EQ(run(ask + asked + " 2>&1"), std::pair(status, said)) << asked;
+  }
 }
 
 TEST_F(Evopath, ShowsItsReasoningOnStandardError) {

@@ -113,7 +113,7 @@ TEST_F(Import, ReadsNpmPackages) {
 @ours/plugin,1.0.0,[core,[0.9.0,0.10.0]]
 @ours/plugin,1.1.0,[core,[0.9.0,1.2.0],node,[10.0.0,1000000000.0.0]]
 @ours/plugin,2.0.0,[core,2.1.0]
-@ours/plugin,2.1.0,[core,anyOf:[[1.1.0,1000000000.0.0],2.0.0-rc.1]]
+@ours/plugin,2.1.0,[core,[1.1.0,1000000000.0.0]]
 core,0.9.0,-
 core,1.0.0,-
 core,1.1.0,-

@@ -63,7 +63,7 @@ TEST(PathPicture, LaysOutLanesAndTiesLockstepMoves) {
             "C: . ^.v ^+1\n"
             "D: 1 ^>2 -\n"
             "E: 1 - -\n");
-  EXPECT_EQ(summarise(picture), "2 steps, weight 1000000003");
+  EXPECT_EQ(summarise(picture), "2 steps, weight 1 expensive, 3");
   EXPECT_FALSE(picture.lanes[1].isMoved);
   EXPECT_TRUE(picture.lanes[2].isMoved);
 }
@@ -148,7 +148,8 @@ TEST(PathPicture, TellsWhatMustMoveTogetherFromWhatOnlyDoes) {
       [](const auto& drawn, auto& out) { writePathText(drawn, Colouring::Plain, out); }, picture);
   EXPECT_EQ(text,
             "Step 1, weight 4\n  A  1.0.0 -> 2.0.0\n  B  1.0.0 -> 2.0.0\n  C  1.0.0 -> 2.0.0\n"
-            "    A 2.0.0 is too new for B 1.0.0\n1 step, weight 4\n");
+            "    B 1.0.0 needs A 1.0.0, not 2.0.0\n    B 2.0.0 needs A 2.0.0, not 1.0.0\n"
+            "    together because that weighs less: C; A with B\n1 step, weight 4\n");
   EXPECT_EQ(countOf("class=\"loose\"", written(writePathSvg, picture)), 2U);
   EXPECT_EQ(countOf("<i class=\"tie loose", written(writePathHtml, picture)), 2U);
 }
@@ -208,10 +209,10 @@ TEST(PathPicture, TextIsAlignedByWhatTheTerminalShows) {
             "Step 1, weight 3\n"
             "  図形     1.0.0 -> 2.0.0\n"
             "  e\u0301\\u{1b}  1.0.0 -> 2.0.0\n"
-            "Step 2, weight 1000000000\n"
+            "Step 2, weight 1 expensive\n"
             "  図形     2.0.0 -> 3.0.0  expensive\n"
             "  C               + 1.0.0\n"
-            "2 steps, weight 1000000003\n");
+            "2 steps, weight 1 expensive, 3\n");
   std::string coloured = text(Colouring::Terminal);
   EXPECT_NE(coloured.find("\x1b[1mStep 1, weight 3\x1b[0m\n"), std::string::npos);
   for (const char* sequence : {"\x1b[1m", "\x1b[0m", "\x1b[1;33m", "\x1b[36m"}) {

@@ -166,6 +166,7 @@ std::vector<VersionId> newestFirst(BrowsableRepository& repository, const std::u
   std::stable_sort(ordered.begin(), ordered.end(),
                    [](const auto& left, const auto& right) { return right.first < left.first; });
   std::vector<VersionId> versions;
+  versions.reserve(ordered.size());
   for (auto& [precedence, version] : ordered) versions.push_back(std::move(version));
   return versions;
 }

@@ -129,9 +129,9 @@ const std::vector<CatalogueIndex::OrderedVersion>& CatalogueIndex::orderedVersio
 }
 
 const VersionScale& CatalogueIndex::scale(const std::u16string& name) const {
-  static const VersionScale asTheyAre;
+  static const VersionScale none;
   const auto found = scales_.find(name);
-  return found == scales_.end() ? asTheyAre : found->second;
+  return found == scales_.end() ? none : found->second;
 }
 
 const CatalogueIndex::Positions& CatalogueIndex::lookUp(const ByVersion& map,

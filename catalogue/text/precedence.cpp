@@ -126,11 +126,11 @@ bool takeNumbers(std::u16string_view& text, Numbers& numbers) {
 std::pair<SemVer, bool> fit(const Numbers& numbers) {
   constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
   SemVer fitted{most, most, most};
-  std::uint64_t* const parts[] = {&fitted.major, &fitted.minor, &fitted.patch};
+  constexpr std::array parts{&SemVer::major, &SemVer::minor, &SemVer::patch};
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const auto value = valueOf(numbers[i]);
     if (!value) return {fitted, false};
-    *parts[i] = *value;
+    fitted.*parts[i] = *value;
   }
   return {fitted, true};
 }

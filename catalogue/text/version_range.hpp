@@ -19,7 +19,7 @@ namespace tarn::evolution::catalogue {
 TARN_EVOLUTION_CATALOGUE_EXPORT std::optional<pathfinder::VersionId> findSingleVersion(
     const pathfinder::VersionRange& range);
 
-/// Whether it admits a version: one that it names, or one whose precedence, where there is any, lies
+/// Whether it admits a version: one that it names, or one whose precedence, if there is any, lies
 /// between its bounds or is that of the semantic version that it names.
 TARN_EVOLUTION_CATALOGUE_EXPORT bool admits(const pathfinder::VersionRange& range,
                                             const pathfinder::VersionId& version,

@@ -36,12 +36,21 @@ function findCutTexts() {
     .map((element) => element.textContent);
 }
 
-/** Runs in the page: the least contrast of text colours on the backgrounds that they stand on. */
+/**
+ * Runs in the page: the least contrast of text colours on the backgrounds that they stand on. Of
+ * pages, colours are given as the names of variables, of pictures as what is filled with them.
+ */
 function leastContrast(pairs) {
-  const styles = getComputedStyle(document.querySelector("svg, html"));
-  const luminance = (variable) => {
-    const hex = styles.getPropertyValue(variable).trim().replace(/^#(.)(.)(.)$/, "#$1$1$2$2$3$3");
-    const [red, green, blue] = [1, 3, 5].map((at) => parseInt(hex.slice(at, at + 2), 16) / 255)
+  const styles = getComputedStyle(document.documentElement);
+  const partsOf = (name) => {
+    if (!name.startsWith("--")) {
+      return getComputedStyle(document.querySelector(name)).fill.match(/\d+/g).map(Number);
+    }
+    const hex = styles.getPropertyValue(name).trim().replace(/^#(.)(.)(.)$/, "#$1$1$2$2$3$3");
+    return [1, 3, 5].map((at) => parseInt(hex.slice(at, at + 2), 16));
+  };
+  const luminance = (name) => {
+    const [red, green, blue] = partsOf(name).map((part) => part / 255)
       .map((part) => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
     return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
   };
@@ -59,7 +68,7 @@ for (const { lanes, steps } of sizes) {
       await picture(page, `page-${lanes}-${scheme}`);
       assert.deepEqual(page.requests, [`file://${file}`]);
       assert.deepEqual(page.complaints, []);
-      assert.equal(await page.evaluate(() => document.querySelectorAll("tbody tr").length), lanes);
+      assert.equal(await page.evaluate(() => document.querySelectorAll("#picture tbody tr").length), lanes);
       assert.equal(await page.evaluate(() => document.querySelectorAll("#steps > li").length), steps);
       assert.deepEqual(await page.evaluate(findCollisions, ".box"), []);
       assert.deepEqual(await page.evaluate(findCollisions, "thead button"), []);
@@ -92,8 +101,8 @@ for (const { lanes, steps } of sizes) {
           .map((text) => text.textContent);
       });
       assert.deepEqual(outside, []);
-      const pairs = ["--paper", "--stripe", "--band"].flatMap(
-        (ground) => [["--ink", ground], ["--quiet", ground]]);
+      const pairs = [".paper", ".stripe", ".band"].flatMap(
+        (ground) => [[".summary", ground], [".weight", ground]]);
       assert.ok(await page.evaluate(leastContrast, pairs) >= 4.5);
     });
   }
@@ -156,6 +165,22 @@ test("keys and clicks move between steps, and the step stays in sight", async ()
   assert.equal((await state()).step, "2");
   await page.click("thead th:nth-child(5) button");
   assert.equal((await state()).column, 3);
+});
+
+test("what a lane holds stays in sight when its box has scrolled away", async () => {
+  const page = await browser.open(draw(60, 40, "html"), "light");
+  const told = () => page.evaluate(() =>
+    [...document.querySelectorAll("#picture .now")].map((now) => now.textContent));
+  assert.ok((await told()).every((text) => text === ""));
+  const held = await page.evaluate(() => {
+    const picture = document.getElementById("picture");
+    picture.scrollLeft = picture.scrollWidth;
+    return [...document.querySelectorAll("#picture tbody tr")].map((row) =>
+      [...row.querySelectorAll(".box bdi")].map((version) => version.textContent));
+  });
+  while ((await told()).every((text) => text === "")) await new Promise((next) => { setTimeout(next, 20); });
+  (await told()).forEach((text, lane) => assert.ok(text === "" || held[lane].includes(text), text));
+  assert.ok((await told()).filter((text) => text !== "").length > 30);
 });
 
 test("names and versions are text, whatever they hold", async () => {

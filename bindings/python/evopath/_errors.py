@@ -8,7 +8,7 @@ class EvopathError(Exception):
 
 
 class InvalidArgument(EvopathError, ValueError):
-    """An argument, or a row, that cannot be: an empty name, a version beyond 64 bits."""
+    """An argument, or a row, that cannot be: an empty name, a reversed range."""
 
 
 class InconsistentData(EvopathError):
