@@ -113,6 +113,12 @@ class PythonRepository : public RowRepository {
     return readAll(listNames_().cast<std::vector<std::string>>(), "list_names", parseName);
   }
 
+  /// Rows of Python code have none.
+  std::u16string findVersionNote(const std::u16string& /*name*/,
+                                 const VersionId& /*version*/) override {
+    return {};
+  }
+
  protected:
   std::vector<CatalogueMetamodel> rowsOf(const std::u16string& name,
                                          const VersionRange* range) override {

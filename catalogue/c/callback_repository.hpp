@@ -17,6 +17,12 @@ class CallbackRepository : public RowRepository {
 
   std::vector<std::u16string> listNames() override;
 
+  /// Rows of hosts have none.
+  std::u16string findVersionNote(const std::u16string& /*name*/,
+                                 const pathfinder::VersionId& /*version*/) override {
+    return {};
+  }
+
  protected:
   std::vector<CatalogueMetamodel> rowsOf(const std::u16string& name,
                                          const pathfinder::VersionRange* range) override;

@@ -58,6 +58,15 @@ std::vector<Hop> RowRepository::listHops(const std::u16string& name) {
   return checkedHopsOf(name, nullptr);
 }
 
+std::u16string RowRepository::findVersionNote(const std::u16string& name,
+                                              const VersionId& version) {
+  const VersionRange range = VersionRange::singleVersion(version);
+  for (CatalogueMetamodel& row : checkedRowsOf(name, &range)) {
+    if (row.descriptor.version == version) return std::move(row.note);
+  }
+  return {};
+}
+
 std::vector<CatalogueMetamodel> RowRepository::checkedRowsOf(const std::u16string& name,
                                                              const VersionRange* range) {
   std::vector<CatalogueMetamodel> rows = rowsOf(name, range);

@@ -26,6 +26,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
 
   std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
   std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
+  std::u16string findVersionNote(const std::u16string& name,
+                                 const pathfinder::VersionId& version) override;
   std::optional<Question> getQuestion() override { return std::nullopt; }
 
  protected:

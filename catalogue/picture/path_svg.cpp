@@ -50,7 +50,6 @@ constexpr const char* style = R"(<style>
 class SvgWriter {
  public:
   SvgWriter(const PathPicture& picture, std::ostream& out)
-      // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject): lanes_ is, elsewhere
       : picture_(picture), cells_(layOutCells(picture)), lanes_(picture, cells_), out_(out) {}
 
   void write() const {
