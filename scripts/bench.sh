@@ -20,5 +20,5 @@ done
 
 scripts/setup.sh
 cmake --preset release --log-level=WARNING -DTARN_BUILD_BENCHMARKS=ON
-cmake --build --preset release --target pathfinder_benchmarks bench_question bench_store
+cmake --build --preset release --target pathfinder_benchmarks bench_question bench_store evopath
 python3 bench/run_benchmarks.py --build build/release "${quick[@]}" "${document[@]}"
