@@ -97,6 +97,10 @@ TEST_F(StoreCheck, FindsRowsThatCannotStandThere) {
        "FROM "
        "question",
        ""},
+      {"UPDATE dependencies SET note = CAST(x'ff' AS TEXT) WHERE ordinal = 0 AND metamodel = 4",
+       "damaged-store table dependencies, metamodel 4, ordinal 0, column note\n"},
+      {"UPDATE hops SET note = CAST(x'ff' AS TEXT) WHERE position = 0",
+       "damaged-store table hops, row 0, column note\n"},
       {"UPDATE hops SET source = 7 WHERE position = 0",
        "bad-version table hops, row 0, column source\n"},
       {"UPDATE hops SET expensive = 2 WHERE position = 1; UPDATE dependencies SET version = '9' "

@@ -78,7 +78,7 @@ TEST_F(NotesShown, WhereverWhatTheyAreOfIs) {
       {"path c.store --format svg" + way,
        "B enters at 1.0.0, brought in by a link: brings a \\u{1b}"},
       {"path c.store --format html" + way,
-       "<p dir=\"auto\">slow</p><p dir=\"auto\">leaks &quot;much&quot;<br>see x</p>"},
+       R"(<p dir="auto">slow</p><p dir="auto">leaks &quot;much&quot;<br>see x</p>)"},
       {"show c.store A",
        "  2.0.0\n    leaks \"much\"\n    see x\n    needs    B 1.0.0\n               for <b>\n"
        "    from     1.0.0  expensive\n               slow\n"},

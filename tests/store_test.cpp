@@ -23,28 +23,38 @@ Selection selectionOf(const VersionBaseline& baseline) {
   return result;
 }
 
+void expectSameMetamodels(BrowsableRepository& left, BrowsableRepository& right,
+                          const std::u16string& name) {
+  const auto metamodels = left.listMetamodels(name);
+  const auto others = right.listMetamodels(name);
+  ASSERT_EQ(metamodels.size(), others.size());
+  for (std::size_t i = 0; i < metamodels.size(); ++i) {
+    const auto& [descriptor, equivalent, note, dependencyNotes] = metamodels[i];
+    EXPECT_EQ(descriptor, others[i].descriptor);
+    EXPECT_EQ(equivalent, others[i].equivalent);
+    EXPECT_EQ(note, others[i].note);
+    EXPECT_EQ(dependencyNotes, others[i].dependencyNotes);
+    EXPECT_EQ(left.findVersionNote(name, descriptor.version), note);
+    EXPECT_EQ(right.findVersionNote(name, descriptor.version), note);
+  }
+}
+
+void expectSameHops(BrowsableRepository& left, BrowsableRepository& right,
+                    const std::u16string& name) {
+  const auto hops = left.listHops(name);
+  const auto others = right.listHops(name);
+  EXPECT_EQ(hops, others);
+  for (std::size_t i = 0; i < hops.size(); ++i) {
+    EXPECT_EQ(hops[i].expensive, others[i].expensive);
+    EXPECT_EQ(left.findHopNote(hops[i]), right.findHopNote(hops[i]));
+  }
+}
+
 void expectSameLists(BrowsableRepository& left, BrowsableRepository& right) {
   EXPECT_EQ(left.listNames(), right.listNames());
   for (const std::u16string& name : left.listNames()) {
-    const auto metamodels = left.listMetamodels(name);
-    const auto others = right.listMetamodels(name);
-    ASSERT_EQ(metamodels.size(), others.size());
-    for (std::size_t i = 0; i < metamodels.size(); ++i) {
-      EXPECT_EQ(metamodels[i].descriptor, others[i].descriptor);
-      EXPECT_EQ(metamodels[i].equivalent, others[i].equivalent);
-      EXPECT_EQ(metamodels[i].note, others[i].note);
-      EXPECT_EQ(metamodels[i].dependencyNotes, others[i].dependencyNotes);
-      const VersionId& version = metamodels[i].descriptor.version;
-      EXPECT_EQ(left.findVersionNote(name, version), metamodels[i].note);
-      EXPECT_EQ(right.findVersionNote(name, version), metamodels[i].note);
-    }
-    const auto hops = left.listHops(name);
-    const auto otherHops = right.listHops(name);
-    EXPECT_EQ(hops, otherHops);
-    for (std::size_t i = 0; i < hops.size(); ++i) {
-      EXPECT_EQ(hops[i].expensive, otherHops[i].expensive);
-      EXPECT_EQ(left.findHopNote(hops[i]), right.findHopNote(hops[i]));
-    }
+    expectSameMetamodels(left, right, name);
+    expectSameHops(left, right, name);
   }
 }
 

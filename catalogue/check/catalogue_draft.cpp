@@ -16,7 +16,9 @@ std::string columnOf(const std::string& field) {
   if (field == "semver") return "equivalent";
   if (field == "from") return "source";
   if (field == "to") return "target";
-  return field == "name" || field == "version" || field == "expensive" ? field : "";
+  const bool isSame =
+      field == "name" || field == "version" || field == "expensive" || field == "note";
+  return isSame ? field : "";
 }
 
 std::string fieldText(Form form, const std::string& field) {

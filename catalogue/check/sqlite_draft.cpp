@@ -5,6 +5,7 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
+#include "catalogue/store/sqlite_schema.hpp"
 #include "catalogue/store/store_snapshot.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/version_range.hpp"
@@ -31,7 +32,9 @@ VersionRange checkedRangeIn(const Rows& rows, int column) {
 
 class SqliteDraftReader {
  public:
-  explicit SqliteDraftReader(SqliteDatabase& database) : database_(database) {
+  explicit SqliteDraftReader(SqliteDatabase& database)
+      : database_(database),
+        note_(database.number("PRAGMA user_version") >= firstFormWithNotes ? "note" : "NULL") {
     draft_.form = CatalogueDraft::Form::Tables;
   }
 
@@ -59,9 +62,9 @@ class SqliteDraftReader {
   void readTables() {
     readMetamodels();
     SqliteStatement hops(
-        database_,
-        "SELECT position, names.name, source, target, hops.name, expensive FROM hops "
-        "LEFT JOIN names ON names.id = hops.name ORDER BY position");
+        database_, "SELECT position, names.name, source, target, hops.name, expensive, " + note_ +
+                       " FROM hops "
+                       "LEFT JOIN names ON names.id = hops.name ORDER BY position");
     auto rows = hops.query();
     while (rows.next()) readHop(rows);
     readQuestion();
@@ -69,14 +72,15 @@ class SqliteDraftReader {
 
   void readMetamodels() {
     SqliteStatement metamodels(
-        database_,
-        "SELECT position, names.name, version, equivalent, metamodels.name FROM metamodels "
-        "LEFT JOIN names ON names.id = metamodels.name ORDER BY position");
+        database_, "SELECT position, names.name, version, equivalent, metamodels.name, " + note_ +
+                       " FROM metamodels "
+                       "LEFT JOIN names ON names.id = metamodels.name ORDER BY position");
     SqliteStatement dependencies(
         database_,
-        "SELECT metamodel, ordinal, names.name, version, lower, upper, dependencies.name "
-        "FROM dependencies LEFT JOIN names ON names.id = dependencies.name "
-        "ORDER BY metamodel, ordinal");
+        "SELECT metamodel, ordinal, names.name, version, lower, upper, dependencies.name, " +
+            note_ +
+            " FROM dependencies LEFT JOIN names ON names.id = dependencies.name "
+            "ORDER BY metamodel, ordinal");
     auto rows = metamodels.query();
     auto dependencyRows = dependencies.query();
     bool hasDependency = dependencyRows.next();
@@ -101,6 +105,7 @@ class SqliteDraftReader {
     row.name = nameIn(rows, 1, 4, draft_.placeOf(row, "name"));
     row.version = orFind(FindingCode::BadVersion, draft_.placeOf(row, "version"),
                          [&] { return versionIn(rows, 2); });
+    checkNote(rows, 5, draft_.placeOf(row, "note"));
     if (rows.isNull(3)) return row;
     const Place place = draft_.placeOf(row, "semver");
     row.equivalent = orFind(FindingCode::BadEquivalent, place, [&] { return semVerIn(rows, 3); });
@@ -116,6 +121,7 @@ class SqliteDraftReader {
     row.name = nameIn(rows, 2, 6, draft_.placeOf(owner, row, "name"));
     row.range = orFind(FindingCode::BadRange, draft_.placeOf(owner, row, "range"),
                        [&] { return checkedRangeIn(rows, 3); });
+    checkNote(rows, 7, draft_.placeOf(owner, row, "note"));
     owner.dependencies.push_back(std::move(row));
   }
 
@@ -136,7 +142,12 @@ class SqliteDraftReader {
     if (const std::int64_t expensive = rows.number(5); expensive != 0 && expensive != 1) {
       find(FindingCode::DamagedStore, draft_.placeOf(row, "expensive"), "must be 0 or 1");
     }
+    checkNote(rows, 6, draft_.placeOf(row, "note"));
     draft_.hops.push_back(std::move(row));
+  }
+
+  void checkNote(const Rows& rows, int column, const Place& place) {
+    orFind(FindingCode::DamagedStore, place, [&] { return noteIn(rows, column); });
   }
 
   void readQuestion() {
@@ -203,6 +214,7 @@ class SqliteDraftReader {
   }
 
   SqliteDatabase& database_;
+  const std::string note_;  // the column that notes stand in
   CatalogueDraft draft_;
   std::uint64_t count_ = 0;  // of rows read
 };

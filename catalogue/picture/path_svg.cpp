@@ -83,7 +83,6 @@ void writeStyle(std::ostream& out) {
 class SvgWriter {
  public:
   SvgWriter(const PathPicture& picture, std::ostream& out)
-      // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.UninitializedObject): lanes_ is, elsewhere
       : picture_(picture), cells_(layOutCells(picture)), lanes_(picture, cells_), out_(out) {}
 
   void write() const {

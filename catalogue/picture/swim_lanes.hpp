@@ -42,7 +42,7 @@ class SwimLanes {
 
  private:
   std::vector<int> lefts_;
-  int lanesBottom_;
+  int lanesBottom_ = 0;
 };
 
 /// An upper estimate of a text's width in pixels.
