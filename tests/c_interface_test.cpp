@@ -265,6 +265,14 @@ class Host {
   CatalogueContent content_;
 };
 
+/// The selection as C hands it on: which of several unknown versions is named follows the order of
+/// the map, and that the order in which it was filled.
+Selection handedOn(const Selection& selection) {
+  Selection result;
+  for (const auto& each : selection) result.insert(each);
+  return result;
+}
+
 /// What C++ answers.
 class Reference {
  public:
@@ -272,7 +280,7 @@ class Reference {
 
   Outcome path(const Selection& from, const Selection& to) {
     return written([&](std::ostream& out) {
-      const auto path = repository_.findPath(from, to);
+      const auto path = repository_.findPath(handedOn(from), handedOn(to));
       if (path) writePathJson(drawPath(weightsOf(repository_), *path), out);
       return path.has_value();
     });
@@ -280,7 +288,7 @@ class Reference {
 
   Outcome steps(const Selection& at) {
     return written([&](std::ostream& out) {
-      const auto listings = listSteps(repository_, at, VersionRepository::Unknown, 1000);
+      const auto listings = listSteps(repository_, handedOn(at), VersionRepository::Unknown, 1000);
       if (!listings.empty()) writeStepsJson(listings, out);
       return !listings.empty();
     });
@@ -288,7 +296,8 @@ class Reference {
 
   Outcome explanation(const Selection& from, const Selection& to) {
     return written([&](std::ostream& out) {
-      writeExplanationJson(explain(repository_, {from, to}, 20), weightsOf(repository_), out);
+      writeExplanationJson(explain(repository_, {handedOn(from), handedOn(to)}, 20),
+                           weightsOf(repository_), out);
       return true;
     });
   }
