@@ -136,7 +136,7 @@ class BatchAsker {
     LinkableRepository& repository = freshRepository();
     try {
       const auto path = repository.findPath(question.from, question.to, limitsFromNow());
-      const std::string line = path ? planOf(asked, makePlan(repository, question, *path))
+      const std::string line = path ? planOf(asked, makePlan(repository, content_, question, *path))
                                     : lineOf(asked, [&](JsonPrinter& printer) {
                                         writeAnswerHead(printer, false, question);
                                       });
@@ -150,9 +150,7 @@ class BatchAsker {
   }
 
   std::string planOf(const BatchQuestion& asked, const PathPlan& plan) const {
-    return lineOf(asked, [&](JsonPrinter& printer) {
-      writePlanFields(printer, plan, weightsOf(*repository_));
-    });
+    return lineOf(asked, [&](JsonPrinter& printer) { writePlanFields(printer, plan); });
   }
 
   static std::string openOf(const BatchQuestion& asked, const SearchStopped& stopped) {

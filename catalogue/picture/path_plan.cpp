@@ -69,12 +69,14 @@ void writeBundles(JsonPrinter& printer, const BaselineHop& step, const std::vect
 
 }  // namespace
 
-PathPlan makePlan(pathfinder::VersionRepository& repository, const Question& question,
-                  const std::vector<BaselineHop>& path) {
-  PathPlan plan{question, {}, {}, path, {}};
+PathPlan makePlan(pathfinder::VersionRepository& repository, BrowsableRepository& content,
+                  const Question& question, const std::vector<BaselineHop>& path) {
+  PathPlan plan{question, {}, {}, path, {}, {}};
   for (const BaselineHop& step : path) plan.ties.push_back(tiesOf(repository, step));
   plan.start = path.empty() ? findArrived(repository, question) : path.front().from;
   plan.end = path.empty() ? plan.start : path.back().to;
+  plan.picture = drawPath(weightsOf(repository), plan.start, path);
+  addNotes(content, plan.picture);
   return plan;
 }
 
@@ -89,10 +91,9 @@ void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& questio
   });
 }
 
-void writePlanFields(JsonPrinter& printer, const PathPlan& plan, const StepWeights& weights) {
-  const PathPicture picture = drawPath(weights, plan.start, plan.steps);
+void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
   writeAnswerHead(printer, true, plan.question);
-  printer.field("weight", std::uint64_t{picture.weight});
+  printer.field("weight", std::uint64_t{plan.picture.weight});
   printer.key("start");
   writeMembers(printer, plan.start);
   printer.key("end");
@@ -100,7 +101,7 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan, const StepWeigh
   printer.arrayField("steps", [&] {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
       printer.object([&] {
-        writeStepFields(printer, picture, picture.steps[i]);
+        writeStepFields(printer, plan.picture, plan.picture.steps[i]);
         printer.arrayField("ties", [&] {
           for (const StepTie& tie : plan.ties[i]) writeTie(printer, tie);
         });
@@ -110,9 +111,9 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan, const StepWeigh
   });
 }
 
-void writePlanJson(const PathPlan& plan, const StepWeights& weights, std::ostream& out) {
+void writePlanJson(const PathPlan& plan, std::ostream& out) {
   JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] { writePlanFields(printer, plan, weights); });
+  printer.object([&] { writePlanFields(printer, plan); });
   out << "\n";
 }
 

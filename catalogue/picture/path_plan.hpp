@@ -18,11 +18,14 @@ struct PathPlan {
   pathfinder::VersionBaseline end;    ///< after the last one
   std::vector<pathfinder::BaselineHop> steps;
   std::vector<std::vector<StepTie>> ties;  ///< for each step
+  PathPicture picture;                     ///< with weights and notes
 };
 
 /// The plan of a path that `repository.findPath(question.from, question.to)` has found. One without
 /// steps starts where the source includes the target; to find that baseline, both are combined.
+/// `content` tells the notes; it may be the same.
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPlan makePlan(pathfinder::VersionRepository& repository,
+                                                  BrowsableRepository& content,
                                                   const Question& question,
                                                   const std::vector<pathfinder::BaselineHop>& path);
 
@@ -33,16 +36,15 @@ inline constexpr std::uint64_t planForm = 1;
 ///
 ///     {"form": 1, "found": true, "question": {"from": MEMBERS, "to": MEMBERS}, "weight",
 ///      "start": MEMBERS, "end": MEMBERS,
-///      "steps": [{"weight", "hops": [{"name", "from", "to", "expensive"}],
-///                 "broughtIn": [{"name", "version"}],
+///      "steps": [{"weight", "hops": [{"name", "from", "to", "expensive", "notes": [text]}],
+///                 "broughtIn": [{"name", "version", "notes": [text]}],
 ///                 "ties": [{"mover", "companion", "dependent": {"name", "version"},
 ///                           "needs": {"name", "range"}, "refused"}],
 ///                 "bundles": [[name]]}]}
 ///
 /// MEMBERS are {name: version}. For ties see `StepTie`, for bundles `bundlesOf`; a range is as in a
-/// catalogue, and "refused" null where the companion enters. Fields may come to be added without a
-/// new form. `weights` weighs the steps.
-TARN_EVOLUTION_CATALOGUE_EXPORT void writePlanJson(const PathPlan& plan, const StepWeights& weights,
-                                                   std::ostream& out);
+/// catalogue, and "refused" null where the companion enters; "notes" is left out where there are
+/// none. Fields may come to be added without a new form.
+TARN_EVOLUTION_CATALOGUE_EXPORT void writePlanJson(const PathPlan& plan, std::ostream& out);
 
 }  // namespace tarn::evolution::catalogue

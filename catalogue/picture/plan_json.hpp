@@ -6,7 +6,7 @@
 namespace tarn::evolution::catalogue {
 
 /// Writes the fields of a plan.
-void writePlanFields(JsonPrinter& printer, const PathPlan& plan, const StepWeights& weights);
+void writePlanFields(JsonPrinter& printer, const PathPlan& plan);
 
 /// Writes the fields "form", "found" and "question", with which every answer begins.
 void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question);

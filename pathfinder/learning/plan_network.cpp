@@ -38,6 +38,7 @@ class NetworkBuilding {
         nodeOf_(ground.space.versions.size(), SearchSpace::none) {}
 
   std::optional<PlanNetwork> run() {
+    if (space_.anyLinksOwnName) return std::nullopt;  // what a selection holds then is not certain
     for (const SearchSpace::Name& name : space_.names) {
       if (name.absent != SearchSpace::none) return std::nullopt;
     }

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Looks for what a library that is embedded must not do, in what it calls and in what it keeps.
 
-usage: check_conduct.py LIBRARY [OBJECT...]
+usage: check_conduct.py [--threads] LIBRARY [OBJECT...]
 
-No output of its own, no end of the process, no thread; and no variable that outlives a call, but for the logger and for
+No output of its own, no end of the process, no thread, unless the host can ask for some ("--threads"); and no variable that outlives a call, but for the logger and for
 constants that are made when they are first used. For release builds: others check assertions.
 
 With objects, what they call counts instead of what the library does. A solver that is part of it has functions that
@@ -33,11 +33,14 @@ def lines_of(*command):
         command, check=True, capture_output=True, text=True, env=environment).stdout.splitlines()
 
 
-def called(library, objects):
+THREAD = re.compile(r"std::thread::_M_start_thread")
+
+
+def called(library, objects, may_start_threads):
     for binary in objects or [library]:
         for line in lines_of("nm", *([] if objects else ["--dynamic"]), "--undefined-only", "--demangle", binary):
             name = line.split(maxsplit=1)[1]
-            if FORBIDDEN.match(name):
+            if FORBIDDEN.match(name) and not (may_start_threads and THREAD.match(name)):
                 yield f"{binary} calls {name}"
 
 
@@ -53,8 +56,10 @@ def kept(library):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 2:
+    may_start_threads = "--threads" in sys.argv[1:2]
+    arguments = sys.argv[2 if may_start_threads else 1:]
+    if not arguments:
         sys.exit(__doc__)
-    faults = [*called(sys.argv[1], sys.argv[2:]), *kept(sys.argv[1])]
+    faults = [*called(arguments[0], arguments[1:], may_start_threads), *kept(arguments[0])]
     print("\n".join(faults) or "Nothing that it must not do.")
     sys.exit(bool(faults))

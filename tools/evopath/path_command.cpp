@@ -151,7 +151,7 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
                    BrowsableRepository& repository, const Question& question) {
   if (options.form.format == PathFormat::Json) {
     std::ostringstream text;
-    writePlanJson(makePlan(repository, question, path), weightsOf(repository), text);
+    writePlanJson(makePlan(repository, repository, question, path), text);
     return text.str();
   }
   auto picture =
