@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "catalogue/conditions/condition_texts.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/version_text.hpp"
 
@@ -113,6 +114,22 @@ Selection readSelection(const py::dict& selection, const char* argument) {
     readAt(place, [&] { return result.emplace(parseName(name), parseVersion(version)); });
   }
   return result;
+}
+
+PathConditions ConditionOptions::read(BrowsableRepository& repository) const {
+  PathConditions conditions;
+  const auto readEach = [&](const auto& entries, const char* argument, const auto& add) {
+    for (const auto& [name, what] : entries) {
+      try {
+        add(repository, parseName(name), what, conditions);
+      } catch (const std::invalid_argument& error) {
+        throw std::invalid_argument(std::string(argument) + "[\"" + name + "\"]: " + error.what());
+      }
+    }
+  };
+  readEach(avoided, "avoid", addAvoided);
+  readEach(pinned, "pin", addPinned);
+  return conditions;
 }
 
 SearchLimits LimitOptions::read() const {

@@ -7,9 +7,11 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/conditions/conditional_path.hpp"
 #include "pathfinder/search_limits.hpp"
 
 /// What Python code hands in. Everything here throws std::invalid_argument, which names the
@@ -37,6 +39,18 @@ std::string readText(const py::handle& value, const char* argument);
 
 /// Versions by name. Any dictionary will do, whatever its keys and values.
 Selection readSelection(const py::dict& selection, const char* argument);
+
+/// What a path is to keep to: versions to avoid, as names with ranges, and metamodels to pin, each
+/// where it is or at a version.
+struct ConditionOptions {
+  std::vector<std::pair<std::string, std::string>> avoided;
+  std::vector<std::pair<std::string, OptionalText>> pinned;
+
+  bool areNone() const { return avoided.empty() && pinned.empty(); }
+
+  /// Asks the repository what it knows. Does not need the global lock.
+  PathConditions read(BrowsableRepository& repository) const;
+};
 
 /// Limits as Python code gives them.
 struct LimitOptions {

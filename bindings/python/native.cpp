@@ -5,6 +5,7 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <sstream>
 
@@ -13,6 +14,7 @@
 #include "catalogue/check/check.hpp"
 #include "catalogue/check/findings_json.hpp"
 #include "catalogue/check/open_draft.hpp"
+#include "catalogue/conditions/conditional_path.hpp"
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/open_catalogue.hpp"
@@ -46,11 +48,12 @@ class Repository {
       : repository_(std::move(repository)) {}
 
   std::optional<Path> findPath(const py::dict& source, const py::dict& target,
-                               const LimitOptions& options) {
+                               const LimitOptions& options, const ConditionOptions& conditions) {
     const Selection from = readSelection(source, "source");
     const Selection to = readSelection(target, "target");
     auto steps = interruptible(options.read(), [&](const SearchLimits& limits) {
-      return repository_->findPath(from, to, limits);
+      return conditions.areNone() ? repository_->findPath(from, to, limits)
+                                  : findConditionalPath(from, to, conditions, limits);
     });
     if (!steps) return std::nullopt;
     return steps->empty() ? Path(drawSelection(from)) : Path(repository_, *std::move(steps));
@@ -124,6 +127,21 @@ class Repository {
     return result;
   }
 
+  using Steps = std::vector<pathfinder::BaselineHop>;
+
+  std::optional<Steps> findConditionalPath(const Selection& from, const Selection& to,
+                                           const ConditionOptions& conditions,
+                                           const SearchLimits& limits) {
+    const PathConditions read = conditions.read(*repository_);
+    std::vector<PathGoal> goals;
+    for (const auto& [name, version] : std::map(to.begin(), to.end())) {
+      const bool isKnown = repository_->getMetamodel(name, version).has_value();
+      if (!isKnown) repository_->combine({{name, version}});  // which says so
+      goals.push_back({name, {version}});
+    }
+    return catalogue::findConditionalPath(*repository_, from, goals, read, limits);
+  }
+
   const std::shared_ptr<BrowsableRepository> repository_;
 };
 
@@ -171,9 +189,16 @@ PYBIND11_MODULE(_native, module) {
            }),
            py::arg("timeout"), py::arg("memory"), py::arg("progress"));
 
+  py::class_<ConditionOptions>(module, "Conditions")
+      .def(py::init([](decltype(ConditionOptions::avoided) avoided,
+                       decltype(ConditionOptions::pinned) pinned) {
+             return ConditionOptions{std::move(avoided), std::move(pinned)};
+           }),
+           py::arg("avoided"), py::arg("pinned"));
+
   py::class_<Repository>(module, "Repository")
       .def("find_path", &Repository::findPath, py::arg("source"), py::arg("target"),
-           py::arg("limits"))
+           py::arg("limits"), py::arg("conditions"))
       .def("explain", &Repository::explain, py::arg("source"), py::arg("target"), py::arg("budget"),
            py::arg("limits"))
       .def("steps", &Repository::steps, py::arg("at"), py::arg("direction"), py::arg("limit"))

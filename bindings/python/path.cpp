@@ -25,7 +25,7 @@ namespace {
 
 // A picture as tuples.
 using LaneTuple = std::tuple<std::string, std::string, bool>;
-using MoveTuple = std::tuple<std::size_t, std::string, std::string, int>;
+using MoveTuple = std::tuple<std::size_t, std::string, std::string, int, std::vector<std::string>>;
 using StepTuple = std::tuple<std::uint64_t, std::vector<MoveTuple>>;
 
 void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
@@ -81,11 +81,11 @@ class ValueMaker {
 };
 
 PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
-  const auto& [lane, from, to, kind] = tuple;
+  const auto& [lane, from, to, kind, notes] = tuple;
   if (lane >= lanes || kind < 0 || kind > static_cast<int>(MoveKind::Entering)) {
     throw std::invalid_argument("the state is none of a path");
   }
-  return {lane, from, to, static_cast<MoveKind>(kind)};
+  return {lane, from, to, static_cast<MoveKind>(kind), notes};
 }
 
 }  // namespace
@@ -128,7 +128,7 @@ py::tuple Path::stepsOf(const PathPicture& picture) {
   for (const PathPicture::Step& step : picture.steps) {
     py::list hops;
     py::list broughtIn;
-    for (const auto& [lane, from, to, kind] : step.moves) {
+    for (const auto& [lane, from, to, kind, notes] : step.moves) {
       if (kind == MoveKind::Entering) {
         broughtIn.append(makeNamedVersion(names[lane], to));
       } else {
@@ -146,12 +146,12 @@ py::tuple Path::state() {
     lanes.emplace_back(name, start, isMoved);
   }
   std::vector<StepTuple> steps;
-  for (const auto& [moves, weight] : picture().steps) {
+  for (const PathPicture::Step& step : picture().steps) {
     std::vector<MoveTuple> tuples;
-    for (const auto& [lane, from, to, kind] : moves) {
-      tuples.emplace_back(lane, from, to, static_cast<int>(kind));
+    for (const auto& [lane, from, to, kind, notes] : step.moves) {
+      tuples.emplace_back(lane, from, to, static_cast<int>(kind), notes);
     }
-    steps.emplace_back(weight, std::move(tuples));
+    steps.emplace_back(step.weight, std::move(tuples));
   }
   return py::make_tuple(lanes, steps);
 }
@@ -162,7 +162,8 @@ Path Path::ofState(const py::tuple& state) {
   PathPicture picture;
   for (const auto& [name, start, isMoved] : lanes) picture.lanes.push_back({name, start, isMoved});
   for (const auto& [weight, moves] : steps) {
-    PathPicture::Step& step = picture.steps.emplace_back(PathPicture::Step{{}, weight});
+    PathPicture::Step& step =
+        picture.steps.emplace_back(PathPicture::Step{.moves = {}, .weight = weight});
     for (const MoveTuple& move : moves) step.moves.push_back(readMove(move, lanes.size()));
     picture.weight += weight;
   }

@@ -1,6 +1,7 @@
 #include "python_repository.hpp"
 
 #include "arguments.hpp"
+#include "catalogue/range_union.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"

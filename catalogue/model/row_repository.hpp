@@ -29,6 +29,12 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
   std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
   std::optional<Question> getQuestion() override { return std::nullopt; }
 
+  /// Rows tell nothing for people to read.
+  std::u16string findVersionNote(const std::u16string& /*name*/,
+                                 const pathfinder::VersionId& /*version*/) override {
+    return {};
+  }
+
  protected:
   /// At least the metamodels of a name whose version, or its equivalent, lies in any of `ranges`,
   /// none of which is a union; all of the name where there are none. In the preferred order.

@@ -1,8 +1,10 @@
 #include "condition_options.hpp"
 
 #include <map>
+#include <optional>
 #include <stdexcept>
 
+#include "catalogue/conditions/condition_texts.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/visible.hpp"
@@ -16,58 +18,27 @@ using tarn::evolution::pathfinder::VersionRepository;
 
 namespace {
 
-/// An argument NAME=WHAT, read with the repository at hand. Throws std::invalid_argument, which
-/// names option and argument.
-class ConditionArgument {
- public:
-  ConditionArgument(BrowsableRepository& repository, const std::string& option,
-                    const std::string& argument)
-      : repository_(repository), place_(option + " " + argument + ": ") {
+/// Reads an argument NAME or NAME=WHAT and hands both to `add`. What that throws names option and
+/// argument.
+template <class Add>
+void readArgument(const std::string& option, const std::string& argument, const Add& add) {
+  try {
     const std::size_t separator = argument.find('=');
-    hasWhat_ = separator != argument.npos;
-    if (hasWhat_) what_ = argument.substr(separator + 1);
-    name_ = attempt([&] { return parseName(argument.substr(0, separator)); });
-    if (repository.listMetamodels(name_).empty()) fail("there is no such metamodel");
-  }
-
-  const std::u16string& name() const { return name_; }
-  bool hasWhat() const { return hasWhat_; }
-
-  std::vector<VersionId> versions() const {
-    if (!hasWhat_) fail("must be NAME=RANGE");
-    auto versions = attempt([&] { return versionsMeant(repository_, name_, what_); });
-    if (versions.empty()) fail("there is no such version");
-    return versions;
-  }
-
-  VersionId version() const {
-    if (!hasWhat_) fail("must be NAME=VERSION");
-    const auto found =
-        repository_.getMetamodel(name_, attempt([&] { return parseVersion(what_); }));
-    if (!found) fail("there is no such version");
-    return found->version;
-  }
-
- private:
-  [[noreturn]] void fail(const std::string& reason) const {
-    throw std::invalid_argument(visible(place_) + reason);
-  }
-
-  template <class Compute>
-  auto attempt(const Compute& compute) const -> decltype(compute()) {
-    try {
-      return compute();
-    } catch (const std::invalid_argument& error) {
-      fail(error.what());
+    const std::u16string name = parseName(argument.substr(0, separator));
+    if (separator == argument.npos) {
+      add(name, std::optional<std::string>());
+    } else {
+      add(name, std::optional(argument.substr(separator + 1)));
     }
+  } catch (const std::invalid_argument& error) {
+    throw std::invalid_argument(visible(option + " " + argument + ": ") + error.what());
   }
+}
 
-  BrowsableRepository& repository_;
-  std::string place_;
-  std::u16string name_;
-  std::string what_;
-  bool hasWhat_ = false;
-};
+const std::string& expected(const std::optional<std::string>& what, const char* form) {
+  if (!what) throw std::invalid_argument(form);
+  return *what;
+}
 
 /// Several versions of one name, if that is what the text of a target means.
 std::optional<PathGoal> findWideGoal(BrowsableRepository& repository, const std::u16string& name,
@@ -128,22 +99,19 @@ std::optional<ConditionalQuestion> ConditionOptions::resolve(BrowsableRepository
   if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
   PathConditions& conditions = result.conditions;
   for (const std::string& each : avoided) {
-    const ConditionArgument argument(repository, "--avoid", each);
-    const auto versions = argument.versions();
-    auto& all = conditions.avoided[argument.name()];
-    all.insert(all.end(), versions.begin(), versions.end());
+    readArgument("--avoid", each, [&](const auto& name, const auto& range) {
+      addAvoided(repository, name, expected(range, "must be NAME=RANGE"), conditions);
+    });
   }
   for (const std::string& each : pinned) {
-    const ConditionArgument argument(repository, "--pin", each);
-    if (argument.hasWhat()) {
-      conditions.kept.insert_or_assign(argument.name(), argument.version());
-    } else {
-      conditions.held.insert(argument.name());
-    }
+    readArgument("--pin", each, [&](const auto& name, const auto& version) {
+      addPinned(repository, name, version, conditions);
+    });
   }
   for (const std::string& each : via) {
-    const ConditionArgument argument(repository, "--via", each);
-    conditions.via.emplace_back(argument.name(), argument.version());
+    readArgument("--via", each, [&](const auto& name, const auto& version) {
+      addVia(repository, name, expected(version, "must be NAME=VERSION"), conditions);
+    });
   }
   if (!direction.empty()) conditions.direction = directions.at(direction);
   if (!isConditional && conditions.areNone()) return std::nullopt;

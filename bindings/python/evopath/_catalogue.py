@@ -131,6 +131,31 @@ def _limits(timeout: float | None, memory: int | None,
     return _native.Limits(timeout, memory, told)
 
 
+_NO_CONDITIONS = _native.Conditions([], [])
+
+
+def _conditions(avoid: Mapping[str, str | Iterable[str]] | None,
+                pin: Mapping[str, str | None] | Iterable[str] | None) -> _native.Conditions:
+    if not avoid and not pin:
+        return _NO_CONDITIONS
+    if avoid is not None and not isinstance(avoid, Mapping):
+        raise TypeError(f"avoid must be a mapping of names to ranges, not {type(avoid).__name__}")
+    if isinstance(pin, str) or not isinstance(pin, (Mapping, Iterable, type(None))):
+        raise TypeError("pin must be a mapping of names to versions, or several names, "
+                        f"not {type(pin).__name__}")
+    avoided = []
+    for name, ranges in (avoid or {}).items():
+        for text in [ranges] if isinstance(ranges, str) else list(ranges):
+            avoided.append((_text(name, "avoid: a name"), _text(text, f"avoid[{name!r}]")))
+    pinned: list[tuple[str, str | None]] = []
+    if isinstance(pin, Mapping):
+        pinned = [(_text(name, "pin: a name"), _optional_text(version, f"pin[{name!r}]"))
+                  for name, version in pin.items()]
+    elif pin is not None:
+        pinned = [(_text(name, "pin: a name"), None) for name in pin]
+    return _native.Conditions(avoided, pinned)
+
+
 class _Asked(abc.ABC):
     """What can be asked. Any number of threads may ask the same object at the same time; they do so
     side by side, for the global interpreter lock is not held while the library works."""
@@ -139,20 +164,28 @@ class _Asked(abc.ABC):
     def _repository(self) -> _native.Repository:
         """The library's own."""
 
-    def find_path(self, source: Selection, target: Selection, *, timeout: float | None = None,
-                  memory: int | None = None,
+    def find_path(self, source: Selection, target: Selection, *,
+                  avoid: Mapping[str, str | Iterable[str]] | None = None,
+                  pin: Mapping[str, str | None] | Iterable[str] | None = None,
+                  timeout: float | None = None, memory: int | None = None,
                   progress: Callable[[Progress], object] | None = None) -> Path | None:
         """The path of least weight from one selection of versions to another; None: there is none.
+
+        The path keeps clear of the versions in `avoid`, which has for a name a version, a range
+        such as ">=1.2 <2", or several of these. It does not move the metamodels in `pin`; one that
+        has a version there is not moved once it is at that version.
 
         `timeout` is in seconds, `memory` in bytes beside what is linked. `progress` is told when the
         stage or a bound of the search has changed, on this thread; what it raises ends the search,
         as Ctrl-C does.
 
-        Raises UnknownVersion, CannotBeLinked, TimedOut, MemoryUsedUp, and what callbacks raise.
+        Raises UnknownVersion, CannotBeLinked, TimedOut, MemoryUsedUp, and what callbacks raise;
+        InvalidArgument for conditions on what is not known.
         """
         found = self._repository().find_path(_selection(source, "source"),
                                              _selection(target, "target"),
-                                             _limits(timeout, memory, progress))
+                                             _limits(timeout, memory, progress),
+                                             _conditions(avoid, pin))
         return None if found is None else Path(found)
 
     def explain(self, source: Selection, target: Selection, *, budget: int = 400,

@@ -171,7 +171,7 @@ class Alternatives:
     steps: tuple[tuple[str, Step], ...]
 
     def to_dict(self) -> dict[str, Any]:
-        """As `evopath steps --json` prints it."""
+        """A baseline of what `evopath steps --json` prints."""
         return {"metamodels": {held.name: held.version for held in self.baseline},
                 "steps": [{"direction": direction, **step.to_dict()} for direction, step in self.steps]}
 

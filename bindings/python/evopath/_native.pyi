@@ -25,9 +25,15 @@ class Limits:
         progress: Callable[[int, int, int | None], object] | None,
     ) -> None: ...
 
+class Conditions:
+    def __init__(
+        self, avoided: list[tuple[str, str]], pinned: list[tuple[str, str | None]]
+    ) -> None: ...
+
 class Repository:
     def find_path(
-        self, source: dict[str, str], target: dict[str, str], limits: Limits
+        self, source: dict[str, str], target: dict[str, str], limits: Limits,
+        conditions: Conditions,
     ) -> Path | None: ...
     def explain(
         self, source: dict[str, str], target: dict[str, str], budget: int, limits: Limits

@@ -140,11 +140,15 @@ def json_of(metamodels, hops):
             "hops": [hop.to_dict() for hop in hops]}
 
 
-def tool(*arguments):
-    """What the tool prints as JSON, or None where it refuses."""
-    done = subprocess.run([sys.executable, "-m", "evopath", *arguments], check=False,
-                          capture_output=True, text=True)
-    return json.loads(done.stdout) if done.stdout else None
+def printed(*arguments):
+    """What the tool prints."""
+    return subprocess.run([sys.executable, "-m", "evopath", *arguments], check=False,
+                          capture_output=True, text=True).stdout
+
+
+def in_any_order(steps):
+    """Steps as the tool lists them, so that lists in any order compare."""
+    return sorted(json.dumps(step, sort_keys=True) for step in steps)
 
 
 def written(selection):
@@ -193,8 +197,9 @@ class Answers(unittest.TestCase):
                 metamodels, hops, source, target = random_rows(generator)
                 file.write_text(json.dumps(json_of(metamodels, hops)), encoding="utf-8")
                 ends = ("--from", written(source), "--to", written(target), "--json")
-                answer = tool("path", str(file), *ends)
-                listing = tool("steps", str(file), "--at", written(source), "--json")
+                answer = json.loads(printed("path", str(file), *ends))
+                listing = [json.loads(line) for line in printed(
+                    "steps", str(file), "--at", written(source), "--all", "--json").splitlines()]
                 for asked in (Catalogue.load(file), Catalogue.from_rows(metamodels, hops),
                               Host(metamodels, hops), Host(metamodels, hops, exact=True)):
                     with self.subTest(file=file.read_text(), ends=ends):
@@ -210,20 +215,59 @@ class Answers(unittest.TestCase):
             self.assertFalse(told["found"])
             self.assertEqual(told["explanation"], explanation.to_dict())
         else:
-            self.assertEqual(told, path.to_dict())
+            self.assertEqual([told["weight"], *({key: step[key] for key in mine} for step, mine in
+                                                zip(told["steps"], path.to_dict()["steps"]))],
+                             [path.weight, *path.to_dict()["steps"]])
+            self.assertEqual(len(told["steps"]), len(path.steps))
             self.assertEqual(explanation.kind, "path")
-        try:
-            listed = {"baselines": [each.to_dict() for each in asked.steps(source)]}
-        except evopath.CannotBeLinked:
-            listed = None
-        self.assertEqual(listing, listed)
+        with contextlib.suppress(evopath.CannotBeLinked):  # the tool lists the others
+            baselines = [each.to_dict() for each in asked.steps(source)]
+            listed = [{"baseline": each["metamodels"], **step} for each in baselines
+                      for step in each["steps"]]
+            self.assertEqual(in_any_order(listing), in_any_order(listed))
+
+    def test_conditions(self):
+        generator = random_generator()
+        ways = 0
+        for _ in range(4 * int(os.environ.get("TARN_RANDOM_CASES", 25))):
+            metamodels, hops, source, target = random_rows(generator)
+            avoided = [(row.name, row.version) for row in generator.sample(metamodels, 2)]
+            pinned = generator.sample(sorted(source), generator.randint(0, 1))
+            kept = generator.choice(metamodels)
+            conditions = {
+                "avoid": {name: [at for other, at in avoided if other == name]
+                          for name, _ in avoided},
+                "pin": {**dict.fromkeys(pinned), **({} if pinned else {kept.name: kept.version})}}
+            left = [row for row in metamodels if (row.name, row.version) not in avoided]
+            allowed = [hop for hop in hops if hop.name not in conditions["pin"]
+                       or conditions["pin"][hop.name] not in (None, hop.source)]
+            allowed = [hop for hop in allowed if not {(hop.name, hop.source), (hop.name, hop.target)}
+                       & set(avoided)]
+            if not set(source.items()).isdisjoint(avoided) or source == target:
+                continue
+            with self.subTest(json=json_of(metamodels, hops), **conditions, ends=(source, target)):
+                try:
+                    expected = Catalogue.from_rows(left, allowed).find_path(source, target)
+                except (evopath.CannotBeLinked, evopath.UnknownVersion):
+                    expected = None
+                for asked in (Catalogue.from_rows(metamodels, hops), Host(metamodels, hops)):
+                    path = asked.find_path(source, target, **conditions)
+                    self.assertEqual(path, expected)
+                ways += path is not None and len(path.steps) > 0
+        self.assertGreater(ways, 0)
+        catalogue = Catalogue.from_rows(SHAPES, HOPS)
+        self.assertIsNone(catalogue.find_path(OLD, NEW, pin=["shape"]))
+        for conditions, said in (({"avoid": {"x": "1"}}, "avoid[\"x\"]"),
+                                 ({"pin": {"shape": "7"}}, "pin[\"shape\"]")):
+            with self.assertRaisesRegex(evopath.InvalidArgument, re.escape(said)):
+                catalogue.find_path(OLD, NEW, **conditions)
 
     def test_checks(self):
         with tempfile.TemporaryDirectory() as folder:
             file = pathlib.Path(folder, "catalogue.json")
             file.write_text(json.dumps(json_of(SHAPES[:1] * 2, HOPS[:1])), encoding="utf-8")
             found = evopath.check(file)
-            told = tool("check", str(file), "--json")["findings"]
+            told = json.loads(printed("check", str(file), "--json"))["findings"]
             self.assertEqual([finding.to_dict() for finding in found], told)
             grave = evopath.check(file, severity="error")
             self.assertEqual({finding.severity for finding in grave}, {"error"})
@@ -290,6 +334,10 @@ class Failures(unittest.TestCase):
             lambda x: catalogue.find_path(x, NEW), lambda x: catalogue.find_path(OLD, x),
             lambda x: catalogue.find_path(OLD, NEW, timeout=x),
             lambda x: catalogue.find_path(OLD, NEW, memory=x),
+            lambda x: catalogue.find_path(OLD, NEW, avoid=x),
+            lambda x: catalogue.find_path(OLD, NEW, avoid={"shape": x}),
+            lambda x: catalogue.find_path(OLD, NEW, pin=x),
+            lambda x: catalogue.find_path(OLD, NEW, pin={"shape": x}),
             lambda x: catalogue.find_path(OLD, NEW, progress=x),
             lambda x: catalogue.explain(x, NEW), lambda x: catalogue.explain(OLD, NEW, budget=x),
             lambda x: catalogue.steps(x), lambda x: catalogue.steps(OLD, direction=x),
