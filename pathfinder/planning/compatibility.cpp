@@ -252,7 +252,7 @@ BitRow Compatibility::mutableRow(VersionIndex version, NameIndex neighbour) {
   const NameIndex name = space_.versions[version].name;
   const auto& all = neighbours_[name];
   const auto slot = std::lower_bound(all.begin(), all.end(), neighbour) - all.begin();
-  return {&rows_[rowStart_[version] + rowOffset_[name][static_cast<std::size_t>(slot)]],
+  return {rows_.data() + rowStart_[version] + rowOffset_[name][static_cast<std::size_t>(slot)],
           space_.names[neighbour].words()};
 }
 

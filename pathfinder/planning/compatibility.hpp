@@ -38,7 +38,7 @@ class Compatibility {
   /// The versions of the i-th neighbour of the version's name that can stand beside it.
   ConstBitRow row(VersionIndex version, std::size_t neighbour) const {
     const NameIndex name = space_.versions[version].name;
-    return {&rows_[rowStart_[version] + rowOffset_[name][neighbour]],
+    return {rows_.data() + rowStart_[version] + rowOffset_[name][neighbour],
             space_.names[neighbours_[name][neighbour]].words()};
   }
 

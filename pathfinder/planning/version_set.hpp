@@ -15,7 +15,7 @@ class VersionSet {
 
   ConstBitRow of(NameIndex index) const {
     const SearchSpace::Name& name = space_->names[index];
-    return {&words_[name.firstWord], name.words()};
+    return {words_.data() + name.firstWord, name.words()};
   }
 
   bool contains(VersionIndex version) const {
