@@ -10,6 +10,9 @@ function(tarn_target_defaults target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${target} PRIVATE -Wno-restrict)  # g++ 12 sees overlaps in std::string's operator+
   endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND TARN_SANITIZE)
+    target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)  # sanitizers hide from g++ what is initialized
+  endif()
   if(TARN_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
