@@ -305,10 +305,17 @@ const std::vector<Difficulty>& difficulties() {
 
 namespace {
 
+/// Not both of a failing callback and sources of another repository: from these, a failure that
+/// only a longer way meets may be missed.
 void addSeveral(QuestionDraft& draft, Random& random) {
+  bool isTaken = false;
   for (std::size_t left = 1 + random.upTo(2); left > 0; --left) {
     const std::size_t others = difficulties().size() - 1;
-    difficulties()[random.below(others)].addTo(draft, random);
+    const Difficulty& difficulty = difficulties()[random.below(others)];
+    const bool excludesOther =
+        difficulty.addTo == addFailingCallback || difficulty.addTo == replaceSources;
+    if (excludesOther && std::exchange(isTaken, true)) continue;
+    difficulty.addTo(draft, random);
   }
 }
 
