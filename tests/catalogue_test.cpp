@@ -65,6 +65,8 @@ TEST(JsonCatalogue, RefusesWhatIsNotACatalogueAndSaysWhere) {
       {range("['1.0', 'z']"), dependency + "/range: 'z' is not a semantic version"},
       {range("[1, 2]"), dependency + "/range/0: must be a text, not a number"},
       {range("['2.0', '1.9.9']"), dependency + "/range: the range [2.0, 1.9.9) is reversed"},
+      {range("['1.1.18446744073709551615', '1.1']"),
+       dependency + "/range: the range [1.1.18446744073709551615, 1.1) is reversed"},
       {document("", hop), "/hops/0/expensive: must be true or false, not a number"},
       {document("", "", ", 'question': {'from': {}}"), "/question: the field 'to' is missing"},
       {document("", "", ", 'question': {'from': {'a/b': 1}, 'to': {}}"),

@@ -217,7 +217,8 @@ class Comparison {
     }
   }
 
-  /// What the model does not know has to be asked of an engine.
+  /// What the model does not know has to be asked of an engine; where the way round is too long to
+  /// try everything on it, of the one that plans.
   void askForRoundWay() {
     TestQuestion round(small_);
     leaveOutWhatFails(round.repository, round.direction);
@@ -225,6 +226,9 @@ class Comparison {
         engineQuestion(round.repository, round.sources, round.targets, round.direction);
     SearchAnswer answer;
     roundWay_ = outcomeOf([&] { return searchExhaustively(asked, combinationsTried); }, answer);
+    if (roundWay_ == "unsettled") {
+      roundWay_ = outcomeOf([&] { return searchGoalDirected(asked); }, answer);
+    }
     mayGoRound_ = answer.verdict == Verdict::Found;
   }
 
@@ -259,8 +263,6 @@ class Comparison {
         engineQuestion(fresh.repository, fresh.sources, fresh.targets, fresh.direction);
     SearchAnswer answer;
     const std::string found = outcomeOf([&] { return searchGoalDirected(question); }, answer);
-    note("unsettled", found == "unsettled");
-    if (found == "unsettled") return;
     compare(found, "the goal-directed search");
     if (throws(expected_) || throws(found) || !fault_.empty()) return;
     if (!haveSameBaselines(searchGoalDirected(asked), expected)) {

@@ -5,7 +5,6 @@
 
 #include "catalogue/precedence.hpp"
 #include "catalogue/range_union.hpp"
-#include "catalogue/text/version_range.hpp"
 #include "catalogue/utf16.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -69,11 +68,12 @@ std::u16string parseName(const std::string& utf8) {
 }
 
 VersionRange parseRange(const std::string& lower, const std::string& upper) {
-  const VersionRange range = rangeBetween({parseBound(lower), parseBound(upper)});
-  if (isReversed(range)) {
+  const VersionBounds bounds{parseBound(lower), parseBound(upper)};
+  // Not asked of the range: that of the greatest patch alone has the bounds of a reversed one.
+  if (*Precedence::of(bounds.upper) < *Precedence::of(bounds.lower)) {
     throw std::invalid_argument("the range [" + lower + ", " + upper + ") is reversed");
   }
-  return range;
+  return rangeBetween(bounds);
 }
 
 }  // namespace tarn::evolution::catalogue

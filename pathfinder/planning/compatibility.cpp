@@ -18,16 +18,7 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
-using Closure = std::span<const SearchSpace::Link>;
 using Projection = std::vector<VariantIndex>;
-
-/// The variant that a closure holds under a name; `none` when it holds none.
-VariantIndex heldUnder(const Closure& closure, NameIndex name) {
-  const auto found = std::lower_bound(
-      closure.begin(), closure.end(), name,
-      [](const SearchSpace::Link& link, NameIndex wanted) { return link.name < wanted; });
-  return found != closure.end() && found->name == name ? found->variant : SearchSpace::none;
-}
 
 bool agree(const Projection& left, const Projection& right) {
   for (std::size_t i = 0; i < left.size(); ++i) {
@@ -51,10 +42,10 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
   std::vector<Projection> result;
   for (const SearchSpace::Variant& variant : space.variantsOf(index)) {
     if (!variant.canBeCombined) continue;
-    if (heldUnder(variant.closure, without) != SearchSpace::none) continue;
+    if (variant.heldUnder(without) != SearchSpace::none) continue;
     Projection projection;
     projection.reserve(shared.size());
-    for (const NameIndex name : shared) projection.push_back(heldUnder(variant.closure, name));
+    for (const NameIndex name : shared) projection.push_back(variant.heldUnder(name));
     result.push_back(std::move(projection));
   }
   std::sort(result.begin(), result.end());
@@ -289,7 +280,7 @@ void Compatibility::admitLinked(NameIndex linking, NameIndex linked) {
        ++version) {
     for (const SearchSpace::Variant& variant : space_.variantsOf(version)) {
       if (!variant.canBeCombined) continue;
-      const VariantIndex held = heldUnder(variant.closure, linked);
+      const VariantIndex held = variant.heldUnder(linked);
       if (held == SearchSpace::none || space_.variants[held].version == SearchSpace::none) continue;
       admit(version, space_.variants[held].version);
     }
@@ -319,7 +310,7 @@ bool Compatibility::anyWithout(NameIndex name, NameIndex other) const {
     const auto variants = space_.variantsOf(index);
     const bool isWithout =
         std::any_of(variants.begin(), variants.end(), [&](const SearchSpace::Variant& variant) {
-          return heldUnder(variant.closure, other) == SearchSpace::none;
+          return variant.heldUnder(other) == SearchSpace::none;
         });
     if (isWithout) return true;
   }

@@ -14,7 +14,9 @@
 //   be absent: the names that link the one that enters are at the same versions in both plans, and
 //   one of them hops in that very step. For other names nothing is put off;
 // - what stands beside what is looked at for two versions at a time. Where an application links at
-//   will, that does not tell what three say together, and nothing is put off;
+//   will, that does not tell what three say together, and nothing is put off; nor for what a
+//   version links that links another one of its own name, for whether that can be held depends on
+//   the step;
 // - the first step from a source that is not regular links everything anew, which may be what it is
 //   for. If a single hop that could wait is all that it has, it must not go: such first steps are
 //   planned one by one (see `IdleStep`).
@@ -59,6 +61,9 @@ Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibilit
 }
 
 void Dominance::findNamesThatCannotWait() {
+  for (const SearchSpace::Variant& variant : space_.variants) {
+    if (variant.linksOwnName) holdBack(variant);
+  }
   if (space_.anyLinksAtWill) findNamesLinkedAtWill();
   const bool anyMayBeAbsent =
       std::any_of(space_.names.begin(), space_.names.end(),
@@ -76,9 +81,13 @@ void Dominance::findNamesThatCannotWait() {
     const bool mayBringIn = std::any_of(
         variant.closure.begin(), variant.closure.end(),
         [this](const SearchSpace::Link& link) { return mayBeAbsent(space_, link.name); });
-    if (!mayBringIn) continue;
-    for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
+    if (mayBringIn) holdBack(variant);
   }
+}
+
+/// Nothing that the variant links is put off.
+void Dominance::holdBack(const SearchSpace::Variant& variant) {
+  for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
 }
 
 /// Names to which it may matter what three versions say together.
@@ -89,8 +98,7 @@ void Dominance::findNamesLinkedAtWill() {
           const VersionIndex version = space_.variants[link.variant].version;
           return version != SearchSpace::none && space_.versions[version].linksAtWill;
         });
-    if (!isAtWill) continue;
-    for (const SearchSpace::Link& link : variant.closure) cannotWait_[link.name] = true;
+    if (isAtWill) holdBack(variant);
   }
 }
 

@@ -40,6 +40,7 @@ class Dominance {
  private:
   void findNamesThatCannotWait();
   void findNamesLinkedAtWill();
+  void holdBack(const SearchSpace::Variant& variant);
   bool findEntersOnlyByHops() const;
   bool mayEnterBySwitching(VersionIndex version) const;
   bool agreeInVersions(const SearchSpace::Variant& left, const SearchSpace::Variant& right) const;

@@ -74,10 +74,17 @@ struct SearchSpace {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
-    /// False when no step leads to a baseline that holds it: when it links what is not in the
-    /// space, or another version of its own name and there is no name before, beside which that
-    /// stands.
+    /// False when it links what is not in the space and does not stand back: no step leads to a
+    /// baseline that holds it.
     bool canBeCombined = true;
+
+    /// Whether it links another version of its own name. Such a link is not in the closure: the
+    /// version that it leads to stands back, unless its name is the first of those that a step
+    /// combines.
+    bool linksOwnName = false;
+
+    /// The variant that the closure holds under a name; `none` when it holds none.
+    VariantIndex heldUnder(NameIndex name) const;
   };
 
   struct Name {
@@ -140,9 +147,11 @@ struct SearchSpace {
 
   std::vector<Variant> variants;
 
-  /// Whether one of them links another version of its own name. Such a link is not in the closure:
-  /// the version that it leads to stands back.
-  bool anyLinksOwnName = false;
+  bool anyLinksOwnName = false;  ///< whether one of them does
+
+  /// The name before which the first irrelevant one stands; `none` when none does. Only where
+  /// `anyLinksOwnName`.
+  NameIndex firstIrrelevant = none;
 
   bool anyLinksAtWill = false;  ///< whether a version does
 

@@ -39,8 +39,9 @@ class SpaceBuilding {
     for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
-    if (!ordered.empty()) markWhatCannotBeCombined(*ordered.front());
+    markWhatCannotBeCombined();
     addEntries();
+    if (space_->anyLinksOwnName) findFirstIrrelevantName();
     markCertainNames(ordered);
     addSources();
     addTargets();
@@ -229,6 +230,8 @@ class SpaceBuilding {
         const std::vector<SearchSpace::Link> links = linksOf(*linked);
         addClosure(variant, links);
         space_->variants[variant].canBeCombined = areInSpace(links);
+        space_->variants[variant].linksOwnName = linked->linkedMetamodels.contains(linked->name);
+        space_->anyLinksOwnName |= space_->variants[variant].linksOwnName;
       }
     }
   }
@@ -248,11 +251,7 @@ class SpaceBuilding {
     std::vector<SearchSpace::Link> links;
     links.reserve(linked.linkedMetamodels.size());
     for (const auto& [text, link] : linked.linkedMetamodels) {
-      if (text != linked.name) {
-        links.push_back(linkTo(*link));
-      } else {
-        space_->anyLinksOwnName = true;
-      }
+      if (text != linked.name) links.push_back(linkTo(*link));
     }
     std::sort(links.begin(), links.end(), isBefore);
     return links;
@@ -305,8 +304,10 @@ class SpaceBuilding {
     space_->entryStarts.push_back(space_->entries.size());
   }
 
-  void markWhatCannotBeCombined(const SurveyedName& first) {
-    if (space_->anyLinksOwnName) markWhatLinksOwnName(first);
+  void markWhatCannotBeCombined() {
+    for (const SearchSpace::Variant& variant : space_->variants) {
+      if (variant.linksOwnName) admitWhatStandsBackFor(variant);
+    }
     for (SearchSpace::Version& version : space_->versions) {
       if (version.descriptor == nullptr) continue;
       const auto variants = std::span(space_->variants).subspan(version.firstVariant);
@@ -316,16 +317,30 @@ class SpaceBuilding {
     }
   }
 
-  /// What links another version of its own name stands only beside names before it.
-  void markWhatLinksOwnName(const SurveyedName& first) {
-    if (*met_.firstName < *first.text) return;
-    for (const SurveyedVersion* version : first.versions) {
-      if (version->index == SearchSpace::none || version->linked == nullptr) continue;
-      VariantIndex variant = space_->versions[version->index].firstVariant;
-      for (const auto& linked : *version->linked) {
-        space_->variants[variant++].canBeCombined &=
-            !linked->linkedMetamodels.contains(*first.text);
-      }
+  /// What a variant brings in can be combined even if it links another version of the variant's
+  /// name that is not in the space.
+  void admitWhatStandsBackFor(const SearchSpace::Variant& variant) {
+    const NameIndex name = space_->versions[variant.version].name;
+    for (const SearchSpace::Link& link : variant.closure) {
+      SearchSpace::Variant& linked = space_->variants[link.variant];
+      linked.canBeCombined |= std::all_of(
+          linked.closure.begin(), linked.closure.end(), [&](const SearchSpace::Link& further) {
+            return further.name == name ||
+                   space_->variants[further.variant].version != SearchSpace::none;
+          });
+    }
+  }
+
+  void findFirstIrrelevantName() {
+    const auto isBefore = [](const SearchSpace::Name& name, const std::u16string& text) {
+      return name.text < text;
+    };
+    for (const auto& held : met_.question.sources.front().metamodels) {
+      const auto next =
+          std::lower_bound(space_->names.begin(), space_->names.end(), held.first, isBefore);
+      if (next != space_->names.end() && next->text == held.first) continue;
+      space_->firstIrrelevant =
+          std::min(space_->firstIrrelevant, static_cast<NameIndex>(next - space_->names.begin()));
     }
   }
 

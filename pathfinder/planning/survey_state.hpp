@@ -220,7 +220,6 @@ struct SurveyState {
   /// another name than its own, or the application answers a name with a metamodel of another name.
   bool isUnfit = false;
   bool isEverythingOfUse = false;
-  const std::u16string* firstName = nullptr;  ///< the least that a source holds
   std::vector<SurveyedSource> sources;
   std::vector<SurveyedTarget> targets;
 };

@@ -102,7 +102,6 @@ void SurveyedEnds::enterSources() {
     for (const auto& [name, linked] : metamodels) {
       state_.isUnfit |= linked == nullptr || linked->name != name;
       if (state_.isUnfit) return;
-      if (state_.firstName == nullptr || name < *state_.firstName) state_.firstName = &name;
       if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
     }
   }

@@ -46,11 +46,9 @@ const VariantFilter::Index& VariantFilter::indexOf(VersionIndex version) {
   }
   for (auto& [name, byLink] : index) {
     for (std::uint32_t place = 0; place < variants.size(); ++place) {
-      const auto link = std::lower_bound(
-          variants[place].closure.begin(), variants[place].closure.end(), name,
-          [](const SearchSpace::Link& one, NameIndex wanted) { return one.name < wanted; });
-      const bool isLinked = link != variants[place].closure.end() && link->name == name;
-      (isLinked ? byLink.linking[link->variant] : byLink.linkingNone).push_back(place);
+      const VariantIndex linked = variants[place].heldUnder(name);
+      const bool isLinked = linked != SearchSpace::none;
+      (isLinked ? byLink.linking[linked] : byLink.linkingNone).push_back(place);
     }
   }
   return index;

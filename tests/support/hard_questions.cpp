@@ -215,11 +215,17 @@ void addCycle(QuestionDraft& draft, Random& random) {
   draft.names[static_cast<std::size_t>(letter - 'A')].versions[0].needs.push_back(place);
 }
 
+/// Versions that link another one of their own name, some by way of another name.
 void addSelfLinks(QuestionDraft& draft, Random& random) {
   Name& name = draft.someName(random);
-  const std::string other = anyOf(name, random);
+  std::string linked = anyOf(name, random);
   Version& linking = random.oneOf(name.versions);
-  (random.chance(50) ? linking.links : linking.needs).push_back(other);
+  Name& between = random.chance(20) ? addPlug(draft, false, false) : draft.someName(random);
+  if (random.chance(50) && between.letter != name.letter) {
+    Version& version = random.oneOf(between.versions);
+    version.links.push_back(std::exchange(linked, between.letter + version.number));
+  }
+  (random.chance(50) ? linking.links : linking.needs).push_back(linked);
 }
 
 /// Names that only links bring in, one after the other, from a version that may have to be reached.
@@ -294,7 +300,7 @@ const std::vector<Difficulty>& difficulties() {
       {"OtherAnswers", addOtherAnswers, {{"other answers", 15}}},
       {"Twins", addTwins},
       {"Cycle", addCycle, {{"throws", 5}}},
-      {"SelfLinks", addSelfLinks},
+      {"SelfLinks", addSelfLinks, {}, true},
       {"Chain", addChain, {{"brought in", 6}}},
       {"TargetsPutTogether", putTargetsTogether, {{"none", 4}}},
       {"OtherSources", replaceSources, {{"none", 4}}},
@@ -305,17 +311,10 @@ const std::vector<Difficulty>& difficulties() {
 
 namespace {
 
-/// Not both of a failing callback and sources of another repository: from these, a failure that
-/// only a longer way meets may be missed.
 void addSeveral(QuestionDraft& draft, Random& random) {
-  bool isTaken = false;
   for (std::size_t left = 1 + random.upTo(2); left > 0; --left) {
     const std::size_t others = difficulties().size() - 1;
-    const Difficulty& difficulty = difficulties()[random.below(others)];
-    const bool excludesOther =
-        difficulty.addTo == addFailingCallback || difficulty.addTo == replaceSources;
-    if (excludesOther && std::exchange(isTaken, true)) continue;
-    difficulty.addTo(draft, random);
+    difficulties()[random.below(others)].addTo(draft, random);
   }
 }
 
