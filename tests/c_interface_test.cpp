@@ -15,7 +15,7 @@
 #include "catalogue/check/check.hpp"
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/picture/path_json.hpp"
+#include "catalogue/picture/path_plan.hpp"
 #include "catalogue/picture/step_listing.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/version_text.hpp"
@@ -280,8 +280,9 @@ class Reference {
 
   Outcome path(const Selection& from, const Selection& to) {
     return written([&](std::ostream& out) {
-      const auto path = repository_.findPath(handedOn(from), handedOn(to));
-      if (path) writePathJson(drawPath(weightsOf(repository_), *path), out);
+      const Question question{handedOn(from), handedOn(to)};
+      const auto path = repository_.findPath(question.from, question.to);
+      if (path) writePlanJson(makePlan(repository_, repository_, question, *path), out);
       return path.has_value();
     });
   }

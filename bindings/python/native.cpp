@@ -49,14 +49,15 @@ class Repository {
 
   std::optional<Path> findPath(const py::dict& source, const py::dict& target,
                                const LimitOptions& options, const ConditionOptions& conditions) {
-    const Selection from = readSelection(source, "source");
-    const Selection to = readSelection(target, "target");
+    Question question{.from = readSelection(source, "source"),
+                      .to = readSelection(target, "target")};
     auto steps = interruptible(options.read(), [&](const SearchLimits& limits) {
-      return conditions.areNone() ? repository_->findPath(from, to, limits)
-                                  : findConditionalPath(from, to, conditions, limits);
+      return conditions.areNone()
+                 ? repository_->findPath(question.from, question.to, limits)
+                 : findConditionalPath(question.from, question.to, conditions, limits);
     });
     if (!steps) return std::nullopt;
-    return steps->empty() ? Path(drawSelection(from)) : Path(repository_, *std::move(steps));
+    return Path(repository_, std::move(question), *std::move(steps));
   }
 
   /// The explanation as JSON and as text.

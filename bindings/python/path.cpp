@@ -11,7 +11,6 @@
 #include "arguments.hpp"
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
-#include "catalogue/picture/path_json.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
@@ -26,7 +25,9 @@ namespace {
 // A picture as tuples.
 using LaneTuple = std::tuple<std::string, std::string, bool>;
 using MoveTuple = std::tuple<std::size_t, std::string, std::string, int, std::vector<std::string>>;
-using StepTuple = std::tuple<std::uint64_t, std::vector<MoveTuple>>;
+using TieTuple = std::tuple<std::size_t, std::size_t, std::string>;
+using StepTuple = std::tuple<std::uint64_t, std::vector<MoveTuple>, std::vector<TieTuple>,
+                             std::vector<std::vector<std::size_t>>>;
 
 void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
   if (format == "text") {
@@ -34,7 +35,6 @@ void (*writerOf(const std::string& format))(const PathPicture&, std::ostream&) {
       writePathText(picture, Colouring::Plain, out);
     };
   }
-  if (format == "json") return writePathJson;
   if (format == "svg") return writePathSvg;
   if (format == "html") return writePathHtml;
   if (format == "dot") return writePathDot;
@@ -80,41 +80,59 @@ class ValueMaker {
   std::vector<py::str> fields_;
 };
 
+void refuseUnless(bool isOfPath) {
+  if (!isOfPath) throw std::invalid_argument("the state is none of a path");
+}
+
 PathPicture::Move readMove(const MoveTuple& tuple, std::size_t lanes) {
   const auto& [lane, from, to, kind, notes] = tuple;
-  if (lane >= lanes || kind < 0 || kind > static_cast<int>(MoveKind::Entering)) {
-    throw std::invalid_argument("the state is none of a path");
-  }
+  refuseUnless(lane < lanes && kind >= 0 && kind <= static_cast<int>(MoveKind::Entering));
   return {lane, from, to, static_cast<MoveKind>(kind), notes};
+}
+
+PathPicture::Step readStep(const StepTuple& tuple, std::size_t lanes) {
+  const auto& [weight, moves, ties, bundles] = tuple;
+  PathPicture::Step step{.moves = {}, .weight = weight};
+  for (const MoveTuple& move : moves) step.moves.push_back(readMove(move, lanes));
+  for (const auto& [mover, companion, reason] : ties) {
+    refuseUnless(mover < lanes && companion < lanes);
+    step.ties.push_back({mover, companion, reason});
+  }
+  for (const auto& bundle : bundles) {
+    for (const std::size_t lane : bundle) refuseUnless(lane < lanes);
+    step.bundles.push_back(bundle);
+  }
+  return step;
 }
 
 }  // namespace
 
-Path::Path(std::shared_ptr<BrowsableRepository> repository,
+Path::Path(std::shared_ptr<BrowsableRepository> repository, Question question,
            std::vector<pathfinder::BaselineHop> steps)
     : weight_(0) {
-  std::vector<std::uint64_t> weights;
-  for (const auto& step : steps) weight_ += weights.emplace_back(repository->getWeight(step.hops));
-  content_ = Undrawn{std::move(repository), std::move(steps), std::move(weights)};
+  for (const auto& step : steps) weight_ += repository->getWeight(step.hops);
+  content_ = Unplanned{std::move(repository), std::move(question), std::move(steps)};
 }
 
-Path::Path(PathPicture picture) : weight_(picture.weight), content_(std::move(picture)) {}
+Path::Path(Shown shown) : weight_(shown.picture.weight), content_(std::move(shown)) {}
 
-const PathPicture& Path::picture() {
-  if (const auto* undrawn = std::get_if<Undrawn>(&content_)) {
-    auto weight = undrawn->weights.begin();
-    const auto next = [&](const pathfinder::LockstepHop&) { return *weight++; };  // in their order
-    PathPicture drawn = drawPath(next, undrawn->steps);
-    addNotes(*undrawn->repository, drawn);
-    content_ = std::move(drawn);
+const Path::Shown& Path::shown() {
+  if (const auto* unplanned = std::get_if<Unplanned>(&content_)) {
+    const auto& [repository, question, steps] = *unplanned;
+    PathPlan plan = makePlan(*repository, *repository, question, steps);
+    std::ostringstream json;
+    writePlanJson(plan, json);
+    content_ = Shown{std::move(plan.picture), std::move(json).str()};
   }
-  return std::get<PathPicture>(content_);
+  return std::get<Shown>(content_);
 }
 
 std::string Path::render(const py::object& format) {
-  const auto write = writerOf(readText(format, "format"));
+  const std::string asked = readText(format, "format");
+  if (asked == "json") return shown().json;
+  const auto write = writerOf(asked);
   std::ostringstream out;
-  write(picture(), out);
+  write(shown().picture, out);
   return std::move(out).str();
 }
 
@@ -140,34 +158,44 @@ py::tuple Path::stepsOf(const PathPicture& picture) {
   return py::tuple(steps);
 }
 
+py::tuple Path::steps() {
+  const auto* unplanned = std::get_if<Unplanned>(&content_);
+  return stepsOf(unplanned == nullptr
+                     ? shown().picture
+                     : drawPath(weightsOf(*unplanned->repository), unplanned->steps));
+}
+
 py::tuple Path::state() {
+  const auto& [picture, json] = shown();
   std::vector<LaneTuple> lanes;
-  for (const auto& [name, start, isMoved] : picture().lanes) {
-    lanes.emplace_back(name, start, isMoved);
-  }
+  for (const auto& [name, start, isMoved] : picture.lanes) lanes.emplace_back(name, start, isMoved);
   std::vector<StepTuple> steps;
-  for (const PathPicture::Step& step : picture().steps) {
-    std::vector<MoveTuple> tuples;
-    for (const auto& [lane, from, to, kind, notes] : step.moves) {
-      tuples.emplace_back(lane, from, to, static_cast<int>(kind), notes);
+  for (const auto& [moves, weight, ties, bundles] : picture.steps) {
+    auto& [weightToo, moveTuples, tieTuples, bundlesToo] = steps.emplace_back();
+    weightToo = weight;
+    for (const auto& [lane, from, to, kind, notes] : moves) {
+      moveTuples.emplace_back(lane, from, to, static_cast<int>(kind), notes);
     }
-    steps.emplace_back(step.weight, std::move(tuples));
+    for (const auto& [mover, companion, reason] : ties) {
+      tieTuples.emplace_back(mover, companion, reason);
+    }
+    bundlesToo = bundles;
   }
-  return py::make_tuple(lanes, steps);
+  return py::make_tuple(lanes, steps, json);
 }
 
 Path Path::ofState(const py::tuple& state) {
-  const auto [lanes, steps] =
-      state.cast<std::pair<std::vector<LaneTuple>, std::vector<StepTuple>>>();
-  PathPicture picture;
-  for (const auto& [name, start, isMoved] : lanes) picture.lanes.push_back({name, start, isMoved});
-  for (const auto& [weight, moves] : steps) {
-    PathPicture::Step& step =
-        picture.steps.emplace_back(PathPicture::Step{.moves = {}, .weight = weight});
-    for (const MoveTuple& move : moves) step.moves.push_back(readMove(move, lanes.size()));
-    picture.weight += weight;
+  const auto [lanes, steps, json] =
+      state.cast<std::tuple<std::vector<LaneTuple>, std::vector<StepTuple>, std::string>>();
+  Shown shown{{}, json};
+  for (const auto& [name, start, isMoved] : lanes) {
+    shown.picture.lanes.push_back({name, start, isMoved});
   }
-  return Path(std::move(picture));
+  for (const StepTuple& step : steps) {
+    shown.picture.steps.push_back(readStep(step, lanes.size()));
+    shown.picture.weight += shown.picture.steps.back().weight;
+  }
+  return Path(std::move(shown));
 }
 
 }  // namespace tarn::evolution::catalogue::python

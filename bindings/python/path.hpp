@@ -8,24 +8,25 @@
 #include <variant>
 #include <vector>
 
-#include "catalogue/picture/path_picture.hpp"
+#include "catalogue/picture/path_plan.hpp"
 
 namespace tarn::evolution::catalogue::python {
 
 namespace py = pybind11;
 
-/// The path of an answer. Drawn when somebody wants to see more of it than what it weighs, for
-/// that takes as long as a question that is easy. Requires the global lock.
+/// The path of an answer. Its plan is made when somebody wants to see more of it than what it
+/// weighs, for that takes as long as a question that is easy. Requires the global lock.
 class Path {
  public:
-  /// Keeps the repository, which tells what there is to read of hops and versions.
-  Path(std::shared_ptr<BrowsableRepository> repository, std::vector<pathfinder::BaselineHop> steps);
-  explicit Path(PathPicture picture);
+  /// Keeps the repository, which tells what there is to read of hops and versions, and what ties
+  /// them.
+  Path(std::shared_ptr<BrowsableRepository> repository, Question question,
+       std::vector<pathfinder::BaselineHop> steps);
 
   std::uint64_t weight() const { return weight_; }
 
   /// The package's Step of each.
-  py::tuple steps() { return stepsOf(picture()); }
+  py::tuple steps();
 
   /// Throws std::invalid_argument for a format that is none.
   std::string render(const py::object& format);
@@ -37,16 +38,23 @@ class Path {
   static py::tuple stepsOf(const PathPicture& picture);
 
  private:
-  struct Undrawn {
+  struct Unplanned {
     std::shared_ptr<BrowsableRepository> repository;
+    Question question;
     std::vector<pathfinder::BaselineHop> steps;
-    std::vector<std::uint64_t> weights;
   };
 
-  const PathPicture& picture();
+  struct Shown {
+    PathPicture picture;
+    std::string json;
+  };
+
+  explicit Path(Shown shown);
+
+  const Shown& shown();
 
   std::uint64_t weight_;
-  std::variant<Undrawn, PathPicture> content_;
+  std::variant<Unplanned, Shown> content_;
 };
 
 }  // namespace tarn::evolution::catalogue::python

@@ -80,14 +80,11 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
   return guarded(message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
     required(path, "path");
-    const Selection source = readSelection(from, from_count, "from");
-    const Selection target = readSelection(to, to_count, "to");
-    const auto found = repository.findPath(source, target, readLimits(limits));
+    const Question question{.from = readSelection(from, from_count, "from"),
+                            .to = readSelection(to, to_count, "to")};
+    const auto found = repository.findPath(question.from, question.to, readLimits(limits));
     if (!found) return TARN_EVOLUTION_NO_PATH;
-    PathPicture picture =
-        found->empty() ? drawSelection(source) : drawPath(weightsOf(repository), *found);
-    addNotes(repository, picture);
-    *path = new tarn_evolution_steps(std::move(picture));
+    *path = new tarn_evolution_steps(makePlan(repository, repository, question, *found));
     return TARN_EVOLUTION_OK;
   });
 }

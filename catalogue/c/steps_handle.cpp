@@ -1,13 +1,11 @@
 #include "catalogue/c/steps_handle.hpp"
 
-#include <array>
 #include <sstream>
 
 #include "catalogue/c/arguments.hpp"
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
-#include "catalogue/picture/path_json.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
@@ -17,23 +15,23 @@ using namespace tarn::evolution::catalogue::c;
 
 namespace {
 
-using WritePath = void (*)(const PathPicture& picture, std::ostream& out);
-
-/// By their formats.
-constexpr std::array<WritePath, 6> pathWriters{writePathJson,
-                                               [](const PathPicture& picture, std::ostream& out) {
-                                                 writePathText(picture, Colouring::Plain, out);
-                                               },
-                                               writePathSvg,
-                                               writePathHtml,
-                                               writePathDot,
-                                               writePathMermaid};
-
-void write(const PathPicture& picture, tarn_evolution_format format, std::ostream& out) {
-  if (format < 0 || static_cast<std::size_t>(format) >= pathWriters.size()) {
-    throw std::invalid_argument("format: " + std::to_string(format) + " is none");
+void write(const PathPlan& plan, tarn_evolution_format format, std::ostream& out) {
+  switch (format) {
+    case TARN_EVOLUTION_JSON:
+      return writePlanJson(plan, out);
+    case TARN_EVOLUTION_TEXT:
+      return writePathText(plan.picture, Colouring::Plain, out);
+    case TARN_EVOLUTION_SVG:
+      return writePathSvg(plan.picture, out);
+    case TARN_EVOLUTION_HTML:
+      return writePathHtml(plan.picture, out);
+    case TARN_EVOLUTION_DOT:
+      return writePathDot(plan.picture, out);
+    case TARN_EVOLUTION_MERMAID:
+      return writePathMermaid(plan.picture, out);
+    default:
+      throw std::invalid_argument("format: " + std::to_string(format) + " is none");
   }
-  pathWriters[static_cast<std::size_t>(format)](picture, out);
 }
 
 void write(const tarn_evolution_steps::Alternatives& listings, tarn_evolution_format format,
@@ -50,8 +48,8 @@ void write(const tarn_evolution_steps::Alternatives& listings, tarn_evolution_fo
 
 }  // namespace
 
-tarn_evolution_steps::tarn_evolution_steps(Path picture) : shown_(std::move(picture)) {
-  add(std::get<Path>(shown_));
+tarn_evolution_steps::tarn_evolution_steps(Path plan) : shown_(std::move(plan)) {
+  add(std::get<Path>(shown_).picture);
 }
 
 tarn_evolution_steps::tarn_evolution_steps(Alternatives listings) : shown_(std::move(listings)) {
@@ -60,7 +58,7 @@ tarn_evolution_steps::tarn_evolution_steps(Alternatives listings) : shown_(std::
   }
 }
 
-void tarn_evolution_steps::add(const Path& picture) {
+void tarn_evolution_steps::add(const PathPicture& picture) {
   for (const PathPicture::Step& shown : picture.steps) {
     Step& step = steps_.emplace_back();
     step.weight = shown.weight;

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "catalogue/c/tarn_evolution_catalogue.h"
-#include "catalogue/picture/path_picture.hpp"
+#include "catalogue/picture/path_plan.hpp"
 #include "catalogue/picture/step_listing.hpp"
 
-/// Steps as C sees them: lists of structures that refer to the texts of the pictures.
+/// Steps as C sees them: lists of structures that refer to the texts of their pictures.
 struct tarn_evolution_steps {
  public:
   struct Step {
@@ -18,10 +18,10 @@ struct tarn_evolution_steps {
     std::vector<tarn_evolution_named_version> broughtIn;
   };
 
-  using Path = tarn::evolution::catalogue::PathPicture;
+  using Path = tarn::evolution::catalogue::PathPlan;
   using Alternatives = std::vector<tarn::evolution::catalogue::StepListing>;
 
-  explicit tarn_evolution_steps(Path picture);
+  explicit tarn_evolution_steps(Path plan);
   explicit tarn_evolution_steps(Alternatives listings);
   tarn_evolution_steps(const tarn_evolution_steps&) = delete;
   tarn_evolution_steps& operator=(const tarn_evolution_steps&) = delete;
@@ -36,7 +36,7 @@ struct tarn_evolution_steps {
   std::string render(tarn_evolution_format format) const;
 
  private:
-  void add(const Path& picture);
+  void add(const tarn::evolution::catalogue::PathPicture& picture);
 
   const std::variant<Path, Alternatives> shown_;
   std::vector<Step> steps_;

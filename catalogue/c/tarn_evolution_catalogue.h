@@ -284,9 +284,11 @@ TARN_EVOLUTION_API const tarn_evolution_hop* tarn_evolution_step_hops(
 TARN_EVOLUTION_API const tarn_evolution_named_version* tarn_evolution_step_brought_in(
     const tarn_evolution_steps* steps, size_t step, size_t* count);
 
-/* The steps as a text, to be released with `tarn_evolution_free`. A path as JSON: {"found": true,
- * "weight", "steps": [{"weight", "hops": [{"name", "from", "to", "expensive"}], "broughtIn": [{"name",
- * "version"}]}]}; alternatives: {"baselines": [{"metamodels": {name: version}, "steps": [...]}]}. */
+/* The steps as a text, to be released with `tarn_evolution_free`. A path as JSON is the plan that
+ * `evopath path --json` prints: {"form": 1, "found": true, "question", "weight", "start", "end",
+ * "steps": [{"weight", "hops": [{"name", "from", "to", "expensive"}], "broughtIn": [{"name",
+ * "version"}], "ties", "bundles"}]}, described by data/plan.schema.json of the sources. Alternatives:
+ * {"baselines": [{"metamodels": {name: version}, "steps": [{"weight", "hops", "broughtIn"}]}]}. */
 TARN_EVOLUTION_API tarn_evolution_status
 tarn_evolution_steps_render(const tarn_evolution_steps* steps, tarn_evolution_format format,
                             char** text, char** message);

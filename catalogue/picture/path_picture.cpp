@@ -118,17 +118,23 @@ PathPicture drawSelection(const Selection& selection) {
 
 void addTies(pathfinder::VersionRepository& repository, const std::vector<BaselineHop>& path,
              PathPicture& picture) {
+  std::vector<std::vector<StepTie>> ties;
+  for (const BaselineHop& step : path) ties.push_back(tiesOf(repository, step));
+  addTies(path, ties, picture);
+}
+
+void addTies(const std::vector<BaselineHop>& path, const std::vector<std::vector<StepTie>>& ties,
+             PathPicture& picture) {
   LaneNumbers numbers;
   for (std::size_t lane = 0; lane < picture.lanes.size(); ++lane) {
     numbers.emplace(toUtf16(picture.lanes[lane].name), lane);
   }
   for (std::size_t i = 0; i < path.size(); ++i) {
-    const std::vector<StepTie> ties = tiesOf(repository, path[i]);
     PathPicture::Step& step = picture.steps[i];
-    for (const StepTie& tie : ties) {
+    for (const StepTie& tie : ties[i]) {
       step.ties.push_back({numbers.at(tie.mover), numbers.at(tie.companion), describe(tie)});
     }
-    for (const auto& names : bundlesOf(path[i], ties)) {
+    for (const auto& names : bundlesOf(path[i], ties[i])) {
       std::vector<std::size_t>& bundle = step.bundles.emplace_back();
       for (const std::u16string& name : names) bundle.push_back(numbers.at(name));
     }

@@ -8,6 +8,7 @@
 
 #include "catalogue/browsable_repository.hpp"
 #include "catalogue/catalogue.hpp"
+#include "catalogue/picture/step_ties.hpp"
 #include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
@@ -96,6 +97,12 @@ TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture drawSelection(const Selection& selec
 TARN_EVOLUTION_CATALOGUE_EXPORT void addTies(pathfinder::VersionRepository& repository,
                                              const std::vector<pathfinder::BaselineHop>& path,
                                              PathPicture& picture);
+
+/// The same with what `tiesOf` answers for each step.
+TARN_EVOLUTION_CATALOGUE_EXPORT void addTies(const std::vector<pathfinder::BaselineHop>& path,
+                                             const std::vector<std::vector<StepTie>>& ties,
+                                             PathPicture& picture);
+
 /// Adds to each move what the repository tells of its hop, and of its new version.
 TARN_EVOLUTION_CATALOGUE_EXPORT void addNotes(BrowsableRepository& repository,
                                               PathPicture& picture);

@@ -76,6 +76,7 @@ PathPlan makePlan(pathfinder::VersionRepository& repository, BrowsableRepository
   plan.start = path.empty() ? findArrived(repository, question) : path.front().from;
   plan.end = path.empty() ? plan.start : path.back().to;
   plan.picture = drawPath(weightsOf(repository), plan.start, path);
+  addTies(path, plan.ties, plan.picture);
   addNotes(content, plan.picture);
   return plan;
 }
@@ -101,7 +102,7 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
   printer.arrayField("steps", [&] {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
       printer.object([&] {
-        writeStepFields(printer, plan.picture, plan.picture.steps[i]);
+        writeMoveFields(printer, plan.picture, plan.picture.steps[i]);
         printer.arrayField("ties", [&] {
           for (const StepTie& tie : plan.ties[i]) writeTie(printer, tie);
         });

@@ -18,7 +18,7 @@ struct PathPlan {
   pathfinder::VersionBaseline end;    ///< after the last one
   std::vector<pathfinder::BaselineHop> steps;
   std::vector<std::vector<StepTie>> ties;  ///< for each step
-  PathPicture picture;                     ///< with weights and notes
+  PathPicture picture;                     ///< with ties and notes
 };
 
 /// The plan of a path that `repository.findPath(question.from, question.to)` has found. One without

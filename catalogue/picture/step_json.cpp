@@ -34,7 +34,7 @@ void writeNotes(JsonPrinter& printer, const PathPicture::Move& move) {
 
 }  // namespace
 
-void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
+void writeMoveFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step) {
   const auto nameOf = [&](const PathPicture::Move& move) { return picture.lanes[move.lane].name; };
   printer.field("weight", std::uint64_t{step.weight});
@@ -60,6 +60,11 @@ void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
       });
     }
   });
+}
+
+void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
+                     const PathPicture::Step& step) {
+  writeMoveFields(printer, picture, step);
   writeTieFields(printer, picture, step);
 }
 

@@ -186,7 +186,7 @@ class _Asked(abc.ABC):
                                              _selection(target, "target"),
                                              _limits(timeout, memory, progress),
                                              _conditions(avoid, pin))
-        return None if found is None else Path(found)
+        return None if found is None else Path(found, self)
 
     def explain(self, source: Selection, target: Selection, *, budget: int = 400,
                 timeout: float | None = None, memory: int | None = None,

@@ -102,14 +102,18 @@ class Step:
 class Path:
     """The steps from one selection to another, in the order of application. Without steps where
     there is nothing to do; a path is true all the same. A value like the others, made by
-    `find_path` only."""
+    `find_path` only.
 
-    __slots__ = ("_native", "_steps")
+    What is more than steps and weight is made when it is first looked at, and asks the catalogue
+    for it."""
 
-    def __init__(self, native: _native.Path) -> None:
+    __slots__ = ("_native", "_asked", "_steps")
+
+    def __init__(self, native: _native.Path, asked: object = None) -> None:
         if not isinstance(native, _native.Path):
             raise TypeError("find_path makes paths")
         self._native = native
+        self._asked = asked  # lives as long as it may be asked for more
         self._steps: tuple[Step, ...] | None = None
 
     @property
@@ -138,13 +142,20 @@ class Path:
     def __repr__(self) -> str:
         return f"Path(steps={self.steps!r})"
 
+    def __copy__(self) -> Path:
+        return self
+
+    def __deepcopy__(self, memo: dict[int, Any]) -> Path:
+        return self
+
     def __reduce__(self) -> tuple[object, ...]:
         return Path, (self._native,)
 
     def to_dict(self) -> dict[str, Any]:
-        """As `evopath path --json` prints it."""
-        return {"found": True, "weight": self.weight,
-                "steps": [step.to_dict() for step in self.steps]}
+        """The plan that `evopath path --json` prints: with the question, what is held at the start
+        and at the end, what ties the moves of each step, and the catalogue's notes."""
+        result: dict[str, Any] = json.loads(self.render("json"))
+        return result
 
     def render(self, format: Literal["text", "json", "svg", "html", "dot", "mermaid"]) -> str:
         """As `evopath path --format` prints it."""

@@ -175,7 +175,8 @@ class Answers(unittest.TestCase):
         for value in (first, path, SHAPES[2], catalogue.explain(OLD, NEW), *catalogue.steps(OLD)):
             for same in (copy.copy(value), copy.deepcopy(value), pickle.loads(pickle.dumps(value))):
                 self.assertEqual((same, hash(same), repr(same)), (value, hash(value), repr(value)))
-        self.assertEqual(pickle.loads(pickle.dumps(path)).render("svg"), path.render("svg"))
+        for form in ("json", "svg", "text"):
+            self.assertEqual(pickle.loads(pickle.dumps(path)).render(form), path.render(form))
         host = Host(SHAPES, HOPS)
         host.find_path(OLD, NEW)
         other = copy.copy(host)
@@ -215,10 +216,12 @@ class Answers(unittest.TestCase):
             self.assertFalse(told["found"])
             self.assertEqual(told["explanation"], explanation.to_dict())
         else:
-            self.assertEqual([told["weight"], *({key: step[key] for key in mine} for step, mine in
-                                                zip(told["steps"], path.to_dict()["steps"]))],
-                             [path.weight, *path.to_dict()["steps"]])
-            self.assertEqual(len(told["steps"]), len(path.steps))
+            self.assertEqual(path.to_dict(), told)
+            steps = [step.to_dict() for step in path]
+            self.assertEqual([told["weight"], *({key: step[key] for key in mine}
+                                                for step, mine in zip(told["steps"], steps))],
+                             [path.weight, *steps])
+            self.assertEqual(len(told["steps"]), len(steps))
             self.assertEqual(explanation.kind, "path")
         with contextlib.suppress(evopath.CannotBeLinked):  # the tool lists the others
             baselines = [each.to_dict() for each in asked.steps(source)]
