@@ -128,6 +128,10 @@ TEST(Limits, ManyVersionsAreNoProduct) {
   TestRepository beside(product);
   beside.isNoting = false;
   EXPECT_EQ(beside.findPath(selection("A1 Q1"), selection("A40 Q2")).value().size(), 39U);
+  // Nor a long way past what links any version of it.
+  TestRepository range("P1..3000 Q1:P[1,3001) Q2:P[1,3001) Q1>2");
+  range.isNoting = false;
+  EXPECT_EQ(range.findPath(selection("P1 Q1"), selection("P3000 Q2")).value().size(), 2'999U);
 }
 
 TEST(Limits, ProductsThatNoMemoryHoldsAreRefused) {

@@ -85,7 +85,7 @@ TEST(Engines, AgreeOnRandomQuestions) {
 
 /// Asks for the way from one selection to another, of which nothing is linked beforehand. Whether
 /// that is settled without linking all.
-bool compareSelections(const QuestionText& question, RandomRun* run) {
+bool compareSelections(const QuestionText& question, SelectionPlanning planning, RandomRun* run) {
   if ((question.from + question.to).find_first_of(",^*") != std::string::npos) return false;
   const auto from = selection(question.from);
   const auto to = selection(question.to);
@@ -103,7 +103,7 @@ bool compareSelections(const QuestionText& question, RandomRun* run) {
   }
   SelectionAnswer found;
   try {
-    found = searchBetweenSelections(accessTo(repository), from, to);
+    found = searchBetweenSelections(accessTo(repository), from, to, planning);
   } catch (...) {
     // What fails far from every path is met by the survey of a whole name.
     EXPECT_TRUE(expected.empty() || !repository.failing.empty()) << expected;
@@ -136,9 +136,11 @@ TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
   run.ask(make, [&](const std::string& text, Random& random) {
     std::optional<RandomChoices> choices;
     if (random.chance(50)) choices.emplace(random());
-    compareSelections(QuestionText(text), &run);
+    for (const auto planning : {SelectionPlanning::BackwardFirst, SelectionPlanning::ByLearning}) {
+      compareSelections(QuestionText(text), planning, &run);
+    }
   });
-  run.expectPercentages({{"settled", 5}, {"paths", 3}});
+  run.expectPercentages({{"settled", 10}, {"paths", 6}});
 }
 
 TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
@@ -161,7 +163,9 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
   };
   for (const auto& [text, isSettled] : cases) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(compareSelections(QuestionText(text), nullptr), isSettled);
+    for (const auto planning : {SelectionPlanning::BackwardFirst, SelectionPlanning::ByLearning}) {
+      EXPECT_EQ(compareSelections(QuestionText(text), planning, nullptr), isSettled);
+    }
   }
 }
 

@@ -15,6 +15,8 @@
 #include "pathfinder/learning/learning_planner.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
+#include "pathfinder/planning/first_way.hpp"
+#include "pathfinder/planning/plan_search.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
 #include "pathfinder/search/tried_baselines.hpp"
 
@@ -39,12 +41,17 @@ class SelectionSearch {
         compatibility_(space_, dependencies.requirements),
         bounds_(computeVersionBounds(space_, compatibility_)) {}
 
-  SelectionAnswer run() {
+  SelectionAnswer run(SelectionPlanning planning) {
+    SelectionView impossible;
+    if (planning == SelectionPlanning::BackwardFirst) {
+      const auto plan = planBackwardFromOnlySource();
+      auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
+      if (path) return {true, std::move(path)};
+    }
     const auto planner = LearningPlanner::create({space_, compatibility_, bounds_},
                                                  {dependencies_.target}, dependencies_.openStart());
     if (!planner) return {false};
     while (const auto plan = planner->plan()) {
-      SelectionView impossible;
       if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
       planner->forbidTogether(impossible);
     }
@@ -53,6 +60,19 @@ class SelectionSearch {
   }
 
  private:
+  /// The best plan, as far as it takes little to find it: a long way between few names, above all,
+  /// whose steps the search that learns would all have at once. No value when there may be another.
+  std::optional<BackwardPlan> planBackwardFromOnlySource() const {
+    if (dependencies_.openStart() != nullptr || space_.sources.empty()) return std::nullopt;
+    try {
+      const auto plan = planBackward({space_, compatibility_, bounds_}, {dependencies_.target},
+                                     {.nodes = 5000 + 10 * std::uint64_t{space_.versions.size()}});
+      if (plan) return firstWayOf(space_, *plan);
+    } catch (const PlanningBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+    }
+    return std::nullopt;
+  }
+
   std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {
     std::vector<VersionBaseline> baselines;
     const std::vector<SelectionIndex> selections = plan.bestSelections();
@@ -190,12 +210,12 @@ class SelectionSearch {
 }  // namespace
 
 SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
-                                        const VersionsByName& to) {
+                                        const VersionsByName& to, SelectionPlanning planning) {
   if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
   try {
     const DependencySpace dependencies(host, from, to);
     if (!dependencies.hasEnds()) return {};
-    return SelectionSearch(host, dependencies).run();
+    return SelectionSearch(host, dependencies).run(planning);
   } catch (const NotClosed&) {
     return {false};
   } catch (const NotLinkable&) {

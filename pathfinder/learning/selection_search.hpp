@@ -23,10 +23,14 @@ struct SelectionAnswer {
   std::optional<SelectionPath> path = std::nullopt;  ///< settled without one: there is none
 };
 
-/// `VersionRepository::findPath` between two selections, by learning and without linking anything
-/// but what the path holds. For closed questions only (see `DependencySpace`), in which hops form
+/// Whether a question is planned backward first, as long as that is easy, or by learning at once.
+enum class SelectionPlanning { BackwardFirst, ByLearning };
+
+/// `VersionRepository::findPath` between two selections, without linking anything but what the path
+/// holds. For closed questions only (see `DependencySpace`), in which hops form
 /// no cycles.
-SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
-                                        const VersionsByName& to);
+SelectionAnswer searchBetweenSelections(
+    SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+    SelectionPlanning planning = SelectionPlanning::BackwardFirst);
 
 }  // namespace tarn::evolution::pathfinder

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "pathfinder/linking/baseline_combination.hpp"
+#include "pathfinder/planning/step_digits.hpp"
 #include "pathfinder/planning/variant_filter.hpp"
 #include "pathfinder/search/hop_collection.hpp"
 #include "pathfinder/search/step_generation.hpp"
@@ -47,13 +48,9 @@ class PlanExecution {
   }
 
  private:
-  /// What each name does in a step, the last name first: the place of its hop counted from one, or
-  /// 0. Compares as the combination's index does.
-  using Digits = std::vector<std::uint32_t>;
-
   /// A combination of hops that is planned, and the selections that it may lead to.
   struct Combination {
-    Digits digits;
+    StepDigits digits;
     std::vector<SelectionIndex> after;
   };
 
@@ -211,7 +208,7 @@ class PlanExecution {
   std::vector<Combination> combinationsFrom(PlannedSteps steps, SelectionView selection) const {
     std::vector<Combination> result;
     plan_.visit(steps, [&](std::span<const PlannedHop> hops, SelectionIndex after) {
-      result.push_back({digitsOf(selection, hops, selections_[after]), {after}});
+      result.push_back({digitsOf(space_, selection, hops, selections_[after]), {after}});
     });
     std::sort(result.begin(), result.end(), [](const Combination& left, const Combination& right) {
       return left.digits > right.digits;
@@ -229,28 +226,6 @@ class PlanExecution {
     return result;
   }
 
-  Digits digitsOf(SelectionView before, std::span<const PlannedHop> hops,
-                  SelectionView after) const {
-    Digits digits;
-    digits.reserve(before.size());
-    for (std::size_t name = before.size(); name-- > 0;) {
-      digits.push_back(placeOf(before[name], hops[name], after[name]));
-    }
-    return digits;
-  }
-
-  /// The place, counted from one, of the first hop of this kind to that version; 0 for no hop. Of
-  /// several equal hops the first decides: the others lead to the same baselines.
-  std::uint32_t placeOf(VersionIndex version, PlannedHop hop, VersionIndex after) const {
-    if (hop == PlannedHop::None) return 0;
-    const auto& moves = space_.versions[version].moves;
-    const auto move =
-        std::find_if(moves.begin(), moves.end(), [&](const SearchSpace::Move& candidate) {
-          return candidate.target == after && candidate.expensive == (hop == PlannedHop::Expensive);
-        });
-    return move->place + 1;
-  }
-
   /// Tries the next combination.
   void attempt(Visit& visit) {
     const Combination combination = std::move(visit.combinations.back());
@@ -258,7 +233,7 @@ class PlanExecution {
     if (visit.combinations.empty()) visit.combinations.shrink_to_fit();  // a way may be long
     visit.after = combination.after;
     const SelectionView selection = selections_[visit.selection];
-    const Digits& digits = combination.digits;
+    const StepDigits& digits = combination.digits;
     visit.hops.clear();
     visit.hops.reserve(digits.size() -
                        static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
@@ -278,7 +253,7 @@ class PlanExecution {
   /// The baselines that a combination leads to. Only where the plan leaves open what is meant do
   /// names have to be combined.
   std::vector<VersionBaseline> combine(const Visit& visit, SelectionView after,
-                                       const Digits& digits) {
+                                       const StepDigits& digits) {
     VersionBaseline moved = visit.linksAnew ? irrelevantPartOf(*visit.baseline) : *visit.baseline;
     const SelectionView selection = selections_[visit.selection];
     std::vector<OpenVersion> open;
