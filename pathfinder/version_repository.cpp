@@ -9,6 +9,7 @@
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/path_search.hpp"
 #include "pathfinder/repository_access.hpp"
+#include "pathfinder/requirement.hpp"
 #include "pathfinder/search/path_cache.hpp"
 #include "pathfinder/search/step_generation.hpp"
 #include "pathfinder/search/step_weight.hpp"
@@ -20,6 +21,7 @@ namespace tarn::evolution::pathfinder {
 struct VersionRepository::Caches {
   LinkedMetamodelCache linkedMetamodelCache;
   PathCache pathCache;
+  RequirementSource* requirements = nullptr;
 };
 
 std::size_t VersionRepository::KeyHasherVersionBaselineUnordered::operator()(
@@ -53,6 +55,24 @@ std::optional<Metamodel> VersionRepository::getMetamodel(const std::u16string& n
 }
 
 void VersionRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& /*linked*/) {}
+
+void VersionRepository::useRequirements(RequirementSource& source) {
+  caches_->requirements = &source;
+}
+
+bool VersionRepository::hasRequirements() const {
+  return caches_->requirements != nullptr;
+}
+
+void VersionRepository::findRequirements(const Metamodel& metamodel,
+                                         std::vector<Requirement>& result) {
+  if (hasRequirements()) caches_->requirements->findRequirements(metamodel, result);
+}
+
+const ResolvedRequirements& VersionRepository::requirementsOf(const Metamodel& metamodel) {
+  getLinkedMetamodels(metamodel);
+  return caches_->linkedMetamodelCache.requirementsOf(metamodel);
+}
 
 // Paths and steps.
 

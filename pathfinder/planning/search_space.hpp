@@ -74,10 +74,18 @@ struct SearchSpace {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
-    /// False when no step leads to a baseline that holds it: when it links what is not in the
-    /// space, or another version of its own name and there is no name before, beside which that
+    /// False when no step leads to a baseline that holds it: when it links or requires what is not
+    /// in the space, or another version of its own name and there is no name before, beside which that
     /// stands.
     bool canBeCombined = true;
+  };
+
+  /// That a version has to have one of some versions of another name beside it, of which "absent"
+  /// may be one. The application asks for it, beyond what links say.
+  struct Requirement {
+    VersionIndex version;
+    NameIndex needed;
+    std::vector<VersionIndex> admitted;
   };
 
   struct Name {
@@ -139,6 +147,8 @@ struct SearchSpace {
   std::vector<VersionSelection> targets;
 
   std::vector<Variant> variants;
+
+  std::vector<Requirement> requirements;
 
   /// Whether one of them links another version of its own name. Such a link is not in the closure:
   /// the version that it leads to stands back.

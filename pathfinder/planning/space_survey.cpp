@@ -85,6 +85,7 @@ void SpaceSurvey::linkWhatIsOfUse() {
     for (const auto& variant : *version.linked) {
       enterLinks(*variant);
     }
+    enterRequirements(version);
   }
 }
 
@@ -104,6 +105,15 @@ void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {
   }
   for (const auto& [text, linked] : linking->linkedMetamodels) {
     if (text != linking->name) enterLink(*linked);
+  }
+}
+
+/// What is required is not brought in; but it matters where it is.
+void SpaceSurvey::enterRequirements(SurveyedVersion& version) {
+  if (!state_.question.host.hasRequirements()) return;
+  version.requirements = &state_.question.host.requirementsOf(*version.descriptor);
+  for (const ResolvedRequirement& requirement : *version.requirements) {
+    ends_.takeUpLinked(requirement.name);
   }
 }
 

@@ -42,6 +42,7 @@ struct SurveyedVersion {
   std::size_t firstTarget = 0;         // of those of these hops that lead to a version
   std::uint32_t targetCount = 0;
   const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
+  const ResolvedRequirements* requirements = nullptr;  // null until linked, or if there are none
   bool isAnswer = false;   // what getMetamodel returned when asked for just this version
   bool isEntered = false;  // within reach, as far as the survey goes
   bool isAsked = false;    // for its hops

@@ -105,6 +105,8 @@ void SurveyedEnds::enterSources() {
       if (state_.firstName == nullptr || name < *state_.firstName) state_.firstName = &name;
       if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
     }
+    state_.sources[i].isRegular &=
+        meets(Requirements::All, state_.question.host, state_.question.sources[i]);
   }
 }
 
