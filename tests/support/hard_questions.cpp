@@ -210,15 +210,16 @@ void addTwins(QuestionDraft& draft, Random& random) {
 
 /// Requirements among what is there, and on names that only links bring in or nothing does.
 void addRequirements(QuestionDraft& draft, Random& random) {
-  if (random.chance(30)) addPlug(draft, random.chance(30), random.chance(30));
   if (random.chance(15)) random.oneOf(draft.someName(random).versions).needs.push_back("%" + nobody);
   if (random.chance(10)) somePlace(draft, random, {"&" + nobody});
-  if (random.chance(30)) {
-    const Name& last = draft.names.back();
-    Version& bringing = random.oneOf(draft.names.front().versions);
-    if (draft.names.size() > 1) bringing.needs.push_back(anyOf(last, random));
-    for (auto& entries : draft.from) {
-      std::erase_if(entries, [&](const std::string& entry) { return entry[0] == last.letter; });
+  if (random.chance(50)) {
+    const std::size_t names = draft.names.size();
+    Name& plug = addPlug(draft, random.chance(20), random.chance(30));
+    plug.versions.push_back({"2", {}, {}, {}});
+    if (random.chance(50)) draft.addHop(plug, "1", "2");
+    for (std::size_t left = random.upTo(3); left > 0; --left) {
+      Name& bringing = draft.names[random.below(names)];
+      random.oneOf(bringing.versions).needs.push_back(anyOf(draft.names.back(), random));
     }
   }
   draft.addRequirements(random, random.chance(50) ? 15 : 40);
