@@ -15,6 +15,9 @@ class RepositoryAccess final : public LinkingHost, public SelectionHost {
                       std::vector<Metamodel>& result) override {
     repository_.findMetamodels(name, range, result);
   }
+  void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) override {
+    result = repository_.getRequirements(metamodel);
+  }
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override {
     repository_.loadMetamodel(linked);
   }
@@ -26,6 +29,10 @@ class RepositoryAccess final : public LinkingHost, public SelectionHost {
   }
   const LinkedMetamodels& getLinkedMetamodels(const Metamodel& metamodel) override {
     return repository_.getLinkedMetamodels(metamodel);
+  }
+  bool hasRequirements() override { return repository_.hasRequirements(); }
+  const ResolvedRequirements& requirementsOf(const Metamodel& metamodel) override {
+    return repository_.requirementsOf(metamodel);
   }
   void findHops(const std::u16string& name, const VersionId& from,
                 std::vector<Hop>& result) override {

@@ -1,6 +1,7 @@
 #include "pathfinder/version_repository.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "messages/report_exception.hpp"
@@ -20,6 +21,7 @@ namespace tarn::evolution::pathfinder {
 struct VersionRepository::Caches {
   LinkedMetamodelCache linkedMetamodelCache;
   PathCache pathCache;
+  std::atomic<RequirementSource*> requirements = nullptr;
 };
 
 std::size_t VersionRepository::KeyHasherVersionBaselineUnordered::operator()(
@@ -53,6 +55,26 @@ std::optional<Metamodel> VersionRepository::getMetamodel(const std::u16string& n
 }
 
 void VersionRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& /*linked*/) {}
+
+void VersionRepository::useRequirements(RequirementSource& source) noexcept {
+  caches_->requirements = &source;
+}
+
+bool VersionRepository::hasRequirements() const noexcept {
+  return caches_->requirements != nullptr;
+}
+
+std::vector<PeerRequirement> VersionRepository::getRequirements(const Metamodel& metamodel) {
+  std::vector<PeerRequirement> result;
+  RequirementSource* const source = caches_->requirements;
+  if (source != nullptr) source->findRequirements(metamodel, result);
+  return result;
+}
+
+const ResolvedRequirements& VersionRepository::requirementsOf(const Metamodel& metamodel) {
+  getLinkedMetamodels(metamodel);
+  return caches_->linkedMetamodelCache.requirementsOf(metamodel);
+}
 
 // Paths and steps.
 

@@ -12,12 +12,15 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/linked_metamodel.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/requirement.hpp"
 #include "pathfinder/search_limits.hpp"
 #include "pathfinder/version_baseline.hpp"
 #include "pathfinder/version_id.hpp"
 #include "tarn_evolution_pathfinder_export.hpp"
 
 namespace tarn::evolution::pathfinder {
+
+struct ResolvedRequirement;
 
 /// A catalogue of metamodels and hops, and the path finder over it.
 ///
@@ -28,7 +31,9 @@ namespace tarn::evolution::pathfinder {
 /// **What it keeps.** Linked metamodels, one list for each descriptor, are made on first demand and
 /// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
 /// `invalidatePathfindingCache` is called. Dependencies must be free of cycles; linking one throws
-/// std::logic_error, which names its metamodels.
+/// std::logic_error, which names its metamodels. What metamodels need of each other without such an
+/// order is a `PeerRequirement`: it is not linked, but no step leads to a baseline that violates
+/// one.
 ///
 /// **What may change.** Asked the same twice, the application must say the same, in the same order,
 /// for the repository's lifetime: a metamodel that has been linked is not linked again. Hops alone
@@ -232,9 +237,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   std::vector<BaselineHop> getStepsFrom(const VersionBaseline& from, Direction direction);
 
   /// The consistent baselines that the hops lead to from `baseline`, the metamodels that no hop
-  /// moves keeping their versions; in the order of `combine`. Empty when there are no hops, when a
-  /// target is unknown, or when the targets cannot stand together. Throws ConflictingDependencies
-  /// when a target cannot be linked.
+  /// moves keeping their versions; in the order of `combine`. All requirements of what they hold
+  /// are met. Empty when there are no hops, when a target is unknown, or when the targets cannot
+  /// stand together. Throws ConflictingDependencies when a target cannot be linked.
   std::vector<VersionBaseline> createTargetBaseline(
       const VersionBaseline& baseline, const std::unordered_map<std::u16string, Hop>& hops);
 
@@ -244,7 +249,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
 
   /// Every consistent baseline that realises a selection of one version for each name, the first
   /// name in ascending order being the most significant digit. Empty when there is none, or for no
-  /// names.
+  /// names. None holds what a requirement excludes; one may lack what a requirement asks for, which
+  /// the first step then has to bring in.
   ///
   /// Throws InvalidFamilyVersion for a version that the application does not know and
   /// ConflictingDependencies for one that cannot be linked, whichever the selection's map yields
@@ -267,6 +273,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// finds none.
   const std::vector<std::shared_ptr<LinkedMetamodel>>& getLinkedMetamodels(
       const std::u16string& name, const VersionId& version);
+
+  /// Whether metamodels may have requirements (see `useRequirements`).
+  bool hasRequirements() const noexcept;
+
+  /// What a metamodel requires, as the source in use tells it.
+  std::vector<PeerRequirement> getRequirements(const Metamodel& metamodel);
 
   /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
   /// path found. Normally reached through `getLinkedMetamodels`. When there is a list already, that
@@ -308,8 +320,17 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// The pass key with which `loadMetamodel` fills a new linked metamodel.
   static LinkedMetamodel::AccessTag accessTag() { return {}; }
 
+  /// Has every metamodel that is linked from here on held to what `source` tells of it; none has
+  /// requirements before. So it is to be called before one that has any is handed out, such as by
+  /// the constructor of the application's class, from any thread. `source` must live as long as the
+  /// repository is asked.
+  void useRequirements(RequirementSource& source) noexcept;
+
  private:
   friend class RepositoryAccess;
+
+  TARN_EVOLUTION_PATHFINDER_NO_EXPORT const std::vector<ResolvedRequirement>& requirementsOf(
+      const Metamodel& metamodel);
 
   TARN_EVOLUTION_PATHFINDER_NO_EXPORT std::shared_ptr<LinkedMetamodel> linkAlone(
       const Metamodel& metamodel,

@@ -131,7 +131,9 @@ TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
   const auto make = [](Random& random) {
     if (random.chance(20)) return hardQuestion(random.oneOf(difficulties()), random);
     if (random.chance(50)) return randomQuestion(random);
-    return QuestionDraft::closed(random, 1 + random.upTo(3)).text(random);
+    QuestionDraft draft = QuestionDraft::closed(random, 1 + random.upTo(3));
+    if (random.chance(40)) draft.addRequirements(random, random.chance(50) ? 15 : 40);
+    return draft.text(random);
   };
   run.ask(make, [&](const std::string& text, Random& random) {
     std::optional<RandomChoices> choices;
@@ -227,6 +229,16 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       // brings in.
       {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
       {"A1..2 Z1", "A1", "A2 Z1", ~std::size_t{0}},
+      // Requirements: both move at once, as each wants the other; B waits for A; C is not there.
+      {"A1:&B1 A2:&B2 A1>2 B1:&A1 B2:&A2 B1>2 C1..2", "A1 B1 C1", "A2 B2 C2", 1},
+      {"A1..3 B1:&A[1,3) B2:&A[2,4) B1>2 C1..2", "A1 B1 C1", "A3 B2 C2", 2},
+      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2", "A1 B1", "A2 B3", 2},
+      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2", "A1 B1", "A3 B3", ~std::size_t{0}},
+      // What A requires only B's link brings in, and in the wrong version at first.
+      {"A1 A2:&C2 A1>2 B1 B2:C1 B3:C2 B1>2 B2>3 C1..2", "A1 B1", "A2 B3", 2},
+      // A source without what it requires has to bring it in at once.
+      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2", "A1 B1 D1", "B2 D2", 1},
+      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2", "A1 B1 D1", "B3 D2", ~std::size_t{0}},
   };
   for (const auto& [catalogue, from, to, steps] : cases) {
     SCOPED_TRACE(std::string(catalogue) + ": " + from + " to " + to);

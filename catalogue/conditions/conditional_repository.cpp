@@ -66,6 +66,7 @@ bool canLink(pathfinder::VersionRepository& repository, const Metamodel& metamod
 ConditionalRepository::ConditionalRepository(BrowsableRepository& content,
                                              const PathConditions& conditions)
     : content_(content), conditions_(resolved(content, conditions)) {
+  useRequirements(*this);
   for (const auto& [name, version] : conditions_.via) {
     auto& versions = passed_[name];
     if (std::find(versions.begin(), versions.end(), version) == versions.end()) {
@@ -107,6 +108,13 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
       result.push_back(metamodel);
     }
   }
+}
+
+/// What is required is asked for among what is not avoided, whatever has been passed.
+void ConditionalRepository::findRequirements(const Metamodel& metamodel,
+                                             std::vector<pathfinder::PeerRequirement>& result) {
+  const VersionId plain = read(metamodel.name, metamodel.version).version;
+  result = content_.getRequirements(Metamodel(metamodel.name, plain, metamodel.dependencies));
 }
 
 void ConditionalRepository::findHops(const std::u16string& name, const VersionId& from,

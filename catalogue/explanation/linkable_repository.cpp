@@ -35,6 +35,11 @@ void LinkableRepository::findMetamodels(const std::u16string& name,
   content_.findMetamodels(name, range, result);
 }
 
+void LinkableRepository::findRequirements(const Metamodel& metamodel,
+                                          std::vector<pathfinder::PeerRequirement>& result) {
+  result = content_.getRequirements(metamodel);
+}
+
 void LinkableRepository::findHops(const std::u16string& name, const pathfinder::VersionId& from,
                                   std::vector<Hop>& result) {
   content_.findHops(name, from, result);

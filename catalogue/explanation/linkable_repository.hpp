@@ -15,9 +15,12 @@ using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel
 ///
 /// Can be told to leave out the hops to versions that cannot be linked, over which the path finder
 /// would stumble.
-class LinkableRepository : public pathfinder::VersionRepository {
+class LinkableRepository : public pathfinder::VersionRepository,
+                           public pathfinder::RequirementSource {
  public:
-  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {}
+  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {
+    useRequirements(*this);
+  }
 
   /// The linked metamodels of a descriptor; null when it cannot be linked.
   const LinkedMetamodels* tryLink(const pathfinder::Metamodel& metamodel);
@@ -37,6 +40,8 @@ class LinkableRepository : public pathfinder::VersionRepository {
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::PeerRequirement>& result) override;
 
  private:
   bool leadsToUnlinkable(const pathfinder::Hop& hop);

@@ -25,12 +25,6 @@ void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   writeBounds(printer, range);
 }
 
-void writeFields(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
-  printer.field("name", fl::i18n::ustring_to_utf8(dependency.name));
-  printer.key("range");
-  writeRange(printer, dependency.range);
-}
-
 }  // namespace
 
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
@@ -44,20 +38,14 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
 }
 
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
-  printer.object([&] { writeFields(printer, dependency); });
+  printer.object([&] { writeDependencyFields(printer, dependency.name, dependency.range); });
 }
 
-void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies,
-                       const std::vector<std::u16string>& notes) {
-  printer.array([&] {
-    for (std::size_t i = 0; i < dependencies.size(); ++i) {
-      printer.object([&] {
-        writeFields(printer, dependencies[i]);
-        if (i < notes.size()) writeNote(printer, notes[i]);
-      });
-    }
-  });
+void writeDependencyFields(JsonPrinter& printer, const std::u16string& name,
+                           const pathfinder::VersionRange& range) {
+  printer.field("name", fl::i18n::ustring_to_utf8(name));
+  printer.key("range");
+  writeRange(printer, range);
 }
 
 void writeNote(JsonPrinter& printer, const std::u16string& note) {

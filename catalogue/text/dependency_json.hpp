@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "catalogue/text/json_printer.hpp"
 #include "pathfinder/metamodel.hpp"
@@ -15,10 +14,9 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 /// [lower, upper), or {"anyOf": [range]}.
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency);
 
-/// Writes a list of them, each with the field "note" if there is one. There may be fewer notes.
-void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies,
-                       const std::vector<std::u16string>& notes);
+/// Writes just these fields.
+void writeDependencyFields(JsonPrinter& printer, const std::u16string& name,
+                           const pathfinder::VersionRange& range);
 
 /// Writes the field "note", unless it is empty.
 void writeNote(JsonPrinter& printer, const std::u16string& note);

@@ -1,6 +1,7 @@
 // Breadth-first exploration of each name by itself over hops that do not go against the direction,
 // from the source's version on; then, of a name that the target fixes, only what leads to its
-// version is kept. Each dependency of what is left becomes a requirement.
+// version is kept. Each dependency of what is left becomes a requirement, beside those that the
+// application has by itself.
 
 #include "pathfinder/learning/dependency_space.hpp"
 
@@ -202,14 +203,31 @@ class DependencySurvey {
            result_.space->versions[version].descriptor->dependencies) {
         const NameIndex needed = placeOfName_.at(dependency.name);
         result_.dependencies[version].push_back(needed);
-        result_.requirements.push_back({version, needed, admittedBy(dependency, names_[needed])});
+        result_.requirements.push_back(
+            {version, needed, admittedBy(dependency.name, dependency.range, names_[needed])});
       }
+      addRequired(version);
     }
   }
 
-  std::vector<VersionIndex> admittedBy(const Dependency& dependency, const Name& needed) {
+  void addRequired(VersionIndex version) {
+    const Metamodel& descriptor = *result_.space->versions[version].descriptor;
+    required_.clear();
+    host_.findRequirements(descriptor, required_);
+    for (const PeerRequirement& requirement : required_) {
+      const auto place = placeOfName_.find(requirement.name);
+      if (place == placeOfName_.end() && requirement.isOptional) continue;  // it is never held
+      if (place == placeOfName_.end() || requirement.name == descriptor.name) throw NotClosed();
+      result_.requirements.push_back(
+          {version, place->second,
+           admittedBy(requirement.name, requirement.range, names_[place->second])});
+    }
+  }
+
+  std::vector<VersionIndex> admittedBy(const std::u16string& name, const VersionRange& range,
+                                       const Name& needed) {
     candidates_.clear();
-    host_.findMetamodels(dependency.name, dependency.range, candidates_);
+    host_.findMetamodels(name, range, candidates_);
     std::vector<VersionIndex> admitted;
     for (const Metamodel& candidate : candidates_) {
       const auto [begin, end] = needed.places.equal_range(candidate.version);
@@ -267,6 +285,7 @@ class DependencySurvey {
   std::vector<Name> names_;
   std::unordered_map<std::u16string, NameIndex> placeOfName_;
   std::vector<Metamodel> candidates_;
+  std::vector<PeerRequirement> required_;
 };
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,

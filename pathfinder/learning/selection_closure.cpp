@@ -31,6 +31,9 @@ SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& se
   for (const auto& [name, versions] : names_) selected_.push_back(&name);
   bringIn(host);
   requireCertainNames();
+  for (auto& [name, versions] : names_) {
+    for (Version& version : versions) addRequired(host, name, version);
+  }
 }
 
 void SelectionClosure::bringIn(SelectionHost& host) {
@@ -68,6 +71,28 @@ void SelectionClosure::addNeeds(SelectionHost& host, const std::u16string& name,
   }
   for (const auto& [needed, options] : order) {
     version.needs.insert(version.needs.begin(), std::move(needs.at(needed)));
+  }
+}
+
+/// Once all versions that may be held are known.
+void SelectionClosure::addRequired(SelectionHost& host, const std::u16string& name,
+                                   Version& version) {
+  std::vector<PeerRequirement> required;
+  host.findRequirements(version.descriptor, required);
+  std::vector<Metamodel> candidates;
+  for (const PeerRequirement& requirement : required) {
+    const auto known = names_.find(requirement.name);
+    if (known == names_.end()) continue;
+    if (known->first == name) throw NotClosed();
+    candidates.clear();
+    host.findMetamodels(requirement.name, requirement.range, candidates);
+    Version::Need& need = version.required.emplace_back(Version::Need{&known->first, {}});
+    for (std::size_t place = 0; place < known->second.size(); ++place) {
+      const Metamodel& held = known->second[place].descriptor;
+      if (std::find(candidates.begin(), candidates.end(), held) != candidates.end()) {
+        need.admitted.push_back(place);
+      }
+    }
   }
 }
 
@@ -112,13 +137,15 @@ std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firs
     for (std::size_t i = 0; i < versions.size(); ++i) literals.push_back(solver.newVariable());
     solver.addExactlyOne(literals);
   }
+  const auto demand = [&](Literal version, const Version::Need& need) {
+    std::vector<Literal> clause{-version};
+    for (const std::size_t place : need.admitted) clause.push_back(held[*need.name][place]);
+    solver.addClause(clause);
+  };
   for (const auto& [name, versions] : names_) {
     for (std::size_t i = 0; i < versions.size(); ++i) {
-      for (const Version::Need& need : versions[i].needs) {
-        std::vector<Literal> clause{-held[name][i]};
-        for (const std::size_t place : need.admitted) clause.push_back(held[*need.name][place]);
-        solver.addClause(clause);
-      }
+      for (const Version::Need& need : versions[i].needs) demand(held[name][i], need);
+      for (const Version::Need& need : versions[i].required) demand(held[name][i], need);
     }
   }
   std::vector<Literal> decided;

@@ -32,6 +32,9 @@ class SelectionClosure {
       std::vector<std::size_t> admitted;
     };
     std::vector<Need> needs = {};
+
+    /// The same for names that it requires without bringing them in, as far as they are held.
+    std::vector<Need> required = {};
   };
 
   /// Asks the application for all. Throws what it throws, InvalidFamilyVersion for a selected
@@ -73,6 +76,7 @@ class SelectionClosure {
   }
 
   void bringIn(SelectionHost& host);
+  void addRequired(SelectionHost& host, const std::u16string& name, Version& version);
   void addNeeds(SelectionHost& host, const std::u16string& name, std::size_t place);
   std::size_t addVersion(const std::u16string& name, Metamodel&& descriptor);
   void requireCertainNames() const;

@@ -61,31 +61,38 @@ LinkedMetamodelCache::~LinkedMetamodelCache() {
 }
 
 const LinkedMetamodels* LinkedMetamodelCache::find(const Metamodel& metamodel) const {
-  return find(metamodel, spread(std::hash<Metamodel>()(metamodel)));
+  const Entry* entry = find(metamodel, spread(std::hash<Metamodel>()(metamodel)));
+  return entry == nullptr ? nullptr : &entry->list;
 }
 
-const LinkedMetamodels* LinkedMetamodelCache::find(const Metamodel& metamodel,
-                                                   std::size_t hash) const {
+const ResolvedRequirements& LinkedMetamodelCache::requirementsOf(const Metamodel& metamodel) const {
+  return find(metamodel, spread(std::hash<Metamodel>()(metamodel)))->requirements;
+}
+
+const LinkedMetamodelCache::Entry* LinkedMetamodelCache::find(const Metamodel& metamodel,
+                                                              std::size_t hash) const {
   const Table& table = *current_.load(std::memory_order_acquire);
   const std::size_t mask = table.slots.size() - 1;
   for (std::size_t place = hash & mask;; place = (place + 1) & mask) {
     const Entry* entry = table.slots[place].load(std::memory_order_acquire);
     if (entry == nullptr) return nullptr;
-    if (entry->hash == hash && entry->metamodel == metamodel) return &entry->list;
+    if (entry->hash == hash && entry->metamodel == metamodel) return entry;
   }
 }
 
 const LinkedMetamodels& LinkedMetamodelCache::add(const Metamodel& metamodel,
-                                                  LinkedMetamodels&& list) {
+                                                  LinkedMetamodels&& list,
+                                                  ResolvedRequirements&& requirements) {
   const std::size_t hash = spread(std::hash<Metamodel>()(metamodel));
   const std::lock_guard lock(adding_);
-  if (const LinkedMetamodels* known = find(metamodel, hash)) return *known;
+  if (const Entry* known = find(metamodel, hash)) return known->list;
   for (auto& linked : list) {
     if (alone_.empty()) break;
     if (auto known = findAloneLocked(*linked)) linked = std::move(known);
   }
   if (2 * (entries_.size() + 1) > tables_.back()->slots.size()) grow();
-  const Entry& entry = entries_.emplace_back(Entry{metamodel, hash, std::move(list)});
+  const Entry& entry =
+      entries_.emplace_back(Entry{metamodel, hash, std::move(list), std::move(requirements)});
   tables_.back()->insert(entry);
   return entry.list;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "pathfinder/linked_metamodel.hpp"
+#include "pathfinder/linking/requirements.hpp"
 #include "pathfinder/metamodel.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -30,9 +31,13 @@ class LinkedMetamodelCache {
   /// The list of a descriptor; null when there is none yet.
   const LinkedMetamodels* find(const Metamodel& metamodel) const;
 
+  /// What a descriptor that has a list requires.
+  const ResolvedRequirements& requirementsOf(const Metamodel& metamodel) const;
+
   /// Keeps a list, unless the descriptor has one already; returns the one kept. What was made alone
   /// before takes the place of its equal in the list. Throws std::system_error when it cannot lock.
-  const LinkedMetamodels& add(const Metamodel& metamodel, LinkedMetamodels&& list);
+  const LinkedMetamodels& add(const Metamodel& metamodel, LinkedMetamodels&& list,
+                              ResolvedRequirements&& requirements);
 
   /// @name Linked metamodels made alone
   /// Of a list that would be too long to be made, single elements can be made: each is the one that
@@ -57,6 +62,7 @@ class LinkedMetamodelCache {
     Metamodel metamodel;
     std::size_t hash;
     LinkedMetamodels list;
+    ResolvedRequirements requirements;
   };
 
   /// A hash table with open addressing, never full. The size is a power of two.
@@ -68,7 +74,7 @@ class LinkedMetamodelCache {
     std::vector<std::atomic<const Entry*>> slots;
   };
 
-  const LinkedMetamodels* find(const Metamodel& metamodel, std::size_t hash) const;
+  const Entry* find(const Metamodel& metamodel, std::size_t hash) const;
   std::shared_ptr<LinkedMetamodel> findEqualLocked(const LinkedMetamodel& linked) const;
   std::shared_ptr<LinkedMetamodel> findAloneLocked(const LinkedMetamodel& linked) const;
   void grow();

@@ -91,6 +91,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
   LinkedMetamodels results =
       linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
   if (!results.empty()) LinkingBudget::take(results.size() - 1);
+  ResolvedRequirements requirements = resolveRequirements(host_, metamodel);
   for (auto& linked : results) {
     if (auto known = cache_.findAlone(*linked)) {
       linked = std::move(known);
@@ -98,7 +99,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
       load(linked);
     }
   }
-  const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results));
+  const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results), std::move(requirements));
   host_.noteLinked();
   return kept;
 }

@@ -35,7 +35,9 @@ std::vector<VersionBaseline> SelectionCombination::combine(
     alternatives.push_back({answers[i]->name, answers[i]->linked});
   }
   last_ = std::move(answers);
-  return combineInOrder(alternatives, Links::Closed);
+  std::vector<VersionBaseline> result = combineInOrder(alternatives, Links::Closed);
+  keepThoseThatMeet(Requirements::OfWhatIsHeld, lookup_, result);
+  return result;
 }
 
 /// The answer for that version, if the last selection held it. Selections of one question mostly
@@ -91,7 +93,8 @@ void reportUnknownVersion(const std::u16string& name, const VersionId& version) 
 }
 
 std::vector<VersionBaseline> combineMetamodels(VersionLookup& lookup,
-                                               const std::vector<SelectedMetamodel>& selection) {
+                                               const std::vector<SelectedMetamodel>& selection,
+                                               Requirements asked) {
   std::vector<Alternatives> alternatives;
   alternatives.reserve(selection.size());
   for (const auto& [name, metamodel] : selection) {
@@ -100,7 +103,9 @@ std::vector<VersionBaseline> combineMetamodels(VersionLookup& lookup,
   std::sort(
       alternatives.begin(), alternatives.end(),
       [](const Alternatives& left, const Alternatives& right) { return *left.name < *right.name; });
-  return combineInOrder(alternatives, Links::Closed);
+  std::vector<VersionBaseline> result = combineInOrder(alternatives, Links::Closed);
+  keepThoseThatMeet(asked, lookup, result);
+  return result;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -69,8 +69,10 @@ struct SelectedMetamodel {
   const Metamodel* metamodel;
 };
 
-/// `VersionRepository::combine` for a selection of descriptors, linked in the order given.
+/// `VersionRepository::combine` for a selection of descriptors, linked in the order given; or those
+/// of these baselines that meet all requirements.
 std::vector<VersionBaseline> combineMetamodels(VersionLookup& lookup,
-                                               const std::vector<SelectedMetamodel>& selection);
+                                               const std::vector<SelectedMetamodel>& selection,
+                                               Requirements asked = Requirements::OfWhatIsHeld);
 
 }  // namespace tarn::evolution::pathfinder

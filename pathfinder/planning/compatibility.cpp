@@ -4,8 +4,9 @@
 //
 // Variants are compared by their projections onto the names that both versions hold, each different
 // projection once. Pairs of names that share nothing, or whose compatibility follows from a third
-// name that both link, get no row. docs/search.md tells why planning by pairs alone relaxes the
-// question.
+// name that both link, get no row. What a requirement excludes is struck from the rows at last:
+// what follows from a third name is still true of what is left. docs/search.md tells why planning
+// by pairs alone relaxes the question.
 
 #include "pathfinder/planning/compatibility.hpp"
 
@@ -58,16 +59,26 @@ std::vector<Projection> project(const SearchSpace& space, VersionIndex index, Na
 Compatibility::Compatibility(const SearchSpace& space) : space_(space) {
   surveyClosures();
   findNeighbours();
+  addNeighbours(space_.requirements);
   layOutRows();
   for (NameIndex name = 0; name < space_.names.size(); ++name) {
     for (const NameIndex neighbour : neighbours_[name]) {
       if (name < neighbour) fillRows(name, neighbour);
     }
   }
+  for (const Requirement& requirement : space_.requirements) require(requirement);
 }
 
 Compatibility::Compatibility(const SearchSpace& space, const std::vector<Requirement>& requirements)
     : space_(space), neighbours_(space.names.size()) {
+  addNeighbours(requirements);
+  layOutRows();
+  std::fill(rows_.begin(), rows_.end(), ~BitWord{0});
+  for (const Requirement& requirement : requirements) require(requirement);
+}
+
+void Compatibility::addNeighbours(const std::vector<Requirement>& requirements) {
+  if (requirements.empty()) return;
   for (const Requirement& requirement : requirements) {
     const NameIndex name = space_.versions[requirement.version].name;
     neighbours_[name].push_back(requirement.needed);
@@ -77,9 +88,6 @@ Compatibility::Compatibility(const SearchSpace& space, const std::vector<Require
     std::sort(neighbours.begin(), neighbours.end());
     neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
   }
-  layOutRows();
-  std::fill(rows_.begin(), rows_.end(), ~BitWord{0});
-  for (const Requirement& requirement : requirements) require(requirement);
 }
 
 /// Removes what the requirement excludes, on both sides.

@@ -11,7 +11,8 @@ namespace tarn::evolution::pathfinder {
 /// Which two versions of different names can stand together in a baseline.
 ///
 /// They can when some linked metamodel of the one agrees with some linked metamodel of the other on
-/// every name that both hold. "Absent" disagrees with whatever holds the name. Kept are only pairs
+/// every name that both hold, and no requirement of either excludes the other. "Absent" disagrees
+/// with whatever holds the name. Kept are only pairs
 /// of names that have something to say, the neighbours: names whose closures share nothing always
 /// can stand together, and for many others it follows from what each of them has with a third (see
 /// `followsFrom`).
@@ -21,12 +22,7 @@ class Compatibility {
  public:
   explicit Compatibility(const SearchSpace& space);
 
-  /// That a version has to have one of some versions of another name beside it.
-  struct Requirement {
-    VersionIndex version;
-    NameIndex needed;
-    std::vector<VersionIndex> admitted;
-  };
+  using Requirement = SearchSpace::Requirement;
 
   /// The same for a space without variants in which every name is held from start to end: two
   /// versions can stand together unless a requirement of one of them excludes the other.
@@ -58,6 +54,7 @@ class Compatibility {
   bool holds(NameIndex holder, NameIndex held) const;
   std::vector<NameIndex> sharedNames(NameIndex left, NameIndex right) const;
 
+  void addNeighbours(const std::vector<Requirement>& requirements);
   void layOutRows();
   void require(const Requirement& requirement);
   void fillRows(NameIndex name, NameIndex neighbour);

@@ -22,7 +22,7 @@
 //   planned one by one (see `IdleStep`).
 //
 // By the same token a name that has nothing to do with any other, and of which no target wants
-// anything, does not move at all.
+// anything, does not move at all, unless no step leads to what a source holds of it.
 //
 // Without this, names that hardly depend on one another multiply the plans to be looked at: every
 // distribution of their hops among the steps is one. docs/search.md has the proof.
@@ -51,9 +51,13 @@ Dominance::Dominance(const SearchSpace& space, const Compatibility& compatibilit
       compatibility_(compatibility),
       incoming_(incoming),
       isStart_(space.versions.size()),
+      cannotStay_(space.names.size()),
       cannotWait_(space.names.size()) {
   for (const SearchSpace::Source& source : space.sources) {
-    for (const VersionIndex version : source.selection) isStart_[version] = true;
+    for (const VersionIndex version : source.selection) {
+      isStart_[version] = true;
+      if (!space.versions[version].canBeCombined) cannotStay_[space.versions[version].name] = true;
+    }
   }
   if (start != SearchSpace::none) isStart_[start] = true;
   findNamesThatCannotWait();

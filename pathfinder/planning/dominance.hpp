@@ -28,10 +28,12 @@ class Dominance {
             const IncomingHops& incoming, VersionIndex start = SearchSpace::none);
 
   /// Whether best plans that need not end with the name at a certain version end with it at
-  /// `version`: a name that has nothing to do with any other stays where it begins.
+  /// `version`: a name that has nothing to do with any other stays where it begins, unless it
+  /// begins where it cannot stay.
   bool mayEndAt(VersionIndex version) const {
-    return isStart_[version] || !entersOnlyByHops_ ||
-           !compatibility_.neighbours(space_.versions[version].name).empty();
+    const NameIndex name = space_.versions[version].name;
+    return isStart_[version] || !entersOnlyByHops_ || cannotStay_[name] ||
+           !compatibility_.neighbours(name).empty();
   }
 
   /// In which steps that lead to `after` the name of that version can stay at it.
@@ -54,6 +56,7 @@ class Dominance {
   const IncomingHops& incoming_;
   std::vector<bool> isStart_;  // by version
   bool entersOnlyByHops_ = true;
+  std::vector<bool> cannotStay_;  // by name: whether no step leads to what some source holds
   std::vector<bool> cannotWait_;  // by name: whether its hops may matter for what links bring in
 
   // For each version, as bits, the versions of its name that it may have been before, and itself.

@@ -1,10 +1,10 @@
 // A name is irrelevant when every source holds one and the same linked metamodel under it, which
-// links nothing, no target asks for another, and nothing that a path may hold links the name. A
-// path that moves it is heavier than the same path without those hops; docs/search.md has the
-// proof.
+// links and requires nothing, no target asks for another, and nothing that a path may hold links or
+// requires the name. A path that moves it is heavier than the same path without those hops;
+// docs/search.md has the proof.
 //
-// Whether something links the name is seen while the survey goes on: a name that is linked is taken
-// up again then.
+// Whether something links or requires the name is seen while the survey goes on: a name that is is
+// taken up again then.
 
 #include "pathfinder/planning/irrelevant_names.hpp"
 
@@ -39,7 +39,8 @@ bool IrrelevantNames::maybeIrrelevant(const std::u16string& name,
   if (!std::all_of(sources.begin() + 1, sources.end(), holdsIt)) return false;
   // Only what a repository has made itself is in the baselines after a step.
   const auto* own = tryLink(question_.host, *linked);
-  return linked->name == name && own != nullptr && own->front() == linked;
+  return linked->name == name && own != nullptr && own->front() == linked &&
+         (!question_.host.hasRequirements() || question_.host.requirementsOf(*linked).empty());
 }
 
 const std::pair<const std::u16string, std::shared_ptr<LinkedMetamodel>>* IrrelevantNames::find(

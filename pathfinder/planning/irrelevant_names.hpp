@@ -10,11 +10,11 @@ namespace tarn::evolution::pathfinder {
 
 /// The names of a question that no best path moves, as far as the question itself tells: every
 /// source, and every target that mentions it, holds the same linked metamodel under the name, one
-/// that links nothing.
+/// that links and requires nothing.
 ///
 /// Without the hops of such a name, every baseline on the way would be as consistent, and the path
-/// lighter, if nothing that the path may hold links it, and no target needs a name to be brought
-/// in. Who finds that a name is relevant after all removes it.
+/// lighter, if nothing that the path may hold links or requires it, and no target needs a name to
+/// be brought in. Who finds that a name is relevant after all removes it.
 class IrrelevantNames {
  public:
   /// Without names yet.

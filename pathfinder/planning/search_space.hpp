@@ -74,8 +74,8 @@ struct SearchSpace {
     VersionIndex version = none;    ///< `none` when that version is not in the space
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
-    /// False when it links what is not in the space and does not stand back: no step leads to a
-    /// baseline that holds it.
+    /// False when it links what is not in the space and does not stand back, or requires what is
+    /// not in the space: no step leads to a baseline that holds it.
     bool canBeCombined = true;
 
     /// Whether it links another version of its own name. Such a link is not in the closure: the
@@ -85,6 +85,14 @@ struct SearchSpace {
 
     /// The variant that the closure holds under a name; `none` when it holds none.
     VariantIndex heldUnder(NameIndex name) const;
+  };
+
+  /// That a version has to have one of some versions of another name beside it, of which "absent"
+  /// may be one. The application asks for it, beyond what links say.
+  struct Requirement {
+    VersionIndex version;
+    NameIndex needed;
+    std::vector<VersionIndex> admitted;
   };
 
   struct Name {
@@ -152,6 +160,8 @@ struct SearchSpace {
   /// The name before which the first irrelevant one stands; `none` when none does. Only where
   /// `anyLinksOwnName`.
   NameIndex firstIrrelevant = none;
+
+  std::vector<Requirement> requirements;
 
   bool anyLinksAtWill = false;  ///< whether a version does
 

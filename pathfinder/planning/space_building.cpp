@@ -39,6 +39,8 @@ class SpaceBuilding {
     for (SurveyedName* name : ordered) addName(*name);
     addMoves();
     addClosures();
+    if (space_->anyLinksOwnName) admitWhatStandsBack();
+    addRequirements();
     markWhatCannotBeCombined();
     addEntries();
     if (space_->anyLinksOwnName) findFirstIrrelevantName();
@@ -276,6 +278,45 @@ class SpaceBuilding {
     return {name.index, variant};
   }
 
+  void addRequirements() {
+    for (const SurveyedVersion& surveyed : met_.versions) {
+      if (surveyed.index == SearchSpace::none || surveyed.requirements == nullptr) continue;
+      for (const ResolvedRequirement& requirement : *surveyed.requirements) {
+        if (!addRequirement(surveyed, requirement)) markAsNeverHeld(surveyed.index);
+      }
+    }
+  }
+
+  /// False when no baseline of the space meets it.
+  bool addRequirement(const SurveyedVersion& surveyed, const ResolvedRequirement& requirement) {
+    const auto needed = met_.names.find(requirement.name);
+    if (needed == met_.names.end() || needed->second.index == SearchSpace::none) {
+      return requirement.isOptional;
+    }
+    const SurveyedName& name = needed->second;
+    if (&name == surveyed.name) return requirement.admitted.contains(*surveyed.descriptor);
+    const VersionIndex absent = space_->names[name.index].absent;
+    SearchSpace::Requirement& added =
+        space_->requirements.emplace_back(SearchSpace::Requirement{surveyed.index, name.index, {}});
+    for (const SurveyedVersion* version : name.versions) {
+      if (version->index == SearchSpace::none) continue;
+      if (requirement.admitted.contains(*version->descriptor)) {
+        added.admitted.push_back(version->index);
+      }
+    }
+    if (name.unknown != SearchSpace::none) added.admitted.push_back(name.unknown);
+    if (requirement.isOptional && absent != SearchSpace::none) added.admitted.push_back(absent);
+    return true;
+  }
+
+  void markAsNeverHeld(VersionIndex index) {
+    const SearchSpace::Version& version = space_->versions[index];
+    const auto variants = std::span(space_->variants).subspan(version.firstVariant);
+    for (SearchSpace::Variant& variant : variants.first(version.variantCount)) {
+      variant.canBeCombined = false;
+    }
+  }
+
   /// Notes which versions of names that may be absent each version may bring in.
   void addEntries() {
     const bool anyIsEntry =
@@ -305,15 +346,18 @@ class SpaceBuilding {
   }
 
   void markWhatCannotBeCombined() {
-    for (const SearchSpace::Variant& variant : space_->variants) {
-      if (variant.linksOwnName) admitWhatStandsBackFor(variant);
-    }
     for (SearchSpace::Version& version : space_->versions) {
       if (version.descriptor == nullptr) continue;
       const auto variants = std::span(space_->variants).subspan(version.firstVariant);
       version.canBeCombined =
           std::any_of(variants.begin(), variants.begin() + version.variantCount,
                       [](const SearchSpace::Variant& variant) { return variant.canBeCombined; });
+    }
+  }
+
+  void admitWhatStandsBack() {
+    for (const SearchSpace::Variant& variant : space_->variants) {
+      if (variant.linksOwnName) admitWhatStandsBackFor(variant);
     }
   }
 

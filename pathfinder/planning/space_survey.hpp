@@ -81,6 +81,7 @@ class SpaceSurvey {
   void linkWhatIsOfUse();
   void link(SurveyedVersion& version);
   void enterLinks(const LinkedMetamodel& variant);
+  void enterRequirements(SurveyedVersion& version);
   bool enterLink(const LinkedMetamodel& linked);
   void goAsFarAsTargetsNeed();
   bool goAllTo(std::uint64_t radius);

@@ -104,6 +104,8 @@ void SurveyedEnds::enterSources() {
       if (state_.isUnfit) return;
       if (!irrelevant_.contain(*linked)) enterSource(i, name, *linked);
     }
+    state_.sources[i].isRegular &=
+        meets(Requirements::All, state_.question.host, state_.question.sources[i]);
   }
 }
 

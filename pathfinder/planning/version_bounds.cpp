@@ -131,6 +131,7 @@ class BoundsComputation {
     added.clear();
     if (fresh.empty()) return;
     const auto add = [&](VersionIndex version) {
+      if (!space_.versions[version].canBeCombined) return;
       if (held.insert(version)) added.push_back(version);
     };
     for (const VersionIndex version : fresh) {
@@ -146,6 +147,7 @@ class BoundsComputation {
   /// Adds, and lists, what the listed versions lead to by expensive hops and by links.
   void growWithoutOrdinaryHops(VersionSet& held, std::vector<VersionIndex>& added) const {
     const auto add = [&](VersionIndex version) {
+      if (!space_.versions[version].canBeCombined) return;
       if (held.insert(version)) added.push_back(version);
     };
     // The list grows on the way.

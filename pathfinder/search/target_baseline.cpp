@@ -27,7 +27,7 @@ std::vector<VersionBaseline> findTargetBaselines(SearchHost& host, const Version
   std::vector<SelectedMetamodel> inMapOrder;
   inMapOrder.reserve(selection.size());
   for (const auto& [name, metamodel] : selection) inMapOrder.push_back({&name, metamodel});
-  return combineMetamodels(host, inMapOrder);
+  return combineMetamodels(host, inMapOrder, Requirements::All);
 }
 
 }  // namespace tarn::evolution::pathfinder

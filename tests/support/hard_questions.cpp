@@ -173,7 +173,8 @@ void addUnlinkableVersion(QuestionDraft& draft, Random& random) {
 }
 
 void addFailingCallback(QuestionDraft& draft, Random& random) {
-  const char* const callbacks[] = {"?load", "?hops", "?get"};
+  const char* const callbacks[] = {"?load", "?hops", "?get", "?need"};
+  if (random.chance(30)) draft.addRequirements(random, 20);
   draft.more.push_back(somePlace(draft, random) + random.oneOf(callbacks));
 }
 
@@ -205,6 +206,24 @@ void addTwins(QuestionDraft& draft, Random& random) {
     const auto place = static_cast<std::ptrdiff_t>(random.below(name.versions.size() + 1));
     name.versions.insert(name.versions.begin() + place, twin);
   }
+}
+
+/// Requirements among what is there, and on names that only links bring in or nothing does.
+void addRequirements(QuestionDraft& draft, Random& random) {
+  if (random.chance(15))
+    random.oneOf(draft.someName(random).versions).needs.push_back("%" + nobody);
+  if (random.chance(10)) somePlace(draft, random, {"&" + nobody});
+  if (random.chance(50)) {
+    const std::size_t names = draft.names.size();
+    Name& plug = addPlug(draft, random.chance(20), random.chance(30));
+    plug.versions.push_back({"2", {}, {}, {}});
+    if (random.chance(50)) draft.addHop(plug, "1", "2");
+    for (std::size_t left = random.upTo(3); left > 0; --left) {
+      Name& bringing = draft.names[random.below(names)];
+      random.oneOf(bringing.versions).needs.push_back(anyOf(draft.names.back(), random));
+    }
+  }
+  draft.addRequirements(random, random.chance(50) ? 15 : 40);
 }
 
 void addCycle(QuestionDraft& draft, Random& random) {
@@ -299,6 +318,7 @@ const std::vector<Difficulty>& difficulties() {
       {"FailingCallback", addFailingCallback, {{"throws", 7}}},
       {"OtherAnswers", addOtherAnswers, {{"other answers", 15}}},
       {"Twins", addTwins},
+      {"Requirements", addRequirements},
       {"Cycle", addCycle, {{"throws", 5}}},
       {"SelfLinks", addSelfLinks, {}, true},
       {"Chain", addChain, {{"brought in", 6}}},

@@ -4,7 +4,29 @@
 
 #include <algorithm>
 
+#include "pathfinder/requirement.hpp"
+
 namespace test {
+
+namespace {
+
+/// Whether a baseline has all beside it that one of its metamodels requires.
+bool hasRequired(VersionRepository& repository, const VersionBaseline& baseline,
+                 const Metamodel& metamodel) {
+  auto* const source = dynamic_cast<RequirementSource*>(&repository);
+  if (source == nullptr) return true;
+  std::vector<PeerRequirement> required;
+  source->findRequirements(metamodel, required);
+  return std::all_of(required.begin(), required.end(), [&](const PeerRequirement& requirement) {
+    const auto held = baseline.metamodels.find(requirement.name);
+    if (held == baseline.metamodels.end()) return requirement.isOptional;
+    std::vector<Metamodel> admitted;
+    repository.findMetamodels(requirement.name, requirement.range, admitted);
+    return std::find(admitted.begin(), admitted.end(), *held->second) != admitted.end();
+  });
+}
+
+}  // namespace
 
 void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path) {
   for (std::size_t i = 0; i < path.size(); ++i) {
@@ -19,6 +41,7 @@ void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& 
       EXPECT_NE(std::find(offered.begin(), offered.end(), hop->second), offered.end());
     }
     for (const auto& [name, linked] : to.metamodels) {
+      EXPECT_TRUE(hasRequired(repository, to, *linked)) << *linked << " in " << to;
       for (const auto& [needed, range] : linked->dependencies) {
         const auto held = to.metamodels.find(needed);
         ASSERT_NE(held, to.metamodels.end()) << to;

@@ -104,6 +104,7 @@ const std::vector<Baseline>& PlainModel::linked(std::size_t place) {
     }
     for (const auto& [name, options] : optionsByName) extend(place, choices, options);
     if (choices.empty() || fails("loadMetamodel", place)) throw Conflict();
+    if (!repository_.requirements.empty() && fails("findRequirements", place)) throw Conflict();
     for (Baseline& choice : choices) linkAsHost(place, choice);
   } catch (...) {
     pending_.erase(place);
@@ -151,7 +152,22 @@ std::vector<Baseline> PlainModel::combine(const Baseline& selection) {
     }
     result = std::move(extended);
   }
+  std::erase_if(result, [&](const Baseline& one) { return !meetsRequirements(one, false); });
   return result;
+}
+
+bool PlainModel::meetsRequirements(const Baseline& baseline, bool isComplete) const {
+  for (const auto& [name, place] : baseline) {
+    const auto known = repository_.requirements.find(brief(name, metamodel(place).version));
+    if (known == repository_.requirements.end()) continue;
+    for (const auto& [required, range, isOptional] : known->second) {
+      const auto held = baseline.find(required);
+      const bool isMet = held == baseline.end() ? isOptional || !isComplete
+                                                : includes(range, metamodel(held->second));
+      if (!isMet) return false;
+    }
+  }
+  return true;
 }
 
 bool PlainModel::fails(const std::string& operation, std::size_t place) const {
@@ -239,7 +255,9 @@ std::vector<PlainModel::Step> PlainModel::tryStepsFrom(const Baseline& from, Dir
     const auto selection = selectionAfter(from, choice);
     if (!selection) continue;
     try {
-      for (const Baseline& to : combine(*selection)) steps.push_back({choice, to});
+      for (const Baseline& to : combine(*selection)) {
+        if (meetsRequirements(to, true)) steps.push_back({choice, to});
+      }
     } catch (const Conflict&) {
       if (failures_ == Failures::Thrown) throw;
     }

@@ -55,6 +55,10 @@ class PlainModel {
   /// Every consistent choice for the metamodel and all that it needs, in the repository's order.
   const std::vector<Baseline>& linked(std::size_t metamodel);
 
+  /// Whether a baseline holds nothing that a requirement excludes, and, if it has to be complete,
+  /// all that one asks for.
+  bool meetsRequirements(const Baseline& baseline, bool isComplete) const;
+
   /// Every consistent baseline of a selection.
   std::vector<Baseline> combine(const Baseline& selection);
 

@@ -229,6 +229,22 @@ void QuestionDraft::addHop(const Name& name, const std::string& before, const st
   hops.push_back({name.letter, before, after, mark});
 }
 
+void QuestionDraft::addRequirements(Random& random, unsigned percent) {
+  for (Name& name : names) {
+    for (Version& version : name.versions) {
+      if (!random.chance(percent)) continue;
+      const Name& required = someName(random);
+      if (required.letter == name.letter && !random.chance(10)) continue;
+      const std::size_t last = required.versions.size();
+      std::size_t lower = random.upTo(last);
+      std::size_t upper = lower + random.upTo(3);
+      if (random.chance(60)) (random.chance(50) ? lower = 1 : upper = last + 1);
+      version.needs.push_back((random.chance(35) ? "%" : "&") + std::string(1, required.letter) +
+                              rangeText(lower, std::max(upper, lower + 1)));
+    }
+  }
+}
+
 void QuestionDraft::settleEnds(Random& random, unsigned heldPercent, unsigned wantedPercent) {
   if (random.chance(25)) turnRound();
   from.emplace_back();
@@ -292,6 +308,7 @@ std::string randomQuestion(Random& random) {
                         : shape < 20 ? QuestionDraft::ladder(random)
                         : shape < 27 ? QuestionDraft::crowd(random)
                                      : QuestionDraft::either(random, names);
+  if (random.chance(25)) draft.addRequirements(random, random.chance(50) ? 15 : 40);
   draft.isInOrder = random.chance(80);
   return draft.text(random);
 }

@@ -56,6 +56,10 @@ struct QuestionDraft {
 
   Name& addName();
   Name& someName(Random& random) { return random.oneOf(names); }
+
+  /// Has some versions require others, mutually or not, held or not.
+  void addRequirements(Random& random, unsigned percent);
+
   Version& someVersion(Random& random) { return random.oneOf(someName(random).versions); }
   void addHop(const Name& name, const std::string& from, const std::string& to,
               const std::string& mark = {});

@@ -48,7 +48,7 @@ Items simplerItems(const std::string& item) {
 }
 
 std::string withoutName(const Items& items, char name) {
-  const std::regex dependency(std::string("[:+=]") + name + "[^:+=]*");
+  const std::regex dependency(std::string("[:+=][&%]?") + name + "[^:+=]*");
   Items result;
   for (const std::string& item : items) {
     if (item[0] != name) result.push_back(mended(std::regex_replace(item, dependency, "")));

@@ -1,6 +1,7 @@
 #include "support/store_folder.hpp"
 
 #include <unistd.h>
+#include <algorithm>
 
 #include <fstream>
 #include <sstream>
@@ -19,6 +20,20 @@ CatalogueContent contentOf(TestRepository& repository) {
     const bool isText = !metamodel.version.isSemVer();
     content.metamodels.push_back(
         {metamodel, isText ? repository.extractSemVer(metamodel) : std::nullopt});
+    CatalogueMetamodel& added = content.metamodels.back();
+    const auto required = repository.requirements.find(brief(metamodel.name, metamodel.version));
+    if (required == repository.requirements.end()) continue;
+    for (const PeerRequirement& each : required->second) {
+      const auto& dependencies = added.descriptor.dependencies;
+      const bool isFirst =
+          std::none_of(dependencies.begin(), dependencies.end(),
+                       [&](const Dependency& other) { return other.name == each.name; });
+      if (each.isOptional) {
+        added.requirements.push_back({each});
+      } else if (isFirst && each.name != metamodel.name) {
+        added.descriptor.dependencies.emplace_back(each.name, each.range);
+      }
+    }
   }
   return content;
 }

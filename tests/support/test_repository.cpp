@@ -74,8 +74,10 @@ void TestRepository::add(const std::string& content) {
         if (n < std::stoull(last)) hops.emplace_back(name, v(n), v(n + 1), false);
       }
     } else if (const std::string callback = after(item, "?"); !callback.empty()) {
-      static const std::map<std::string, std::string> operations{
-          {"load", "loadMetamodel "}, {"hops", "findHops "}, {"get", "getMetamodel "}};
+      static const std::map<std::string, std::string> operations{{"load", "loadMetamodel "},
+                                                                 {"hops", "findHops "},
+                                                                 {"get", "getMetamodel "},
+                                                                 {"need", "findRequirements "}};
       failing.insert(operations.at(callback) + brief(name, id));
     } else if (const std::string answer = after(item, "->"); !answer.empty()) {
       otherAnswers.emplace(brief(name, id), version(answer));
@@ -104,7 +106,13 @@ void TestRepository::addMetamodel(const std::u16string& name, const VersionId& i
   if (!equivalent.empty()) equivalents[{name, id.getText()}] = version(equivalent).getSemVer();
   Metamodel& added = metamodels.emplace_back(name, id, std::vector<Dependency>());
   for (const auto& needed : split(after(item, ":", "="), '+')) {
-    added.dependencies.push_back(dependency(needed));
+    if (needed[0] != '&' && needed[0] != '%') {
+      added.dependencies.push_back(dependency(needed));
+      continue;
+    }
+    const auto [required, range] = dependency(needed.substr(1));
+    requirements[brief(name, id)].push_back({required, range, needed[0] == '%'});
+    useRequirements(*this);
   }
   for (const auto& linked : split(after(item, "="), '=')) {
     hostLinks[brief(name, id)].emplace_back(nameIn(linked), version(linked.substr(1)));
@@ -166,6 +174,14 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
   for (const auto& [offeredFor, hop] : foreignHops) {
     if (offeredFor == name && hop.from == from) result.push_back(hop);
   }
+}
+
+void TestRepository::findRequirements(const Metamodel& metamodel,
+                                      std::vector<PeerRequirement>& result) {
+  const std::string text = brief(metamodel.name, metamodel.version);
+  note([&] { return "findRequirements " + text; });
+  const auto known = requirements.find(text);
+  if (known != requirements.end()) result = known->second;
 }
 
 void TestRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "pathfinder/requirement.hpp"
 #include "pathfinder/version_repository.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -47,7 +48,7 @@ struct CallbackFailure {
 };
 
 /// A repository that is filled in code, notes every call that it gets, and can fail at any of them.
-class TestRepository : public VersionRepository {
+class TestRepository : public VersionRepository, public RequirementSource {
  public:
   explicit TestRepository(const std::string& content) { add(content); }
 
@@ -57,6 +58,7 @@ class TestRepository : public VersionRepository {
   ///     A1..4                 A at versions 1.0.0 to 4.0.0, with hops from each to the next
   ///     Aspring~1.2           A at a text version, for which 1.2.0 is the semantic equivalent
   ///     B2:A[1,3)+C1+Dspring  B at 2.0.0, with a range of A, one version of C and one of D
+  ///     B2:A1+&C[1,3)+%D1     B as far as A; requires C, and D at 1.0.0 if there is one
   ///     A1>3  A1>3!           a hop of A from 1.0.0 to 3.0.0, and an expensive one
   ///
   /// and what only a wilful application does:
@@ -66,6 +68,7 @@ class TestRepository : public VersionRepository {
   ///     A1>3@C                a hop that is offered for A and says that it is one of C
   ///     A5->3                 who asks for A at 5.0.0 is answered A at 3.0.0
   ///     A3?load  ?hops  ?get  loadMetamodel, findHops, getMetamodel fails for A at 3.0.0
+  ///     A3?need               findRequirements does, if anything in the catalogue has any
   void add(const std::string& content);
 
   /// All baselines of some selections, which commas separate: "A1 B1, A2". The first one.
@@ -85,6 +88,7 @@ class TestRepository : public VersionRepository {
                       std::vector<Metamodel>& result) override;
   void findHops(const std::u16string& name, const VersionId& from,
                 std::vector<Hop>& result) override;
+  void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) override;
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override;
 
   std::vector<Metamodel> metamodels;
@@ -97,6 +101,7 @@ class TestRepository : public VersionRepository {
   // By the version that they concern, in brief ("A3").
   std::map<std::string, std::vector<std::pair<std::u16string, VersionId>>> hostLinks;
   std::map<std::string, VersionId> otherAnswers;
+  std::map<std::string, std::vector<PeerRequirement>> requirements;
 
   /// The calls that fail: "findHops A3".
   std::set<std::string> failing;
