@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "catalogue/catalogue.hpp"
+#include "pathfinder/requirement.hpp"
 #include "pathfinder/version_repository.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
@@ -15,8 +16,13 @@ namespace tarn::evolution::catalogue {
 ///
 /// Every operation here may be called from any number of threads at once, as those of
 /// `VersionRepository` may.
-class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::VersionRepository {
+class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::VersionRepository,
+                                                            public pathfinder::RequirementSource {
  public:
+  /// What a metamodel that the repository has handed out requires; by default nothing.
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::Requirement>& result) override;
+
   /// Whether the metamodel is one that `findMetamodels` lists for the range. Unlike the operation
   /// of `VersionRepository`, which it hides, it understands every range of a catalogue, and goes by
   /// precedence.

@@ -10,9 +10,16 @@
 #include "catalogue/precedence.hpp"
 #include "pathfinder/hop.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/requirement.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
 namespace tarn::evolution::catalogue {
+
+/// What a version needs beside it without being linked to it, and what is told of that.
+struct CatalogueRequirement {
+  pathfinder::Requirement needed;
+  std::u16string note = {};
+};
 
 /// One version of one metamodel in a catalogue.
 struct CatalogueMetamodel {
@@ -27,6 +34,11 @@ struct CatalogueMetamodel {
 
   /// The same of each dependency, in their order. May be shorter than they are.
   std::vector<std::u16string> dependencyNotes = {};
+
+  /// What it depends on only if that is there: files write it among the dependencies, as an
+  /// optional one. What a repository lists has here as well, as requirements that are not optional,
+  /// the dependencies that do not link (see `Catalogue`).
+  std::vector<CatalogueRequirement> requirements = {};
 
   /// Empty when there is none.
   const std::u16string& noteOfDependency(std::size_t dependency) const {
@@ -68,8 +80,13 @@ struct CatalogueContent {
 ///
 /// Sound: no version stands twice; no two text versions of a metamodel share a semantic equivalent;
 /// every dependency names a metamodel that has a version, and every hop leads between two versions
-/// that are there; no version depends, directly or through others, on itself. Ranges may be empty
-/// or match nothing: what depends on them cannot be linked, which is for the path finder to say.
+/// that are there. What is needed only if it is there need not be. Ranges may be empty or match
+/// nothing: what depends on them cannot be linked, which is for the path finder to say.
+///
+/// A version may depend, directly or through others, on itself. A dependency that leads back does
+/// not link: if some version that it admits depends on the version whose dependency it is, its
+/// repositories make a requirement of it. Whether it does follows from the versions and dependencies
+/// alone, whatever their order.
 class TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue {
  public:
   /// Throws CatalogueError, with JSON pointers for places, for the first thing found to be unsound.

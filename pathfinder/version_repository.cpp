@@ -1,6 +1,7 @@
 #include "pathfinder/version_repository.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "messages/report_exception.hpp"
@@ -21,7 +22,7 @@ namespace tarn::evolution::pathfinder {
 struct VersionRepository::Caches {
   LinkedMetamodelCache linkedMetamodelCache;
   PathCache pathCache;
-  RequirementSource* requirements = nullptr;
+  std::atomic<RequirementSource*> requirements = nullptr;
 };
 
 std::size_t VersionRepository::KeyHasherVersionBaselineUnordered::operator()(
@@ -56,17 +57,18 @@ std::optional<Metamodel> VersionRepository::getMetamodel(const std::u16string& n
 
 void VersionRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& /*linked*/) {}
 
-void VersionRepository::useRequirements(RequirementSource& source) {
+void VersionRepository::useRequirements(RequirementSource& source) noexcept {
   caches_->requirements = &source;
 }
 
-bool VersionRepository::hasRequirements() const {
+bool VersionRepository::hasRequirements() const noexcept {
   return caches_->requirements != nullptr;
 }
 
 void VersionRepository::findRequirements(const Metamodel& metamodel,
                                          std::vector<Requirement>& result) {
-  if (hasRequirements()) caches_->requirements->findRequirements(metamodel, result);
+  RequirementSource* const source = caches_->requirements;
+  if (source != nullptr) source->findRequirements(metamodel, result);
 }
 
 const ResolvedRequirements& VersionRepository::requirementsOf(const Metamodel& metamodel) {

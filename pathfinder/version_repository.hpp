@@ -275,6 +275,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   const std::vector<std::shared_ptr<LinkedMetamodel>>& getLinkedMetamodels(
       const std::u16string& name, const VersionId& version);
 
+  /// Whether metamodels may have requirements (see `useRequirements`).
+  bool hasRequirements() const noexcept;
+
   /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
   /// path found. Normally reached through `getLinkedMetamodels`. When there is a list already, that
   /// one stays; the new one is passed to `loadMetamodel` all the same and then dropped.
@@ -316,14 +319,14 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   static LinkedMetamodel::AccessTag accessTag() { return {}; }
 
   /// Has every metamodel that is linked from here on held to what `source` tells of it; none has
-  /// requirements before. To be called before the repository is asked anything, such as by the
-  /// constructor of the application's class; `source` must live as long as it is asked.
-  void useRequirements(RequirementSource& source);
+  /// requirements before. So it is to be called before one that has any is handed out, such as by
+  /// the constructor of the application's class, from any thread. `source` must live as long as the
+  /// repository is asked.
+  void useRequirements(RequirementSource& source) noexcept;
 
  private:
   friend class RepositoryAccess;
 
-  TARN_EVOLUTION_PATHFINDER_NO_EXPORT bool hasRequirements() const;
   TARN_EVOLUTION_PATHFINDER_NO_EXPORT void findRequirements(const Metamodel& metamodel,
                                                             std::vector<Requirement>& result);
   TARN_EVOLUTION_PATHFINDER_NO_EXPORT const std::vector<ResolvedRequirement>& requirementsOf(

@@ -21,6 +21,12 @@ class DependencyComponents {
   /// Whether a version depends on itself, directly or through others.
   bool isCyclic(Slot slot) const { return isCyclic_[slot]; }
 
+  /// Whether two versions are in one component: each depends on the other, or they are the same
+  /// and depend on themselves.
+  bool areTogether(Slot left, Slot right) const {
+    return isCyclic_[left] && component_[graph_.nodeOf(left)] == component_[graph_.nodeOf(right)];
+  }
+
   /// For each component with a cycle, its versions by ascending slot.
   const std::vector<std::vector<Slot>>& cyclic() const { return cyclic_; }
 

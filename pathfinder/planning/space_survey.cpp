@@ -108,12 +108,15 @@ void SpaceSurvey::enterLinks(const LinkedMetamodel& variant) {
   }
 }
 
-/// What is required is not brought in; but it matters where it is.
+/// What is required matters wherever it is. Where it has to be brought in, any name might do that.
 void SpaceSurvey::enterRequirements(SurveyedVersion& version) {
   if (!state_.question.host.hasRequirements()) return;
   version.requirements = &state_.question.host.requirementsOf(*version.descriptor);
   for (const ResolvedRequirement& requirement : *version.requirements) {
     ends_.takeUpLinked(requirement.name);
+    if (requirement.isOptional) continue;
+    const auto name = state_.names.find(requirement.name);
+    if (name == state_.names.end() || !state_.isHeldFromStart(name->second)) ends_.takeAllUp();
   }
 }
 

@@ -18,7 +18,7 @@ class SurveyedEnds {
   /// Throws what the application throws of a source.
   void enter();
 
-  /// Something links the name: it is relevant after all.
+  /// Something links or requires the name: it is relevant after all.
   void takeUpLinked(const std::u16string& name);
 
   /// Takes every irrelevant name for a relevant one.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "catalogue/catalogue.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Makes requirements of the dependencies for which `leadsBack` holds, in their order.
+void makeRequirements(CatalogueMetamodel& metamodel, const std::vector<bool>& leadsBack);
+
+/// The metamodels that have dependencies which do not link, by their positions: with requirements
+/// in their place. Each dependency must name a metamodel.
+std::unordered_map<CatalogueIndex::Position, CatalogueMetamodel> splitDependencies(
+    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index);
+
+}  // namespace tarn::evolution::catalogue
