@@ -15,6 +15,9 @@ namespace tarn::evolution::catalogue {
 class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepository {
  public:
   explicit CatalogueRepository(Catalogue catalogue);
+  CatalogueRepository(const CatalogueRepository&) = delete;
+  CatalogueRepository& operator=(const CatalogueRepository&) = delete;
+  ~CatalogueRepository() override;
 
   const Catalogue& catalogue() const noexcept { return catalogue_; }
 
@@ -24,6 +27,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
                                                     const pathfinder::VersionId& version) override;
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::Requirement>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
 
@@ -39,7 +44,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
   TARN_EVOLUTION_CATALOGUE_NO_EXPORT const CatalogueMetamodel* find(
       const std::u16string& name, const pathfinder::VersionId& version) const;
 
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT const CatalogueMetamodel& metamodelAt(
+      CatalogueIndex::Position position) const;
+
   Catalogue catalogue_;
+  std::unordered_map<CatalogueIndex::Position, CatalogueMetamodel> split_;  // see `Catalogue`
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -16,7 +16,7 @@ class RepositoryAccess final : public LinkingHost, public SelectionHost {
     repository_.findMetamodels(name, range, result);
   }
   void findRequirements(const Metamodel& metamodel, std::vector<Requirement>& result) override {
-    repository_.findRequirements(metamodel, result);
+    result = repository_.getRequirements(metamodel);
   }
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override {
     repository_.loadMetamodel(linked);

@@ -10,7 +10,6 @@
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/path_search.hpp"
 #include "pathfinder/repository_access.hpp"
-#include "pathfinder/requirement.hpp"
 #include "pathfinder/search/path_cache.hpp"
 #include "pathfinder/search/step_generation.hpp"
 #include "pathfinder/search/step_weight.hpp"
@@ -65,10 +64,11 @@ bool VersionRepository::hasRequirements() const noexcept {
   return caches_->requirements != nullptr;
 }
 
-void VersionRepository::findRequirements(const Metamodel& metamodel,
-                                         std::vector<Requirement>& result) {
+std::vector<Requirement> VersionRepository::getRequirements(const Metamodel& metamodel) {
+  std::vector<Requirement> result;
   RequirementSource* const source = caches_->requirements;
   if (source != nullptr) source->findRequirements(metamodel, result);
+  return result;
 }
 
 const ResolvedRequirements& VersionRepository::requirementsOf(const Metamodel& metamodel) {

@@ -12,6 +12,7 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/linked_metamodel.hpp"
 #include "pathfinder/metamodel.hpp"
+#include "pathfinder/requirement.hpp"
 #include "pathfinder/search_limits.hpp"
 #include "pathfinder/version_baseline.hpp"
 #include "pathfinder/version_id.hpp"
@@ -19,8 +20,6 @@
 
 namespace tarn::evolution::pathfinder {
 
-class RequirementSource;
-struct Requirement;
 struct ResolvedRequirement;
 
 /// A catalogue of metamodels and hops, and the path finder over it.
@@ -278,6 +277,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// Whether metamodels may have requirements (see `useRequirements`).
   bool hasRequirements() const noexcept;
 
+  /// What a metamodel requires, as the source in use tells it.
+  std::vector<Requirement> getRequirements(const Metamodel& metamodel);
+
   /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
   /// path found. Normally reached through `getLinkedMetamodels`. When there is a list already, that
   /// one stays; the new one is passed to `loadMetamodel` all the same and then dropped.
@@ -327,8 +329,6 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
  private:
   friend class RepositoryAccess;
 
-  TARN_EVOLUTION_PATHFINDER_NO_EXPORT void findRequirements(const Metamodel& metamodel,
-                                                            std::vector<Requirement>& result);
   TARN_EVOLUTION_PATHFINDER_NO_EXPORT const std::vector<ResolvedRequirement>& requirementsOf(
       const Metamodel& metamodel);
 

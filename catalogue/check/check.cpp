@@ -18,17 +18,26 @@ DependencyGraph graphOf(const DraftIndex& index) {
   return {index.slots().size(), std::move(dependencies)};
 }
 
+void leaveOutWhatDoesNotLink(DraftIndex& index, Findings& findings) {
+  const DependencyGraph graph = graphOf(index);
+  const DependencyComponents components(graph);
+  checkCycles(index, components, findings);
+  if (components.cyclic().empty()) return;
+  index.leaveOutLeadingBack(
+      [&](Slot from, Slot candidate) { return components.areTogether(from, candidate); });
+}
+
 }  // namespace
 
 std::vector<Finding> check(const CatalogueDraft& draft, const CheckLimits& limits) {
   if (!draft.isReadable) return draft.findings;
-  const DraftIndex index(draft);
+  DraftIndex index(draft);
   Findings findings(index);
   checkVersions(index, findings);
   checkDependencies(index, findings);
+  leaveOutWhatDoesNotLink(index, findings);
   const DependencyGraph graph = graphOf(index);
   const DependencyComponents components(graph);
-  checkCycles(index, components, findings);
   LinkAnalysis links(index, components, graph, limits.linkWork);
   checkLinks(index, links, findings);
   checkHops(index, findings);

@@ -42,11 +42,12 @@ class DependencyCheck {
   void checkNamed(const MetamodelRow& row, const DependencyRow& dependency) {
     const NameNumber name = index_.find(*dependency.name);
     if (name == nothing) {
+      if (dependency.isOptional) return;
       findings_.add(FindingCode::UnknownDependency, place(row, dependency, "name"),
                     unknownMetamodel(*dependency.name));
     } else if (dependency.range) {
       checkRange(row, dependency, name);
-      checkRepeated(row, dependency, name);
+      if (!dependency.isOptional) checkRepeated(row, dependency, name);
     }
   }
 

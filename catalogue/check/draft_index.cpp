@@ -66,7 +66,7 @@ void DraftIndex::resolveDependencies() {
     dependencyStart_.push_back(dependencies_.size());
     const auto& rows = row(slot).dependencies;
     for (std::uint32_t i = 0; i < rows.size(); ++i) {
-      if (!rows[i].name || !rows[i].range) continue;
+      if (!rows[i].name || !rows[i].range || rows[i].isOptional) continue;
       const NameNumber name = find(*rows[i].name);
       if (name == nothing) continue;
       dependencies_.push_back(resolved(name, *rows[i].range, i, seenIn[name] != slot));

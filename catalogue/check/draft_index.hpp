@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "catalogue/check/catalogue_draft.hpp"
@@ -12,7 +13,8 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A dependency of which name and range could be read, and whose name is there.
+/// A dependency of which name and range could be read, whose name is there, and that is not
+/// optional.
 struct ResolvedDependency {
   NameNumber name;
   SlotInterval candidates;                ///< for a union, from the first to the last
@@ -71,6 +73,11 @@ class DraftIndex {
     return std::span(dependencies_).subspan(dependencyStart_[slot], dependencyCount(slot));
   }
 
+  /// Leaves out the dependencies of which `leadsBack(slot, candidate)` for some candidate: they do
+  /// not link (see `Catalogue`).
+  template <class LeadsBack>
+  void leaveOutLeadingBack(const LeadsBack& leadsBack);
+
   /// "name@version".
   std::string describe(Slot slot) const;
 
@@ -113,5 +120,28 @@ class DraftIndex {
   std::vector<ResolvedDependency> dependencies_;  // of all slots, one after the other
   std::vector<std::size_t> dependencyStart_;      // of each slot, and the end
 };
+
+template <class LeadsBack>
+void DraftIndex::leaveOutLeadingBack(const LeadsBack& leadsBack) {
+  std::vector<ResolvedDependency> kept;
+  std::vector<Slot> seenIn(names_.size(), nothing);
+  for (Slot slot = 0; slot < slots_.size(); ++slot) {
+    const std::size_t first = kept.size();
+    for (const ResolvedDependency& dependency : dependenciesOf(slot)) {
+      bool isKept = true;
+      dependency.forCandidates([&](SlotInterval each) {
+        for (Slot candidate = each.begin; candidate < each.end && isKept; ++candidate) {
+          isKept = !leadsBack(slot, candidate);
+        }
+      });
+      if (!isKept) continue;
+      kept.push_back(dependency);
+      kept.back().isFirstOfName = std::exchange(seenIn[dependency.name], slot) != slot;
+    }
+    dependencyStart_[slot] = first;  // what is looked at next starts where it did
+  }
+  dependencyStart_.back() = kept.size();
+  dependencies_ = std::move(kept);
+}
 
 }  // namespace tarn::evolution::catalogue

@@ -34,7 +34,8 @@ class SqliteDraftReader {
  public:
   explicit SqliteDraftReader(SqliteDatabase& database)
       : database_(database),
-        note_(database.number("PRAGMA user_version") >= firstFormWithNotes ? "note" : "NULL") {
+        form_(database.number("PRAGMA user_version")),
+        note_(form_ >= firstFormWithNotes ? "note" : "NULL") {
     draft_.form = CatalogueDraft::Form::Tables;
   }
 
@@ -78,7 +79,7 @@ class SqliteDraftReader {
     SqliteStatement dependencies(
         database_,
         "SELECT metamodel, ordinal, names.name, version, lower, upper, dependencies.name, " +
-            note_ +
+            note_ + (form_ >= firstFormWithOptional ? ", optional" : ", 0") +
             " FROM dependencies LEFT JOIN names ON names.id = dependencies.name "
             "ORDER BY metamodel, ordinal");
     auto rows = metamodels.query();
@@ -122,6 +123,11 @@ class SqliteDraftReader {
     row.range = orFind(FindingCode::BadRange, draft_.placeOf(owner, row, "range"),
                        [&] { return checkedRangeIn(rows, 3); });
     checkNote(rows, 7, draft_.placeOf(owner, row, "note"));
+    const std::int64_t optional = rows.number(8);
+    row.isOptional = optional == 1;
+    if (optional != 0 && optional != 1) {
+      find(FindingCode::DamagedStore, draft_.placeOf(owner, row, "optional"), "must be 0 or 1");
+    }
     owner.dependencies.push_back(std::move(row));
   }
 
@@ -214,6 +220,7 @@ class SqliteDraftReader {
   }
 
   SqliteDatabase& database_;
+  const std::int64_t form_;
   const std::string note_;  // the column that notes stand in
   CatalogueDraft draft_;
   std::uint64_t count_ = 0;  // of rows read

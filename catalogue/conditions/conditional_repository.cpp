@@ -86,6 +86,7 @@ std::optional<Metamodel> ConditionalRepository::getMetamodel(const std::u16strin
                                                              const VersionId& version) {
   const auto [plain, marks] = read(name, version);
   auto metamodel = content_.getMetamodel(name, plain);
+  followRequirements();
   if (!metamodel || isAvoided(*metamodel)) return std::nullopt;
   metamodel->version = mark(name, metamodel->version, marks);
   return metamodel;
@@ -96,6 +97,7 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
                                            std::vector<Metamodel>& result) {
   std::vector<Metamodel> found;
   content_.findMetamodels(name, range, found);
+  followRequirements();
   for (Metamodel& metamodel : found) {
     if (isAvoided(metamodel)) continue;
     const VersionId version = metamodel.version;
@@ -107,6 +109,18 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
       result.push_back(metamodel);
     }
   }
+}
+
+/// What is required is asked for among what is not avoided, whatever has been passed.
+void ConditionalRepository::findRequirements(const Metamodel& metamodel,
+                                             std::vector<pathfinder::Requirement>& result) {
+  const VersionId plain = read(metamodel.name, metamodel.version).version;
+  result = content_.getRequirements(Metamodel(metamodel.name, plain, metamodel.dependencies));
+}
+
+/// The content may come to have requirements as it is asked.
+void ConditionalRepository::followRequirements() {
+  if (content_.hasRequirements() && !hasRequirements()) useRequirements(*this);
 }
 
 void ConditionalRepository::findHops(const std::u16string& name, const VersionId& from,

@@ -9,7 +9,8 @@ namespace tarn::evolution::catalogue {
 
 /// The part of a repository's content that conditions leave: paths through it are just those of the
 /// content that keep to them. See conditional_repository.cpp.
-class ConditionalRepository : public pathfinder::VersionRepository {
+class ConditionalRepository : public pathfinder::VersionRepository,
+                              public pathfinder::RequirementSource {
  public:
   ConditionalRepository(BrowsableRepository& content, const PathConditions& conditions);
 
@@ -21,6 +22,8 @@ class ConditionalRepository : public pathfinder::VersionRepository {
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::Requirement>& result) override;
 
   /// The names that the path has to pass versions of.
   std::vector<std::u16string> passedNames() const;
@@ -43,6 +46,7 @@ class ConditionalRepository : public pathfinder::VersionRepository {
   };
 
   bool isPassed(const std::u16string& name) const { return passed_.contains(name); }
+  void followRequirements();
   Marks marksAt(const std::u16string& name, const pathfinder::VersionId& version) const;
   Marks allMarks(const std::u16string& name) const;
   pathfinder::VersionId mark(const std::u16string& name, const pathfinder::VersionId& version,

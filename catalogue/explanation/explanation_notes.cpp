@@ -112,6 +112,10 @@ class NoteCollection {
       if (metamodel.descriptor.dependencies[i].name != needed || more.empty()) continue;
       note += (note.empty() ? u"" : u"\n") + more;
     }
+    for (const auto& [required, more] : metamodel.requirements) {
+      if (required.name != needed || more.empty()) continue;
+      note += (note.empty() ? u"" : u"\n") + more;
+    }
   }
 
   template <class Item>

@@ -15,7 +15,8 @@ using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel
 ///
 /// Can be told to leave out the hops to versions that cannot be linked, over which the path finder
 /// would stumble.
-class LinkableRepository : public pathfinder::VersionRepository {
+class LinkableRepository : public pathfinder::VersionRepository,
+                           public pathfinder::RequirementSource {
  public:
   explicit LinkableRepository(BrowsableRepository& content) : content_(content) {}
 
@@ -37,8 +38,11 @@ class LinkableRepository : public pathfinder::VersionRepository {
                       std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::Requirement>& result) override;
 
  private:
+  void followRequirements();
   bool leadsToUnlinkable(const pathfinder::Hop& hop);
 
   BrowsableRepository& content_;

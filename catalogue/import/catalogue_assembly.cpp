@@ -14,7 +14,6 @@
 #include "catalogue/import/known_version.hpp"
 #include "catalogue/import/range_fitting.hpp"
 #include "catalogue/import/version_places.hpp"
-#include "catalogue/model/dependency_cycle.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
@@ -38,6 +37,7 @@ struct Need {
   std::string name;
   std::vector<const ForeignDependency*> sources;
   SharedIndices accepted;  // of the known versions of the name; some may have been left out since
+  bool isOptional;
 };
 
 struct PackageInWork {
@@ -78,7 +78,6 @@ class Assembly {
     }
     for (const auto& [name, package] : packages_) write(name, package);
     checkKept();
-    breakCycles();
     return std::move(result_);
   }
 
@@ -165,21 +164,25 @@ class Assembly {
     std::string name = *package.prefix + dependency.name;
     if (!known_.contains(name)) name = dependency.name;
     if (!known_.contains(name)) {
+      if (dependency.isOptional) return;
       dependency.place.fail(owner + " needs \"" + dependency.name + "\", which no source has");
     }
     const SharedIndices& accepted = acceptedBy(dependency, name);
     if (name == owner) {
       // Of its own name, a version has no other beside it.
-      if (std::find(accepted->begin(), accepted->end(), version) != accepted->end()) return;
+      const bool isItself =
+          std::find(accepted->begin(), accepted->end(), version) != accepted->end();
+      if (isItself) return;
       KnownVersion& known = known_[owner][version];
       known.isLeftOut = true;
       dependency.place.fail(owner + " " + known.text + " needs " + owner + " " + dependency.text +
                             ", which it is not itself");
     }
-    const auto found = std::find_if(needs.begin(), needs.end(),
-                                    [&](const Need& need) { return need.name == name; });
+    const auto found = std::find_if(needs.begin(), needs.end(), [&](const Need& need) {
+      return need.name == name && need.isOptional == dependency.isOptional;
+    });
     if (found == needs.end()) {
-      needs.push_back({name, {&dependency}, accepted});
+      needs.push_back({name, {&dependency}, accepted, dependency.isOptional});
       return;
     }
     std::vector<std::uint32_t> common;
@@ -211,6 +214,7 @@ class Assembly {
       for (std::size_t i = 0; i < known.size(); ++i) {
         if (known[i].isLeftOut) continue;
         for (const Need& need : package.needs[i]) {
+          if (need.isOptional) continue;
           const std::vector<KnownVersion>& needed = known_[need.name];
           if (!std::all_of(need.accepted->begin(), need.accepted->end(),
                            [&](std::uint32_t each) { return needed[each].isLeftOut; })) {
@@ -246,8 +250,15 @@ class Assembly {
       const ForeignVersion& source = package.source->versions()[index];
       std::vector<pathfinder::Dependency> dependencies;
       std::vector<std::u16string> notes;
+      std::vector<CatalogueRequirement> requirements;
       for (const Need& need : package.needs[index]) {
         log_.attempt([&] {
+          if (need.isOptional) {
+            auto [required, range] = dependencyOf(need, name, known[index]);
+            requirements.push_back(
+                {{std::move(required), std::move(range), true}, noteOf(need)});
+            return;
+          }
           dependencies.push_back(dependencyOf(need, name, known[index]));
           notes.push_back(noteOf(need));
         });
@@ -256,7 +267,7 @@ class Assembly {
       places_.emplace_back(source.place);
       result_.content.metamodels.push_back(
           {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent,
-           textIn(source.note), std::move(notes)});
+           textIn(source.note), std::move(notes), std::move(requirements)});
     }
     std::vector<ForeignHop> hops = package.source->hops();
     if (!package.source->keepsOrder) {
@@ -294,6 +305,9 @@ class Assembly {
     const std::vector<KnownVersion>& needed = known_[need.name];
     Indices wanted(need.accepted->begin(), need.accepted->end());
     std::erase_if(wanted, [&](std::size_t each) { return needed[each].isLeftOut; });
+    if (wanted.empty()) {  // beside no version that there is
+      return {parseName(need.name), pathfinder::SemVerRange{{0, 0, 0}, {0, 0, 0}}};
+    }
     const auto range = fitRange(needed, wanted, spans);
     if (!range) {
       need.sources.front()->place.fail(owner + " " + version.text + " needs " + need.name + " " +
@@ -321,37 +335,6 @@ class Assembly {
             textOf(needing.descriptor.version) + " needs " + name + " " +
             rangeText(dependency.range) + ", of which no version is left");
       }
-    }
-  }
-
-  /// Removes, of each cycle, the dependency that closes it.
-  void breakCycles() {
-    std::vector<CatalogueMetamodel>& metamodels = result_.content.metamodels;
-    const std::size_t kept = metamodels.size() - places_.size();
-    for (;;) {
-      const CatalogueIndex index(metamodels, {});
-      const std::vector<CatalogueIndex::Position> cycle = findDependencyCycle(metamodels, index);
-      if (cycle.empty()) return;
-      std::vector<std::string> versions;
-      versions.reserve(cycle.size());
-      for (const auto position : cycle) versions.push_back(textOf(metamodels[position].descriptor));
-      const CatalogueError fault("", dependencyCycle(versions));
-      std::size_t closing = cycle.size();
-      while (closing > 0 && cycle[closing - 1] < kept) --closing;
-      if (closing == 0) throw CatalogueError(fault);
-      log_.leaveOut(places_[cycle[closing - 1] - kept].error(fault.reason()));
-      const std::u16string next = metamodels[cycle[closing % cycle.size()]].descriptor.name;
-      removeDependencies(next, metamodels[cycle[closing - 1]]);
-    }
-  }
-
-  static void removeDependencies(const std::u16string& name, CatalogueMetamodel& metamodel) {
-    auto& [descriptor, equivalent, note, notes] = metamodel;
-    for (std::size_t i = descriptor.dependencies.size(); i-- > 0;) {
-      if (descriptor.dependencies[i].name != name) continue;
-      descriptor.dependencies.erase(descriptor.dependencies.begin() +
-                                    static_cast<std::ptrdiff_t>(i));
-      if (i < notes.size()) notes.erase(notes.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }
 

@@ -105,8 +105,15 @@ bool isSame(const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
     }
     return left.note == right.note;
   };
+  const auto isSameRequirement = [](const CatalogueRequirement& one,
+                                    const CatalogueRequirement& other) {
+    return one.needed.name == other.needed.name && one.needed.range == other.needed.range &&
+           one.needed.isOptional == other.needed.isOptional && one.note == other.note;
+  };
   return left.descriptor == right.descriptor && left.equivalent == right.equivalent &&
-         haveSameNotes();
+         haveSameNotes() &&
+         std::equal(left.requirements.begin(), left.requirements.end(),
+                    right.requirements.begin(), right.requirements.end(), isSameRequirement);
 }
 
 /// Counts of rows that are new, gone, or other than before.

@@ -21,6 +21,7 @@ struct ForeignDependency {
   std::string text;  ///< the range as it is written, for messages
   SourcePlace place;
   std::string note = {};  ///< here and below, for people to read; may be empty
+  bool isOptional = false;
 };
 
 struct ForeignVersion {

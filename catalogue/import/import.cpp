@@ -118,7 +118,6 @@ ImportReport importForeignCatalogue(const ImportOptions& options, const fs::path
     return std::move(assembled.content);
   };
   updateCatalogue(catalogue, succeed, progress, report);
-  report.optionalNeeds = log.optionalNeeds();
   report.leftOut = log.takeLeftOut();
   return report;
 }

@@ -62,7 +62,6 @@ struct ImportReport {
   bool isUpdate = false;                ///< whether there was a catalogue in its place
   CatalogueChanges changes;             ///< against that one
   std::vector<CatalogueError> leftOut;  ///< of a lenient import, each with its reason
-  std::size_t optionalNeeds = 0;  ///< left out, since they hold only if what is needed is there
   std::size_t unordered = 0;      ///< versions whose place among the semantic ones cannot be told
 };
 

@@ -36,18 +36,12 @@ class ImportLog {
     }
   }
 
-  /// Notes a need that holds only if what is needed is there.
-  void countOptionalNeed() { ++optionalNeeds_; }
-
-  std::size_t optionalNeeds() const noexcept { return optionalNeeds_; }
-
   /// In the order in which they were met.
   std::vector<CatalogueError> takeLeftOut() { return std::move(leftOut_); }
 
  private:
   bool isLenient_;
   std::vector<CatalogueError> leftOut_;
-  std::size_t optionalNeeds_ = 0;
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -1,5 +1,6 @@
 // Packuments, or manifests of single versions: a package is a metamodel. Peers are what must be
-// there beside it, in one version for all, as dependencies of metamodels are; ordinary dependencies
+// there beside it, in one version for all, as dependencies of metamodels are, or only if they are
+// there, as optional ones; ordinary dependencies
 // of npm packages are installed below them, as often as need be, and do not count.
 #include <algorithm>
 #include <array>
@@ -45,9 +46,6 @@ class NpmReader {
     }
     for (auto& [name, package] : catalogue_) addOfferedHops(package, deprecated_[name]);
     for (Peer& peer : peers_) reading_.log.attempt([&] { addPeer(peer); });
-    for (const std::string& peer : optionalPeers_) {
-      if (catalogue_.contains(peer)) reading_.log.countOptionalNeed();
-    }
     return std::move(catalogue_);
   }
 
@@ -61,6 +59,7 @@ class NpmReader {
     std::string name;
     std::string range;
     SourcePlace place;
+    bool isOptional;
   };
 
   /// A packument, or what a client shows of versions: a manifest, or a list of some.
@@ -119,11 +118,8 @@ class NpmReader {
         // Long ago, engines were lists of texts.
         if (isOfEngines && needed.isArray()) return;
         for (const auto& [peer, range] : needed.entries()) {
-          if (optional.contains(peer)) {
-            optionalPeers_.push_back(peer);
-            continue;
-          }
-          peers.push_back({name, index, peer, range.asText(), range.place()});
+          peers.push_back({name, index, peer, range.asText(), range.place(),
+                           !isOfEngines && optional.contains(peer)});
         }
       });
     }
@@ -173,7 +169,8 @@ class NpmReader {
 
   void addPeer(Peer& peer) {
     auto& dependencies = catalogue_[peer.package].versions()[peer.version].dependencies;
-    dependencies.push_back({peer.name, rangeOf(peer), peer.range, peer.place});
+    dependencies.push_back(
+        {peer.name, rangeOf(peer), peer.range, peer.place, {}, peer.isOptional});
   }
 
   ForeignRange rangeOf(const Peer& peer) const {
@@ -194,7 +191,6 @@ class NpmReader {
   std::map<std::string, Tags> tags_;
   std::map<std::string, std::set<std::size_t>> deprecated_;  // versions of packages
   std::vector<Peer> peers_;
-  std::vector<std::string> optionalPeers_;
 };
 
 }  // namespace

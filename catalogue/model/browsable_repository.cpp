@@ -2,6 +2,9 @@
 
 namespace tarn::evolution::catalogue {
 
+void BrowsableRepository::findRequirements(const pathfinder::Metamodel& /*metamodel*/,
+                                           std::vector<pathfinder::Requirement>& /*result*/) {}
+
 std::u16string BrowsableRepository::findVersionNote(const std::u16string& name,
                                                     const pathfinder::VersionId& version) {
   for (CatalogueMetamodel& metamodel : listMetamodels(name)) {

@@ -1,13 +1,27 @@
 #include "catalogue/catalogue_repository.hpp"
 
+#include <algorithm>
 #include <set>
 #include <utility>
+
+#include "catalogue/model/dependency_split.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::VersionId;
 
-CatalogueRepository::CatalogueRepository(Catalogue catalogue) : catalogue_(std::move(catalogue)) {}
+CatalogueRepository::CatalogueRepository(Catalogue catalogue)
+    : catalogue_(std::move(catalogue)),
+      split_(splitDependencies(catalogue_.metamodels(), catalogue_.index())) {
+  const auto& metamodels = catalogue_.metamodels();
+  const bool anyIsOptional =
+      std::any_of(metamodels.begin(), metamodels.end(), [](const CatalogueMetamodel& metamodel) {
+        return !metamodel.requirements.empty();
+      });
+  if (anyIsOptional || !split_.empty()) useRequirements(*this);
+}
+
+CatalogueRepository::~CatalogueRepository() = default;
 
 std::optional<pathfinder::SemVer> CatalogueRepository::getEquivalentSemVer(
     const std::u16string& metamodelName, const std::u16string& versionText) {
@@ -31,7 +45,17 @@ void CatalogueRepository::findMetamodels(const std::u16string& name,
                                          std::vector<pathfinder::Metamodel>& result) {
   const VersionScale& scale = catalogue_.index().scale(name);
   for (const auto position : catalogue_.index().metamodelsIn(name, scale.meant(range))) {
-    result.push_back(scale.shown(catalogue_.metamodels()[position].descriptor));
+    result.push_back(scale.shown(metamodelAt(position).descriptor));
+  }
+}
+
+void CatalogueRepository::findRequirements(const pathfinder::Metamodel& metamodel,
+                                           std::vector<pathfinder::Requirement>& result) {
+  const VersionScale& scale = catalogue_.index().scale(metamodel.name);
+  const CatalogueMetamodel* const found = find(metamodel.name, scale.meant(metamodel.version));
+  if (found == nullptr) return;
+  for (const CatalogueRequirement& requirement : found->requirements) {
+    result.push_back(requirement.needed);
   }
 }
 
@@ -54,9 +78,10 @@ std::vector<std::u16string> CatalogueRepository::listNames() {
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<CatalogueMetamodel> result;
-  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
-    if (metamodel.descriptor.name != name) continue;
-    result.push_back(metamodel);
+  for (CatalogueIndex::Position position = 0; position < catalogue_.metamodels().size();
+       ++position) {
+    if (catalogue_.metamodels()[position].descriptor.name != name) continue;
+    result.push_back(metamodelAt(position));
     result.back().descriptor = scale.shown(std::move(result.back().descriptor));
   }
   return result;
@@ -91,9 +116,15 @@ const CatalogueMetamodel* CatalogueRepository::find(const std::u16string& name,
   const auto& metamodels = catalogue_.metamodels();
   const auto& found = catalogue_.index().metamodelsAt(name, version);
   for (const auto position : found) {
-    if (metamodels[position].descriptor.version == version) return &metamodels[position];
+    if (metamodels[position].descriptor.version == version) return &metamodelAt(position);
   }
-  return found.empty() ? nullptr : &metamodels[found.front()];
+  return found.empty() ? nullptr : &metamodelAt(found.front());
+}
+
+const CatalogueMetamodel& CatalogueRepository::metamodelAt(
+    CatalogueIndex::Position position) const {
+  const auto split = split_.find(position);
+  return split == split_.end() ? catalogue_.metamodels()[position] : split->second;
 }
 
 }  // namespace tarn::evolution::catalogue

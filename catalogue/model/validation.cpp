@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
-#include "catalogue/model/dependency_cycle.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 
@@ -29,7 +28,6 @@ class Validation {
       checkDependencies(position);
     }
     for (Position position = 0; position < content_.hops.size(); ++position) checkHop(position);
-    checkCycles();
   }
 
  private:
@@ -77,16 +75,6 @@ class Validation {
       if (!index_.metamodelsAt(name, *version).empty()) continue;
       throw CatalogueError(hopPlace(position) + field, unknownVersion(name, *version));
     }
-  }
-
-  void checkCycles() const {
-    const std::vector<Position> cycle = findDependencyCycle(content_.metamodels, index_);
-    if (cycle.empty()) return;
-    std::vector<std::string> versions;
-    versions.reserve(cycle.size());
-    for (const Position position : cycle) versions.push_back(textOf(descriptor(position)));
-    throw CatalogueError(metamodelPlace(cycle.front()) + "/dependencies",
-                         dependencyCycle(versions));
   }
 
   const CatalogueContent& content_;

@@ -131,6 +131,14 @@ class GraphBuilder {
           graph_.dependencies.push_back({*from, endOf(dependencies[i], needed->second),
                                          fl::i18n::ustring_to_utf8(metamodel.noteOfDependency(i))});
         }
+        for (const auto& [required, note] : metamodel.requirements) {
+          const auto needed = shown_.find(required.name);
+          if (needed == shown_.end()) continue;
+          count();
+          graph_.dependencies.push_back(
+              {*from, endOf({required.name, required.range}, needed->second),
+               fl::i18n::ustring_to_utf8(note)});
+        }
       }
     }
   }

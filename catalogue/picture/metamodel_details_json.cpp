@@ -36,7 +36,7 @@ void writeVersion(JsonPrinter& printer, const VersionDetails& version) {
       printer.field("semver", textOf(*version.metamodel.equivalent));
     writeNote(printer, version.metamodel.note);
     printer.key("dependencies");
-    writeDependencies(printer, descriptor.dependencies, version.metamodel.dependencyNotes);
+    writeDependencies(printer, version.metamodel, Unlinked::Told);
     writeHops(printer, "hopsIn", version.hopsIn, version.hopNotes, "from", &Hop::from);
     writeHops(printer, "hopsOut", version.hopsOut, version.hopNotes, "to", &Hop::to);
     if (!version.variants) return;

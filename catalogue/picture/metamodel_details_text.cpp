@@ -72,6 +72,11 @@ void writeVersion(const VersionDetails& version, std::ostream& out) {
     needs.add(visible(dependencies[i].name) + " " + visible(dependencies[i].range));
     needs.addNote(version.metamodel.noteOfDependency(i));
   }
+  for (const auto& [needed, note] : version.metamodel.requirements) {
+    needs.add(visible(needed.name) + " " + visible(needed.range) +
+              (needed.isOptional ? ", if it is there" : ", not linked"));
+    needs.addNote(note);
+  }
   writeHops(version, out);
   writeVariants(version, out);
 }

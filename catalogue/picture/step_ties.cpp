@@ -54,8 +54,8 @@ class TieSearch {
 
   std::vector<StepTie> run() {
     for (const auto& [name, part] : parts_) {
-      addNewNeeds(*part.after);
-      if (part.before != nullptr) addOldNeeds(*part.before);
+      addNewNeeds(withRequirements(*part.after));
+      if (part.before != nullptr) addOldNeeds(withRequirements(*part.before));
     }
     std::stable_sort(ties_.begin(), ties_.end(), [](const StepTie& left, const StepTie& right) {
       return std::tie(left.mover, left.companion) < std::tie(right.mover, right.companion);
@@ -64,11 +64,32 @@ class TieSearch {
   }
 
  private:
+  /// All that a metamodel needs.
+  struct Needs {
+    Metamodel dependent;
+    std::size_t linked;            // as many of the dependencies link
+    std::vector<bool> isOptional;  // of those after them
+  };
+
+  Needs withRequirements(const Metamodel& metamodel) {
+    const Metamodel& descriptor = metamodel;
+    Needs needs{Metamodel(descriptor), metamodel.dependencies.size(), {}};
+    for (pathfinder::Requirement& required : repository_.getRequirements(metamodel)) {
+      needs.dependent.dependencies.emplace_back(required.name, required.range);
+      needs.isOptional.push_back(required.isOptional);
+    }
+    return needs;
+  }
+
   /// What a version that the step brings needs others to be moved for.
-  void addNewNeeds(const Metamodel& dependent) {
-    forEachPartRequired(dependent, [&](std::size_t dependency, const Part& required) {
+  void addNewNeeds(const Needs& needs) {
+    const Metamodel& dependent = needs.dependent;
+    forEachPartRequired(needs, [&](std::size_t dependency, const Part& required) {
       const std::u16string& companion = required.after->name;
       if (required.before == nullptr) {
+        const bool isOptional =
+            dependency >= needs.linked && needs.isOptional[dependency - needs.linked];
+        if (isOptional) return;
         ties_.push_back({dependent.name, companion, dependent, dependency, std::nullopt});
       } else if (!admits(dependent, dependency, required.before->version)) {
         ties_.push_back(
@@ -78,22 +99,25 @@ class TieSearch {
   }
 
   /// What a version that the step leaves keeps others from being moved for.
-  void addOldNeeds(const Metamodel& dependent) {
-    forEachPartRequired(dependent, [&](std::size_t dependency, const Part& required) {
+  void addOldNeeds(const Needs& needs) {
+    const Metamodel& dependent = needs.dependent;
+    forEachPartRequired(needs, [&](std::size_t dependency, const Part& required) {
       const VersionId& version = required.after->version;
       if (required.before == nullptr || admits(dependent, dependency, version)) return;
       ties_.push_back({required.after->name, dependent.name, dependent, dependency, version});
     });
   }
 
-  /// Of several dependencies on one name, the first is the one that linking goes by.
+  /// Of several dependencies on one name, the first is the one that linking goes by; of what does
+  /// not link, all have to be met.
   template <class Use>
-  void forEachPartRequired(const Metamodel& dependent, const Use& use) {
+  void forEachPartRequired(const Needs& needs, const Use& use) {
     std::set<std::u16string> seen;
-    for (std::size_t i = 0; i < dependent.dependencies.size(); ++i) {
-      const std::u16string& name = dependent.dependencies[i].name;
+    for (std::size_t i = 0; i < needs.dependent.dependencies.size(); ++i) {
+      const std::u16string& name = needs.dependent.dependencies[i].name;
       const auto required = parts_.find(name);
-      if (required == parts_.end() || !seen.insert(name).second) continue;
+      if (required == parts_.end()) continue;
+      if (i < needs.linked && !seen.insert(name).second) continue;
       use(i, required->second);
     }
   }

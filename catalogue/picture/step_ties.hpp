@@ -22,8 +22,10 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT StepTie {
   std::u16string mover;
   std::u16string companion;
 
-  pathfinder::Metamodel dependent;  ///< the one of both that has the requirement
-  std::size_t dependency;           ///< an index of its list
+  /// The one of both that has the requirement; what it needs without linking it stands after its
+  /// dependencies.
+  pathfinder::Metamodel dependent;
+  std::size_t dependency;  ///< an index of that list
 
   /// The version of the one required, held before or after the step, that lies outside the range.
   /// None: the companion enters.

@@ -20,6 +20,7 @@ struct DependencyRow {
   std::optional<std::u16string> name = {};
   std::optional<pathfinder::VersionRange> range = {};
   std::u16string note = {};
+  bool isOptional = false;
 };
 
 /// What could be read of one version of a metamodel.

@@ -176,15 +176,23 @@ class RowReader {
     for (const JsonValue& element : list.value.children) {
       const auto number = static_cast<std::size_t>(&element - list.value.children.data());
       const JsonSpot spot{element, &list, number};
-      if (!expectObject(spot, {"name", "range", "note"})) continue;
+      if (!expectObject(spot, {"name", "range", "note", "optional"})) continue;
       rows.push_back({.number = number,
                       .order = element.order,
                       .name = nameField(spot),
                       .range = requiredField(
                           spot, "range", [&](const JsonSpot& field) { return readRange(field); }),
-                      .note = noteField(spot)});
+                      .note = noteField(spot),
+                      .isOptional = isOptional(spot)});
     }
     return rows;
+  }
+
+  /// Whether a dependency says so.
+  bool isOptional(const JsonSpot& dependency) {
+    const JsonValue* field = findField(dependency, "optional");
+    return field != nullptr && expect({*field, &dependency}, Kind::Boolean, "true or false") &&
+           field->isTrue;
   }
 
   std::optional<VersionRange> readRange(const JsonSpot& spot) {

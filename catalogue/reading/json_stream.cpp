@@ -24,7 +24,12 @@ class WholeRows : public JsonRowReceiver {
     std::vector<pathfinder::Dependency> dependencies;
     dependencies.reserve(row.dependencies.size());
     std::vector<std::u16string> notes;
+    std::vector<CatalogueRequirement> requirements;
     for (const DependencyRow& dependency : row.dependencies) {
+      if (dependency.isOptional) {
+        requirements.push_back({{*dependency.name, *dependency.range, true}, dependency.note});
+        continue;
+      }
       if (!dependency.note.empty()) {
         notes.resize(dependencies.size());
         notes.push_back(dependency.note);
@@ -32,7 +37,8 @@ class WholeRows : public JsonRowReceiver {
       dependencies.emplace_back(*dependency.name, *dependency.range);
     }
     sink_.addMetamodel({pathfinder::Metamodel(*row.name, *row.version, dependencies),
-                        row.equivalent, std::move(row.note), std::move(notes)});
+                        row.equivalent, std::move(row.note), std::move(notes),
+                        std::move(requirements)});
   }
 
   void receiveHop(HopRow row, bool isExpensive) override {

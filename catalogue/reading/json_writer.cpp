@@ -31,12 +31,12 @@ void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
   beginRow();
   JsonPrinter printer(out_, Layout::Line);
   printer.object([&] {
-    const auto& [descriptor, equivalent, note, dependencyNotes] = metamodel;
+    const auto& [descriptor, equivalent, note, dependencyNotes, requirements] = metamodel;
     printer.field("name", ustring_to_utf8(descriptor.name));
     printer.field("version", textOf(descriptor.version));
     if (equivalent) printer.field("semver", textOf(*equivalent));
     printer.key("dependencies");
-    writeDependencies(printer, descriptor.dependencies, dependencyNotes);
+    writeDependencies(printer, metamodel);
     writeNote(printer, note);
   });
 }

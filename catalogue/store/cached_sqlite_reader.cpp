@@ -1,8 +1,13 @@
+// Which dependencies lead back is found by Tarjan's algorithm over what is looked up on the way, with
+// a stack of its own: all that a metamodel leads to is done with it, so every component is whole. It
+// tells the same as `splitDependencies` does of a catalogue in memory.
+
 #include "catalogue/store/cached_sqlite_reader.hpp"
 
 #include <algorithm>
+#include <utility>
 
-#include "catalogue/text/messages.hpp"
+#include "catalogue/model/dependency_split.hpp"
 #include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -51,20 +56,32 @@ CachedSqliteReader::CachedSqliteReader(SqliteDatabase& database)
 
 CachedSqliteReader::Metamodels CachedSqliteReader::metamodelsIn(const std::u16string& name,
                                                                 const VersionRange& range) {
-  Metamodels found = lookUp(name, range);
-  expectNoCycle(found);
-  return found;
+  const Metamodels found = lookUp(name, range);
+  const auto isAsItStands = [&](const StoredMetamodel& stored) {
+    return done_.contains(stored.position) && !leadBack_.contains(stored.position);
+  };
+  if (std::all_of(found->begin(), found->end(), isAsItStands)) return found;
+  std::vector<StoredMetamodel> result = *found;
+  split(result);
+  return std::make_shared<const std::vector<StoredMetamodel>>(std::move(result));
 }
 
 std::optional<CatalogueMetamodel> CachedSqliteReader::find(const std::u16string& name,
                                                            const VersionId& version) {
   const Metamodels found = versionsAt(name, version);
-  expectNoCycle(found);
-  for (const StoredMetamodel& stored : *found) {
-    if (stored.metamodel.descriptor.version == version) return stored.metamodel;
-  }
   if (found->empty()) return std::nullopt;
-  return found->front().metamodel;
+  const auto carrying = std::find_if(found->begin(), found->end(), [&](const auto& stored) {
+    return stored.metamodel.descriptor.version == version;
+  });
+  std::vector<StoredMetamodel> result{carrying == found->end() ? found->front() : *carrying};
+  split(result);
+  return std::move(result.front().metamodel);
+}
+
+std::vector<StoredMetamodel> CachedSqliteReader::metamodelsOf(const std::u16string& name) {
+  std::vector<StoredMetamodel> result = reader_.metamodelsOf(name);
+  split(result);
+  return result;
 }
 
 CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name,
@@ -100,54 +117,83 @@ CachedSqliteReader::Metamodels CachedSqliteReader::remembered(const std::u16stri
   return metamodels_.add(key, std::move(found), size);
 }
 
-void CachedSqliteReader::expectNoCycle(const Metamodels& candidates) {
-  trail_.clear();
-  onTrail_.clear();
-  const auto isCleared = [&](const StoredMetamodel& stored) {
-    return cleared_.contains(stored.position);
-  };
-  while (!std::all_of(candidates->begin(), candidates->end(), isCleared)) {
-    enterCandidate(candidates);
-    while (!trail_.empty()) {
-      Visit& visit = trail_.back();
-      const auto& [position, metamodel] = visited(visit);
-      const auto& dependencies = metamodel.descriptor.dependencies;
-      if (visit.dependency == dependencies.size()) {
-        cleared_.insert(position);
-        onTrail_.erase(position);
-        trail_.pop_back();
-      } else {
-        const Dependency& dependency = dependencies[visit.dependency];
-        const Metamodels needed = lookUp(dependency.name, dependency.range);
-        if (std::all_of(needed->begin(), needed->end(), isCleared)) {
-          ++visit.dependency;
-        } else {
-          enterCandidate(needed);
-        }
-      }
+void CachedSqliteReader::split(std::vector<StoredMetamodel>& metamodels) {
+  for (StoredMetamodel& stored : metamodels) {
+    if (!done_.contains(stored.position)) explore(stored);
+    const auto leadBack = leadBack_.find(stored.position);
+    if (leadBack != leadBack_.end()) makeRequirements(stored.metamodel, leadBack->second);
+  }
+}
+
+void CachedSqliteReader::explore(const StoredMetamodel& start) {
+  trail_.clear();  // a failure may have left something
+  open_.clear();
+  openAt_.clear();
+  entered_ = 0;
+  enter(start);
+  while (!trail_.empty()) {
+    Visit& visit = trail_.back();
+    if (visit.dependency < visit.stored.metamodel.descriptor.dependencies.size()) {
+      follow(visit);
+    } else {
+      leave();
     }
   }
 }
 
-/// Goes on with the first of the candidates that is not cleared.
-void CachedSqliteReader::enterCandidate(const Metamodels& candidates) {
-  const auto next = std::find_if(
-      candidates->begin(), candidates->end(),
-      [&](const StoredMetamodel& stored) { return !cleared_.contains(stored.position); });
-  if (!onTrail_.insert(next->position).second) failForCycle(next->position);
-  trail_.push_back({candidates, static_cast<std::size_t>(next - candidates->begin()), 0});
+void CachedSqliteReader::enter(const StoredMetamodel& stored) {
+  openAt_.emplace(stored.position, open_.size());
+  open_.push_back({stored, entered_});
+  trail_.push_back({stored, entered_++});
 }
 
-void CachedSqliteReader::failForCycle(std::int64_t position) const {
-  std::vector<std::string> cycle;
-  for (const Visit& visit : trail_) {
-    const StoredMetamodel& stored = visited(visit);
-    if (stored.position == position || !cycle.empty()) {
-      cycle.push_back(textOf(stored.metamodel.descriptor));
+/// Goes on with the next candidates of a dependency, up to one that has not been entered.
+void CachedSqliteReader::follow(Visit& visit) {
+  const Dependency& dependency =
+      visit.stored.metamodel.descriptor.dependencies[visit.dependency];
+  const Metamodels candidates = lookUp(dependency.name, dependency.range);
+  while (visit.candidate < candidates->size()) {
+    const StoredMetamodel& candidate = (*candidates)[visit.candidate++];
+    if (done_.contains(candidate.position)) continue;
+    const auto open = openAt_.find(candidate.position);
+    if (open == openAt_.end()) return enter(candidate);
+    std::uint32_t& low = lowOf(visit.stored.position);
+    low = std::min(low, open_[open->second].low);
+  }
+  ++visit.dependency;
+  visit.candidate = 0;
+}
+
+void CachedSqliteReader::leave() {
+  const std::int64_t position = trail_.back().stored.position;
+  const std::uint32_t entered = trail_.back().entered;
+  trail_.pop_back();
+  const std::uint32_t low = lowOf(position);
+  if (low == entered) return close(openAt_.at(position));
+  std::uint32_t& before = lowOf(trail_.back().stored.position);
+  before = std::min(before, low);
+}
+
+/// Closes the component whose metamodels stand open from `first` on.
+void CachedSqliteReader::close(std::size_t first) {
+  for (std::size_t i = first; i < open_.size(); ++i) {
+    std::vector<bool> leadBack;
+    for (const Dependency& dependency : open_[i].stored.metamodel.descriptor.dependencies) {
+      const Metamodels candidates = lookUp(dependency.name, dependency.range);
+      leadBack.push_back(
+          std::any_of(candidates->begin(), candidates->end(), [&](const auto& candidate) {
+            const auto open = openAt_.find(candidate.position);
+            return open != openAt_.end() && open->second >= first;
+          }));
+    }
+    if (std::find(leadBack.begin(), leadBack.end(), true) != leadBack.end()) {
+      leadBack_.emplace(open_[i].stored.position, std::move(leadBack));
     }
   }
-  database_.failDamaged("table metamodels, row " + std::to_string(position),
-                        dependencyCycle(cycle));
+  for (; open_.size() > first; open_.pop_back()) {
+    done_.insert(open_.back().stored.position);
+    openAt_.erase(open_.back().stored.position);
+  }
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -11,9 +12,9 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A reader that remembers what was asked for lately, and answers metamodels only after it has made
-/// sure that no dependencies form a cycle among them and all that they need, directly or not:
-/// whoever links them would never end.
+/// A reader that remembers what was asked for lately, and answers metamodels as the path finder is to
+/// see them: with requirements in the place of dependencies that do not link (see `Catalogue`). To
+/// tell which these are it looks at all that a metamodel needs, directly or not, once.
 class CachedSqliteReader {
  public:
   using Metamodels = std::shared_ptr<const std::vector<StoredMetamodel>>;
@@ -21,13 +22,15 @@ class CachedSqliteReader {
 
   explicit CachedSqliteReader(SqliteDatabase& database);
 
-  /// Throws CatalogueError when there is a cycle.
   Metamodels metamodelsIn(const std::u16string& name, const pathfinder::VersionRange& range);
 
   /// The metamodel that asking for a version gives: the one that carries it, otherwise the first
-  /// that is equivalent to it. Throws CatalogueError when there is a cycle.
+  /// that is equivalent to it.
   std::optional<CatalogueMetamodel> find(const std::u16string& name,
                                          const pathfinder::VersionId& version);
+
+  /// All versions of a metamodel.
+  std::vector<StoredMetamodel> metamodelsOf(const std::u16string& name);
 
   /// Throws CatalogueError when a hop leads to a version that `VersionRepository::getMetamodel`
   /// would not find.
@@ -44,9 +47,17 @@ class CachedSqliteReader {
  private:
   /// A metamodel on the way from the one asked for, and how far its dependencies were followed.
   struct Visit {
-    Metamodels candidates;  // which it is one of
-    std::size_t candidate;
-    std::size_t dependency;
+    StoredMetamodel stored;
+    std::uint32_t entered;  // which one it was to be entered
+    std::size_t dependency = 0;
+    std::size_t candidate = 0;  // of that dependency
+  };
+
+  /// A metamodel whose component is not closed, and the least number of those entered that it
+  /// reaches.
+  struct Open {
+    StoredMetamodel stored;
+    std::uint32_t low;
   };
 
   /// What is kept for the key, or else what `read` finds, which is kept.
@@ -55,21 +66,28 @@ class CachedSqliteReader {
 
   Metamodels lookUp(const std::u16string& name, const pathfinder::VersionRange& range);
   Metamodels versionsAt(const std::u16string& name, const pathfinder::VersionId& version);
-  void expectNoCycle(const Metamodels& candidates);
-  void enterCandidate(const Metamodels& candidates);
-  [[noreturn]] void failForCycle(std::int64_t position) const;
-
-  static const StoredMetamodel& visited(const Visit& visit) {
-    return (*visit.candidates)[visit.candidate];
-  }
+  void split(std::vector<StoredMetamodel>& metamodels);
+  void explore(const StoredMetamodel& start);
+  void enter(const StoredMetamodel& stored);
+  void follow(Visit& visit);
+  void leave();
+  void close(std::size_t first);
+  std::uint32_t& lowOf(std::int64_t position) { return open_[openAt_.at(position)].low; }
 
   SqliteDatabase& database_;
   SqliteReader reader_;
   BoundedCache<std::vector<StoredMetamodel>> metamodels_;
   BoundedCache<std::vector<pathfinder::Hop>> hops_;
-  std::unordered_set<std::int64_t> cleared_;  // positions that lie on no cycle
-  std::vector<Visit> trail_;                  // empty between operations
-  std::unordered_set<std::int64_t> onTrail_;
+
+  // Of positions that are done, those of which some dependency leads back, with which.
+  std::unordered_set<std::int64_t> done_;
+  std::unordered_map<std::int64_t, std::vector<bool>> leadBack_;
+
+  // Tarjan's algorithm; empty between operations.
+  std::vector<Visit> trail_;
+  std::vector<Open> open_;
+  std::unordered_map<std::int64_t, std::size_t> openAt_;  // by position
+  std::uint32_t entered_ = 0;
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -49,9 +49,9 @@ std::optional<pathfinder::Metamodel> SqliteCatalogueRepository::getMetamodel(
     const std::u16string& name, const VersionId& version) {
   return store_->ask([&](auto& reader) -> std::optional<pathfinder::Metamodel> {
     const auto scale = reader.scale(name);
-    auto found = reader.find(name, scale->meant(version));
+    const auto found = reader.find(name, scale->meant(version));
     if (!found) return std::nullopt;
-    return scale->shown(std::move(found->descriptor));
+    return handedOut(*scale, *found);
   });
 }
 
@@ -64,7 +64,25 @@ void SqliteCatalogueRepository::findMetamodels(const std::u16string& name,
     return std::pair(std::move(own), std::move(metamodels));
   });
   for (const StoredMetamodel& stored : *found) {
-    result.push_back(scale->shown(stored.metamodel.descriptor));
+    result.push_back(handedOut(*scale, stored.metamodel));
+  }
+}
+
+/// Before the first that has requirements is linked, the path finder has to know of them.
+pathfinder::Metamodel SqliteCatalogueRepository::handedOut(const VersionScale& scale,
+                                                           const CatalogueMetamodel& metamodel) {
+  if (!metamodel.requirements.empty() && !hasRequirements()) useRequirements(*this);
+  return scale.shown(metamodel.descriptor);
+}
+
+void SqliteCatalogueRepository::findRequirements(const pathfinder::Metamodel& metamodel,
+                                                 std::vector<pathfinder::Requirement>& result) {
+  const auto found = store_->ask([&](auto& reader) {
+    return reader.find(metamodel.name, reader.scale(metamodel.name)->meant(metamodel.version));
+  });
+  if (!found) return;
+  for (const CatalogueRequirement& requirement : found->requirements) {
+    result.push_back(requirement.needed);
   }
 }
 
@@ -86,13 +104,13 @@ std::vector<std::u16string> SqliteCatalogueRepository::listNames() {
 std::vector<CatalogueMetamodel> SqliteCatalogueRepository::listMetamodels(
     const std::u16string& name) {
   auto [scale, found] = store_->ask([&](auto& reader) {
-    return std::pair(reader.scale(name), reader.uncached().metamodelsOf(name));
+    return std::pair(reader.scale(name), reader.metamodelsOf(name));
   });
   std::vector<CatalogueMetamodel> result;
   result.reserve(found.size());
   for (auto& [position, metamodel] : found) {
     result.push_back(std::move(metamodel));
-    result.back().descriptor = scale->shown(std::move(result.back().descriptor));
+    result.back().descriptor = handedOut(*scale, result.back());
   }
   return result;
 }

@@ -30,8 +30,7 @@ namespace tarn::evolution::catalogue {
 ///
 /// **Exceptions.** CatalogueError, which names the file: from the constructor when the file cannot
 /// be read, is no store, is damaged so that this shows at once, or is of a newer form; from every
-/// operation for damage that it meets, and for dependencies that form a cycle, which no editing
-/// through this library leaves behind. Such an operation can be called again.
+/// operation for damage that it meets. Such an operation can be called again.
 class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public BrowsableRepository {
  public:
   explicit SqliteCatalogueRepository(const std::filesystem::path& file);
@@ -43,6 +42,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public Browsab
                                                     const pathfinder::VersionId& version) override;
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::Requirement>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
 
@@ -56,6 +57,9 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public Browsab
 
  private:
   class Store;
+
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT pathfinder::Metamodel handedOut(
+      const VersionScale& scale, const CatalogueMetamodel& metamodel);
 
   const std::unique_ptr<Store> store_;
 };

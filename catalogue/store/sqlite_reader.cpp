@@ -11,7 +11,6 @@
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::Dependency;
 using pathfinder::Hop;
 using pathfinder::Metamodel;
 using pathfinder::VersionId;
@@ -30,8 +29,10 @@ std::string selectHops(bool hasNotes) {
          (hasNotes ? "hops.note" : "NULL") + " AS note";
 }
 
-std::string selectDependencies(bool hasNotes) {
-  return std::string("SELECT names.name, version, lower, upper, ") + (hasNotes ? "note" : "NULL") +
+std::string selectDependencies(std::int64_t form) {
+  return std::string("SELECT names.name, version, lower, upper, ") +
+         (form >= firstFormWithNotes ? "note, " : "NULL, ") +
+         (form >= firstFormWithOptional ? "optional" : "0") +
          " FROM dependencies JOIN names ON names.id = dependencies.name WHERE metamodel = ?1 "
          "ORDER BY ordinal";
 }
@@ -72,7 +73,7 @@ SqliteReader::SqliteReader(SqliteDatabase& database)
       selectTexts_(database, selectTexts),
       selectVersions_(database, metamodelsOfName(hasNotes_)),
       selectMetamodels_(database, metamodelsWhere(hasNotes_)),
-      selectDependencies_(database, selectDependencies(hasNotes_)),
+      selectDependencies_(database, selectDependencies(database.number("PRAGMA user_version"))),
       selectHopsFrom_(database, hopsWhere(hasNotes_, "AND source = ?2")),
       selectHops_(database, hopsWhere(hasNotes_)) {}
 
@@ -284,11 +285,11 @@ StoredMetamodel SqliteReader::metamodelIn(const SqliteStatement::Rows& rows,
                                           const std::u16string& name) {
   const std::int64_t position = rows.number(0);
   return readRow(database_, "metamodels", position, [&] {
-    std::vector<std::u16string> notes;
-    Metamodel descriptor(name, versionIn(rows, 1), dependenciesOf(position, notes));
-    return StoredMetamodel{
+    StoredMetamodel stored{
         position,
-        {std::move(descriptor), optionalSemVerIn(rows, 2), noteIn(rows, 3), std::move(notes)}};
+        {Metamodel(name, versionIn(rows, 1), {}), optionalSemVerIn(rows, 2), noteIn(rows, 3)}};
+    readDependencies(position, stored.metamodel);
+    return stored;
   });
 }
 
@@ -311,20 +312,23 @@ std::vector<Hop> SqliteReader::hops(SqliteStatement::Rows rows, const std::u16st
   return result;
 }
 
-std::vector<Dependency> SqliteReader::dependenciesOf(std::int64_t position,
-                                                     std::vector<std::u16string>& notes) {
+void SqliteReader::readDependencies(std::int64_t position, CatalogueMetamodel& metamodel) {
   auto rows = selectDependencies_.query(position);
-  std::vector<Dependency> result;
+  auto& dependencies = metamodel.descriptor.dependencies;
   while (rows.next()) {
     readRow(database_, "dependencies", position, [&] {
-      if (std::u16string note = noteIn(rows, 4); !note.empty()) {
-        notes.resize(result.size());
-        notes.push_back(std::move(note));
+      std::u16string note = noteIn(rows, 4);
+      if (rows.number(5) != 0) {
+        metamodel.requirements.push_back({{textIn(rows, 0), rangeIn(rows, 1), true}, note});
+        return;
       }
-      result.emplace_back(textIn(rows, 0), rangeIn(rows, 1));
+      if (!note.empty()) {
+        metamodel.dependencyNotes.resize(dependencies.size());
+        metamodel.dependencyNotes.push_back(std::move(note));
+      }
+      dependencies.emplace_back(textIn(rows, 0), rangeIn(rows, 1));
     });
   }
-  return result;
 }
 
 }  // namespace tarn::evolution::catalogue

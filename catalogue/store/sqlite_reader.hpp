@@ -69,8 +69,7 @@ class SqliteReader {
   std::vector<StoredMetamodel> metamodels(SqliteStatement::Rows rows, const std::u16string& name);
   pathfinder::Hop hopIn(const SqliteStatement::Rows& rows, const std::u16string& name) const;
   std::vector<pathfinder::Hop> hops(SqliteStatement::Rows rows, const std::u16string& name) const;
-  std::vector<pathfinder::Dependency> dependenciesOf(std::int64_t position,
-                                                     std::vector<std::u16string>& notes);
+  void readDependencies(std::int64_t position, CatalogueMetamodel& metamodel);
 
   SqliteDatabase& database_;
   BoundedCache<NameOrder> orders_;

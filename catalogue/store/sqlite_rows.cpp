@@ -110,7 +110,7 @@ SqliteRowWriter::SqliteRowWriter(SqliteDatabase& database)
                        "VALUES (?1, ?2, ?3, ?4, ?5)"),
       insertDependency_(database,
                         "INSERT INTO dependencies (metamodel, ordinal, name, version, lower, "
-                        "upper, note) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)"),
+                        "upper, note, optional) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)"),
       insertHop_(database,
                  "INSERT INTO hops (position, name, source, target, expensive, note) "
                  "VALUES (?1, ?2, ?3, ?4, ?5, ?6)"),
@@ -125,27 +125,32 @@ SqliteRowWriter::SqliteRowWriter(SqliteDatabase& database)
       nextHop_(firstHop_) {}
 
 void SqliteRowWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
-  const auto& [descriptor, equivalent, note, dependencyNotes] = metamodel;
+  const auto& [descriptor, equivalent, note, dependencyNotes, requirements] = metamodel;
   insertMetamodel_.run(nextMetamodel_, idOf(descriptor.name), storedVersion(descriptor.version),
                        equivalent ? SqliteValue(pack(*equivalent)) : SqliteValue(nullptr),
                        storedNote(note));
+  std::int64_t ordinal = 0;
   for (std::size_t i = 0; i < descriptor.dependencies.size(); ++i) {
-    addDependency(static_cast<std::int64_t>(i), descriptor.dependencies[i],
-                  metamodel.noteOfDependency(i));
+    const auto& [name, range] = descriptor.dependencies[i];
+    addDependency(ordinal++, {{name, range, false}, metamodel.noteOfDependency(i)});
+  }
+  for (const CatalogueRequirement& requirement : requirements) {
+    addDependency(ordinal++, requirement);
   }
   ++nextMetamodel_;
 }
 
-void SqliteRowWriter::addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency,
-                                    const std::u16string& note) {
-  const std::int64_t name = idOf(dependency.name);
-  if (dependency.range.isSemVerRange()) {
-    const auto& [lower, upper] = dependency.range.getSemVerRange();
+void SqliteRowWriter::addDependency(std::int64_t ordinal, const CatalogueRequirement& dependency) {
+  const auto& [needed, note] = dependency;
+  const std::int64_t name = idOf(needed.name);
+  const auto isOptional = std::int64_t{needed.isOptional};
+  if (needed.range.isSemVerRange()) {
+    const auto& [lower, upper] = needed.range.getSemVerRange();
     insertDependency_.run(nextMetamodel_, ordinal, name, nullptr, pack(lower), pack(upper),
-                          storedNote(note));
+                          storedNote(note), isOptional);
   } else {
-    insertDependency_.run(nextMetamodel_, ordinal, name, expectStored(dependency.range.getText()),
-                          nullptr, nullptr, storedNote(note));
+    insertDependency_.run(nextMetamodel_, ordinal, name, expectStored(needed.range.getText()),
+                          nullptr, nullptr, storedNote(note), isOptional);
   }
 }
 

@@ -64,8 +64,7 @@ class SqliteRowWriter : public CatalogueSink {
 
  private:
   std::int64_t idOf(const std::u16string& name);
-  void addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency,
-                     const std::u16string& note);
+  void addDependency(std::int64_t ordinal, const CatalogueRequirement& dependency);
   void addSelection(const std::string& side, const Selection& selection);
 
   SqliteStatement insertName_;

@@ -16,7 +16,7 @@ constexpr std::int64_t applicationId = 0x45564F50;  // "EVOP"
 // A column of any type holds a version: a text version as a text, a semantic version as a blob of
 // 24 bytes, its components as big-endian numbers, which sort as the versions do. `position` is the
 // order of the catalogue, and gaps in it mean nothing. That no version and no equivalent stands
-// twice, and that dependencies form no cycle, is checked by whoever writes.
+// twice is checked by whoever writes.
 constexpr const char* version1 = R"(
 CREATE TABLE names (
   id INTEGER PRIMARY KEY,
@@ -77,6 +77,11 @@ ALTER TABLE dependencies ADD COLUMN note TEXT;
 ALTER TABLE hops ADD COLUMN note TEXT;
 )";
 
+// What is needed only if it is there.
+constexpr const char* version3 = R"(
+ALTER TABLE dependencies ADD COLUMN optional INTEGER NOT NULL DEFAULT 0 CHECK (optional IN (0, 1));
+)";
+
 /// The tables and indices of a database, by name, as they were created.
 std::map<std::string, std::string> objectsOf(SqliteDatabase& database) {
   std::map<std::string, std::string> result;
@@ -102,7 +107,7 @@ void setVersion(SqliteDatabase& database, std::int64_t version) {
 SqliteSchema::SqliteSchema(std::vector<const char*> steps) : steps_(std::move(steps)) {}
 
 const SqliteSchema& SqliteSchema::current() {
-  static const SqliteSchema schema({version1, version2});
+  static const SqliteSchema schema({version1, version2, version3});
   return schema;
 }
 

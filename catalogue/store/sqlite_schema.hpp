@@ -10,6 +10,9 @@ namespace tarn::evolution::catalogue {
 /// From this form on the rows of metamodels, dependencies and hops may have notes.
 constexpr std::int64_t firstFormWithNotes = 2;
 
+/// The first form that tells optional dependencies from others.
+constexpr std::int64_t firstFormWithOptional = 3;
+
 /// The form of a store: what it consists of, and how each version of that form is made from the one
 /// before.
 ///

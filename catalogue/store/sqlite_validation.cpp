@@ -6,7 +6,6 @@
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
-#include "catalogue/store/stored_cycle.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 
@@ -39,7 +38,7 @@ constexpr const char* selectSharing = R"(
 constexpr const char* selectUnknownDependency = R"(
   SELECT dependencies.metamodel, dependencies.ordinal, names.name
   FROM dependencies JOIN names ON names.id = dependencies.name
-  WHERE dependencies.metamodel >= ?1
+  WHERE dependencies.metamodel >= ?1 AND NOT dependencies.optional
     AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = dependencies.name)
   ORDER BY dependencies.metamodel, dependencies.ordinal LIMIT 1)";
 
@@ -79,7 +78,6 @@ class Validation {
   void run() {
     checkMetamodels();
     checkHops();
-    checkCycles();
   }
 
  private:
@@ -142,26 +140,6 @@ class Validation {
     const bool hasSource = rows.number(5) != 0;
     throw CatalogueError(place + (hasSource ? "/to" : "/from"),
                          unknownVersion(name, versionIn(rows, hasSource ? 3 : 2)));
-  }
-
-  void checkCycles() {
-    std::vector<std::int64_t> positions = findStoredCycle(database_);
-    if (positions.empty()) return;
-    // There was none before, so it goes through a new metamodel; it is told from there.
-    std::rotate(positions.begin(),
-                std::find_if(positions.begin(), positions.end(),
-                             [&](std::int64_t position) { return position >= firstMetamodel_; }),
-                positions.end());
-    SqliteStatement statement(database_,
-                              "SELECT names.name, version FROM metamodels "
-                              "JOIN names ON names.id = metamodels.name WHERE position = ?1");
-    std::vector<std::string> cycle;
-    for (const std::int64_t position : positions) {
-      auto rows = statement.query(position);
-      rows.next();
-      cycle.push_back(describe(textIn(rows, 0), versionIn(rows, 1)));
-    }
-    throw CatalogueError(place(positions.front()) + "/dependencies", dependencyCycle(cycle));
   }
 
   SqliteDatabase& database_;

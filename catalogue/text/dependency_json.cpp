@@ -25,10 +25,11 @@ void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   writeBounds(printer, range);
 }
 
-void writeFields(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
-  printer.field("name", fl::i18n::ustring_to_utf8(dependency.name));
+template <class Needed>
+void writeFields(JsonPrinter& printer, const Needed& needed) {
+  printer.field("name", fl::i18n::ustring_to_utf8(needed.name));
   printer.key("range");
-  writeRange(printer, dependency.range);
+  writeRange(printer, needed.range);
 }
 
 }  // namespace
@@ -47,14 +48,22 @@ void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& depende
   printer.object([&] { writeFields(printer, dependency); });
 }
 
-void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies,
-                       const std::vector<std::u16string>& notes) {
+void writeDependencies(JsonPrinter& printer, const CatalogueMetamodel& metamodel,
+                       Unlinked unlinked) {
   printer.array([&] {
+    const auto& dependencies = metamodel.descriptor.dependencies;
     for (std::size_t i = 0; i < dependencies.size(); ++i) {
       printer.object([&] {
         writeFields(printer, dependencies[i]);
-        if (i < notes.size()) writeNote(printer, notes[i]);
+        writeNote(printer, metamodel.noteOfDependency(i));
+      });
+    }
+    for (const auto& [needed, note] : metamodel.requirements) {
+      printer.object([&, &own = needed, &told = note] {
+        writeFields(printer, own);
+        if (own.isOptional) printer.field("optional", true);
+        if (!own.isOptional && unlinked == Unlinked::Told) printer.field("linked", false);
+        writeNote(printer, told);
       });
     }
   });

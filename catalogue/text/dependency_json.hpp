@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/catalogue.hpp"
 #include "catalogue/text/json_printer.hpp"
 #include "pathfinder/metamodel.hpp"
 
@@ -15,10 +16,14 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 /// [lower, upper), or {"anyOf": [range]}.
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency);
 
-/// Writes a list of them, each with the field "note" if there is one. There may be fewer notes.
-void writeDependencies(JsonPrinter& printer,
-                       const std::vector<pathfinder::Dependency>& dependencies,
-                       const std::vector<std::u16string>& notes);
+/// What is told of a dependency that does not link, unless it is optional.
+enum class Unlinked { NotTold, Told };
+
+/// Writes what a metamodel needs as a catalogue has it, what does not link after what does, each
+/// with the fields "note" and "optional" where they say something; with "linked": false, if told so,
+/// where it does not link although it is not optional.
+void writeDependencies(JsonPrinter& printer, const CatalogueMetamodel& metamodel,
+                       Unlinked unlinked = Unlinked::NotTold);
 
 /// Writes the field "note", unless it is empty.
 void writeNote(JsonPrinter& printer, const std::u16string& note);

@@ -34,10 +34,6 @@ void printChanges(const CatalogueChanges& changes, std::ostream& out) {
 void printImportReport(const ImportReport& report, bool listsAll, std::ostream& out) {
   out << "Imported " << describeCounts(report.counts) << ".\n";
   if (report.isUpdate) printChanges(report.changes, out);
-  if (report.optionalNeeds > 0) {
-    out << countedText(report.optionalNeeds, "optional need")
-        << " left out: a catalogue cannot say \"if it is there\".\n";
-  }
   if (report.unordered > 0) {
     out << report.unordered << (report.unordered == 1 ? " version has" : " versions have")
         << " no place among the semantic versions; hops to them count as backward.\n";
