@@ -21,7 +21,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT BrowsableRepository : public pathfinder::V
  public:
   /// What a metamodel that the repository has handed out requires; by default nothing.
   void findRequirements(const pathfinder::Metamodel& metamodel,
-                        std::vector<pathfinder::Requirement>& result) override;
+                        std::vector<pathfinder::PeerRequirement>& result) override;
 
   /// Whether the metamodel is one that `findMetamodels` lists for the range. Unlike the operation
   /// of `VersionRepository`, which it hides, it understands every range of a catalogue, and goes by

@@ -17,7 +17,7 @@ namespace tarn::evolution::catalogue {
 
 /// What a version needs beside it without being linked to it, and what is told of that.
 struct CatalogueRequirement {
-  pathfinder::Requirement needed;
+  pathfinder::PeerRequirement needed;
   std::u16string note = {};
 };
 

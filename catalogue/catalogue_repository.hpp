@@ -28,7 +28,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
   void findRequirements(const pathfinder::Metamodel& metamodel,
-                        std::vector<pathfinder::Requirement>& result) override;
+                        std::vector<pathfinder::PeerRequirement>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
 

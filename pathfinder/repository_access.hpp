@@ -15,7 +15,7 @@ class RepositoryAccess final : public LinkingHost, public SelectionHost {
                       std::vector<Metamodel>& result) override {
     repository_.findMetamodels(name, range, result);
   }
-  void findRequirements(const Metamodel& metamodel, std::vector<Requirement>& result) override {
+  void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) override {
     result = repository_.getRequirements(metamodel);
   }
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override {

@@ -13,7 +13,7 @@ namespace tarn::evolution::pathfinder {
 ///
 /// Unlike a dependency it brings nothing in, and may be mutual: for metamodels that need each
 /// other, and for those that are needed only if they are there.
-struct Requirement {
+struct PeerRequirement {
   std::u16string name;
   VersionRange range;
   bool isOptional = false;  ///< also met by a baseline that holds nothing under the name
@@ -29,7 +29,7 @@ class RequirementSource {
   /// Called when the metamodel is linked, as `VersionRepository::findMetamodels` is for its
   /// dependencies: on any thread that links, without a lock held. Asked the same twice, it must
   /// answer the same. What it throws reaches the caller, and nothing is kept for the metamodel.
-  virtual void findRequirements(const Metamodel& metamodel, std::vector<Requirement>& result) = 0;
+  virtual void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) = 0;
 
  protected:
   RequirementSource() = default;

@@ -64,8 +64,8 @@ bool VersionRepository::hasRequirements() const noexcept {
   return caches_->requirements != nullptr;
 }
 
-std::vector<Requirement> VersionRepository::getRequirements(const Metamodel& metamodel) {
-  std::vector<Requirement> result;
+std::vector<PeerRequirement> VersionRepository::getRequirements(const Metamodel& metamodel) {
+  std::vector<PeerRequirement> result;
   RequirementSource* const source = caches_->requirements;
   if (source != nullptr) source->findRequirements(metamodel, result);
   return result;

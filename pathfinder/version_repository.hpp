@@ -32,7 +32,7 @@ struct ResolvedRequirement;
 /// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
 /// `invalidatePathfindingCache` is called. Dependencies must be free of cycles; linking one throws
 /// std::logic_error, which names its metamodels. What metamodels need of each other without such an
-/// order is a `Requirement`: it is not linked, but no step leads to a baseline that violates one.
+/// order is a `PeerRequirement`: it is not linked, but no step leads to a baseline that violates one.
 ///
 /// **What may change.** Asked the same twice, the application must say the same, in the same order,
 /// for the repository's lifetime: a metamodel that has been linked is not linked again. Hops alone
@@ -278,7 +278,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   bool hasRequirements() const noexcept;
 
   /// What a metamodel requires, as the source in use tells it.
-  std::vector<Requirement> getRequirements(const Metamodel& metamodel);
+  std::vector<PeerRequirement> getRequirements(const Metamodel& metamodel);
 
   /// Creates and keeps the linked metamodels of a descriptor, dependencies first, and forgets every
   /// path found. Normally reached through `getLinkedMetamodels`. When there is a list already, that

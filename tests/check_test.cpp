@@ -105,6 +105,8 @@ TEST(Check, FindsWhatIsWrongWithTheWhole) {
       {"A1:B1 B1 B2:A2 A2 A1>2 B1>2", ""},
       {"A1:A[1,9) B1:C1 C1:B[1,2)+D1 D1:C1",
        "dependency-cycle " + unread + ", dependency-cycle /metamodels/1/dependencies"},
+      // What leads back does not link; what is optional need not be there.
+      {"A1:B1+C1 B1:A1+C2 C1..2 A2:%D1 A1>2", "dependency-cycle " + unread},
       {"A1:C1 A2:B1 B1:C2 C1 C2 D1:A[1,9)+B1 A1>2 C1>2", ""},
       {"A1:C1 B1:C2 C1..2 D1:A1+B1 D2:A[1,9)+B[1,9) D3 E1:D[1,3) F1:E1 D1>2 D2>3",
        "unlinkable-version /metamodels/4, blocked-version /metamodels/4, "

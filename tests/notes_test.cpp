@@ -25,7 +25,9 @@ TEST_F(Notes, StoresOfTheFirstFormAreReadAsTheyAreAndHaveNotesOnceChanged) {
   const std::string whole = read("old.json");
   ASSERT_EQ(PlainDatabase(path("old.store"))
                 .run("ALTER TABLE metamodels DROP COLUMN note; ALTER TABLE hops DROP COLUMN note;"
-                     "ALTER TABLE dependencies DROP COLUMN note; PRAGMA user_version = 1; VACUUM"),
+                     "ALTER TABLE dependencies DROP COLUMN note;"
+                     "ALTER TABLE dependencies DROP COLUMN optional;"
+                     "PRAGMA user_version = 1; VACUUM"),
             "");
   const std::string before = read("old.store");
   {

@@ -113,7 +113,7 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
 
 /// What is required is asked for among what is not avoided, whatever has been passed.
 void ConditionalRepository::findRequirements(const Metamodel& metamodel,
-                                             std::vector<pathfinder::Requirement>& result) {
+                                             std::vector<pathfinder::PeerRequirement>& result) {
   const VersionId plain = read(metamodel.name, metamodel.version).version;
   result = content_.getRequirements(Metamodel(metamodel.name, plain, metamodel.dependencies));
 }

@@ -23,7 +23,7 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
   void findRequirements(const pathfinder::Metamodel& metamodel,
-                        std::vector<pathfinder::Requirement>& result) override;
+                        std::vector<pathfinder::PeerRequirement>& result) override;
 
   /// The names that the path has to pass versions of.
   std::vector<std::u16string> passedNames() const;

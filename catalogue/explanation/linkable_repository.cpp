@@ -39,7 +39,7 @@ void LinkableRepository::findMetamodels(const std::u16string& name,
 }
 
 void LinkableRepository::findRequirements(const Metamodel& metamodel,
-                                          std::vector<pathfinder::Requirement>& result) {
+                                          std::vector<pathfinder::PeerRequirement>& result) {
   result = content_.getRequirements(metamodel);
 }
 

@@ -39,7 +39,7 @@ class LinkableRepository : public pathfinder::VersionRepository,
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
   void findRequirements(const pathfinder::Metamodel& metamodel,
-                        std::vector<pathfinder::Requirement>& result) override;
+                        std::vector<pathfinder::PeerRequirement>& result) override;
 
  private:
   void followRequirements();

@@ -3,7 +3,7 @@
 namespace tarn::evolution::catalogue {
 
 void BrowsableRepository::findRequirements(const pathfinder::Metamodel& /*metamodel*/,
-                                           std::vector<pathfinder::Requirement>& /*result*/) {}
+                                           std::vector<pathfinder::PeerRequirement>& /*result*/) {}
 
 std::u16string BrowsableRepository::findVersionNote(const std::u16string& name,
                                                     const pathfinder::VersionId& version) {

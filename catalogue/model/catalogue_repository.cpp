@@ -50,7 +50,7 @@ void CatalogueRepository::findMetamodels(const std::u16string& name,
 }
 
 void CatalogueRepository::findRequirements(const pathfinder::Metamodel& metamodel,
-                                           std::vector<pathfinder::Requirement>& result) {
+                                           std::vector<pathfinder::PeerRequirement>& result) {
   const VersionScale& scale = catalogue_.index().scale(metamodel.name);
   const CatalogueMetamodel* const found = find(metamodel.name, scale.meant(metamodel.version));
   if (found == nullptr) return;

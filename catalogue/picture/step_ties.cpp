@@ -74,7 +74,7 @@ class TieSearch {
   Needs withRequirements(const Metamodel& metamodel) {
     const Metamodel& descriptor = metamodel;
     Needs needs{Metamodel(descriptor), metamodel.dependencies.size(), {}};
-    for (pathfinder::Requirement& required : repository_.getRequirements(metamodel)) {
+    for (pathfinder::PeerRequirement& required : repository_.getRequirements(metamodel)) {
       needs.dependent.dependencies.emplace_back(required.name, required.range);
       needs.isOptional.push_back(required.isOptional);
     }

@@ -76,7 +76,7 @@ pathfinder::Metamodel SqliteCatalogueRepository::handedOut(const VersionScale& s
 }
 
 void SqliteCatalogueRepository::findRequirements(const pathfinder::Metamodel& metamodel,
-                                                 std::vector<pathfinder::Requirement>& result) {
+                                                 std::vector<pathfinder::PeerRequirement>& result) {
   const auto found = store_->ask([&](auto& reader) {
     return reader.find(metamodel.name, reader.scale(metamodel.name)->meant(metamodel.version));
   });

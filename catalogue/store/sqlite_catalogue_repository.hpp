@@ -43,7 +43,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT SqliteCatalogueRepository : public Browsab
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
   void findRequirements(const pathfinder::Metamodel& metamodel,
-                        std::vector<pathfinder::Requirement>& result) override;
+                        std::vector<pathfinder::PeerRequirement>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
 

@@ -214,7 +214,7 @@ class DependencySurvey {
     const Metamodel& descriptor = *result_.space->versions[version].descriptor;
     required_.clear();
     host_.findRequirements(descriptor, required_);
-    for (const Requirement& requirement : required_) {
+    for (const PeerRequirement& requirement : required_) {
       const auto place = placeOfName_.find(requirement.name);
       if (place == placeOfName_.end() && requirement.isOptional) continue;  // it is never held
       if (place == placeOfName_.end() || requirement.name == descriptor.name) throw NotClosed();
@@ -285,7 +285,7 @@ class DependencySurvey {
   std::vector<Name> names_;
   std::unordered_map<std::u16string, NameIndex> placeOfName_;
   std::vector<Metamodel> candidates_;
-  std::vector<Requirement> required_;
+  std::vector<PeerRequirement> required_;
 };
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,

@@ -77,10 +77,10 @@ void SelectionClosure::addNeeds(SelectionHost& host, const std::u16string& name,
 /// Once all versions that may be held are known.
 void SelectionClosure::addRequired(SelectionHost& host, const std::u16string& name,
                                    Version& version) {
-  std::vector<Requirement> required;
+  std::vector<PeerRequirement> required;
   host.findRequirements(version.descriptor, required);
   std::vector<Metamodel> candidates;
-  for (const Requirement& requirement : required) {
+  for (const PeerRequirement& requirement : required) {
     const auto known = names_.find(requirement.name);
     if (known == names_.end()) continue;
     if (known->first == name) throw NotClosed();

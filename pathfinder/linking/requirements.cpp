@@ -26,12 +26,12 @@ bool isMet(const ResolvedRequirement& requirement, Requirements asked,
 }  // namespace
 
 ResolvedRequirements resolveRequirements(LinkingHost& host, const Metamodel& metamodel) {
-  std::vector<Requirement> required;
+  std::vector<PeerRequirement> required;
   host.findRequirements(metamodel, required);
   ResolvedRequirements result;
   result.reserve(required.size());
   std::vector<Metamodel> candidates;
-  for (Requirement& requirement : required) {
+  for (PeerRequirement& requirement : required) {
     candidates.clear();
     host.findMetamodels(requirement.name, requirement.range, candidates);
     result.push_back({std::move(requirement.name),

@@ -34,6 +34,14 @@ ordered_json toJson(TestRepository& repository) {
       dependencies.push_back(
           {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeJson(range)}});
     }
+    const auto required = repository.requirements.find(brief(metamodel.name, metamodel.version));
+    if (required != repository.requirements.end()) {
+      for (const auto& [name, range, isOptional] : required->second) {
+        dependencies.push_back(
+            {{"name", fl::i18n::ustring_to_utf8(name)}, {"range", rangeJson(range)}});
+        if (isOptional) dependencies.back()["optional"] = true;
+      }
+    }
     metamodels.push_back({{"name", fl::i18n::ustring_to_utf8(metamodel.name)},
                           {"version", printed(metamodel.version)},
                           {"dependencies", dependencies}});

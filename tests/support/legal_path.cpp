@@ -15,9 +15,9 @@ bool hasRequired(VersionRepository& repository, const VersionBaseline& baseline,
                  const Metamodel& metamodel) {
   auto* const source = dynamic_cast<RequirementSource*>(&repository);
   if (source == nullptr) return true;
-  std::vector<Requirement> required;
+  std::vector<PeerRequirement> required;
   source->findRequirements(metamodel, required);
-  return std::all_of(required.begin(), required.end(), [&](const Requirement& requirement) {
+  return std::all_of(required.begin(), required.end(), [&](const PeerRequirement& requirement) {
     const auto held = baseline.metamodels.find(requirement.name);
     if (held == baseline.metamodels.end()) return requirement.isOptional;
     std::vector<Metamodel> admitted;

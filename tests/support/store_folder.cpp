@@ -19,6 +19,16 @@ CatalogueContent contentOf(TestRepository& repository) {
     const bool isText = !metamodel.version.isSemVer();
     content.metamodels.push_back(
         {metamodel, isText ? repository.extractSemVer(metamodel) : std::nullopt});
+    CatalogueMetamodel& added = content.metamodels.back();
+    const auto required = repository.requirements.find(brief(metamodel.name, metamodel.version));
+    if (required == repository.requirements.end()) continue;
+    for (const PeerRequirement& each : required->second) {
+      if (each.isOptional) {
+        added.requirements.push_back({each});
+      } else {
+        added.descriptor.dependencies.emplace_back(each.name, each.range);
+      }
+    }
   }
   return content;
 }

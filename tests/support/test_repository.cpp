@@ -178,7 +178,7 @@ void TestRepository::findHops(const std::u16string& name, const VersionId& from,
 }
 
 void TestRepository::findRequirements(const Metamodel& metamodel,
-                                      std::vector<Requirement>& result) {
+                                      std::vector<PeerRequirement>& result) {
   const std::string text = brief(metamodel.name, metamodel.version);
   note([&] { return "findRequirements " + text; });
   const auto known = requirements.find(text);

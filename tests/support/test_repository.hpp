@@ -88,7 +88,7 @@ class TestRepository : public VersionRepository, public RequirementSource {
                       std::vector<Metamodel>& result) override;
   void findHops(const std::u16string& name, const VersionId& from,
                 std::vector<Hop>& result) override;
-  void findRequirements(const Metamodel& metamodel, std::vector<Requirement>& result) override;
+  void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) override;
   void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) override;
 
   std::vector<Metamodel> metamodels;
@@ -101,7 +101,7 @@ class TestRepository : public VersionRepository, public RequirementSource {
   // By the version that they concern, in brief ("A3").
   std::map<std::string, std::vector<std::pair<std::u16string, VersionId>>> hostLinks;
   std::map<std::string, VersionId> otherAnswers;
-  std::map<std::string, std::vector<Requirement>> requirements;
+  std::map<std::string, std::vector<PeerRequirement>> requirements;
 
   /// The calls that fail: "findHops A3".
   std::set<std::string> failing;
