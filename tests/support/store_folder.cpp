@@ -1,5 +1,6 @@
 #include "support/store_folder.hpp"
 
+#include <algorithm>
 #include <unistd.h>
 
 #include <fstream>
@@ -23,9 +24,13 @@ CatalogueContent contentOf(TestRepository& repository) {
     const auto required = repository.requirements.find(brief(metamodel.name, metamodel.version));
     if (required == repository.requirements.end()) continue;
     for (const PeerRequirement& each : required->second) {
+      const auto& dependencies = added.descriptor.dependencies;
+      const bool isFirst =
+          std::none_of(dependencies.begin(), dependencies.end(),
+                       [&](const Dependency& other) { return other.name == each.name; });
       if (each.isOptional) {
         added.requirements.push_back({each});
-      } else {
+      } else if (isFirst) {
         added.descriptor.dependencies.emplace_back(each.name, each.range);
       }
     }
