@@ -66,6 +66,7 @@ bool canLink(pathfinder::VersionRepository& repository, const Metamodel& metamod
 ConditionalRepository::ConditionalRepository(BrowsableRepository& content,
                                              const PathConditions& conditions)
     : content_(content), conditions_(resolved(content, conditions)) {
+  useRequirements(*this);
   for (const auto& [name, version] : conditions_.via) {
     auto& versions = passed_[name];
     if (std::find(versions.begin(), versions.end(), version) == versions.end()) {
@@ -86,7 +87,6 @@ std::optional<Metamodel> ConditionalRepository::getMetamodel(const std::u16strin
                                                              const VersionId& version) {
   const auto [plain, marks] = read(name, version);
   auto metamodel = content_.getMetamodel(name, plain);
-  followRequirements();
   if (!metamodel || isAvoided(*metamodel)) return std::nullopt;
   metamodel->version = mark(name, metamodel->version, marks);
   return metamodel;
@@ -97,7 +97,6 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
                                            std::vector<Metamodel>& result) {
   std::vector<Metamodel> found;
   content_.findMetamodels(name, range, found);
-  followRequirements();
   for (Metamodel& metamodel : found) {
     if (isAvoided(metamodel)) continue;
     const VersionId version = metamodel.version;
@@ -116,11 +115,6 @@ void ConditionalRepository::findRequirements(const Metamodel& metamodel,
                                              std::vector<pathfinder::PeerRequirement>& result) {
   const VersionId plain = read(metamodel.name, metamodel.version).version;
   result = content_.getRequirements(Metamodel(metamodel.name, plain, metamodel.dependencies));
-}
-
-/// The content may come to have requirements as it is asked.
-void ConditionalRepository::followRequirements() {
-  if (content_.hasRequirements() && !hasRequirements()) useRequirements(*this);
 }
 
 void ConditionalRepository::findHops(const std::u16string& name, const VersionId& from,

@@ -46,7 +46,6 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   };
 
   bool isPassed(const std::u16string& name) const { return passed_.contains(name); }
-  void followRequirements();
   Marks marksAt(const std::u16string& name, const pathfinder::VersionId& version) const;
   Marks allMarks(const std::u16string& name) const;
   pathfinder::VersionId mark(const std::u16string& name, const pathfinder::VersionId& version,

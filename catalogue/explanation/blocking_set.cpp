@@ -10,6 +10,7 @@
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/goal_subsets.hpp"
 #include "catalogue/explanation/nearest_baseline.hpp"
+#include "catalogue/explanation/requirement_clash.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -42,7 +43,9 @@ PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
     const bool holdsAll = std::all_of(part.goals.begin(), part.goals.end(), [&](const auto& goal) {
       return source.metamodels.contains(goal.first);
     });
-    VersionBaseline kept = holdsAll ? cutDown(source, names) : source;
+    // What requires others cannot be asked about without them.
+    const bool mayCut = holdsAll && !question.inquiry->content().hasRequirements();
+    VersionBaseline kept = mayCut ? cutDown(source, names) : source;
     const bool isNew =
         std::find(part.sources.begin(), part.sources.end(), kept) == part.sources.end();
     if (isNew) part.sources.push_back(std::move(kept));
@@ -170,7 +173,22 @@ class HopInspection {
       }
       if (auto clash = findClash(candidates)) return clash;
     }
-    return std::nullopt;
+    return findRequirementClashOf(edge);
+  }
+
+  std::optional<Clash> findRequirementClashOf(const HopGraph::Edge& edge) {
+    if (!question_.inquiry->content().hasRequirements()) return std::nullopt;
+    std::vector<std::vector<Metamodel>> others;
+    for (const auto& [name, held] :
+         std::map(stuckAt_.metamodels.begin(), stuckAt_.metamodels.end())) {
+      if (name == edge.hop.name) continue;
+      auto& versions = others.emplace_back(1, static_cast<const Metamodel&>(*held));
+      for (const HopGraph::Edge* other : edgesFrom(*held, AnyChain)) {
+        versions.push_back(question_.graphs->of(name).versions()[other->to]);
+      }
+    }
+    return findRequirementClash(question_.inquiry->repository(),
+                                question_.graphs->of(edge.hop.name).versions()[edge.to], others);
   }
 
   void add(const Metamodel& metamodel, Candidates& choice) {

@@ -5,6 +5,7 @@
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/hop_graph.hpp"
 #include "catalogue/explanation/linking_obstacle.hpp"
+#include "catalogue/explanation/requirement_clash.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -50,6 +51,17 @@ NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
   return result;
 }
 
+/// What is required of one another by versions that linking lets stand together.
+std::optional<Clash> findClashOfRequirements(Inquiry& inquiry, const SelectedMetamodels& selection,
+                                             const std::vector<Candidates>& candidates) {
+  if (!inquiry.content().hasRequirements()) return std::nullopt;
+  const std::unordered_map<std::u16string, Metamodel> selected(selection.begin(), selection.end());
+  if (!inquiry.repository().combine(selected).empty()) return std::nullopt;
+  const auto linked = combineCandidates(candidates, 1).baselines;
+  if (linked.empty()) return std::nullopt;
+  return findExcluded(inquiry.repository(), linked.front());
+}
+
 }  // namespace
 
 std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, QuestionSide side,
@@ -68,6 +80,8 @@ std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, Questio
     for (const std::u16string& party : result.clash->parties) {
       result.remedies.push_back(findRemedies(inquiry, candidates, selection.at(party)));
     }
+  } else if (result.unlinkable.empty()) {
+    result.clash = findClashOfRequirements(inquiry, selection, candidates);
   }
   if (!selection.empty() && result.unlinkable.empty() && !result.clash) return std::nullopt;
   return result;

@@ -26,26 +26,18 @@ std::optional<pathfinder::SemVer> LinkableRepository::getEquivalentSemVer(
 
 std::optional<Metamodel> LinkableRepository::getMetamodel(const std::u16string& name,
                                                           const pathfinder::VersionId& version) {
-  auto metamodel = content_.getMetamodel(name, version);
-  followRequirements();
-  return metamodel;
+  return content_.getMetamodel(name, version);
 }
 
 void LinkableRepository::findMetamodels(const std::u16string& name,
                                         const pathfinder::VersionRange& range,
                                         std::vector<Metamodel>& result) {
   content_.findMetamodels(name, range, result);
-  followRequirements();
 }
 
 void LinkableRepository::findRequirements(const Metamodel& metamodel,
                                           std::vector<pathfinder::PeerRequirement>& result) {
   result = content_.getRequirements(metamodel);
-}
-
-/// The content may come to have requirements as it is asked.
-void LinkableRepository::followRequirements() {
-  if (content_.hasRequirements() && !hasRequirements()) useRequirements(*this);
 }
 
 void LinkableRepository::findHops(const std::u16string& name, const pathfinder::VersionId& from,

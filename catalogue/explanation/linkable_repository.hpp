@@ -18,7 +18,9 @@ using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel
 class LinkableRepository : public pathfinder::VersionRepository,
                            public pathfinder::RequirementSource {
  public:
-  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {}
+  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {
+    useRequirements(*this);
+  }
 
   /// The linked metamodels of a descriptor; null when it cannot be linked.
   const LinkedMetamodels* tryLink(const pathfinder::Metamodel& metamodel);
@@ -42,7 +44,6 @@ class LinkableRepository : public pathfinder::VersionRepository,
                         std::vector<pathfinder::PeerRequirement>& result) override;
 
  private:
-  void followRequirements();
   bool leadsToUnlinkable(const pathfinder::Hop& hop);
 
   BrowsableRepository& content_;

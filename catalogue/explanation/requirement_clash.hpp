@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "catalogue/explanation/clash.hpp"
+#include "catalogue/explanation/linkable_repository.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// Of two versions that a baseline holds, one of which requires another one of the other's name: as
+/// a clash. None when what it holds excludes nothing that it holds.
+std::optional<Clash> findExcluded(LinkableRepository& repository,
+                                  const pathfinder::VersionBaseline& baseline);
+
+/// Why a version cannot stand beside any of the versions that other names may have: some requirement
+/// between it and all of one name. None when no requirement tells.
+std::optional<Clash> findRequirementClash(
+    LinkableRepository& repository, const pathfinder::Metamodel& version,
+    const std::vector<std::vector<pathfinder::Metamodel>>& others);
+
+}  // namespace tarn::evolution::catalogue
