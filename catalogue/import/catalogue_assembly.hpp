@@ -26,8 +26,8 @@ struct AssembledCatalogue {
 ///
 /// Faults, each said of its place, are what a catalogue cannot hold: a version that reads as
 /// another one of its name, a dependency on an unknown name, on no version that is there, or on one
-/// of two that have the same equivalent. An optional dependency needs no version to be there. Ranges
-/// are exact: they admit of all versions of the catalogue those that the source means.
+/// of two that have the same equivalent. An optional dependency needs no version to be there.
+/// Ranges are exact: they admit of all versions of the catalogue those that the source means.
 AssembledCatalogue assembleCatalogue(const std::vector<ForeignPart>& parts, CatalogueContent former,
                                      ImportLog& log);
 

@@ -112,8 +112,8 @@ bool isSame(const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
   };
   return left.descriptor == right.descriptor && left.equivalent == right.equivalent &&
          haveSameNotes() &&
-         std::equal(left.requirements.begin(), left.requirements.end(),
-                    right.requirements.begin(), right.requirements.end(), isSameRequirement);
+         std::equal(left.requirements.begin(), left.requirements.end(), right.requirements.begin(),
+                    right.requirements.end(), isSameRequirement);
 }
 
 /// Counts of rows that are new, gone, or other than before.

@@ -62,7 +62,7 @@ struct ImportReport {
   bool isUpdate = false;                ///< whether there was a catalogue in its place
   CatalogueChanges changes;             ///< against that one
   std::vector<CatalogueError> leftOut;  ///< of a lenient import, each with its reason
-  std::size_t unordered = 0;      ///< versions whose place among the semantic ones cannot be told
+  std::size_t unordered = 0;  ///< versions whose place among the semantic ones cannot be told
 };
 
 /// Makes a catalogue of what other programs keep: JSON when the name of `catalogue` ends in

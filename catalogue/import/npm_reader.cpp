@@ -169,8 +169,7 @@ class NpmReader {
 
   void addPeer(Peer& peer) {
     auto& dependencies = catalogue_[peer.package].versions()[peer.version].dependencies;
-    dependencies.push_back(
-        {peer.name, rangeOf(peer), peer.range, peer.place, {}, peer.isOptional});
+    dependencies.push_back({peer.name, rangeOf(peer), peer.range, peer.place, {}, peer.isOptional});
   }
 
   ForeignRange rangeOf(const Peer& peer) const {

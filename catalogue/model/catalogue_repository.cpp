@@ -14,10 +14,9 @@ CatalogueRepository::CatalogueRepository(Catalogue catalogue)
     : catalogue_(std::move(catalogue)),
       split_(splitDependencies(catalogue_.metamodels(), catalogue_.index())) {
   const auto& metamodels = catalogue_.metamodels();
-  const bool anyIsOptional =
-      std::any_of(metamodels.begin(), metamodels.end(), [](const CatalogueMetamodel& metamodel) {
-        return !metamodel.requirements.empty();
-      });
+  const bool anyIsOptional = std::any_of(
+      metamodels.begin(), metamodels.end(),
+      [](const CatalogueMetamodel& metamodel) { return !metamodel.requirements.empty(); });
   if (anyIsOptional || !split_.empty()) useRequirements(*this);
 }
 

@@ -41,8 +41,8 @@ class DependencySplit {
     for (const CatalogueMetamodel& metamodel : metamodels_) {
       const auto number = static_cast<NameNumber>(names_.size());
       const NameNumber name = names_.try_emplace(metamodel.descriptor.name, number).first->second;
-      versions.push_back({name, static_cast<std::uint32_t>(versions.size()),
-                          metamodel.precedence(), metamodel.semVer().has_value()});
+      versions.push_back({name, static_cast<std::uint32_t>(versions.size()), metamodel.precedence(),
+                          metamodel.semVer().has_value()});
     }
     return {std::move(versions), names_.size(), metamodels_.size()};
   }

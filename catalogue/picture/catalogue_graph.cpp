@@ -135,9 +135,9 @@ class GraphBuilder {
           const auto needed = shown_.find(required.name);
           if (needed == shown_.end()) continue;
           count();
-          graph_.dependencies.push_back(
-              {*from, endOf({required.name, required.range}, needed->second),
-               fl::i18n::ustring_to_utf8(note)});
+          graph_.dependencies.push_back({*from,
+                                         endOf({required.name, required.range}, needed->second),
+                                         fl::i18n::ustring_to_utf8(note)});
         }
       }
     }

@@ -1,6 +1,6 @@
-// Which dependencies lead back is found by Tarjan's algorithm over what is looked up on the way, with
-// a stack of its own: all that a metamodel leads to is done with it, so every component is whole. It
-// tells the same as `splitDependencies` does of a catalogue in memory.
+// Which dependencies lead back is found by Tarjan's algorithm over what is looked up on the way,
+// with a stack of its own: all that a metamodel leads to is done with it, so every component is
+// whole. It tells the same as `splitDependencies` does of a catalogue in memory.
 
 #include "catalogue/store/cached_sqlite_reader.hpp"
 
@@ -149,8 +149,7 @@ void CachedSqliteReader::enter(const StoredMetamodel& stored) {
 
 /// Goes on with the next candidates of a dependency, up to one that has not been entered.
 void CachedSqliteReader::follow(Visit& visit) {
-  const Dependency& dependency =
-      visit.stored.metamodel.descriptor.dependencies[visit.dependency];
+  const Dependency& dependency = visit.stored.metamodel.descriptor.dependencies[visit.dependency];
   const Metamodels candidates = lookUp(dependency.name, dependency.range);
   while (visit.candidate < candidates->size()) {
     const StoredMetamodel& candidate = (*candidates)[visit.candidate++];

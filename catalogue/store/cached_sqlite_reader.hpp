@@ -12,9 +12,9 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A reader that remembers what was asked for lately, and answers metamodels as the path finder is to
-/// see them: with requirements in the place of dependencies that do not link (see `Catalogue`). To
-/// tell which these are it looks at all that a metamodel needs, directly or not, once.
+/// A reader that remembers what was asked for lately, and answers metamodels as the path finder is
+/// to see them: with requirements in the place of dependencies that do not link (see `Catalogue`).
+/// To tell which these are it looks at all that a metamodel needs, directly or not, once.
 class CachedSqliteReader {
  public:
   using Metamodels = std::shared_ptr<const std::vector<StoredMetamodel>>;

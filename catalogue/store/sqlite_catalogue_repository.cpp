@@ -103,9 +103,8 @@ std::vector<std::u16string> SqliteCatalogueRepository::listNames() {
 
 std::vector<CatalogueMetamodel> SqliteCatalogueRepository::listMetamodels(
     const std::u16string& name) {
-  auto [scale, found] = store_->ask([&](auto& reader) {
-    return std::pair(reader.scale(name), reader.metamodelsOf(name));
-  });
+  auto [scale, found] = store_->ask(
+      [&](auto& reader) { return std::pair(reader.scale(name), reader.metamodelsOf(name)); });
   std::vector<CatalogueMetamodel> result;
   result.reserve(found.size());
   for (auto& [position, metamodel] : found) {

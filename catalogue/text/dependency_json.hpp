@@ -20,8 +20,8 @@ void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& depende
 enum class Unlinked { NotTold, Told };
 
 /// Writes what a metamodel needs as a catalogue has it, what does not link after what does, each
-/// with the fields "note" and "optional" where they say something; with "linked": false, if told so,
-/// where it does not link although it is not optional.
+/// with the fields "note" and "optional" where they say something; with "linked": false, if told
+/// so, where it does not link although it is not optional.
 void writeDependencies(JsonPrinter& printer, const CatalogueMetamodel& metamodel,
                        Unlinked unlinked = Unlinked::NotTold);
 

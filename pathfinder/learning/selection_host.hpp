@@ -15,7 +15,8 @@ class SelectionHost : public SearchHost {
  public:
   virtual void findMetamodels(const std::u16string& name, const VersionRange& range,
                               std::vector<Metamodel>& result) = 0;
-  virtual void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) = 0;
+  virtual void findRequirements(const Metamodel& metamodel,
+                                std::vector<PeerRequirement>& result) = 0;
 
   /// Of the linked metamodels of a descriptor just the one that links these, one for each name that
   /// it depends on. Throws ConflictingDependencies when they disagree.

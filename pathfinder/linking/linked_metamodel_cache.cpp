@@ -91,8 +91,8 @@ const LinkedMetamodels& LinkedMetamodelCache::add(const Metamodel& metamodel,
     if (auto known = findAloneLocked(*linked)) linked = std::move(known);
   }
   if (2 * (entries_.size() + 1) > tables_.back()->slots.size()) grow();
-  const Entry& entry = entries_.emplace_back(
-      Entry{metamodel, hash, std::move(list), std::move(requirements)});
+  const Entry& entry =
+      entries_.emplace_back(Entry{metamodel, hash, std::move(list), std::move(requirements)});
   tables_.back()->insert(entry);
   return entry.list;
 }

@@ -99,8 +99,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
       load(linked);
     }
   }
-  const LinkedMetamodels& kept =
-      cache_.add(metamodel, std::move(results), std::move(requirements));
+  const LinkedMetamodels& kept = cache_.add(metamodel, std::move(results), std::move(requirements));
   host_.noteLinked();
   return kept;
 }

@@ -15,7 +15,8 @@ class LinkingHost {
  public:
   virtual void findMetamodels(const std::u16string& name, const VersionRange& range,
                               std::vector<Metamodel>& result) = 0;
-  virtual void findRequirements(const Metamodel& metamodel, std::vector<PeerRequirement>& result) = 0;
+  virtual void findRequirements(const Metamodel& metamodel,
+                                std::vector<PeerRequirement>& result) = 0;
   virtual void loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) = 0;
 
   /// Told when a descriptor has got its linked metamodels.

@@ -34,10 +34,10 @@ ResolvedRequirements resolveRequirements(LinkingHost& host, const Metamodel& met
   for (PeerRequirement& requirement : required) {
     candidates.clear();
     host.findMetamodels(requirement.name, requirement.range, candidates);
-    result.push_back({std::move(requirement.name),
-                      {std::make_move_iterator(candidates.begin()),
-                       std::make_move_iterator(candidates.end())},
-                      requirement.isOptional});
+    result.push_back(
+        {std::move(requirement.name),
+         {std::make_move_iterator(candidates.begin()), std::make_move_iterator(candidates.end())},
+         requirement.isOptional});
   }
   return result;
 }
@@ -57,9 +57,8 @@ bool meets(Requirements asked, VersionLookup& lookup, const VersionBaseline& bas
 void keepThoseThatMeet(Requirements asked, VersionLookup& lookup,
                        std::vector<VersionBaseline>& baselines) {
   if (!lookup.hasRequirements()) return;
-  std::erase_if(baselines, [&](const VersionBaseline& baseline) {
-    return !meets(asked, lookup, baseline);
-  });
+  std::erase_if(baselines,
+                [&](const VersionBaseline& baseline) { return !meets(asked, lookup, baseline); });
 }
 
 }  // namespace tarn::evolution::pathfinder

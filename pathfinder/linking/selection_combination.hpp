@@ -71,8 +71,8 @@ struct SelectedMetamodel {
 
 /// `VersionRepository::combine` for a selection of descriptors, linked in the order given; or those
 /// of these baselines that meet all requirements.
-std::vector<VersionBaseline> combineMetamodels(
-    VersionLookup& lookup, const std::vector<SelectedMetamodel>& selection,
-    Requirements asked = Requirements::OfWhatIsHeld);
+std::vector<VersionBaseline> combineMetamodels(VersionLookup& lookup,
+                                               const std::vector<SelectedMetamodel>& selection,
+                                               Requirements asked = Requirements::OfWhatIsHeld);
 
 }  // namespace tarn::evolution::pathfinder

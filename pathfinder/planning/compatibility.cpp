@@ -4,9 +4,9 @@
 //
 // Variants are compared by their projections onto the names that both versions hold, each different
 // projection once. Pairs of names that share nothing, or whose compatibility follows from a third
-// name that both link, get no row. What a requirement excludes is struck from the rows at last: what
-// follows from a third name is still true of what is left. docs/search.md tells why planning by pairs alone relaxes the
-// question.
+// name that both link, get no row. What a requirement excludes is struck from the rows at last:
+// what follows from a third name is still true of what is left. docs/search.md tells why planning
+// by pairs alone relaxes the question.
 
 #include "pathfinder/planning/compatibility.hpp"
 

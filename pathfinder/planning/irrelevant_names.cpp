@@ -1,10 +1,10 @@
 // A name is irrelevant when every source holds one and the same linked metamodel under it, which
 // links and requires nothing, no target asks for another, and nothing that a path may hold links or
-// requires the name. A path that moves it is heavier than the same path without those hops; docs/search.md has the
-// proof.
+// requires the name. A path that moves it is heavier than the same path without those hops;
+// docs/search.md has the proof.
 //
-// Whether something links or requires the name is seen while the survey goes on: a name that is is taken up
-// again then.
+// Whether something links or requires the name is seen while the survey goes on: a name that is is
+// taken up again then.
 
 #include "pathfinder/planning/irrelevant_names.hpp"
 

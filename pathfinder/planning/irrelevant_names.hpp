@@ -13,8 +13,8 @@ namespace tarn::evolution::pathfinder {
 /// that links and requires nothing.
 ///
 /// Without the hops of such a name, every baseline on the way would be as consistent, and the path
-/// lighter, if nothing that the path may hold links or requires it, and no target needs a name to be brought
-/// in. Who finds that a name is relevant after all removes it.
+/// lighter, if nothing that the path may hold links or requires it, and no target needs a name to
+/// be brought in. Who finds that a name is relevant after all removes it.
 class IrrelevantNames {
  public:
   /// Without names yet.

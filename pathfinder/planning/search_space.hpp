@@ -75,8 +75,8 @@ struct SearchSpace {
     std::span<const Link> closure;  ///< itself and all that it links, by ascending name
 
     /// False when no step leads to a baseline that holds it: when it links or requires what is not
-    /// in the space, or another version of its own name and there is no name before, beside which that
-    /// stands.
+    /// in the space, or another version of its own name and there is no name before, beside which
+    /// that stands.
     bool canBeCombined = true;
   };
 

@@ -41,7 +41,7 @@ struct SurveyedVersion {
   std::span<const Hop> hops;           // that leave it and do not go against the direction
   std::size_t firstTarget = 0;         // of those of these hops that lead to a version
   std::uint32_t targetCount = 0;
-  const LinkedMetamodels* linked = nullptr;  // null until linked, or if it cannot be
+  const LinkedMetamodels* linked = nullptr;            // null until linked, or if it cannot be
   const ResolvedRequirements* requirements = nullptr;  // null until linked, or if there are none
   bool isAnswer = false;   // what getMetamodel returned when asked for just this version
   bool isEntered = false;  // within reach, as far as the survey goes

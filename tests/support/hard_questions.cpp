@@ -210,7 +210,8 @@ void addTwins(QuestionDraft& draft, Random& random) {
 
 /// Requirements among what is there, and on names that only links bring in or nothing does.
 void addRequirements(QuestionDraft& draft, Random& random) {
-  if (random.chance(15)) random.oneOf(draft.someName(random).versions).needs.push_back("%" + nobody);
+  if (random.chance(15))
+    random.oneOf(draft.someName(random).versions).needs.push_back("%" + nobody);
   if (random.chance(10)) somePlace(draft, random, {"&" + nobody});
   if (random.chance(50)) {
     const std::size_t names = draft.names.size();

@@ -102,14 +102,16 @@ schema: somebody.elses
   "versions": {
     "0.9.0": {"version": "0.9.0"}, "1.0.0": {"version": "1.0.0"}, "1.1.0": {"version": "1.1.0"},
     "1.2.0": {"version": "1.2.0", "deprecated": "Broken."},
-    "2.0.0-rc.1": {}, "2.0.0": {"deprecated": ""}, "2.1.0": {"deprecated": false}}})"},
+    "2.0.0-rc.1": {}, "2.0.0": {"deprecated": ""}, "2.1.0": {"deprecated": false,
+              "peerDependencies": {"@ours/plugin": "^2.0.0"}}}})"},
         {"plugin.json", R"({"name": "@ours/plugin", "versions": {
     "1.0.0": {"peerDependencies": {"core": "^0.9.0"}},
     "1.1.0": {"peerDependencies": {"core": "0.9 - 1.1"}, "engines": {"node": ">=10"}},
     "2.0.0": {"peerDependencies": {"core": "latest", "absent": "*", "node": "9"},
               "peerDependenciesMeta": {"absent": {"optional": true}, "node": {"optional": true}},
               "engines": ["old"]},
-    "2.1.0": {"peerDependencies": {"core": "^1.1.0 || ^2.0.0-rc.0 || >=2.1"}}}})"},
+    "2.1.0": {"peerDependencies": {"core": "^1.1.0 || ^2.0.0-rc.0 || >=2.1", "node": ">=12"},
+              "peerDependenciesMeta": {"node": {"optional": true}}}}})"},
         {"node.json",
          R"([{"name": "node", "version": "10.1.0", "versions": ["10.1.0"], "dependencies": {}},
  {"name": "node", "version": "12.0.0"}])"}}},

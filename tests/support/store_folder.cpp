@@ -1,7 +1,7 @@
 #include "support/store_folder.hpp"
 
-#include <algorithm>
 #include <unistd.h>
+#include <algorithm>
 
 #include <fstream>
 #include <sstream>
@@ -30,7 +30,7 @@ CatalogueContent contentOf(TestRepository& repository) {
                        [&](const Dependency& other) { return other.name == each.name; });
       if (each.isOptional) {
         added.requirements.push_back({each});
-      } else if (isFirst) {
+      } else if (isFirst && each.name != metamodel.name) {
         added.descriptor.dependencies.emplace_back(each.name, each.range);
       }
     }

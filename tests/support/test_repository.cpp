@@ -74,11 +74,10 @@ void TestRepository::add(const std::string& content) {
         if (n < std::stoull(last)) hops.emplace_back(name, v(n), v(n + 1), false);
       }
     } else if (const std::string callback = after(item, "?"); !callback.empty()) {
-      static const std::map<std::string, std::string> operations{
-          {"load", "loadMetamodel "},
-          {"hops", "findHops "},
-          {"get", "getMetamodel "},
-          {"need", "findRequirements "}};
+      static const std::map<std::string, std::string> operations{{"load", "loadMetamodel "},
+                                                                 {"hops", "findHops "},
+                                                                 {"get", "getMetamodel "},
+                                                                 {"need", "findRequirements "}};
       failing.insert(operations.at(callback) + brief(name, id));
     } else if (const std::string answer = after(item, "->"); !answer.empty()) {
       otherAnswers.emplace(brief(name, id), version(answer));
