@@ -239,8 +239,7 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// The consistent baselines that the hops lead to from `baseline`, the metamodels that no hop
   /// moves keeping their versions; in the order of `combine`. All requirements of what they hold
   /// are met. Empty when there are no hops, when a target is unknown, or when the targets cannot
-  /// stand together. Throws ConflictingDependencies
-  /// when a target cannot be linked.
+  /// stand together. Throws ConflictingDependencies when a target cannot be linked.
   std::vector<VersionBaseline> createTargetBaseline(
       const VersionBaseline& baseline, const std::unordered_map<std::u16string, Hop>& hops);
 

@@ -1,5 +1,6 @@
 #include <ostream>
 
+#include "catalogue/model/needs_json.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/text/dependency_json.hpp"
@@ -36,7 +37,7 @@ void writeVersion(JsonPrinter& printer, const VersionDetails& version) {
       printer.field("semver", textOf(*version.metamodel.equivalent));
     writeNote(printer, version.metamodel.note);
     printer.key("dependencies");
-    writeDependencies(printer, version.metamodel, Unlinked::Told);
+    writeNeeds(printer, version.metamodel, Unlinked::Told);
     writeHops(printer, "hopsIn", version.hopsIn, version.hopNotes, "from", &Hop::from);
     writeHops(printer, "hopsOut", version.hopsOut, version.hopNotes, "to", &Hop::to);
     if (!version.variants) return;

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "catalogue/model/needs_json.hpp"
 #include "catalogue/text/dependency_json.hpp"
 #include "catalogue/text/json_printer.hpp"
 #include "catalogue/text/printed_text.hpp"
@@ -36,7 +37,7 @@ void JsonCatalogueWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
     printer.field("version", textOf(descriptor.version));
     if (equivalent) printer.field("semver", textOf(*equivalent));
     printer.key("dependencies");
-    writeDependencies(printer, metamodel);
+    writeNeeds(printer, metamodel);
     writeNote(printer, note);
   });
 }

@@ -25,13 +25,6 @@ void writeRange(JsonPrinter& printer, const pathfinder::VersionRange& range) {
   writeBounds(printer, range);
 }
 
-template <class Needed>
-void writeFields(JsonPrinter& printer, const Needed& needed) {
-  printer.field("name", fl::i18n::ustring_to_utf8(needed.name));
-  printer.key("range");
-  writeRange(printer, needed.range);
-}
-
 }  // namespace
 
 void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
@@ -45,28 +38,14 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range) {
 }
 
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency) {
-  printer.object([&] { writeFields(printer, dependency); });
+  printer.object([&] { writeDependencyFields(printer, dependency.name, dependency.range); });
 }
 
-void writeDependencies(JsonPrinter& printer, const CatalogueMetamodel& metamodel,
-                       Unlinked unlinked) {
-  printer.array([&] {
-    const auto& dependencies = metamodel.descriptor.dependencies;
-    for (std::size_t i = 0; i < dependencies.size(); ++i) {
-      printer.object([&] {
-        writeFields(printer, dependencies[i]);
-        writeNote(printer, metamodel.noteOfDependency(i));
-      });
-    }
-    for (const auto& [needed, note] : metamodel.requirements) {
-      printer.object([&, &own = needed, &told = note] {
-        writeFields(printer, own);
-        if (own.isOptional) printer.field("optional", true);
-        if (!own.isOptional && unlinked == Unlinked::Told) printer.field("linked", false);
-        writeNote(printer, told);
-      });
-    }
-  });
+void writeDependencyFields(JsonPrinter& printer, const std::u16string& name,
+                           const pathfinder::VersionRange& range) {
+  printer.field("name", fl::i18n::ustring_to_utf8(name));
+  printer.key("range");
+  writeRange(printer, range);
 }
 
 void writeNote(JsonPrinter& printer, const std::u16string& note) {

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "catalogue/catalogue.hpp"
 #include "catalogue/text/json_printer.hpp"
 #include "pathfinder/metamodel.hpp"
 
@@ -16,14 +14,9 @@ void writeBounds(JsonPrinter& printer, const pathfinder::VersionRange& range);
 /// [lower, upper), or {"anyOf": [range]}.
 void writeDependency(JsonPrinter& printer, const pathfinder::Dependency& dependency);
 
-/// What is told of a dependency that does not link, unless it is optional.
-enum class Unlinked { NotTold, Told };
-
-/// Writes what a metamodel needs as a catalogue has it, what does not link after what does, each
-/// with the fields "note" and "optional" where they say something; with "linked": false, if told
-/// so, where it does not link although it is not optional.
-void writeDependencies(JsonPrinter& printer, const CatalogueMetamodel& metamodel,
-                       Unlinked unlinked = Unlinked::NotTold);
+/// Writes just these fields.
+void writeDependencyFields(JsonPrinter& printer, const std::u16string& name,
+                           const pathfinder::VersionRange& range);
 
 /// Writes the field "note", unless it is empty.
 void writeNote(JsonPrinter& printer, const std::u16string& note);
