@@ -102,7 +102,7 @@ TEST_F(MutualNeeds, AreRequirementsInMemoryAndInStores) {
   RandomRun run(150);
   const auto make = [](Random& random) {
     QuestionDraft draft = QuestionDraft::either(random, random.upTo(4));
-    draft.addRequirements(random, 40);
+    draft.addRequirements(random, 60);
     return draft.text(random);
   };
   run.ask(make, [&](const std::string& text, Random&) {
@@ -129,7 +129,7 @@ TEST_F(MutualNeeds, AreRequirementsInMemoryAndInStores) {
     run.count("lead back", plain.anyLeadsBack);
     run.count("paths", expected.find("=>") != std::string::npos);
   });
-  run.expectPercentages({{"lead back", 15}, {"paths", 10}});
+  run.expectPercentages({{"lead back", 9}, {"paths", 8}});
 }
 
 TEST_F(MutualNeeds, StoresOfOlderFormsHaveOptionalOnesOnceChanged) {
