@@ -130,7 +130,8 @@ TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
   RandomRun run(4000);
   const auto make = [](Random& random) {
     if (random.chance(20)) return hardQuestion(random.oneOf(difficulties()), random);
-    if (random.chance(50)) return randomQuestion(random);
+    if (random.chance(40)) return randomQuestion(random);
+    if (random.chance(40)) return QuestionDraft::heads(random, 1 + random.upTo(4)).text(random);
     return QuestionDraft::closed(random, 1 + random.upTo(3)).text(random);
   };
   run.ask(make, [&](const std::string& text, Random& random) {
@@ -157,6 +158,14 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       {"A1..2 B1..2 A1>2@B | A1 B1 | A2 B2", false},
       {"A1..3 B1:A[1,3)+A[2,4) B2 B1>2 | A2 B1 | A3 B2", false},
       {"A1..2 B1:C1 B2 B1>2 | A1 B1 | A2 B2 C1", false},
+      // Names that come in on the way: one that hops on, one that brings in another, one that comes
+      // in at either of two versions, and one that nothing brings in.
+      {"A1 A2:B[1,3) A3:B3 A1>2 A2>3 B1..3 | A1 | A3 B3", true},
+      {"A1 A2:B1 A1>2 B1:C[1,3) C1..2 | A1 | A2 C2", true},
+      {"A1 A2:B[1,4) A3:B2 A1>2 A2>3 B1..3 | A1 | A3", true},
+      {"A1..2 Z1 | A1 | A2 Z1", true},
+      // One that the source brings in by one of two versions only.
+      {"A1..3 B1:A[1,4) B2:A3 B1>2 A2:C1 C1..2 | B1 | B2 C2", true},
       {"A1..3 B1 B2:A[1,3)+A[2,4) B3 B1>2 B2>3 | A2 B1 | A2 B3", false},
   };
   for (const auto& [text, isSettled] : cases) {

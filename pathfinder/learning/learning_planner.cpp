@@ -10,6 +10,7 @@
 #include "pathfinder/learning/plan_solver.hpp"
 #include "pathfinder/learning/step_weights.hpp"
 #include "pathfinder/learning/timeline.hpp"
+#include "pathfinder/learning/variant_links.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -32,8 +33,11 @@ std::uint32_t fewestLayers(const PlanNetwork& network) {
 
 class Planner final : public LearningPlanner {
  public:
-  Planner(const PlanningGround& ground, PlanNetwork&& network, const OpenStart* start)
+  Planner(const PlanningGround& ground, PlanNetwork&& network, const LinkChoices* links,
+          const OpenStart* start, std::unique_ptr<const VariantLinks> own)
       : space_(ground.space),
+        own_(std::move(own)),
+        links_(links),
         start_(start),
         network_(std::move(network)),
         plans_(network_),
@@ -54,7 +58,8 @@ class Planner final : public LearningPlanner {
       first.emplace(std::move(steps));
       firstWeights = std::move(weights);
     }
-    const PlannedWay way = FirstPlaces(plans_, first->steps(), first->decided(), start_).find();
+    const PlannedWay way = 
+        FirstPlaces(plans_, first->steps(), first->decided(), links_, start_).find();
     return backwardPlan(way, firstWeights);
   }
 
@@ -71,12 +76,7 @@ class Planner final : public LearningPlanner {
  private:
   std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const {
     std::vector<NodeIndex> nodes;
-    for (const VersionIndex version : versions) {
-      const auto& [first, end] = network_.names[space_.versions[version].name];
-      NodeIndex node = first;
-      while (node < end && network_.nodes[node].version != version) ++node;
-      nodes.push_back(node);
-    }
+    for (const VersionIndex version : versions) nodes.push_back(network_.nodeOf[version]);
     return nodes;
   }
 
@@ -92,7 +92,7 @@ class Planner final : public LearningPlanner {
         if (step[name] == SearchSpace::none) continue;
         const PlanNetwork::Arc& arc = network_.arcs[step[name]];
         after[name] = network_.nodes[arc.to].version;
-        made[name] = arc.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary;
+        made[name] = arc.hop;
       }
       selections.push_back(std::move(after));
     }
@@ -100,6 +100,8 @@ class Planner final : public LearningPlanner {
   }
 
   const SearchSpace& space_;
+  const std::unique_ptr<const VariantLinks> own_;
+  const LinkChoices* const links_;  // null if no name can be brought in
   const OpenStart* const start_;
   const PlanNetwork network_;
   PlanSolver plans_;
@@ -110,11 +112,24 @@ class Planner final : public LearningPlanner {
 }  // namespace
 
 std::unique_ptr<LearningPlanner> LearningPlanner::create(
-    const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-    const OpenStart* start) {
-  auto network = makePlanNetwork(ground, targets, start);
+    const PlanningGround& ground, const std::vector<VersionSelection>& targets) {
+  const bool isAnyAbsent =
+      std::any_of(ground.space.names.begin(), ground.space.names.end(),
+                  [](const auto& name) { return name.absent != SearchSpace::none; });
+  auto links = isAnyAbsent ? VariantLinks::create(ground.space) : nullptr;
+  if (isAnyAbsent && !links) return nullptr;
+  auto network = makePlanNetwork(ground, targets, links.get(), nullptr);
   if (!network) return nullptr;
-  return std::make_unique<Planner>(ground, *std::move(network), start);
+  const LinkChoices* const choices = links.get();
+  return std::make_unique<Planner>(ground, *std::move(network), choices, nullptr, std::move(links));
+}
+
+std::unique_ptr<LearningPlanner> LearningPlanner::create(
+    const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+    const LinkChoices& links, const OpenStart* start) {
+  auto network = makePlanNetwork(ground, targets, &links, start);
+  if (!network) return nullptr;
+  return std::make_unique<Planner>(ground, *std::move(network), &links, start, nullptr);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -30,18 +30,13 @@ std::vector<bool> reachedFrom(std::vector<std::size_t> open, const Edges& edges)
 class NetworkBuilding {
  public:
   NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-                  const OpenStart* start)
-      : space_(ground.space),
-        ground_(ground),
-        start_(start),
-        targets_(targets),
-        nodeOf_(ground.space.versions.size(), SearchSpace::none) {}
+                  const LinkChoices* links, const OpenStart* start)
+      : space_(ground.space), ground_(ground), links_(links), start_(start), targets_(targets) {
+    network_.nodeOf.assign(ground.space.versions.size(), SearchSpace::none);
+  }
 
   std::optional<PlanNetwork> run() {
     if (space_.anyLinksOwnName) return std::nullopt;  // what a selection holds then is not certain
-    for (const SearchSpace::Name& name : space_.names) {
-      if (name.absent != SearchSpace::none) return std::nullopt;
-    }
     for (const SearchSpace::Source& source : space_.sources) {
       if (!source.isRegular) return std::nullopt;
     }
@@ -49,19 +44,42 @@ class NetworkBuilding {
       if (!addName(name)) return std::nullopt;
     }
     addNeighbours();
+    if (links_ != nullptr) addNeeding();
     addSources();
     addTargets();
     return std::move(network_);
   }
 
  private:
-  /// The hops of a version that matter: of several to one version the first of the lightest.
-  std::map<VersionIndex, SearchSpace::Move> lightestMoves(VersionIndex version) const {
-    std::map<VersionIndex, SearchSpace::Move> result;
+  /// What leads on from a version.
+  struct Onward {
+    PlannedHop hop;
+    std::uint32_t place;
+  };
+  using OnwardByTarget = std::map<VersionIndex, Onward>;
+
+  /// The hops of a version that matter: of several to one version the first of the lightest. From
+  /// "absent", what links can bring in.
+  OnwardByTarget lightestMoves(VersionIndex version) const {
+    if (space_.isAbsent(version)) return entriesOf(space_.versions[version].name);
+    OnwardByTarget result;
     for (const SearchSpace::Move& move : space_.versions[version].moves) {
       if (move.target == version || !ground_.bounds[move.target].isReachable) continue;
-      const auto [known, isNew] = result.try_emplace(move.target, move);
-      if (!isNew && known->second.expensive && !move.expensive) known->second = move;
+      const Onward onward{move.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary,
+                          move.place};
+      const auto [known, isNew] = result.try_emplace(move.target, onward);
+      const bool isLighter = known->second.hop == PlannedHop::Expensive && !move.expensive;
+      if (!isNew && isLighter) known->second = onward;
+    }
+    return result;
+  }
+
+  OnwardByTarget entriesOf(NameIndex name) const {
+    OnwardByTarget result;
+    const SearchSpace::Name& range = space_.names[name];
+    for (VersionIndex version = range.first; version < range.end; ++version) {
+      const bool isEntry = space_.versions[version].isEntry && ground_.bounds[version].isReachable;
+      if (isEntry) result.emplace(version, Onward{PlannedHop::None, 0});
     }
     return result;
   }
@@ -93,9 +111,10 @@ class NetworkBuilding {
     if (!sortTopologically(first, end, order)) return false;
     const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
     for (const VersionIndex version : order) {
-      nodeOf_[version] = static_cast<NodeIndex>(network_.nodes.size());
+      network_.nodeOf[version] = static_cast<NodeIndex>(network_.nodes.size());
       network_.nodes.push_back({.version = version,
                                 .name = name,
+                                .isAbsent = space_.isAbsent(version),
                                 .in = {},
                                 .out = {},
                                 .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
@@ -113,14 +132,14 @@ class NetworkBuilding {
     std::vector<std::uint32_t> before(end - first);
     for (VersionIndex version = first; version < end; ++version) {
       if (!isLive[version - first]) continue;
-      for (const auto& [target, move] : moves_[version - first]) ++before[target - first];
+      for (const auto& [target, onward] : moves_[version - first]) ++before[target - first];
     }
     for (VersionIndex version = first; version < end; ++version) {
       if (isLive[version - first] && before[version - first] == 0) order.push_back(version);
     }
     // The list grows on the way.
     for (std::size_t i = 0; i < order.size(); ++i) {  // NOLINT(modernize-loop-convert)
-      for (const auto& [target, move] : moves_[order[i] - first]) {
+      for (const auto& [target, onward] : moves_[order[i] - first]) {
         if (isLive[target - first] && --before[target - first] == 0) order.push_back(target);
       }
     }
@@ -129,7 +148,7 @@ class NetworkBuilding {
 
   /// Those on a way from a start to an end.
   std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
-    Edges onward(end - first);
+    Edges ahead(end - first);
     Edges back(end - first);
     std::vector<std::size_t> starts;
     std::vector<std::size_t> ends;
@@ -137,12 +156,12 @@ class NetworkBuilding {
       if (!ground_.bounds[version].isReachable) continue;
       if (isStart(version)) starts.push_back(version - first);
       if (isEnd(version)) ends.push_back(version - first);
-      for (const auto& [target, move] : moves_[version - first]) {
-        onward[version - first].push_back(target - first);
+      for (const auto& [target, onward] : moves_[version - first]) {
+        ahead[version - first].push_back(target - first);
         back[target - first].push_back(version - first);
       }
     }
-    std::vector<bool> isLive = reachedFrom(std::move(starts), onward);
+    std::vector<bool> isLive = reachedFrom(std::move(starts), ahead);
     const std::vector<bool> leadsOn = reachedFrom(std::move(ends), back);
     for (std::size_t i = 0; i < isLive.size(); ++i) isLive[i] = isLive[i] && leadsOn[i];
     return isLive;
@@ -150,12 +169,13 @@ class NetworkBuilding {
 
   void addArcs(VersionIndex first, const std::vector<VersionIndex>& versions) {
     for (const VersionIndex version : versions) {
-      for (const auto& [target, move] : moves_[version - first]) {
-        if (nodeOf_[target] == SearchSpace::none) continue;
+      for (const auto& [target, onward] : moves_[version - first]) {
+        if (network_.nodeOf[target] == SearchSpace::none) continue;
         const auto arc = static_cast<ArcIndex>(network_.arcs.size());
-        network_.arcs.push_back({nodeOf_[version], nodeOf_[target], move.expensive, move.place});
-        network_.nodes[nodeOf_[version]].out.push_back(arc);
-        network_.nodes[nodeOf_[target]].in.push_back(arc);
+        network_.arcs.push_back(
+            {network_.nodeOf[version], network_.nodeOf[target], onward.hop, onward.place});
+        network_.nodes[network_.nodeOf[version]].out.push_back(arc);
+        network_.nodes[network_.nodeOf[target]].in.push_back(arc);
       }
     }
   }
@@ -167,10 +187,11 @@ class NetworkBuilding {
       node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : noEnd;
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
-        const bool isExpensive = network_.arcs[arc].expensive;
-        node.expensiveLeft =
-            std::min(node.expensiveLeft, next.expensiveLeft + (isExpensive ? 1 : 0));
-        node.ordinaryLeft = std::min(node.ordinaryLeft, next.ordinaryLeft + (isExpensive ? 0 : 1));
+        const PlannedHop hop = network_.arcs[arc].hop;
+        node.expensiveLeft = std::min(
+            node.expensiveLeft, next.expensiveLeft + (hop == PlannedHop::Expensive ? 1 : 0));
+        node.ordinaryLeft =
+            std::min(node.ordinaryLeft, next.ordinaryLeft + (hop == PlannedHop::Ordinary ? 1 : 0));
         node.hopsLeft = std::min(node.hopsLeft, next.hopsLeft + 1);
       }
     }
@@ -200,11 +221,39 @@ class NetworkBuilding {
     if (!neighbours.incompatible.empty()) network_.neighbours.push_back(std::move(neighbours));
   }
 
+  void addNeeding() {
+    for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+      const VersionIndex version = network_.nodes[node].version;
+      if (space_.isAbsent(version)) continue;
+      for (const NameIndex needed : links_->needsOf(version)) addNeeding(node, needed);
+    }
+  }
+
+  void addNeeding(NodeIndex node, NameIndex needed) {
+    if (space_.names[needed].absent == SearchSpace::none) return;
+    const VersionIndex version = network_.nodes[node].version;
+    const auto& neighbours = ground_.compatibility.neighbours(network_.nodes[node].name);
+    const auto known = std::lower_bound(neighbours.begin(), neighbours.end(), needed);
+    const bool areNeighbours = known != neighbours.end() && *known == needed;
+    const auto place = static_cast<std::size_t>(known - neighbours.begin());
+    const auto& [first, end] = network_.names[needed];
+    for (NodeIndex entry = first; entry < end; ++entry) {
+      const VersionIndex entered = network_.nodes[entry].version;
+      if (!space_.versions[entered].isEntry) continue;
+      // Otherwise what follows from other names excludes it.
+      if (areNeighbours &&
+          !ground_.compatibility.row(version, place).contains(space_.rankOf(entered))) {
+        continue;
+      }
+      network_.nodes[entry].needing.push_back(node);
+    }
+  }
+
   void addStarts() {
-    for (const std::vector<VersionIndex>& versions : start_->versions()) {
+    for (const std::vector<VersionIndex>& versions : start_->versions) {
       std::vector<NodeIndex>& nodes = network_.starts.emplace_back();
       for (const VersionIndex version : versions) {
-        if (nodeOf_[version] != SearchSpace::none) nodes.push_back(nodeOf_[version]);
+        if (network_.nodeOf[version] != SearchSpace::none) nodes.push_back(network_.nodeOf[version]);
       }
     }
   }
@@ -217,7 +266,7 @@ class NetworkBuilding {
     for (std::size_t place = 0; place < space_.sources.size(); ++place) {
       PlanNetwork::Source source{place, {}};
       for (const VersionIndex version : space_.sources[place].selection) {
-        if (nodeOf_[version] != SearchSpace::none) source.nodes.push_back(nodeOf_[version]);
+        if (network_.nodeOf[version] != SearchSpace::none) source.nodes.push_back(network_.nodeOf[version]);
       }
       const bool isComplete = source.nodes.size() == space_.names.size();
       if (isComplete) network_.sources.push_back(std::move(source));
@@ -228,11 +277,11 @@ class NetworkBuilding {
     for (const VersionSelection& target : targets_) {
       std::vector<std::vector<NodeIndex>> ends(target.size());
       const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
-        return end == SearchSpace::none || nodeOf_[end] != SearchSpace::none;
+        return end == SearchSpace::none || network_.nodeOf[end] != SearchSpace::none;
       });
       if (!isWithinReach) continue;
       for (NameIndex name = 0; name < target.size(); ++name) {
-        if (target[name] != SearchSpace::none) ends[name].push_back(nodeOf_[target[name]]);
+        if (target[name] != SearchSpace::none) ends[name].push_back(network_.nodeOf[target[name]]);
       }
       network_.targets.push_back(std::move(ends));
     }
@@ -240,19 +289,19 @@ class NetworkBuilding {
 
   const SearchSpace& space_;
   const PlanningGround& ground_;
+  const LinkChoices* const links_;
   const OpenStart* const start_;
   const std::vector<VersionSelection>& targets_;
   PlanNetwork network_;
-  std::vector<NodeIndex> nodeOf_;                                 // by version
-  std::vector<std::map<VersionIndex, SearchSpace::Move>> moves_;  // of the name that is added
+  std::vector<OnwardByTarget> moves_;  // of the name that is added
 };
 
 }  // namespace
 
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const OpenStart* start) {
-  return NetworkBuilding(ground, targets, start).run();
+                                           const LinkChoices* links, const OpenStart* start) {
+  return NetworkBuilding(ground, targets, links, start).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

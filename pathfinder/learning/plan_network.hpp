@@ -7,7 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "pathfinder/learning/open_start.hpp"
+#include "pathfinder/learning/link_choices.hpp"
+#include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/step_problem.hpp"
@@ -18,13 +19,20 @@ using NodeIndex = std::uint32_t;
 using ArcIndex = std::uint32_t;
 
 /// The ways that the names of a search space can go: for each name a graph without cycles, whose
-/// nodes are versions that some way from a source to a target holds, and whose arcs are hops.
+/// nodes are versions that some way from a source to a target holds, and whose arcs are hops. A name
+/// that links have to bring in begins at a node for "absent", from which arcs lead to the versions
+/// that can be brought in.
 struct PlanNetwork {
   struct Node {
     VersionIndex version;
     NameIndex name;
+    bool isAbsent;
     std::vector<ArcIndex> in;
     std::vector<ArcIndex> out;
+
+    /// Where links can bring it in: the nodes that depend on its name and admit it. One of these is
+    /// entered in the step in which it is brought in.
+    std::vector<NodeIndex> needing = {};
 
     /// After how many steps with an ordinary hop it can be held, in any plan.
     std::uint32_t ordinaryStepsBefore = 0;
@@ -38,7 +46,7 @@ struct PlanNetwork {
   struct Arc {
     NodeIndex from;
     NodeIndex to;
-    bool expensive;
+    PlannedHop hop;       ///< none: links bring the name in
     std::uint32_t place;  ///< of the hop, among those of the version that it leaves
   };
 
@@ -62,6 +70,7 @@ struct PlanNetwork {
   std::vector<Arc> arcs;
   std::vector<Name> names;
   std::vector<Neighbours> neighbours;
+  std::vector<NodeIndex> nodeOf;  ///< by version; none for one that lies on no way
 
   /// For each source that a plan can start from: its place in the space, and the node of each name.
   struct Source {
@@ -85,10 +94,10 @@ struct PlanNetwork {
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
-/// No value when the space has names that links can bring in, sources that are not regular, or a
-/// name whose hops form a cycle.
+/// No value when the space has sources that are not regular, versions that link others of their own
+/// name, or a name whose hops form a cycle. `links`: null if no name can be absent.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const OpenStart* start);
+                                           const LinkChoices* links, const OpenStart* start);
 
 }  // namespace tarn::evolution::pathfinder

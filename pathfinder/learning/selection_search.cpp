@@ -27,7 +27,8 @@ namespace {
 using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
                                                      std::exception, void>;
 
-/// Dependencies form a cycle, or the application links a version to another one of its name.
+/// Dependencies form a cycle, or the application links a version to another one of its name, or to
+/// a name that nothing else brings in.
 struct NotLinkable {};
 
 class SelectionSearch {
@@ -41,7 +42,8 @@ class SelectionSearch {
 
   SelectionAnswer run() {
     const auto planner = LearningPlanner::create({space_, compatibility_, bounds_},
-                                                 {dependencies_.target}, dependencies_.openStart());
+                                                 {dependencies_.target}, dependencies_,
+                                                 dependencies_.openStart());
     if (!planner) return {false};
     while (const auto plan = planner->plan()) {
       SelectionView impossible;
@@ -94,15 +96,22 @@ class SelectionSearch {
     return result;
   }
 
-  /// The baseline of a selection of all names; no value when it cannot be held.
+  /// The baseline of a selection; no value when it cannot be held.
   std::optional<VersionBaseline> hold(SelectionView selection) {
     linked_.assign(selection.size(), nullptr);
     try {
-      for (NameIndex name = 0; name < selection.size(); ++name) linkAll(selection, name);
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        if (!space_.isAbsent(selection[name])) linkAll(selection, name);
+      }
     } catch (const Conflict&) {
       return std::nullopt;
     }
-    return combined();
+    auto baseline = combined();
+    // The application may link what no dependency asks for.
+    const auto held = std::count(linked_.begin(), linked_.end(), nullptr) +
+                      static_cast<std::ptrdiff_t>(baseline ? baseline->metamodels.size() : 0);
+    if (baseline && held != static_cast<std::ptrdiff_t>(linked_.size())) throw NotLinkable();
+    return baseline;
   }
 
   /// What the baseline that was linked last holds of the target.
@@ -120,6 +129,7 @@ class SelectionSearch {
     std::vector<Alternatives> alternatives;
     candidates.reserve(linked_.size());
     for (NameIndex name = 0; name < linked_.size(); ++name) {
+      if (linked_[name] == nullptr) continue;
       candidates.push_back({linked_[name]});
       alternatives.push_back({&space_.names[name].text, &candidates.back()});
     }
@@ -196,7 +206,7 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
     const DependencySpace dependencies(host, from, to);
     if (!dependencies.hasEnds()) return {};
     return SelectionSearch(host, dependencies).run();
-  } catch (const NotClosed&) {
+  } catch (const NotForDependencies&) {
     return {false};
   } catch (const NotLinkable&) {
     return {false};

@@ -24,8 +24,8 @@ struct SelectionAnswer {
 };
 
 /// `VersionRepository::findPath` between two selections, by learning and without linking anything
-/// but what the path holds. For closed questions only (see `DependencySpace`), in which hops form
-/// no cycles.
+/// but what the path holds. For questions only that dependencies settle (see `DependencySpace`), in
+/// which hops form no cycles.
 SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
                                         const VersionsByName& to);
 

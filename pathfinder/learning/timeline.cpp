@@ -1,7 +1,8 @@
 // An order encoding: one literal for each node and phase, "entered by then", monotone in the phase
 // and false before the first one in which bounds allow the node.
 // An order between nodes carries over to the phases in which they are left and entered, and a hop
-// comes in a later phase than the one before of its name, or in the same gap.
+// comes in a later phase than the one before of its name, or in the same gap. So does what links
+// bring in, which may happen in any phase.
 //
 // That what is entered stays so, that only what is held is entered, and a start from the beginning,
 // is said for speed: an assignment without that can be made into one with it.
@@ -37,6 +38,7 @@ void Timeline::addPhase() {
   for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) addArc(arc, phase);
   for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
     for (const PlanFormula::Order& order : formula_.ordersOf(left)) follow(left, order, phase);
+    bringIn(left, phase);
   }
 }
 
@@ -45,13 +47,20 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
   const Literal used = formula_.isUsed(index);
   const Literal entered = entered_[arc.to][phase];
   const bool isGap = phase % 2 == 0;
-  if (isGap && !arc.expensive) {
+  if (isGap && arc.hop == PlannedHop::Ordinary) {
     const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
     solver_.addClause({-used, -entered, before});
   }
   // A layer is one step; several can be in a gap.
   const Literal isReady = entered_[arc.from][isGap ? phase : phase - 1];
   solver_.addClause({-used, -entered, isReady});
+}
+
+/// What is brought in because of a node has not been entered before that node.
+void Timeline::bringIn(NodeIndex needing, std::uint32_t phase) {
+  for (const PlanFormula::Order& order : formula_.broughtInWith(needing)) {
+    solver_.addClause({-order.literal, -entered_[order.entered][phase], entered_[needing][phase]});
+  }
 }
 
 void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase) {

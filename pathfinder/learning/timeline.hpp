@@ -31,6 +31,7 @@ class Timeline {
  private:
   void addPhase();
   void addArc(ArcIndex arc, std::uint32_t phase);
+  void bringIn(NodeIndex needing, std::uint32_t phase);
   void follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase);
 
   const PlanNetwork& network_;

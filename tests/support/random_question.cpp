@@ -14,6 +14,10 @@ std::string rangeText(std::size_t lower, std::size_t upper) {
   return "[" + std::to_string(lower) + "," + std::to_string(upper) + ")";
 }
 
+std::string anyNumber(const QuestionDraft::Name& name, Random& random) {
+  return random.oneOf(name.versions).number;
+}
+
 /// A range that some of the versions may lie in.
 std::string someRange(const QuestionDraft::Name& name, Random& random) {
   const std::size_t lower = random.upTo(name.versions.size());
@@ -215,6 +219,37 @@ QuestionDraft QuestionDraft::closed(Random& random, std::size_t nameCount) {
   return draft;
 }
 
+QuestionDraft QuestionDraft::heads(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  const auto percent = static_cast<unsigned>(25 + random.below(60));
+  for (; nameCount > 0; --nameCount) {
+    Name& name = draft.addName();
+    const std::size_t last = random.upTo(4);
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+      for (const Name& needed : draft.names) {
+        if (needed.letter == name.letter || !random.chance(percent)) continue;
+        name.versions.back().needs.push_back(someRange(needed, random));
+      }
+    }
+    name.start = "1";
+    name.goal = name.versions.back().number;
+    addWovenHops(draft, name, random);
+  }
+  draft.direction = random.chance(80) ? "forward" : "any";
+  draft.from.resize(1);
+  draft.to.resize(1);
+  const std::size_t heads = random.upTo(2);
+  for (std::size_t i = 0; i < draft.names.size(); ++i) {
+    const bool isHead = i + heads >= draft.names.size();
+    const Name& name = draft.names[i];
+    if (isHead || random.chance(10)) draft.from[0].push_back(name.letter + name.start);
+    if (!isHead && !random.chance(20)) continue;
+    draft.to[0].push_back(name.letter + (random.chance(80) ? name.goal : anyNumber(name, random)));
+  }
+  return draft;
+}
+
 QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
@@ -291,6 +326,7 @@ std::string randomQuestion(Random& random) {
   QuestionDraft draft = shape < 15   ? QuestionDraft::rivals(random, names)
                         : shape < 20 ? QuestionDraft::ladder(random)
                         : shape < 27 ? QuestionDraft::crowd(random)
+                        : shape < 45 ? QuestionDraft::heads(random, names + 1)
                                      : QuestionDraft::either(random, names);
   draft.isInOrder = random.chance(80);
   return draft.text(random);
