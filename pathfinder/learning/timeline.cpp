@@ -4,12 +4,31 @@
 // comes in a later phase than the one before of its name, or in the same gap. So does what links
 // bring in, which may happen in any phase.
 //
+// A node that no hop leads to which can be made in a gap has the same literal in a gap as in the
+// layer before, and clauses about literals that stay are not repeated.
+//
 // That what is entered stays so, that only what is held is entered, and a start from the beginning,
 // is said for speed: an assignment without that can be made into one with it.
 
 #include "pathfinder/learning/timeline.hpp"
 
+#include <algorithm>
+
 namespace tarn::evolution::pathfinder {
+
+Timeline::Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver)
+    : network_(network),
+      formula_(formula),
+      solver_(solver),
+      entered_(network.nodes.size()),
+      followed_(network.nodes.size()) {
+  for (const PlanNetwork::Node& node : network.nodes) {
+    mayBeEnteredInGap_.push_back(
+        std::any_of(node.in.begin(), node.in.end(), [&](ArcIndex arc) {
+          return network.arcs[arc].hop != PlannedHop::Ordinary;
+        }));
+  }
+}
 
 void Timeline::extendTo(std::uint32_t layers) {
   for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
@@ -27,6 +46,10 @@ void Timeline::addPhase() {
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
     if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore) {
       entered_[node].push_back(formula_.never());
+      continue;
+    }
+    if (phase > 0 && phase % 2 == 0 && !mayBeEnteredInGap_[node]) {
+      entered_[node].push_back(entered_[node].back());
       continue;
     }
     const Literal entered = solver_.newVariable();
@@ -47,6 +70,7 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
   const Literal used = formula_.isUsed(index);
   const Literal entered = entered_[arc.to][phase];
   const bool isGap = phase % 2 == 0;
+  if (isUnchanged(arc.to, phase)) return;
   if (isGap && arc.hop == PlannedHop::Ordinary) {
     const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
     solver_.addClause({-used, -entered, before});
@@ -59,13 +83,16 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
 /// What is brought in because of a node has not been entered before that node.
 void Timeline::bringIn(NodeIndex needing, std::uint32_t phase) {
   for (const PlanFormula::Order& order : formula_.broughtInWith(needing)) {
+    if (isUnchanged(needing, phase) && isUnchanged(order.entered, phase)) continue;
     solver_.addClause({-order.literal, -entered_[order.entered][phase], entered_[needing][phase]});
   }
 }
 
 void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase) {
   for (const ArcIndex arc : network_.nodes[left].out) {
-    const Literal isLeft = entered_[network_.arcs[arc].to][phase];
+    const NodeIndex next = network_.arcs[arc].to;
+    if (isUnchanged(next, phase) && isUnchanged(order.entered, phase)) continue;
+    const Literal isLeft = entered_[next][phase];
     solver_.addClause({-order.literal, -formula_.isUsed(arc), -entered_[order.entered][phase],
                        formula_.startsAt(order.entered), isLeft});
   }
