@@ -1,5 +1,5 @@
-// Three rounds that are repeated until nothing changes: exploration of each name by itself over hops
-// that do not go against the direction, from the source's versions and from those that may be
+// Three rounds that are repeated until nothing changes: exploration of each name by itself over
+// hops that do not go against the direction, from the source's versions and from those that may be
 // brought in; of a name that the target fixes, a mark on what leads to its version; and of all that
 // is kept, what it depends on, which of names that may be absent brings versions in. In the end
 // each dependency becomes a requirement.

@@ -11,6 +11,7 @@
 #include "pathfinder/learning/step_weights.hpp"
 #include "pathfinder/learning/timeline.hpp"
 #include "pathfinder/learning/variant_links.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -31,82 +32,185 @@ std::uint32_t fewestLayers(const PlanNetwork& network) {
   return fewest;
 }
 
+/// Everything that a network is planned with.
+struct NetworkPlanning {
+  explicit NetworkPlanning(PlanNetwork&& made)
+      : network(std::move(made)),
+        plans(network),
+        timeline(network, plans.formula, plans.sat),
+        leastWeight(plans, timeline, fewestLayers(network)) {}
+
+  const PlanNetwork network;
+  PlanSolver plans;
+  Timeline timeline;
+  LeastWeight leastWeight;
+};
+
+/// Plans over the ways of one lap, and over more laps until it is proven that none of more laps can
+/// be as light as what was found.
 class Planner final : public LearningPlanner {
  public:
-  Planner(const PlanningGround& ground, PlanNetwork&& network, const LinkChoices* links,
-          const OpenStart* start, std::unique_ptr<const VariantLinks> own)
-      : space_(ground.space),
+  Planner(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+          const LinkChoices* links, const OpenStart* start, std::unique_ptr<const VariantLinks> own)
+      : ground_(ground),
+        targets_(targets),
         own_(std::move(own)),
         links_(links),
         start_(start),
-        network_(std::move(network)),
-        plans_(network_),
-        timeline_(network_, plans_.formula, plans_.sat),
-        leastWeight_(plans_, timeline_, fewestLayers(network_)) {}
+        laps_(ground.space.names.size(), 1) {}
+
+  /// False when the question is not for it.
+  bool begin() {
+    auto network = makePlanNetwork(ground_, targets_, links_, start_, laps_);
+    if (!network) return false;
+    work_.emplace(*std::move(network));
+    return true;
+  }
 
   std::optional<BackwardPlan> plan() override {
-    if (!network_.canBegin() || network_.targets.empty()) return std::nullopt;
-    const std::vector<WeightShare> shares = leastWeight_.find();
-    if (shares.empty()) return std::nullopt;
+    while (true) {
+      const std::vector<WeightShare> shares = findShares();
+      if (!takeLaps(shares)) return shares.empty() ? std::nullopt : std::optional(planOf(shares));
+      begin();
+      for (const auto& versions : forbiddenTogether_) forbidNodesTogether(versions);
+      for (const auto& versions : forbiddenAtEnd_) forbidNodesAtEnd(versions);
+    }
+  }
+
+  void forbidTogether(std::span<const VersionIndex> versions) override {
+    forbiddenTogether_.emplace_back(versions.begin(), versions.end());
+    forbidNodesTogether(versions);
+  }
+
+  void forbidAtEnd(std::span<const VersionIndex> versions) override {
+    forbiddenAtEnd_.emplace_back(versions.begin(), versions.end());
+    forbidNodesAtEnd(versions);
+  }
+
+ private:
+  static constexpr std::uint32_t mostLaps = 8;     // that a network is made for
+  static constexpr std::uint32_t lapsTried = 3;    // where no number of laps is known to be enough
+  static constexpr std::size_t mostCopies = 1000;  // of what is forbidden
+
+  std::vector<WeightShare> findShares() {
+    const PlanNetwork& network = work_->network;
+    if (!network.canBegin() || network.targets.empty()) return {};
+    return work_->leastWeight.find();
+  }
+
+  /// Lets names go back as often as ways might that are as light as the best ones found. False when
+  /// they do already. Throws Undecided when that is too often, or never known.
+  bool takeLaps(const std::vector<WeightShare>& shares) {
+    const PlanNetwork& network = work_->network;
+    if (!network.isCut) return false;
+    std::uint64_t least = fewestLayers(network);
+    for (const Unrolling& unrolling : network.unrollings) {
+      const std::uint64_t own = unrolling.leastWeight(0);
+      if (own == Unrolling::noWay) return false;  // of however many laps
+      least += own;
+    }
+    bool areMore = false;
+    for (NameIndex name = 0; name < laps_.size(); ++name) {
+      const Unrolling& unrolling = network.unrollings[name];
+      if (!unrolling.isCyclic()) continue;
+      const std::uint64_t others = least - unrolling.leastWeight(0);
+      const auto mayBeBest = [&](std::uint32_t laps) {
+        const std::uint64_t own = unrolling.leastWeight(laps);
+        return own != Unrolling::noWay && (shares.empty() || own + others <= weightOf(shares));
+      };
+      if (!mayBeBest(laps_[name])) continue;
+      areMore = true;
+      std::uint32_t laps = laps_[name] + 1;
+      while (laps <= mostLaps && mayBeBest(laps)) ++laps;
+      if (laps > mostLaps) laps = laps_[name] < lapsTried ? laps_[name] + 1 : throw Undecided();
+      laps_[name] = laps;
+    }
+    return areMore;
+  }
+
+  static std::uint64_t weightOf(const std::vector<WeightShare>& shares) {
+    const WeightShare& share = shares.front();
+    return share.expensiveHops * expensiveHopWeight + share.ordinaryHops + share.layers;
+  }
+
+  BackwardPlan planOf(const std::vector<WeightShare>& shares) {
+    PlanSolver& plans = work_->plans;
     std::optional<StepWeights> first;
     std::vector<std::uint64_t> firstWeights;
     for (const WeightShare& share : shares) {
-      StepWeights steps(plans_, timeline_, share);
+      StepWeights steps(plans, work_->timeline, share);
       std::vector<std::uint64_t> weights = steps.find();
       // Heavier comes first; sequences of one total do not begin one another.
       if (first && weights <= firstWeights) continue;
       first.emplace(std::move(steps));
       firstWeights = std::move(weights);
     }
-    const PlannedWay way = 
-        FirstPlaces(plans_, first->steps(), first->decided(), links_, start_).find();
-    return backwardPlan(way, firstWeights);
+    FirstPlaces places(plans, first->steps(), first->decided(), links_, start_);
+    return backwardPlan(places.find(), firstWeights);
   }
 
-  void forbidTogether(std::span<const VersionIndex> versions) override {
-    plans_.formula.forbidTogether(nodesOf(versions));
+  /// Calls `visit(nodes)` for all nodes that stand for some versions, one for each.
+  template <class Visit>
+  void visitCopies(std::span<const VersionIndex> versions, const Visit& visit) const {
+    std::vector<std::vector<NodeIndex>> choices(1);
+    for (const VersionIndex version : versions) {
+      const NameIndex name = ground_.space.versions[version].name;
+      std::vector<std::vector<NodeIndex>> longer;
+      for (const NodeIndex node : work_->network.copiesOf(version, name)) {
+        for (const std::vector<NodeIndex>& choice : choices) {
+          longer.push_back(choice);
+          longer.back().push_back(node);
+        }
+      }
+      if (longer.size() > mostCopies) throw Undecided();
+      choices = std::move(longer);
+    }
+    for (const std::vector<NodeIndex>& choice : choices) visit(choice);
   }
 
-  void forbidAtEnd(std::span<const VersionIndex> versions) override {
-    std::vector<Literal> clause;
-    for (const NodeIndex node : nodesOf(versions)) clause.push_back(-plans_.formula.endsAt(node));
-    plans_.sat.addClause(clause);
+  void forbidNodesTogether(std::span<const VersionIndex> versions) {
+    visitCopies(versions, [this](const std::vector<NodeIndex>& nodes) {
+      work_->plans.formula.forbidTogether(nodes);
+    });
   }
 
- private:
-  std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const {
-    std::vector<NodeIndex> nodes;
-    for (const VersionIndex version : versions) nodes.push_back(network_.nodeOf[version]);
-    return nodes;
+  void forbidNodesAtEnd(std::span<const VersionIndex> versions) {
+    visitCopies(versions, [this](const std::vector<NodeIndex>& nodes) {
+      std::vector<Literal> clause;
+      for (const NodeIndex node : nodes) clause.push_back(-work_->plans.formula.endsAt(node));
+      work_->plans.sat.addClause(clause);
+    });
   }
 
   BackwardPlan backwardPlan(const PlannedWay& way,
                             const std::vector<std::uint64_t>& weights) const {
+    const PlanNetwork& network = work_->network;
     std::vector<VersionSelection> selections(1);
-    for (const NodeIndex node : way.start) selections[0].push_back(network_.nodes[node].version);
+    for (const NodeIndex node : way.start) selections[0].push_back(network.nodes[node].version);
     std::vector<std::vector<PlannedHop>> hops;
     for (const std::vector<ArcIndex>& step : way.steps) {
       VersionSelection after = selections.back();
       std::vector<PlannedHop>& made = hops.emplace_back(after.size(), PlannedHop::None);
       for (NameIndex name = 0; name < step.size(); ++name) {
         if (step[name] == SearchSpace::none) continue;
-        const PlanNetwork::Arc& arc = network_.arcs[step[name]];
-        after[name] = network_.nodes[arc.to].version;
+        const PlanNetwork::Arc& arc = network.arcs[step[name]];
+        after[name] = network.nodes[arc.to].version;
         made[name] = arc.hop;
       }
       selections.push_back(std::move(after));
     }
-    return BackwardPlan::ofOneWay(space_.sources.size(), selections, hops, weights);
+    return BackwardPlan::ofOneWay(ground_.space.sources.size(), selections, hops, weights);
   }
 
-  const SearchSpace& space_;
+  const PlanningGround ground_;
+  const std::vector<VersionSelection> targets_;
   const std::unique_ptr<const VariantLinks> own_;
   const LinkChoices* const links_;  // null if no name can be brought in
   const OpenStart* const start_;
-  const PlanNetwork network_;
-  PlanSolver plans_;
-  Timeline timeline_;
-  LeastWeight leastWeight_;
+  std::vector<std::uint32_t> laps_;  // by name
+  std::optional<NetworkPlanning> work_;
+  std::vector<std::vector<VersionIndex>> forbiddenTogether_;
+  std::vector<std::vector<VersionIndex>> forbiddenAtEnd_;
 };
 
 }  // namespace
@@ -118,18 +222,18 @@ std::unique_ptr<LearningPlanner> LearningPlanner::create(
                   [](const auto& name) { return name.absent != SearchSpace::none; });
   auto links = isAnyAbsent ? VariantLinks::create(ground.space) : nullptr;
   if (isAnyAbsent && !links) return nullptr;
-  auto network = makePlanNetwork(ground, targets, links.get(), nullptr);
-  if (!network) return nullptr;
   const LinkChoices* const choices = links.get();
-  return std::make_unique<Planner>(ground, *std::move(network), choices, nullptr, std::move(links));
+  auto planner = std::make_unique<Planner>(ground, targets, choices, nullptr, std::move(links));
+  if (!planner->begin()) return nullptr;
+  return planner;
 }
 
 std::unique_ptr<LearningPlanner> LearningPlanner::create(
     const PlanningGround& ground, const std::vector<VersionSelection>& targets,
     const LinkChoices& links, const OpenStart* start) {
-  auto network = makePlanNetwork(ground, targets, &links, start);
-  if (!network) return nullptr;
-  return std::make_unique<Planner>(ground, *std::move(network), &links, start, nullptr);
+  auto planner = std::make_unique<Planner>(ground, targets, &links, start, nullptr);
+  if (!planner->begin()) return nullptr;
+  return planner;
 }
 
 }  // namespace tarn::evolution::pathfinder

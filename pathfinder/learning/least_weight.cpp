@@ -154,7 +154,8 @@ void LeastWeight::noteBounds(std::uint64_t leastOrdinaryWeight) const {
   SearchWatch* watch = SearchWatch::current();
   if (watch == nullptr) return;
   const std::uint64_t expensive = expensiveHops_ * expensiveHopWeight;
-  watch->noteProven(expensive + leastOrdinaryWeight);
+  // Ways of more laps may be lighter.
+  if (!plans_.network.isCut) watch->noteProven(expensive + leastOrdinaryWeight);
   watch->noteFound(expensive + best_);
 }
 

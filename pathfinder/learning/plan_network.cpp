@@ -5,33 +5,25 @@
 #include <map>
 #include <utility>
 
+#include "pathfinder/search/step_weight.hpp"
+
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
 constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
 
-using Edges = std::vector<std::vector<std::size_t>>;
-
-std::vector<bool> reachedFrom(std::vector<std::size_t> open, const Edges& edges) {
-  std::vector<bool> isReached(edges.size());
-  for (const std::size_t place : open) isReached[place] = true;
-  while (!open.empty()) {
-    const std::size_t place = open.back();
-    open.pop_back();
-    for (const std::size_t next : edges[place]) {
-      if (!isReached[next]) open.push_back(next);
-      isReached[next] = true;
-    }
-  }
-  return isReached;
-}
-
 class NetworkBuilding {
  public:
   NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-                  const LinkChoices* links, const OpenStart* start)
-      : space_(ground.space), ground_(ground), links_(links), start_(start), targets_(targets) {
+                  const LinkChoices* links, const OpenStart* start,
+                  const std::vector<std::uint32_t>& laps)
+      : space_(ground.space),
+        ground_(ground),
+        links_(links),
+        start_(start),
+        targets_(targets),
+        laps_(laps) {
     network_.nodeOf.assign(ground.space.versions.size(), SearchSpace::none);
   }
 
@@ -40,9 +32,8 @@ class NetworkBuilding {
     for (const SearchSpace::Source& source : space_.sources) {
       if (!source.isRegular) return std::nullopt;
     }
-    for (NameIndex name = 0; name < space_.names.size(); ++name) {
-      if (!addName(name)) return std::nullopt;
-    }
+    for (NameIndex name = 0; name < space_.names.size(); ++name) addName(name);
+    if (!network_.isCut) network_.unrollings.clear();
     addNeighbours();
     if (links_ != nullptr) addNeeding();
     addSources();
@@ -99,83 +90,98 @@ class NetworkBuilding {
                        });
   }
 
-  /// False when the name's hops make a cycle.
-  bool addName(NameIndex name) {
+  void addName(NameIndex name) {
     const VersionIndex first = space_.names[name].first;
-    const VersionIndex end = space_.names[name].end;
-    moves_.assign(end - first, {});
-    for (VersionIndex version = first; version < end; ++version) {
-      if (ground_.bounds[version].isReachable) moves_[version - first] = lightestMoves(version);
-    }
-    std::vector<VersionIndex> order;
-    if (!sortTopologically(first, end, order)) return false;
-    const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
-    for (const VersionIndex version : order) {
-      network_.nodeOf[version] = static_cast<NodeIndex>(network_.nodes.size());
-      network_.nodes.push_back({.version = version,
-                                .name = name,
-                                .isAbsent = space_.isAbsent(version),
-                                .in = {},
-                                .out = {},
-                                .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
-    }
-    network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
-    addArcs(first, order);
-    measureRest(network_.names.back());
-    return true;
-  }
-
-  /// Lists the versions that lie on a way from a start to an end, each after those before it; false
-  /// when they form a cycle.
-  bool sortTopologically(VersionIndex first, VersionIndex end, std::vector<VersionIndex>& order) {
-    const std::vector<bool> isLive = liveVersions(first, end);
-    std::vector<std::uint32_t> before(end - first);
-    for (VersionIndex version = first; version < end; ++version) {
-      if (!isLive[version - first]) continue;
-      for (const auto& [target, onward] : moves_[version - first]) ++before[target - first];
-    }
-    for (VersionIndex version = first; version < end; ++version) {
-      if (isLive[version - first] && before[version - first] == 0) order.push_back(version);
-    }
-    // The list grows on the way.
-    for (std::size_t i = 0; i < order.size(); ++i) {  // NOLINT(modernize-loop-convert)
-      for (const auto& [target, onward] : moves_[order[i] - first]) {
-        if (isLive[target - first] && --before[target - first] == 0) order.push_back(target);
+    const std::size_t count = space_.names[name].end - first;
+    moves_.assign(count, {});
+    VersionGraph graph{std::vector<std::vector<VersionGraph::Onward>>(count),
+                       std::vector<bool>(count),
+                       std::vector<bool>(count),
+                       {}};
+    for (std::size_t place = 0; place < count; ++place) {
+      const VersionIndex version = first + static_cast<VersionIndex>(place);
+      graph.distance.push_back(ground_.bounds[version].distance);
+      if (!ground_.bounds[version].isReachable) continue;
+      graph.isStart[place] = isStart(version);
+      graph.isEnd[place] = isEnd(version);
+      moves_[place] = lightestMoves(version);
+      for (const auto& [target, onward] : moves_[place]) {
+        graph.onward[place].push_back({target - first, weightOf(onward.hop)});
       }
     }
-    return order.size() == static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
+    const Unrolling& unrolling = network_.unrollings.emplace_back(graph);
+    const std::uint32_t laps = unrolling.isCyclic() ? laps_[name] : 1;
+    network_.isCut |= unrolling.isCyclic();
+    const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
+    addNodes(name, graph, unrolling, laps);
+    network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
+    addArcs(first, unrolling, laps);
+    measureRest(network_.names.back());
   }
 
-  /// Those on a way from a start to an end.
-  std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
-    Edges ahead(end - first);
-    Edges back(end - first);
+  static std::uint64_t weightOf(PlannedHop hop) {
+    return hop == PlannedHop::None ? 0 : hopWeight(hop == PlannedHop::Expensive);
+  }
+
+  /// Adds the versions on the line for each lap, but for those that lie on no way then.
+  void addNodes(NameIndex name, const VersionGraph& graph, const Unrolling& unrolling,
+                std::uint32_t laps) {
+    const std::size_t count = graph.onward.size();
+    std::vector<std::vector<std::size_t>> ahead(count * laps);
+    std::vector<std::vector<std::size_t>> back(count * laps);
     std::vector<std::size_t> starts;
     std::vector<std::size_t> ends;
-    for (VersionIndex version = first; version < end; ++version) {
-      if (!ground_.bounds[version].isReachable) continue;
-      if (isStart(version)) starts.push_back(version - first);
-      if (isEnd(version)) ends.push_back(version - first);
-      for (const auto& [target, onward] : moves_[version - first]) {
-        ahead[version - first].push_back(target - first);
-        back[target - first].push_back(version - first);
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        const std::size_t own = lap * count + place;
+        if (lap == 0 && graph.isStart[place]) starts.push_back(own);
+        if (graph.isEnd[place]) ends.push_back(own);
+        for (const VersionGraph::Onward& next : graph.onward[place]) {
+          const std::size_t nextLap = lap + (unrolling.goesBack(place, next.target) ? 1 : 0);
+          if (!unrolling.isOnLine(next.target) || nextLap == laps) continue;
+          ahead[own].push_back(nextLap * count + next.target);
+          back[nextLap * count + next.target].push_back(own);
+        }
       }
     }
-    std::vector<bool> isLive = reachedFrom(std::move(starts), ahead);
+    const std::vector<bool> isReached = reachedFrom(std::move(starts), ahead);
     const std::vector<bool> leadsOn = reachedFrom(std::move(ends), back);
-    for (std::size_t i = 0; i < isLive.size(); ++i) isLive[i] = isLive[i] && leadsOn[i];
-    return isLive;
+    nodes_.assign(count * laps, SearchSpace::none);
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        if (!isReached[lap * count + place] || !leadsOn[lap * count + place]) continue;
+        const auto version = space_.names[name].first + static_cast<VersionIndex>(place);
+        const auto node = static_cast<NodeIndex>(network_.nodes.size());
+        nodes_[lap * count + place] = node;
+        if (lap == 0) network_.nodeOf[version] = node;
+        network_.nodes.push_back(
+            {.version = version,
+             .name = name,
+             .isAbsent = space_.isAbsent(version),
+             .in = {},
+             .out = {},
+             .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
+      }
+    }
   }
 
-  void addArcs(VersionIndex first, const std::vector<VersionIndex>& versions) {
-    for (const VersionIndex version : versions) {
-      for (const auto& [target, onward] : moves_[version - first]) {
-        if (network_.nodeOf[target] == SearchSpace::none) continue;
-        const auto arc = static_cast<ArcIndex>(network_.arcs.size());
-        network_.arcs.push_back(
-            {network_.nodeOf[version], network_.nodeOf[target], onward.hop, onward.place});
-        network_.nodes[network_.nodeOf[version]].out.push_back(arc);
-        network_.nodes[network_.nodeOf[target]].in.push_back(arc);
+  void addArcs(VersionIndex first, const Unrolling& unrolling, std::uint32_t laps) {
+    const std::size_t count = moves_.size();
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        const NodeIndex from = nodes_[lap * count + place];
+        if (from == SearchSpace::none) continue;
+        for (const auto& [target, onward] : moves_[place]) {
+          const std::size_t next = target - first;
+          const std::size_t nextLap = lap + (unrolling.goesBack(place, next) ? 1 : 0);
+          if (!unrolling.isOnLine(next) || nextLap == laps) continue;
+          const NodeIndex to = nodes_[nextLap * count + next];
+          if (to == SearchSpace::none) continue;
+          const auto arc = static_cast<ArcIndex>(network_.arcs.size());
+          network_.arcs.push_back({from, to, onward.hop, onward.place});
+          network_.nodes[from].out.push_back(arc);
+          network_.nodes[to].in.push_back(arc);
+        }
       }
     }
   }
@@ -188,8 +194,8 @@ class NetworkBuilding {
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
         const PlannedHop hop = network_.arcs[arc].hop;
-        node.expensiveLeft = std::min(
-            node.expensiveLeft, next.expensiveLeft + (hop == PlannedHop::Expensive ? 1 : 0));
+        node.expensiveLeft = std::min(node.expensiveLeft,
+                                      next.expensiveLeft + (hop == PlannedHop::Expensive ? 1 : 0));
         node.ordinaryLeft =
             std::min(node.ordinaryLeft, next.ordinaryLeft + (hop == PlannedHop::Ordinary ? 1 : 0));
         node.hopsLeft = std::min(node.hopsLeft, next.hopsLeft + 1);
@@ -253,7 +259,8 @@ class NetworkBuilding {
     for (const std::vector<VersionIndex>& versions : start_->versions) {
       std::vector<NodeIndex>& nodes = network_.starts.emplace_back();
       for (const VersionIndex version : versions) {
-        if (network_.nodeOf[version] != SearchSpace::none) nodes.push_back(network_.nodeOf[version]);
+        if (network_.nodeOf[version] != SearchSpace::none)
+          nodes.push_back(network_.nodeOf[version]);
       }
     }
   }
@@ -266,7 +273,8 @@ class NetworkBuilding {
     for (std::size_t place = 0; place < space_.sources.size(); ++place) {
       PlanNetwork::Source source{place, {}};
       for (const VersionIndex version : space_.sources[place].selection) {
-        if (network_.nodeOf[version] != SearchSpace::none) source.nodes.push_back(network_.nodeOf[version]);
+        if (network_.nodeOf[version] != SearchSpace::none)
+          source.nodes.push_back(network_.nodeOf[version]);
       }
       const bool isComplete = source.nodes.size() == space_.names.size();
       if (isComplete) network_.sources.push_back(std::move(source));
@@ -277,11 +285,12 @@ class NetworkBuilding {
     for (const VersionSelection& target : targets_) {
       std::vector<std::vector<NodeIndex>> ends(target.size());
       const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
-        return end == SearchSpace::none || network_.nodeOf[end] != SearchSpace::none;
+        return end == SearchSpace::none ||
+               !network_.copiesOf(end, space_.versions[end].name).empty();
       });
       if (!isWithinReach) continue;
       for (NameIndex name = 0; name < target.size(); ++name) {
-        if (target[name] != SearchSpace::none) ends[name].push_back(network_.nodeOf[target[name]]);
+        if (target[name] != SearchSpace::none) ends[name] = network_.copiesOf(target[name], name);
       }
       network_.targets.push_back(std::move(ends));
     }
@@ -293,15 +302,20 @@ class NetworkBuilding {
   const OpenStart* const start_;
   const std::vector<VersionSelection>& targets_;
   PlanNetwork network_;
-  std::vector<OnwardByTarget> moves_;  // of the name that is added
+  const std::vector<std::uint32_t>& laps_;  // by name
+
+  // Of the name that is added, by version, and by lap and version.
+  std::vector<OnwardByTarget> moves_;
+  std::vector<NodeIndex> nodes_;
 };
 
 }  // namespace
 
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const LinkChoices* links, const OpenStart* start) {
-  return NetworkBuilding(ground, targets, links, start).run();
+                                           const LinkChoices* links, const OpenStart* start,
+                                           const std::vector<std::uint32_t>& laps) {
+  return NetworkBuilding(ground, targets, links, start, laps).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

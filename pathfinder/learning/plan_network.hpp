@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "pathfinder/learning/link_choices.hpp"
+#include "pathfinder/learning/unrolling.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
@@ -19,9 +20,10 @@ using NodeIndex = std::uint32_t;
 using ArcIndex = std::uint32_t;
 
 /// The ways that the names of a search space can go: for each name a graph without cycles, whose
-/// nodes are versions that some way from a source to a target holds, and whose arcs are hops. A name
-/// that links have to bring in begins at a node for "absent", from which arcs lead to the versions
-/// that can be brought in.
+/// nodes are versions that some way from a source to a target holds, and whose arcs are hops. A
+/// name that links have to bring in begins at a node for "absent", from which arcs lead to the
+/// versions that can be brought in. Where the hops of a name form cycles, its versions have a node
+/// for each lap, up to some number of laps.
 struct PlanNetwork {
   struct Node {
     VersionIndex version;
@@ -70,7 +72,19 @@ struct PlanNetwork {
   std::vector<Arc> arcs;
   std::vector<Name> names;
   std::vector<Neighbours> neighbours;
-  std::vector<NodeIndex> nodeOf;  ///< by version; none for one that lies on no way
+  std::vector<NodeIndex> nodeOf;  ///< by version, in the first lap; none if that lies on no way
+
+  /// The nodes of a version in all laps.
+  std::vector<NodeIndex> copiesOf(VersionIndex version, NameIndex name) const {
+    std::vector<NodeIndex> copies;
+    for (NodeIndex node = names[name].first; node < names[name].end; ++node) {
+      if (nodes[node].version == version) copies.push_back(node);
+    }
+    return copies;
+  }
+
+  bool isCut = false;                 ///< whether there are ways of more laps
+  std::vector<Unrolling> unrollings;  ///< by name; empty when nothing is cut
 
   /// For each source that a plan can start from: its place in the space, and the node of each name.
   struct Source {
@@ -94,10 +108,11 @@ struct PlanNetwork {
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
-/// No value when the space has sources that are not regular, versions that link others of their own
-/// name, or a name whose hops form a cycle. `links`: null if no name can be absent.
+/// No value when the space has sources that are not regular or versions that link others of their
+/// own name. `links`: null if no name can be absent. `laps`: how many each name has at most.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const LinkChoices* links, const OpenStart* start);
+                                           const LinkChoices* links, const OpenStart* start,
+                                           const std::vector<std::uint32_t>& laps);
 
 }  // namespace tarn::evolution::pathfinder

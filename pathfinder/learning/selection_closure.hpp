@@ -86,7 +86,7 @@ class SelectionClosure {
   void findCertainNames();
 
   std::map<std::u16string, std::deque<Version>> names_;
-  std::vector<const std::u16string*> selected_;                       // ascending
+  std::vector<const std::u16string*> selected_;  // ascending
   std::set<std::u16string> certain_;
   std::vector<std::pair<const std::u16string*, std::size_t>> added_;  // versions, in order
 };

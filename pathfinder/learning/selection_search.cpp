@@ -41,9 +41,9 @@ class SelectionSearch {
         bounds_(computeVersionBounds(space_, compatibility_)) {}
 
   SelectionAnswer run() {
-    const auto planner = LearningPlanner::create({space_, compatibility_, bounds_},
-                                                 {dependencies_.target}, dependencies_,
-                                                 dependencies_.openStart());
+    const auto planner =
+        LearningPlanner::create({space_, compatibility_, bounds_}, {dependencies_.target},
+                                dependencies_, dependencies_.openStart());
     if (!planner) return {false};
     while (const auto plan = planner->plan()) {
       SelectionView impossible;
@@ -209,6 +209,8 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
   } catch (const NotForDependencies&) {
     return {false};
   } catch (const NotLinkable&) {
+    return {false};
+  } catch (const LearningPlanner::Undecided&) {
     return {false};
   }
 }

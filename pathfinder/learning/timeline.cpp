@@ -23,10 +23,9 @@ Timeline::Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSo
       entered_(network.nodes.size()),
       followed_(network.nodes.size()) {
   for (const PlanNetwork::Node& node : network.nodes) {
-    mayBeEnteredInGap_.push_back(
-        std::any_of(node.in.begin(), node.in.end(), [&](ArcIndex arc) {
-          return network.arcs[arc].hop != PlannedHop::Ordinary;
-        }));
+    mayBeEnteredInGap_.push_back(std::any_of(node.in.begin(), node.in.end(), [&](ArcIndex arc) {
+      return network.arcs[arc].hop != PlannedHop::Ordinary;
+    }));
   }
 }
 

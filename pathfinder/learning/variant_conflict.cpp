@@ -1,7 +1,8 @@
-// A formula: a literal for each name and variant that it may hold, and for a name that is absent one
-// more; at most one of these for each name; what a variant links is held beside it; and, as an assumption for each name, that it holds
-// a variant of the selection's version. The assumptions that a refutation needs are a conflict,
-// which is made irreducible by leaving out one after the other.
+// A formula: a literal for each name and variant that it may hold, and for a name that is absent
+// one more; at most one of these for each name; what a variant links is held beside it; and, as an
+// assumption for each name, that it holds a variant of the selection's version. The assumptions
+// that a refutation needs are a conflict, which is made irreducible by leaving out one after the
+// other.
 
 #include "pathfinder/learning/variant_conflict.hpp"
 
@@ -52,8 +53,8 @@ std::optional<std::vector<NameIndex>> VariantConflict::findBeside(const VersionB
     const auto held = target.metamodels.find(space_.names[name].text);
     if (held == target.metamodels.end()) continue;
     const VariantIndex variant = held->second ? variantOf(name, *held->second) : SearchSpace::none;
-    const bool mayBe =
-        held->second ? variant != SearchSpace::none : space_.names[name].absent != SearchSpace::none;
+    const bool mayBe = held->second ? variant != SearchSpace::none
+                                    : space_.names[name].absent != SearchSpace::none;
     if (!mayBe) return std::vector<NameIndex>();
     fixed.push_back(isHeld(name, variant));
   }

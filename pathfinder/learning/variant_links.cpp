@@ -54,9 +54,8 @@ std::vector<NameIndex> VariantLinks::needsOf(const SearchSpace::Variant& variant
   for (const SearchSpace::Link& link : variant.closure) {
     if (!std::binary_search(others.begin(), others.end(), link.name)) needs.push_back(link.name);
   }
-  std::erase_if(needs, [this](NameIndex name) {
-    return space_.names[name].absent == SearchSpace::none;
-  });
+  std::erase_if(needs,
+                [this](NameIndex name) { return space_.names[name].absent == SearchSpace::none; });
   std::sort(needs.begin(), needs.end());
   return needs;
 }
