@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <deque>
+#include <set>
 
 #include "pathfinder/learning/random_choices.hpp"
 #include "pathfinder/learning/selection_search.hpp"
@@ -49,6 +50,19 @@ SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) 
   return question;
 }
 
+/// Whether some name leaves a version and comes back to it.
+bool comesBack(const std::vector<BaselineHop>& steps) {
+  std::set<std::string> left;
+  bool isBack = false;
+  for (const BaselineHop& step : steps) {
+    for (const auto& [name, hop] : step.hops) {
+      left.insert(brief(name, hop.from));
+      isBack |= left.contains(brief(name, hop.to));
+    }
+  }
+  return isBack;
+}
+
 void compare(const std::string& text, Random& random, RandomRun& run) {
   TestQuestion question(text);
   if (!question.isPosed()) return;
@@ -73,6 +87,7 @@ void compare(const std::string& text, Random& random, RandomRun& run) {
   } else {
     run.count("declined", expected.verdict == Verdict::NoPath || !expected.steps.empty());
   }
+  run.count("rounds", comesBack(expected.steps));
   run.count("absences", expected.verdict == Verdict::NoPath);
   run.count("paths", expected.verdict == Verdict::Found);
   run.count("long paths", expected.steps.size() >= 3);
@@ -82,7 +97,8 @@ TEST(Engines, AgreeOnRandomQuestions) {
   RandomRun run(4000);
   run.ask(randomQuestion,
           [&](const std::string& text, Random& random) { compare(text, random, run); });
-  run.expectPercentages({{"learnt paths", 40}, {"long paths", 6}, {"learnt absences", 1}});
+  run.expectPercentages(
+      {{"learnt paths", 40}, {"long paths", 6}, {"learnt absences", 1}, {"rounds", 1}});
 }
 
 /// Asks for the way from one selection to another, of which nothing is linked beforehand. Whether

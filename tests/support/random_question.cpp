@@ -250,6 +250,41 @@ QuestionDraft QuestionDraft::heads(Random& random, std::size_t nameCount) {
   return draft;
 }
 
+QuestionDraft QuestionDraft::rounds(Random& random) {
+  QuestionDraft draft;
+  const std::size_t movers = random.upTo(2);
+  const std::size_t names = movers + random.upTo(2);
+  for (std::size_t i = 0; i < names; ++i) {
+    const bool isMover = i < movers;
+    const std::size_t last = isMover ? 1 + random.upTo(2) : 2 + random.upTo(4);
+    Name& name = draft.addName();
+    name.start = "1";
+    name.goal = std::to_string(isMover ? random.upTo(last) : last);
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+      for (std::size_t j = 0; !isMover && j < movers; ++j) {
+        const Name& mover = draft.names[j];
+        if (random.chance(30)) continue;
+        std::string wanted = anyNumber(mover, random);
+        if (number == 1) wanted = mover.start;
+        if (number == last) wanted = mover.goal;
+        name.versions.back().needs.push_back(mover.letter + wanted);
+      }
+    }
+    for (std::size_t number = 2; number <= last; ++number) {
+      const std::string ends[] = {std::to_string(number - 1), std::to_string(number)};
+      const unsigned dear = isMover ? 15 : 10;
+      draft.addHop(name, ends[0], ends[1], random.chance(dear) ? "!" : "");
+      if (isMover ? random.chance(90) : random.chance(20)) {
+        draft.addHop(name, ends[1], ends[0], random.chance(dear) ? "!" : "");
+      }
+    }
+  }
+  draft.direction = "any";
+  draft.settleEnds(random, random.chance(80) ? 100 : 60, 80);
+  return draft;
+}
+
 QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
@@ -326,7 +361,8 @@ std::string randomQuestion(Random& random) {
   QuestionDraft draft = shape < 15   ? QuestionDraft::rivals(random, names)
                         : shape < 20 ? QuestionDraft::ladder(random)
                         : shape < 27 ? QuestionDraft::crowd(random)
-                        : shape < 45 ? QuestionDraft::heads(random, names + 1)
+                        : shape < 42 ? QuestionDraft::heads(random, names + 1)
+                        : shape < 52 ? QuestionDraft::rounds(random)
                                      : QuestionDraft::either(random, names);
   draft.isInOrder = random.chance(80);
   return draft.text(random);

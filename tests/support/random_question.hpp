@@ -56,6 +56,10 @@ struct QuestionDraft {
   /// on the way, by turns at this version or that.
   static QuestionDraft heads(Random& random, std::size_t nameCount);
 
+  /// Names that can go back and forth, and have to, since others ask now for this version of theirs
+  /// and now for that.
+  static QuestionDraft rounds(Random& random);
+
   static QuestionDraft either(Random& random, std::size_t nameCount);
 
   Name& addName();
