@@ -23,9 +23,11 @@ std::uint32_t fewestLayers(const PlanNetwork& network) {
   for (const auto& target : network.targets) {
     std::uint32_t layers = 0;
     for (const auto& ends : target) {
-      for (const NodeIndex node : ends) {
-        layers = std::max(layers, network.nodes[node].ordinaryStepsBefore);
-      }
+      if (ends.empty()) continue;
+      const auto first = std::min_element(ends.begin(), ends.end(), [&](auto one, auto other) {
+        return network.nodes[one].ordinaryStepsBefore < network.nodes[other].ordinaryStepsBefore;
+      });
+      layers = std::max(layers, network.nodes[*first].ordinaryStepsBefore);
     }
     fewest = std::min(fewest, layers);
   }
@@ -47,7 +49,8 @@ struct NetworkPlanning {
 };
 
 /// Plans over the ways of one lap, and over more laps until it is proven that none of more laps can
-/// be as light as what was found.
+/// be as light as what was found: because a name's way alone weighs too much that goes back so
+/// often, or because no plan is as light in which it holds, from there on, whatever suits.
 class Planner final : public LearningPlanner {
  public:
   Planner(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
@@ -61,7 +64,7 @@ class Planner final : public LearningPlanner {
 
   /// False when the question is not for it.
   bool begin() {
-    auto network = makePlanNetwork(ground_, targets_, links_, start_, laps_);
+    auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_});
     if (!network) return false;
     work_.emplace(*std::move(network));
     return true;
@@ -88,8 +91,7 @@ class Planner final : public LearningPlanner {
   }
 
  private:
-  static constexpr std::uint32_t mostLaps = 8;     // that a network is made for
-  static constexpr std::uint32_t lapsTried = 3;    // where no number of laps is known to be enough
+  static constexpr std::uint32_t mostLaps = 6;     // that a network is made for
   static constexpr std::size_t mostCopies = 1000;  // of what is forbidden
 
   std::vector<WeightShare> findShares() {
@@ -101,31 +103,54 @@ class Planner final : public LearningPlanner {
   /// Lets names go back as often as ways might that are as light as the best ones found. False when
   /// they do already. Throws Undecided when that is too often, or never known.
   bool takeLaps(const std::vector<WeightShare>& shares) {
+    if (!work_->network.isCut) return false;
+    const std::uint64_t most = shares.empty() ? Unrolling::noWay - 1 : weightOf(shares);
+    const std::vector<NameIndex> open = namesThatMayGoBack(most);
+    if (open.empty() || leastWeightBeyond(open) > most) return false;
+    for (const NameIndex name : open) {
+      if (laps_[name] == mostLaps) throw Undecided();
+      ++laps_[name];
+    }
+    return true;
+  }
+
+  /// Those that may go back more often in a plan that weighs so much, as far as each name's own
+  /// ways tell.
+  std::vector<NameIndex> namesThatMayGoBack(std::uint64_t most) const {
     const PlanNetwork& network = work_->network;
-    if (!network.isCut) return false;
-    std::uint64_t least = fewestLayers(network);
+    std::vector<std::uint64_t> least;
+    std::uint64_t sum = 0;
     for (const Unrolling& unrolling : network.unrollings) {
-      const std::uint64_t own = unrolling.leastWeight(0);
-      if (own == Unrolling::noWay) return false;  // of however many laps
-      least += own;
+      least.push_back(unrolling.leastWeight(0));
+      if (least.back() == Unrolling::noWay) return {};  // however often
+      sum += least.back();
     }
-    bool areMore = false;
+    std::vector<NameIndex> open;
     for (NameIndex name = 0; name < laps_.size(); ++name) {
-      const Unrolling& unrolling = network.unrollings[name];
-      if (!unrolling.isCyclic()) continue;
-      const std::uint64_t others = least - unrolling.leastWeight(0);
-      const auto mayBeBest = [&](std::uint32_t laps) {
-        const std::uint64_t own = unrolling.leastWeight(laps);
-        return own != Unrolling::noWay && (shares.empty() || own + others <= weightOf(shares));
-      };
-      if (!mayBeBest(laps_[name])) continue;
-      areMore = true;
-      std::uint32_t laps = laps_[name] + 1;
-      while (laps <= mostLaps && mayBeBest(laps)) ++laps;
-      if (laps > mostLaps) laps = laps_[name] < lapsTried ? laps_[name] + 1 : throw Undecided();
-      laps_[name] = laps;
+      if (!network.unrollings[name].isCyclic()) continue;
+      const std::uint64_t own = network.unrollings[name].leastWeight(laps_[name]);
+      if (own != Unrolling::noWay && own <= most - std::min(most, sum - least[name])) {
+        open.push_back(name);
+      }
     }
-    return areMore;
+    return open;
+  }
+
+  /// What plans weigh at least in which one of these names goes back more often than it may.
+  std::uint64_t leastWeightBeyond(const std::vector<NameIndex>& names) const {
+    auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_, true});
+    NetworkPlanning beyond(*std::move(network));
+    if (!beyond.network.canBegin() || beyond.network.targets.empty()) return Unrolling::noWay;
+    std::vector<Literal> isAnyHeld;
+    for (const NodeIndex node : beyond.network.beyond) {
+      const NameIndex name = beyond.network.nodes[node].name;
+      if (std::binary_search(names.begin(), names.end(), name)) {
+        isAnyHeld.push_back(beyond.plans.formula.isHeld(node));
+      }
+    }
+    beyond.plans.sat.addClause(isAnyHeld);
+    const std::vector<WeightShare> shares = beyond.leastWeight.find();
+    return shares.empty() ? Unrolling::noWay : weightOf(shares);
   }
 
   static std::uint64_t weightOf(const std::vector<WeightShare>& shares) {

@@ -16,14 +16,13 @@ constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
 class NetworkBuilding {
  public:
   NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-                  const LinkChoices* links, const OpenStart* start,
-                  const std::vector<std::uint32_t>& laps)
+                  const LinkChoices* links, const OpenStart* start, const LapLimits& limits)
       : space_(ground.space),
         ground_(ground),
         links_(links),
         start_(start),
         targets_(targets),
-        laps_(laps) {
+        limits_(limits) {
     network_.nodeOf.assign(ground.space.versions.size(), SearchSpace::none);
   }
 
@@ -110,13 +109,20 @@ class NetworkBuilding {
       }
     }
     const Unrolling& unrolling = network_.unrollings.emplace_back(graph);
-    const std::uint32_t laps = unrolling.isCyclic() ? laps_[name] : 1;
+    const std::uint32_t laps = unrolling.isCyclic() ? limits_.laps[name] : 1;
     network_.isCut |= unrolling.isCyclic();
+    auto& line = lines_.emplace_back();
+    for (const std::size_t place : unrolling.line()) {
+      line.push_back(first + static_cast<VersionIndex>(place));
+    }
     const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
     addNodes(name, graph, unrolling, laps);
+    const bool hasBeyond = unrolling.isCyclic() && limits_.isBeyondIn;
+    const NodeIndex beyond = hasBeyond ? addBeyond(name) : SearchSpace::none;
     network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
-    addArcs(first, unrolling, laps);
+    addArcs(first, unrolling, laps, beyond);
     measureRest(network_.names.back());
+    if (limits_.isBeyondIn) measureStepsBefore(network_.names.back());
   }
 
   static std::uint64_t weightOf(PlannedHop hop) {
@@ -149,7 +155,8 @@ class NetworkBuilding {
     nodes_.assign(count * laps, SearchSpace::none);
     for (std::uint32_t lap = 0; lap < laps; ++lap) {
       for (const std::size_t place : unrolling.line()) {
-        if (!isReached[lap * count + place] || !leadsOn[lap * count + place]) continue;
+        if (!isReached[lap * count + place]) continue;
+        if (!leadsOn[lap * count + place] && !limits_.isBeyondIn) continue;
         const auto version = space_.names[name].first + static_cast<VersionIndex>(place);
         const auto node = static_cast<NodeIndex>(network_.nodes.size());
         nodes_[lap * count + place] = node;
@@ -165,7 +172,16 @@ class NetworkBuilding {
     }
   }
 
-  void addArcs(VersionIndex first, const Unrolling& unrolling, std::uint32_t laps) {
+  NodeIndex addBeyond(NameIndex name) {
+    const auto node = static_cast<NodeIndex>(network_.nodes.size());
+    network_.beyond.push_back(node);
+    network_.nodes.push_back(
+        {.version = SearchSpace::none, .name = name, .isAbsent = false, .in = {}, .out = {}});
+    return node;
+  }
+
+  void addArcs(VersionIndex first, const Unrolling& unrolling, std::uint32_t laps,
+               NodeIndex beyond) {
     const std::size_t count = moves_.size();
     for (std::uint32_t lap = 0; lap < laps; ++lap) {
       for (const std::size_t place : unrolling.line()) {
@@ -173,23 +189,41 @@ class NetworkBuilding {
         if (from == SearchSpace::none) continue;
         for (const auto& [target, onward] : moves_[place]) {
           const std::size_t next = target - first;
+          if (!unrolling.isOnLine(next)) continue;
           const std::size_t nextLap = lap + (unrolling.goesBack(place, next) ? 1 : 0);
-          if (!unrolling.isOnLine(next) || nextLap == laps) continue;
-          const NodeIndex to = nodes_[nextLap * count + next];
-          if (to == SearchSpace::none) continue;
-          const auto arc = static_cast<ArcIndex>(network_.arcs.size());
-          network_.arcs.push_back({from, to, onward.hop, onward.place});
-          network_.nodes[from].out.push_back(arc);
-          network_.nodes[to].in.push_back(arc);
+          addArc(from, nextLap == laps ? beyond : nodes_[nextLap * count + next], onward);
         }
       }
+    }
+  }
+
+  void addArc(NodeIndex from, NodeIndex to, const Onward& onward) {
+    if (to == SearchSpace::none) return;
+    const auto arc = static_cast<ArcIndex>(network_.arcs.size());
+    network_.arcs.push_back({from, to, onward.hop, onward.place});
+    network_.nodes[from].out.push_back(arc);
+    network_.nodes[to].in.push_back(arc);
+  }
+
+  /// What bounds say of steps holds for names that are never beyond; with them, only what each name
+  /// does itself.
+  void measureStepsBefore(const PlanNetwork::Name& name) {
+    for (NodeIndex index = name.first; index < name.end; ++index) {
+      PlanNetwork::Node& node = network_.nodes[index];
+      std::uint32_t least = noEnd;
+      for (const ArcIndex arc : node.in) {
+        const std::uint32_t before = network_.nodes[network_.arcs[arc].from].ordinaryStepsBefore;
+        least = std::min(least, before + (network_.arcs[arc].hop == PlannedHop::Ordinary ? 1 : 0));
+      }
+      const bool mayStart = node.version != SearchSpace::none && isStart(node.version);
+      node.ordinaryStepsBefore = mayStart || node.in.empty() ? 0 : least;
     }
   }
 
   void measureRest(const PlanNetwork::Name& name) {
     for (NodeIndex index = name.end; index-- > name.first;) {
       PlanNetwork::Node& node = network_.nodes[index];
-      const bool isAtEnd = isEnd(node.version);
+      const bool isAtEnd = node.version == SearchSpace::none || isEnd(node.version);
       node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : noEnd;
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
@@ -217,27 +251,43 @@ class NetworkBuilding {
     const auto& [leftFirst, leftEnd] = network_.names[left];
     const auto& [rightFirst, rightEnd] = network_.names[right];
     for (NodeIndex one = leftFirst; one < leftEnd; ++one) {
-      const ConstBitRow row = ground_.compatibility.row(network_.nodes[one].version, place);
       for (NodeIndex other = rightFirst; other < rightEnd; ++other) {
-        if (!row.contains(space_.rankOf(network_.nodes[other].version))) {
-          neighbours.incompatible.emplace_back(one, other);
-        }
+        if (!areCompatible(one, other, place)) neighbours.incompatible.emplace_back(one, other);
       }
     }
     if (!neighbours.incompatible.empty()) network_.neighbours.push_back(std::move(neighbours));
   }
 
+  /// The versions that a node may stand for.
+  std::span<const VersionIndex> versionsOf(NodeIndex node) const {
+    const VersionIndex& version = network_.nodes[node].version;
+    if (version != SearchSpace::none) return {&version, 1};
+    return lines_[network_.nodes[node].name];
+  }
+
+  bool areCompatible(NodeIndex left, NodeIndex right, std::size_t place) const {
+    const auto others = versionsOf(right);
+    for (const VersionIndex version : versionsOf(left)) {
+      const ConstBitRow row = ground_.compatibility.row(version, place);
+      const bool isAny = std::any_of(others.begin(), others.end(), [&](VersionIndex other) {
+        return row.contains(space_.rankOf(other));
+      });
+      if (isAny) return true;
+    }
+    return false;
+  }
+
   void addNeeding() {
     for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
-      const VersionIndex version = network_.nodes[node].version;
-      if (space_.isAbsent(version)) continue;
-      for (const NameIndex needed : links_->needsOf(version)) addNeeding(node, needed);
+      if (network_.nodes[node].isAbsent) continue;
+      for (const VersionIndex version : versionsOf(node)) {
+        for (const NameIndex needed : links_->needsOf(version)) addNeeding(node, version, needed);
+      }
     }
   }
 
-  void addNeeding(NodeIndex node, NameIndex needed) {
+  void addNeeding(NodeIndex node, VersionIndex version, NameIndex needed) {
     if (space_.names[needed].absent == SearchSpace::none) return;
-    const VersionIndex version = network_.nodes[node].version;
     const auto& neighbours = ground_.compatibility.neighbours(network_.nodes[node].name);
     const auto known = std::lower_bound(neighbours.begin(), neighbours.end(), needed);
     const bool areNeighbours = known != neighbours.end() && *known == needed;
@@ -245,13 +295,14 @@ class NetworkBuilding {
     const auto& [first, end] = network_.names[needed];
     for (NodeIndex entry = first; entry < end; ++entry) {
       const VersionIndex entered = network_.nodes[entry].version;
-      if (!space_.versions[entered].isEntry) continue;
+      if (entered == SearchSpace::none || !space_.versions[entered].isEntry) continue;
       // Otherwise what follows from other names excludes it.
       if (areNeighbours &&
           !ground_.compatibility.row(version, place).contains(space_.rankOf(entered))) {
         continue;
       }
-      network_.nodes[entry].needing.push_back(node);
+      auto& needing = network_.nodes[entry].needing;
+      if (needing.empty() || needing.back() != node) needing.push_back(node);
     }
   }
 
@@ -281,16 +332,24 @@ class NetworkBuilding {
     }
   }
 
+  std::vector<NodeIndex> endsAt(VersionIndex version) const {
+    const NameIndex name = space_.versions[version].name;
+    std::vector<NodeIndex> ends = network_.copiesOf(version, name);
+    for (const NodeIndex beyond : network_.beyond) {
+      if (network_.nodes[beyond].name == name) ends.push_back(beyond);
+    }
+    return ends;
+  }
+
   void addTargets() {
     for (const VersionSelection& target : targets_) {
       std::vector<std::vector<NodeIndex>> ends(target.size());
       const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
-        return end == SearchSpace::none ||
-               !network_.copiesOf(end, space_.versions[end].name).empty();
+        return end == SearchSpace::none || !endsAt(end).empty();
       });
       if (!isWithinReach) continue;
       for (NameIndex name = 0; name < target.size(); ++name) {
-        if (target[name] != SearchSpace::none) ends[name] = network_.copiesOf(target[name], name);
+        if (target[name] != SearchSpace::none) ends[name] = endsAt(target[name]);
       }
       network_.targets.push_back(std::move(ends));
     }
@@ -302,7 +361,9 @@ class NetworkBuilding {
   const OpenStart* const start_;
   const std::vector<VersionSelection>& targets_;
   PlanNetwork network_;
-  const std::vector<std::uint32_t>& laps_;  // by name
+  const LapLimits& limits_;
+
+  std::vector<std::vector<VersionIndex>> lines_;  // by name: what may lie on its ways
 
   // Of the name that is added, by version, and by lap and version.
   std::vector<OnwardByTarget> moves_;
@@ -314,8 +375,8 @@ class NetworkBuilding {
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
                                            const LinkChoices* links, const OpenStart* start,
-                                           const std::vector<std::uint32_t>& laps) {
-  return NetworkBuilding(ground, targets, links, start, laps).run();
+                                           const LapLimits& limits) {
+  return NetworkBuilding(ground, targets, links, start, limits).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

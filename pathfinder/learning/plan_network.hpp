@@ -23,10 +23,11 @@ using ArcIndex = std::uint32_t;
 /// nodes are versions that some way from a source to a target holds, and whose arcs are hops. A
 /// name that links have to bring in begins at a node for "absent", from which arcs lead to the
 /// versions that can be brought in. Where the hops of a name form cycles, its versions have a node
-/// for each lap, up to some number of laps.
+/// for each lap, up to some number of laps. What is more may be left out, or stand for itself as a
+/// node "beyond": an end, at which the name holds whichever of its versions suits.
 struct PlanNetwork {
   struct Node {
-    VersionIndex version;
+    VersionIndex version;  ///< none for "beyond"
     NameIndex name;
     bool isAbsent;
     std::vector<ArcIndex> in;
@@ -85,6 +86,7 @@ struct PlanNetwork {
 
   bool isCut = false;                 ///< whether there are ways of more laps
   std::vector<Unrolling> unrollings;  ///< by name; empty when nothing is cut
+  std::vector<NodeIndex> beyond;      ///< the nodes for what is more
 
   /// For each source that a plan can start from: its place in the space, and the node of each name.
   struct Source {
@@ -108,11 +110,17 @@ struct PlanNetwork {
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
+/// How often the ways of a network go back.
+struct LapLimits {
+  std::vector<std::uint32_t> laps;  ///< by name: as many laps at most
+  bool isBeyondIn = false;          ///< whether "beyond" stands for more
+};
+
 /// No value when the space has sources that are not regular or versions that link others of their
-/// own name. `links`: null if no name can be absent. `laps`: how many each name has at most.
+/// own name. `links`: null if no name can be absent.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
                                            const LinkChoices* links, const OpenStart* start,
-                                           const std::vector<std::uint32_t>& laps);
+                                           const LapLimits& limits);
 
 }  // namespace tarn::evolution::pathfinder
