@@ -182,6 +182,10 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       {"A1 A2:B1 A1>2 B1:C[1,3) C1..2 | A1 | A2 C2", true},
       {"A1 A2:B[1,4) A3:B2 A1>2 A2>3 B1..3 | A1 | A3", true},
       {"A1..2 Z1 | A1 | A2 Z1", true},
+      // One that the source brings in only beside what is not the target's.
+      {"O1 J3 J4:O1 Q1:J[3,5) | Q1 | O1 J3", true},
+      // One that only the application links.
+      {"A1=B1 A2 A1>2 B1..2 | A1 | B2", false},
       // One that the source brings in by one of two versions only.
       {"A1..3 B1:A[1,4) B2:A3 B1>2 A2:C1 C1..2 | B1 | B2 C2", true},
       {"A1..3 B1 B2:A[1,3)+A[2,4) B3 B1>2 B2>3 | A2 B1 | A2 B3", false},

@@ -67,6 +67,7 @@ class Planner final : public LearningPlanner {
     auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_});
     if (!network) return false;
     work_.emplace(*std::move(network));
+    forbidAll(*work_);
     return true;
   }
 
@@ -75,19 +76,17 @@ class Planner final : public LearningPlanner {
       const std::vector<WeightShare> shares = findShares();
       if (!takeLaps(shares)) return shares.empty() ? std::nullopt : std::optional(planOf(shares));
       begin();
-      for (const auto& versions : forbiddenTogether_) forbidNodesTogether(versions);
-      for (const auto& versions : forbiddenAtEnd_) forbidNodesAtEnd(versions);
     }
   }
 
   void forbidTogether(std::span<const VersionIndex> versions) override {
     forbiddenTogether_.emplace_back(versions.begin(), versions.end());
-    forbidNodesTogether(versions);
+    forbidTogether(*work_, versions);
   }
 
   void forbidAtEnd(std::span<const VersionIndex> versions) override {
     forbiddenAtEnd_.emplace_back(versions.begin(), versions.end());
-    forbidNodesAtEnd(versions);
+    forbidAtEnd(*work_, versions);
   }
 
  private:
@@ -140,6 +139,7 @@ class Planner final : public LearningPlanner {
   std::uint64_t leastWeightBeyond(const std::vector<NameIndex>& names) const {
     auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_, true});
     NetworkPlanning beyond(*std::move(network));
+    forbidAll(beyond);
     if (!beyond.network.canBegin() || beyond.network.targets.empty()) return Unrolling::noWay;
     std::vector<Literal> isAnyHeld;
     for (const NodeIndex node : beyond.network.beyond) {
@@ -174,37 +174,42 @@ class Planner final : public LearningPlanner {
     return backwardPlan(places.find(), firstWeights);
   }
 
-  /// Calls `visit(nodes)` for all nodes that stand for some versions, one for each.
-  template <class Visit>
-  void visitCopies(std::span<const VersionIndex> versions, const Visit& visit) const {
-    std::vector<std::vector<NodeIndex>> choices(1);
+  void forbidAll(NetworkPlanning& work) const {
+    for (const auto& versions : forbiddenTogether_) forbidTogether(work, versions);
+    for (const auto& versions : forbiddenAtEnd_) forbidAtEnd(work, versions);
+  }
+
+  void forbidTogether(NetworkPlanning& work, std::span<const VersionIndex> versions) const {
+    for (const auto& nodes : copiesOf(work.network, versions)) {
+      work.plans.formula.forbidTogether(nodes);
+    }
+  }
+
+  void forbidAtEnd(NetworkPlanning& work, std::span<const VersionIndex> versions) const {
+    for (const auto& nodes : copiesOf(work.network, versions)) {
+      std::vector<Literal> clause;
+      for (const NodeIndex node : nodes) clause.push_back(-work.plans.formula.endsAt(node));
+      work.plans.sat.addClause(clause);
+    }
+  }
+
+  /// The nodes that stand for some versions, one for each, in all laps.
+  std::vector<std::vector<NodeIndex>> copiesOf(const PlanNetwork& network,
+                                               std::span<const VersionIndex> versions) const {
+    std::vector<std::vector<NodeIndex>> copies(1);
     for (const VersionIndex version : versions) {
       const NameIndex name = ground_.space.versions[version].name;
       std::vector<std::vector<NodeIndex>> longer;
-      for (const NodeIndex node : work_->network.copiesOf(version, name)) {
-        for (const std::vector<NodeIndex>& choice : choices) {
-          longer.push_back(choice);
+      for (const NodeIndex node : network.copiesOf(version, name)) {
+        for (const std::vector<NodeIndex>& nodes : copies) {
+          longer.push_back(nodes);
           longer.back().push_back(node);
         }
       }
       if (longer.size() > mostCopies) throw Undecided();
-      choices = std::move(longer);
+      copies = std::move(longer);
     }
-    for (const std::vector<NodeIndex>& choice : choices) visit(choice);
-  }
-
-  void forbidNodesTogether(std::span<const VersionIndex> versions) {
-    visitCopies(versions, [this](const std::vector<NodeIndex>& nodes) {
-      work_->plans.formula.forbidTogether(nodes);
-    });
-  }
-
-  void forbidNodesAtEnd(std::span<const VersionIndex> versions) {
-    visitCopies(versions, [this](const std::vector<NodeIndex>& nodes) {
-      std::vector<Literal> clause;
-      for (const NodeIndex node : nodes) clause.push_back(-work_->plans.formula.endsAt(node));
-      work_->plans.sat.addClause(clause);
-    });
+    return copies;
   }
 
   BackwardPlan backwardPlan(const PlannedWay& way,

@@ -145,12 +145,10 @@ void PlanFormula::addBringingIn(ArcIndex arc) {
 }
 
 void PlanFormula::addOpenStarts() {
-  for (const std::vector<NodeIndex>& nodes : network_.starts) {
-    const bool isOpen = std::any_of(nodes.begin(), nodes.end(), [this](NodeIndex node) {
-      return network_.nodes[node].isAbsent;
-    });
-    for (const NodeIndex node : nodes) {
-      if (!isOpen || network_.nodes[node].isAbsent) continue;
+  for (NameIndex name = 0; name < network_.starts.size(); ++name) {
+    if (!network_.mayBeAbsent[name]) continue;
+    for (const NodeIndex node : network_.starts[name]) {
+      if (network_.nodes[node].isAbsent) continue;
       std::vector<Literal> clause{-startsAt_[node]};
       for (const NodeIndex needing : network_.nodes[node].needing) {
         clause.push_back(startsAt_[needing]);

@@ -111,6 +111,7 @@ class NetworkBuilding {
     const Unrolling& unrolling = network_.unrollings.emplace_back(graph);
     const std::uint32_t laps = unrolling.isCyclic() ? limits_.laps[name] : 1;
     network_.isCut |= unrolling.isCyclic();
+    network_.mayBeAbsent.push_back(space_.names[name].absent != SearchSpace::none);
     auto& line = lines_.emplace_back();
     for (const std::size_t place : unrolling.line()) {
       line.push_back(first + static_cast<VersionIndex>(place));

@@ -84,6 +84,8 @@ struct PlanNetwork {
     return copies;
   }
 
+  std::vector<bool> mayBeAbsent;  ///< by name: whether links have to bring it in, or may have to
+
   bool isCut = false;                 ///< whether there are ways of more laps
   std::vector<Unrolling> unrollings;  ///< by name; empty when nothing is cut
   std::vector<NodeIndex> beyond;      ///< the nodes for what is more

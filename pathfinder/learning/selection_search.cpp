@@ -3,16 +3,19 @@
 // selections with the same dependencies beside it is linked once.
 //
 // A selection cannot be held only if the application has linked more than dependencies say when it
-// loaded something. Then it is forbidden, and planned again.
+// loaded something. Then it is forbidden, and planned again. Where names may be brought in, such a
+// link could do that too, so each version is linked once beforehand to see that there is none.
 
 #include "pathfinder/learning/selection_search.hpp"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "messages/report_exception.hpp"
 #include "messages/trace.hpp"
 #include "pathfinder/learning/learning_planner.hpp"
+#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/planning/version_bounds.hpp"
@@ -45,6 +48,7 @@ class SelectionSearch {
         LearningPlanner::create({space_, compatibility_, bounds_}, {dependencies_.target},
                                 dependencies_, dependencies_.openStart());
     if (!planner) return {false};
+    if (mayBringIn_) requireNoMoreLinks();
     while (const auto plan = planner->plan()) {
       SelectionView impossible;
       if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
@@ -94,6 +98,46 @@ class SelectionSearch {
       result.emplace(space_.names[name].text, version.hops[move->place]);
     }
     return result;
+  }
+
+  /// Links each version that can be held to something that it can be held with.
+  void requireNoMoreLinks() {
+    SatSolver solver;
+    std::vector<Literal> isHeld;
+    for (const SearchSpace::Name& name : space_.names) {
+      for (VersionIndex i = name.first; i < name.end; ++i) isHeld.push_back(solver.newVariable());
+      solver.addAtMostOne({isHeld.begin() + name.first, isHeld.begin() + name.end});
+    }
+    for (const Compatibility::Requirement& requirement : dependencies_.requirements) {
+      std::vector<Literal> clause{-isHeld[requirement.version]};
+      for (const VersionIndex version : requirement.admitted) clause.push_back(isHeld[version]);
+      solver.addClause(clause);
+    }
+    VersionSelection selection(space_.names.size());
+    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+      if (space_.isAbsent(version) || known_.contains(version)) continue;
+      if (!solver.solve(std::array{isHeld[version]})) continue;
+      linked_.assign(selection.size(), nullptr);
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        const auto& [first, end] = std::pair(space_.names[name].first, space_.names[name].end);
+        selection[name] = first;
+        while (selection[name] < end && !solver.isTrue(isHeld[selection[name]])) ++selection[name];
+        if (selection[name] == end) selection[name] = SearchSpace::none;
+      }
+      linkEach(selection);
+    }
+  }
+
+  void linkEach(SelectionView selection) {
+    try {
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        const bool isHeld =
+            selection[name] != SearchSpace::none && !space_.isAbsent(selection[name]);
+        if (isHeld) linkAll(selection, name);
+      }
+    } catch (const Conflict&) {
+      throw NotLinkable();
+    }
   }
 
   /// The baseline of a selection; no value when it cannot be held.
@@ -179,13 +223,31 @@ class SelectionSearch {
     }
     auto linked = host_.linkAlone(descriptor, chosen);
     if (linked->linkedMetamodels.contains(linked->name)) throw NotLinkable();
+    if (mayBringIn_ && linksMoreThan(*linked, chosen)) throw NotLinkable();
     known.emplace_back(std::move(key), linked);
     return linked;
+  }
+
+  /// Whether a linked metamodel links more than what was chosen for its dependencies and comes with
+  /// that.
+  static bool linksMoreThan(const LinkedMetamodel& linked, const OptionsByName& chosen) {
+    std::size_t expected = 0;
+    for (const auto& [name, link] : linked.linkedMetamodels) {
+      const bool isExpected = std::any_of(chosen.begin(), chosen.end(), [&](const auto& choice) {
+        const auto& further = choice.second.front()->linkedMetamodels;
+        return choice.first == name || further.contains(name);
+      });
+      if (isExpected) ++expected;
+    }
+    return expected < linked.linkedMetamodels.size();
   }
 
   SelectionHost& host_;
   const DependencySpace& dependencies_;
   const SearchSpace& space_;
+  const bool mayBringIn_ =
+      std::any_of(space_.names.begin(), space_.names.end(),
+                  [](const auto& name) { return name.absent != SearchSpace::none; });
   const Compatibility compatibility_;
   const AllVersionBounds bounds_;
   LinkedMetamodels linked_;  // by name: of the selection that is being held
