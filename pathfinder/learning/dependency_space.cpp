@@ -362,6 +362,7 @@ bool DependencySpace::visitNeeds(VersionIndex version, VersionSelection& selecti
   for (const auto& [name, admitted] : needs_[version]) {
     if (selection[name] != SearchSpace::none) continue;
     std::vector<Group> groups;
+    groups.reserve(admitted.size());
     for (const VersionIndex one : admitted) groups.push_back({one});
     const std::size_t chosen = groups.size() == 1 ? 0 : decide(groups);
     if (chosen >= groups.size()) return false;

@@ -178,6 +178,7 @@ std::vector<NameIndex> FirstPlaces::movingBelow(NameIndex end, std::uint32_t ste
 /// Whether in some plan one of the names has a lower digit than in the plan at hand.
 bool FirstPlaces::isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step) {
   std::vector<Literal> lower;
+  lower.reserve(names.size());
   for (const NameIndex name : names) lower.push_back(lowerThan(name, madeIn(name, step), step));
   return plans_.findPlanWith(lower, std::array{decided_});
 }

@@ -188,6 +188,7 @@ class Planner final : public LearningPlanner {
   void forbidAtEnd(NetworkPlanning& work, std::span<const VersionIndex> versions) const {
     for (const auto& nodes : copiesOf(work.network, versions)) {
       std::vector<Literal> clause;
+      clause.reserve(nodes.size());
       for (const NodeIndex node : nodes) clause.push_back(-work.plans.formula.endsAt(node));
       work.plans.sat.addClause(clause);
     }

@@ -108,9 +108,9 @@ void SelectionClosure::findCertainNames() {
   }
 }
 
-std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firstBaseline() const {
-  SatSolver solver;
-  std::map<std::u16string, std::vector<Literal>> held;
+/// Adds what makes a baseline of the versions that are held, one literal for each.
+SelectionClosure::LiteralsByName SelectionClosure::addBaseline(SatSolver& solver) const {
+  LiteralsByName held;
   std::map<std::u16string, std::vector<std::vector<Literal>>> needing;  // by version
   for (const auto& [name, versions] : names_) {
     auto& literals = held[name];
@@ -137,6 +137,12 @@ std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firs
       solver.addClause(byVersion[i]);
     }
   }
+  return held;
+}
+
+std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firstBaseline() const {
+  SatSolver solver;
+  const LiteralsByName held = addBaseline(solver);
   std::vector<Literal> decided;
   if (!solver.solve(decided)) return std::nullopt;
   std::map<std::u16string, const Metamodel*> baseline;
@@ -144,7 +150,7 @@ std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firs
     baseline.emplace(*name, &names_.at(*name)[0].descriptor);
   visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
     for (const std::size_t place : places) {
-      decided.push_back(held[name][place]);
+      decided.push_back(held.at(name)[place]);
       if (solver.solve(decided)) {
         baseline.emplace(name, &names_.at(name)[place].descriptor);
         return place;

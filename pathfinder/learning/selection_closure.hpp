@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
 
@@ -84,6 +85,9 @@ class SelectionClosure {
   void addNeeds(SelectionHost& host, const std::u16string& name, std::size_t place);
   std::size_t addVersion(const std::u16string& name, Metamodel&& descriptor);
   void findCertainNames();
+
+  using LiteralsByName = std::map<std::u16string, std::vector<Literal>>;
+  LiteralsByName addBaseline(SatSolver& solver) const;
 
   std::map<std::u16string, std::deque<Version>> names_;
   std::vector<const std::u16string*> selected_;  // ascending

@@ -231,15 +231,13 @@ class SelectionSearch {
   /// Whether a linked metamodel links more than what was chosen for its dependencies and comes with
   /// that.
   static bool linksMoreThan(const LinkedMetamodel& linked, const OptionsByName& chosen) {
-    std::size_t expected = 0;
-    for (const auto& [name, link] : linked.linkedMetamodels) {
-      const bool isExpected = std::any_of(chosen.begin(), chosen.end(), [&](const auto& choice) {
+    const auto isExpected = [&](const auto& link) {
+      return std::any_of(chosen.begin(), chosen.end(), [&](const auto& choice) {
         const auto& further = choice.second.front()->linkedMetamodels;
-        return choice.first == name || further.contains(name);
+        return choice.first == link.first || further.contains(link.first);
       });
-      if (isExpected) ++expected;
-    }
-    return expected < linked.linkedMetamodels.size();
+    };
+    return !std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(), isExpected);
   }
 
   SelectionHost& host_;
