@@ -1,7 +1,8 @@
-// Breadth-first exploration of each name by itself over hops that do not go against the direction,
-// from the source's version on; then, of a name that the target fixes, only what leads to its
-// version is kept. Each dependency of what is left becomes a requirement, beside those that the
-// application has by itself.
+// Three rounds that are repeated until nothing changes: exploration of each name by itself over
+// hops that do not go against the direction, from the source's versions and from those that may be
+// brought in; of a name that the target fixes, a mark on what leads to its version; and of all that
+// is kept, what it depends on, which of names that may be absent brings versions in. In the end
+// each dependency becomes a requirement, beside those that the application has by itself.
 
 #include "pathfinder/learning/dependency_space.hpp"
 
@@ -21,13 +22,13 @@ class DependencySurvey {
   void run() {
     const auto source = result_.source_.firstBaseline();
     const auto target = result_.target_.firstBaseline();
-    addNames();
     result_.hasEnds_ = source && target;
     if (!result_.hasEnds_) return;
     result_.direction = directionBetween(*source, *target);
-    for (Name& name : names_) {
-      explore(name);
-      keepWhatLeadsToEnd(name);
+    addNames();
+    while (explore()) {
+      for (auto& [text, name] : names_) keepWhatLeadsToEnd(name);
+      bringIn();
     }
     addVersions();
     addMoves();
@@ -43,42 +44,47 @@ class DependencySurvey {
     std::size_t target;
   };
 
+  struct Name;
+
+  /// What a version depends on, and the versions that it admits, by their places, in the
+  /// application's order.
+  struct Need {
+    Name* name;
+    std::vector<std::size_t> admitted = {};
+    std::vector<Metamodel> candidates = {};  // of a name that is held from the start
+  };
+
   struct Version {
     const Metamodel* descriptor;
     std::vector<Hop> hops = {};        // that do not go against the direction
     std::vector<Hopped> targets = {};  // of those that lead to a version
-    bool isKept = true;
+    std::vector<Need> needs = {};      // in the order of linking
+    bool isExplored = false;
+    bool isKept = false;
+    bool areNeedsKnown = false;
+    bool isEntry = false;  // whether it can be brought in
     VersionIndex index = SearchSpace::none;
   };
 
   struct Name {
-    const std::u16string* text;
+    bool isCertain = false;  // whether the source holds it, whatever it brings in
+    std::size_t starts = 0;  // how many of the versions the source may hold
     const Metamodel* goal = nullptr;
-    std::vector<Version> versions = {};  // the source's first
+    std::deque<Version> versions = {};  // the source's first
     std::unordered_multimap<VersionId, std::size_t, std::hash<VersionId>> places = {};
+    NameIndex index = 0;
   };
 
   void addNames() {
     for (const auto& [text, versions] : result_.source_.names()) {
-      Name& name = names_.emplace_back(Name{&text});
-      placeOfName_.emplace(text, static_cast<NameIndex>(names_.size() - 1));
+      Name& name = names_[text];
+      name.isCertain = result_.source_.isCertain(text);
+      name.starts = versions.size();
       for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
-      result_.isOpen_ |= versions.size() > 1;
+      result_.isOpen_ |= !name.isCertain || versions.size() > 1;
     }
     for (const auto& [text, versions] : result_.target_.names()) {
-      const auto place = placeOfName_.find(text);
-      if (place == placeOfName_.end()) throw NotClosed();
-      if (result_.target_.isSelected(text)) {
-        names_[place->second].goal = &versions.front().descriptor;
-      }
-    }
-  }
-
-  void requireClosed(const Metamodel& metamodel) const {
-    std::set<std::u16string> seen{metamodel.name};
-    for (const Dependency& dependency : metamodel.dependencies) {
-      const bool isNew = seen.insert(dependency.name).second;
-      if (!isNew || !placeOfName_.contains(dependency.name)) throw NotClosed();
+      if (result_.target_.isSelected(text)) names_[text].goal = &versions.front().descriptor;
     }
   }
 
@@ -88,7 +94,9 @@ class DependencySurvey {
   Direction directionBetween(const Baseline& source, const Baseline& target) {
     Direction result = Direction::Unknown;
     for (const auto& [name, after] : target) {
-      const Direction direction = host_.directionBetween(*source.at(name), *after);
+      const auto before = source.find(name);
+      if (before == source.end()) continue;
+      const Direction direction = host_.directionBetween(*before->second, *after);
       if (direction == Direction::Equal || direction == Direction::Unknown) continue;
       if (areOpposite(result, direction)) return Direction::Unknown;
       result = direction;
@@ -109,36 +117,45 @@ class DependencySurvey {
     return name.versions.size() - 1;
   }
 
-  void explore(Name& name) {
-    for (std::size_t i = 0; i < name.versions.size(); ++i) {
-      checkpoint();
-      const Metamodel& descriptor = *name.versions[i].descriptor;
-      requireClosed(descriptor);
-      std::vector<Hop> offered;
-      host_.findHops(*name.text, descriptor.version, offered);
-      for (Hop& hop : offered) follow(name, i, std::move(hop));
+  /// Asks for the hops of versions that have come; false when there are none.
+  bool explore() {
+    bool anyNew = false;
+    for (auto& [text, name] : names_) {
+      for (std::size_t i = 0; i < name.versions.size(); ++i) {
+        if (std::exchange(name.versions[i].isExplored, true)) continue;
+        anyNew = true;
+        checkpoint();
+        std::vector<Hop> offered;
+        host_.findHops(text, name.versions[i].descriptor->version, offered);
+        for (Hop& hop : offered) follow(text, name, i, std::move(hop));
+      }
     }
+    return anyNew;
   }
 
-  void follow(Name& name, std::size_t place, Hop&& hop) {
+  void follow(const std::u16string& text, Name& name, std::size_t place, Hop&& hop) {
     auto target = host_.getMetamodel(hop.name, hop.to);
-    if (target && target->name != *name.text) throw NotClosed();  // the hop's own name, or another
+    // The hop's own name may be another, and so may the answer's.
+    if (target && target->name != text) throw NotForDependencies();
+    Version& version = name.versions[place];
     if (result_.direction != Direction::Unknown) {
-      if (!target) throw NotClosed();  // a fault of the application's, which a plain search reports
-      const Metamodel& descriptor = *name.versions[place].descriptor;
-      if (areOpposite(result_.direction, host_.directionBetween(descriptor, *target))) return;
+      // A fault of the application's, which a plain search reports.
+      if (!target) throw NotForDependencies();
+      if (areOpposite(result_.direction, host_.directionBetween(*version.descriptor, *target))) {
+        return;
+      }
     }
     if (target) {
       const std::size_t to = addVersion(name, *std::move(target));
-      Version& version = name.versions[place];
       version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
     }
-    name.versions[place].hops.push_back(std::move(hop));
+    version.hops.push_back(std::move(hop));
   }
 
   static void keepWhatLeadsToEnd(Name& name) {
-    if (name.goal == nullptr) return;
-    for (Version& version : name.versions) version.isKept = *version.descriptor == *name.goal;
+    for (Version& version : name.versions) {
+      version.isKept |= name.goal == nullptr || *version.descriptor == *name.goal;
+    }
     for (bool changed = true; std::exchange(changed, false);) {
       for (std::size_t i = name.versions.size(); i-- > 0;) {
         Version& version = name.versions[i];
@@ -151,24 +168,58 @@ class DependencySurvey {
     }
   }
 
+  /// Asks what versions that are kept depend on, and takes in what that brings in.
+  void bringIn() {
+    std::vector<Version*> asked;
+    for (auto& [text, name] : names_) {
+      for (Version& version : name.versions) {
+        if (version.isKept && !version.areNeedsKnown) asked.push_back(&version);
+      }
+    }
+    for (Version* version : asked) bringIn(*version);
+  }
+
+  void bringIn(Version& version) {
+    checkpoint();
+    version.areNeedsKnown = true;
+    for (const Dependency* dependency : dependenciesInLinkingOrder(*version.descriptor)) {
+      Need& need = version.needs.emplace_back(Need{&names_[dependency->name]});
+      host_.findMetamodels(dependency->name, dependency->range, need.candidates);
+      if (need.name->isCertain) continue;
+      for (Metamodel& candidate : need.candidates) {
+        if (candidate.name != dependency->name) throw NotForDependencies();
+        need.admitted.push_back(addVersion(*need.name, std::move(candidate)));
+        need.name->versions[need.admitted.back()].isEntry = true;
+      }
+      need.candidates.clear();
+    }
+  }
+
   void addVersions() {
     SearchSpace& space = *result_.space;
-    for (Name& name : names_) {
+    for (auto& [text, name] : names_) {
+      name.index = static_cast<NameIndex>(space.names.size());
       SearchSpace::Name& added = space.names.emplace_back();
-      added.text = *name.text;
+      added.text = text;
       added.first = static_cast<VersionIndex>(space.versions.size());
       added.firstWord = space.words;
       for (Version& version : name.versions) {
         if (!version.isKept) continue;
         version.index = static_cast<VersionIndex>(space.versions.size());
         SearchSpace::Version& kept = space.versions.emplace_back();
-        kept.name = static_cast<NameIndex>(space.names.size() - 1);
+        kept.name = name.index;
         kept.descriptor = version.descriptor;
         kept.hops = result_.hops.emplace_back(std::move(version.hops));
-        const std::size_t rank = version.index - added.first;
-        space.bitOf.push_back(static_cast<std::uint32_t>(added.firstWord * bitsOfWord + rank));
+        kept.isEntry = version.isEntry;
+      }
+      if (!name.isCertain) {
+        added.absent = static_cast<VersionIndex>(space.versions.size());
+        space.versions.emplace_back().name = name.index;
       }
       added.end = static_cast<VersionIndex>(space.versions.size());
+      for (VersionIndex rank = 0; rank < added.end - added.first; ++rank) {
+        space.bitOf.push_back(static_cast<std::uint32_t>(added.firstWord * bitsOfWord + rank));
+      }
       space.words += added.words();
     }
   }
@@ -176,11 +227,11 @@ class DependencySurvey {
   void addMoves() {
     SearchSpace& space = *result_.space;
     std::size_t most = 0;
-    for (const Name& name : names_) {
+    for (const auto& [text, name] : names_) {
       for (const Version& version : name.versions) most += version.targets.size();
     }
     space.moves.reserve(most);  // versions point into it
-    for (const Name& name : names_) {
+    for (const auto& [text, name] : names_) {
       for (const Version& version : name.versions) {
         if (version.index == SearchSpace::none) continue;
         SearchSpace::Version& kept = space.versions[version.index];
@@ -196,66 +247,94 @@ class DependencySurvey {
   }
 
   void addRequirements() {
-    result_.dependencies.resize(result_.space->versions.size());
-    for (VersionIndex version = 0; version < result_.space->versions.size(); ++version) {
-      checkpoint();
-      for (const Dependency& dependency :
-           result_.space->versions[version].descriptor->dependencies) {
-        const NameIndex needed = placeOfName_.at(dependency.name);
-        result_.dependencies[version].push_back(needed);
-        result_.requirements.push_back(
-            {version, needed, admittedBy(dependency.name, dependency.range, names_[needed])});
+    const std::size_t count = result_.space->versions.size();
+    result_.dependencies.resize(count);
+    result_.needs_.resize(count);
+    for (auto& [text, name] : names_) {
+      for (Version& version : name.versions) {
+        checkpoint();
+        if (version.index == SearchSpace::none) continue;
+        addRequirements(version);
+        addRequired(version);
       }
-      addRequired(version);
+    }
+    for (VersionIndex version = 0; version < count; ++version) addEntries(version);
+    result_.space->entryStarts.push_back(result_.space->entries.size());
+  }
+
+  void addRequirements(const Version& version) {
+    for (const Dependency& dependency : version.descriptor->dependencies) {
+      result_.dependencies[version.index].push_back(names_.at(dependency.name).index);
+    }
+    for (const Need& need : version.needs) {
+      std::vector<VersionIndex> admitted = admittedBy(need);
+      result_.requirements.push_back({version.index, need.name->index, admitted});
+      result_.needs_[version.index].push_back({need.name->index, std::move(admitted)});
     }
   }
 
-  void addRequired(VersionIndex version) {
-    const Metamodel& descriptor = *result_.space->versions[version].descriptor;
+  void addRequired(const Version& version) {
     required_.clear();
-    host_.findRequirements(descriptor, required_);
+    host_.findRequirements(*version.descriptor, required_);
     for (const PeerRequirement& requirement : required_) {
-      const auto place = placeOfName_.find(requirement.name);
-      if (place == placeOfName_.end() && requirement.isOptional) continue;  // it is never held
-      if (place == placeOfName_.end() || requirement.name == descriptor.name) throw NotClosed();
-      result_.requirements.push_back(
-          {version, place->second,
-           admittedBy(requirement.name, requirement.range, names_[place->second])});
+      const auto needed = names_.find(requirement.name);
+      if (needed == names_.end() && requirement.isOptional) continue;  // it is never held
+      if (requirement.name == version.descriptor->name) throw NotForDependencies();
+      // What a source lacks is looked for in the first step, which links everything anew.
+      const bool isHeld = needed != names_.end() && needed->second.isCertain;
+      if (!isHeld && !requirement.isOptional) throw NotForDependencies();
+      Need need{&needed->second};
+      host_.findMetamodels(requirement.name, requirement.range, need.candidates);
+      std::vector<VersionIndex> admitted = admittedBy(need);
+      const VersionIndex absent = result_.space->names[needed->second.index].absent;
+      if (absent != SearchSpace::none) admitted.push_back(absent);
+      result_.requirements.push_back({version.index, needed->second.index, std::move(admitted)});
     }
   }
 
-  std::vector<VersionIndex> admittedBy(const std::u16string& name, const VersionRange& range,
-                                       const Name& needed) {
-    candidates_.clear();
-    host_.findMetamodels(name, range, candidates_);
+  static std::vector<VersionIndex> admittedBy(const Need& need) {
     std::vector<VersionIndex> admitted;
-    for (const Metamodel& candidate : candidates_) {
-      const auto [begin, end] = needed.places.equal_range(candidate.version);
+    const auto admit = [&](std::size_t place) {
+      const VersionIndex index = need.name->versions[place].index;
+      if (index != SearchSpace::none) admitted.push_back(index);
+    };
+    for (const std::size_t place : need.admitted) admit(place);
+    for (const Metamodel& candidate : need.candidates) {
+      const auto [begin, end] = need.name->places.equal_range(candidate.version);
       for (auto place = begin; place != end; ++place) {
-        const Version& version = needed.versions[place->second];
-        if (version.index == SearchSpace::none || *version.descriptor != candidate) continue;
-        admitted.push_back(version.index);
+        if (*need.name->versions[place->second].descriptor == candidate) admit(place->second);
       }
     }
     return admitted;
   }
 
+  void addEntries(VersionIndex version) {
+    SearchSpace& space = *result_.space;
+    space.entryStarts.push_back(space.entries.size());
+    for (const auto& [name, admitted] : result_.needs_[version]) {
+      if (space.names[name].absent == SearchSpace::none) continue;
+      space.entries.insert(space.entries.end(), admitted.begin(), admitted.end());
+    }
+    std::sort(space.entries.begin() + static_cast<std::ptrdiff_t>(space.entryStarts.back()),
+              space.entries.end());
+  }
+
   void addStarts() {
-    for (const Name& name : names_) {
-      std::vector<VersionIndex>& kept = result_.starts_.emplace_back();
-      std::vector<VersionIndex>& all = result_.indices_[*name.text];
-      const std::size_t count = result_.source_.names().at(*name.text).size();
-      for (std::size_t place = 0; place < count; ++place) {
+    for (const auto& [text, name] : names_) {
+      std::vector<VersionIndex>& starts = result_.start_.versions.emplace_back();
+      for (std::size_t place = 0; place < name.starts; ++place) {
         const VersionIndex index = name.versions[place].index;
-        all.push_back(index);
-        if (index != SearchSpace::none) kept.push_back(index);
+        if (index != SearchSpace::none) starts.push_back(index);
       }
+      const bool isSelected = result_.source_.isSelected(text) && !starts.empty();
+      result_.start_.selection.push_back(isSelected ? starts.front() : SearchSpace::none);
+      if (!name.isCertain) starts.push_back(result_.space->names[name.index].absent);
     }
   }
 
   /// As many as it takes for every start of a name to be in one.
   void addSources() {
-    const auto& starts = result_.starts_;
+    const auto& starts = result_.start_.versions;
     std::size_t most = 0;
     for (const auto& versions : starts) {
       if (versions.empty()) return;
@@ -270,7 +349,7 @@ class DependencySurvey {
   }
 
   void addTarget() {
-    for (const Name& name : names_) {
+    for (const auto& [text, name] : names_) {
       VersionIndex goal = SearchSpace::none;
       for (const Version& version : name.versions) {
         if (name.goal != nullptr && *version.descriptor == *name.goal) goal = version.index;
@@ -282,9 +361,7 @@ class DependencySurvey {
 
   SelectionHost& host_;
   DependencySpace& result_;
-  std::vector<Name> names_;
-  std::unordered_map<std::u16string, NameIndex> placeOfName_;
-  std::vector<Metamodel> candidates_;
+  std::map<std::u16string, Name> names_;
   std::vector<PeerRequirement> required_;
 };
 
@@ -294,12 +371,27 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
   DependencySurvey(host, *this).run();
 }
 
-void DependencySpace::visitChoices(const Decide& decide) const {
-  source_.visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
-    std::vector<VersionIndex> versions;
-    for (const std::size_t place : places) versions.push_back(indices_.at(name)[place]);
-    return places[decide(versions)];
-  });
+void DependencySpace::visitChoices(VersionSelection selection, const Decide& decide) const {
+  const VersionSelection selected = selection;
+  for (const VersionIndex version : selected) {
+    if (version != SearchSpace::none && !visitNeeds(version, selection, decide)) return;
+  }
+}
+
+/// False when nothing can be chosen for some name.
+bool DependencySpace::visitNeeds(VersionIndex version, VersionSelection& selection,
+                                 const Decide& decide) const {
+  for (const auto& [name, admitted] : needs_[version]) {
+    if (selection[name] != SearchSpace::none) continue;
+    std::vector<Group> groups;
+    groups.reserve(admitted.size());
+    for (const VersionIndex one : admitted) groups.push_back({one});
+    const std::size_t chosen = groups.size() == 1 ? 0 : decide(groups);
+    if (chosen >= groups.size()) return false;
+    selection[name] = admitted[chosen];
+    if (!visitNeeds(admitted[chosen], selection, decide)) return false;
+  }
+  return true;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <deque>
-#include <map>
 #include <memory>
-#include <string>
+#include <span>
 #include <vector>
 
-#include "pathfinder/learning/open_start.hpp"
+#include "pathfinder/learning/link_choices.hpp"
 #include "pathfinder/learning/selection_closure.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
@@ -18,17 +17,18 @@ namespace tarn::evolution::pathfinder {
 /// A search space that is made from what versions depend on, without linking them: where products
 /// of dependencies have too many linked metamodels to be made.
 ///
-/// For questions between two selections that are closed: whatever a version on the way depends on
-/// is held from start to end. Then one version of each name tells which linked metamodels are
-/// meant, and a selection can be held if each version has what it depends on beside it.
+/// For questions between two selections. One version of each name that is held tells which linked
+/// metamodels are meant; a selection can be held if each version has what it depends on beside it,
+/// and each name that no hop has moved into it, or that was not there before, is one that some
+/// version depends on.
 ///
-/// The source's selection may leave open which versions it brings in. Then the space is an open
+/// The source's selection may leave open which versions it brings in. Then the space has an open
 /// start as well; its sources stand for all of them together.
-class DependencySpace final : public OpenStart {
+class DependencySpace final : public LinkChoices {
  public:
   /// Asks the application, once for each version that hops reach. Throws what it throws,
-  /// InvalidFamilyVersion for a selected version that it does not know, and NotClosed when the
-  /// question is of another kind.
+  /// InvalidFamilyVersion for a selected version that it does not know, and NotForDependencies when
+  /// the question is of another kind.
   DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to);
   DependencySpace(const DependencySpace&) = delete;
   DependencySpace& operator=(const DependencySpace&) = delete;
@@ -38,10 +38,12 @@ class DependencySpace final : public OpenStart {
   bool hasEnds() const { return hasEnds_; }
 
   /// Null when the source's selection leaves nothing open.
-  const OpenStart* openStart() const { return isOpen_ ? this : nullptr; }
+  const OpenStart* openStart() const { return isOpen_ ? &start_ : nullptr; }
 
-  const std::vector<std::vector<VersionIndex>>& versions() const override { return starts_; }
-  void visitChoices(const Decide& decide) const override;
+  std::span<const NameIndex> needsOf(VersionIndex version) const override {
+    return dependencies[version];
+  }
+  void visitChoices(VersionSelection selection, const Decide& decide) const override;
 
   std::unique_ptr<SearchSpace> space = std::make_unique<SearchSpace>();
   std::vector<Compatibility::Requirement> requirements;
@@ -61,14 +63,20 @@ class DependencySpace final : public OpenStart {
  private:
   friend class DependencySurvey;
 
+  /// What a version depends on, and the versions that it admits, in the application's order.
+  struct Need {
+    NameIndex name;
+    std::vector<VersionIndex> admitted;
+  };
+
+  bool visitNeeds(VersionIndex version, VersionSelection& selection, const Decide& decide) const;
+
   SelectionClosure source_;
   SelectionClosure target_;
   bool hasEnds_ = false;
   bool isOpen_ = false;
-  std::vector<std::vector<VersionIndex>> starts_;  // by name of the space
-
-  // The versions of the source's closure, by their places; `none` for one that is not in the space.
-  std::map<std::u16string, std::vector<VersionIndex>> indices_;
+  OpenStart start_;
+  std::vector<std::vector<Need>> needs_;  // by version, in the order of linking
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -3,6 +3,9 @@
 // holds. A digit that is 0 in it is the least already; a plan with a lower digit of some name is
 // asked for. Mostly there is none, so several names are asked about at once: when none of them can
 // have a lower digit, whatever the others do, all are decided as in the plan at hand.
+//
+// Then what links bring in in that step, in the order in which combination lists the baselines that
+// the hops lead to.
 
 #include "pathfinder/learning/first_places.hpp"
 
@@ -22,6 +25,7 @@ PlannedWay FirstPlaces::find() {
   PlannedWay way{begun_, {}};
   for (std::uint32_t step = steps_.count(); step > 0; --step) {
     decideStep(step);
+    if (links_ != nullptr) decideLinks(step);
     way.steps.push_back(takeStep(step));
   }
   return way;
@@ -45,36 +49,73 @@ void FirstPlaces::decideStart() {
     throw std::logic_error("no plan has the step weights that were proven");
   }
   readPlan();
-  start_->visitChoices(
-      [this](std::span<const VersionIndex> versions) { return decideStartOf(versions); });
+  const auto isAtHand = [this](NodeIndex node) {
+    return begun_[plans_.network.nodes[node].name] == node;
+  };
+  const auto isChosen = [this](NodeIndex node) { return plans_.formula.startsAt(node); };
+  links_->visitChoices(start_->selection, [&](std::span<const LinkChoices::Group> groups) {
+    return decideGroup(groups, isAtHand, isChosen);
+  });
 }
 
-std::size_t FirstPlaces::decideStartOf(std::span<const VersionIndex> versions) {
-  while (true) {
-    const auto isBegun = [this](VersionIndex version) {
-      return std::any_of(begun_.begin(), begun_.end(), [&](NodeIndex node) {
-        return plans_.network.nodes[node].version == version;
-      });
+/// Decides which versions links bring in in a step, its hops being decided.
+void FirstPlaces::decideLinks(std::uint32_t step) {
+  VersionSelection selection;
+  bool isAnyEntered = false;
+  for (NameIndex name = 0; name < made_.size(); ++name) {
+    const bool isOpen = plans_.network.nodes[held_[name]].isAbsent;
+    const ArcIndex arc = madeIn(name, step);
+    isAnyEntered |= isOpen && arc != SearchSpace::none;
+    const NodeIndex after = arc == SearchSpace::none ? held_[name] : plans_.network.arcs[arc].to;
+    selection.push_back(isOpen ? SearchSpace::none : plans_.network.nodes[after].version);
+  }
+  if (isAnyEntered) {
+    const auto isAtHand = [&](NodeIndex node) {
+      const ArcIndex arc = madeIn(plans_.network.nodes[node].name, step);
+      return arc != SearchSpace::none && plans_.network.arcs[arc].to == node;
     };
-    const auto chosen = std::find_if(versions.begin(), versions.end(), isBegun);
-    std::vector<Literal> earlier;
-    for (auto version = versions.begin(); version != chosen; ++version) {
-      for (const auto& nodes : plans_.network.starts) {
-        for (const NodeIndex node : nodes) {
-          if (plans_.network.nodes[node].version != *version) continue;
-          earlier.push_back(plans_.formula.startsAt(node));
-        }
-      }
+    // A name that is absent before the step has been brought in when the step is over.
+    const auto isChosen = [&](NodeIndex node) { return steps_.isEnteredBefore(node, step - 1); };
+    links_->visitChoices(std::move(selection), [&](std::span<const LinkChoices::Group> groups) {
+      return decideGroup(groups, isAtHand, isChosen);
+    });
+  }
+  for (NameIndex name = 0; name < made_.size(); ++name) {
+    if (plans_.network.nodes[held_[name]].isAbsent) decideHop(name, step);
+  }
+}
+
+/// Decides on the first of some groups of versions that a plan can choose; returns its place.
+/// `isAtHand` tells whether the plan at hand chooses a node, `isChosen` the literal that it does.
+template <class IsAtHand, class IsChosen>
+std::size_t FirstPlaces::decideGroup(std::span<const LinkChoices::Group> groups,
+                                     const IsAtHand& isAtHand, const IsChosen& isChosen) {
+  const auto literalOf = [&](const LinkChoices::Group& group) {
+    std::vector<Literal> literals;
+    for (const VersionIndex version : group) {
+      const NodeIndex node = plans_.network.nodeOf[version];
+      literals.push_back(node == SearchSpace::none ? plans_.formula.never() : isChosen(node));
     }
+    return plans_.allOf(literals);
+  };
+  const auto isGroupAtHand = [&](const LinkChoices::Group& group) {
+    return std::all_of(group.begin(), group.end(), [&](VersionIndex version) {
+      const NodeIndex node = plans_.network.nodeOf[version];
+      return node != SearchSpace::none && isAtHand(node);
+    });
+  };
+  std::vector<Literal> literals;
+  for (const LinkChoices::Group& group : groups) literals.push_back(literalOf(group));
+  while (true) {
+    const auto place = static_cast<std::size_t>(
+        std::find_if(groups.begin(), groups.end(), isGroupAtHand) - groups.begin());
+    const auto earlier = std::span<const Literal>(literals).first(place);
     if (!earlier.empty() && plans_.findPlanWith(earlier, std::array{decided_})) {
       readPlan();
       continue;
     }
-    for (const NodeIndex node : begun_) {
-      if (plans_.network.nodes[node].version != *chosen) continue;
-      plans_.sat.addClause({-decided_, plans_.formula.startsAt(node)});
-    }
-    return static_cast<std::size_t>(chosen - versions.begin());
+    if (place < groups.size()) plans_.sat.addClause({-decided_, literals[place]});
+    return place;
   }
 }
 
@@ -128,7 +169,8 @@ std::vector<NameIndex> FirstPlaces::movingBelow(NameIndex end, std::uint32_t ste
                                                 std::size_t most) const {
   std::vector<NameIndex> result;
   for (NameIndex name = end; name-- > 0 && result.size() < most;) {
-    if (madeIn(name, step) != SearchSpace::none) result.push_back(name);
+    const bool isAbsent = plans_.network.nodes[held_[name]].isAbsent;
+    if (!isAbsent && madeIn(name, step) != SearchSpace::none) result.push_back(name);
   }
   return result;
 }
@@ -136,6 +178,7 @@ std::vector<NameIndex> FirstPlaces::movingBelow(NameIndex end, std::uint32_t ste
 /// Whether in some plan one of the names has a lower digit than in the plan at hand.
 bool FirstPlaces::isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step) {
   std::vector<Literal> lower;
+  lower.reserve(names.size());
   for (const NameIndex name : names) lower.push_back(lowerThan(name, madeIn(name, step), step));
   return plans_.findPlanWith(lower, std::array{decided_});
 }
@@ -155,17 +198,22 @@ Literal FirstPlaces::lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step)
 /// Decides what names do in a step, as in the plan at hand.
 void FirstPlaces::decide(NameIndex first, NameIndex end, std::uint32_t step) {
   for (NameIndex name = first; name < end; ++name) {
-    const ArcIndex arc = madeIn(name, step);
-    for (const ArcIndex other : plans_.network.nodes[held_[name]].out) {
-      const Literal isUsed = plans_.formula.isUsed(other);
-      const Literal isEntered = steps_.isEnteredBefore(plans_.network.arcs[other].to, step - 1);
-      if (other == arc) {
-        // Either follows from the other, given what the step weighs.
-        plans_.sat.addClause({-decided_, isUsed});
-        plans_.sat.addClause({-decided_, isEntered});
-      } else {
-        plans_.sat.addClause({-decided_, -isUsed, -isEntered});
-      }
+    if (!plans_.network.nodes[held_[name]].isAbsent) decideHop(name, step);
+  }
+}
+
+/// The same for a name; for one that is absent, what links bring in.
+void FirstPlaces::decideHop(NameIndex name, std::uint32_t step) {
+  const ArcIndex arc = madeIn(name, step);
+  for (const ArcIndex other : plans_.network.nodes[held_[name]].out) {
+    const Literal isUsed = plans_.formula.isUsed(other);
+    const Literal isEntered = steps_.isEnteredBefore(plans_.network.arcs[other].to, step - 1);
+    if (other == arc) {
+      // Either follows from the other, given what the step weighs.
+      plans_.sat.addClause({-decided_, isUsed});
+      plans_.sat.addClause({-decided_, isEntered});
+    } else {
+      plans_.sat.addClause({-decided_, -isUsed, -isEntered});
     }
   }
 }

@@ -17,15 +17,18 @@ struct PlannedWay {
 };
 
 /// Finds, among plans whose step weights are decided, the one that comes first: by the place of its
-/// source, and then by the combination of hops of its first step, of the second, and so on.
+/// source, and then by the combination of hops of its first step and what links bring in, of the
+/// second, and so on.
 class FirstPlaces {
  public:
   /// `steps`: those of the plans; `decided`: what has to be true for it.
-  /// `start`: null when plans begin at sources.
-  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided, const OpenStart* start)
+  /// `links`: null if no name can be brought in; `start`: null when plans begin at sources.
+  FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided, const LinkChoices* links,
+              const OpenStart* start)
       : plans_(plans),
         steps_(steps),
         decided_(decided),
+        links_(links),
         start_(start),
         made_(plans.network.names.size()) {}
 
@@ -40,7 +43,10 @@ class FirstPlaces {
 
   void decideSource();
   void decideStart();
-  std::size_t decideStartOf(std::span<const VersionIndex> versions);
+  void decideLinks(std::uint32_t step);
+  template <class IsAtHand, class IsChosen>
+  std::size_t decideGroup(std::span<const LinkChoices::Group> groups, const IsAtHand& isAtHand,
+                          const IsChosen& isChosen);
   void decideStep(std::uint32_t step);
   void readPlan();
   ArcIndex madeIn(NameIndex name, std::uint32_t step) const;
@@ -48,11 +54,13 @@ class FirstPlaces {
   bool isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step);
   Literal lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step);
   void decide(NameIndex first, NameIndex end, std::uint32_t step);
+  void decideHop(NameIndex name, std::uint32_t step);
   std::vector<ArcIndex> takeStep(std::uint32_t step);
 
   PlanSolver& plans_;
   const LastSteps& steps_;
   const Literal decided_;
+  const LinkChoices* const links_;
   const OpenStart* const start_;
 
   // Of a plan in which all that is decided holds, by name.

@@ -34,6 +34,9 @@ void LastSteps::add() {
                            formula_.startsAt(order.entered), before[network_.arcs[arc].to]});
       }
     }
+    for (const PlanFormula::Order& order : formula_.broughtInWith(left)) {
+      solver_.addClause({-order.literal, -before[order.entered], before[left]});
+    }
   }
   before_.push_back(std::move(before));
 }

@@ -10,6 +10,8 @@
 #include "pathfinder/learning/plan_solver.hpp"
 #include "pathfinder/learning/step_weights.hpp"
 #include "pathfinder/learning/timeline.hpp"
+#include "pathfinder/learning/variant_links.hpp"
+#include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -21,100 +23,248 @@ std::uint32_t fewestLayers(const PlanNetwork& network) {
   for (const auto& target : network.targets) {
     std::uint32_t layers = 0;
     for (const auto& ends : target) {
-      for (const NodeIndex node : ends) {
-        layers = std::max(layers, network.nodes[node].ordinaryStepsBefore);
-      }
+      if (ends.empty()) continue;
+      const auto first = std::min_element(ends.begin(), ends.end(), [&](auto one, auto other) {
+        return network.nodes[one].ordinaryStepsBefore < network.nodes[other].ordinaryStepsBefore;
+      });
+      layers = std::max(layers, network.nodes[*first].ordinaryStepsBefore);
     }
     fewest = std::min(fewest, layers);
   }
   return fewest;
 }
 
+/// Everything that a network is planned with.
+struct NetworkPlanning {
+  explicit NetworkPlanning(PlanNetwork&& made)
+      : network(std::move(made)),
+        plans(network),
+        timeline(network, plans.formula, plans.sat),
+        leastWeight(plans, timeline, fewestLayers(network)) {}
+
+  const PlanNetwork network;
+  PlanSolver plans;
+  Timeline timeline;
+  LeastWeight leastWeight;
+};
+
+/// Plans over the ways of one lap, and over more laps until it is proven that none of more laps can
+/// be as light as what was found: because a name's way alone weighs too much that goes back so
+/// often, or because no plan is as light in which it holds, from there on, whatever suits.
 class Planner final : public LearningPlanner {
  public:
-  Planner(const PlanningGround& ground, PlanNetwork&& network, const OpenStart* start)
-      : space_(ground.space),
+  Planner(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+          const LinkChoices* links, const OpenStart* start, std::unique_ptr<const VariantLinks> own)
+      : ground_(ground),
+        targets_(targets),
+        own_(std::move(own)),
+        links_(links),
         start_(start),
-        network_(std::move(network)),
-        plans_(network_),
-        timeline_(network_, plans_.formula, plans_.sat),
-        leastWeight_(plans_, timeline_, fewestLayers(network_)) {}
+        laps_(ground.space.names.size(), 1) {}
+
+  /// False when the question is not for it.
+  bool begin() {
+    auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_});
+    if (!network) return false;
+    work_.emplace(*std::move(network));
+    forbidAll(*work_);
+    return true;
+  }
 
   std::optional<BackwardPlan> plan() override {
-    if (!network_.canBegin() || network_.targets.empty()) return std::nullopt;
-    const std::vector<WeightShare> shares = leastWeight_.find();
-    if (shares.empty()) return std::nullopt;
+    while (true) {
+      const std::vector<WeightShare> shares = findShares();
+      if (!takeLaps(shares)) return shares.empty() ? std::nullopt : std::optional(planOf(shares));
+      begin();
+    }
+  }
+
+  void forbidTogether(std::span<const VersionIndex> versions) override {
+    forbiddenTogether_.emplace_back(versions.begin(), versions.end());
+    forbidTogether(*work_, versions);
+  }
+
+  void forbidAtEnd(std::span<const VersionIndex> versions) override {
+    forbiddenAtEnd_.emplace_back(versions.begin(), versions.end());
+    forbidAtEnd(*work_, versions);
+  }
+
+ private:
+  static constexpr std::uint32_t mostLaps = 6;     // that a network is made for
+  static constexpr std::size_t mostCopies = 1000;  // of what is forbidden
+
+  std::vector<WeightShare> findShares() {
+    const PlanNetwork& network = work_->network;
+    if (!network.canBegin() || network.targets.empty()) return {};
+    return work_->leastWeight.find();
+  }
+
+  /// Lets names go back as often as ways might that are as light as the best ones found. False when
+  /// they do already. Throws Undecided when that is too often, or never known.
+  bool takeLaps(const std::vector<WeightShare>& shares) {
+    if (!work_->network.isCut) return false;
+    const std::uint64_t most = shares.empty() ? Unrolling::noWay - 1 : weightOf(shares);
+    const std::vector<NameIndex> open = namesThatMayGoBack(most);
+    if (open.empty() || leastWeightBeyond(open) > most) return false;
+    for (const NameIndex name : open) {
+      if (laps_[name] == mostLaps) throw Undecided();
+      ++laps_[name];
+    }
+    return true;
+  }
+
+  /// Those that may go back more often in a plan that weighs so much, as far as each name's own
+  /// ways tell.
+  std::vector<NameIndex> namesThatMayGoBack(std::uint64_t most) const {
+    const PlanNetwork& network = work_->network;
+    std::vector<std::uint64_t> least;
+    std::uint64_t sum = 0;
+    for (const Unrolling& unrolling : network.unrollings) {
+      least.push_back(unrolling.leastWeight(0));
+      if (least.back() == Unrolling::noWay) return {};  // however often
+      sum += least.back();
+    }
+    std::vector<NameIndex> open;
+    for (NameIndex name = 0; name < laps_.size(); ++name) {
+      if (!network.unrollings[name].isCyclic()) continue;
+      const std::uint64_t own = network.unrollings[name].leastWeight(laps_[name]);
+      if (own != Unrolling::noWay && own <= most - std::min(most, sum - least[name])) {
+        open.push_back(name);
+      }
+    }
+    return open;
+  }
+
+  /// What plans weigh at least in which one of these names goes back more often than it may.
+  std::uint64_t leastWeightBeyond(const std::vector<NameIndex>& names) const {
+    auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_, true});
+    NetworkPlanning beyond(*std::move(network));
+    forbidAll(beyond);
+    if (!beyond.network.canBegin() || beyond.network.targets.empty()) return Unrolling::noWay;
+    std::vector<Literal> isAnyHeld;
+    for (const NodeIndex node : beyond.network.beyond) {
+      const NameIndex name = beyond.network.nodes[node].name;
+      if (std::binary_search(names.begin(), names.end(), name)) {
+        isAnyHeld.push_back(beyond.plans.formula.isHeld(node));
+      }
+    }
+    beyond.plans.sat.addClause(isAnyHeld);
+    const std::vector<WeightShare> shares = beyond.leastWeight.find();
+    return shares.empty() ? Unrolling::noWay : weightOf(shares);
+  }
+
+  static std::uint64_t weightOf(const std::vector<WeightShare>& shares) {
+    const WeightShare& share = shares.front();
+    return share.expensiveHops * expensiveHopWeight + share.ordinaryHops + share.layers;
+  }
+
+  BackwardPlan planOf(const std::vector<WeightShare>& shares) {
+    PlanSolver& plans = work_->plans;
     std::optional<StepWeights> first;
     std::vector<std::uint64_t> firstWeights;
     for (const WeightShare& share : shares) {
-      StepWeights steps(plans_, timeline_, share);
+      StepWeights steps(plans, work_->timeline, share);
       std::vector<std::uint64_t> weights = steps.find();
       // Heavier comes first; sequences of one total do not begin one another.
       if (first && weights <= firstWeights) continue;
       first.emplace(std::move(steps));
       firstWeights = std::move(weights);
     }
-    const PlannedWay way = FirstPlaces(plans_, first->steps(), first->decided(), start_).find();
-    return backwardPlan(way, firstWeights);
+    FirstPlaces places(plans, first->steps(), first->decided(), links_, start_);
+    return backwardPlan(places.find(), firstWeights);
   }
 
-  void forbidTogether(std::span<const VersionIndex> versions) override {
-    plans_.formula.forbidTogether(nodesOf(versions));
+  void forbidAll(NetworkPlanning& work) const {
+    for (const auto& versions : forbiddenTogether_) forbidTogether(work, versions);
+    for (const auto& versions : forbiddenAtEnd_) forbidAtEnd(work, versions);
   }
 
-  void forbidAtEnd(std::span<const VersionIndex> versions) override {
-    std::vector<Literal> clause;
-    for (const NodeIndex node : nodesOf(versions)) clause.push_back(-plans_.formula.endsAt(node));
-    plans_.sat.addClause(clause);
-  }
-
- private:
-  std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const {
-    std::vector<NodeIndex> nodes;
-    for (const VersionIndex version : versions) {
-      const auto& [first, end] = network_.names[space_.versions[version].name];
-      NodeIndex node = first;
-      while (node < end && network_.nodes[node].version != version) ++node;
-      nodes.push_back(node);
+  void forbidTogether(NetworkPlanning& work, std::span<const VersionIndex> versions) const {
+    for (const auto& nodes : copiesOf(work.network, versions)) {
+      work.plans.formula.forbidTogether(nodes);
     }
-    return nodes;
+  }
+
+  void forbidAtEnd(NetworkPlanning& work, std::span<const VersionIndex> versions) const {
+    for (const auto& nodes : copiesOf(work.network, versions)) {
+      std::vector<Literal> clause;
+      clause.reserve(nodes.size());
+      for (const NodeIndex node : nodes) clause.push_back(-work.plans.formula.endsAt(node));
+      work.plans.sat.addClause(clause);
+    }
+  }
+
+  /// The nodes that stand for some versions, one for each, in all laps.
+  std::vector<std::vector<NodeIndex>> copiesOf(const PlanNetwork& network,
+                                               std::span<const VersionIndex> versions) const {
+    std::vector<std::vector<NodeIndex>> copies(1);
+    for (const VersionIndex version : versions) {
+      const NameIndex name = ground_.space.versions[version].name;
+      std::vector<std::vector<NodeIndex>> longer;
+      for (const NodeIndex node : network.copiesOf(version, name)) {
+        for (const std::vector<NodeIndex>& nodes : copies) {
+          longer.push_back(nodes);
+          longer.back().push_back(node);
+        }
+      }
+      if (longer.size() > mostCopies) throw Undecided();
+      copies = std::move(longer);
+    }
+    return copies;
   }
 
   BackwardPlan backwardPlan(const PlannedWay& way,
                             const std::vector<std::uint64_t>& weights) const {
+    const PlanNetwork& network = work_->network;
     std::vector<VersionSelection> selections(1);
-    for (const NodeIndex node : way.start) selections[0].push_back(network_.nodes[node].version);
+    for (const NodeIndex node : way.start) selections[0].push_back(network.nodes[node].version);
     std::vector<std::vector<PlannedHop>> hops;
     for (const std::vector<ArcIndex>& step : way.steps) {
       VersionSelection after = selections.back();
       std::vector<PlannedHop>& made = hops.emplace_back(after.size(), PlannedHop::None);
       for (NameIndex name = 0; name < step.size(); ++name) {
         if (step[name] == SearchSpace::none) continue;
-        const PlanNetwork::Arc& arc = network_.arcs[step[name]];
-        after[name] = network_.nodes[arc.to].version;
-        made[name] = arc.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary;
+        const PlanNetwork::Arc& arc = network.arcs[step[name]];
+        after[name] = network.nodes[arc.to].version;
+        made[name] = arc.hop;
       }
       selections.push_back(std::move(after));
     }
-    return BackwardPlan::ofOneWay(space_.sources.size(), selections, hops, weights);
+    return BackwardPlan::ofOneWay(ground_.space.sources.size(), selections, hops, weights);
   }
 
-  const SearchSpace& space_;
+  const PlanningGround ground_;
+  const std::vector<VersionSelection> targets_;
+  const std::unique_ptr<const VariantLinks> own_;
+  const LinkChoices* const links_;  // null if no name can be brought in
   const OpenStart* const start_;
-  const PlanNetwork network_;
-  PlanSolver plans_;
-  Timeline timeline_;
-  LeastWeight leastWeight_;
+  std::vector<std::uint32_t> laps_;  // by name
+  std::optional<NetworkPlanning> work_;
+  std::vector<std::vector<VersionIndex>> forbiddenTogether_;
+  std::vector<std::vector<VersionIndex>> forbiddenAtEnd_;
 };
 
 }  // namespace
 
 std::unique_ptr<LearningPlanner> LearningPlanner::create(
+    const PlanningGround& ground, const std::vector<VersionSelection>& targets) {
+  const bool isAnyAbsent =
+      std::any_of(ground.space.names.begin(), ground.space.names.end(),
+                  [](const auto& name) { return name.absent != SearchSpace::none; });
+  auto links = isAnyAbsent ? VariantLinks::create(ground.space) : nullptr;
+  if (isAnyAbsent && !links) return nullptr;
+  const LinkChoices* const choices = links.get();
+  auto planner = std::make_unique<Planner>(ground, targets, choices, nullptr, std::move(links));
+  if (!planner->begin()) return nullptr;
+  return planner;
+}
+
+std::unique_ptr<LearningPlanner> LearningPlanner::create(
     const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-    const OpenStart* start) {
-  auto network = makePlanNetwork(ground, targets, start);
-  if (!network) return nullptr;
-  return std::make_unique<Planner>(ground, *std::move(network), start);
+    const LinkChoices& links, const OpenStart* start) {
+  auto planner = std::make_unique<Planner>(ground, targets, &links, start, nullptr);
+  if (!planner->begin()) return nullptr;
+  return planner;
 }
 
 }  // namespace tarn::evolution::pathfinder

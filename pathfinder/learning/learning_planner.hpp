@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "pathfinder/learning/open_start.hpp"
+#include "pathfinder/learning/link_choices.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/step_problem.hpp"
 
@@ -15,23 +15,31 @@ namespace tarn::evolution::pathfinder {
 /// that there is none. What it has learnt serves the plans that are asked for later.
 class LearningPlanner {
  public:
-  /// No value when the question is of a kind that has to be planned otherwise: when links may bring
-  /// names in, when a source is not regular, or when the hops of a name form cycles.
-  ///
-  /// Plans begin at the sources of the space or, if it is not null, at an open start.
+  /// Thrown where hops form cycles and it is not known how often the best plans go through them.
+  struct Undecided {};
+
+  /// Null when the question is of a kind that has to be planned otherwise: when a source is not
+  /// regular, when a version links another one of its own name, or when names can be brought in and
+  /// only some of a version's linked metamodels do so.
+  static std::unique_ptr<LearningPlanner> create(const PlanningGround& ground,
+                                                 const std::vector<VersionSelection>& targets);
+
+  /// The same for a space without variants: `links` tells what brings names in. Plans begin at the
+  /// sources of the space or, if it is not null, at an open start.
   static std::unique_ptr<LearningPlanner> create(const PlanningGround& ground,
                                                  const std::vector<VersionSelection>& targets,
-                                                 const OpenStart* start = nullptr);
+                                                 const LinkChoices& links, const OpenStart* start);
 
   LearningPlanner(const LearningPlanner&) = delete;
   LearningPlanner& operator=(const LearningPlanner&) = delete;
   virtual ~LearningPlanner() = default;
 
   /// The plan that comes first among those that are not forbidden, and none beside it; no value
-  /// when there is none. Throws SearchStopped when a limit of the search is reached.
+  /// when there is none. Throws SearchStopped when a limit of the search is reached, and Undecided.
   virtual std::optional<BackwardPlan> plan() = 0;
 
   /// Forbids that versions, each of another name, are held together; or that a plan ends with them.
+  /// Throws Undecided.
   virtual void forbidTogether(std::span<const VersionIndex> versions) = 0;
   virtual void forbidAtEnd(std::span<const VersionIndex> versions) = 0;
 

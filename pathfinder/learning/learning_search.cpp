@@ -82,14 +82,22 @@ class LearningEngine final : public SecondPlanner {
   Answer plan(const PlanningGround& ground) const override {
     const auto planner = beginOn(ground);
     if (!planner) return {};
-    return {true, planner->plan()};
+    try {
+      return {true, planner->plan()};
+    } catch (const LearningPlanner::Undecided&) {
+      return {};
+    }
   }
 
   std::optional<SearchAnswer> search(const SearchQuestion& question,
                                      const PlanningGround& ground) const override {
     const auto planner = beginOn(ground);
     if (!planner) return std::nullopt;
-    return LearningSearch(question, ground.space, *planner).run();
+    try {
+      return LearningSearch(question, ground.space, *planner).run();
+    } catch (const LearningPlanner::Undecided&) {
+      return std::nullopt;
+    }
   }
 };
 

@@ -35,7 +35,7 @@ bool LeastWeight::findFewestExpensiveHops() {
     leastExpensive_ = setCosts(
         *fewestExpensive_,
         [&](const PlanNetwork::Arc& arc) {
-          return (arc.expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
+          return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
                  nodes[arc.from].expensiveLeft;
         },
         [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
@@ -55,7 +55,8 @@ void LeastWeight::findFewestOrdinaryHops() {
   leastOrdinary_ = setCosts(
       *fewestOrdinary_,
       [&](const PlanNetwork::Arc& arc) {
-        return (arc.expensive ? 0 : 1) + nodes[arc.to].ordinaryLeft - nodes[arc.from].ordinaryLeft;
+        return (arc.hop == PlannedHop::Ordinary ? 1 : 0) + nodes[arc.to].ordinaryLeft -
+               nodes[arc.from].ordinaryLeft;
       },
       [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
   fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
@@ -153,7 +154,8 @@ void LeastWeight::noteBounds(std::uint64_t leastOrdinaryWeight) const {
   SearchWatch* watch = SearchWatch::current();
   if (watch == nullptr) return;
   const std::uint64_t expensive = expensiveHops_ * expensiveHopWeight;
-  watch->noteProven(expensive + leastOrdinaryWeight);
+  // Ways of more laps may be lighter.
+  if (!plans_.network.isCut) watch->noteProven(expensive + leastOrdinaryWeight);
   watch->noteFound(expensive + best_);
 }
 

@@ -3,7 +3,8 @@
 // fewest orders is found by a breadth-first search over orders (0-1 BFS) and forbidden by a clause:
 // not all of these orders, of nodes that are held. Where the circle enters a node and leaves the
 // one before by one hop, that hop is named too, since another hop would make an edge of it. So a
-// clause holds in every plan, however long.
+// clause holds in every plan, however long. A part of the circle that goes on from where a node is
+// entered needs no hop to be named: the node before on the circle is the same or an earlier one.
 //
 // Without circles, the layers of a plan are the longest chains of components, each counting one if
 // it has an ordinary hop.
@@ -54,7 +55,8 @@ void OrderCheck::readWays() {
       events_.push_back({arc, false});
       way.nodes.push_back(node);
       way.arcs.push_back(arc);
-      ++(network_.arcs[arc].expensive ? expensiveHops_ : ordinaryHops_);
+      if (network_.arcs[arc].hop == PlannedHop::Expensive) ++expensiveHops_;
+      if (network_.arcs[arc].hop == PlannedHop::Ordinary) ++ordinaryHops_;
     }
     if (!way.arcs.empty()) events_.back().isLast = true;
   }
@@ -65,12 +67,17 @@ void OrderCheck::findEdges() {
   edgesOf_.clear();
   for (const Event& event : events_) {
     edgesOf_.push_back(edges_.size());
-    const NodeIndex left = network_.arcs[event.arc].from;
-    for (const PlanFormula::Order& order : formula_.ordersOf(left)) {
-      const EventIndex to = eventInto_[order.entered];
-      if (to == none || !solver_.isTrue(order.literal)) continue;
-      edges_.push_back({to, left, order.entered, order.literal});
-    }
+    const auto addEdges = [&](NodeIndex from, std::span<const PlanFormula::Order> orders,
+                              bool isLeft) {
+      for (const PlanFormula::Order& order : orders) {
+        const EventIndex to = eventInto_[order.entered];
+        if (to == none || !solver_.isTrue(order.literal)) continue;
+        edges_.push_back({to, from, order.entered, order.literal, isLeft});
+      }
+    };
+    const auto& [left, entered, hop, place] = network_.arcs[event.arc];
+    addEdges(left, formula_.ordersOf(left), true);
+    addEdges(entered, formula_.broughtInWith(entered), false);
   }
   edgesOf_.push_back(edges_.size());
 }
@@ -176,10 +183,12 @@ void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
     const Edge& edge = *circle[i];
     const Edge& next = *circle[(i + 1) % circle.size()];
     clause.push_back(-edge.literal);
-    clause.push_back(-formula_.isHeld(edge.left));
+    clause.push_back(-formula_.isHeld(edge.from));
     clause.push_back(-formula_.isHeld(edge.entered));
     const EventIndex joined = eventInto_[edge.entered];
-    if (joined == eventOutOf_[next.left]) clause.push_back(-formula_.isUsed(events_[joined].arc));
+    if (next.isLeft && joined == eventOutOf_[next.from]) {
+      clause.push_back(-formula_.isUsed(events_[joined].arc));
+    }
   }
   std::sort(clause.begin(), clause.end());
   clause.erase(std::unique(clause.begin(), clause.end()), clause.end());
@@ -193,7 +202,8 @@ void OrderCheck::countSteps() {
   std::vector<std::vector<EventIndex>> members(components_);
   for (EventIndex event = 0; event < events_.size(); ++event) {
     members[componentOf_[event]].push_back(event);
-    if (!network_.arcs[events_[event].arc].expensive) own[componentOf_[event]] = 1;
+    const PlannedHop hop = network_.arcs[events_[event].arc].hop;
+    if (hop == PlannedHop::Ordinary) own[componentOf_[event]] = 1;
   }
   ordinarySteps_ = 0;
   for (std::uint32_t component = components_; component-- > 0;) {  // what comes first, first

@@ -12,8 +12,9 @@ namespace tarn::evolution::pathfinder {
 ///
 /// The events of a plan are the hops that are used. A hop comes strictly later than the one before
 /// of its name, and a hop out of v no later than a hop into w if v is to be left before w is
-/// entered. The plan can be carried out if no circle of these has a strict part; the hops of a
-/// circle that has none are made in one step.
+/// entered. That links bring a name in is an event as well, no earlier than the hop because of
+/// which they do. The plan can be carried out if no circle of these has a strict part; the hops of
+/// a circle that has none are made in one step.
 class OrderCheck {
  public:
   OrderCheck(const PlanNetwork& network, PlanFormula& formula, SatSolver& solver)
@@ -54,9 +55,10 @@ class OrderCheck {
   /// That an event comes no later than another one, because of how two nodes are ordered.
   struct Edge {
     EventIndex to;
-    NodeIndex left;
+    NodeIndex from;  // which is left, or entered, by the event that comes no later
     NodeIndex entered;
     Literal literal;
+    bool isLeft;  // whether `from` is left by it
   };
 
   void readWays();
@@ -66,8 +68,6 @@ class OrderCheck {
   void forbidCircleThrough(EventIndex event);
   void addClause(const std::vector<const Edge*>& circle);
   void countSteps();
-
-  EventIndex entering(NodeIndex node) const { return eventInto_[node]; }
 
   const PlanNetwork& network_;
   PlanFormula& formula_;

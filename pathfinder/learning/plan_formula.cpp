@@ -6,6 +6,9 @@
 //   order    for incompatible v and w one literal o: true, v is left no later than w is entered;
 //            false, w is left no later than v is entered. What a name starts at was never entered,
 //            what it ends at is never left.
+//   links    an arc by which links bring a name in -> some node that needs the name is entered, no
+//            later than the name; "absent" is incompatible with such nodes, so it is no earlier
+//            either. A start that nothing selects -> one of the starts that need it
 //   circles  of two names: v left before w is entered, so all that comes before v is left before
 //            all that comes after w is entered
 //
@@ -37,7 +40,8 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
       always_(solver.newVariable()),
       startsAt_(network.nodes.size(), -always_),
       endsAt_(network.nodes.size(), -always_),
-      orders_(network.nodes.size()) {
+      orders_(network.nodes.size()),
+      broughtInWith_(network.nodes.size()) {
   solver_.addClause({always_});
   for (std::size_t i = 0; i < network.nodes.size(); ++i) isHeld_.push_back(solver.newVariable());
   for (std::size_t i = 0; i < network.arcs.size(); ++i) isUsed_.push_back(solver.newVariable());
@@ -46,6 +50,8 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
   for (NodeIndex node = 0; node < network.nodes.size(); ++node) addWay(node);
   findWhatComesBefore();
   for (const PlanNetwork::Neighbours& neighbours : network.neighbours) addNeighbours(neighbours);
+  addBringingIn();
+  addOpenStarts();
 }
 
 void PlanFormula::addSources() {
@@ -115,6 +121,41 @@ void PlanFormula::addWay(NodeIndex node) {
   };
   addSide(itself.in, startsAt_[node]);
   addSide(itself.out, endsAt_[node]);
+}
+
+/// Dependencies make no cycles, so what is brought in is so, in the end, because of a hop.
+void PlanFormula::addBringingIn() {
+  for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) {
+    if (network_.arcs[arc].hop == PlannedHop::None) addBringingIn(arc);
+  }
+}
+
+void PlanFormula::addBringingIn(ArcIndex arc) {
+  const NodeIndex entered = network_.arcs[arc].to;
+  std::vector<Literal> clause{-isUsed_[arc]};
+  for (const NodeIndex needing : network_.nodes[entered].needing) {
+    const Literal isBecause = solver_.newVariable();
+    solver_.addClause({-isBecause, isUsed_[arc]});
+    solver_.addClause({-isBecause, isHeld_[needing]});
+    solver_.addClause({-isBecause, -startsAt_[needing]});
+    broughtInWith_[needing].push_back({entered, isBecause});
+    clause.push_back(isBecause);
+  }
+  solver_.addClause(clause);
+}
+
+void PlanFormula::addOpenStarts() {
+  for (NameIndex name = 0; name < network_.starts.size(); ++name) {
+    if (!network_.mayBeAbsent[name]) continue;
+    for (const NodeIndex node : network_.starts[name]) {
+      if (network_.nodes[node].isAbsent) continue;
+      std::vector<Literal> clause{-startsAt_[node]};
+      for (const NodeIndex needing : network_.nodes[node].needing) {
+        clause.push_back(startsAt_[needing]);
+      }
+      solver_.addClause(clause);
+    }
+  }
 }
 
 /// That a node is left no later than another one is entered, or the reverse, if both are held.

@@ -41,15 +41,20 @@ class PlanFormula {
   /// All that may be said of when a node is left.
   std::span<const Order> ordersOf(NodeIndex left) const { return orders_[left]; }
 
+  /// That a node, if it is entered, is so no later than one that is brought in because of it.
+  std::span<const Order> broughtInWith(NodeIndex needing) const { return broughtInWith_[needing]; }
+
   /// Forbids that all of these nodes are held at the same time, of which each two may be.
   void forbidTogether(std::span<const NodeIndex> nodes);
 
  private:
-  void addWays();
   void addSources();
   void addTargets();
   void addWay(NodeIndex node);
   void addNeighbours(const PlanNetwork::Neighbours& neighbours);
+  void addBringingIn();
+  void addBringingIn(ArcIndex arc);
+  void addOpenStarts();
   Literal addOrder(NodeIndex left, NodeIndex right);
   void addConsequences(const PlanNetwork::Neighbours& neighbours,
                        const std::vector<Literal>& orders);
@@ -68,6 +73,7 @@ class PlanFormula {
   std::vector<Literal> endsAt_;
   std::vector<Literal> isSource_;
   std::vector<std::vector<Order>> orders_;
+  std::vector<std::vector<Order>> broughtInWith_;
 
   // For each node of a name that has neighbours, as bits, the nodes of its name that lie on ways to
   // it.

@@ -5,63 +5,71 @@
 #include <map>
 #include <utility>
 
+#include "pathfinder/search/step_weight.hpp"
+
 namespace tarn::evolution::pathfinder {
 
 namespace {
 
 constexpr std::uint32_t noEnd = std::numeric_limits<std::uint32_t>::max();
 
-using Edges = std::vector<std::vector<std::size_t>>;
-
-std::vector<bool> reachedFrom(std::vector<std::size_t> open, const Edges& edges) {
-  std::vector<bool> isReached(edges.size());
-  for (const std::size_t place : open) isReached[place] = true;
-  while (!open.empty()) {
-    const std::size_t place = open.back();
-    open.pop_back();
-    for (const std::size_t next : edges[place]) {
-      if (!isReached[next]) open.push_back(next);
-      isReached[next] = true;
-    }
-  }
-  return isReached;
-}
-
 class NetworkBuilding {
  public:
   NetworkBuilding(const PlanningGround& ground, const std::vector<VersionSelection>& targets,
-                  const OpenStart* start)
+                  const LinkChoices* links, const OpenStart* start, const LapLimits& limits)
       : space_(ground.space),
         ground_(ground),
+        links_(links),
         start_(start),
         targets_(targets),
-        nodeOf_(ground.space.versions.size(), SearchSpace::none) {}
+        limits_(limits) {
+    network_.nodeOf.assign(ground.space.versions.size(), SearchSpace::none);
+  }
 
   std::optional<PlanNetwork> run() {
     if (space_.anyLinksOwnName) return std::nullopt;  // what a selection holds then is not certain
-    for (const SearchSpace::Name& name : space_.names) {
-      if (name.absent != SearchSpace::none) return std::nullopt;
-    }
     for (const SearchSpace::Source& source : space_.sources) {
       if (!source.isRegular) return std::nullopt;
     }
-    for (NameIndex name = 0; name < space_.names.size(); ++name) {
-      if (!addName(name)) return std::nullopt;
-    }
+    for (NameIndex name = 0; name < space_.names.size(); ++name) addName(name);
+    if (!network_.isCut) network_.unrollings.clear();
     addNeighbours();
+    if (links_ != nullptr) addNeeding();
     addSources();
     addTargets();
     return std::move(network_);
   }
 
  private:
-  /// The hops of a version that matter: of several to one version the first of the lightest.
-  std::map<VersionIndex, SearchSpace::Move> lightestMoves(VersionIndex version) const {
-    std::map<VersionIndex, SearchSpace::Move> result;
+  /// What leads on from a version.
+  struct Onward {
+    PlannedHop hop;
+    std::uint32_t place;
+  };
+  using OnwardByTarget = std::map<VersionIndex, Onward>;
+
+  /// The hops of a version that matter: of several to one version the first of the lightest. From
+  /// "absent", what links can bring in.
+  OnwardByTarget lightestMoves(VersionIndex version) const {
+    if (space_.isAbsent(version)) return entriesOf(space_.versions[version].name);
+    OnwardByTarget result;
     for (const SearchSpace::Move& move : space_.versions[version].moves) {
       if (move.target == version || !ground_.bounds[move.target].isReachable) continue;
-      const auto [known, isNew] = result.try_emplace(move.target, move);
-      if (!isNew && known->second.expensive && !move.expensive) known->second = move;
+      const Onward onward{move.expensive ? PlannedHop::Expensive : PlannedHop::Ordinary,
+                          move.place};
+      const auto [known, isNew] = result.try_emplace(move.target, onward);
+      const bool isLighter = known->second.hop == PlannedHop::Expensive && !move.expensive;
+      if (!isNew && isLighter) known->second = onward;
+    }
+    return result;
+  }
+
+  OnwardByTarget entriesOf(NameIndex name) const {
+    OnwardByTarget result;
+    const SearchSpace::Name& range = space_.names[name];
+    for (VersionIndex version = range.first; version < range.end; ++version) {
+      const bool isEntry = space_.versions[version].isEntry && ground_.bounds[version].isReachable;
+      if (isEntry) result.emplace(version, Onward{PlannedHop::None, 0});
     }
     return result;
   }
@@ -81,96 +89,150 @@ class NetworkBuilding {
                        });
   }
 
-  /// False when the name's hops make a cycle.
-  bool addName(NameIndex name) {
+  void addName(NameIndex name) {
     const VersionIndex first = space_.names[name].first;
-    const VersionIndex end = space_.names[name].end;
-    moves_.assign(end - first, {});
-    for (VersionIndex version = first; version < end; ++version) {
-      if (ground_.bounds[version].isReachable) moves_[version - first] = lightestMoves(version);
-    }
-    std::vector<VersionIndex> order;
-    if (!sortTopologically(first, end, order)) return false;
-    const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
-    for (const VersionIndex version : order) {
-      nodeOf_[version] = static_cast<NodeIndex>(network_.nodes.size());
-      network_.nodes.push_back({.version = version,
-                                .name = name,
-                                .in = {},
-                                .out = {},
-                                .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
-    }
-    network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
-    addArcs(first, order);
-    measureRest(network_.names.back());
-    return true;
-  }
-
-  /// Lists the versions that lie on a way from a start to an end, each after those before it; false
-  /// when they form a cycle.
-  bool sortTopologically(VersionIndex first, VersionIndex end, std::vector<VersionIndex>& order) {
-    const std::vector<bool> isLive = liveVersions(first, end);
-    std::vector<std::uint32_t> before(end - first);
-    for (VersionIndex version = first; version < end; ++version) {
-      if (!isLive[version - first]) continue;
-      for (const auto& [target, move] : moves_[version - first]) ++before[target - first];
-    }
-    for (VersionIndex version = first; version < end; ++version) {
-      if (isLive[version - first] && before[version - first] == 0) order.push_back(version);
-    }
-    // The list grows on the way.
-    for (std::size_t i = 0; i < order.size(); ++i) {  // NOLINT(modernize-loop-convert)
-      for (const auto& [target, move] : moves_[order[i] - first]) {
-        if (isLive[target - first] && --before[target - first] == 0) order.push_back(target);
+    const std::size_t count = space_.names[name].end - first;
+    moves_.assign(count, {});
+    VersionGraph graph{std::vector<std::vector<VersionGraph::Onward>>(count),
+                       std::vector<bool>(count),
+                       std::vector<bool>(count),
+                       {}};
+    for (std::size_t place = 0; place < count; ++place) {
+      const VersionIndex version = first + static_cast<VersionIndex>(place);
+      graph.distance.push_back(ground_.bounds[version].distance);
+      if (!ground_.bounds[version].isReachable) continue;
+      graph.isStart[place] = isStart(version);
+      graph.isEnd[place] = isEnd(version);
+      moves_[place] = lightestMoves(version);
+      for (const auto& [target, onward] : moves_[place]) {
+        graph.onward[place].push_back({target - first, weightOf(onward.hop)});
       }
     }
-    return order.size() == static_cast<std::size_t>(std::count(isLive.begin(), isLive.end(), true));
+    const Unrolling& unrolling = network_.unrollings.emplace_back(graph);
+    const std::uint32_t laps = unrolling.isCyclic() ? limits_.laps[name] : 1;
+    network_.isCut |= unrolling.isCyclic();
+    network_.mayBeAbsent.push_back(space_.names[name].absent != SearchSpace::none);
+    auto& line = lines_.emplace_back();
+    for (const std::size_t place : unrolling.line()) {
+      line.push_back(first + static_cast<VersionIndex>(place));
+    }
+    const auto nodes = static_cast<NodeIndex>(network_.nodes.size());
+    addNodes(name, graph, unrolling, laps);
+    const bool hasBeyond = unrolling.isCyclic() && limits_.isBeyondIn;
+    const NodeIndex beyond = hasBeyond ? addBeyond(name) : SearchSpace::none;
+    network_.names.push_back({nodes, static_cast<NodeIndex>(network_.nodes.size())});
+    addArcs(first, unrolling, laps, beyond);
+    measureRest(network_.names.back());
+    if (limits_.isBeyondIn) measureStepsBefore(network_.names.back());
   }
 
-  /// Those on a way from a start to an end.
-  std::vector<bool> liveVersions(VersionIndex first, VersionIndex end) const {
-    Edges onward(end - first);
-    Edges back(end - first);
+  static std::uint64_t weightOf(PlannedHop hop) {
+    return hop == PlannedHop::None ? 0 : hopWeight(hop == PlannedHop::Expensive);
+  }
+
+  /// Adds the versions on the line for each lap, but for those that lie on no way then.
+  void addNodes(NameIndex name, const VersionGraph& graph, const Unrolling& unrolling,
+                std::uint32_t laps) {
+    const std::size_t count = graph.onward.size();
+    std::vector<std::vector<std::size_t>> ahead(count * laps);
+    std::vector<std::vector<std::size_t>> back(count * laps);
     std::vector<std::size_t> starts;
     std::vector<std::size_t> ends;
-    for (VersionIndex version = first; version < end; ++version) {
-      if (!ground_.bounds[version].isReachable) continue;
-      if (isStart(version)) starts.push_back(version - first);
-      if (isEnd(version)) ends.push_back(version - first);
-      for (const auto& [target, move] : moves_[version - first]) {
-        onward[version - first].push_back(target - first);
-        back[target - first].push_back(version - first);
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        const std::size_t own = lap * count + place;
+        if (lap == 0 && graph.isStart[place]) starts.push_back(own);
+        if (graph.isEnd[place]) ends.push_back(own);
+        for (const VersionGraph::Onward& next : graph.onward[place]) {
+          const std::size_t nextLap = lap + (unrolling.goesBack(place, next.target) ? 1 : 0);
+          if (!unrolling.isOnLine(next.target) || nextLap == laps) continue;
+          ahead[own].push_back(nextLap * count + next.target);
+          back[nextLap * count + next.target].push_back(own);
+        }
       }
     }
-    std::vector<bool> isLive = reachedFrom(std::move(starts), onward);
+    const std::vector<bool> isReached = reachedFrom(std::move(starts), ahead);
     const std::vector<bool> leadsOn = reachedFrom(std::move(ends), back);
-    for (std::size_t i = 0; i < isLive.size(); ++i) isLive[i] = isLive[i] && leadsOn[i];
-    return isLive;
+    nodes_.assign(count * laps, SearchSpace::none);
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        if (!isReached[lap * count + place]) continue;
+        if (!leadsOn[lap * count + place] && !limits_.isBeyondIn) continue;
+        const auto version = space_.names[name].first + static_cast<VersionIndex>(place);
+        const auto node = static_cast<NodeIndex>(network_.nodes.size());
+        nodes_[lap * count + place] = node;
+        if (lap == 0) network_.nodeOf[version] = node;
+        network_.nodes.push_back(
+            {.version = version,
+             .name = name,
+             .isAbsent = space_.isAbsent(version),
+             .in = {},
+             .out = {},
+             .ordinaryStepsBefore = ground_.bounds[version].ordinaryStepsEver});
+      }
+    }
   }
 
-  void addArcs(VersionIndex first, const std::vector<VersionIndex>& versions) {
-    for (const VersionIndex version : versions) {
-      for (const auto& [target, move] : moves_[version - first]) {
-        if (nodeOf_[target] == SearchSpace::none) continue;
-        const auto arc = static_cast<ArcIndex>(network_.arcs.size());
-        network_.arcs.push_back({nodeOf_[version], nodeOf_[target], move.expensive, move.place});
-        network_.nodes[nodeOf_[version]].out.push_back(arc);
-        network_.nodes[nodeOf_[target]].in.push_back(arc);
+  NodeIndex addBeyond(NameIndex name) {
+    const auto node = static_cast<NodeIndex>(network_.nodes.size());
+    network_.beyond.push_back(node);
+    network_.nodes.push_back(
+        {.version = SearchSpace::none, .name = name, .isAbsent = false, .in = {}, .out = {}});
+    return node;
+  }
+
+  void addArcs(VersionIndex first, const Unrolling& unrolling, std::uint32_t laps,
+               NodeIndex beyond) {
+    const std::size_t count = moves_.size();
+    for (std::uint32_t lap = 0; lap < laps; ++lap) {
+      for (const std::size_t place : unrolling.line()) {
+        const NodeIndex from = nodes_[lap * count + place];
+        if (from == SearchSpace::none) continue;
+        for (const auto& [target, onward] : moves_[place]) {
+          const std::size_t next = target - first;
+          if (!unrolling.isOnLine(next)) continue;
+          const std::size_t nextLap = lap + (unrolling.goesBack(place, next) ? 1 : 0);
+          addArc(from, nextLap == laps ? beyond : nodes_[nextLap * count + next], onward);
+        }
       }
+    }
+  }
+
+  void addArc(NodeIndex from, NodeIndex to, const Onward& onward) {
+    if (to == SearchSpace::none) return;
+    const auto arc = static_cast<ArcIndex>(network_.arcs.size());
+    network_.arcs.push_back({from, to, onward.hop, onward.place});
+    network_.nodes[from].out.push_back(arc);
+    network_.nodes[to].in.push_back(arc);
+  }
+
+  /// What bounds say of steps holds for names that are never beyond; with them, only what each name
+  /// does itself.
+  void measureStepsBefore(const PlanNetwork::Name& name) {
+    for (NodeIndex index = name.first; index < name.end; ++index) {
+      PlanNetwork::Node& node = network_.nodes[index];
+      std::uint32_t least = noEnd;
+      for (const ArcIndex arc : node.in) {
+        const std::uint32_t before = network_.nodes[network_.arcs[arc].from].ordinaryStepsBefore;
+        least = std::min(least, before + (network_.arcs[arc].hop == PlannedHop::Ordinary ? 1 : 0));
+      }
+      const bool mayStart = node.version != SearchSpace::none && isStart(node.version);
+      node.ordinaryStepsBefore = mayStart || node.in.empty() ? 0 : least;
     }
   }
 
   void measureRest(const PlanNetwork::Name& name) {
     for (NodeIndex index = name.end; index-- > name.first;) {
       PlanNetwork::Node& node = network_.nodes[index];
-      const bool isAtEnd = isEnd(node.version);
+      const bool isAtEnd = node.version == SearchSpace::none || isEnd(node.version);
       node.expensiveLeft = node.ordinaryLeft = node.hopsLeft = isAtEnd ? 0 : noEnd;
       for (const ArcIndex arc : node.out) {
         const PlanNetwork::Node& next = network_.nodes[network_.arcs[arc].to];
-        const bool isExpensive = network_.arcs[arc].expensive;
-        node.expensiveLeft =
-            std::min(node.expensiveLeft, next.expensiveLeft + (isExpensive ? 1 : 0));
-        node.ordinaryLeft = std::min(node.ordinaryLeft, next.ordinaryLeft + (isExpensive ? 0 : 1));
+        const PlannedHop hop = network_.arcs[arc].hop;
+        node.expensiveLeft = std::min(node.expensiveLeft,
+                                      next.expensiveLeft + (hop == PlannedHop::Expensive ? 1 : 0));
+        node.ordinaryLeft =
+            std::min(node.ordinaryLeft, next.ordinaryLeft + (hop == PlannedHop::Ordinary ? 1 : 0));
         node.hopsLeft = std::min(node.hopsLeft, next.hopsLeft + 1);
       }
     }
@@ -190,21 +252,67 @@ class NetworkBuilding {
     const auto& [leftFirst, leftEnd] = network_.names[left];
     const auto& [rightFirst, rightEnd] = network_.names[right];
     for (NodeIndex one = leftFirst; one < leftEnd; ++one) {
-      const ConstBitRow row = ground_.compatibility.row(network_.nodes[one].version, place);
       for (NodeIndex other = rightFirst; other < rightEnd; ++other) {
-        if (!row.contains(space_.rankOf(network_.nodes[other].version))) {
-          neighbours.incompatible.emplace_back(one, other);
-        }
+        if (!areCompatible(one, other, place)) neighbours.incompatible.emplace_back(one, other);
       }
     }
     if (!neighbours.incompatible.empty()) network_.neighbours.push_back(std::move(neighbours));
   }
 
+  /// The versions that a node may stand for.
+  std::span<const VersionIndex> versionsOf(NodeIndex node) const {
+    const VersionIndex& version = network_.nodes[node].version;
+    if (version != SearchSpace::none) return {&version, 1};
+    return lines_[network_.nodes[node].name];
+  }
+
+  bool areCompatible(NodeIndex left, NodeIndex right, std::size_t place) const {
+    const auto others = versionsOf(right);
+    for (const VersionIndex version : versionsOf(left)) {
+      const ConstBitRow row = ground_.compatibility.row(version, place);
+      const bool isAny = std::any_of(others.begin(), others.end(), [&](VersionIndex other) {
+        return row.contains(space_.rankOf(other));
+      });
+      if (isAny) return true;
+    }
+    return false;
+  }
+
+  void addNeeding() {
+    for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+      if (network_.nodes[node].isAbsent) continue;
+      for (const VersionIndex version : versionsOf(node)) {
+        for (const NameIndex needed : links_->needsOf(version)) addNeeding(node, version, needed);
+      }
+    }
+  }
+
+  void addNeeding(NodeIndex node, VersionIndex version, NameIndex needed) {
+    if (space_.names[needed].absent == SearchSpace::none) return;
+    const auto& neighbours = ground_.compatibility.neighbours(network_.nodes[node].name);
+    const auto known = std::lower_bound(neighbours.begin(), neighbours.end(), needed);
+    const bool areNeighbours = known != neighbours.end() && *known == needed;
+    const auto place = static_cast<std::size_t>(known - neighbours.begin());
+    const auto& [first, end] = network_.names[needed];
+    for (NodeIndex entry = first; entry < end; ++entry) {
+      const VersionIndex entered = network_.nodes[entry].version;
+      if (entered == SearchSpace::none || !space_.versions[entered].isEntry) continue;
+      // Otherwise what follows from other names excludes it.
+      if (areNeighbours &&
+          !ground_.compatibility.row(version, place).contains(space_.rankOf(entered))) {
+        continue;
+      }
+      auto& needing = network_.nodes[entry].needing;
+      if (needing.empty() || needing.back() != node) needing.push_back(node);
+    }
+  }
+
   void addStarts() {
-    for (const std::vector<VersionIndex>& versions : start_->versions()) {
+    for (const std::vector<VersionIndex>& versions : start_->versions) {
       std::vector<NodeIndex>& nodes = network_.starts.emplace_back();
       for (const VersionIndex version : versions) {
-        if (nodeOf_[version] != SearchSpace::none) nodes.push_back(nodeOf_[version]);
+        if (network_.nodeOf[version] != SearchSpace::none)
+          nodes.push_back(network_.nodeOf[version]);
       }
     }
   }
@@ -217,22 +325,32 @@ class NetworkBuilding {
     for (std::size_t place = 0; place < space_.sources.size(); ++place) {
       PlanNetwork::Source source{place, {}};
       for (const VersionIndex version : space_.sources[place].selection) {
-        if (nodeOf_[version] != SearchSpace::none) source.nodes.push_back(nodeOf_[version]);
+        if (network_.nodeOf[version] != SearchSpace::none)
+          source.nodes.push_back(network_.nodeOf[version]);
       }
       const bool isComplete = source.nodes.size() == space_.names.size();
       if (isComplete) network_.sources.push_back(std::move(source));
     }
   }
 
+  std::vector<NodeIndex> endsAt(VersionIndex version) const {
+    const NameIndex name = space_.versions[version].name;
+    std::vector<NodeIndex> ends = network_.copiesOf(version, name);
+    for (const NodeIndex beyond : network_.beyond) {
+      if (network_.nodes[beyond].name == name) ends.push_back(beyond);
+    }
+    return ends;
+  }
+
   void addTargets() {
     for (const VersionSelection& target : targets_) {
       std::vector<std::vector<NodeIndex>> ends(target.size());
       const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
-        return end == SearchSpace::none || nodeOf_[end] != SearchSpace::none;
+        return end == SearchSpace::none || !endsAt(end).empty();
       });
       if (!isWithinReach) continue;
       for (NameIndex name = 0; name < target.size(); ++name) {
-        if (target[name] != SearchSpace::none) ends[name].push_back(nodeOf_[target[name]]);
+        if (target[name] != SearchSpace::none) ends[name] = endsAt(target[name]);
       }
       network_.targets.push_back(std::move(ends));
     }
@@ -240,19 +358,26 @@ class NetworkBuilding {
 
   const SearchSpace& space_;
   const PlanningGround& ground_;
+  const LinkChoices* const links_;
   const OpenStart* const start_;
   const std::vector<VersionSelection>& targets_;
   PlanNetwork network_;
-  std::vector<NodeIndex> nodeOf_;                                 // by version
-  std::vector<std::map<VersionIndex, SearchSpace::Move>> moves_;  // of the name that is added
+  const LapLimits& limits_;
+
+  std::vector<std::vector<VersionIndex>> lines_;  // by name: what may lie on its ways
+
+  // Of the name that is added, by version, and by lap and version.
+  std::vector<OnwardByTarget> moves_;
+  std::vector<NodeIndex> nodes_;
 };
 
 }  // namespace
 
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const OpenStart* start) {
-  return NetworkBuilding(ground, targets, start).run();
+                                           const LinkChoices* links, const OpenStart* start,
+                                           const LapLimits& limits) {
+  return NetworkBuilding(ground, targets, links, start, limits).run();
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -7,7 +7,9 @@
 #include <span>
 #include <vector>
 
-#include "pathfinder/learning/open_start.hpp"
+#include "pathfinder/learning/link_choices.hpp"
+#include "pathfinder/learning/unrolling.hpp"
+#include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/step_problem.hpp"
@@ -18,13 +20,22 @@ using NodeIndex = std::uint32_t;
 using ArcIndex = std::uint32_t;
 
 /// The ways that the names of a search space can go: for each name a graph without cycles, whose
-/// nodes are versions that some way from a source to a target holds, and whose arcs are hops.
+/// nodes are versions that some way from a source to a target holds, and whose arcs are hops. A
+/// name that links have to bring in begins at a node for "absent", from which arcs lead to the
+/// versions that can be brought in. Where the hops of a name form cycles, its versions have a node
+/// for each lap, up to some number of laps. What is more may be left out, or stand for itself as a
+/// node "beyond": an end, at which the name holds whichever of its versions suits.
 struct PlanNetwork {
   struct Node {
-    VersionIndex version;
+    VersionIndex version;  ///< none for "beyond"
     NameIndex name;
+    bool isAbsent;
     std::vector<ArcIndex> in;
     std::vector<ArcIndex> out;
+
+    /// Where links can bring it in: the nodes that depend on its name and admit it. One of these is
+    /// entered in the step in which it is brought in.
+    std::vector<NodeIndex> needing = {};
 
     /// After how many steps with an ordinary hop it can be held, in any plan.
     std::uint32_t ordinaryStepsBefore = 0;
@@ -38,7 +49,7 @@ struct PlanNetwork {
   struct Arc {
     NodeIndex from;
     NodeIndex to;
-    bool expensive;
+    PlannedHop hop;       ///< none: links bring the name in
     std::uint32_t place;  ///< of the hop, among those of the version that it leaves
   };
 
@@ -62,6 +73,22 @@ struct PlanNetwork {
   std::vector<Arc> arcs;
   std::vector<Name> names;
   std::vector<Neighbours> neighbours;
+  std::vector<NodeIndex> nodeOf;  ///< by version, in the first lap; none if that lies on no way
+
+  /// The nodes of a version in all laps.
+  std::vector<NodeIndex> copiesOf(VersionIndex version, NameIndex name) const {
+    std::vector<NodeIndex> copies;
+    for (NodeIndex node = names[name].first; node < names[name].end; ++node) {
+      if (nodes[node].version == version) copies.push_back(node);
+    }
+    return copies;
+  }
+
+  std::vector<bool> mayBeAbsent;  ///< by name: whether links have to bring it in, or may have to
+
+  bool isCut = false;                 ///< whether there are ways of more laps
+  std::vector<Unrolling> unrollings;  ///< by name; empty when nothing is cut
+  std::vector<NodeIndex> beyond;      ///< the nodes for what is more
 
   /// For each source that a plan can start from: its place in the space, and the node of each name.
   struct Source {
@@ -85,10 +112,17 @@ struct PlanNetwork {
   std::vector<std::vector<std::vector<NodeIndex>>> targets;
 };
 
-/// No value when the space has names that links can bring in, sources that are not regular, or a
-/// name whose hops form a cycle.
+/// How often the ways of a network go back.
+struct LapLimits {
+  std::vector<std::uint32_t> laps;  ///< by name: as many laps at most
+  bool isBeyondIn = false;          ///< whether "beyond" stands for more
+};
+
+/// No value when the space has sources that are not regular or versions that link others of their
+/// own name. `links`: null if no name can be absent.
 std::optional<PlanNetwork> makePlanNetwork(const PlanningGround& ground,
                                            const std::vector<VersionSelection>& targets,
-                                           const OpenStart* start);
+                                           const LinkChoices* links, const OpenStart* start,
+                                           const LapLimits& limits);
 
 }  // namespace tarn::evolution::pathfinder

@@ -2,9 +2,11 @@
 // is certain to be held when it is selected, or when every version of some certain name depends on
 // it.
 //
-// The first baseline is found by a formula, one literal for each version: one version of each name,
-// and beside each version one that it admits of each name that it depends on. Choices are decided
-// in order, each at the first version that the formula allows.
+// The first baseline is found by a formula, one literal for each version: at most one version of
+// each name, those that are selected, beside each version one that it admits of each name that it
+// depends on, and beside each that is not selected one that depends on it; none beside one that
+// requires another of its name. Choices are decided in
+// order, each at the first version that the formula allows.
 
 #include "pathfinder/learning/selection_closure.hpp"
 
@@ -18,22 +20,36 @@
 
 namespace tarn::evolution::pathfinder {
 
+std::vector<const Dependency*> dependenciesInLinkingOrder(const Metamodel& metamodel) {
+  std::map<std::u16string, const Dependency*> dependencies;
+  OptionsByName order;  // yields names as linking does, the least significant first
+  for (const Dependency& dependency : metamodel.dependencies) {
+    if (dependency.name == metamodel.name) throw NotForDependencies();
+    if (!order.try_emplace(dependency.name).second) throw NotForDependencies();
+    dependencies.emplace(dependency.name, &dependency);
+  }
+  std::vector<const Dependency*> result;
+  for (const auto& [name, options] : order) result.push_back(dependencies.at(name));
+  std::reverse(result.begin(), result.end());
+  return result;
+}
+
 SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& selection) {
-  if (selection.empty()) throw NotClosed();
+  if (selection.empty()) throw NotForDependencies();
   std::set<std::u16string> selected;
   for (const auto& [name, version] : selection) {
     auto descriptor = host.getMetamodel(name, version);
     if (!descriptor) reportUnknownVersion(name, version);
-    if (descriptor->name != name) throw NotClosed();
+    if (descriptor->name != name) throw NotForDependencies();
     selected.insert(name);
     addVersion(name, *std::move(descriptor));
   }
   for (const auto& [name, versions] : names_) selected_.push_back(&name);
   bringIn(host);
-  requireCertainNames();
   for (auto& [name, versions] : names_) {
-    for (Version& version : versions) addRequired(host, name, version);
+    for (Version& version : versions) addRefusals(host, name, version);
   }
+  findCertainNames();
 }
 
 void SelectionClosure::bringIn(SelectionHost& host) {
@@ -47,35 +63,25 @@ void SelectionClosure::bringIn(SelectionHost& host) {
 void SelectionClosure::addNeeds(SelectionHost& host, const std::u16string& name,
                                 std::size_t place) {
   Version& version = names_.at(name)[place];
-  OptionsByName order;  // yields names as linking does
   std::vector<Metamodel> candidates;
-  std::map<std::u16string, Version::Need> needs;
-  for (const Dependency& dependency : version.descriptor.dependencies) {
-    if (dependency.name == name) throw NotClosed();
-    if (!order.try_emplace(dependency.name).second) throw NotClosed();
+  for (const Dependency* dependency : dependenciesInLinkingOrder(version.descriptor)) {
     candidates.clear();
-    host.findMetamodels(dependency.name, dependency.range, candidates);
-    const auto known = names_.try_emplace(dependency.name).first;
-    const bool isSelected = std::any_of(selected_.begin(), selected_.end(),
-                                        [&](const auto* one) { return one == &known->first; });
-    Version::Need& need = needs[dependency.name];
-    need.name = &known->first;
+    host.findMetamodels(dependency->name, dependency->range, candidates);
+    const auto known = names_.try_emplace(dependency->name).first;
+    Version::Need& need = version.needs.emplace_back(Version::Need{&known->first, {}});
     for (Metamodel& candidate : candidates) {
-      if (candidate.name != dependency.name) throw NotClosed();
-      if (!isSelected) {
+      if (candidate.name != dependency->name) throw NotForDependencies();
+      if (!isSelected(dependency->name)) {
         need.admitted.push_back(addVersion(known->first, std::move(candidate)));
       } else if (known->second.front().descriptor == candidate) {
         need.admitted.push_back(0);
       }
     }
   }
-  for (const auto& [needed, options] : order) {
-    version.needs.insert(version.needs.begin(), std::move(needs.at(needed)));
-  }
 }
 
 /// Once all versions that may be held are known.
-void SelectionClosure::addRequired(SelectionHost& host, const std::u16string& name,
+void SelectionClosure::addRefusals(SelectionHost& host, const std::u16string& name,
                                    Version& version) {
   std::vector<PeerRequirement> required;
   host.findRequirements(version.descriptor, required);
@@ -83,14 +89,14 @@ void SelectionClosure::addRequired(SelectionHost& host, const std::u16string& na
   for (const PeerRequirement& requirement : required) {
     const auto known = names_.find(requirement.name);
     if (known == names_.end()) continue;
-    if (known->first == name) throw NotClosed();
+    if (known->first == name) throw NotForDependencies();
     candidates.clear();
     host.findMetamodels(requirement.name, requirement.range, candidates);
-    Version::Need& need = version.required.emplace_back(Version::Need{&known->first, {}});
+    Version::Refusal& refusal = version.refusals.emplace_back(Version::Refusal{&known->first, {}});
     for (std::size_t place = 0; place < known->second.size(); ++place) {
       const Metamodel& held = known->second[place].descriptor;
-      if (std::find(candidates.begin(), candidates.end(), held) != candidates.end()) {
-        need.admitted.push_back(place);
+      if (std::find(candidates.begin(), candidates.end(), held) == candidates.end()) {
+        refusal.refused.push_back(place);
       }
     }
   }
@@ -110,9 +116,9 @@ std::size_t SelectionClosure::addVersion(const std::u16string& name, Metamodel&&
   return place;
 }
 
-void SelectionClosure::requireCertainNames() const {
-  std::set<const std::u16string*> certain(selected_.begin(), selected_.end());
+void SelectionClosure::findCertainNames() {
   std::vector<const std::u16string*> open(selected_);
+  for (const std::u16string* name : selected_) certain_.insert(*name);
   while (!open.empty()) {
     const std::deque<Version>& versions = names_.at(*open.back());
     open.pop_back();
@@ -123,31 +129,51 @@ void SelectionClosure::requireCertainNames() const {
             return std::any_of(version.needs.begin(), version.needs.end(),
                                [&](const auto& other) { return other.name == need.name; });
           });
-      if (isNeededByAll && certain.insert(need.name).second) open.push_back(need.name);
+      if (isNeededByAll && certain_.insert(*need.name).second) open.push_back(need.name);
     }
   }
-  if (certain.size() != names_.size()) throw NotClosed();
+}
+
+/// Adds what makes a baseline of the versions that are held, one literal for each.
+SelectionClosure::LiteralsByName SelectionClosure::addBaseline(SatSolver& solver) const {
+  LiteralsByName held;
+  std::map<std::u16string, std::vector<std::vector<Literal>>> needing;  // by version
+  for (const auto& [name, versions] : names_) {
+    auto& literals = held[name];
+    for (std::size_t i = 0; i < versions.size(); ++i) literals.push_back(solver.newVariable());
+    solver.addAtMostOne(literals);
+    needing[name].resize(versions.size());
+    if (isSelected(name)) solver.addClause({literals.front()});
+  }
+  for (const auto& [name, versions] : names_) {
+    for (std::size_t i = 0; i < versions.size(); ++i) {
+      for (const Version::Need& need : versions[i].needs) {
+        std::vector<Literal> clause{-held[name][i]};
+        for (const std::size_t place : need.admitted) {
+          clause.push_back(held[*need.name][place]);
+          needing[*need.name][place].push_back(held[name][i]);
+        }
+        solver.addClause(clause);
+      }
+      for (const Version::Refusal& refusal : versions[i].refusals) {
+        for (const std::size_t place : refusal.refused) {
+          solver.addClause({-held[name][i], -held[*refusal.name][place]});
+        }
+      }
+    }
+  }
+  for (auto& [name, byVersion] : needing) {
+    for (std::size_t i = 0; i < byVersion.size() && !isSelected(name); ++i) {
+      byVersion[i].push_back(-held[name][i]);
+      solver.addClause(byVersion[i]);
+    }
+  }
+  return held;
 }
 
 std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firstBaseline() const {
   SatSolver solver;
-  std::map<std::u16string, std::vector<Literal>> held;
-  for (const auto& [name, versions] : names_) {
-    auto& literals = held[name];
-    for (std::size_t i = 0; i < versions.size(); ++i) literals.push_back(solver.newVariable());
-    solver.addExactlyOne(literals);
-  }
-  const auto demand = [&](Literal version, const Version::Need& need) {
-    std::vector<Literal> clause{-version};
-    for (const std::size_t place : need.admitted) clause.push_back(held[*need.name][place]);
-    solver.addClause(clause);
-  };
-  for (const auto& [name, versions] : names_) {
-    for (std::size_t i = 0; i < versions.size(); ++i) {
-      for (const Version::Need& need : versions[i].needs) demand(held[name][i], need);
-      for (const Version::Need& need : versions[i].required) demand(held[name][i], need);
-    }
-  }
+  const LiteralsByName held = addBaseline(solver);
   std::vector<Literal> decided;
   if (!solver.solve(decided)) return std::nullopt;
   std::map<std::u16string, const Metamodel*> baseline;
@@ -155,14 +181,14 @@ std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firs
     baseline.emplace(*name, &names_.at(*name)[0].descriptor);
   visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
     for (const std::size_t place : places) {
-      decided.push_back(held[name][place]);
+      decided.push_back(held.at(name)[place]);
       if (solver.solve(decided)) {
         baseline.emplace(name, &names_.at(name)[place].descriptor);
         return place;
       }
       decided.pop_back();
     }
-    throw NotClosed();  // there is always one
+    throw NotForDependencies();  // there is always one
   });
   return baseline;
 }

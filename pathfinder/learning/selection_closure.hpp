@@ -4,17 +4,23 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-/// Thrown for a selection for which it depends on the choice of versions which names its baselines
-/// hold, and for other questions that are not about closed selections.
-struct NotClosed {};
+/// Thrown for questions that dependencies alone do not settle.
+struct NotForDependencies {};
+
+/// What a version depends on, as linking orders it: the choice for the first of these decides most
+/// on the order of its linked metamodels. Throws NotForDependencies where two of them, or the
+/// version itself, have one name.
+std::vector<const Dependency*> dependenciesInLinkingOrder(const Metamodel& metamodel);
 
 /// A selection and what its versions bring in, without linking them: for each name the versions
 /// that its baselines may hold.
@@ -24,8 +30,7 @@ class SelectionClosure {
   struct Version {
     Metamodel descriptor;
 
-    /// The names that it depends on, in the order in which the choice for them decides on the order
-    /// of its linked metamodels: the most significant first. For each the versions that it admits,
+    /// The names that it depends on, in the order of linking. For each the versions that it admits,
     /// as their places among those of the name, in the application's order.
     struct Need {
       const std::u16string* name;
@@ -33,12 +38,17 @@ class SelectionClosure {
     };
     std::vector<Need> needs = {};
 
-    /// The same for names that it requires without bringing them in, as far as they are held.
-    std::vector<Need> required = {};
+    /// The versions that it cannot stand beside because it requires others of their name, which it
+    /// does not bring in.
+    struct Refusal {
+      const std::u16string* name;
+      std::vector<std::size_t> refused;
+    };
+    std::vector<Refusal> refusals = {};
   };
 
   /// Asks the application for all. Throws what it throws, InvalidFamilyVersion for a selected
-  /// version that it does not know, and NotClosed.
+  /// version that it does not know, and NotForDependencies.
   SelectionClosure(SelectionHost& host, const VersionsByName& selection);
 
   /// The versions of each name; of a selected one just that version.
@@ -48,6 +58,10 @@ class SelectionClosure {
     return std::any_of(selected_.begin(), selected_.end(),
                        [&](const std::u16string* selected) { return *selected == name; });
   }
+
+  /// Whether every baseline that the selection stands for holds the name, as far as that follows
+  /// from what is selected.
+  bool isCertain(const std::u16string& name) const { return certain_.contains(name); }
 
   /// The first of the baselines that the selection stands for, as the version of each name; no
   /// value when there is none.
@@ -76,13 +90,17 @@ class SelectionClosure {
   }
 
   void bringIn(SelectionHost& host);
-  void addRequired(SelectionHost& host, const std::u16string& name, Version& version);
+  void addRefusals(SelectionHost& host, const std::u16string& name, Version& version);
   void addNeeds(SelectionHost& host, const std::u16string& name, std::size_t place);
   std::size_t addVersion(const std::u16string& name, Metamodel&& descriptor);
-  void requireCertainNames() const;
+  void findCertainNames();
+
+  using LiteralsByName = std::map<std::u16string, std::vector<Literal>>;
+  LiteralsByName addBaseline(SatSolver& solver) const;
 
   std::map<std::u16string, std::deque<Version>> names_;
-  std::vector<const std::u16string*> selected_;                       // ascending
+  std::vector<const std::u16string*> selected_;  // ascending
+  std::set<std::u16string> certain_;
   std::vector<std::pair<const std::u16string*, std::size_t>> added_;  // versions, in order
 };
 

@@ -3,16 +3,19 @@
 // selections with the same dependencies beside it is linked once.
 //
 // A selection cannot be held only if the application has linked more than dependencies say when it
-// loaded something. Then it is forbidden, and planned again.
+// loaded something. Then it is forbidden, and planned again. Where names may be brought in, such a
+// link could do that too, so each version is linked once beforehand to see that there is none.
 
 #include "pathfinder/learning/selection_search.hpp"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "messages/report_exception.hpp"
 #include "messages/trace.hpp"
 #include "pathfinder/learning/learning_planner.hpp"
+#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/planning/first_way.hpp"
@@ -29,7 +32,8 @@ namespace {
 using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
                                                      std::exception, void>;
 
-/// Dependencies form a cycle, or the application links a version to another one of its name.
+/// Dependencies form a cycle, or the application links a version to another one of its name, or to
+/// a name that nothing else brings in.
 struct NotLinkable {};
 
 class SelectionSearch {
@@ -48,9 +52,11 @@ class SelectionSearch {
       auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
       if (path) return {true, std::move(path)};
     }
-    const auto planner = LearningPlanner::create({space_, compatibility_, bounds_},
-                                                 {dependencies_.target}, dependencies_.openStart());
+    const auto planner =
+        LearningPlanner::create({space_, compatibility_, bounds_}, {dependencies_.target},
+                                dependencies_, dependencies_.openStart());
     if (!planner) return {false};
+    if (mayBringIn_) requireNoMoreLinks();
     while (const auto plan = planner->plan()) {
       if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
       planner->forbidTogether(impossible);
@@ -63,7 +69,9 @@ class SelectionSearch {
   /// The best plan, as far as it takes little to find it: a long way between few names, above all,
   /// whose steps the search that learns would all have at once. No value when there may be another.
   std::optional<BackwardPlan> planBackwardFromOnlySource() const {
-    if (dependencies_.openStart() != nullptr || space_.sources.empty()) return std::nullopt;
+    if (mayBringIn_ || dependencies_.openStart() != nullptr || space_.sources.empty()) {
+      return std::nullopt;
+    }
     try {
       const auto plan = planBackward({space_, compatibility_, bounds_}, {dependencies_.target},
                                      {.nodes = 5000 + 10 * std::uint64_t{space_.versions.size()}});
@@ -114,15 +122,62 @@ class SelectionSearch {
     return result;
   }
 
-  /// The baseline of a selection of all names; no value when it cannot be held.
+  /// Links each version that can be held to something that it can be held with.
+  void requireNoMoreLinks() {
+    SatSolver solver;
+    std::vector<Literal> isHeld;
+    for (const SearchSpace::Name& name : space_.names) {
+      for (VersionIndex i = name.first; i < name.end; ++i) isHeld.push_back(solver.newVariable());
+      solver.addAtMostOne({isHeld.begin() + name.first, isHeld.begin() + name.end});
+    }
+    for (const Compatibility::Requirement& requirement : dependencies_.requirements) {
+      std::vector<Literal> clause{-isHeld[requirement.version]};
+      for (const VersionIndex version : requirement.admitted) clause.push_back(isHeld[version]);
+      solver.addClause(clause);
+    }
+    VersionSelection selection(space_.names.size());
+    for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+      if (space_.isAbsent(version) || known_.contains(version)) continue;
+      if (!solver.solve(std::array{isHeld[version]})) continue;
+      linked_.assign(selection.size(), nullptr);
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        const auto& [first, end] = std::pair(space_.names[name].first, space_.names[name].end);
+        selection[name] = first;
+        while (selection[name] < end && !solver.isTrue(isHeld[selection[name]])) ++selection[name];
+        if (selection[name] == end) selection[name] = SearchSpace::none;
+      }
+      linkEach(selection);
+    }
+  }
+
+  void linkEach(SelectionView selection) {
+    try {
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        const bool isHeld =
+            selection[name] != SearchSpace::none && !space_.isAbsent(selection[name]);
+        if (isHeld) linkAll(selection, name);
+      }
+    } catch (const Conflict&) {
+      throw NotLinkable();
+    }
+  }
+
+  /// The baseline of a selection; no value when it cannot be held.
   std::optional<VersionBaseline> hold(SelectionView selection) {
     linked_.assign(selection.size(), nullptr);
     try {
-      for (NameIndex name = 0; name < selection.size(); ++name) linkAll(selection, name);
+      for (NameIndex name = 0; name < selection.size(); ++name) {
+        if (!space_.isAbsent(selection[name])) linkAll(selection, name);
+      }
     } catch (const Conflict&) {
       return std::nullopt;
     }
-    return combined();
+    auto baseline = combined();
+    // The application may link what no dependency asks for.
+    const auto held = std::count(linked_.begin(), linked_.end(), nullptr) +
+                      static_cast<std::ptrdiff_t>(baseline ? baseline->metamodels.size() : 0);
+    if (baseline && held != static_cast<std::ptrdiff_t>(linked_.size())) throw NotLinkable();
+    return baseline;
   }
 
   /// What the baseline that was linked last holds of the target.
@@ -140,6 +195,7 @@ class SelectionSearch {
     std::vector<Alternatives> alternatives;
     candidates.reserve(linked_.size());
     for (NameIndex name = 0; name < linked_.size(); ++name) {
+      if (linked_[name] == nullptr) continue;
       candidates.push_back({linked_[name]});
       alternatives.push_back({&space_.names[name].text, &candidates.back()});
     }
@@ -189,13 +245,29 @@ class SelectionSearch {
     }
     auto linked = host_.linkAlone(descriptor, chosen);
     if (linked->linkedMetamodels.contains(linked->name)) throw NotLinkable();
+    if (mayBringIn_ && linksMoreThan(*linked, chosen)) throw NotLinkable();
     known.emplace_back(std::move(key), linked);
     return linked;
+  }
+
+  /// Whether a linked metamodel links more than what was chosen for its dependencies and comes with
+  /// that.
+  static bool linksMoreThan(const LinkedMetamodel& linked, const OptionsByName& chosen) {
+    const auto isExpected = [&](const auto& link) {
+      return std::any_of(chosen.begin(), chosen.end(), [&](const auto& choice) {
+        const auto& further = choice.second.front()->linkedMetamodels;
+        return choice.first == link.first || further.contains(link.first);
+      });
+    };
+    return !std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(), isExpected);
   }
 
   SelectionHost& host_;
   const DependencySpace& dependencies_;
   const SearchSpace& space_;
+  const bool mayBringIn_ =
+      std::any_of(space_.names.begin(), space_.names.end(),
+                  [](const auto& name) { return name.absent != SearchSpace::none; });
   const Compatibility compatibility_;
   const AllVersionBounds bounds_;
   LinkedMetamodels linked_;  // by name: of the selection that is being held
@@ -216,9 +288,11 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
     const DependencySpace dependencies(host, from, to);
     if (!dependencies.hasEnds()) return {};
     return SelectionSearch(host, dependencies).run(planning);
-  } catch (const NotClosed&) {
+  } catch (const NotForDependencies&) {
     return {false};
   } catch (const NotLinkable&) {
+    return {false};
+  } catch (const LearningPlanner::Undecided&) {
     return {false};
   }
 }

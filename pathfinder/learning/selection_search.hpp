@@ -27,7 +27,7 @@ struct SelectionAnswer {
 enum class SelectionPlanning { BackwardFirst, ByLearning };
 
 /// `VersionRepository::findPath` between two selections, without linking anything but what the path
-/// holds. For closed questions only (see `DependencySpace`), in which hops form
+/// holds. For questions only that dependencies settle (see `DependencySpace`), in which hops form
 /// no cycles.
 SelectionAnswer searchBetweenSelections(
     SelectionHost& host, const VersionsByName& from, const VersionsByName& to,

@@ -39,8 +39,8 @@ std::vector<std::uint64_t> StepWeights::find() {
 std::uint64_t StepWeights::decideNextStep() {
   steps_.add();
   const std::uint32_t step = steps_.count();
-  const std::vector<Literal> ordinary = hopsMadeIn(step, false);
-  const std::vector<Literal> expensive = hopsMadeIn(step, true);
+  const std::vector<Literal> ordinary = hopsMadeIn(step, PlannedHop::Ordinary);
+  const std::vector<Literal> expensive = hopsMadeIn(step, PlannedHop::Expensive);
   const Literal hasOrdinary = ordinaryHopIn(step, ordinary);
   const Literal isNext = plans_.sat.newVariable();
   plans_.sat.addClause({-isNext, hasOrdinary, steps_.isRestWithin(timeline_, left_.layers)});
@@ -61,10 +61,10 @@ std::uint64_t StepWeights::decideNextStep() {
   return stepWeight(expensiveHops * expensiveHopWeight + ordinaryHops);
 }
 
-std::vector<Literal> StepWeights::hopsMadeIn(std::uint32_t step, bool expensive) {
+std::vector<Literal> StepWeights::hopsMadeIn(std::uint32_t step, PlannedHop hop) {
   std::vector<Literal> result;
   for (ArcIndex arc = 0; arc < plans_.network.arcs.size(); ++arc) {
-    if (plans_.network.arcs[arc].expensive != expensive || !steps_.mayBeIn(arc, step)) continue;
+    if (plans_.network.arcs[arc].hop != hop || !steps_.mayBeIn(arc, step)) continue;
     result.push_back(steps_.isMadeIn(arc, step));
   }
   return result;
@@ -77,7 +77,8 @@ Literal StepWeights::ordinaryHopIn(std::uint32_t step, const std::vector<Literal
   clause.push_back(-result);
   plans_.sat.addClause(clause);
   for (ArcIndex arc = 0; arc < plans_.network.arcs.size(); ++arc) {
-    if (plans_.network.arcs[arc].expensive || !steps_.mayBeIn(arc, step)) continue;
+    const bool isOrdinary = plans_.network.arcs[arc].hop == PlannedHop::Ordinary;
+    if (!isOrdinary || !steps_.mayBeIn(arc, step)) continue;
     const NodeIndex entered = plans_.network.arcs[arc].to;
     plans_.sat.addClause({result, -plans_.formula.isUsed(arc),
                           -steps_.isEnteredBefore(entered, step - 1),

@@ -25,7 +25,7 @@ class StepWeights {
 
  private:
   std::uint64_t decideNextStep();
-  std::vector<Literal> hopsMadeIn(std::uint32_t step, bool expensive);
+  std::vector<Literal> hopsMadeIn(std::uint32_t step, PlannedHop hop);
   Literal ordinaryHopIn(std::uint32_t step, const std::vector<Literal>& made);
 
   PlanSolver& plans_;

@@ -12,12 +12,7 @@ namespace tarn::evolution::pathfinder {
 /// in it there are only expensive hops, in any number of steps, in an order that the formula keeps.
 class Timeline {
  public:
-  Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver)
-      : network_(network),
-        formula_(formula),
-        solver_(solver),
-        entered_(network.nodes.size()),
-        followed_(network.nodes.size()) {}
+  Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver);
 
   /// Lets plans have so many layers; more can be added. Takes up orders that the formula has got
   /// since.
@@ -29,8 +24,15 @@ class Timeline {
   }
 
  private:
+  /// Whether the node is entered by the end of that phase just if it was by the end of the one
+  /// before.
+  bool isUnchanged(NodeIndex node, std::uint32_t phase) const {
+    return phase > 0 && entered_[node][phase] == entered_[node][phase - 1];
+  }
+
   void addPhase();
   void addArc(ArcIndex arc, std::uint32_t phase);
+  void bringIn(NodeIndex needing, std::uint32_t phase);
   void follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase);
 
   const PlanNetwork& network_;
@@ -40,7 +42,8 @@ class Timeline {
 
   /// By node and phase: whether it is entered in that phase or before, or is where its name starts.
   std::vector<std::vector<Literal>> entered_;
-  std::vector<std::size_t> followed_;  // by node: how many of its orders
+  std::vector<std::size_t> followed_;    // by node: how many of its orders
+  std::vector<bool> mayBeEnteredInGap_;  // by node: by a hop that need not be in a layer
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,7 +1,8 @@
-// A formula: a literal for each name and variant that it may hold; at most one variant for each
-// name; what a variant links is held beside it; and, as an assumption for each name, that it holds
-// a variant of the selection's version. The assumptions that a refutation needs are a conflict,
-// which is made irreducible by leaving out one after the other.
+// A formula: a literal for each name and variant that it may hold, and for a name that is absent
+// one more; at most one of these for each name; what a variant links is held beside it; and, as an
+// assumption for each name, that it holds a variant of the selection's version. The assumptions
+// that a refutation needs are a conflict, which is made irreducible by leaving out one after the
+// other.
 
 #include "pathfinder/learning/variant_conflict.hpp"
 
@@ -22,6 +23,7 @@ Literal VariantConflict::isHeld(NameIndex name, VariantIndex variant) {
   for (const auto& [other, literal] : isHeld_[name]) {
     if (other != variant) solver_.addClause({-literal, -held});
   }
+  if (variant == SearchSpace::none) return held;
   for (const SearchSpace::Link& link : space_.variants[variant].closure) {
     if (link.name == name) continue;
     const Literal linked = isHeld(link.name, link.variant);
@@ -37,7 +39,7 @@ void VariantConflict::addVersion(NameIndex name, VersionIndex version) {
   for (VariantIndex i = 0; i < held.variantCount; ++i) {
     clause.push_back(isHeld(name, held.firstVariant + i));
   }
-  if (held.descriptor == nullptr) clause.push_back(-wanted);  // "absent" asks for nothing
+  if (space_.isAbsent(version)) clause.push_back(isHeld(name, SearchSpace::none));
   solver_.addClause(clause);
 }
 
@@ -51,7 +53,9 @@ std::optional<std::vector<NameIndex>> VariantConflict::findBeside(const VersionB
     const auto held = target.metamodels.find(space_.names[name].text);
     if (held == target.metamodels.end()) continue;
     const VariantIndex variant = held->second ? variantOf(name, *held->second) : SearchSpace::none;
-    if (variant == SearchSpace::none) return std::vector<NameIndex>();
+    const bool mayBe = held->second ? variant != SearchSpace::none
+                                    : space_.names[name].absent != SearchSpace::none;
+    if (!mayBe) return std::vector<NameIndex>();
     fixed.push_back(isHeld(name, variant));
   }
   return findUnder(fixed);

@@ -34,7 +34,9 @@ class VariantConflict {
   const SearchSpace& space_;
   SatSolver solver_;
   std::vector<Literal> wanted_;  // by name: that it holds a variant of its version
-  std::vector<std::unordered_map<VariantIndex, Literal>> isHeld_;  // by name
+
+  // By name; what `none` stands for is that the name is absent.
+  std::vector<std::unordered_map<VariantIndex, Literal>> isHeld_;
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -14,6 +14,10 @@ std::string rangeText(std::size_t lower, std::size_t upper) {
   return "[" + std::to_string(lower) + "," + std::to_string(upper) + ")";
 }
 
+std::string anyNumber(const QuestionDraft::Name& name, Random& random) {
+  return random.oneOf(name.versions).number;
+}
+
 /// A range that some of the versions may lie in.
 std::string someRange(const QuestionDraft::Name& name, Random& random) {
   const std::size_t lower = random.upTo(name.versions.size());
@@ -215,6 +219,72 @@ QuestionDraft QuestionDraft::closed(Random& random, std::size_t nameCount) {
   return draft;
 }
 
+QuestionDraft QuestionDraft::heads(Random& random, std::size_t nameCount) {
+  QuestionDraft draft;
+  const auto percent = static_cast<unsigned>(25 + random.below(60));
+  for (; nameCount > 0; --nameCount) {
+    Name& name = draft.addName();
+    const std::size_t last = random.upTo(4);
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+      for (const Name& needed : draft.names) {
+        if (needed.letter == name.letter || !random.chance(percent)) continue;
+        name.versions.back().needs.push_back(someRange(needed, random));
+      }
+    }
+    name.start = "1";
+    name.goal = name.versions.back().number;
+    addWovenHops(draft, name, random);
+  }
+  draft.direction = random.chance(80) ? "forward" : "any";
+  draft.from.resize(1);
+  draft.to.resize(1);
+  const std::size_t heads = random.upTo(2);
+  for (std::size_t i = 0; i < draft.names.size(); ++i) {
+    const bool isHead = i + heads >= draft.names.size();
+    const Name& name = draft.names[i];
+    if (isHead || random.chance(10)) draft.from[0].push_back(name.letter + name.start);
+    if (!isHead && !random.chance(20)) continue;
+    draft.to[0].push_back(name.letter + (random.chance(80) ? name.goal : anyNumber(name, random)));
+  }
+  return draft;
+}
+
+QuestionDraft QuestionDraft::rounds(Random& random) {
+  QuestionDraft draft;
+  const std::size_t movers = random.upTo(2);
+  const std::size_t names = movers + random.upTo(2);
+  for (std::size_t i = 0; i < names; ++i) {
+    const bool isMover = i < movers;
+    const std::size_t last = isMover ? 1 + random.upTo(2) : 2 + random.upTo(4);
+    Name& name = draft.addName();
+    name.start = "1";
+    name.goal = std::to_string(isMover ? random.upTo(last) : last);
+    for (std::size_t number = 1; number <= last; ++number) {
+      name.versions.push_back({std::to_string(number), {}, {}, {}});
+      for (std::size_t j = 0; !isMover && j < movers; ++j) {
+        const Name& mover = draft.names[j];
+        if (random.chance(30)) continue;
+        std::string wanted = anyNumber(mover, random);
+        if (number == 1) wanted = mover.start;
+        if (number == last) wanted = mover.goal;
+        name.versions.back().needs.push_back(mover.letter + wanted);
+      }
+    }
+    for (std::size_t number = 2; number <= last; ++number) {
+      const std::string ends[] = {std::to_string(number - 1), std::to_string(number)};
+      const unsigned dear = isMover ? 15 : 10;
+      draft.addHop(name, ends[0], ends[1], random.chance(dear) ? "!" : "");
+      if (isMover ? random.chance(90) : random.chance(20)) {
+        draft.addHop(name, ends[1], ends[0], random.chance(dear) ? "!" : "");
+      }
+    }
+  }
+  draft.direction = "any";
+  draft.settleEnds(random, random.chance(80) ? 100 : 60, 80);
+  return draft;
+}
+
 QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
@@ -307,6 +377,8 @@ std::string randomQuestion(Random& random) {
   QuestionDraft draft = shape < 15   ? QuestionDraft::rivals(random, names)
                         : shape < 20 ? QuestionDraft::ladder(random)
                         : shape < 27 ? QuestionDraft::crowd(random)
+                        : shape < 42 ? QuestionDraft::heads(random, names + 1)
+                        : shape < 52 ? QuestionDraft::rounds(random)
                                      : QuestionDraft::either(random, names);
   if (random.chance(25)) draft.addRequirements(random, random.chance(50) ? 15 : 40);
   draft.isInOrder = random.chance(80);

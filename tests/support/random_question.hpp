@@ -52,6 +52,14 @@ struct QuestionDraft {
   /// baselines, all of the same names.
   static QuestionDraft closed(Random& random, std::size_t nameCount);
 
+  /// Names at the ends that bring in others, which bring in others again: some from the start, some
+  /// on the way, by turns at this version or that.
+  static QuestionDraft heads(Random& random, std::size_t nameCount);
+
+  /// Names that can go back and forth, and have to, since others ask now for this version of theirs
+  /// and now for that.
+  static QuestionDraft rounds(Random& random);
+
   static QuestionDraft either(Random& random, std::size_t nameCount);
 
   Name& addName();
