@@ -4,7 +4,7 @@
 // nearest options that cannot be reached together with what is fixed.
 //
 // One question for each sum and each option struck; selections are enumerated depth first, up to a
-// limit. See docs/catalogue.md.
+// limit. See docs/catalogue.md. All that only where the path finder cannot be asked for it at once.
 
 #include "catalogue/explanation/nearest_baseline.hpp"
 
@@ -225,6 +225,57 @@ std::vector<Choice> choicesFor(const PosedQuestion& question, const Names& arriv
   return result;
 }
 
+/// What the goals cost that end somewhere else.
+class EndCosts {
+ public:
+  using Cost = std::optional<std::uint64_t>;
+
+  explicit EndCosts(const PosedQuestion& question) {
+    for (const auto& [name, goal] : question.goals) {
+      const HopGraph& graph = question.graphs->of(name);
+      goals_.emplace(name, Goal{&goal, &graph, graph.hopsTo(goal.version)});
+    }
+  }
+
+  /// One for each that has not arrived.
+  Cost toArrive(const Metamodel& end) const {
+    const auto goal = goals_.find(end.name);
+    return goal == goals_.end() || goal->second.version->version == end.version ? 0 : 1;
+  }
+
+  /// The hops left; without a chain of them as much as there are versions.
+  Cost toGoOn(const Metamodel& end) const {
+    const Cost hops = toGoOnByChain(end);
+    return hops ? hops : goals_.at(end.name).graph->versions().size();
+  }
+
+  /// The same; without a chain of hops there is no end.
+  Cost toGoOnByChain(const Metamodel& end) const {
+    const auto goal = goals_.find(end.name);
+    if (goal == goals_.end()) return 0;
+    const auto vertex = goal->second.graph->find(end.version);
+    return vertex ? goal->second.hopsLeft[*vertex] : std::nullopt;
+  }
+
+ private:
+  struct Goal {
+    const Metamodel* version;
+    const HopGraph* graph;
+    std::vector<std::optional<std::size_t>> hopsLeft;
+  };
+
+  std::map<std::u16string, Goal> goals_;
+};
+
+using EndCost = pathfinder::BlockedQuestion::EndCost;
+
+std::optional<pathfinder::BlockedQuestion::Nearest> askForNearest(
+    const PosedQuestion& question, const std::vector<EndCost>& measures) {
+  return question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+    return question.blocked->findNearest(measures, limits);
+  });
+}
+
 void describe(const PosedQuestion& question, NearestBaseline& result) {
   for (const auto& [name, goal] : question.goals) {
     const NamedVersion target{name, goal.version};
@@ -246,6 +297,19 @@ void describe(const PosedQuestion& question, NearestBaseline& result) {
 }  // namespace
 
 NearestBaseline findNearestBaseline(const PosedQuestion& question) {
+  if (question.canAskForNearest()) {
+    const EndCosts costs(question);
+    auto nearest = askForNearest(
+        question, {[&](const Metamodel& end) { return costs.toArrive(end); },
+                   [&](const Metamodel& end) { return costs.toGoOn(end); }});
+    if (nearest) {
+      NearestBaseline result{.path = std::move(nearest->path),
+                             .baseline = std::move(nearest->baseline),
+                             .isProven = true};
+      describe(question, result);
+      return result;
+    }
+  }
   GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;
   for (const Names& arriving : subsets.largest) {
@@ -262,6 +326,13 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
 }
 
 std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
+  if (question.canAskForNearest()) {
+    const EndCosts costs(question);
+    auto nearest = askForNearest(
+        question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
+    if (!nearest) return std::nullopt;
+    return std::move(nearest->baseline);
+  }
   std::vector<Choice> choices;
   for (const auto& [name, goal] : question.goals) {
     choices.push_back(chainTo(question, goal));

@@ -1,6 +1,6 @@
 // Breadth-first exploration of each name by itself over hops that do not go against the direction,
 // from the source's version on; then, of a name that the target fixes, only what leads to its
-// version is kept. Each dependency of what is left becomes a requirement.
+// version is kept, unless ends are left open. Each dependency of what is left becomes a requirement.
 
 #include "pathfinder/learning/dependency_space.hpp"
 
@@ -18,15 +18,12 @@ class DependencySurvey {
   DependencySurvey(SelectionHost& host, DependencySpace& result) : host_(host), result_(result) {}
 
   void run() {
-    const auto source = result_.source_.firstBaseline();
-    const auto target = result_.target_.firstBaseline();
     addNames();
-    result_.hasEnds_ = source && target;
+    result_.hasEnds_ = findEnds();
     if (!result_.hasEnds_) return;
-    result_.direction = directionBetween(*source, *target);
     for (Name& name : names_) {
       explore(name);
-      keepWhatLeadsToEnd(name);
+      if (!areEndsOpen()) keepWhatLeadsToEnd(name);
     }
     addVersions();
     addMoves();
@@ -37,6 +34,18 @@ class DependencySurvey {
   }
 
  private:
+  bool areEndsOpen() const { return !result_.target_; }
+
+  /// Finds the direction from end to end, unless it is given; false when there is none to begin
+  /// with, or to go to.
+  bool findEnds() {
+    const auto source = result_.source_.firstBaseline();
+    if (!source || areEndsOpen()) return source.has_value();
+    const auto target = result_.target_->firstBaseline();
+    if (target) result_.direction = directionBetween(*source, *target);
+    return target.has_value();
+  }
+
   struct Hopped {
     std::uint32_t place;
     std::size_t target;
@@ -64,20 +73,27 @@ class DependencySurvey {
       for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
       result_.isOpen_ |= versions.size() > 1;
     }
-    for (const auto& [text, versions] : result_.target_.names()) {
-      const auto place = placeOfName_.find(text);
-      if (place == placeOfName_.end()) throw NotClosed();
-      if (result_.target_.isSelected(text)) {
-        names_[place->second].goal = &versions.front().descriptor;
-      }
+    for (const auto& [text, goal] : result_.goals_) nameOf(text).goal = &goal;
+    if (areEndsOpen()) return;
+    for (const auto& [text, versions] : result_.target_->names()) {
+      Name& name = nameOf(text);
+      if (result_.target_->isSelected(text)) name.goal = &versions.front().descriptor;
     }
+  }
+
+  Name& nameOf(const std::u16string& text) {
+    const auto place = placeOfName_.find(text);
+    if (place == placeOfName_.end()) throw NotClosed();
+    return names_[place->second];
   }
 
   void requireClosed(const Metamodel& metamodel) const {
     std::set<std::u16string> seen{metamodel.name};
     for (const Dependency& dependency : metamodel.dependencies) {
-      const bool isNew = seen.insert(dependency.name).second;
-      if (!isNew || !placeOfName_.contains(dependency.name)) throw NotClosed();
+      if (!seen.insert(dependency.name).second) throw NotClosed();
+      if (placeOfName_.contains(dependency.name)) continue;
+      if (!areEndsOpen()) throw NotClosed();
+      result_.isClosed_ = false;
     }
   }
 
@@ -200,7 +216,9 @@ class DependencySurvey {
       checkpoint();
       for (const Dependency& dependency :
            result_.space->versions[version].descriptor->dependencies) {
-        const NameIndex needed = placeOfName_.at(dependency.name);
+        const auto place = placeOfName_.find(dependency.name);
+        if (place == placeOfName_.end()) continue;  // only where ends are open
+        const NameIndex needed = place->second;
         result_.dependencies[version].push_back(needed);
         result_.requirements.push_back({version, needed, admittedBy(dependency, names_[needed])});
       }
@@ -257,7 +275,9 @@ class DependencySurvey {
       for (const Version& version : name.versions) {
         if (name.goal != nullptr && *version.descriptor == *name.goal) goal = version.index;
       }
-      if (name.goal != nullptr && goal == SearchSpace::none) result_.space->sources.clear();
+      const bool isLost = name.goal != nullptr && goal == SearchSpace::none;
+      if (isLost && !areEndsOpen()) result_.space->sources.clear();
+      if (isLost) result_.lost.push_back(static_cast<NameIndex>(result_.target.size()));
       result_.target.push_back(goal);
     }
   }
@@ -271,7 +291,19 @@ class DependencySurvey {
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
                                  const VersionsByName& to)
-    : source_(host, from), target_(host, to) {
+    : source_(host, from), target_(std::in_place, host, to) {
+  DependencySurvey(host, *this).run();
+}
+
+DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
+                                 const VersionsByName& to, Direction itsDirection)
+    : direction(itsDirection), source_(host, from) {
+  for (const auto& [name, version] : to) {
+    auto goal = host.getMetamodel(name, version);
+    if (!goal) reportUnknownVersion(name, version);
+    if (goal->name != name) throw NotClosed();
+    goals_.emplace(name, *std::move(goal));
+  }
   DependencySurvey(host, *this).run();
 }
 

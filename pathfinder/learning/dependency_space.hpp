@@ -3,6 +3,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,9 +31,19 @@ class DependencySpace final : public OpenStart {
   /// InvalidFamilyVersion for a selected version that it does not know, and NotClosed when the
   /// question is of another kind.
   DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to);
+
+  /// The space of all that can be reached in that direction, whether it leads to the target or not,
+  /// which need not be consistent. Nor need the question be closed: names that the source does not
+  /// hold are no part of the space. Its names of which no hops lead to the target's version are
+  /// `lost`.
+  DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+                  Direction itsDirection);
   DependencySpace(const DependencySpace&) = delete;
   DependencySpace& operator=(const DependencySpace&) = delete;
   ~DependencySpace() = default;
+
+  /// Whether all that versions of the space depend on is in it.
+  bool isClosed() const { return isClosed_; }
 
   /// Whether both selections stand for a baseline. Otherwise there is no path, and no space.
   bool hasEnds() const { return hasEnds_; }
@@ -48,6 +59,7 @@ class DependencySpace final : public OpenStart {
 
   /// The version of each name of the target; none for one that it leaves free.
   VersionSelection target;
+  std::vector<NameIndex> lost;
 
   Direction direction = Direction::Unknown;
 
@@ -62,9 +74,11 @@ class DependencySpace final : public OpenStart {
   friend class DependencySurvey;
 
   SelectionClosure source_;
-  SelectionClosure target_;
+  std::optional<SelectionClosure> target_;    // not of a space whose ends are open
+  std::map<std::u16string, Metamodel> goals_;  // of such a space
   bool hasEnds_ = false;
   bool isOpen_ = false;
+  bool isClosed_ = true;
   std::vector<std::vector<VersionIndex>> starts_;  // by name of the space
 
   // The versions of the source's closure, by their places; `none` for one that is not in the space.

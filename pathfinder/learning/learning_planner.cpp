@@ -58,6 +58,30 @@ class Planner final : public LearningPlanner {
     return backwardPlan(way, firstWeights);
   }
 
+  bool keepCheapestEnds(std::span<const EndCost> costs) override {
+    CoreGuidedMinimum minimum(plans_.sat);
+    for (const auto& ends : endsByName(costs)) wantCheap(ends, minimum);
+    const auto accept = [this] { return plans_.check.accept(); };
+    if (minimum.minimize({}, accept) != CoreGuidedMinimum::Outcome::Found) return false;
+    for (const Literal literal : minimum.stillWanted()) plans_.sat.addClause({literal});
+    return true;
+  }
+
+  VersionSelection commonEnds() override {
+    VersionSelection ends(network_.names.size(), SearchSpace::none);
+    plans_.findPlan({});
+    for (NameIndex name = 0; name < ends.size(); ++name) ends[name] = endOf(name);
+    for (NameIndex name = 0; name < ends.size(); ++name) {
+      if (ends[name] == SearchSpace::none) continue;
+      const Literal isOther = -plans_.formula.endsAt(nodeOf(ends[name]));
+      if (!plans_.findPlan({&isOther, 1})) continue;
+      for (NameIndex other = 0; other < ends.size(); ++other) {
+        if (ends[other] != endOf(other)) ends[other] = SearchSpace::none;
+      }
+    }
+    return ends;
+  }
+
   void forbidTogether(std::span<const VersionIndex> versions) override {
     plans_.formula.forbidTogether(nodesOf(versions));
   }
@@ -71,13 +95,52 @@ class Planner final : public LearningPlanner {
  private:
   std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const {
     std::vector<NodeIndex> nodes;
-    for (const VersionIndex version : versions) {
-      const auto& [first, end] = network_.names[space_.versions[version].name];
-      NodeIndex node = first;
-      while (node < end && network_.nodes[node].version != version) ++node;
-      nodes.push_back(node);
-    }
+    for (const VersionIndex version : versions) nodes.push_back(nodeOf(version));
     return nodes;
+  }
+
+  /// The end of the name's nodes when there is none of the version.
+  NodeIndex nodeOf(VersionIndex version) const {
+    const auto& [first, end] = network_.names[space_.versions[version].name];
+    NodeIndex node = first;
+    while (node < end && network_.nodes[node].version != version) ++node;
+    return node;
+  }
+
+  /// In the plan found last.
+  VersionIndex endOf(NameIndex name) const {
+    return network_.nodes[plans_.check.nodesOf(name).back()].version;
+  }
+
+  /// Those that a plan can end with, by name; dearer ones first.
+  std::vector<std::vector<std::pair<std::uint64_t, NodeIndex>>> endsByName(
+      std::span<const EndCost> costs) const {
+    std::vector<std::vector<std::pair<std::uint64_t, NodeIndex>>> result(network_.names.size());
+    for (const auto& [end, cost] : costs) {
+      const NameIndex name = space_.versions[end].name;
+      const NodeIndex node = nodeOf(end);
+      if (node != network_.names[name].end) result[name].emplace_back(cost, node);
+    }
+    for (auto& ends : result) std::sort(ends.rbegin(), ends.rend());
+    return result;
+  }
+
+  /// A literal for each cost that a name's end may have: false only if the end costs less. What the
+  /// next lower one does not cost is the price of its being true.
+  void wantCheap(const std::vector<std::pair<std::uint64_t, NodeIndex>>& ends,
+                 CoreGuidedMinimum& minimum) {
+    Literal dearer = plans_.formula.never();
+    for (std::size_t i = 0; i < ends.size();) {
+      const std::uint64_t cost = ends[i].first;
+      const Literal costsAsMuch = plans_.sat.newVariable();
+      plans_.sat.addClause({-dearer, costsAsMuch});
+      for (; i < ends.size() && ends[i].first == cost; ++i) {
+        plans_.sat.addClause({-plans_.formula.endsAt(ends[i].second), costsAsMuch});
+      }
+      const std::uint64_t below = i < ends.size() ? ends[i].first : 0;
+      if (cost > below) minimum.want(-costsAsMuch, cost - below);
+      dearer = costsAsMuch;
+    }
   }
 
   BackwardPlan backwardPlan(const PlannedWay& way,

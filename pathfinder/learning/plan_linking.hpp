@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/hop.hpp"
+#include "pathfinder/learning/dependency_space.hpp"
+#include "pathfinder/learning/selection_host.hpp"
+#include "pathfinder/planning/backward_plan.hpp"
+#include "pathfinder/version_baseline.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// Dependencies form a cycle, or the application links a version to another one of its name.
+struct NotLinkable {};
+
+/// Links what plans over a dependency space hold, selection by selection: depth first along
+/// dependencies, each version to those of the selection. A version that stands in several
+/// selections with the same dependencies beside it is linked once.
+class PlanLinking {
+ public:
+  PlanLinking(SelectionHost& host, const DependencySpace& dependencies)
+      : host_(host), dependencies_(dependencies), space_(*dependencies.space) {}
+
+  /// A plan of one way, linked.
+  struct Path {
+    std::vector<BaselineHop> steps;
+    VersionBaseline first;
+    VersionBaseline last;
+  };
+
+  /// No value when a selection, which then is `impossible`, cannot be held: only if the application
+  /// has linked more than dependencies say when it loaded something. Throws NotLinkable.
+  std::optional<Path> carryOut(const BackwardPlan& plan, SelectionView& impossible);
+
+ private:
+  LockstepHop hopsOf(SelectionView before, std::span<const PlannedHop> hops,
+                     SelectionView after) const;
+  std::optional<VersionBaseline> hold(SelectionView selection);
+  std::optional<VersionBaseline> combined() const;
+  void linkAll(SelectionView selection, NameIndex root);
+  std::shared_ptr<LinkedMetamodel> link(SelectionView selection, NameIndex name);
+
+  SelectionHost& host_;
+  const DependencySpace& dependencies_;
+  const SearchSpace& space_;
+  LinkedMetamodels linked_;  // by name: of the selection that is being held
+
+  // What was linked of each version, by what was linked for its dependencies.
+  std::unordered_map<
+      VersionIndex,
+      std::vector<std::pair<std::vector<const LinkedMetamodel*>, std::shared_ptr<LinkedMetamodel>>>>
+      known_;
+};
+
+}  // namespace tarn::evolution::pathfinder
