@@ -25,9 +25,9 @@ namespace tarn::evolution::pathfinder {
 /// `VersionRepository::findPath` for parts of the question takes many more. What counts is what
 /// metamodels depend on: links that an application adds in `loadMetamodel` do not.
 ///
-/// Keeps what it has learnt of the application, which must stay as it was. Refers to the repository,
-/// which must outlive it. One thread at a time may use it. Whatever the application throws reaches
-/// the caller, and leaves the question as it was.
+/// Keeps what it has learnt of the application, which must stay as it was. Refers to the
+/// repository, which must outlive it. One thread at a time may use it. Whatever the application
+/// throws reaches the caller, and leaves the question as it was.
 class TARN_EVOLUTION_PATHFINDER_EXPORT BlockedQuestion {
  public:
   using Selection = std::unordered_map<std::u16string, VersionId>;

@@ -213,9 +213,8 @@ class SmallestSet {
     });
     if (!found) return std::nullopt;
     if (found->stopped) question_.inquiry->noteStopped(*found->stopped);
-    result_ = {.names = found->names,
-               .isMinimal = found->isMinimal,
-               .isSmallest = found->isSmallest};
+    result_ = {
+        .names = found->names, .isMinimal = found->isMinimal, .isSmallest = found->isSmallest};
     findWhereStuck();
     for (const std::u16string& name : result_.names) {
       if (!isSpokenOf(name)) addClashOf(name, found->exclusions);

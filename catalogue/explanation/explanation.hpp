@@ -90,10 +90,11 @@ struct BlockedHop {
 /// `pathfinder::BlockedQuestion`).
 ///
 /// Where the source does not hold all names of the target, what blocks has to be brought in, or
-/// hops go round in circles, `isSmallest` is false, and leaving out means to ask for a model that has no use for the metamodel: it is struck
-/// from the target, and from the source unless what remains there links it, in which case it stays
-/// at the source's version. A baseline of the source that does not hold each metamodel of `names`
-/// that has a target stays whole, for any part of it may have to bring that one in.
+/// hops go round in circles, `isSmallest` is false, and leaving out means to ask for a model that
+/// has no use for the metamodel: it is struck from the target, and from the source unless what
+/// remains there links it, in which case it stays at the source's version. A baseline of the source
+/// that does not hold each metamodel of `names` that has a target stays whole, for any part of it
+/// may have to bring that one in.
 struct NeverTogether {
   std::vector<std::u16string> names;  ///< ascending
   bool isMinimal;  ///< false when budget or limits ended before every name was tried to be left out

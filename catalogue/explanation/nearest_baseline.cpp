@@ -14,6 +14,7 @@
 
 namespace tarn::evolution::catalogue {
 
+using pathfinder::BaselineHop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
@@ -276,6 +277,18 @@ std::optional<pathfinder::BlockedQuestion::Nearest> askForNearest(
   });
 }
 
+/// Whether the path finder would not stumble over a version of the path: each of them must have all
+/// that its dependencies admit.
+bool canBeLinked(const PosedQuestion& question, const Path& path) {
+  LinkableRepository& repository = question.inquiry->repository();
+  return std::all_of(path.begin(), path.end(), [&](const BaselineHop& step) {
+    return std::all_of(step.hops.begin(), step.hops.end(), [&](const auto& hop) {
+      const auto metamodel = repository.getMetamodel(hop.first, hop.second.to);
+      return metamodel && repository.tryLink(*metamodel) != nullptr;
+    });
+  });
+}
+
 void describe(const PosedQuestion& question, NearestBaseline& result) {
   for (const auto& [name, goal] : question.goals) {
     const NamedVersion target{name, goal.version};
@@ -299,10 +312,10 @@ void describe(const PosedQuestion& question, NearestBaseline& result) {
 NearestBaseline findNearestBaseline(const PosedQuestion& question) {
   if (question.canAskForNearest()) {
     const EndCosts costs(question);
-    auto nearest = askForNearest(
-        question, {[&](const Metamodel& end) { return costs.toArrive(end); },
-                   [&](const Metamodel& end) { return costs.toGoOn(end); }});
-    if (nearest) {
+    auto nearest =
+        askForNearest(question, {[&](const Metamodel& end) { return costs.toArrive(end); },
+                                 [&](const Metamodel& end) { return costs.toGoOn(end); }});
+    if (nearest && canBeLinked(question, nearest->path)) {
       NearestBaseline result{.path = std::move(nearest->path),
                              .baseline = std::move(nearest->baseline),
                              .isProven = true};
@@ -328,8 +341,8 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
 std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
   if (question.canAskForNearest()) {
     const EndCosts costs(question);
-    auto nearest = askForNearest(
-        question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
+    auto nearest =
+        askForNearest(question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
     if (!nearest) return std::nullopt;
     return std::move(nearest->baseline);
   }

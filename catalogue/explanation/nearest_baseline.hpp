@@ -9,13 +9,14 @@ namespace tarn::evolution::catalogue {
 
 /// The nearest baseline that can be reached, as `NearestBaseline` defines it.
 ///
-/// Where the question can be asked why it has no path, that is one question. Otherwise first finds all largest sets of goals that can be reached together: whatever the goals that are
-/// given up, they must hit every set of goals known to block one another; the smallest such choice
-/// is tried, and where it is not enough, the goals left hold another blocking set. Then looks for
-/// the fewest hops left: asks at once for all selections that have the same number of them left,
-/// upward from what each metamodel needs at least. Both stop when the inquiry allows no more
-/// questions; then goals are added one by one to the best set known, which takes up to one more
-/// question for each, unless a limit is reached.
+/// Where the question can be asked why it has no path, that is one question. Otherwise first finds
+/// all largest sets of goals that can be reached together: whatever the goals that are given up,
+/// they must hit every set of goals known to block one another; the smallest such choice is tried,
+/// and where it is not enough, the goals left hold another blocking set. Then looks for the fewest
+/// hops left: asks at once for all selections that have the same number of them left, upward from
+/// what each metamodel needs at least. Both stop when the inquiry allows no more questions; then
+/// goals are added one by one to the best set known, which takes up to one more question for each,
+/// unless a limit is reached.
 NearestBaseline findNearestBaseline(const PosedQuestion& question);
 
 /// The reachable baseline with the fewest hops left from which each goal still has its chain of

@@ -117,9 +117,9 @@ class BlockedQuestionSearch final : public BlockedQuestion {
     auto planner = LearningPlanner::create(ground, {target}, &dependencies_);
     for (const VersionSelection& selection : impossible) planner->forbidTogether(selection);
     for (const VersionIndex version : costs.forbidden) planner->forbidAtEnd({&version, 1});
-    const bool isAnyLeft = std::all_of(
-        costs.byMeasure.begin(), costs.byMeasure.end(),
-        [&](const auto& measure) { return planner->keepCheapestEnds(measure); });
+    const bool isAnyLeft =
+        std::all_of(costs.byMeasure.begin(), costs.byMeasure.end(),
+                    [&](const auto& measure) { return planner->keepCheapestEnds(measure); });
     return isAnyLeft ? std::move(planner) : nullptr;
   }
 
@@ -145,8 +145,7 @@ std::unique_ptr<BlockedQuestion> poseBlockedQuestion(VersionRepository& reposito
                                                      Direction direction) {
   if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
   try {
-    auto question =
-        std::make_unique<BlockedQuestionSearch>(repository, from, to, direction);
+    auto question = std::make_unique<BlockedQuestionSearch>(repository, from, to, direction);
     if (question->isFit()) return question;
   } catch (const NotClosed&) {  // NOLINT(bugprone-empty-catch)
   }

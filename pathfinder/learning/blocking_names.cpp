@@ -1,6 +1,6 @@
-// A formula in which each name may be present or not, the others being subject to what is known to
-// exclude each other of two versions. Plans that it allows are looked at step by step; versions that
-// cannot be held together all the same are forbidden for good.
+// A formula in which each name may be present or not, and in which two versions of names that are
+// exclude each other if nothing is left to some third name. Plans that it allows are looked at step
+// by step; versions that cannot be held together all the same are forbidden for good.
 //
 // The proof asks anew, with a literal for each such set of versions that lets it count: those that
 // are not needed are left out one after the other. One that a refutation has not used need not be
@@ -9,6 +9,7 @@
 #include "pathfinder/learning/blocking_names.hpp"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "pathfinder/limits/search_watch.hpp"
@@ -21,6 +22,7 @@ BlockingNames::BlockingNames(const DependencySpace& dependencies, FreeVersions& 
       free_(free),
       network_(makeNetwork()),
       plans_(network_, PlanFormula::Names::Any) {
+  beginAtSource(plans_);
   for (NameIndex name = 0; name < space_.names.size(); ++name) {
     arrives_.push_back(arrival(plans_, name));
   }
@@ -32,6 +34,31 @@ PlanNetwork BlockingNames::makeNetwork() const {
   const AllVersionBounds bounds(space_.versions.size(), VersionBounds{.isReachable = true});
   const VersionSelection anywhere(space_.names.size(), SearchSpace::none);
   return *makePlanNetwork({space_, compatibility, bounds}, {anywhere}, &dependencies_);
+}
+
+/// Lets names begin at what some source holds, of which the names that are left out are a part.
+void BlockingNames::beginAtSource(PlanSolver& plans) const {
+  std::map<VersionIndex, Literal> isChosen;
+  for (const std::vector<VersionIndex>& versions : dependencies_.versions()) {
+    std::vector<Literal> chosen;
+    for (const VersionIndex version : versions) {
+      chosen.push_back(plans.sat.newVariable());
+      isChosen.emplace(version, chosen.back());
+      plans.sat.addClause({-plans.formula.startsAt(nodeOf(version)), chosen.back()});
+    }
+    plans.sat.addExactlyOne(chosen);
+  }
+  for (const Compatibility::Requirement& requirement : dependencies_.requirements) {
+    const auto start = isChosen.find(requirement.version);
+    if (start == isChosen.end()) continue;
+    std::vector<Literal> clause{-start->second};
+    for (const VersionIndex admitted : requirement.admitted) {
+      if (const auto other = isChosen.find(admitted); other != isChosen.end()) {
+        clause.push_back(other->second);
+      }
+    }
+    plans.sat.addClause(clause);
+  }
 }
 
 /// A literal that is true if the plan is about the name, and ends where it is to end.
@@ -152,9 +179,9 @@ std::vector<std::vector<VersionIndex>> BlockingNames::conflictsAmong(
     }
   }
   for (const std::vector<VersionIndex>& conflict : conflicts_) {
-    const bool isAmong = std::all_of(
-        conflict.begin(), conflict.end(),
-        [&](VersionIndex version) { return names[space_.versions[version].name]; });
+    const bool isAmong = std::all_of(conflict.begin(), conflict.end(), [&](VersionIndex version) {
+      return names[space_.versions[version].name];
+    });
     if (isAmong) result.push_back(conflict);
   }
   std::sort(result.begin(), result.end());
@@ -166,6 +193,7 @@ std::vector<std::vector<VersionIndex>> BlockingNames::proof(const ChosenItems& n
   PlanNetwork unordered = network_;
   unordered.neighbours.clear();
   PlanSolver plans(unordered, PlanFormula::Names::Any);
+  beginAtSource(plans);
   std::vector<Literal> assumptions;
   for (NameIndex name = 0; name < names.size(); ++name) {
     assumptions.push_back(names[name] ? arrival(plans, name) : -plans.formula.isPresent(name));

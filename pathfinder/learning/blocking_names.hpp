@@ -29,6 +29,7 @@ class BlockingNames final : public SmallestConflict::Judge {
 
  private:
   PlanNetwork makeNetwork() const;
+  void beginAtSource(PlanSolver& plans) const;
   Literal arrival(PlanSolver& plans, NameIndex name) const;
   bool learnFromPlan();
   bool learnFrom(const std::vector<VersionIndex>& held);
@@ -41,8 +42,8 @@ class BlockingNames final : public SmallestConflict::Judge {
   FreeVersions& free_;
   PlanNetwork network_;
   PlanSolver plans_;
-  std::vector<Literal> arrives_;                     // by name: the plan is about it and its target
-  ChosenItems arrived_;              // in the plan found last
+  std::vector<Literal> arrives_;  // by name: the plan is about it and its target
+  ChosenItems arrived_;           // in the plan found last
   std::vector<std::vector<VersionIndex>> conflicts_;  // met in plans
 };
 

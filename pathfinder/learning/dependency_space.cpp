@@ -1,6 +1,7 @@
 // Breadth-first exploration of each name by itself over hops that do not go against the direction,
 // from the source's version on; then, of a name that the target fixes, only what leads to its
-// version is kept, unless ends are left open. Each dependency of what is left becomes a requirement.
+// version is kept, unless ends are left open. Each dependency of what is left becomes a
+// requirement.
 
 #include "pathfinder/learning/dependency_space.hpp"
 

@@ -74,7 +74,7 @@ class DependencySpace final : public OpenStart {
   friend class DependencySurvey;
 
   SelectionClosure source_;
-  std::optional<SelectionClosure> target_;    // not of a space whose ends are open
+  std::optional<SelectionClosure> target_;     // not of a space whose ends are open
   std::map<std::u16string, Metamodel> goals_;  // of such a space
   bool hasEnds_ = false;
   bool isOpen_ = false;

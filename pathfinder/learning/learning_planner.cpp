@@ -83,19 +83,25 @@ class Planner final : public LearningPlanner {
   }
 
   void forbidTogether(std::span<const VersionIndex> versions) override {
-    plans_.formula.forbidTogether(nodesOf(versions));
+    if (const auto nodes = nodesOf(versions)) plans_.formula.forbidTogether(*nodes);
   }
 
   void forbidAtEnd(std::span<const VersionIndex> versions) override {
+    const auto nodes = nodesOf(versions);
+    if (!nodes) return;
     std::vector<Literal> clause;
-    for (const NodeIndex node : nodesOf(versions)) clause.push_back(-plans_.formula.endsAt(node));
+    for (const NodeIndex node : *nodes) clause.push_back(-plans_.formula.endsAt(node));
     plans_.sat.addClause(clause);
   }
 
  private:
-  std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const {
+  /// No value when no plan holds one of them.
+  std::optional<std::vector<NodeIndex>> nodesOf(std::span<const VersionIndex> versions) const {
     std::vector<NodeIndex> nodes;
-    for (const VersionIndex version : versions) nodes.push_back(nodeOf(version));
+    for (const VersionIndex version : versions) {
+      nodes.push_back(nodeOf(version));
+      if (nodes.back() == network_.names[space_.versions[version].name].end) return std::nullopt;
+    }
     return nodes;
   }
 

@@ -42,7 +42,7 @@ std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
 }
 
 LockstepHop PlanLinking::hopsOf(SelectionView before, std::span<const PlannedHop> hops,
-                   SelectionView after) const {
+                                SelectionView after) const {
   LockstepHop result;
   for (NameIndex name = 0; name < before.size(); ++name) {
     if (hops[name] == PlannedHop::None) continue;

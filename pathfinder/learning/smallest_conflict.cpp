@@ -1,8 +1,8 @@
 // Implicit hitting sets: a set in conflict has an item outside of each set that agrees. Of the sets
 // that agree some are known, each as large as can be; the first of the smallest sets that have an
-// item outside of all of these is tried. If it is in conflict, it is the one that is looked for, for
-// every other one has an item outside of these as well. Otherwise more items are added to it until
-// none can be, which makes one more set that agrees.
+// item outside of all of these is tried. If it is in conflict, it is the one that is looked for,
+// for every other one has an item outside of these as well. Otherwise more items are added to it
+// until none can be, which makes one more set that agrees.
 
 #include "pathfinder/learning/smallest_conflict.hpp"
 

@@ -36,8 +36,8 @@ class SmallestConflict {
   /// Whoever interrupts this by an exception finds in `best` what is known.
   void find();
 
-  /// A set in conflict: the one that is looked for, if `isProven`; of which none can be left out, if
-  /// it `isReduced`.
+  /// A set in conflict: the one that is looked for, if `isProven`; of which none can be left out,
+  /// if it `isReduced`.
   const ChosenItems& best() const { return best_; }
   bool isProven() const { return isProven_; }
   bool isReduced() const { return isReduced_; }
