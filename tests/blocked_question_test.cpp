@@ -7,6 +7,7 @@
 
 #include "pathfinder/learning/random_choices.hpp"
 #include "platform/exception.hpp"
+#include "support/free_names.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/test_question.hpp"
@@ -14,8 +15,6 @@
 namespace test {
 namespace {
 
-using Versions = std::map<std::u16string, VersionId>;
-using Names = std::vector<std::u16string>;
 using Measure = BlockedQuestion::EndCost;
 using Refused = foundation::core::except::IMsgIDException;
 
@@ -66,13 +65,6 @@ std::string selectedQuestion(Random& random) {
   return draft.text(random);
 }
 
-Names namesOf(const VersionBaseline& baseline) {
-  Names names;
-  for (const auto& [name, linked] : baseline.metamodels) names.push_back(name);
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 /// Such a question, and what plain enumeration tells of it.
 class AskedPlainly {
  public:
@@ -98,53 +90,12 @@ class AskedPlainly {
     return BlockedQuestion::pose(repository, from, to, direction);
   }
 
-  /// Whether the names, all others being free, can be brought to the target.
-  bool canArrive(const Names& names, const std::function<bool(const Versions&)>& canBeHeld) {
-    std::vector<Versions> met;
-    const auto meet = [&](Versions versions) {
-      if (!canBeHeld(versions)) return;
-      if (std::find(met.begin(), met.end(), versions) == met.end()) met.push_back(versions);
-    };
-    for (const VersionBaseline& source : sources) {
-      Versions start;
-      for (const auto& name : names) start.emplace(name, source.metamodels.at(name)->version);
-      meet(std::move(start));
+  FreeNames freeNames() {
+    FreeNames::Versions goals;
+    for (const auto& [name, version] : to) {
+      goals.emplace(name, repository.getMetamodel(name, version)->version);
     }
-    for (std::size_t next = 0; next < met.size(); ++next) {
-      const Versions held = met[next];
-      if (hasArrived(held)) return true;
-      moveOn(held, held.begin(), held, meet);
-    }
-    return false;
-  }
-
-  /// Whether a baseline holds all of these.
-  bool canBeHeld(const Versions& versions) {
-    if (versions.empty()) return true;
-    std::string text;
-    for (const auto& [name, version] : versions) text += brief(name, version) + " ";
-    const auto [known, isNew] = canBeHeld_.try_emplace(text, false);
-    if (isNew) {
-      known->second = !repository.combine(Selection(versions.begin(), versions.end())).empty();
-    }
-    return known->second;
-  }
-
-  /// The first of the smallest sets of names that cannot be brought to the target; none when all
-  /// can be.
-  std::optional<Names> firstBlocked() {
-    const Names names = namesOf(sources.at(0));
-    std::optional<Names> first;
-    for (std::size_t chosen = 0; chosen < (std::size_t{1} << names.size()); ++chosen) {
-      Names some;
-      for (std::size_t i = 0; i < names.size(); ++i) {
-        if ((chosen >> i & 1) != 0) some.push_back(names[i]);
-      }
-      if (first && std::pair(first->size(), *first) < std::pair(some.size(), some)) continue;
-      const auto held = [&](const Versions& versions) { return canBeHeld(versions); };
-      if (!canArrive(some, held)) first = some;
-    }
-    return first;
+    return {repository, sources, goals, direction};
   }
 
   /// All baselines that any steps lead to.
@@ -165,45 +116,12 @@ class AskedPlainly {
   const Selection from;
   const Selection to;
   const VersionRepository::Direction direction;
-
- private:
-  bool hasArrived(const Versions& held) {
-    return std::all_of(held.begin(), held.end(), [&](const auto& entry) {
-      const auto goal = to.find(entry.first);
-      return goal == to.end() ||
-             repository.getMetamodel(entry.first, goal->second)->version == entry.second;
-    });
-  }
-
-  /// Every way to make hops of the names from `name` on.
-  template <class Meet>
-  void moveOn(const Versions& held, Versions::const_iterator name, const Versions& moved,
-              const Meet& meet) {
-    if (name == held.end()) {
-      meet(moved);
-      return;
-    }
-    moveOn(held, std::next(name), moved, meet);
-    const Metamodel before = *repository.getMetamodel(name->first, name->second);
-    for (const Hop& hop : hopsFrom(repository, before)) {
-      const Metamodel after = *repository.getMetamodel(hop.name, hop.to);
-      if (VersionRepository::areDirectionsInconsistent(direction,
-                                                       repository.getDirection(before, after))) {
-        continue;
-      }
-      Versions next = moved;
-      next.insert_or_assign(name->first, after.version);
-      moveOn(held, std::next(name), next, meet);
-    }
-  }
-
-  std::map<std::string, bool> canBeHeld_;  // by what is held, in brief
 };
 
 /// That each exclusion is true, that all of them suffice, and that none can be left out.
-void expectProof(AskedPlainly& asked, const BlockedQuestion::BlockingSet& set) {
+void expectProof(FreeNames& plain, const BlockedQuestion::BlockingSet& set) {
   const auto isBlockedWithout = [&](std::size_t left) {
-    return !asked.canArrive(set.names, [&](const Versions& held) {
+    return !plain.canArrive(set.names, [&](const FreeNames::Versions& held) {
       for (std::size_t i = 0; i < set.exclusions.size(); ++i) {
         const auto& versions = set.exclusions[i];
         const bool holdsAll = std::all_of(versions.begin(), versions.end(), [&](const auto& entry) {
@@ -217,7 +135,7 @@ void expectProof(AskedPlainly& asked, const BlockedQuestion::BlockingSet& set) {
   };
   EXPECT_TRUE(isBlockedWithout(set.exclusions.size()));
   for (std::size_t i = 0; i < set.exclusions.size(); ++i) {
-    EXPECT_FALSE(asked.canBeHeld(set.exclusions[i]));
+    EXPECT_FALSE(plain.canBeHeld(set.exclusions[i]));
     EXPECT_FALSE(isBlockedWithout(i)) << "exclusion " << i;
   }
 }
@@ -234,14 +152,15 @@ TEST(BlockedQuestions, TellTheFirstOfTheSmallestSetsThatBlock) {
     run.count("posed", question != nullptr);
     if (!question) return;
     const auto set = question->findBlockingSet({});
-    const auto expected = asked.firstBlocked();
+    FreeNames plain = asked.freeNames();
+    const auto expected = plain.firstBlocked();
     run.count("blocked", set.has_value());
     run.count("several", set && set->names.size() > 2);
     ASSERT_EQ(set.has_value(), expected.has_value());
     if (!set) return;
     EXPECT_EQ(set->names, *expected);
     EXPECT_TRUE(set->isSmallest && set->isMinimal && !set->stopped);
-    expectProof(asked, *set);
+    expectProof(plain, *set);
     run.count("of three together",
               std::any_of(set->exclusions.begin(), set->exclusions.end(),
                           [](const auto& versions) { return versions.size() > 2; }));
@@ -353,7 +272,7 @@ TEST(BlockedQuestions, ObeyLimits) {
   repository.failing.insert("loadMetamodel A1");
   EXPECT_THROW(question->findNearest({}, {}), CallbackFailure);
   repository.failing.clear();
-  EXPECT_EQ(question->findBlockingSet({})->names, (Names{u"A", u"B"}));
+  EXPECT_EQ(question->findBlockingSet({})->names, (FreeNames::Names{u"A", u"B"}));
   EXPECT_TRUE(question->findNearest({}, {})->path.empty());
 }
 
