@@ -167,12 +167,31 @@ void expectNearest(RandomCase& random, const std::vector<VersionBaseline>& sourc
   }
 }
 
+bool speaksOf(const Clash& clash, const std::u16string& name) {
+  return clash.contested == name ||
+         std::count(clash.parties.begin(), clash.parties.end(), name) > 0;
+}
+
+/// That no name is blamed without a reason.
+void expectReasons(const NeverTogether& reason) {
+  for (const std::u16string& name : reason.names) {
+    const bool isBlocked =
+        std::any_of(reason.blocked.begin(), reason.blocked.end(),
+                    [&](const BlockedHop& blocked) { return speaksOf(blocked.clash, name); });
+    const auto& others = reason.otherClashes;
+    EXPECT_TRUE(isBlocked || std::any_of(others.begin(), others.end(), [&](const Clash& clash) {
+                  return speaksOf(clash, name);
+                }));
+  }
+}
+
 void expectMinimal(const RandomCase& random, const std::vector<VersionBaseline>& sources,
                    const NeverTogether& reason, VersionRepository::Direction direction) {
   EXPECT_TRUE(reason.isMinimal);
   if (reason.isSmallest && reason.names.size() > 1) {
     EXPECT_EQ(FreeNames(*random.repository, sources, random.goals, direction).firstBlocked(),
               reason.names);
+    expectReasons(reason);
     return;
   }
   EXPECT_FALSE(canReachPart(random, sources, reason.names, direction));
@@ -201,6 +220,7 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
         expectMinimal(random, sources, *reason, direction);
         run.count("blocked hops", !reason->blocked.empty());
         run.count("proven smallest", reason->isSmallest);
+        run.count("other clashes", !reason->otherClashes.empty());
       }
     } catch (const foundation::core::except::IMsgIDException&) {
       // The path finder, and so enumeration, stumbles over a version that cannot be linked.

@@ -137,7 +137,7 @@ class Details {
     }
     printStuck(reason);
     for (const Clash& clash : reason.otherClashes) {
-      out_ << "There cannot be together:\n";
+      out_ << "These cannot stand together either:\n";
       print(clash, "  ", " is at ");
     }
   }
