@@ -94,6 +94,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT BlockedQuestion {
   virtual std::optional<Nearest> findNearest(const std::vector<EndCost>& measures,
                                              const SearchLimits& limits) = 0;
 
+  /// What of that is certain before the path is planned: the versions that all baselines of those
+  /// costs hold, as far as they share them. The rest as for `findNearest`.
+  virtual std::optional<Selection> findNearestEnds(const std::vector<EndCost>& measures,
+                                                   const SearchLimits& limits) = 0;
+
  protected:
   BlockedQuestion();
 };

@@ -224,7 +224,18 @@ TEST(BlockedQuestions, FindTheCheapestEndAndALeastPathThere) {
     const auto nearest = question->findNearest(measures, {});
     ASSERT_EQ(nearest.has_value(), least.has_value());
     run.count("found", nearest && !nearest->path.empty());
+    const auto ends = question->findNearestEnds(measures, {});
+    ASSERT_EQ(ends.has_value(), least.has_value());
     if (!nearest) return;
+    for (const auto& [name, linked] : nearest->baseline.metamodels) {
+      const bool isShared =
+          std::all_of(cheapest.begin(), cheapest.end(),
+                      [&, &name = name, &linked = linked](const VersionBaseline& other) {
+                        return other.metamodels.at(name)->version == linked->version;
+                      });
+      ASSERT_EQ(ends->contains(name), isShared);
+      EXPECT_TRUE(!isShared || ends->at(name) == linked->version);
+    }
     EXPECT_EQ(costOf(nearest->baseline, measures), least);
     expectLegal(asked.repository, nearest->path);
     const VersionBaseline& end =

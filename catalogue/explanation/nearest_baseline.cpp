@@ -38,6 +38,23 @@ struct Arrival {
   VersionBaseline baseline;
 };
 
+/// Without steps the way ends at a source: at one that includes a target, unless there are none of
+/// these that could be linked and listed within the limits.
+Arrival arrivalBy(const PosedQuestion& question, Path path,
+                  const std::vector<VersionBaseline>& targets) {
+  if (!path.empty()) {
+    VersionBaseline baseline = path.back().to;
+    return {std::move(path), std::move(baseline)};
+  }
+  const auto source =
+      std::find_if(question.sources.begin(), question.sources.end(), [&](const auto& candidate) {
+        return std::any_of(targets.begin(), targets.end(), [&](const VersionBaseline& target) {
+          return candidate.includes(target);
+        });
+      });
+  return {{}, source == question.sources.end() ? question.sources.front() : *source};
+}
+
 /// Finds, among selections that take one option of each choice, a reachable one with the fewest
 /// hops left in all.
 class FewestHops {
@@ -143,23 +160,7 @@ class FewestHops {
     Answer answer = question_.inquiry->ask(question_.sources, targets_, question_.direction);
     isOpen_ = answer.isOpen;
     if (!answer.path) return std::nullopt;
-    return arrivalBy(*std::move(answer.path), targets_);
-  }
-
-  /// Without steps the way ends at a source: at one that includes a target, unless there are none
-  /// of these that could be linked and listed within the limits.
-  Arrival arrivalBy(Path path, const std::vector<VersionBaseline>& targets) const {
-    if (!path.empty()) {
-      VersionBaseline baseline = path.back().to;
-      return {std::move(path), std::move(baseline)};
-    }
-    const auto source = std::find_if(
-        question_.sources.begin(), question_.sources.end(), [&](const auto& candidate) {
-          return std::any_of(targets.begin(), targets.end(), [&](const VersionBaseline& target) {
-            return candidate.includes(target);
-          });
-        });
-    return {{}, source == question_.sources.end() ? question_.sources.front() : *source};
+    return arrivalBy(question_, *std::move(answer.path), targets_);
   }
 
   /// Without the questions to find the best: fixes the first choices first, each as well as it can
@@ -183,7 +184,7 @@ class FewestHops {
     if (fixed.empty()) return Arrival{{}, question_.sources.front()};
     if (!path) path = question_.reach(fixed).path;
     if (!path) return std::nullopt;
-    return arrivalBy(*std::move(path), question_.inquiry->combine(fixed));
+    return arrivalBy(question_, *std::move(path), question_.inquiry->combine(fixed));
   }
 
   const PosedQuestion& question_;
@@ -270,13 +271,6 @@ class EndCosts {
 
 using EndCost = pathfinder::BlockedQuestion::EndCost;
 
-std::optional<pathfinder::BlockedQuestion::Nearest> askForNearest(
-    const PosedQuestion& question, const std::vector<EndCost>& measures) {
-  return question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
-    return question.blocked->findNearest(measures, limits);
-  });
-}
-
 /// Whether the path finder would not stumble over a version of the path: each of them must have all
 /// that its dependencies admit.
 bool canBeLinked(const PosedQuestion& question, const Path& path) {
@@ -287,6 +281,34 @@ bool canBeLinked(const PosedQuestion& question, const Path& path) {
       return metamodel && repository.tryLink(*metamodel) != nullptr;
     });
   });
+}
+
+/// The way to ends that are certain.
+std::optional<Arrival> arriveAt(const PosedQuestion& question, const Selection& ends) {
+  SelectedMetamodels selection;
+  for (const auto& [name, goal] : question.goals) {
+    const auto end = ends.find(name);
+    if (end == ends.end()) return std::nullopt;
+    selection.emplace(name, *question.inquiry->repository().getMetamodel(name, end->second));
+  }
+  Answer answer = question.reach(selection);
+  if (!answer.path) return std::nullopt;
+  return arrivalBy(question, *std::move(answer.path), question.inquiry->combine(selection));
+}
+
+/// Where the path finder finds the lowest costs; no value when a limit is reached.
+std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
+                                        const std::vector<EndCost>& measures) {
+  const auto ends = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+    return question.blocked->findNearestEnds(measures, limits);
+  });
+  if (!ends) return std::nullopt;
+  if (auto arrival = arriveAt(question, *ends)) return arrival;
+  auto nearest = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+    return question.blocked->findNearest(measures, limits);
+  });
+  if (!nearest || !canBeLinked(question, nearest->path)) return std::nullopt;
+  return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
 }
 
 void describe(const PosedQuestion& question, NearestBaseline& result) {
@@ -313,9 +335,9 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
   if (question.canAskForNearest()) {
     const EndCosts costs(question);
     auto nearest =
-        askForNearest(question, {[&](const Metamodel& end) { return costs.toArrive(end); },
-                                 [&](const Metamodel& end) { return costs.toGoOn(end); }});
-    if (nearest && canBeLinked(question, nearest->path)) {
+        arriveAtCheapest(question, {[&](const Metamodel& end) { return costs.toArrive(end); },
+                                    [&](const Metamodel& end) { return costs.toGoOn(end); }});
+    if (nearest) {
       NearestBaseline result{.path = std::move(nearest->path),
                              .baseline = std::move(nearest->baseline),
                              .isProven = true};
@@ -341,8 +363,8 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
 std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
   if (question.canAskForNearest()) {
     const EndCosts costs(question);
-    auto nearest =
-        askForNearest(question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
+    auto nearest = arriveAtCheapest(
+        question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
     if (!nearest) return std::nullopt;
     return std::move(nearest->baseline);
   }

@@ -21,6 +21,60 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
+VersionSelection anywhere(const DependencySpace& dependencies) {
+  return VersionSelection(dependencies.space->names.size(), SearchSpace::none);
+}
+
+/// The plans whose ends cost the least.
+class CheapestPlans {
+ public:
+  CheapestPlans(const DependencySpace& dependencies,
+                const std::vector<BlockedQuestion::EndCost>& measures)
+      : dependencies_(dependencies),
+        compatibility_(*dependencies.space, dependencies.requirements),
+        bounds_(computeVersionBounds(*dependencies.space, compatibility_)) {
+    for (const BlockedQuestion::EndCost& measure : measures) addCosts(measure);
+  }
+
+  /// What all of them end with, by name; `none` where they differ. No value when there are none.
+  std::optional<VersionSelection> commonEnds(
+      const std::vector<VersionSelection>& impossible) const {
+    const auto planner = plannerTo(anywhere(dependencies_), impossible);
+    if (!planner) return std::nullopt;
+    return planner->commonEnds();
+  }
+
+  /// A planner of those that end so; null when there are none.
+  std::unique_ptr<LearningPlanner> plannerTo(
+      const VersionSelection& target, const std::vector<VersionSelection>& impossible) const {
+    auto planner = LearningPlanner::create({*dependencies_.space, compatibility_, bounds_},
+                                           {target}, &dependencies_);
+    for (const VersionSelection& selection : impossible) planner->forbidTogether(selection);
+    for (const VersionIndex version : forbidden_) planner->forbidAtEnd({&version, 1});
+    const bool isAnyLeft = std::all_of(costs_.begin(), costs_.end(), [&](const auto& costs) {
+      return planner->keepCheapestEnds(costs);
+    });
+    return isAnyLeft ? std::move(planner) : nullptr;
+  }
+
+ private:
+  void addCosts(const BlockedQuestion::EndCost& measure) {
+    auto& costs = costs_.emplace_back();
+    const auto& versions = dependencies_.space->versions;
+    for (VersionIndex version = 0; version < versions.size(); ++version) {
+      const auto cost = measure(*versions[version].descriptor);
+      if (!cost) forbidden_.push_back(version);
+      if (cost && *cost > 0) costs.push_back({version, *cost});
+    }
+  }
+
+  const DependencySpace& dependencies_;
+  const Compatibility compatibility_;
+  const AllVersionBounds bounds_;
+  std::vector<VersionIndex> forbidden_;
+  std::vector<std::vector<LearningPlanner::EndCost>> costs_;  // by measure
+};
+
 class BlockedQuestionSearch final : public BlockedQuestion {
  public:
   BlockedQuestionSearch(VersionRepository& repository, const Selection& from, const Selection& to,
@@ -33,7 +87,8 @@ class BlockedQuestionSearch final : public BlockedQuestion {
     const SearchSpace& space = *dependencies_.space;
     const AllVersionBounds bounds(space.versions.size(), VersionBounds{.isReachable = true});
     const Compatibility compatibility(space, dependencies_.requirements);
-    return makePlanNetwork({space, compatibility, bounds}, {anywhere()}, &dependencies_)
+    return makePlanNetwork({space, compatibility, bounds}, {anywhere(dependencies_)},
+                           &dependencies_)
         .has_value();
   }
 
@@ -64,20 +119,15 @@ class BlockedQuestionSearch final : public BlockedQuestion {
 
   std::optional<Nearest> findNearest(const std::vector<EndCost>& measures,
                                      const SearchLimits& limits) override {
-    if (!isClosed()) throw std::logic_error("BlockedQuestion::findNearest: not a closed question");
+    requireClosed();
     const SearchWatch watch(limits);
-    const SearchSpace& space = *dependencies_.space;
-    const Compatibility compatibility(space, dependencies_.requirements);
-    const AllVersionBounds bounds = computeVersionBounds(space, compatibility);
-    const PlanningGround ground{space, compatibility, bounds};
-    const Costs costs = costsBy(measures);
+    const CheapestPlans plans(dependencies_, measures);
     PlanLinking linking(access_, dependencies_);
     std::vector<VersionSelection> impossible;
     while (true) {
-      const auto open = plannerOfCheapest(ground, anywhere(), costs, impossible);
-      if (!open) return std::nullopt;
-      const auto planner = plannerOfCheapest(ground, open->commonEnds(), costs, impossible);
-      const auto plan = planner->plan();
+      const auto ends = plans.commonEnds(impossible);
+      if (!ends) return std::nullopt;
+      const auto plan = plans.plannerTo(*ends, impossible)->plan();
       SelectionView selection;
       if (auto path = linking.carryOut(*plan, selection)) {
         return Nearest{std::move(path->steps), std::move(path->last)};
@@ -86,41 +136,24 @@ class BlockedQuestionSearch final : public BlockedQuestion {
     }
   }
 
- private:
-  struct Costs {
-    std::vector<VersionIndex> forbidden;
-    std::vector<std::vector<LearningPlanner::EndCost>> byMeasure;
-  };
-
-  VersionSelection anywhere() const {
-    return VersionSelection(dependencies_.space->names.size(), SearchSpace::none);
-  }
-
-  Costs costsBy(const std::vector<EndCost>& measures) const {
-    Costs costs;
-    const auto& versions = dependencies_.space->versions;
-    for (const EndCost& measure : measures) {
-      auto& listed = costs.byMeasure.emplace_back();
-      for (VersionIndex version = 0; version < versions.size(); ++version) {
-        const auto cost = measure(*versions[version].descriptor);
-        if (!cost) costs.forbidden.push_back(version);
-        if (cost && *cost > 0) listed.push_back({version, *cost});
-      }
+  std::optional<Selection> findNearestEnds(const std::vector<EndCost>& measures,
+                                           const SearchLimits& limits) override {
+    requireClosed();
+    const SearchWatch watch(limits);
+    const auto ends = CheapestPlans(dependencies_, measures).commonEnds({});
+    if (!ends) return std::nullopt;
+    Selection result;
+    for (NameIndex name = 0; name < ends->size(); ++name) {
+      if ((*ends)[name] == SearchSpace::none) continue;
+      result.emplace(dependencies_.space->names[name].text,
+                     dependencies_.space->versions[(*ends)[name]].descriptor->version);
     }
-    return costs;
+    return result;
   }
 
-  /// A planner of those plans that end at the lowest costs; null when there are none.
-  std::unique_ptr<LearningPlanner> plannerOfCheapest(
-      const PlanningGround& ground, const VersionSelection& target, const Costs& costs,
-      const std::vector<VersionSelection>& impossible) const {
-    auto planner = LearningPlanner::create(ground, {target}, &dependencies_);
-    for (const VersionSelection& selection : impossible) planner->forbidTogether(selection);
-    for (const VersionIndex version : costs.forbidden) planner->forbidAtEnd({&version, 1});
-    const bool isAnyLeft =
-        std::all_of(costs.byMeasure.begin(), costs.byMeasure.end(),
-                    [&](const auto& measure) { return planner->keepCheapestEnds(measure); });
-    return isAnyLeft ? std::move(planner) : nullptr;
+ private:
+  void requireClosed() const {
+    if (!isClosed()) throw std::logic_error("BlockedQuestion: what is nearest is not closed");
   }
 
   std::map<std::u16string, VersionId> versionsByName(
