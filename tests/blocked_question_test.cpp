@@ -144,6 +144,21 @@ bool isSame(const BlockedQuestion::BlockingSet& left, const BlockedQuestion::Blo
   return left.names == right.names && left.exclusions.empty() == right.exclusions.empty();
 }
 
+/// What is told within so little memory blocks all the same; whether a limit was reached.
+bool expectBestKnown(BlockedQuestion& question, std::size_t memory, FreeNames& plain,
+                     const BlockedQuestion::BlockingSet& smallest) {
+  try {
+    const auto set = question.findBlockingSet({.memory = memory});
+    EXPECT_TRUE(set->stopped || set->isSmallest);
+    EXPECT_TRUE(set->stopped || isSame(*set, smallest));
+    EXPECT_FALSE(plain.canArrive(
+        set->names, [&](const FreeNames::Versions& held) { return plain.canBeHeld(held); }));
+    return set->stopped.has_value();
+  } catch (const SearchStopped&) {
+    return false;
+  }
+}
+
 TEST(BlockedQuestions, TellTheFirstOfTheSmallestSetsThatBlock) {
   RandomRun run(1500);
   run.ask(selectedQuestion, [&](const std::string& text, Random& random) {
@@ -164,11 +179,15 @@ TEST(BlockedQuestions, TellTheFirstOfTheSmallestSetsThatBlock) {
     run.count("of three together",
               std::any_of(set->exclusions.begin(), set->exclusions.end(),
                           [](const auto& versions) { return versions.size() > 2; }));
+    run.count("stopped", expectBestKnown(*question, random.below(40'000), plain, *set));
     const RandomChoices choices(random());
     EXPECT_TRUE(isSame(*question->findBlockingSet({}), *set));
   });
-  run.expectPercentages(
-      {{"posed", 15}, {"blocked", 4.5}, {"several", 0.25}, {"of three together", 0.2}});
+  run.expectPercentages({{"posed", 15},
+                         {"blocked", 4.5},
+                         {"several", 0.25},
+                         {"of three together", 0.2},
+                         {"stopped", 0.02}});
 }
 
 /// A measure that costs little, at random, and seldom forbids.

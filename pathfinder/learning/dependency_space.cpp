@@ -311,6 +311,7 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
 void DependencySpace::visitChoices(const Decide& decide) const {
   source_.visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
     std::vector<VersionIndex> versions;
+    versions.reserve(places.size());
     for (const std::size_t place : places) versions.push_back(indices_.at(name)[place]);
     return places[decide(versions)];
   });

@@ -84,6 +84,7 @@ void FreeVersions::formulate() {
   for (Version& version : versions_) version.held = solver_.newVariable();
   for (const auto& versions : versionsOf_) {
     std::vector<Literal> held;
+    held.reserve(versions.size());
     for (const FreeVersion version : versions) held.push_back(versions_[version].held);
     solver_.addAtMostOne(std::move(held));
   }

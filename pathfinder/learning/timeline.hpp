@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -25,7 +26,7 @@ class Timeline {
 
   /// Whether a node has been entered when a number of layers and the gap after them are over.
   Literal isEnteredAfter(NodeIndex node, std::uint32_t layers) const {
-    return entered_[node][2 * layers];
+    return entered_[node][std::size_t{2} * layers];
   }
 
  private:
