@@ -181,8 +181,9 @@ inline constexpr std::size_t explanationBudget = 400;
 /// all names and versions up first, also where `findPath` would not because both sides are equal.
 ///
 /// Costs one question to the path finder when there is a path, another one when the direction may
-/// be the reason, and then at most about `budget` more, each about a part of the same question: up
-/// to half of them find what blocks, the others the nearest baseline. Where that is not enough, the
+/// be the reason, and then up to seven, where the path finder itself can tell what blocks and what
+/// is nearest. Otherwise at most about `budget` more, each about a part of the same question: up to
+/// half of them find what blocks, the others the nearest baseline. Where that is not enough, the
 /// parts concerned say so (`isMinimal`, `isProven`). They are not interrupted: a catalogue on which
 /// the path finder needs long needs long here, too, unless there are limits.
 ///
