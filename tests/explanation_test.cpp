@@ -10,6 +10,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
+#include "support/free_names.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
@@ -166,9 +167,33 @@ void expectNearest(RandomCase& random, const std::vector<VersionBaseline>& sourc
   }
 }
 
+bool speaksOf(const Clash& clash, const std::u16string& name) {
+  return clash.contested == name ||
+         std::count(clash.parties.begin(), clash.parties.end(), name) > 0;
+}
+
+/// That no name is blamed without a reason.
+void expectReasons(const NeverTogether& reason) {
+  for (const std::u16string& name : reason.names) {
+    const bool isBlocked =
+        std::any_of(reason.blocked.begin(), reason.blocked.end(),
+                    [&](const BlockedHop& blocked) { return speaksOf(blocked.clash, name); });
+    const auto& others = reason.otherClashes;
+    EXPECT_TRUE(isBlocked || std::any_of(others.begin(), others.end(), [&](const Clash& clash) {
+                  return speaksOf(clash, name);
+                }));
+  }
+}
+
 void expectMinimal(const RandomCase& random, const std::vector<VersionBaseline>& sources,
                    const NeverTogether& reason, VersionRepository::Direction direction) {
   EXPECT_TRUE(reason.isMinimal);
+  if (reason.isSmallest && reason.names.size() > 1) {
+    EXPECT_EQ(FreeNames(*random.repository, sources, random.goals, direction).firstBlocked(),
+              reason.names);
+    expectReasons(reason);
+    return;
+  }
   EXPECT_FALSE(canReachPart(random, sources, reason.names, direction));
   for (const std::u16string& name : reason.names) {
     std::vector<std::u16string> others = reason.names;
@@ -194,6 +219,8 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
       if (const auto* reason = std::get_if<NeverTogether>(&explanation.reason)) {
         expectMinimal(random, sources, *reason, direction);
         run.count("blocked hops", !reason->blocked.empty());
+        run.count("proven smallest", reason->isSmallest);
+        run.count("other clashes", !reason->otherClashes.empty());
       }
     } catch (const foundation::core::except::IMsgIDException&) {
       // The path finder, and so enumeration, stumbles over a version that cannot be linked.

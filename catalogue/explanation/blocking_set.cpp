@@ -1,5 +1,6 @@
 // Deletion-based minimisation: leaves out name by name, and keeps a name without which there would
-// be a path. What remains blocks, and none of it can be left out. One question for each name. Then
+// be a path. What remains blocks, and none of it can be left out. One question for each name; none
+// of this where the path finder can be asked for a smallest set at once. Then
 // the closest baseline that all of them can reach shows which hops a clash holds up there. See
 // docs/catalogue.md.
 
@@ -16,6 +17,7 @@ namespace tarn::evolution::catalogue {
 
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
+using pathfinder::VersionId;
 
 namespace {
 
@@ -211,14 +213,94 @@ std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
   return result;
 }
 
+bool speaksOf(const Clash& clash, const std::u16string& name) {
+  const auto& parties = clash.parties;
+  return clash.contested == name ||
+         std::find(parties.begin(), parties.end(), name) != parties.end();
+}
+
+/// Explains a smallest blocking set with all that is known of it.
+class SmallestSet {
+ public:
+  explicit SmallestSet(const PosedQuestion& question) : question_(question) {}
+
+  /// No value when the limits do not suffice.
+  std::optional<NeverTogether> run() {
+    const auto found = question_.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+      return question_.blocked->findBlockingSet(limits);
+    });
+    if (!found) return std::nullopt;
+    if (found->stopped) question_.inquiry->noteStopped(*found->stopped);
+    result_ = {
+        .names = found->names, .isMinimal = found->isMinimal, .isSmallest = found->isSmallest};
+    findWhereStuck();
+    for (const std::u16string& name : result_.names) {
+      if (!isSpokenOf(name)) addClashOf(name, found->exclusions);
+    }
+    return std::move(result_);
+  }
+
+ private:
+  /// Looks for clashes of the names with one another before those with others.
+  void findWhereStuck() {
+    const Names names(result_.names.begin(), result_.names.end());
+    PosedQuestion part = question_.canAskForNearest() ? question_ : partOf(question_, names);
+    part.goals = restrictTo(question_.goals, names);
+    const auto stuckAt = findClosestBaseline(part);
+    if (!stuckAt) return;
+    const VersionBaseline own = cutDown(*stuckAt, names);
+    result_.stuckAt = versionsOf(own);
+    result_.blocked = HopInspection(part, own).run();
+    if (result_.blocked.empty()) result_.blocked = HopInspection(part, *stuckAt).run();
+  }
+
+  bool isSpokenOf(const std::u16string& name) const {
+    const auto& others = result_.otherClashes;
+    return std::any_of(result_.blocked.begin(), result_.blocked.end(),
+                       [&](const BlockedHop& hop) { return speaksOf(hop.clash, name); }) ||
+           std::any_of(others.begin(), others.end(),
+                       [&](const Clash& clash) { return speaksOf(clash, name); });
+  }
+
+  void addClashOf(const std::u16string& name,
+                  const std::vector<std::map<std::u16string, VersionId>>& exclusions) {
+    for (const auto& versions : exclusions) {
+      if (!versions.contains(name)) continue;
+      if (auto clash = clashBetween(versions)) {
+        result_.otherClashes.push_back(*std::move(clash));
+        return;
+      }
+    }
+  }
+
+  std::optional<Clash> clashBetween(const std::map<std::u16string, VersionId>& versions) const {
+    std::vector<Candidates> candidates;
+    LinkableRepository& repository = question_.inquiry->repository();
+    for (const auto& [name, version] : versions) {
+      const auto metamodel = repository.getMetamodel(name, version);
+      const LinkedMetamodels* linked = metamodel ? repository.tryLink(*metamodel) : nullptr;
+      if (linked == nullptr) return std::nullopt;
+      candidates.push_back({name, *linked});
+    }
+    return findClash(candidates);
+  }
+
+  const PosedQuestion& question_;
+  NeverTogether result_;
+};
+
 }  // namespace
 
 NeverTogether explainBlocking(const PosedQuestion& question) {
+  if (question.blocked != nullptr) {
+    if (auto smallest = SmallestSet(question).run()) return *std::move(smallest);
+  }
   Minimisation minimisation(question);
   const Names names = minimisation.run();
   NeverTogether result{.names = {names.begin(), names.end()},
-                       .isMinimal = minimisation.isMinimal()};
-  const PosedQuestion part = partOf(question, names);
+                       .isMinimal = minimisation.isMinimal(),
+                       .isSmallest = names.size() <= 1};
+  PosedQuestion part = partOf(question, names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);
     result.blocked = HopInspection(part, *stuckAt).run();

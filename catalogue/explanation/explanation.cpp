@@ -75,6 +75,8 @@ class Explaining {
                         .sources = std::move(sources),
                         .goals = goals};
     findStarts(posed);
+    const auto blocked = inquiry_.pose(question_.from, question_.to, direction);
+    posed.blocked = blocked.get();
     if (inconsistency) {
       result_.reason = *std::move(inconsistency);
     } else {

@@ -85,20 +85,30 @@ struct BlockedHop {
 
 /// Each metamodel has its chain of hops, but they never get there together.
 ///
-/// `names` block one another, and none of them can be left out. Leaving a metamodel out means to
-/// ask for a model that has no use for it: it is struck from the target, and from the source unless
-/// what remains there links it, in which case it stays at the source's version. A baseline of the
-/// source that does not hold each metamodel of `names` that has a target stays whole, for any part
-/// of it may have to bring that one in.
+/// `names` block one another, and none of them can be left out. A metamodel that is left out may
+/// have any version, and another one at any time, as long as what is held fits together (see
+/// `pathfinder::BlockedQuestion`).
+///
+/// Where the source does not hold all names of the target, what blocks has to be brought in, or
+/// hops go round in circles, `isSmallest` is false, and leaving out means to ask for a model that
+/// has no use for the metamodel: it is struck from the target, and from the source unless what
+/// remains there links it, in which case it stays at the source's version. A baseline of the source
+/// that does not hold each metamodel of `names` that has a target stays whole, for any part of it
+/// may have to bring that one in.
 struct NeverTogether {
   std::vector<std::u16string> names;  ///< ascending
   bool isMinimal;  ///< false when budget or limits ended before every name was tried to be left out
+  bool isSmallest = false;  ///< whether it is proven that no smaller set does
 
   /// Where `names` and what they link get stuck: the baseline with the fewest hops left that all of
   /// them can reach (while each still has its chain), ascending; and the hops from there towards
   /// the target that a clash blocks.
   std::vector<NamedVersion> stuckAt = {};
   std::vector<BlockedHop> blocked = {};
+
+  /// For each of `names` that no clash in `blocked` speaks of, one between versions within reach
+  /// that it takes to prove that they block one another.
+  std::vector<Clash> otherClashes = {};
 };
 
 /// A metamodel of the target that the nearest baseline does not hold at its target version.
@@ -171,8 +181,9 @@ inline constexpr std::size_t explanationBudget = 400;
 /// all names and versions up first, also where `findPath` would not because both sides are equal.
 ///
 /// Costs one question to the path finder when there is a path, another one when the direction may
-/// be the reason, and then at most about `budget` more, each about a part of the same question: up
-/// to half of them find what blocks, the others the nearest baseline. Where that is not enough, the
+/// be the reason, and then up to seven, where the path finder itself can tell what blocks and what
+/// is nearest. Otherwise at most about `budget` more, each about a part of the same question: up to
+/// half of them find what blocks, the others the nearest baseline. Where that is not enough, the
 /// parts concerned say so (`isMinimal`, `isProven`). They are not interrupted: a catalogue on which
 /// the path finder needs long needs long here, too, unless there are limits.
 ///

@@ -52,7 +52,8 @@ class ExplanationWriter {
   }
   void writeReason(const NeverTogether& reason) {
     writeFields("kind", "never-together", "names", reason.names, "minimal", reason.isMinimal,
-                "stuckAt", reason.stuckAt, "blocked", reason.blocked);
+                "smallest", reason.isSmallest, "stuckAt", reason.stuckAt, "blocked", reason.blocked,
+                "otherClashes", reason.otherClashes);
   }
   void writeReason(const PathBesideUnlinkable& reason) {
     writeFields("kind", "path-beside-unlinkable", "steps", reason.path);

@@ -22,7 +22,8 @@ namespace tarn::evolution::catalogue {
 ///     inconsistent            "side", "unlinkableSelected": [UNLINKABLE], "clash", "remedies"
 ///     missing-chain           "direction", "chains": [CHAIN]
 ///     against-direction       "direction", "against": [HOP], "steps"
-///     never-together          "names", "minimal", "stuckAt", "blocked": [{"hop", "clash"}]
+///     never-together          "names", "minimal", "smallest", "stuckAt",
+///                             "blocked": [{"hop", "clash"}], "otherClashes": [CLASH]
 ///     path-beside-unlinkable  "steps"
 ///
 ///     CHAIN       {"target", "held", "starts", "reached", "leading", "missing",

@@ -48,6 +48,7 @@ class NoteCollection {
       add(blocked.hop);
       add(std::optional(blocked.clash));
     }
+    for (const Clash& clash : reason.otherClashes) add(std::optional(clash));
   }
   void add(const PathBesideUnlinkable& reason) { add(reason.path); }
 

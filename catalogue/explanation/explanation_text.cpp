@@ -133,7 +133,16 @@ class Details {
            << ", whether all of these are needed to block.\n";
     } else if (reason.names.size() > 1) {
       out_ << "With any one of them left out, the others get there.\n";
+      if (!reason.isSmallest) out_ << "It is not proven that no fewer block one another.\n";
     }
+    printStuck(reason);
+    for (const Clash& clash : reason.otherClashes) {
+      out_ << "These cannot stand together either:\n";
+      print(clash, "  ", " is at ");
+    }
+  }
+
+  void printStuck(const NeverTogether& reason) {
     if (reason.stuckAt.empty()) return;
     out_ << "They get stuck with " << listed(visibleEach(blockersAmong(reason))) << ".\n";
     for (const BlockedHop& blocked : reason.blocked) {

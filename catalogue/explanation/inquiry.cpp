@@ -32,8 +32,19 @@ Answer Inquiry::ask(const std::vector<VersionBaseline>& from,
   try {
     return {.path = findPath(from, to, direction)};
   } catch (const SearchStopped& stopped) {
-    if (!stopped_) stopped_ = stopped.reason();
+    noteStopped(stopped.reason());
     return {.isOpen = true};
+  }
+}
+
+std::unique_ptr<pathfinder::BlockedQuestion> Inquiry::pose(const Selection& from,
+                                                           const Selection& to,
+                                                           Direction direction) {
+  try {
+    return pathfinder::BlockedQuestion::pose(repository_, from, to, direction, limits_);
+  } catch (const SearchStopped& stopped) {
+    noteStopped(stopped.reason());
+    return nullptr;
   }
 }
 

@@ -3,11 +3,14 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "catalogue/explanation/linkable_repository.hpp"
+#include "catalogue/explanation/selection_lookup.hpp"
+#include "pathfinder/blocked_question.hpp"
 #include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -50,6 +53,27 @@ class Inquiry {
   /// The same as an answer, which a limit leaves open.
   Answer ask(const std::vector<pathfinder::VersionBaseline>& from,
              const std::vector<pathfinder::VersionBaseline>& to, Direction direction);
+
+  /// A question without a path that can be asked why; null for one that cannot, or when a limit is
+  /// reached.
+  std::unique_ptr<pathfinder::BlockedQuestion> pose(const Selection& from, const Selection& to,
+                                                    Direction direction);
+
+  /// What `ask(limits)` returns, counted as one question; no value when a limit is reached.
+  template <class Ask>
+  auto within(const Ask& ask) -> decltype(ask(pathfinder::SearchLimits())) {
+    ++questions_;
+    try {
+      return ask(limits_);
+    } catch (const pathfinder::SearchStopped& stopped) {
+      noteStopped(stopped.reason());
+      return {};
+    }
+  }
+
+  void noteStopped(pathfinder::SearchStopped::Reason reason) {
+    if (!stopped_) stopped_ = reason;
+  }
 
   /// Allows so many questions from now on, until that moment.
   void allow(std::size_t questions, std::optional<TimePoint> deadline) {

@@ -4,7 +4,7 @@
 // nearest options that cannot be reached together with what is fixed.
 //
 // One question for each sum and each option struck; selections are enumerated depth first, up to a
-// limit. See docs/catalogue.md.
+// limit. See docs/catalogue.md. All that only where the path finder cannot be asked for it at once.
 
 #include "catalogue/explanation/nearest_baseline.hpp"
 
@@ -14,6 +14,7 @@
 
 namespace tarn::evolution::catalogue {
 
+using pathfinder::BaselineHop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
@@ -36,6 +37,23 @@ struct Arrival {
   Path path;
   VersionBaseline baseline;
 };
+
+/// Without steps the way ends at a source: at one that includes a target, unless there are none of
+/// these that could be linked and listed within the limits.
+Arrival arrivalBy(const PosedQuestion& question, Path path,
+                  const std::vector<VersionBaseline>& targets) {
+  if (!path.empty()) {
+    VersionBaseline baseline = path.back().to;
+    return {std::move(path), std::move(baseline)};
+  }
+  const auto source =
+      std::find_if(question.sources.begin(), question.sources.end(), [&](const auto& candidate) {
+        return std::any_of(targets.begin(), targets.end(), [&](const VersionBaseline& target) {
+          return candidate.includes(target);
+        });
+      });
+  return {{}, source == question.sources.end() ? question.sources.front() : *source};
+}
 
 /// Finds, among selections that take one option of each choice, a reachable one with the fewest
 /// hops left in all.
@@ -142,23 +160,7 @@ class FewestHops {
     Answer answer = question_.inquiry->ask(question_.sources, targets_, question_.direction);
     isOpen_ = answer.isOpen;
     if (!answer.path) return std::nullopt;
-    return arrivalBy(*std::move(answer.path), targets_);
-  }
-
-  /// Without steps the way ends at a source: at one that includes a target, unless there are none
-  /// of these that could be linked and listed within the limits.
-  Arrival arrivalBy(Path path, const std::vector<VersionBaseline>& targets) const {
-    if (!path.empty()) {
-      VersionBaseline baseline = path.back().to;
-      return {std::move(path), std::move(baseline)};
-    }
-    const auto source = std::find_if(
-        question_.sources.begin(), question_.sources.end(), [&](const auto& candidate) {
-          return std::any_of(targets.begin(), targets.end(), [&](const VersionBaseline& target) {
-            return candidate.includes(target);
-          });
-        });
-    return {{}, source == question_.sources.end() ? question_.sources.front() : *source};
+    return arrivalBy(question_, *std::move(answer.path), targets_);
   }
 
   /// Without the questions to find the best: fixes the first choices first, each as well as it can
@@ -182,7 +184,7 @@ class FewestHops {
     if (fixed.empty()) return Arrival{{}, question_.sources.front()};
     if (!path) path = question_.reach(fixed).path;
     if (!path) return std::nullopt;
-    return arrivalBy(*std::move(path), question_.inquiry->combine(fixed));
+    return arrivalBy(question_, *std::move(path), question_.inquiry->combine(fixed));
   }
 
   const PosedQuestion& question_;
@@ -225,6 +227,90 @@ std::vector<Choice> choicesFor(const PosedQuestion& question, const Names& arriv
   return result;
 }
 
+/// What the goals cost that end somewhere else.
+class EndCosts {
+ public:
+  using Cost = std::optional<std::uint64_t>;
+
+  explicit EndCosts(const PosedQuestion& question) {
+    for (const auto& [name, goal] : question.goals) {
+      const HopGraph& graph = question.graphs->of(name);
+      goals_.emplace(name, Goal{&goal, &graph, graph.hopsTo(goal.version)});
+    }
+  }
+
+  /// One for each that has not arrived.
+  Cost toArrive(const Metamodel& end) const {
+    const auto goal = goals_.find(end.name);
+    return goal == goals_.end() || goal->second.version->version == end.version ? 0 : 1;
+  }
+
+  /// The hops left; without a chain of them as much as there are versions.
+  Cost toGoOn(const Metamodel& end) const {
+    const Cost hops = toGoOnByChain(end);
+    return hops ? hops : goals_.at(end.name).graph->versions().size();
+  }
+
+  /// The same; without a chain of hops there is no end.
+  Cost toGoOnByChain(const Metamodel& end) const {
+    const auto goal = goals_.find(end.name);
+    if (goal == goals_.end()) return 0;
+    const auto vertex = goal->second.graph->find(end.version);
+    return vertex ? goal->second.hopsLeft[*vertex] : std::nullopt;
+  }
+
+ private:
+  struct Goal {
+    const Metamodel* version;
+    const HopGraph* graph;
+    std::vector<std::optional<std::size_t>> hopsLeft;
+  };
+
+  std::map<std::u16string, Goal> goals_;
+};
+
+using EndCost = pathfinder::BlockedQuestion::EndCost;
+
+/// Whether the path finder would not stumble over a version of the path: each of them must have all
+/// that its dependencies admit.
+bool canBeLinked(const PosedQuestion& question, const Path& path) {
+  LinkableRepository& repository = question.inquiry->repository();
+  return std::all_of(path.begin(), path.end(), [&](const BaselineHop& step) {
+    return std::all_of(step.hops.begin(), step.hops.end(), [&](const auto& hop) {
+      const auto metamodel = repository.getMetamodel(hop.first, hop.second.to);
+      return metamodel && repository.tryLink(*metamodel) != nullptr;
+    });
+  });
+}
+
+/// The way to ends that are certain.
+std::optional<Arrival> arriveAt(const PosedQuestion& question, const Selection& ends) {
+  SelectedMetamodels selection;
+  for (const auto& [name, goal] : question.goals) {
+    const auto end = ends.find(name);
+    if (end == ends.end()) return std::nullopt;
+    selection.emplace(name, *question.inquiry->repository().getMetamodel(name, end->second));
+  }
+  Answer answer = question.reach(selection);
+  if (!answer.path) return std::nullopt;
+  return arrivalBy(question, *std::move(answer.path), question.inquiry->combine(selection));
+}
+
+/// Where the path finder finds the lowest costs; no value when a limit is reached.
+std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
+                                        const std::vector<EndCost>& measures) {
+  const auto ends = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+    return question.blocked->findNearestEnds(measures, limits);
+  });
+  if (!ends) return std::nullopt;
+  if (auto arrival = arriveAt(question, *ends)) return arrival;
+  auto nearest = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+    return question.blocked->findNearest(measures, limits);
+  });
+  if (!nearest || !canBeLinked(question, nearest->path)) return std::nullopt;
+  return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
+}
+
 void describe(const PosedQuestion& question, NearestBaseline& result) {
   for (const auto& [name, goal] : question.goals) {
     const NamedVersion target{name, goal.version};
@@ -246,6 +332,19 @@ void describe(const PosedQuestion& question, NearestBaseline& result) {
 }  // namespace
 
 NearestBaseline findNearestBaseline(const PosedQuestion& question) {
+  if (question.canAskForNearest()) {
+    const EndCosts costs(question);
+    auto nearest =
+        arriveAtCheapest(question, {[&](const Metamodel& end) { return costs.toArrive(end); },
+                                    [&](const Metamodel& end) { return costs.toGoOn(end); }});
+    if (nearest) {
+      NearestBaseline result{.path = std::move(nearest->path),
+                             .baseline = std::move(nearest->baseline),
+                             .isProven = true};
+      describe(question, result);
+      return result;
+    }
+  }
   GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;
   for (const Names& arriving : subsets.largest) {
@@ -262,6 +361,13 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
 }
 
 std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
+  if (question.canAskForNearest()) {
+    const EndCosts costs(question);
+    auto nearest = arriveAtCheapest(
+        question, {[&](const Metamodel& end) { return costs.toGoOnByChain(end); }});
+    if (!nearest) return std::nullopt;
+    return std::move(nearest->baseline);
+  }
   std::vector<Choice> choices;
   for (const auto& [name, goal] : question.goals) {
     choices.push_back(chainTo(question, goal));

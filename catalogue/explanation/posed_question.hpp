@@ -18,6 +18,10 @@ struct PosedQuestion {
   std::vector<pathfinder::VersionBaseline> sources = {};  ///< not empty
   SelectedMetamodels goals = {};
 
+  /// The same as a question that can be asked why it has no path; null when it is of another kind.
+  pathfinder::BlockedQuestion* blocked = nullptr;
+  bool canAskForNearest() const { return blocked != nullptr && blocked->isClosed(); }
+
   /// The versions from which hops may bring each goal to its target: those that the sources hold,
   /// or else those that a version within reach may bring in (see `findStarts`).
   std::map<std::u16string, std::vector<pathfinder::VersionId>> starts = {};

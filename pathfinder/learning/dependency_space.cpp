@@ -2,7 +2,8 @@
 // hops that do not go against the direction, from the source's versions and from those that may be
 // brought in; of a name that the target fixes, a mark on what leads to its version; and of all that
 // is kept, what it depends on, which of names that may be absent brings versions in. In the end
-// each dependency becomes a requirement, beside those that the application has by itself.
+// each dependency becomes a requirement, beside those that the application has by itself. Where
+// ends are open, all is kept, and nothing brought in.
 
 #include "pathfinder/learning/dependency_space.hpp"
 
@@ -21,10 +22,10 @@ class DependencySurvey {
 
   void run() {
     const auto source = result_.source_.firstBaseline();
-    const auto target = result_.target_.firstBaseline();
+    const auto target = areEndsOpen() ? source : result_.target_->firstBaseline();
     result_.hasEnds_ = source && target;
     if (!result_.hasEnds_) return;
-    result_.direction = directionBetween(*source, *target);
+    if (!areEndsOpen()) result_.direction = directionBetween(*source, *target);
     addNames();
     while (explore()) {
       for (auto& [text, name] : names_) keepWhatLeadsToEnd(name);
@@ -39,6 +40,18 @@ class DependencySurvey {
   }
 
  private:
+  bool areEndsOpen() const { return !result_.target_; }
+
+  /// Finds the direction from end to end, unless it is given; false when there is none to begin
+  /// with, or to go to.
+  bool findEnds() {
+    const auto source = result_.source_.firstBaseline();
+    if (!source || areEndsOpen()) return source.has_value();
+    const auto target = result_.target_->firstBaseline();
+    if (target) result_.direction = directionBetween(*source, *target);
+    return target.has_value();
+  }
+
   struct Hopped {
     std::uint32_t place;
     std::size_t target;
@@ -79,12 +92,19 @@ class DependencySurvey {
     for (const auto& [text, versions] : result_.source_.names()) {
       Name& name = names_[text];
       name.isCertain = result_.source_.isCertain(text);
+      if (areEndsOpen() && !name.isCertain) throw NotForDependencies();
       name.starts = versions.size();
       for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
       result_.isOpen_ |= !name.isCertain || versions.size() > 1;
     }
-    for (const auto& [text, versions] : result_.target_.names()) {
-      if (result_.target_.isSelected(text)) names_[text].goal = &versions.front().descriptor;
+    for (const auto& [text, goal] : result_.goals_) {
+      const auto name = names_.find(text);
+      if (name == names_.end()) throw NotForDependencies();
+      name->second.goal = &goal;
+    }
+    if (areEndsOpen()) return;
+    for (const auto& [text, versions] : result_.target_->names()) {
+      if (result_.target_->isSelected(text)) names_[text].goal = &versions.front().descriptor;
     }
   }
 
@@ -152,9 +172,10 @@ class DependencySurvey {
     version.hops.push_back(std::move(hop));
   }
 
-  static void keepWhatLeadsToEnd(Name& name) {
+  void keepWhatLeadsToEnd(Name& name) const {
+    const bool areAllKept = areEndsOpen() || name.goal == nullptr;
     for (Version& version : name.versions) {
-      version.isKept |= name.goal == nullptr || *version.descriptor == *name.goal;
+      version.isKept |= areAllKept || *version.descriptor == *name.goal;
     }
     for (bool changed = true; std::exchange(changed, false);) {
       for (std::size_t i = name.versions.size(); i-- > 0;) {
@@ -183,6 +204,10 @@ class DependencySurvey {
     checkpoint();
     version.areNeedsKnown = true;
     for (const Dependency* dependency : dependenciesInLinkingOrder(*version.descriptor)) {
+      if (areEndsOpen() && !names_.contains(dependency->name)) {
+        result_.isClosed_ = false;
+        continue;
+      }
       Need& need = version.needs.emplace_back(Need{&names_[dependency->name]});
       host_.findMetamodels(dependency->name, dependency->range, need.candidates);
       if (need.name->isCertain) continue;
@@ -264,7 +289,9 @@ class DependencySurvey {
 
   void addRequirements(const Version& version) {
     for (const Dependency& dependency : version.descriptor->dependencies) {
-      result_.dependencies[version.index].push_back(names_.at(dependency.name).index);
+      const auto needed = names_.find(dependency.name);
+      if (needed == names_.end()) continue;  // only where ends are open
+      result_.dependencies[version.index].push_back(needed->second.index);
     }
     for (const Need& need : version.needs) {
       std::vector<VersionIndex> admitted = admittedBy(need);
@@ -354,7 +381,9 @@ class DependencySurvey {
       for (const Version& version : name.versions) {
         if (name.goal != nullptr && *version.descriptor == *name.goal) goal = version.index;
       }
-      if (name.goal != nullptr && goal == SearchSpace::none) result_.space->sources.clear();
+      const bool isLost = name.goal != nullptr && goal == SearchSpace::none;
+      if (isLost && !areEndsOpen()) result_.space->sources.clear();
+      if (isLost) result_.lost.push_back(static_cast<NameIndex>(result_.target.size()));
       result_.target.push_back(goal);
     }
   }
@@ -367,7 +396,19 @@ class DependencySurvey {
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
                                  const VersionsByName& to)
-    : source_(host, from), target_(host, to) {
+    : source_(host, from), target_(std::in_place, host, to) {
+  DependencySurvey(host, *this).run();
+}
+
+DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
+                                 const VersionsByName& to, Direction itsDirection)
+    : direction(itsDirection), source_(host, from) {
+  for (const auto& [name, version] : to) {
+    auto goal = host.getMetamodel(name, version);
+    if (!goal) reportUnknownVersion(name, version);
+    if (goal->name != name) throw NotForDependencies();
+    goals_.emplace(name, *std::move(goal));
+  }
   DependencySurvey(host, *this).run();
 }
 

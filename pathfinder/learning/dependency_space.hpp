@@ -1,8 +1,11 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "pathfinder/learning/link_choices.hpp"
@@ -30,15 +33,28 @@ class DependencySpace final : public LinkChoices {
   /// InvalidFamilyVersion for a selected version that it does not know, and NotForDependencies when
   /// the question is of another kind.
   DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to);
+
+  /// The space of all that can be reached in that direction, whether it leads to the target or not,
+  /// which need not be consistent. Nor need the question be closed: names that the source does not
+  /// hold are no part of the space. Throws NotForDependencies where the source leaves open which
+  /// names it holds.
+  DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+                  Direction itsDirection);
   DependencySpace(const DependencySpace&) = delete;
   DependencySpace& operator=(const DependencySpace&) = delete;
   ~DependencySpace() = default;
 
+  /// Whether all that versions of the space depend on is in it.
+  bool isClosed() const { return isClosed_; }
+
   /// Whether both selections stand for a baseline. Otherwise there is no path, and no space.
   bool hasEnds() const { return hasEnds_; }
 
-  /// Null when the source's selection leaves nothing open.
+  /// What each name may begin with; null when the source's selection leaves nothing open.
   const OpenStart* openStart() const { return isOpen_ ? &start_ : nullptr; }
+
+  /// The same whether anything is open or not.
+  const OpenStart& start() const { return start_; }
 
   std::span<const NameIndex> needsOf(VersionIndex version) const override {
     return dependencies[version];
@@ -50,6 +66,9 @@ class DependencySpace final : public LinkChoices {
 
   /// The version of each name of the target; none for one that it leaves free.
   VersionSelection target;
+
+  /// Where ends are open, the names that no hops bring to the target's version.
+  std::vector<NameIndex> lost;
 
   Direction direction = Direction::Unknown;
 
@@ -72,9 +91,11 @@ class DependencySpace final : public LinkChoices {
   bool visitNeeds(VersionIndex version, VersionSelection& selection, const Decide& decide) const;
 
   SelectionClosure source_;
-  SelectionClosure target_;
+  std::optional<SelectionClosure> target_;     // not of a space whose ends are open
+  std::map<std::u16string, Metamodel> goals_;  // of such a space
   bool hasEnds_ = false;
   bool isOpen_ = false;
+  bool isClosed_ = true;
   OpenStart start_;
   std::vector<std::vector<Need>> needs_;  // by version, in the order of linking
 };

@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "pathfinder/learning/core_guided_minimum.hpp"
 #include "pathfinder/learning/first_places.hpp"
 #include "pathfinder/learning/least_weight.hpp"
 #include "pathfinder/learning/plan_network.hpp"
@@ -87,6 +88,34 @@ class Planner final : public LearningPlanner {
   void forbidAtEnd(std::span<const VersionIndex> versions) override {
     forbiddenAtEnd_.emplace_back(versions.begin(), versions.end());
     forbidAtEnd(*work_, versions);
+  }
+
+  bool keepCheapestEnds(std::span<const EndCost> costs) override {
+    if (work_->network.isCut) throw Undecided();
+    PlanSolver& plans = work_->plans;
+    CoreGuidedMinimum minimum(plans.sat);
+    for (const auto& ends : endsByName(costs)) wantCheap(ends, minimum);
+    const auto accept = [&] { return plans.check.accept(); };
+    if (minimum.minimize({}, accept) != CoreGuidedMinimum::Outcome::Found) return false;
+    for (const Literal literal : minimum.stillWanted()) plans.sat.addClause({literal});
+    return true;
+  }
+
+  VersionSelection commonEnds() override {
+    if (work_->network.isCut) throw Undecided();
+    PlanSolver& plans = work_->plans;
+    VersionSelection ends(work_->network.names.size(), SearchSpace::none);
+    plans.findPlan({});
+    for (NameIndex name = 0; name < ends.size(); ++name) ends[name] = endOf(name);
+    for (NameIndex name = 0; name < ends.size(); ++name) {
+      if (ends[name] == SearchSpace::none) continue;
+      const Literal isOther = -plans.formula.endsAt(work_->network.copiesOf(ends[name], name)[0]);
+      if (!plans.findPlan({&isOther, 1})) continue;
+      for (NameIndex other = 0; other < ends.size(); ++other) {
+        if (ends[other] != endOf(other)) ends[other] = SearchSpace::none;
+      }
+    }
+    return ends;
   }
 
  private:
@@ -211,6 +240,45 @@ class Planner final : public LearningPlanner {
       copies = std::move(longer);
     }
     return copies;
+  }
+
+  /// In the plan found last.
+  VersionIndex endOf(NameIndex name) const {
+    return work_->network.nodes[work_->plans.check.nodesOf(name).back()].version;
+  }
+
+  /// Those that a plan can end with, by name; dearer ones first.
+  std::vector<std::vector<std::pair<std::uint64_t, NodeIndex>>> endsByName(
+      std::span<const EndCost> costs) const {
+    const PlanNetwork& network = work_->network;
+    std::vector<std::vector<std::pair<std::uint64_t, NodeIndex>>> result(network.names.size());
+    for (const auto& [end, cost] : costs) {
+      const NameIndex name = ground_.space.versions[end].name;
+      for (const NodeIndex node : network.copiesOf(end, name)) {
+        result[name].emplace_back(cost, node);
+      }
+    }
+    for (auto& ends : result) std::sort(ends.rbegin(), ends.rend());
+    return result;
+  }
+
+  /// A literal for each cost that a name's end may have: false only if the end costs less. What the
+  /// next lower one does not cost is the price of its being true.
+  void wantCheap(const std::vector<std::pair<std::uint64_t, NodeIndex>>& ends,
+                 CoreGuidedMinimum& minimum) {
+    PlanSolver& plans = work_->plans;
+    Literal dearer = plans.formula.never();
+    for (std::size_t i = 0; i < ends.size();) {
+      const std::uint64_t cost = ends[i].first;
+      const Literal costsAsMuch = plans.sat.newVariable();
+      plans.sat.addClause({-dearer, costsAsMuch});
+      for (; i < ends.size() && ends[i].first == cost; ++i) {
+        plans.sat.addClause({-plans.formula.endsAt(ends[i].second), costsAsMuch});
+      }
+      const std::uint64_t below = i < ends.size() ? ends[i].first : 0;
+      if (cost > below) minimum.want(-costsAsMuch, cost - below);
+      dearer = costsAsMuch;
+    }
   }
 
   BackwardPlan backwardPlan(const PlannedWay& way,

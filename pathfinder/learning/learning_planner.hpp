@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -37,6 +38,19 @@ class LearningPlanner {
   /// The plan that comes first among those that are not forbidden, and none beside it; no value
   /// when there is none. Throws SearchStopped when a limit of the search is reached, and Undecided.
   virtual std::optional<BackwardPlan> plan() = 0;
+
+  /// What it costs to end with a version; those that are not listed cost nothing.
+  struct EndCost {
+    VersionIndex end;
+    std::uint64_t cost;
+  };
+
+  /// Keeps of all plans only those whose ends cost the least together; false when there is none.
+  virtual bool keepCheapestEnds(std::span<const EndCost> costs) = 0;
+
+  /// The version that all plans which are left end with, by name; `none` where they differ. There
+  /// must be a plan.
+  virtual VersionSelection commonEnds() = 0;
 
   /// Forbids that versions, each of another name, are held together; or that a plan ends with them.
   /// Throws Undecided.

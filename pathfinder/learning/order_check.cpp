@@ -41,6 +41,7 @@ void OrderCheck::readWays() {
   for (NameIndex name = 0; name < network_.names.size(); ++name) {
     Way& way = ways_[name];
     way.firstEvent = static_cast<EventIndex>(events_.size());
+    if (!solver_.isTrue(formula_.isPresent(name))) continue;
     NodeIndex node = network_.names[name].first;
     while (!solver_.isTrue(formula_.startsAt(node))) ++node;
     way.nodes.push_back(node);
@@ -194,6 +195,14 @@ void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
   clause.erase(std::unique(clause.begin(), clause.end()), clause.end());
   solver_.addClause(clause);
   ++circles_;
+}
+
+std::vector<std::vector<ArcIndex>> OrderCheck::steps() const {
+  std::vector<std::vector<ArcIndex>> result(components_);
+  for (EventIndex event = 0; event < events_.size(); ++event) {
+    result[components_ - 1 - componentOf_[event]].push_back(events_[event].arc);
+  }
+  return result;
 }
 
 void OrderCheck::countSteps() {

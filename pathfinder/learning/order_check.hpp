@@ -25,12 +25,16 @@ class OrderCheck {
 
   // Of the model accepted last:
 
-  /// The nodes that a name goes through, and the arcs between them.
+  /// The nodes that a name goes through, and the arcs between them; none of a name that the plan is
+  /// not about.
   const std::vector<NodeIndex>& nodesOf(NameIndex name) const { return ways_[name].nodes; }
   const std::vector<ArcIndex>& arcsOf(NameIndex name) const { return ways_[name].arcs; }
 
   std::uint64_t ordinaryHops() const { return ordinaryHops_; }
   std::uint64_t expensiveHops() const { return expensiveHops_; }
+
+  /// One way to make the plan: the arcs of each step.
+  std::vector<std::vector<ArcIndex>> steps() const;
 
   /// How many steps with an ordinary hop it takes to keep all orders.
   std::uint32_t ordinarySteps() const { return ordinarySteps_; }

@@ -34,15 +34,19 @@ constexpr std::size_t fewPairs = 100;
 
 }  // namespace
 
-PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
+PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver, Names names)
     : network_(network),
       solver_(solver),
       always_(solver.newVariable()),
+      isPresent_(network.names.size(), always_),
       startsAt_(network.nodes.size(), -always_),
       endsAt_(network.nodes.size(), -always_),
       orders_(network.nodes.size()),
       broughtInWith_(network.nodes.size()) {
   solver_.addClause({always_});
+  if (names == Names::Any) {
+    for (Literal& present : isPresent_) present = solver.newVariable();
+  }
   for (std::size_t i = 0; i < network.nodes.size(); ++i) isHeld_.push_back(solver.newVariable());
   for (std::size_t i = 0; i < network.arcs.size(); ++i) isUsed_.push_back(solver.newVariable());
   addSources();
@@ -55,13 +59,14 @@ PlanFormula::PlanFormula(const PlanNetwork& network, SatSolver& solver)
 }
 
 void PlanFormula::addSources() {
-  for (const std::vector<NodeIndex>& nodes : network_.starts) {
+  for (NameIndex name = 0; name < network_.starts.size(); ++name) {
+    const std::vector<NodeIndex>& nodes = network_.starts[name];
     std::vector<Literal> starts;
     for (const NodeIndex node : nodes) {
-      startsAt_[node] = nodes.size() == 1 ? always_ : solver_.newVariable();
+      startsAt_[node] = nodes.size() == 1 ? isPresent_[name] : solver_.newVariable();
       starts.push_back(startsAt_[node]);
     }
-    solver_.addExactlyOne(starts);
+    addOneIfPresent(name, starts);
   }
   if (!network_.starts.empty()) return;
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
@@ -92,7 +97,7 @@ void PlanFormula::addTargets() {
       endsAt_[node] = isFixed ? always_ : solver_.newVariable();
       ends.push_back(endsAt_[node]);
     }
-    solver_.addExactlyOne(ends);
+    addOneIfPresent(name, ends);
     for (std::size_t i = 0; i < network_.targets.size() && !isFixed; ++i) {
       const auto& wanted = network_.targets[i][name];
       if (wanted.empty()) continue;
@@ -220,8 +225,8 @@ void PlanFormula::addConsequences(const PlanNetwork::Neighbours& neighbours,
   }
 }
 
-void PlanFormula::forbidTogether(std::span<const NodeIndex> nodes) {
-  std::vector<Literal> clause;
+void PlanFormula::forbidTogether(std::span<const NodeIndex> nodes, Literal unless) {
+  std::vector<Literal> clause{unless};
   for (const NodeIndex node : nodes) clause.push_back(-isHeld_[node]);
   for (const NodeIndex left : nodes) {
     for (const NodeIndex entered : nodes) {
@@ -270,6 +275,22 @@ void PlanFormula::findWhatComesBefore() {
       }
     }
   }
+}
+
+/// Exactly one of these if the name is present, and otherwise none.
+void PlanFormula::addOneIfPresent(NameIndex name, const std::vector<Literal>& literals) {
+  const Literal present = isPresent_[name];
+  if (present == always_) {
+    solver_.addExactlyOne(literals);
+    return;
+  }
+  std::vector<Literal> clause{-present};
+  for (const Literal literal : literals) {
+    clause.push_back(literal);
+    if (literal != present) solver_.addClause({-literal, present});
+  }
+  solver_.addClause(clause);
+  solver_.addAtMostOne(literals);
 }
 
 Literal PlanFormula::anyOf(const std::vector<Literal>& literals) {

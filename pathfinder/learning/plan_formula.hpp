@@ -17,7 +17,14 @@ namespace tarn::evolution::pathfinder {
 /// forbidden as it is met (see `OrderCheck`).
 class PlanFormula {
  public:
-  PlanFormula(const PlanNetwork& network, SatSolver& solver);
+  /// Which names a plan is about: all of the network; or any of them, as if there were no others.
+  /// The latter for open starts.
+  enum class Names { All, Any };
+
+  PlanFormula(const PlanNetwork& network, SatSolver& solver, Names names = Names::All);
+
+  /// Whether the plan is about the name.
+  Literal isPresent(NameIndex name) const { return isPresent_[name]; }
 
   Literal isHeld(NodeIndex node) const { return isHeld_[node]; }
   Literal isUsed(ArcIndex arc) const { return isUsed_[arc]; }
@@ -45,7 +52,10 @@ class PlanFormula {
   std::span<const Order> broughtInWith(NodeIndex needing) const { return broughtInWith_[needing]; }
 
   /// Forbids that all of these nodes are held at the same time, of which each two may be.
-  void forbidTogether(std::span<const NodeIndex> nodes);
+  void forbidTogether(std::span<const NodeIndex> nodes) { forbidTogether(nodes, never()); }
+
+  /// The same unless a literal is true.
+  void forbidTogether(std::span<const NodeIndex> nodes, Literal unless);
 
  private:
   void addSources();
@@ -58,6 +68,7 @@ class PlanFormula {
   Literal addOrder(NodeIndex left, NodeIndex right);
   void addConsequences(const PlanNetwork::Neighbours& neighbours,
                        const std::vector<Literal>& orders);
+  void addOneIfPresent(NameIndex name, const std::vector<Literal>& literals);
   Literal anyOf(const std::vector<Literal>& literals);
   void findWhatComesBefore();
 
@@ -67,6 +78,7 @@ class PlanFormula {
   const PlanNetwork& network_;
   SatSolver& solver_;
   Literal always_;
+  std::vector<Literal> isPresent_;  // by name
   std::vector<Literal> isHeld_;
   std::vector<Literal> isUsed_;
   std::vector<Literal> startsAt_;

@@ -13,8 +13,9 @@ namespace tarn::evolution::pathfinder {
 /// A solver whose models are plans: those of the formula in which no orders contradict one another.
 /// What is found to contradict itself is learnt for good.
 struct PlanSolver {
-  explicit PlanSolver(const PlanNetwork& itsNetwork)
-      : network(itsNetwork), formula(itsNetwork, sat), check(itsNetwork, formula, sat) {}
+  explicit PlanSolver(const PlanNetwork& itsNetwork,
+                      PlanFormula::Names names = PlanFormula::Names::All)
+      : network(itsNetwork), formula(itsNetwork, sat, names), check(itsNetwork, formula, sat) {}
 
   /// Whether there is a plan under some assumptions. Then the solver's model is one, and `check`
   /// tells what it is.

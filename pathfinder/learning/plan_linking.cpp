@@ -1,0 +1,194 @@
+// Depth first along dependencies, each version to those of the selection; what was linked of a
+// version is kept by what was linked for its dependencies.
+
+#include "pathfinder/learning/plan_linking.hpp"
+
+#include <algorithm>
+#include <array>
+
+#include "messages/report_exception.hpp"
+#include "pathfinder/learning/sat_solver.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/linking/baseline_combination.hpp"
+#include "pathfinder/search/tried_baselines.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+namespace {
+
+using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
+                                                     std::exception, void>;
+
+/// Whether a linked metamodel links more than what was chosen for its dependencies and comes with
+/// that.
+bool linksMoreThan(const LinkedMetamodel& linked, const OptionsByName& chosen) {
+  const auto isExpected = [&](const auto& link) {
+    return std::any_of(chosen.begin(), chosen.end(), [&](const auto& choice) {
+      const auto& further = choice.second.front()->linkedMetamodels;
+      return choice.first == link.first || further.contains(link.first);
+    });
+  };
+  return !std::all_of(linked.linkedMetamodels.begin(), linked.linkedMetamodels.end(), isExpected);
+}
+
+}  // namespace
+
+std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
+                                                       SelectionView& impossible) {
+  std::vector<VersionBaseline> baselines;
+  const std::vector<SelectionIndex> selections = plan.bestSelections();
+  for (const SelectionIndex selection : selections) {
+    auto baseline = hold(plan.selections()[selection]);
+    if (!baseline) {
+      impossible = plan.selections()[selection];
+      return std::nullopt;
+    }
+    TriedBaselines().trace(*baseline);
+    baselines.push_back(*std::move(baseline));
+  }
+  Path path{{}, baselines.front(), baselines.back()};
+  for (std::size_t i = 0; i + 1 < baselines.size(); ++i) {
+    plan.visit(plan.stepsFrom(selections[i]),
+               [&](std::span<const PlannedHop> hops, SelectionIndex after) {
+                 path.steps.emplace_back(
+                     baselines[i], baselines[i + 1],
+                     hopsOf(plan.selections()[selections[i]], hops, plan.selections()[after]));
+               });
+  }
+  return path;
+}
+
+LockstepHop PlanLinking::hopsOf(SelectionView before, std::span<const PlannedHop> hops,
+                                SelectionView after) const {
+  LockstepHop result;
+  for (NameIndex name = 0; name < before.size(); ++name) {
+    if (hops[name] == PlannedHop::None) continue;
+    const SearchSpace::Version& version = space_.versions[before[name]];
+    const auto move = std::find_if(
+        version.moves.begin(), version.moves.end(), [&](const SearchSpace::Move& candidate) {
+          return candidate.target == after[name] &&
+                 candidate.expensive == (hops[name] == PlannedHop::Expensive);
+        });
+    result.emplace(space_.names[name].text, version.hops[move->place]);
+  }
+  return result;
+}
+
+/// The baseline of a selection; no value when it cannot be held.
+std::optional<VersionBaseline> PlanLinking::hold(SelectionView selection) {
+  linked_.assign(selection.size(), nullptr);
+  try {
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      if (!space_.isAbsent(selection[name])) linkAll(selection, name);
+    }
+  } catch (const Conflict&) {
+    return std::nullopt;
+  }
+  auto baseline = combined();
+  // The application may link what no dependency asks for.
+  const auto held = std::count(linked_.begin(), linked_.end(), nullptr) +
+                    static_cast<std::ptrdiff_t>(baseline ? baseline->metamodels.size() : 0);
+  if (baseline && held != static_cast<std::ptrdiff_t>(linked_.size())) throw NotLinkable();
+  return baseline;
+}
+
+std::optional<VersionBaseline> PlanLinking::combined() const {
+  std::vector<LinkedMetamodels> candidates;
+  std::vector<Alternatives> alternatives;
+  candidates.reserve(linked_.size());
+  for (NameIndex name = 0; name < linked_.size(); ++name) {
+    if (linked_[name] == nullptr) continue;
+    candidates.push_back({linked_[name]});
+    alternatives.push_back({&space_.names[name].text, &candidates.back()});
+  }
+  std::vector<VersionBaseline> result = combineInOrder(alternatives, Links::Closed);
+  if (result.empty()) return std::nullopt;
+  return std::move(result.front());
+}
+
+void PlanLinking::requireNoMoreLinks() {
+  if (!mayBringIn_) return;
+  SatSolver solver;
+  std::vector<Literal> isHeld;
+  for (const SearchSpace::Name& name : space_.names) {
+    for (VersionIndex i = name.first; i < name.end; ++i) isHeld.push_back(solver.newVariable());
+    solver.addAtMostOne({isHeld.begin() + name.first, isHeld.begin() + name.end});
+  }
+  for (const Compatibility::Requirement& requirement : dependencies_.requirements) {
+    std::vector<Literal> clause{-isHeld[requirement.version]};
+    for (const VersionIndex version : requirement.admitted) clause.push_back(isHeld[version]);
+    solver.addClause(clause);
+  }
+  VersionSelection selection(space_.names.size());
+  for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
+    if (space_.isAbsent(version) || known_.contains(version)) continue;
+    if (!solver.solve(std::array{isHeld[version]})) continue;
+    linked_.assign(selection.size(), nullptr);
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      const auto& [first, end] = std::pair(space_.names[name].first, space_.names[name].end);
+      selection[name] = first;
+      while (selection[name] < end && !solver.isTrue(isHeld[selection[name]])) ++selection[name];
+      if (selection[name] == end) selection[name] = SearchSpace::none;
+    }
+    linkEach(selection);
+  }
+}
+
+void PlanLinking::linkEach(SelectionView selection) {
+  try {
+    for (NameIndex name = 0; name < selection.size(); ++name) {
+      const bool isHeld = selection[name] != SearchSpace::none && !space_.isAbsent(selection[name]);
+      if (isHeld) linkAll(selection, name);
+    }
+  } catch (const Conflict&) {
+    throw NotLinkable();
+  }
+}
+
+/// Links a name's version after all that it depends on.
+void PlanLinking::linkAll(SelectionView selection, NameIndex root) {
+  struct Pending {
+    NameIndex name;
+    std::size_t dependency = 0;  // to be linked next
+  };
+  std::vector<Pending> pending{{root}};
+  while (!pending.empty()) {
+    auto& [name, dependency] = pending.back();
+    const auto& needed = dependencies_.dependencies[selection[name]];
+    if (linked_[name] == nullptr && dependency < needed.size()) {
+      const NameIndex next = needed[dependency++];
+      if (linked_[next] != nullptr) continue;
+      if (pending.size() > selection.size()) throw NotLinkable();
+      pending.push_back({next});
+      continue;
+    }
+    if (linked_[name] == nullptr) linked_[name] = link(selection, name);
+    pending.pop_back();
+  }
+}
+
+std::shared_ptr<LinkedMetamodel> PlanLinking::link(SelectionView selection, NameIndex name) {
+  checkpoint();
+  const Metamodel& descriptor = *space_.versions[selection[name]].descriptor;
+  std::vector<const LinkedMetamodel*> key;
+  OptionsByName chosen;
+  for (const NameIndex needed : dependencies_.dependencies[selection[name]]) {
+    key.push_back(linked_[needed].get());
+  }
+  auto& known = known_[selection[name]];
+  const auto same = std::find_if(known.begin(), known.end(),
+                                 [&](const auto& entry) { return entry.first == key; });
+  if (same != known.end()) return same->second;
+  for (const Dependency& dependency : descriptor.dependencies) {
+    const std::size_t place = chosen.size();
+    const NameIndex needed = dependencies_.dependencies[selection[name]][place];
+    chosen.emplace(dependency.name, LinkedMetamodels{linked_[needed]});
+  }
+  auto linked = host_.linkAlone(descriptor, chosen);
+  if (linked->linkedMetamodels.contains(linked->name)) throw NotLinkable();
+  if (mayBringIn_ && linksMoreThan(*linked, chosen)) throw NotLinkable();
+  known.emplace_back(std::move(key), linked);
+  return linked;
+}
+
+}  // namespace tarn::evolution::pathfinder
