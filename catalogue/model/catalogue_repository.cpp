@@ -54,9 +54,8 @@ std::vector<std::u16string> CatalogueRepository::listNames() {
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<CatalogueMetamodel> result;
-  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
-    if (metamodel.descriptor.name != name) continue;
-    result.push_back(metamodel);
+  for (const auto position : catalogue_.index().metamodelsOf(name)) {
+    result.push_back(catalogue_.metamodels()[position]);
     result.back().descriptor = scale.shown(std::move(result.back().descriptor));
   }
   return result;
@@ -65,8 +64,8 @@ std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u
 std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<pathfinder::Hop> result;
-  for (const pathfinder::Hop& hop : catalogue_.hops()) {
-    if (hop.name == name) result.push_back(scale.shown(hop));
+  for (const auto position : catalogue_.index().hopsOf(name)) {
+    result.push_back(scale.shown(catalogue_.hops()[position]));
   }
   return result;
 }
