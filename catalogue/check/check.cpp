@@ -1,24 +1,8 @@
 #include "catalogue/check/check.hpp"
 
-#include <utility>
-
 #include "catalogue/check/checks.hpp"
 
 namespace tarn::evolution::catalogue {
-
-namespace {
-
-DependencyGraph graphOf(const DraftIndex& index) {
-  std::vector<DependencyGraph::Dependency> dependencies;
-  for (Slot slot = 0; slot < index.slots().size(); ++slot) {
-    for (const ResolvedDependency& dependency : index.dependenciesOf(slot)) {
-      dependency.forCandidates([&](SlotInterval each) { dependencies.push_back({slot, each}); });
-    }
-  }
-  return {index.slots().size(), std::move(dependencies)};
-}
-
-}  // namespace
 
 std::vector<Finding> check(const CatalogueDraft& draft, const CheckLimits& limits) {
   if (!draft.isReadable) return draft.findings;
@@ -26,7 +10,7 @@ std::vector<Finding> check(const CatalogueDraft& draft, const CheckLimits& limit
   Findings findings(index);
   checkVersions(index, findings);
   checkDependencies(index, findings);
-  const DependencyGraph graph = graphOf(index);
+  const DependencyGraph graph = admissionsOf(index);
   const DependencyComponents components(graph);
   checkCycles(index, components, findings);
   LinkAnalysis links(index, components, graph, limits.linkWork);

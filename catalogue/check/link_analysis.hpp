@@ -9,6 +9,9 @@
 
 namespace tarn::evolution::catalogue {
 
+/// An edge from each version to each that a range of its dependencies admits.
+DependencyGraph admissionsOf(const DraftIndex& index);
+
 /// Which versions of a draft can be linked.
 ///
 /// Linking a version links every candidate of its dependencies first and fails when one of them

@@ -37,16 +37,15 @@ std::string expectStored(const std::u16string& text) {
   throw std::invalid_argument("the text is not well-formed UTF-16");
 }
 
-/// NULL for an empty one.
-SqliteValue storedNote(const std::u16string& note) {
-  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
-}
-
 std::int64_t positionAfterLast(SqliteDatabase& database, const char* selectLast) {
   return database.number(selectLast) + 1;
 }
 
 }  // namespace
+
+SqliteValue storedNote(const std::u16string& note) {
+  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
+}
 
 PackedSemVer pack(const SemVer& version) {
   PackedSemVer result;
@@ -129,22 +128,28 @@ void SqliteRowWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
   insertMetamodel_.run(nextMetamodel_, idOf(descriptor.name), storedVersion(descriptor.version),
                        equivalent ? SqliteValue(pack(*equivalent)) : SqliteValue(nullptr),
                        storedNote(note));
-  for (std::size_t i = 0; i < descriptor.dependencies.size(); ++i) {
-    addDependency(static_cast<std::int64_t>(i), descriptor.dependencies[i],
-                  metamodel.noteOfDependency(i));
-  }
+  addDependencies(nextMetamodel_, metamodel);
   ++nextMetamodel_;
 }
 
-void SqliteRowWriter::addDependency(std::int64_t ordinal, const pathfinder::Dependency& dependency,
+void SqliteRowWriter::addDependencies(std::int64_t position, const CatalogueMetamodel& metamodel) {
+  const auto& dependencies = metamodel.descriptor.dependencies;
+  for (std::size_t i = 0; i < dependencies.size(); ++i) {
+    addDependency(position, static_cast<std::int64_t>(i), dependencies[i],
+                  metamodel.noteOfDependency(i));
+  }
+}
+
+void SqliteRowWriter::addDependency(std::int64_t position, std::int64_t ordinal,
+                                    const pathfinder::Dependency& dependency,
                                     const std::u16string& note) {
   const std::int64_t name = idOf(dependency.name);
   if (dependency.range.isSemVerRange()) {
     const auto& [lower, upper] = dependency.range.getSemVerRange();
-    insertDependency_.run(nextMetamodel_, ordinal, name, nullptr, pack(lower), pack(upper),
+    insertDependency_.run(position, ordinal, name, nullptr, pack(lower), pack(upper),
                           storedNote(note));
   } else {
-    insertDependency_.run(nextMetamodel_, ordinal, name, expectStored(dependency.range.getText()),
+    insertDependency_.run(position, ordinal, name, expectStored(dependency.range.getText()),
                           nullptr, nullptr, storedNote(note));
   }
 }
