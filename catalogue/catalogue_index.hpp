@@ -44,6 +44,10 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
 
   const Positions& hopsFrom(const std::u16string& name, const pathfinder::VersionId& version) const;
 
+  /// All metamodels and all hops of a name; none for one that is not there.
+  const Positions& metamodelsOf(const std::u16string& name) const;
+  const Positions& hopsOf(const std::u16string& name) const;
+
   bool hasMetamodel(const std::u16string& name) const { return ordered_.contains(name); }
 
   /// All versions of a name that have a precedence, ascending; empty for a name that is not there.
@@ -82,10 +86,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
 
   Positions metamodelsInAny(const std::u16string& name,
                             const std::vector<pathfinder::VersionRange>& ranges) const;
-  static const Positions& lookUp(const ByVersion& map, const VersionKeyView& key);
 
   ByVersion metamodels_;
   ByVersion hops_;
+  std::unordered_map<std::u16string, Positions> metamodelsByName_;
+  std::unordered_map<std::u16string, Positions> hopsByName_;
   std::unordered_map<std::u16string, std::vector<OrderedVersion>> ordered_;
   std::unordered_map<std::u16string, VersionScale> scales_;  // those of names with their own
 };

@@ -15,4 +15,8 @@ namespace tarn::evolution::catalogue {
 TARN_EVOLUTION_CATALOGUE_EXPORT std::unique_ptr<BrowsableRepository> openCatalogue(
     const std::filesystem::path& file);
 
+/// All that a catalogue file holds, in memory, whichever form it has. Throws as `openCatalogue`
+/// does.
+TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue readCatalogue(const std::filesystem::path& file);
+
 }  // namespace tarn::evolution::catalogue

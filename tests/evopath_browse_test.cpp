@@ -129,6 +129,26 @@ TEST_F(EvopathBrowse, ShowsARangeOfTheLargestPatchAsTheOneVersionThatItIs) {
   EXPECT_NE(json.find("\"range\": \"" + largest + "\""), std::string::npos) << json;
 }
 
+TEST_F(EvopathBrowse, ShowsWhoNeedsAMetamodel) {
+  expect("show small.json --needed-by C",
+         "C\n  A 2.0.0 needs [1.0.0, 3.0.0), 2 candidates\n  A 1.0.0 needs 1.0.0, only 1.0.0\n");
+  expect("show small.json --needed-by C=2.0 Z=spring D",
+         "C 2.0.0\n  A 2.0.0 needs [1.0.0, 3.0.0), 2 candidates\n"
+         "Z spring\n  nothing needs it\nD\n  nothing needs it\n");
+  expect("show small.json --needed-by Z", "Z\n  D 3.0.0 needs none, which no version satisfies\n");
+  expect("show small.json --needed-by C=3.0",
+         "evopath: there is no version 3.0.0 of metamodel \"C\"; the nearest known: 1.0.0 and "
+         "2.0.0.\n",
+         2);
+  auto json = run("show small.json --needed-by C=1.0 --json").second;
+  std::erase_if(json, [](char character) { return character == ' ' || character == '\n'; });
+  EXPECT_EQ(json,
+            R"({"metamodels":[{"name":"C","version":"1.0.0","neededBy":[{"name":"A",)"
+            R"("version":"2.0.0","needs":{"name":"C","range":["1.0.0","3.0.0"]},"candidates":2},)"
+            R"({"name":"A","version":"1.0.0","needs":{"name":"C","range":"1.0.0"},)"
+            R"("candidates":1,"only":"1.0.0"}]}]})");
+}
+
 TEST_F(EvopathBrowse, SaysWhatItCannotShow) {
   const std::string unknown = "evopath: there is no metamodel \"B\"; did you mean A, C or D?\n";
   const std::tuple<std::string, int, std::string> cases[] = {

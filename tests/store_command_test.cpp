@@ -125,6 +125,133 @@ TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
   }
 }
 
+TEST_F(StoreCommand, ChangesRowsWholeOrNotAtAll) {
+  write("c.json", R"({"metamodels": [
+    {"name": "A", "version": "1.0.0", "dependencies": []},
+    {"name": "A", "version": "spring", "semver": "2.0.0", "dependencies": []},
+    {"name": "A", "version": "autumn", "semver": "3.0.0", "dependencies": []},
+    {"name": "B", "version": "1.0.0", "dependencies": [{"name": "A", "range": "1.0.0"}]}],
+    "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false},
+             {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
+  ASSERT_EQ(run("import c.json x.store").first, 0);
+  const auto change = [&](const std::string& rows, const std::string& options = "") {
+    write("change.json", rows);
+    return run("change x.store change.json" + options);
+  };
+  const auto version = [](const std::string& fields) {
+    return R"({"hops": [], "metamodels": [{"name": )" + fields + "}]}";
+  };
+  const std::string before = exported("x.store");
+  const std::string bytes = read("x.store");
+  const std::pair<std::string, std::string> refused[] = {
+      {version(R"("C", "version": "1.0.0", "dependencies": [])"),
+       "/metamodels/0/name: there is no metamodel \"C\""},
+      {version(R"("A", "version": "4.0.0", "dependencies": [])"),
+       "/metamodels/0/version: there is no version 4.0.0 of metamodel \"A\""},
+      {version(R"("A", "version": "2.0.0", "dependencies": [])"), "there is no version 2.0.0"},
+      {version(R"("A", "version": "1.0.0", "dependencies": [{"name": "Q", "range": "1.0.0"}])"),
+       "/metamodels/0/dependencies/0/name: there is no metamodel \"Q\""},
+      {version(R"("A", "version": "autumn", "semver": "2.0.0", "dependencies": [])"),
+       "/metamodels/0/semver: "},
+      {version(R"("A", "version": "spring", "dependencies": [])"),
+       "/metamodels/0/semver: the hop of \"A\" from 1.0.0 to 2.0.0 would lead from or to no "
+       "version"},
+      {R"({"metamodels": [], "hops": [
+         {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true},
+         {"name": "A", "from": "1.0.0", "to": "3.0.0", "expensive": true}]})",
+       "/hops/1: there is no hop of \"A\" from 1.0.0 to 3.0.0"},
+      {R"({"metamodels": [], "hops": [
+         {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true},
+         {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})",
+       "/hops/1: the hop of \"A\" from 1.0.0 to 2.0.0 stands already at /hops/0"},
+  };
+  for (const auto& [rows, message] : refused) {
+    for (const char* options : {"", " --dry-run"}) {
+      const auto [status, output] = change(rows, options);
+      EXPECT_EQ(status, 2) << rows << output;
+      EXPECT_NE(output.find("change.json: "), std::string::npos) << output;
+      EXPECT_NE(output.find(message), std::string::npos) << output;
+      EXPECT_EQ(read("x.store"), bytes);
+    }
+  }
+  // Equivalents may change places, for it is the whole that must be sound. Dependencies may lead
+  // back.
+  const std::string whole = R"({"metamodels": [
+    {"name": "A", "version": "spring", "semver": "3.0.0", "dependencies": []},
+    {"name": "A", "version": "autumn", "semver": "2.0.0", "dependencies": [], "note": "late"},
+    {"name": "A", "version": "1.0.0", "dependencies": [
+      {"name": "B", "range": "1.0.0"}, {"name": "B", "range": "1.0.0", "optional": true}]},
+    {"name": "B", "version": "1.0.0", "dependencies": [
+      {"name": "A", "range": ["1.0.0", "3.0.0"], "note": "why"}]}],
+    "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true, "note": "slow"}],
+    "question": {"from": {"A": "1.0.0"}, "to": {"A": "autumn"}}})";
+  const std::string counts =
+      "hanged 4 versions of metamodels and 1 hop; already so were 0 versions of metamodels and 0 "
+      "hops.\n";
+  EXPECT_EQ(change(whole, " --dry-run"), std::pair(0, "Would have c" + counts));
+  EXPECT_EQ(read("x.store"), bytes);
+  EXPECT_EQ(files().size(), 4U) << "a file is left";
+  EXPECT_EQ(change(whole), std::pair(0, "C" + counts));
+  const std::string after = exported("x.store");
+  std::string expected = R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": [
+      {"name": "B", "range": "1.0.0"}, {"name": "B", "range": "1.0.0", "optional": true}]},
+    {"name": "A", "version": "spring", "semver": "3.0.0", "dependencies": []},
+    {"name": "A", "version": "autumn", "semver": "2.0.0", "dependencies": [], "note": "late"},
+    {"name": "B", "version": "1.0.0", "dependencies": [
+      {"name": "A", "range": ["1.0.0", "3.0.0"], "note": "why"}]}],
+    "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true, "note": "slow"},
+             {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true, "note": "slow"}],
+    "question": {"from": {"A": "1.0.0"}, "to": {"A": "autumn"}}})";
+  write("expected.json", expected);
+  ASSERT_EQ(run("import expected.json expected.store").first, 0);
+  EXPECT_EQ(after, exported("expected.store"));
+}
+
+TEST_F(StoreCommand, TriesWhatItDoesAndWritesNothing) {
+  TestRepository small("A1 A2 B1:A1 A1>2");
+  make("x", contentOf(small));
+  TestRepository more("A3 A2>3");
+  make("more", contentOf(more), false);
+  write("t.csv", "name,version\nT,1.0.0\n");
+  write("note.txt", "not a store\n");
+  const std::string bytes = read("x.store");
+  const auto names = files();
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"import more.json x.store", 2, "there is no version 2.0.0 of metamodel \"A\"\n"},
+      {"import x.json x.store", 0, "Would have imported 3 versions of metamodels and 1 hop.\n"},
+      {"import x.json y.store", 0, "Would have imported 3 versions of metamodels and 1 hop.\n"},
+      {"import x.json note.txt", 2, "note.txt: exists and is not a catalogue store"},
+      {"import x.json none/y.store", 2, "cannot be written: No such file or directory\n"},
+      {"import --from table t.csv x.store", 0,
+       "Would have imported 1 version of a metamodel and 0 hops.\nWould have added 1 version"},
+      {"import --from table --update t.csv x.json", 0,
+       "Would have added 1 version of a metamodel and 0 hops.\n"},
+      {"import --from table t.csv y.json", 0, "Would have imported 1 version"},
+      {"add x.store more.json", 0, "Would have added 1 version of a metamodel and 1 hop.\n"},
+      {"add x.store x.json", 2, "stands already in the store\n"},
+      {"remove x.store A=1.0.0", 2, "B@1.0.0 depends on A 1.0.0"},
+      {"remove x.store A=2.0", 0, "Would have removed 1 version of a metamodel and 1 hop.\n"},
+      {"remove x.store --hop A=1.0..2.0", 0, "Would have removed 0 versions of metamodels and 1"},
+      {"remove x.store --hop A=2.0..1.0", 2, "there is no hop of \"A\" from 2.0.0 to 1.0.0\n"},
+      {"remove x.store --hop A=2.0", 2, "--hop A=2.0: must be NAME=FROM..TO\n"},
+      {"remove x.store --hop A=1.0..7.0", 2, "there is no version 7.0.0 of metamodel \"A\""},
+  };
+  for (const bool isSealed : {false, true}) {
+    chmod(path("").c_str(), isSealed ? 0555 : 0755);
+    for (const auto& [arguments, status, message] : cases) {
+      const auto [found, output] = run(arguments + " --dry-run");
+      EXPECT_EQ(found, status) << arguments << ": " << output;
+      EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
+      EXPECT_EQ(read("x.store"), bytes) << arguments;
+      EXPECT_EQ(files(), names) << arguments;
+    }
+  }
+  chmod(path("").c_str(), 0755);
+  EXPECT_EQ(run("remove x.store --hop A=1.0..2.0").second,
+            "Removed 0 versions of metamodels and 1 hop.\n");
+  EXPECT_EQ(run("path x.store --from A=1.0 --to A=2.0").first, 1);
+}
+
 TEST_F(StoreCommand, ReadsWhereNothingCanBeWritten) {
   TestRepository small("A1 A2 A1>2");
   make("small", contentOf(small));

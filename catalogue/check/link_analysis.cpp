@@ -16,6 +16,22 @@ constexpr std::uint64_t budgetOfOne = 200'000;
 
 }  // namespace
 
+DependencyGraph admissionsOf(const DraftIndex& index) {
+  std::vector<DependencyGraph::Dependency> dependencies;
+  for (Slot slot = 0; slot < index.slots().size(); ++slot) {
+    for (const ResolvedDependency& dependency : index.dependenciesOf(slot)) {
+      dependency.forCandidates([&](SlotInterval each) { dependencies.push_back({slot, each}); });
+    }
+  }
+  return {index.slots().size(), std::move(dependencies)};
+}
+
+void leaveOutWhatLeadsBack(DraftIndex& index, const DependencyComponents& components) {
+  if (components.cyclic().empty()) return;
+  index.leaveOutLeadingBack(
+      [&](Slot from, Slot candidate) { return components.areTogether(from, candidate); });
+}
+
 LinkAnalysis::LinkAnalysis(const DraftIndex& index, const DependencyComponents& components,
                            const DependencyGraph& graph, std::uint64_t budget)
     : index_(index),

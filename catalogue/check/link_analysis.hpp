@@ -9,6 +9,12 @@
 
 namespace tarn::evolution::catalogue {
 
+/// An edge from each version to each that a range of its dependencies admits.
+DependencyGraph admissionsOf(const DraftIndex& index);
+
+/// Leaves the dependencies out that lead back to the version that has them, which do not link.
+void leaveOutWhatLeadsBack(DraftIndex& index, const DependencyComponents& components);
+
 /// Which versions of a draft can be linked.
 ///
 /// Linking a version links every candidate of its dependencies first and fails when one of them

@@ -130,7 +130,7 @@ class BatchAsker {
   }
 
   std::optional<std::string> answerTo(const BatchQuestion& asked, BatchCounts& counts) {
-    const Question question = QuestionReader::read(asked);
+    const Question question = readQuestion(asked);
     const UnknownEntries unknown = findUnknown(content_, question);
     if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
     LinkableRepository& repository = freshRepository();
@@ -249,6 +249,10 @@ class Batch {
 };
 
 }  // namespace
+
+Question readQuestion(const BatchQuestion& asked) {
+  return QuestionReader::read(asked);
+}
 
 std::optional<BatchQuestion> BatchQuestions::next() {
   for (std::string text; std::getline(in_, text);) {

@@ -22,6 +22,9 @@ struct BatchQuestion {
   std::string text;
 };
 
+/// Reads it. Throws std::invalid_argument, with a reason to show, for what is none.
+TARN_EVOLUTION_CATALOGUE_EXPORT Question readQuestion(const BatchQuestion& asked);
+
 /// The questions of a stream, a line each, of which every `parts`-th is taken, beginning with the
 /// one whose number is `part`, from 1 to `parts`. Empty lines are none. Keeps a reference.
 class TARN_EVOLUTION_CATALOGUE_EXPORT BatchQuestions {

@@ -11,6 +11,7 @@
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/model/content_sink.hpp"
 #include "catalogue/model/row_key.hpp"
+#include "catalogue/model/same_rows.hpp"
 #include "catalogue/model/validation.hpp"
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/sqlite_header.hpp"
@@ -65,17 +66,23 @@ CatalogueContent takeAll(SqliteDatabase& store) {
 }
 
 void updateStore(const fs::path& store, const Successor& succeed, const StoreProgress& progress,
-                 ImportReport& report) {
+                 ChangeMode mode, ImportReport& report) {
   const bool isThere = isDatabase(store);
   StoreSuccessor successor(
       store, isThere ? StoreSuccessor::Content::Kept : StoreSuccessor::Content::None,
-      SqliteSchema::current(), isThere ? partOf(progress, 0, 0) : StoreProgress());
+      SqliteSchema::current(), isThere ? partOf(progress, 0, 0) : StoreProgress(), mode);
   std::optional<CatalogueContent> former;
   if (isThere) former = takeAll(successor.database());
   const CatalogueContent content = succeeded(former, succeed, report);
   writeStore(successor.database(), content, progress);
   if (progress) progress(1);
   successor.takePlace();
+}
+
+void tryJson(const fs::path& json, const Successor& succeed, ImportReport& report) {
+  std::optional<CatalogueContent> former;
+  if (fs::exists(ReplacingFile::resolve(json))) former = readJsonCatalogue(json).content();
+  succeeded(former, succeed, report);
 }
 
 void updateJson(const fs::path& json, const Successor& succeed, const StoreProgress& progress,
@@ -96,24 +103,6 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
   }
   if (progress) progress(1);
   file.replaceTarget();
-}
-
-bool isSame(const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-  const auto haveSameNotes = [&] {
-    for (std::size_t i = 0; i < left.descriptor.dependencies.size(); ++i) {
-      if (left.noteOfDependency(i) != right.noteOfDependency(i)) return false;
-    }
-    return left.note == right.note;
-  };
-  const auto isSameRequirement = [](const CatalogueRequirement& one,
-                                    const CatalogueRequirement& other) {
-    return one.needed.name == other.needed.name && one.needed.range == other.needed.range &&
-           one.needed.isOptional == other.needed.isOptional && one.note == other.note;
-  };
-  return left.descriptor == right.descriptor && left.equivalent == right.equivalent &&
-         haveSameNotes() &&
-         std::equal(left.requirements.begin(), left.requirements.end(), right.requirements.begin(),
-                    right.requirements.end(), isSameRequirement);
 }
 
 /// Counts of rows that are new, gone, or other than before.
@@ -138,17 +127,19 @@ void compareRows(const std::vector<Row>& former, const std::vector<Row>& present
 }  // namespace
 
 void updateCatalogue(const fs::path& catalogue, const Successor& succeed,
-                     const StoreProgress& progress, ImportReport& report) {
-  if (catalogue.extension() == ".json") {
-    updateJson(catalogue, succeed, progress, report);
+                     const StoreProgress& progress, ChangeMode mode, ImportReport& report) {
+  if (catalogue.extension() != ".json") {
+    updateStore(catalogue, succeed, progress, mode, report);
+  } else if (mode == ChangeMode::Tried) {
+    tryJson(catalogue, succeed, report);
   } else {
-    updateStore(catalogue, succeed, progress, report);
+    updateJson(catalogue, succeed, progress, report);
   }
 }
 
 CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present) {
   CatalogueChanges changes;
-  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, isSame, changes);
+  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, isSameRow, changes);
   const auto isSameHop = [&](const pathfinder::Hop& left, const pathfinder::Hop& right) {
     return left.expensive == right.expensive &&
            former.hopNotes.of(left) == present.hopNotes.of(right);

@@ -16,7 +16,7 @@ using Successor = std::function<CatalogueContent(CatalogueContent former)>;
 /// has the old one open keeps it. Throws CatalogueError when what stands there is not to be
 /// replaced or what comes is unsound; nothing has been changed then.
 void updateCatalogue(const std::filesystem::path& catalogue, const Successor& succeed,
-                     const StoreProgress& progress, ImportReport& report);
+                     const StoreProgress& progress, ChangeMode mode, ImportReport& report);
 
 /// What differs, whatever the order.
 CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present);

@@ -100,7 +100,7 @@ std::vector<SourceGroup> groupsOf(const ImportOptions& options) {
 }  // namespace
 
 ImportReport importForeignCatalogue(const ImportOptions& options, const fs::path& catalogue,
-                                    const StoreProgress& progress) {
+                                    const StoreProgress& progress, ChangeMode mode) {
   ImportLog log(options.isLenient);
   ReadingProgress read(options.sources, progress);
   std::vector<ForeignPart> parts;
@@ -117,7 +117,7 @@ ImportReport importForeignCatalogue(const ImportOptions& options, const fs::path
     report.unordered = assembled.unordered;
     return std::move(assembled.content);
   };
-  updateCatalogue(catalogue, succeed, progress, report);
+  updateCatalogue(catalogue, succeed, progress, mode, report);
   report.leftOut = log.takeLeftOut();
   return report;
 }

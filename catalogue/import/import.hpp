@@ -74,6 +74,6 @@ struct ImportReport {
 /// ends it; nothing has been changed then. Memory grows with what is imported.
 TARN_EVOLUTION_CATALOGUE_EXPORT ImportReport
 importForeignCatalogue(const ImportOptions& options, const std::filesystem::path& catalogue,
-                       const StoreProgress& progress = {});
+                       const StoreProgress& progress = {}, ChangeMode mode = ChangeMode::Made);
 
 }  // namespace tarn::evolution::catalogue

@@ -47,6 +47,13 @@ VersionScale scaleOf(const std::vector<CatalogueIndex::OrderedVersion>& ordered)
   return VersionScale(std::move(precedences));
 }
 
+template <class Map, class Key>
+const CatalogueIndex::Positions& positionsIn(const Map& map, const Key& key) {
+  static const CatalogueIndex::Positions none;
+  const auto found = map.find(key);
+  return found == map.end() ? none : found->second;
+}
+
 }  // namespace
 
 std::size_t CatalogueIndex::VersionKeyHash::operator()(const VersionKey& key) const noexcept {
@@ -62,6 +69,7 @@ CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels
   for (Position position = 0; position < metamodels.size(); ++position) {
     const auto& [name, version, dependencies] = metamodels[position].descriptor;
     metamodels_[{name, version}].push_back(position);
+    metamodelsByName_[name].push_back(position);
     const auto& equivalent = metamodels[position].equivalent;
     if (equivalent) metamodels_[{name, *equivalent}].push_back(position);
     auto& ordered = ordered_[name];  // there also for a name without any
@@ -76,12 +84,13 @@ CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels
   }
   for (Position position = 0; position < hops.size(); ++position) {
     hops_[{hops[position].name, hops[position].from}].push_back(position);
+    hopsByName_[hops[position].name].push_back(position);
   }
 }
 
 const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16string& name,
                                                               const VersionId& version) const {
-  return lookUp(metamodels_, {name, version});
+  return positionsIn(metamodels_, VersionKeyView{name, version});
 }
 
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
@@ -118,7 +127,15 @@ CatalogueIndex::Positions CatalogueIndex::metamodelsInAny(
 
 const CatalogueIndex::Positions& CatalogueIndex::hopsFrom(const std::u16string& name,
                                                           const VersionId& version) const {
-  return lookUp(hops_, {name, version});
+  return positionsIn(hops_, VersionKeyView{name, version});
+}
+
+const CatalogueIndex::Positions& CatalogueIndex::metamodelsOf(const std::u16string& name) const {
+  return positionsIn(metamodelsByName_, name);
+}
+
+const CatalogueIndex::Positions& CatalogueIndex::hopsOf(const std::u16string& name) const {
+  return positionsIn(hopsByName_, name);
 }
 
 const std::vector<CatalogueIndex::OrderedVersion>& CatalogueIndex::orderedVersions(
@@ -132,13 +149,6 @@ const VersionScale& CatalogueIndex::scale(const std::u16string& name) const {
   static const VersionScale none;
   const auto found = scales_.find(name);
   return found == scales_.end() ? none : found->second;
-}
-
-const CatalogueIndex::Positions& CatalogueIndex::lookUp(const ByVersion& map,
-                                                        const VersionKeyView& key) {
-  static const Positions none;
-  const auto found = map.find(key);
-  return found == map.end() ? none : found->second;
 }
 
 }  // namespace tarn::evolution::catalogue

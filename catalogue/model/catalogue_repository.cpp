@@ -77,9 +77,7 @@ std::vector<std::u16string> CatalogueRepository::listNames() {
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<CatalogueMetamodel> result;
-  for (CatalogueIndex::Position position = 0; position < catalogue_.metamodels().size();
-       ++position) {
-    if (catalogue_.metamodels()[position].descriptor.name != name) continue;
+  for (const auto position : catalogue_.index().metamodelsOf(name)) {
     result.push_back(metamodelAt(position));
     result.back().descriptor = scale.shown(std::move(result.back().descriptor));
   }
@@ -89,8 +87,8 @@ std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u
 std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string& name) {
   const VersionScale& scale = catalogue_.index().scale(name);
   std::vector<pathfinder::Hop> result;
-  for (const pathfinder::Hop& hop : catalogue_.hops()) {
-    if (hop.name == name) result.push_back(scale.shown(hop));
+  for (const auto position : catalogue_.index().hopsOf(name)) {
+    result.push_back(scale.shown(catalogue_.hops()[position]));
   }
   return result;
 }

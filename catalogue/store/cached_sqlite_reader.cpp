@@ -31,7 +31,7 @@ void append(std::u16string& key, const SemVer& version) {
 }
 
 /// A text of its own for each name and version; names hold no NUL in a store.
-std::u16string keyOf(const std::u16string& name, const VersionId& version) {
+std::u16string cacheKeyOf(const std::u16string& name, const VersionId& version) {
   std::u16string key = name;
   key += u'\0';
   if (!version.isSemVer()) return key + u't' + version.getText();
@@ -41,10 +41,10 @@ std::u16string keyOf(const std::u16string& name, const VersionId& version) {
 }
 
 /// The same for each name and range.
-std::u16string keyOf(const std::u16string& name, const VersionRange& range) {
-  if (!range.isSemVerRange()) return keyOf(name, VersionId(range.getText()));
+std::u16string cacheKeyOf(const std::u16string& name, const VersionRange& range) {
+  if (!range.isSemVerRange()) return cacheKeyOf(name, VersionId(range.getText()));
   const auto& [lower, upper] = range.getSemVerRange();
-  std::u16string key = keyOf(name, VersionId(lower));
+  std::u16string key = cacheKeyOf(name, VersionId(lower));
   append(key, upper);
   return key;
 }
@@ -86,7 +86,7 @@ std::vector<StoredMetamodel> CachedSqliteReader::metamodelsOf(const std::u16stri
 
 CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name,
                                                       const VersionId& version) {
-  const std::u16string key = keyOf(name, version);
+  const std::u16string key = cacheKeyOf(name, version);
   if (Hops cached = hops_.find(key)) return cached;
   auto found = reader_.hopsFrom(name, version);
   for (const pathfinder::Hop& hop : found) {
@@ -99,13 +99,14 @@ CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name
 
 CachedSqliteReader::Metamodels CachedSqliteReader::versionsAt(const std::u16string& name,
                                                               const VersionId& version) {
-  return remembered(u'v' + keyOf(name, version),
+  return remembered(u'v' + cacheKeyOf(name, version),
                     [&] { return reader_.metamodelsAt(name, version); });
 }
 
 CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& name,
                                                           const VersionRange& range) {
-  return remembered(u'r' + keyOf(name, range), [&] { return reader_.metamodelsIn(name, range); });
+  return remembered(u'r' + cacheKeyOf(name, range),
+                    [&] { return reader_.metamodelsIn(name, range); });
 }
 
 template <class Read>

@@ -80,11 +80,6 @@ bool LockedStore::removeEmptyBeside() {
   return unlink(writtenAhead.c_str()) == 0;
 }
 
-bool LockedStore::isDamaged() const {
-  const int code = database_->lastError() & 0xff;
-  return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
-}
-
 void LockedStore::expectInPlace() const {
   if (database_->hasMoved()) failFor(shownAs_, "has been replaced meanwhile");
 }

@@ -20,9 +20,6 @@ class LockedStore {
   /// CatalogueError when that fails, and when another file has taken its place.
   void lock(const std::function<void()>& whileWaiting);
 
-  /// Whether what failed last did so because the file is damaged.
-  bool isDamaged() const;
-
   /// Throws CatalogueError when another file has taken its place.
   void expectInPlace() const;
 

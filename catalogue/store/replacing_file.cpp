@@ -15,28 +15,6 @@ namespace tarn::evolution::catalogue {
 
 namespace {
 
-/// Where a file is, or is to be made, behind symbolic links.
-std::filesystem::path resolved(const std::filesystem::path& given) {
-  constexpr int mostLinks = 40;  // as the system has it
-  std::error_code error;
-  std::filesystem::path file = std::filesystem::absolute(given, error);
-  for (int links = 0; links < mostLinks && std::filesystem::is_symlink(file, error); ++links) {
-    file = file.parent_path() / std::filesystem::read_symlink(file, error);
-  }
-  const auto folder = std::filesystem::is_symlink(file, error)
-                          ? std::filesystem::canonical(file, error)  // which says what is wrong
-                          : std::filesystem::canonical(file.parent_path(), error);
-  if (error) failFor(given, "cannot be written: " + error.message());
-  const auto status = std::filesystem::status(file, error);
-  if (!file.has_filename() || std::filesystem::is_directory(status)) {
-    failFor(given, "is a directory, not a file");
-  }
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    failFor(given, "is no regular file; it is left alone");
-  }
-  return folder / file.filename();
-}
-
 /// Gives `file` the owner and group of another one, as far as that is possible, and its
 /// permissions. A group that it cannot have leaves no more than everybody's permissions to its own.
 bool takeAfter(const std::filesystem::path& file, const struct stat& other) {
@@ -84,11 +62,32 @@ int renameToNew(const char* from, const char* to) {
 
 }  // namespace
 
+std::filesystem::path ReplacingFile::resolve(const std::filesystem::path& given) {
+  constexpr int mostLinks = 40;  // as the system has it
+  std::error_code error;
+  std::filesystem::path file = std::filesystem::absolute(given, error);
+  for (int links = 0; links < mostLinks && std::filesystem::is_symlink(file, error); ++links) {
+    file = file.parent_path() / std::filesystem::read_symlink(file, error);
+  }
+  const auto folder = std::filesystem::is_symlink(file, error)
+                          ? std::filesystem::canonical(file, error)  // which says what is wrong
+                          : std::filesystem::canonical(file.parent_path(), error);
+  if (error) failFor(given, "cannot be written: " + error.message());
+  const auto status = std::filesystem::status(file, error);
+  if (!file.has_filename() || std::filesystem::is_directory(status)) {
+    failFor(given, "is a directory, not a file");
+  }
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    failFor(given, "is no regular file; it is left alone");
+  }
+  return folder / file.filename();
+}
+
 ReplacingFile::ReplacingFile(const std::filesystem::path& target, Kind kind,
                              const std::function<void()>& whileWaiting)
     : given_(target),
       kind_(kind),
-      target_(resolved(target)),
+      target_(resolve(target)),
       path_(hiddenBeside(target_, ".partial")),
       besidePath_(allBeside(path_)),
       lock_(target_, given_, whileWaiting) {

@@ -34,6 +34,10 @@ class ReplacingFile {
   /// Removes the file unless it has taken the target's place.
   ~ReplacingFile();
 
+  /// Where the target would be, behind symbolic links. Throws CatalogueError, which names it, when
+  /// no file can take its place: what stands there is no regular file, or there is no folder.
+  static std::filesystem::path resolve(const std::filesystem::path& target);
+
   /// Where the file and its target are, behind symbolic links.
   const std::filesystem::path& path() const noexcept { return path_; }
   const std::filesystem::path& target() const noexcept { return target_; }

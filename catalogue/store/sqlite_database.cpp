@@ -26,6 +26,7 @@ constexpr int progressUnit = 1000;
 std::string uriOf(const std::filesystem::path& file, const std::string& parameters) {
   static constexpr char digits[] = "0123456789ABCDEF";
   if (file == SqliteDatabase::inMemory) return "file::memory:";
+  if (file == SqliteDatabase::temporary) return "file:";
   std::string uri = "file:";
   std::error_code error;
   for (const char character : std::filesystem::absolute(file, error).string()) {
@@ -217,6 +218,11 @@ bool SqliteDatabase::hasMoved() const {
   int result = 0;
   sqlite3_file_control(handle_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &result);
   return result != 0;
+}
+
+bool SqliteDatabase::isDamaged() const {
+  const int code = lastError() & 0xff;
+  return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
 }
 
 void SqliteDatabase::expect(int code) const {

@@ -36,6 +36,9 @@ class SqliteDatabase {
   /// In place of a file: a database of its own that goes with the connection.
   static constexpr const char* inMemory = ":memory:";
 
+  /// The same with room on the disk, in a file without a name; to be built.
+  static constexpr const char* temporary = "";
+
   /// The file must exist. Errors name it as `shownAs`, if that is given.
   SqliteDatabase(const std::filesystem::path& file, Access access,
                  const std::filesystem::path& shownAs = {});
@@ -61,6 +64,9 @@ class SqliteDatabase {
 
   /// What failed last, as SQLite's extended result code.
   int lastError() const;
+
+  /// Whether that was because the file is damaged.
+  bool isDamaged() const;
 
   const std::filesystem::path& file() const noexcept { return shownAs_; }
 

@@ -37,16 +37,15 @@ std::string expectStored(const std::u16string& text) {
   throw std::invalid_argument("the text is not well-formed UTF-16");
 }
 
-/// NULL for an empty one.
-SqliteValue storedNote(const std::u16string& note) {
-  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
-}
-
 std::int64_t positionAfterLast(SqliteDatabase& database, const char* selectLast) {
   return database.number(selectLast) + 1;
 }
 
 }  // namespace
+
+SqliteValue storedNote(const std::u16string& note) {
+  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
+}
 
 PackedSemVer pack(const SemVer& version) {
   PackedSemVer result;
@@ -129,28 +128,34 @@ void SqliteRowWriter::addMetamodel(const CatalogueMetamodel& metamodel) {
   insertMetamodel_.run(nextMetamodel_, idOf(descriptor.name), storedVersion(descriptor.version),
                        equivalent ? SqliteValue(pack(*equivalent)) : SqliteValue(nullptr),
                        storedNote(note));
-  std::int64_t ordinal = 0;
-  for (std::size_t i = 0; i < descriptor.dependencies.size(); ++i) {
-    const auto& [name, range] = descriptor.dependencies[i];
-    addDependency(ordinal++, {{name, range, false}, metamodel.noteOfDependency(i)});
-  }
-  for (const CatalogueRequirement& requirement : requirements) {
-    addDependency(ordinal++, requirement);
-  }
+  addDependencies(nextMetamodel_, metamodel);
   ++nextMetamodel_;
 }
 
-void SqliteRowWriter::addDependency(std::int64_t ordinal, const CatalogueRequirement& dependency) {
+void SqliteRowWriter::addDependencies(std::int64_t position, const CatalogueMetamodel& metamodel) {
+  const auto& dependencies = metamodel.descriptor.dependencies;
+  std::int64_t ordinal = 0;
+  for (std::size_t i = 0; i < dependencies.size(); ++i) {
+    const auto& [name, range] = dependencies[i];
+    addDependency(position, ordinal++, {{name, range, false}, metamodel.noteOfDependency(i)});
+  }
+  for (const CatalogueRequirement& requirement : metamodel.requirements) {
+    addDependency(position, ordinal++, requirement);
+  }
+}
+
+void SqliteRowWriter::addDependency(std::int64_t position, std::int64_t ordinal,
+                                    const CatalogueRequirement& dependency) {
   const auto& [needed, note] = dependency;
   const std::int64_t name = idOf(needed.name);
   const auto isOptional = std::int64_t{needed.isOptional};
   if (needed.range.isSemVerRange()) {
     const auto& [lower, upper] = needed.range.getSemVerRange();
-    insertDependency_.run(nextMetamodel_, ordinal, name, nullptr, pack(lower), pack(upper),
+    insertDependency_.run(position, ordinal, name, nullptr, pack(lower), pack(upper),
                           storedNote(note), isOptional);
   } else {
-    insertDependency_.run(nextMetamodel_, ordinal, name, expectStored(needed.range.getText()),
-                          nullptr, nullptr, storedNote(note), isOptional);
+    insertDependency_.run(position, ordinal, name, expectStored(needed.range.getText()), nullptr,
+                          nullptr, storedNote(note), isOptional);
   }
 }
 

@@ -31,6 +31,9 @@ std::optional<pathfinder::SemVer> optionalSemVerIn(const SqliteStatement::Rows& 
 /// A dependency's range: columns `column` (version), and the two after it (lower, upper).
 pathfinder::VersionRange rangeIn(const SqliteStatement::Rows& rows, int column);
 
+/// NULL for an empty note.
+SqliteValue storedNote(const std::u16string& note);
+
 /// A note; empty where NULL stands. Throws as they do.
 std::u16string noteIn(const SqliteStatement::Rows& rows, int column);
 
@@ -57,6 +60,9 @@ class SqliteRowWriter : public CatalogueSink {
   void addHop(const pathfinder::Hop& hop, const std::u16string& note) override;
   void setQuestion(const Question& question) override;
 
+  /// Gives the metamodel at a position, which has none, these dependencies.
+  void addDependencies(std::int64_t position, const CatalogueMetamodel& metamodel);
+
   std::int64_t firstMetamodel() const noexcept { return firstMetamodel_; }  ///< of those received
   std::int64_t firstHop() const noexcept { return firstHop_; }
   std::int64_t metamodels() const noexcept { return nextMetamodel_ - firstMetamodel_; }
@@ -64,7 +70,8 @@ class SqliteRowWriter : public CatalogueSink {
 
  private:
   std::int64_t idOf(const std::u16string& name);
-  void addDependency(std::int64_t ordinal, const CatalogueRequirement& dependency);
+  void addDependency(std::int64_t position, std::int64_t ordinal,
+                     const CatalogueRequirement& dependency);
   void addSelection(const std::string& side, const Selection& selection);
 
   SqliteStatement insertName_;

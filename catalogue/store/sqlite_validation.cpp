@@ -162,8 +162,7 @@ void expectNewHops(SqliteDatabase& database, std::int64_t firstHop) {
   const auto placeOf = [&](std::int64_t position) {
     return hopPlace(static_cast<std::size_t>(position - firstHop));
   };
-  const std::string hop = "the hop of " + quotedName(textIn(rows, 2)) + " from " +
-                          textOf(versionIn(rows, 3)) + " to " + textOf(versionIn(rows, 4));
+  const std::string hop = hopText(textIn(rows, 2), versionIn(rows, 3), versionIn(rows, 4));
   const bool isInStore = rows.number(1) < firstHop;
   std::string message =
       standsAlready(hop, isInStore ? "in the store" : "at " + placeOf(rows.number(1)));

@@ -10,10 +10,11 @@
 #include "pathfinder/metamodel.hpp"
 #include "tarn_evolution_catalogue_export.hpp"
 
-/// Changes to a store. Each makes a new file that takes the store's place when it is complete: all
-/// of it happens, or nothing, also when the process is killed or power fails. Others may read the
-/// store meanwhile and go on seeing what they saw; two changes at a time wait for one another, up
-/// to five seconds. Costs the time and the room on the disk to copy the store.
+/// Changes to a store, made or only tried (see `ChangeMode`). Each makes a new file that takes the
+/// store's place when it is complete: all of it happens, or nothing, also when the process is
+/// killed or power fails. Others may read the store meanwhile and go on seeing what they saw; two
+/// changes at a time wait for one another, up to five seconds. Costs the time and the room on the
+/// disk to copy the store.
 ///
 /// Everything here throws CatalogueError, which names the file that is at fault.
 namespace tarn::evolution::catalogue {
@@ -24,12 +25,31 @@ namespace tarn::evolution::catalogue {
 /// file already, and a question when the store has one.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts addToStore(const std::filesystem::path& store,
                                                        const std::filesystem::path& json,
-                                                       const StoreProgress& progress = {});
+                                                       const StoreProgress& progress = {},
+                                                       ChangeMode mode = ChangeMode::Made);
 
-/// What to remove: a version of a metamodel, or all of its versions.
+/// What a change comes to.
+struct ChangeResult {
+  StoreCounts changed;    ///< versions and hops that are other than before
+  StoreCounts unchanged;  ///< those that were so already
+};
+
+/// Puts each metamodel, hop and question of a JSON file, which has the form of a catalogue, in the
+/// place of the one that the store holds: a version gets the dependencies, equivalent and notes
+/// that the file tells, none where it tells none, and a hop its weight and note, also where it
+/// stands several times. The order of the store stays. Refuses, with places in the JSON file, a
+/// version or hop that the store does not hold or the file holds twice, and what would leave the
+/// store unsound (see `Catalogue`).
+TARN_EVOLUTION_CATALOGUE_EXPORT ChangeResult changeStore(const std::filesystem::path& store,
+                                                         const std::filesystem::path& json,
+                                                         const StoreProgress& progress = {},
+                                                         ChangeMode mode = ChangeMode::Made);
+
+/// What to remove: a version of a metamodel, or all of its versions, or a hop.
 struct RemovalChoice {
   std::u16string name;
   std::optional<pathfinder::VersionId> version;
+  std::optional<pathfinder::VersionId> to = std::nullopt;  ///< the hop from `version` to this one
 };
 
 /// A metamodel that stays, and the dependency that it would no longer have anything for.
@@ -49,14 +69,15 @@ struct RemovalResult {
 
 constexpr std::size_t listedObstacles = 20;
 
-/// Removes versions, and the hops that lead from or to a version that is then no longer there. The
-/// order of all else stays, and so does the store's question, even if it names what is removed.
+/// Removes versions, the hops that lead from or to a version that is then no longer there, and the
+/// hops that are chosen. The order of all else stays, and so does the store's question, even if it
+/// names what is removed.
 ///
 /// An obstacle is a dependency, of a version that stays, that was satisfied by versions of which
 /// none stays, or whose name has no version left. Where there is any, nothing is removed. Throws
 /// CatalogueError also for a choice that the store does not hold.
 TARN_EVOLUTION_CATALOGUE_EXPORT RemovalResult
 removeFromStore(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices,
-                const StoreProgress& progress = {});
+                const StoreProgress& progress = {}, ChangeMode mode = ChangeMode::Made);
 
 }  // namespace tarn::evolution::catalogue

@@ -11,6 +11,12 @@ namespace tarn::evolution::catalogue {
 /// which then has changed nothing.
 using StoreProgress = std::function<void(double share)>;
 
+/// Whether a change is made or only tried. A trial does all that the change would do, its checks
+/// above all, and returns or throws what it would, but works on a copy in SQLite's temporary files
+/// (see TMPDIR). It takes no lock, makes no file beside the one that would change, and leaves that
+/// as it is; whether it could be written is not looked at.
+enum class ChangeMode { Made, Tried };
+
 /// How much an operation has moved.
 struct StoreCounts {
   std::uint64_t metamodels = 0;  ///< versions of metamodels

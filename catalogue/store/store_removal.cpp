@@ -1,6 +1,7 @@
 #include "catalogue/store/store_removal.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "catalogue/range_union.hpp"
@@ -75,17 +76,44 @@ constexpr const char* removeNames = R"(
 
 RemovalResult StoreRemoval::run(const std::vector<RemovalChoice>& choices) {
   store_.run(createChosen);
-  for (const RemovalChoice& choice : choices) choose(choice);
+  std::uint64_t hops = 0;
+  for (const RemovalChoice& choice : choices) {
+    if (choice.to) {
+      hops += removeHop(choice);
+    } else {
+      choose(choice);
+    }
+  }
   store_.run("INSERT INTO touched SELECT DISTINCT name, 0 FROM chosen");
   markOrders();
   RemovalResult result;
   collectObstacles(result);
-  if (result.obstacleCount == 0) result.removed = remove();
+  if (result.obstacleCount > 0) return result;
+  result.removed = remove();
+  result.removed.hops += hops;
   return result;
 }
 
+std::uint64_t StoreRemoval::removeHop(const RemovalChoice& choice) {
+  const auto& [name, from, to] = choice;
+  if (!from) throw std::invalid_argument("a hop to remove leads from a version");
+  const auto isStored = [](const pathfinder::VersionId& version) {
+    return version.isSemVer() || storedText(version.getText());
+  };
+  std::int64_t removed = 0;
+  if (storedText(name) && isStored(*from) && isStored(*to)) {
+    SqliteStatement(store_,
+                    "DELETE FROM hops WHERE name = (SELECT id FROM names WHERE name = ?1) "
+                    "AND source = ?2 AND target = ?3")
+        .run(*storedText(name), storedVersion(*from), storedVersion(*to));
+    removed = store_.number("SELECT changes()");
+  }
+  if (removed == 0) failFor(store_.file(), unknownHop(name, *from, *to));
+  return static_cast<std::uint64_t>(removed);
+}
+
 void StoreRemoval::choose(const RemovalChoice& choice) {
-  const auto& [name, version] = choice;
+  const auto& [name, version, to] = choice;
   const auto storedName = storedText(name);
   std::int64_t found = 0;
   if (storedName && (!version || version->isSemVer() || storedText(version->getText()))) {

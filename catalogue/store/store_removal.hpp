@@ -21,6 +21,7 @@ class StoreRemoval {
 
  private:
   void choose(const RemovalChoice& choice);
+  std::uint64_t removeHop(const RemovalChoice& choice);
   /// A dependency's row: its metamodel and its place among that one's dependencies.
   using Place = std::pair<std::int64_t, std::int64_t>;
 

@@ -24,15 +24,25 @@ const std::filesystem::path& expectedDatabase(const std::filesystem::path& file)
 }  // namespace
 
 StoreSuccessor::StoreSuccessor(const std::filesystem::path& store, Content content,
-                               const SqliteSchema& form, const StoreProgress& progress)
+                               const SqliteSchema& form, const StoreProgress& progress,
+                               ChangeMode mode)
     : given_(content == Content::Kept ? expectedDatabase(store) : store),
-      file_(store, ReplacingFile::Kind::Database, toldAgain(progress, 0)) {
+      target_(ReplacingFile::resolve(store)) {
+  if (mode == ChangeMode::Made) {
+    file_.emplace(store, ReplacingFile::Kind::Database, toldAgain(progress, 0));
+    target_ = file_->target();
+  }
   if (content == Content::Kept) {
-    old_ = std::make_unique<LockedStore>(file_.target(), given_);
-    old_->lock(toldAgain(progress, 0));
+    if (file_) {
+      old_ = std::make_unique<LockedStore>(target_, given_);
+      old_->lock(toldAgain(progress, 0));
+    }
     copyOld(form, progress);
   } else {
-    if (!isNothingThere()) lockReplaced(form, toldAgain(progress, 0));
+    if (!isNothingThere()) {
+      expectStore();
+      file_ ? lockReplaced(form, toldAgain(progress, 0)) : checkReplaced(form);
+    }
     begin();
     form.create(*database_);
   }
@@ -40,50 +50,70 @@ StoreSuccessor::StoreSuccessor(const std::filesystem::path& store, Content conte
 
 bool StoreSuccessor::isNothingThere() const {
   std::error_code error;
-  if (!file_.replaces()) return true;
-  return std::filesystem::is_regular_file(file_.target(), error) &&
-         std::filesystem::file_size(file_.target(), error) == 0;
+  if (file_ ? !file_->replaces() : !std::filesystem::exists(target_, error)) return true;
+  return std::filesystem::is_regular_file(target_, error) &&
+         std::filesystem::file_size(target_, error) == 0;
+}
+
+void StoreSuccessor::expectStore() const {
+  const auto header = headerOf(target_);
+  if (!header || !header->isDatabase || !header->isStore) {
+    failFor(given_, "exists and is not a catalogue store; it is left alone");
+  }
 }
 
 void StoreSuccessor::lockReplaced(const SqliteSchema& form,
                                   const std::function<void()>& whileWaiting) {
-  const auto header = headerOf(file_.target());
-  if (!header || !header->isDatabase || !header->isStore) {
-    failFor(given_, "exists and is not a catalogue store; it is left alone");
-  }
-  old_ = std::make_unique<LockedStore>(file_.target(), given_);
+  old_ = std::make_unique<LockedStore>(target_, given_);
   try {
     old_->lock(whileWaiting);
     form.checkReplaceable(old_->database());
   } catch (const CatalogueError&) {
-    if (!old_->isDamaged()) throw;
+    if (!old_->database().isDamaged()) throw;
     old_.reset();
   }
 }
 
+void StoreSuccessor::checkReplaced(const SqliteSchema& form) const {
+  SqliteDatabase old(target_, Access::Read, given_);
+  try {
+    form.checkReplaceable(old);
+  } catch (const CatalogueError&) {
+    if (!old.isDamaged()) throw;
+  }
+}
+
 void StoreSuccessor::begin() {
-  database_ = std::make_unique<SqliteDatabase>(file_.path(), Access::Build, given_);
+  const std::filesystem::path file = file_ ? file_->path() : SqliteDatabase::temporary;
+  database_ = std::make_unique<SqliteDatabase>(file, Access::Build, given_);
   transaction_.emplace(*database_, Kind::Write);
 }
 
 void StoreSuccessor::copyOld(const SqliteSchema& form, const StoreProgress& progress) {
-  SqliteDatabase source(file_.target(), Access::Read, given_);
+  SqliteDatabase source(target_, Access::Read, given_);
   const SqliteTransaction snapshot(source, Kind::Read);
   const bool isPresent = form.check(source);
-  {
-    SqliteDatabase copy(file_.path(), Access::Build, given_);
-    source.copyTo(copy, progress);
+  if (file_) {
+    {
+      SqliteDatabase copy(file_->path(), Access::Build, given_);
+      source.copyTo(copy, progress);
+    }
+    begin();  // anew, for the copy may be laid out in another way
+  } else {
+    database_ = std::make_unique<SqliteDatabase>(SqliteDatabase::temporary, Access::Build, given_);
+    source.copyTo(*database_, progress);
+    transaction_.emplace(*database_, Kind::Write);
   }
-  begin();  // anew, for the copy may be laid out in another way
   if (!isPresent) form.migrate(*database_);
 }
 
 void StoreSuccessor::takePlace() {
-  transaction_->commit();
+  if (file_) transaction_->commit();
   transaction_.reset();
   database_.reset();
+  if (!file_) return;
   if (old_) old_->expectInPlace();
-  file_.replaceTarget();
+  file_->replaceTarget();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -22,26 +22,29 @@ class StoreSuccessor {
 
   /// Waits up to five seconds for others that write the store; tells `progress` meanwhile, and
   /// which share of the store is copied. Throws CatalogueError when there is something else in the
-  /// place, and what `progress` throws.
+  /// place, and what `progress` throws. One that is only tried never takes the place.
   StoreSuccessor(const std::filesystem::path& store, Content content,
                  const SqliteSchema& form = SqliteSchema::current(),
-                 const StoreProgress& progress = {});
+                 const StoreProgress& progress = {}, ChangeMode mode = ChangeMode::Made);
 
   /// Open to be built, within a transaction.
   SqliteDatabase& database() noexcept { return *database_; }
 
-  /// Puts it in the store's place, safe from loss of power, and ends its use.
+  /// Puts it in the store's place, safe from loss of power, unless it is only tried; ends its use.
   void takePlace();
 
  private:
   bool isNothingThere() const;
+  void expectStore() const;
   void lockReplaced(const SqliteSchema& form, const std::function<void()>& whileWaiting);
+  void checkReplaced(const SqliteSchema& form) const;
   void begin();
   void copyOld(const SqliteSchema& form, const StoreProgress& progress);
 
   std::filesystem::path given_;
-  ReplacingFile file_;
-  std::unique_ptr<LockedStore> old_;  // null where there is none, or a damaged one
+  std::filesystem::path target_;
+  std::optional<ReplacingFile> file_;  // none when it is only tried
+  std::unique_ptr<LockedStore> old_;   // null where there is none, or a damaged one
   std::unique_ptr<SqliteDatabase> database_;
   std::optional<SqliteTransaction> transaction_;
 };

@@ -76,8 +76,9 @@ StoreCounts writeFile(SqliteDatabase& store, const std::filesystem::path& file,
 }  // namespace
 
 StoreCounts importCatalogue(const std::filesystem::path& json, const std::filesystem::path& store,
-                            const StoreProgress& progress) {
-  StoreSuccessor successor(store, StoreSuccessor::Content::None, SqliteSchema::current(), progress);
+                            const StoreProgress& progress, ChangeMode mode) {
+  StoreSuccessor successor(store, StoreSuccessor::Content::None, SqliteSchema::current(), progress,
+                           mode);
   const StoreCounts counts = fillStore(successor.database(), json, RepeatedHops::Kept, progress);
   if (progress) progress(1);
   successor.takePlace();

@@ -20,7 +20,8 @@ namespace tarn::evolution::catalogue {
 /// which another program has tables, and any other file are left alone, and that is an error.
 TARN_EVOLUTION_CATALOGUE_EXPORT StoreCounts importCatalogue(const std::filesystem::path& json,
                                                             const std::filesystem::path& store,
-                                                            const StoreProgress& progress = {});
+                                                            const StoreProgress& progress = {},
+                                                            ChangeMode mode = ChangeMode::Made);
 
 /// Writes a store as a JSON catalogue, as it is when the operation begins. A regular file that
 /// stands in the place is replaced, unless it is a SQLite database, which is left alone, and that

@@ -24,6 +24,16 @@ std::string unknownVersion(const std::u16string& name, const pathfinder::Version
   return "there is no version " + textOf(version) + " of metamodel " + quotedName(name);
 }
 
+std::string hopText(const std::u16string& name, const pathfinder::VersionId& from,
+                    const pathfinder::VersionId& to) {
+  return "the hop of " + quotedName(name) + " from " + textOf(from) + " to " + textOf(to);
+}
+
+std::string unknownHop(const std::u16string& name, const pathfinder::VersionId& from,
+                       const pathfinder::VersionId& to) {
+  return "there is no hop of " + quotedName(name) + " from " + textOf(from) + " to " + textOf(to);
+}
+
 std::string standsAlready(const std::string& what, const std::string& where) {
   return what + " stands already " + where;
 }

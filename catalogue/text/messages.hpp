@@ -18,6 +18,13 @@ std::string hopPlace(std::size_t position);
 std::string unknownMetamodel(const std::u16string& name);
 std::string unknownVersion(const std::u16string& name, const pathfinder::VersionId& version);
 
+std::string unknownHop(const std::u16string& name, const pathfinder::VersionId& from,
+                       const pathfinder::VersionId& to);
+
+/// "the hop of "A" from 1.0.0 to 2.0.0".
+std::string hopText(const std::u16string& name, const pathfinder::VersionId& from,
+                    const pathfinder::VersionId& to);
+
 /// `what` may be a version or a hop; `where`, "at /metamodels/3" say, it stands already.
 std::string standsAlready(const std::string& what, const std::string& where);
 

@@ -102,6 +102,8 @@ class Originals : public StoreFolder {
     make("new", withLongTexts(large));
     TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E2>1");
     make("more", contentOf(more), false);
+    TestRepository other("A2 B1:A[1,2)+A[2,3) A1>2!");
+    make("other", contentOf(other), false);
     StoreSuccessor(path("m.store"), StoreSuccessor::Content::None, formerForm()).takePlace();
     writeAhead();
     leaveUnfinished();
@@ -192,6 +194,18 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
   const auto remove = [](const FilePath& folder) {
     return textOf(removeFromStore(folder / "x.store", {{u"B", {}}}).removed);
   };
+  const auto change = [](const FilePath& folder) {
+    const auto [changed, unchanged] = changeStore(folder / "x.store", folder / "other.json");
+    return textOf({changed.metamodels + unchanged.metamodels, changed.hops + unchanged.hops});
+  };
+  const auto tryAll = [](const FilePath& folder) {
+    const FilePath store = folder / "x.store";
+    const ChangeMode tried = ChangeMode::Tried;
+    return textOf(importCatalogue(folder / "new.json", store, {}, tried)) +
+           textOf(addToStore(store, folder / "more.json", {}, tried)) +
+           textOf(changeStore(store, folder / "other.json", {}, tried).changed) +
+           textOf(removeFromStore(store, {{u"B", {}}, {u"A", v(1), v(2)}}, {}, tried).removed);
+  };
   const auto write = [](const FilePath& folder) {
     return textOf(exportCatalogue(folder / "x.store", folder / "y.json"));
   };
@@ -228,6 +242,7 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
   };
   const std::pair<std::string, std::string> newJson("new.json", "new.json");
   const std::pair<std::string, std::string> moreJson("more.json", "more.json");
+  const std::pair<std::string, std::string> otherJson("other.json", "other.json");
   const std::pair<std::string, std::string> old("x.store", "old.store");
   const std::pair<std::string, std::string> ahead("x.store", "kept ahead");
   const std::pair<std::string, std::string> aheadLog("x.store-wal", "kept ahead-wal");
@@ -243,7 +258,9 @@ std::vector<StoreOperation> storeOperations(CatalogueSize size) {
       {"import, written ahead", disk({newJson, ahead, aheadLog}), "x.store", import},
       {"add", disk({moreJson, old}), "x.store", add},
       {"add, written ahead", disk({moreJson, ahead, aheadLog}), "x.store", add},
+      {"change", disk({otherJson, old}), "x.store", change},
       {"remove", disk({old}), "x.store", remove},
+      {"trying", disk({newJson, moreJson, otherJson, old}), "", tryAll},
       {"export", disk({old}), "y.json", write},
       {"export over a file", disk({old, {"y.json", "new.json"}}), "y.json", write},
       {"joining a table", withForeign({old}), "x.store",

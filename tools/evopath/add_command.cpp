@@ -3,6 +3,7 @@
 
 #include "catalogue/store/store_editing.hpp"
 #include "command.hpp"
+#include "dry_run_option.hpp"
 #include "file_arguments.hpp"
 #include "progress_bar.hpp"
 #include "store_report.hpp"
@@ -17,13 +18,14 @@ namespace {
 struct AddOptions {
   std::filesystem::path store;
   std::filesystem::path addition;
+  DryRunOption dryRun;
 };
 
 ExitStatus runAdd(const AddOptions& options) {
   const auto counts = withProgressBar("Adding", [&](const StoreProgress& progress) {
-    return addToStore(options.store, options.addition, progress);
+    return addToStore(options.store, options.addition, progress, options.dryRun.mode());
   });
-  writeToStandardOutput("Added " + describeCounts(counts) + ".\n");
+  writeToStandardOutput(options.dryRun.tell("Added", describeCounts(counts)));
   return ExitStatus::Found;
 }
 
@@ -34,6 +36,7 @@ void addAddCommand(CLI::App& program, Action& action) {
   CLI::App* command = program.add_subcommand("add", "Add metamodels and hops to a store");
   addStoreArgument(*command, options->store);
   addInputArgument(*command, "addition", options->addition, "What to add, a JSON file");
+  options->dryRun.addTo(*command);
   command->footer(
       "The JSON file has the form of a catalogue, and may lean on what the store holds. What it\n"
       "adds comes after that. All of it is added, or nothing when it would leave the store "

@@ -1,9 +1,6 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
-#include <system_error>
 #include <thread>
 
 #include "batch_output.hpp"
@@ -15,6 +12,7 @@
 #include "interruption.hpp"
 #include "limit_options.hpp"
 #include "number_option.hpp"
+#include "question_file.hpp"
 #include "search_monitor.hpp"
 
 namespace evopath {
@@ -44,21 +42,6 @@ void parsePart(const std::string& text, BatchArguments& arguments) {
     if (arguments.part >= 1 && arguments.part <= arguments.parts) return;
   }
   throw CLI::ValidationError("--part " + text, "must be I/N, I from 1 to N, such as 1/8");
-}
-
-std::ifstream openQuestions(const std::filesystem::path& file) {
-  std::error_code ignored;
-  std::ifstream in(file, std::ios::binary);
-  const int error = errno;
-  if (std::filesystem::is_directory(file, ignored)) {
-    throw std::runtime_error(file.string() + ": is a directory, not a file");
-  }
-  if (!in) {
-    throw std::runtime_error(file.string() +
-                             ": cannot be opened: " + std::generic_category().message(error));
-  }
-  in.exceptions(std::ios::badbit);
-  return in;
 }
 
 BatchLimits limitsOf(const BatchArguments& arguments, const SearchLimits& attended) {

@@ -16,7 +16,9 @@ using AddCommand = void (*)(CLI::App& program, Action& action);
 
 void addAddCommand(CLI::App& program, Action& action);
 void addBatchCommand(CLI::App& program, Action& action);
+void addChangeCommand(CLI::App& program, Action& action);
 void addCheckCommand(CLI::App& program, Action& action);
+void addDiffCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
 void addGraphCommand(CLI::App& program, Action& action);

@@ -9,6 +9,7 @@
 #include "catalogue/import/import.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "command.hpp"
+#include "dry_run_option.hpp"
 #include "file_arguments.hpp"
 #include "import_report.hpp"
 #include "progress_bar.hpp"
@@ -48,6 +49,7 @@ struct ImportArguments {
   std::string offeredHops = "majors";
   bool listsAll = false;
   ImportOptions options;
+  DryRunOption dryRun;
 };
 
 ExitStatus importJson(const ImportArguments& arguments) {
@@ -56,9 +58,9 @@ ExitStatus importJson(const ImportArguments& arguments) {
   }
   const auto source = inputFile(arguments.files[0]);
   const auto counts = withProgressBar("Importing", [&](const StoreProgress& progress) {
-    return importCatalogue(source, arguments.files[1], progress);
+    return importCatalogue(source, arguments.files[1], progress, arguments.dryRun.mode());
   });
-  writeToStandardOutput("Imported " + describeCounts(counts) + ".\n");
+  writeToStandardOutput(arguments.dryRun.tell("Imported", describeCounts(counts)));
   return ExitStatus::Found;
 }
 
@@ -70,16 +72,18 @@ ExitStatus importForeign(const ImportArguments& arguments) {
     options.sources.push_back(inputFile(arguments.files[i]));
   }
   const auto report = withProgressBar("Importing", [&](const StoreProgress& progress) {
-    return importForeignCatalogue(options, arguments.files.back(), progress);
+    return importForeignCatalogue(options, arguments.files.back(), progress,
+                                  arguments.dryRun.mode());
   });
   std::ostringstream text;
-  printImportReport(report, arguments.listsAll, text);
+  printImportReport(report, arguments.listsAll, arguments.dryRun, text);
   writeToStandardOutput(text.str());
   return ExitStatus::Found;
 }
 
 void addOptions(CLI::App& command, ImportArguments& arguments) {
   ImportOptions& options = arguments.options;
+  arguments.dryRun.addTo(command);
   CLI::Option* from = command
                           .add_option("--from", arguments.format,
                                       "The format of the sources, if it is not our own JSON")

@@ -19,21 +19,22 @@ bool isAny(const StoreCounts& counts) {
   return counts.metamodels > 0 || counts.hops > 0;
 }
 
-void printChanges(const CatalogueChanges& changes, std::ostream& out) {
+void printChanges(const CatalogueChanges& changes, const DryRunOption& dryRun, std::ostream& out) {
   if (!isAny(changes.added) && !isAny(changes.removed) && !isAny(changes.changed)) {
-    out << "Nothing has changed.\n";
+    out << (dryRun.isGiven ? "Nothing would have changed.\n" : "Nothing has changed.\n");
     return;
   }
-  if (isAny(changes.added)) out << "Added " << describeCounts(changes.added) << ".\n";
-  if (isAny(changes.removed)) out << "Removed " << describeCounts(changes.removed) << ".\n";
-  if (isAny(changes.changed)) out << "Changed " << describeCounts(changes.changed) << ".\n";
+  if (isAny(changes.added)) out << dryRun.tell("Added", describeCounts(changes.added));
+  if (isAny(changes.removed)) out << dryRun.tell("Removed", describeCounts(changes.removed));
+  if (isAny(changes.changed)) out << dryRun.tell("Changed", describeCounts(changes.changed));
 }
 
 }  // namespace
 
-void printImportReport(const ImportReport& report, bool listsAll, std::ostream& out) {
-  out << "Imported " << describeCounts(report.counts) << ".\n";
-  if (report.isUpdate) printChanges(report.changes, out);
+void printImportReport(const ImportReport& report, bool listsAll, const DryRunOption& dryRun,
+                       std::ostream& out) {
+  out << dryRun.tell("Imported", describeCounts(report.counts));
+  if (report.isUpdate) printChanges(report.changes, dryRun, out);
   if (report.unordered > 0) {
     out << report.unordered << (report.unordered == 1 ? " version has" : " versions have")
         << " no place among the semantic versions; hops to them count as backward.\n";

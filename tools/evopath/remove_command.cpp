@@ -8,6 +8,7 @@
 #include "catalogue/text/display_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
+#include "dry_run_option.hpp"
 #include "file_arguments.hpp"
 #include "known_versions.hpp"
 #include "progress_bar.hpp"
@@ -21,15 +22,19 @@ using namespace tarn::evolution::catalogue;
 
 namespace {
 
+constexpr const char* hopTypeName = "NAME=FROM..TO";
+
 struct RemoveOptions {
   std::filesystem::path store;
   std::vector<std::string> choices;
+  std::vector<std::string> hops;
+  DryRunOption dryRun;
 };
 
 RemovalChoice parseChoice(const std::string& argument) {
   const std::size_t separator = argument.find('=');
   try {
-    RemovalChoice choice{parseName(argument.substr(0, separator)), std::nullopt};
+    RemovalChoice choice{parseName(argument.substr(0, separator)), std::nullopt, std::nullopt};
     if (separator != std::string::npos) {
       choice.version = parseVersion(argument.substr(separator + 1));
     }
@@ -39,12 +44,28 @@ RemovalChoice parseChoice(const std::string& argument) {
   }
 }
 
+RemovalChoice parseHop(const std::string& argument) {
+  const std::size_t separator = argument.find('=');
+  const std::size_t dots = argument.find("..", separator == std::string::npos ? 0 : separator);
+  try {
+    if (separator == std::string::npos || dots == std::string::npos) {
+      throw std::invalid_argument(std::string("must be ") + hopTypeName);
+    }
+    return {parseName(argument.substr(0, separator)),
+            parseVersion(argument.substr(separator + 1, dots - separator - 1)),
+            parseVersion(argument.substr(dots + 2))};
+  } catch (const std::invalid_argument& error) {
+    throw std::invalid_argument("--hop " + argument + ": " + error.what());
+  }
+}
+
 /// That the store holds what is to be removed.
 void expectHeld(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices) {
   SqliteCatalogueRepository repository(store);
-  for (const auto& [name, version] : choices) {
+  for (const auto& [name, version, to] : choices) {
     if (version) {
       expectKnown(repository, Selection{{name, *version}});
+      if (to) expectKnown(repository, Selection{{name, *to}});
     } else {
       expectKnown(repository, std::vector{name});
     }
@@ -64,15 +85,17 @@ void printObstacles(const RemovalResult& result, std::ostream& out) {
 ExitStatus runRemove(const RemoveOptions& options) {
   std::vector<RemovalChoice> choices;
   for (const std::string& argument : options.choices) choices.push_back(parseChoice(argument));
+  for (const std::string& argument : options.hops) choices.push_back(parseHop(argument));
+  if (choices.empty()) throw CLI::RequiredError("choices or --hop");
   expectHeld(options.store, choices);
   const RemovalResult result = withProgressBar("Removing", [&](const StoreProgress& progress) {
-    return removeFromStore(options.store, choices, progress);
+    return removeFromStore(options.store, choices, progress, options.dryRun.mode());
   });
   if (result.obstacleCount > 0) {
     printObstacles(result, std::cerr);
     return ExitStatus::BadInput;
   }
-  writeToStandardOutput("Removed " + describeCounts(result.removed) + ".\n");
+  writeToStandardOutput(options.dryRun.tell("Removed", describeCounts(result.removed)));
   return ExitStatus::Found;
 }
 
@@ -80,13 +103,16 @@ ExitStatus runRemove(const RemoveOptions& options) {
 
 void addRemoveCommand(CLI::App& program, Action& action) {
   const auto options = std::make_shared<RemoveOptions>();
-  CLI::App* command = program.add_subcommand("remove", "Remove metamodels from a store");
+  CLI::App* command = program.add_subcommand("remove", "Remove metamodels and hops from a store");
   addStoreArgument(*command, options->store);
   command
       ->add_option("choices", options->choices,
                    "What to remove: one version of a metamodel, or all of them")
-      ->type_name(nameOrVersionTypeName)
-      ->required();
+      ->type_name(nameOrVersionTypeName);
+  command->add_option("--hop", options->hops, "Remove a hop; may be given several times")
+      ->type_name(hopTypeName)
+      ->allow_extra_args(false);
+  options->dryRun.addTo(*command);
   command->footer(
       "The hops from and to what is removed go with it. Nothing is removed when a version that\n"
       "stays depends on what would go and on nothing that stays in its place: name the dependents\n"

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/picture/dependants.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
@@ -24,6 +25,7 @@ struct ShowOptions {
   std::vector<std::string> at;
   std::uint64_t baselines = 1000;
   PreferenceOption preference;
+  bool neededBy = false;
   bool json = false;
   OutputOption output;
 };
@@ -80,12 +82,36 @@ void showDetails(const ShowOptions& options, catalogue::BrowsableRepository& rep
   }
 }
 
+void showDependants(const ShowOptions& options, catalogue::BrowsableRepository& repository,
+                    std::ostream& out) {
+  std::vector<catalogue::Dependants> all;
+  for (const std::string& argument : options.names) {
+    if (argument.find('=') == std::string::npos) {
+      const std::vector names{catalogue::parseName(argument)};
+      expectKnown(repository, names);
+      all.push_back(catalogue::findDependants(repository, names.front()));
+    } else {
+      const auto selection = parseSelection("show", {argument});
+      expectKnown(repository, selection);
+      const auto& [name, version] = *selection.begin();
+      all.push_back(catalogue::findDependants(repository, name, version));
+    }
+  }
+  if (options.json) {
+    catalogue::writeDependantsJson(all, out);
+  } else {
+    catalogue::writeDependantsText(all, options.output.colouring(), out);
+  }
+}
+
 ExitStatus runShow(const ShowOptions& options) {
   const auto repository = catalogue::openCatalogue(options.catalogue);
   std::ostringstream text;
   ExitStatus status = ExitStatus::Found;
   if (!options.at.empty()) {
     status = showBaselines(options, *repository, text);
+  } else if (options.neededBy) {
+    showDependants(options, *repository, text);
   } else if (options.names.empty()) {
     showSummary(options, *repository, text);
   } else {
@@ -109,6 +135,9 @@ void addShowCommand(CLI::App& program, Action& action) {
       ->type_name(selectionTypeName)
       ->delimiter(',')
       ->excludes(names);
+  show->add_flag("--needed-by", options->neededBy,
+                 "Show who depends on the metamodels or versions instead")
+      ->needs(names);
   addNumberOption(*show, "--baselines", options->baselines,
                   "How many baselines --at may show at most");
   options->preference.addTo(*show);

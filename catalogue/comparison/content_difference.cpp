@@ -1,0 +1,151 @@
+#include "catalogue/comparison/content_difference.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "catalogue/model/row_key.hpp"
+#include "catalogue/model/same_rows.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/visible.hpp"
+
+namespace tarn::evolution::catalogue {
+
+using pathfinder::Hop;
+
+namespace {
+
+/// Compares rows by their keys.
+template <class Difference, class Row, class IsSame>
+std::vector<Difference> compare(const std::vector<Row>& former, const std::vector<Row>& present,
+                                const IsSame& isSame) {
+  std::unordered_map<std::u16string, const Row*> left;
+  for (const Row& row : former) left.emplace(keyOf(row), &row);
+  std::vector<Difference> result;
+  std::unordered_set<std::u16string> met;
+  for (const Row& row : present) {
+    const std::u16string key = keyOf(row);
+    if (!met.insert(key).second) continue;
+    const auto found = left.find(key);
+    if (found == left.end()) {
+      result.push_back({std::nullopt, row});
+    } else if (!isSame(*found->second, row)) {
+      result.push_back({*found->second, row});
+    }
+  }
+  for (const Row& row : former) {
+    const std::u16string key = keyOf(row);
+    if (met.insert(key).second) result.push_back({row, std::nullopt});
+  }
+  return result;
+}
+
+template <class Difference>
+std::string kindOf(const Difference& difference, const char* changed) {
+  if (!difference.former) return "added";
+  return difference.present ? changed : "removed";
+}
+
+/// The key of the version that carries one, or else is equivalent to it.
+std::u16string keyMeant(const CatalogueContent& content, const CatalogueIndex& index,
+                        const std::u16string& name, const pathfinder::VersionId& version) {
+  const auto& found = index.metamodelsAt(name, version);
+  if (found.empty()) throw std::invalid_argument(unknownVersion(name, version));
+  for (const auto position : found) {
+    if (content.metamodels[position].descriptor.version == version) return keyOf(name, version);
+  }
+  return keyOf(content.metamodels[found.front()]);
+}
+
+std::string dependenciesText(const CatalogueMetamodel& metamodel) {
+  std::string text;
+  for (const pathfinder::Dependency& dependency : metamodel.descriptor.dependencies) {
+    text += (text.empty() ? "" : ", ") + visible(dependency.name) + " " + visible(dependency.range);
+  }
+  for (const auto& [needed, note] : metamodel.requirements) {
+    text += (text.empty() ? "" : ", ") + visible(needed.name) + " " + visible(needed.range) +
+            " if it is there";
+  }
+  return text.empty() ? "nothing" : text;
+}
+
+std::string equivalentText(const CatalogueMetamodel& metamodel) {
+  return metamodel.equivalent ? visible(*metamodel.equivalent) : "none";
+}
+
+std::string describeChange(const CatalogueMetamodel& former, const CatalogueMetamodel& present) {
+  std::string text;
+  const std::string needs = dependenciesText(present);
+  const std::string before = dependenciesText(former);
+  if (needs != before) text += ", needs " + needs + ", before " + before;
+  if (former.equivalent != present.equivalent) {
+    text += ", semver " + equivalentText(present) + ", before " + equivalentText(former);
+  }
+  return text.empty() ? ", with other notes" : text;
+}
+
+}  // namespace
+
+ContentDifference differenceBetween(const CatalogueContent& former,
+                                    const CatalogueContent& present) {
+  const auto isSameHop = [&](const Hop& left, const Hop& right) {
+    return left.expensive == right.expensive &&
+           former.hopNotes.of(left) == present.hopNotes.of(right);
+  };
+  return {compare<VersionDifference>(former.metamodels, present.metamodels, isSameRow),
+          compare<HopDifference>(former.hops, present.hops, isSameHop)};
+}
+
+std::string describe(const VersionDifference& difference) {
+  const pathfinder::Metamodel& version = difference.any().descriptor;
+  const std::string text = visible(version.name) + " " + visible(version.version);
+  if (difference.former && difference.present) {
+    return text + describeChange(*difference.former, *difference.present);
+  }
+  return text + ", " + kindOf(difference, "");
+}
+
+std::string describe(const HopDifference& difference) {
+  const Hop& hop = difference.any();
+  const bool isOtherWeight = difference.former && difference.present &&
+                             difference.former->expensive != difference.present->expensive;
+  const char* changed = !isOtherWeight  ? "with another note"
+                        : hop.expensive ? "made expensive"
+                                        : "no longer expensive";
+  return "hop of " + visible(hop.name) + " " + visible(hop.from) + " -> " + visible(hop.to) + ", " +
+         kindOf(difference, changed);
+}
+
+CatalogueContent withoutVersions(const CatalogueContent& content, const Selection& withdrawn) {
+  CatalogueContent result = content;
+  const CatalogueIndex all(content.metamodels, {});
+  std::unordered_set<std::u16string> chosen;
+  for (const auto& [name, version] : withdrawn)
+    chosen.insert(keyMeant(content, all, name, version));
+  const auto isWithdrawn = [&](const CatalogueMetamodel& metamodel) {
+    return chosen.contains(keyOf(metamodel));
+  };
+  const auto take = [&](const auto& isTaken) {
+    return std::erase_if(result.metamodels, isTaken) > 0;
+  };
+  std::unordered_set<std::u16string> names;
+  const auto needsNobody = [&](const CatalogueMetamodel& metamodel) {
+    const auto& dependencies = metamodel.descriptor.dependencies;
+    return std::any_of(dependencies.begin(), dependencies.end(),
+                       [&](const auto& each) { return !names.contains(each.name); });
+  };
+  for (bool isGoing = take(isWithdrawn); isGoing; isGoing = take(needsNobody)) {
+    names.clear();
+    for (const auto& metamodel : result.metamodels) names.insert(metamodel.descriptor.name);
+  }
+  const CatalogueIndex left(result.metamodels, {});
+  std::erase_if(result.hops, [&](const Hop& hop) {
+    return left.metamodelsAt(hop.name, hop.from).empty() ||
+           left.metamodelsAt(hop.name, hop.to).empty();
+  });
+  result.question.reset();
+  return result;
+}
+
+}  // namespace tarn::evolution::catalogue

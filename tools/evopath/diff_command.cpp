@@ -1,0 +1,145 @@
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/comparison/comparison_output.hpp"
+#include "catalogue/comparison/heads_to_heads.hpp"
+#include "catalogue/explanation/batch.hpp"
+#include "catalogue/open_catalogue.hpp"
+#include "command.hpp"
+#include "file_arguments.hpp"
+#include "interruption.hpp"
+#include "known_versions.hpp"
+#include "limit_options.hpp"
+#include "output_option.hpp"
+#include "question_file.hpp"
+#include "search_monitor.hpp"
+#include "selection_argument.hpp"
+
+namespace evopath {
+
+using namespace tarn::evolution::catalogue;
+
+namespace {
+
+struct DiffOptions {
+  std::filesystem::path former;
+  std::filesystem::path present;
+  std::vector<std::string> without;
+  std::filesystem::path questions;
+  bool content = false;
+  bool json = false;
+  LimitOptions limits;
+  OutputOption output;
+};
+
+Catalogue withoutVersions(const DiffOptions& options, const Catalogue& former) {
+  const Selection withdrawn = parseSelection("--without", options.without);
+  CatalogueRepository repository(former);
+  expectKnown(repository, withdrawn);
+  return Catalogue(tarn::evolution::catalogue::withoutVersions(former.content(), withdrawn));
+}
+
+std::vector<Question> readQuestions(const std::filesystem::path& file) {
+  std::ifstream in = openQuestions(file);
+  BatchQuestions lines(in, 1, 1);
+  std::vector<Question> questions;
+  while (const auto line = lines.next()) {
+    try {
+      questions.push_back(readQuestion(*line));
+    } catch (const std::invalid_argument& error) {
+      throw std::invalid_argument(file.string() + ": line " + std::to_string(line->line) + ": " +
+                                  error.what());
+    }
+  }
+  return questions;
+}
+
+Comparison compareAttended(const DiffOptions& options, const Catalogue& former,
+                           const Catalogue& present) {
+  const auto questions =
+      options.questions.empty() ? headsToHeads(former, present) : readQuestions(options.questions);
+  tarn::evolution::pathfinder::SearchLimits limits;
+  if (options.limits.bytes) limits.memory = *options.limits.bytes;
+  return searchAttended(limits, SearchMonitor::Task::Search, SearchMonitor::Line::Never,
+                        [&](const auto& attended) {
+                          ComparisonLimits each;
+                          if (options.limits.seconds) {
+                            each.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                std::chrono::duration<double>(*options.limits.seconds));
+                          }
+                          each.memory = attended.memory;
+                          each.stop = attended.stop;
+                          return compare(former, present, questions, each);
+                        });
+}
+
+ExitStatus differenceStatus(const Comparison& comparison) {
+  for (const AnswerDifference& answer : comparison.answers) {
+    if (answer.change == AnswerChange::Open) return ExitStatus::Open;
+  }
+  return comparison.content.isNone() && comparison.answers.empty() ? ExitStatus::Same
+                                                                   : ExitStatus::Different;
+}
+
+ExitStatus runDiff(const DiffOptions& options) {
+  if (options.present.empty() == options.without.empty()) {
+    throw CLI::ValidationError("diff", "takes a second catalogue, or --without");
+  }
+  const Catalogue former = readCatalogue(options.former);
+  const Catalogue present =
+      options.present.empty() ? withoutVersions(options, former) : readCatalogue(options.present);
+  const Comparison comparison = compareAttended(options, former, present);
+  const ContentList list = options.content ? ContentList::Listed : ContentList::Counted;
+  std::ostringstream text;
+  if (options.json) {
+    writeComparisonJson(comparison, list, text);
+  } else {
+    writeComparisonText(comparison, list, options.output.colouring(), text);
+  }
+  options.output.write(text.str());
+  throwIfInterrupted("interrupted; what was compared is written");
+  return differenceStatus(comparison);
+}
+
+}  // namespace
+
+void addDiffCommand(CLI::App& program, Action& action) {
+  const auto options = std::make_shared<DiffOptions>();
+  CLI::App* diff = program.add_subcommand(
+      "diff", "Compare catalogues: which questions lose their path, and through what");
+  addInputArgument(*diff, "catalogue", options->former,
+                   "The former catalogue, a JSON file or a SQLite store; - for JSON on standard "
+                   "input");
+  readsInput(diff->add_option("present", options->present, "The present catalogue, in either form")
+                 ->type_name(fileTypeName));
+  diff->add_option("--without", options->without,
+                   "Compare with the same catalogue without these versions instead")
+      ->type_name(selectionTypeName)
+      ->delimiter(',')
+      ->allow_extra_args(false);
+  readsInput(diff->add_option("--questions", options->questions,
+                              "Ask these, a line each as for batch, instead of heads to heads")
+                 ->type_name(fileTypeName));
+  diff->add_flag("--content", options->content, "List all versions and hops that differ");
+  diff->add_flag("--json", options->json, "Print the comparison as JSON");
+  options->limits.addTo(*diff);
+  options->output.addTo(*diff);
+  diff->footer(
+      "Without --questions, of each metamodel the ways are asked for from where its chains of "
+      "hops\n"
+      "begin to where they end in the former catalogue, and from there to the newest of the "
+      "present\n"
+      "one.\n"
+      "What is named as the reason is enough to change the answer: the path finder was asked.\n"
+      "Limits are those of each question.\n"
+      "Exit status: 0 the catalogues are the same, 1 something differs, 2 bad usage or input, 3 "
+      "limits\n"
+      "left some answers open.\n"
+      "Example: evopath diff data/operators.json --without limitador-operator=0.7.0");
+  diff->callback([options, &action] { action = [options] { return runDiff(*options); }; });
+}
+
+}  // namespace evopath
