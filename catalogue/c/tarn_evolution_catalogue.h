@@ -41,12 +41,12 @@ typedef int32_t tarn_evolution_status;
 
 enum {
   TARN_EVOLUTION_OK = 0,
-  TARN_EVOLUTION_NO_PATH = 1,                /* no error: the question is answered with no */
-  TARN_EVOLUTION_INVALID_ARGUMENT = -1,      /* the caller's argument is none that can be */
-  TARN_EVOLUTION_BAD_CATALOGUE = -2,         /* cannot be read, or is unsound */
-  TARN_EVOLUTION_UNKNOWN_VERSION = -3,       /* a selection names what is not there */
-  TARN_EVOLUTION_CANNOT_BE_LINKED = -4,      /* the answer depends on what cannot be linked */
-  TARN_EVOLUTION_STOPPED = -5,               /* by a stop or by the progress callback */
+  TARN_EVOLUTION_NO_PATH = 1,           /* no error: the question is answered with no */
+  TARN_EVOLUTION_INVALID_ARGUMENT = -1, /* the caller's argument is none that can be */
+  TARN_EVOLUTION_BAD_CATALOGUE = -2,    /* cannot be read, or is unsound */
+  TARN_EVOLUTION_UNKNOWN_VERSION = -3,  /* a selection names what is not there */
+  TARN_EVOLUTION_CANNOT_BE_LINKED = -4, /* the answer depends on what cannot be linked */
+  TARN_EVOLUTION_STOPPED = -5,          /* by a stop or by the progress callback */
   TARN_EVOLUTION_TIMED_OUT = -6,
   TARN_EVOLUTION_MEMORY_USED_UP = -7,        /* the memory that the limits allow */
   TARN_EVOLUTION_TOO_MANY_COMBINATIONS = -8, /* of hops; or of versions, for memory */
@@ -55,7 +55,8 @@ enum {
   TARN_EVOLUTION_OTHER_ERROR = -11           /* such as callbacks that contradict themselves */
 };
 
-/* A name for a status, such as "no path"; "unknown status" for a number that is none. Never freed. */
+/* A name for a status, such as "no path"; "unknown status" for a number that is none. Never freed.
+ */
 TARN_EVOLUTION_API const char* tarn_evolution_status_name(tarn_evolution_status status);
 
 /* Releases a message or text that a function of this header has given away; NULL is fine. */
@@ -72,8 +73,8 @@ typedef struct tarn_evolution_named_version {
   const char* version;
 } tarn_evolution_named_version;
 
-/* The versions from `lower` up to but without `upper`, both semantic; where `upper` is NULL, the one
- * version `lower`, of either kind. */
+/* The versions from `lower` up to but without `upper`, both semantic; where `upper` is NULL, the
+ * one version `lower`, of either kind. */
 typedef struct tarn_evolution_range {
   const char* lower;
   const char* upper;
@@ -115,8 +116,8 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_rows_add_hop(tarn_evolut
  * has linked and the paths that it has found. */
 typedef struct tarn_evolution_catalogue tarn_evolution_catalogue;
 
-/* Opens a catalogue file: a JSON file, read as a whole, or a SQLite store, read on demand and seen as
- * it is at this moment. */
+/* Opens a catalogue file: a JSON file, read as a whole, or a SQLite store, read on demand and seen
+ * as it is at this moment. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_open(const char* file,
                                                              tarn_evolution_catalogue** catalogue,
                                                              char** message);
@@ -128,8 +129,8 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_open_rows(
     const tarn_evolution_rows* rows, tarn_evolution_catalogue** catalogue, char** message);
 
 /* What a host answers that has data of its own. A callback returns zero, or anything else when it
- * fails; then the question fails with TARN_EVOLUTION_CALLBACK_FAILED. Questions from several threads
- * call it from several threads at the same time. It must not ask the same catalogue.
+ * fails; then the question fails with TARN_EVOLUTION_CALLBACK_FAILED. Questions from several
+ * threads call it from several threads at the same time. It must not ask the same catalogue.
  *
  * Rows are added with the functions above, for the name asked for; the catalogue must be as sound
  * as `tarn_evolution_open_rows` says. Rows beyond what was asked for are passed over, so that a
@@ -143,7 +144,8 @@ typedef struct tarn_evolution_callbacks {
   int32_t (*find_metamodels)(void* data, const char* name, const tarn_evolution_range* ranges,
                              size_t range_count, tarn_evolution_rows* rows);
 
-  /* Adds the hops of a name that lead away from version `from`; all of the name where it is NULL. */
+  /* Adds the hops of a name that lead away from version `from`; all of the name where it is NULL.
+   */
   int32_t (*find_hops)(void* data, const char* name, const char* from, tarn_evolution_rows* rows);
 
   /* Calls `add` with `names` for each name of a metamodel. May be NULL: then explanations suggest
@@ -179,17 +181,18 @@ TARN_EVOLUTION_API void tarn_evolution_stop_request(tarn_evolution_stop* stop);
 /* Questions that were asked with it may still run: they are then not stopped any more. */
 TARN_EVOLUTION_API void tarn_evolution_stop_free(tarn_evolution_stop* stop);
 
-/* How far a search has come. A search goes on to the next stage when the work is too much for one. */
+/* How far a search has come. A search goes on to the next stage when the work is too much for one.
+ */
 typedef struct tarn_evolution_progress {
   size_t size;
-  int32_t stage;        /* 0 preparing, 1 exhaustive, 2 goal-directed, 3 learning */
-  int32_t is_found;     /* whether a plan is known, of which it is open whether it is the best */
-  uint64_t least_found; /* its weight */
+  int32_t stage;         /* 0 preparing, 1 exhaustive, 2 goal-directed, 3 learning */
+  int32_t is_found;      /* whether a plan is known, of which it is open whether it is the best */
+  uint64_t least_found;  /* its weight */
   uint64_t least_proven; /* no path weighs less */
 } tarn_evolution_progress;
 
-/* What a question may take. Limits are looked at wherever the library itself computes, at least every
- * 50 ms on a machine that is not overloaded; while a callback runs, nobody looks. */
+/* What a question may take. Limits are looked at wherever the library itself computes, at least
+ * every 50 ms on a machine that is not overloaded; while a callback runs, nobody looks. */
 typedef struct tarn_evolution_limits {
   size_t size;                     /* sizeof(tarn_evolution_limits) */
   int64_t timeout_ms;              /* from the call on; negative: none */
@@ -219,27 +222,23 @@ enum {
   TARN_EVOLUTION_MERMAID = 5
 };
 
-enum {
-  TARN_EVOLUTION_FORWARD = 0,
-  TARN_EVOLUTION_BACKWARD = 1,
-  TARN_EVOLUTION_ANY_DIRECTION = 2
-};
+enum { TARN_EVOLUTION_FORWARD = 0, TARN_EVOLUTION_BACKWARD = 1, TARN_EVOLUTION_ANY_DIRECTION = 2 };
 
-/* Steps: a path, whose steps follow one another, or those that can be taken next, of which each is an
- * alternative. Never changes, and does not need the catalogue any more. */
+/* Steps: a path, whose steps follow one another, or those that can be taken next, of which each is
+ * an alternative. Never changes, and does not need the catalogue any more. */
 typedef struct tarn_evolution_steps tarn_evolution_steps;
 
 /* The path of least weight from one selection to another: TARN_EVOLUTION_OK, or
- * TARN_EVOLUTION_NO_PATH with `*path` NULL. Without steps where there is nothing to do. `limits` may
- * be NULL. */
+ * TARN_EVOLUTION_NO_PATH with `*path` NULL. Without steps where there is nothing to do. `limits`
+ * may be NULL. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_path(
-    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from, size_t from_count,
-    const tarn_evolution_named_version* to, size_t to_count, const tarn_evolution_limits* limits,
-    tarn_evolution_steps** path, char** message);
+    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
+    size_t from_count, const tarn_evolution_named_version* to, size_t to_count,
+    const tarn_evolution_limits* limits, tarn_evolution_steps** path, char** message);
 
-/* Every step that leaves the selection in a direction; TARN_EVOLUTION_NO_PATH where the selection is
- * not consistent. Fails before the first is tried when there are more than `most` combinations of
- * hops: each metamodel that can move doubles their number or more. */
+/* Every step that leaves the selection in a direction; TARN_EVOLUTION_NO_PATH where the selection
+ * is not consistent. Fails before the first is tried when there are more than `most` combinations
+ * of hops: each metamodel that can move doubles their number or more. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_steps(
     tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* at, size_t at_count,
     int32_t direction, uint64_t most, tarn_evolution_steps** steps, char** message);
@@ -251,16 +250,16 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_steps(
  * The JSON is {"kind", ...}, where the kind is "path", "unknown", "inconsistent", "missing-chain",
  * "against-direction", "never-together" or "path-beside-unlinkable". */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_explain(
-    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from, size_t from_count,
-    const tarn_evolution_named_version* to, size_t to_count, uint64_t budget,
+    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
+    size_t from_count, const tarn_evolution_named_version* to, size_t to_count, uint64_t budget,
     const tarn_evolution_limits* limits, tarn_evolution_format format, char** explanation,
     char** message);
 
 enum { TARN_EVOLUTION_NOTE = 0, TARN_EVOLUTION_WARNING = 1, TARN_EVOLUTION_ERROR = 2 };
 
-/* All that is wrong with a catalogue file, sound or not, as JSON: {"catalogue", "errors", "warnings",
- * "notes", "findings": [{"code", "severity", "place", "message", "related"}]}. What is less severe
- * than `least` is only counted. Fails only where the file cannot be opened. */
+/* All that is wrong with a catalogue file, sound or not, as JSON: {"catalogue", "errors",
+ * "warnings", "notes", "findings": [{"code", "severity", "place", "message", "related"}]}. What is
+ * less severe than `least` is only counted. Fails only where the file cannot be opened. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_check(const char* file, int32_t least,
                                                               char** findings, char** message);
 
@@ -287,11 +286,11 @@ TARN_EVOLUTION_API const tarn_evolution_named_version* tarn_evolution_step_broug
 /* The steps as a text, to be released with `tarn_evolution_free`. A path as JSON is the plan that
  * `evopath path --json` prints: {"form": 1, "found": true, "question", "weight", "start", "end",
  * "steps": [{"weight", "hops": [{"name", "from", "to", "expensive"}], "broughtIn": [{"name",
- * "version"}], "ties", "bundles"}]}, described by data/plan.schema.json of the sources. Alternatives:
+ * "version"}], "ties", "bundles"}]}, described by data/plan.schema.json of the sources.
+ * Alternatives:
  * {"baselines": [{"metamodels": {name: version}, "steps": [{"weight", "hops", "broughtIn"}]}]}. */
-TARN_EVOLUTION_API tarn_evolution_status
-tarn_evolution_steps_render(const tarn_evolution_steps* steps, tarn_evolution_format format,
-                            char** text, char** message);
+TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_steps_render(
+    const tarn_evolution_steps* steps, tarn_evolution_format format, char** text, char** message);
 
 #ifdef __cplusplus
 }

@@ -43,8 +43,9 @@ TARN_EVOLUTION_CATALOGUE_EXPORT void writeDependantsText(const std::vector<Depen
                                                          Colouring colouring, std::ostream& out);
 
 /// {"metamodels": [{"name", "version", "neededBy": [{"name", "version", "needs": {"name", "range"},
-/// "optional", "candidates", "only"}]}]}; the first "version" only where one was asked for, "candidates" being
-/// their number, "only" the one candidate where there is one alone, and "optional" true where it is.
+/// "optional", "candidates", "only"}]}]}; the first "version" only where one was asked for,
+/// "candidates" being their number, "only" the one candidate where there is one alone, and
+/// "optional" true where it is.
 TARN_EVOLUTION_CATALOGUE_EXPORT void writeDependantsJson(const std::vector<Dependants>& all,
                                                          std::ostream& out);
 
