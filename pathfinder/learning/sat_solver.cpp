@@ -1,6 +1,7 @@
 #include "pathfinder/learning/sat_solver.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cadical.hpp>
 #include <optional>
 #include <random>
@@ -24,18 +25,40 @@ constexpr std::size_t clausesBetweenLooks = 4096;  // at the limits of the searc
 class SatSolver::Backend : public CaDiCaL::Terminator {
  public:
   Backend() {
-    solver.set("quiet", 1);
-    if (watch_ != nullptr) solver.connect_terminator(this);
+    solver_.set("quiet", 1);
+    if (watch_ != nullptr) solver_.connect_terminator(this);
     if (const auto seed = RandomChoices::seed()) {
       random_.emplace(*seed);
-      solver.set("seed", static_cast<int>(*seed % 1'000'000));
+      solver_.set("seed", static_cast<int>(*seed % 1'000'000));
     }
+  }
+
+  /// Ends a backend. One that has run out of memory may not be destroyed: CaDiCaL would release
+  /// what it never got. It is kept for good, where leaks are not looked for.
+  static void end(std::unique_ptr<Backend> backend) {
+    if (!backend->isBroken_) return;
+    static std::atomic<Backend*> abandoned = nullptr;
+    backend->next_ = abandoned.load();
+    while (!abandoned.compare_exchange_weak(backend->next_, backend.get())) continue;
+    backend.release();  // NOLINT(bugprone-unused-return-value)
   }
 
   bool terminate() override { return watch_->isOver(); }
 
+  /// Has the solver do something.
+  template <class Act>
+  auto use(const Act& act) {
+    try {
+      return act(solver_);
+    } catch (...) {
+      isBroken_ = true;
+      throw;
+    }
+  }
+
   void meet(int variable) {
-    if (random_) solver.phase((*random_)() % 2 == 0 ? variable : -variable);
+    if (!random_) return;
+    use([&](auto& solver) { solver.phase((*random_)() % 2 == 0 ? variable : -variable); });
   }
 
   void add(std::span<const Literal> clause) {
@@ -50,17 +73,20 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
     if (random_) std::shuffle(waiting_.begin(), waiting_.end(), *random_);
     for (const std::vector<Literal>& clause : waiting_) addAtOnce(clause);
     waiting_.clear();
-    return solver.solve();
+    return use([](auto& solver) { return solver.solve(); });
   }
-
-  CaDiCaL::Solver solver;
 
  private:
   void addAtOnce(std::span<const Literal> clause) {
-    for (const Literal literal : clause) solver.add(literal);
-    solver.add(0);
+    use([&](auto& solver) {
+      for (const Literal literal : clause) solver.add(literal);
+      solver.add(0);
+    });
   }
 
+  CaDiCaL::Solver solver_;
+  bool isBroken_ = false;
+  Backend* next_ = nullptr;  // of those that are kept
   SearchWatch* const watch_ = SearchWatch::current();
   std::optional<std::mt19937_64> random_;      // for choices at random ...
   std::vector<std::vector<Literal>> waiting_;  // ... with the clauses since the last question
@@ -68,7 +94,9 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
 
 SatSolver::SatSolver() : backend_(std::make_unique<Backend>()) {}
 
-SatSolver::~SatSolver() = default;
+SatSolver::~SatSolver() {
+  Backend::end(std::move(backend_));
+}
 
 Literal SatSolver::newVariable() {
   backend_->meet(++variables_);
@@ -110,19 +138,23 @@ bool SatSolver::solve(std::span<const Literal> assumptions) {
 }
 
 bool SatSolver::solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions) {
-  for (const Literal literal : clause) backend_->solver.constrain(literal);
-  backend_->solver.constrain(0);
+  backend_->use([&](auto& solver) {
+    for (const Literal literal : clause) solver.constrain(literal);
+    solver.constrain(0);
+  });
   return ask(assumptions) == satisfiable;
 }
 
 bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
-  backend_->solver.limit("conflicts", conflicts);
+  backend_->use([&](auto& solver) { solver.limit("conflicts", conflicts); });
   return ask(assumptions) == unsatisfiable;
 }
 
 int SatSolver::ask(std::span<const Literal> assumptions) {
   watch();
-  for (const Literal literal : assumptions) backend_->solver.assume(literal);
+  backend_->use([&](auto& solver) {
+    for (const Literal literal : assumptions) solver.assume(literal);
+  });
   const int answer = backend_->solve();
   if (answer != satisfiable && answer != unsatisfiable) checkpoint();
   return answer;
@@ -134,19 +166,20 @@ void SatSolver::watch() const {
 }
 
 bool SatSolver::isTrue(Literal literal) const {
-  return backend_->solver.val(literal) > 0;
+  return backend_->use([&](auto& solver) { return solver.val(literal) > 0; });
 }
 
 bool SatSolver::hasFailed(Literal assumption) const {
-  return backend_->solver.failed(assumption);
+  return backend_->use([&](auto& solver) { return solver.failed(assumption); });
 }
 
 std::size_t SatSolver::bytes() const {
   constexpr std::size_t bytesOfVariable = 200;
   constexpr std::size_t bytesOfLiteral = 24;  // in a clause and the lists that watch it
   constexpr std::size_t bytesOfLearntClause = 250;
+  const auto learnt = backend_->use([](auto& solver) { return solver.redundant(); });
   return static_cast<std::size_t>(variables_) * bytesOfVariable + literals_ * bytesOfLiteral +
-         static_cast<std::size_t>(backend_->solver.redundant()) * bytesOfLearntClause;
+         static_cast<std::size_t>(learnt) * bytesOfLearntClause;
 }
 
 }  // namespace tarn::evolution::pathfinder
