@@ -1,7 +1,6 @@
 #include "pathfinder/learning/sat_solver.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <cadical.hpp>
 #include <optional>
 #include <random>
@@ -33,14 +32,10 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
     }
   }
 
-  /// Ends a backend. One that has run out of memory may not be destroyed: CaDiCaL would release
-  /// what it never got. It is kept for good, where leaks are not looked for.
+  /// Ends a backend. One that has run out of memory is left as it is: CaDiCaL would release what it
+  /// never got.
   static void end(std::unique_ptr<Backend> backend) {
-    if (!backend->isBroken_) return;
-    static std::atomic<Backend*> abandoned = nullptr;
-    backend->next_ = abandoned.load();
-    while (!abandoned.compare_exchange_weak(backend->next_, backend.get())) continue;
-    backend.release();  // NOLINT(bugprone-unused-return-value)
+    if (backend->isBroken_) backend.release();  // NOLINT(bugprone-unused-return-value)
   }
 
   bool terminate() override { return watch_->isOver(); }
@@ -86,7 +81,6 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
 
   CaDiCaL::Solver solver_;
   bool isBroken_ = false;
-  Backend* next_ = nullptr;  // of those that are kept
   SearchWatch* const watch_ = SearchWatch::current();
   std::optional<std::mt19937_64> random_;      // for choices at random ...
   std::vector<std::vector<Literal>> waiting_;  // ... with the clauses since the last question

@@ -86,3 +86,9 @@ void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
 void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
   std::free(memory);
 }
+
+/// What the solver held when it ran out of memory is never released (see `SatSolver`).
+// NOLINTNEXTLINE(bugprone-reserved-identifier): a name of the leak checker's
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:CaDiCaL::\nleak:SatSolver::\n";
+}
