@@ -18,6 +18,7 @@ void addAddCommand(CLI::App& program, Action& action);
 void addBatchCommand(CLI::App& program, Action& action);
 void addCheckCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
+void addExploreCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
 void addGraphCommand(CLI::App& program, Action& action);
 void addImportCommand(CLI::App& program, Action& action);

@@ -30,8 +30,8 @@ void addCommands(CLI::App& program, Action& action) {
       "Example: evopath path data/operators.json --question");
   for (const AddCommand addCommand :
        {addPathCommand, addBatchCommand, addExplainCommand, addStepsCommand, addShowCommand,
-        addGraphCommand, addCheckCommand, addImportCommand, addExportCommand, addAddCommand,
-        addRemoveCommand, addWordsCommand}) {
+        addGraphCommand, addExploreCommand, addCheckCommand, addImportCommand, addExportCommand,
+        addAddCommand, addRemoveCommand, addWordsCommand}) {
     addCommand(program, action);
   }
 }
