@@ -30,6 +30,7 @@ COMPLETIONS = [
     ("evopath path x.json --from @data/op", ["@data/operators.json"]),
     ("evopath path x.json --from a=1,@data/op", ["a=1,@data/operators.json"]),
     ("evopath check data/op", ["data/operators.json"]),
+    ("evopath explore data/operators.json --questions data/q", ["data/questions.jsonl"]),
     ("evopath check --severity w", ["warning"]),
     ("evopath add s.store data/op", ["data/operators.json"]),
     ("evopath import --from o", ["operators"]),

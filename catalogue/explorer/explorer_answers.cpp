@@ -23,7 +23,7 @@ std::optional<Question> questionIn(const std::string& line) {
 struct Inquired {
   CustomaryQuestion customary;
   std::optional<ExplorerAnswer> first;    // about the newest version
-  std::optional<ExplorerAnswer> settled;  // not that there is no path
+  std::optional<ExplorerAnswer> settled;  // a path, or a limit, beyond which no more is asked
 };
 
 Question ask(const CustomaryQuestion& customary, std::size_t target) {
@@ -58,7 +58,8 @@ bool askForTarget(BrowsableRepository& repository, std::size_t target,
   for (std::size_t i = 0; i < answered.answers.size(); ++i) {
     ExplorerAnswer& answer = answered.answers[i];
     const auto told = nlohmann::json::parse(answer.answer);
-    auto& place = told.value("found", true) ? asked[i]->settled : asked[i]->first;
+    const bool isSettled = told.contains("open") || told.value("found", false);
+    auto& place = isSettled ? asked[i]->settled : asked[i]->first;
     if (!place) place = std::move(answer);
   }
   return !questions.empty();

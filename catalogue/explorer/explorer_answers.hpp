@@ -39,8 +39,8 @@ inline constexpr std::size_t mostCustomaryTargets = 8;
 /// Answers what people ask first: the catalogue's own question, and for each metamodel the way from
 /// the oldest version that a hop leads up from to the newest one that can be reached. For that, the
 /// newest versions that hops lead to are asked for one after the other, up to
-/// `mostCustomaryTargets`; where none can be reached, that there is no path to the newest one is
-/// the answer. Metamodels without hops up are not asked about.
+/// `mostCustomaryTargets`, until there is a path or a limit ends the search; where neither comes,
+/// the answer is that about the newest one. Metamodels without hops up are not asked about.
 TARN_EVOLUTION_CATALOGUE_EXPORT ExplorerAnswers
 answerCustomaryQuestions(BrowsableRepository& repository, const BatchLimits& limits,
                          std::size_t mostBytes = mostCustomaryBytes);

@@ -13,7 +13,8 @@ import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
 ROOMS = {"catalogue": [
-    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "explorer", "conditions", "beside", "c"]}
+    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "explorer", "conditions", "beside",
+    "c"]}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 
 

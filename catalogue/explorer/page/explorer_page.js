@@ -150,6 +150,16 @@
     });
     id("matches").textContent = shown === items.length ? "" : `${shown} of ${items.length} shown`;
     settle(id("names"));
+    filterQuestions(items);
+  }
+
+  /** Shows the questions about metamodels that are shown. */
+  function filterQuestions(names) {
+    [...id("questions").children].forEach((each, i) => {
+      const { from, to } = rows.questions[i];
+      each.hidden = from && to && [...from, ...to].every(([name]) => names[name].hidden);
+    });
+    settle(id("questions"));
   }
 
   const newestOf = (name) => rows.versions[name].length - 1;
@@ -275,7 +285,7 @@
     const paragraph = (shown) => element("p", { textContent: shown });
     if (number === undefined) return [paragraph("This page does not know. Ask on the command line:")];
     const { answer } = rows.questions[number];
-    if (answer.error !== undefined) return [paragraph(`Cannot be asked: ${visible(answer.error)}`)];
+    if (answer.error !== undefined) return [paragraph(`No answer: ${visible(answer.error)}`)];
     if (answer.open !== undefined) {
       const limit = answer.open === "time" ? "time" : "memory";
       return [paragraph(`Not known within the limit of ${limit}; no path weighs less than ${weightText(answer.leastProven)}.`)];
@@ -374,7 +384,7 @@
   }
 
   function outcome(answer) {
-    if (answer.error !== undefined) return quiet("cannot be asked");
+    if (answer.error !== undefined) return quiet("no answer");
     if (answer.open !== undefined) return quiet("not known within the limits");
     return quiet(answer.found ? counted(answer.steps.length, "step") : "no path");
   }
