@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 #include <sstream>
 
@@ -11,7 +13,7 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/explorer/explorer_answers.hpp"
 #include "catalogue/explorer/explorer_html.hpp"
-#include "catalogue/utf16.hpp"
+#include "catalogue/range_union.hpp"
 #include "platform/text.hpp"
 #include "support/evopath_program.hpp"
 #include "support/random_question.hpp"
@@ -58,9 +60,35 @@ json explore(BrowsableRepository& repository, const ExplorerAnswers& answers,
 const std::u16string hostileParts[] = {u"",        u"</script><b>",    u"<!--<script>",  u"\u2028",
                                        u"a,b='\"", u"\u202E\n\t&amp;", u"日本\U0001F600"};
 
-/// What a random catalogue holds, with names and notes that pages may stumble over, and text
-/// versions that read as pre-releases.
+/// A text version without an equivalent becomes a pre-release, in this or that catalogue.
+void makePrereleases(CatalogueContent& content) {
+  std::set<std::pair<std::u16string, std::u16string>> texts;
+  for (const auto& [descriptor, equivalent, note, notes] : content.metamodels) {
+    if (!descriptor.version.isSemVer() && !equivalent)
+      texts.emplace(descriptor.name, descriptor.version.getText());
+  }
+  const auto renamed = [&](const std::u16string& name, const std::u16string& text) {
+    return texts.contains({name, text}) ? text.substr(text.size() - 1) + u".0.0-rc.1" : text;
+  };
+  const auto rename = [&](const std::u16string& name, VersionId& version) {
+    if (!version.isSemVer()) version = renamed(name, version.getText());
+  };
+  for (CatalogueMetamodel& metamodel : content.metamodels) {
+    rename(metamodel.descriptor.name, metamodel.descriptor.version);
+    for (auto& [name, range] : metamodel.descriptor.dependencies) {
+      if (!range.isSemVerRange()) range = renamed(name, range.getText());
+    }
+  }
+  for (Hop& hop : content.hops) {
+    rename(hop.name, hop.from);
+    rename(hop.name, hop.to);
+  }
+}
+
+/// What a random catalogue holds, with unions, names and notes that pages may stumble over, and
+/// pre-releases.
 CatalogueContent hostile(CatalogueContent content, Random& random) {
+  if (random.chance(50)) makePrereleases(content);
   std::map<std::u16string, std::u16string> names;
   const auto rename = [&](std::u16string& name) {
     const auto [entry, isNew] = names.try_emplace(name, name);
@@ -72,6 +100,7 @@ CatalogueContent hostile(CatalogueContent content, Random& random) {
     if (random.chance(20)) metamodel.note = random.oneOf(hostileParts);
     for (auto& dependency : metamodel.descriptor.dependencies) {
       rename(dependency.name);
+      if (random.chance(20)) dependency.range = unionOf({dependency.range, between(2, 3)});
       metamodel.dependencyNotes.push_back(random.chance(20) ? random.oneOf(hostileParts) : u"");
     }
   }
@@ -171,9 +200,12 @@ TEST(Explorer, HoldsAllRowsOfRandomCatalogues) {
     }
     EXPECT_EQ(notes, notesOf(*repository));
     run.count("notes", !notes.empty());
+    run.count("pre-releases", rows["versions"].dump().find("-rc.1") != std::string::npos);
+    run.count("unions", rows["ranges"].dump().find(" or ") != std::string::npos);
     run.count("texts that stand for others", !rows["semver"].empty());
   });
-  run.expectPercentages({{"notes", 10}, {"texts that stand for others", 5}});
+  run.expectPercentages(
+      {{"notes", 10}, {"pre-releases", 2}, {"unions", 5}, {"texts that stand for others", 5}});
 }
 
 /// For each metamodel with hops up the newest version that the path finder reaches from the oldest

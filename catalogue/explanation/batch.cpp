@@ -51,6 +51,7 @@ class BatchAsker {
   template <class WriteFields>
   static std::string lineOf(const BatchQuestion& asked, const WriteFields& writeFields) {
     std::ostringstream out;
+    out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
     JsonPrinter printer(out, JsonPrinter::Layout::Line);
     printer.object([&] {
       printer.field("line", asked.line);

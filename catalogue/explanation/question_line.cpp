@@ -67,6 +67,7 @@ Question readQuestionLine(const std::string& text) {
 
 std::string lineOfQuestion(const Question& question) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   JsonPrinter printer(out, JsonPrinter::Layout::Line);
   printer.object([&] {
     writeSide(printer, "from", question.from);

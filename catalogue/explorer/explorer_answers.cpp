@@ -1,7 +1,7 @@
 #include "catalogue/explorer/explorer_answers.hpp"
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "catalogue/explanation/question_line.hpp"
@@ -17,6 +17,16 @@ std::optional<Question> questionIn(const std::string& line) {
   } catch (const std::invalid_argument&) {
     return std::nullopt;  // the answer tells why
   }
+}
+
+enum class Outcome { Found, Absent, Open, Failed };
+
+/// What the third field of an answer says; "line" and "form" come before.
+Outcome outcomeOf(std::string_view answer) {
+  for (int field = 0; field < 2; ++field) answer.remove_prefix(answer.find(',') + 1);
+  if (answer.starts_with("\"found\":true")) return Outcome::Found;
+  if (answer.starts_with("\"found\":false")) return Outcome::Absent;
+  return answer.starts_with("\"open\"") ? Outcome::Open : Outcome::Failed;
 }
 
 /// A metamodel's customary question, for which answers are tried until one holds.
@@ -57,8 +67,8 @@ bool askForTarget(BrowsableRepository& repository, std::size_t target,
   auto answered = answerAll(repository, questions, limits);
   for (std::size_t i = 0; i < answered.answers.size(); ++i) {
     ExplorerAnswer& answer = answered.answers[i];
-    const auto told = nlohmann::json::parse(answer.answer);
-    const bool isSettled = told.contains("open") || told.value("found", false);
+    const Outcome outcome = outcomeOf(answer.answer);
+    const bool isSettled = outcome == Outcome::Found || outcome == Outcome::Open;
     auto& place = isSettled ? asked[i]->settled : asked[i]->first;
     if (!place) place = std::move(answer);
   }
@@ -66,13 +76,19 @@ bool askForTarget(BrowsableRepository& repository, std::size_t target,
 }
 
 void count(const std::string& answer, BatchCounts& counts) {
-  const auto told = nlohmann::json::parse(answer);
-  if (told.contains("error")) {
-    ++counts.failed;
-  } else if (told.contains("open")) {
-    ++counts.open;
-  } else {
-    ++(told.at("found").get<bool>() ? counts.found : counts.absent);
+  switch (outcomeOf(answer)) {
+    case Outcome::Found:
+      ++counts.found;
+      break;
+    case Outcome::Absent:
+      ++counts.absent;
+      break;
+    case Outcome::Open:
+      ++counts.open;
+      break;
+    case Outcome::Failed:
+      ++counts.failed;
+      break;
   }
 }
 

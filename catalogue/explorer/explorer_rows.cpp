@@ -258,6 +258,7 @@ class RowsWriter {
 void writeExplorerRows(BrowsableRepository& repository, const std::string& catalogue,
                        const ExplorerAnswers& answers, std::ostream& out) {
   std::ostringstream rows;
+  rows.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   RowsWriter(repository, catalogue, answers, rows).write();
   out << escapeForScript(std::move(rows).str());
 }

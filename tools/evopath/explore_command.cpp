@@ -58,6 +58,7 @@ ExitStatus runExplore(const ExploreOptions& options) {
   const ExplorerAnswers answers = answer(options, *repository);
   throwIfInterrupted("interrupted; no page was written");
   std::ostringstream page;
+  page.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   writeExplorerHtml(*repository, nameOf(options.catalogue), answers, page);
   options.output.write(page.str());
   return options.questions.empty() ? ExitStatus::Found : tellCounts(answers.counts);
