@@ -82,7 +82,7 @@ for (const scheme of ["light", "dark"]) {
     await page.press("End");
     assert.equal(await textOf(page, "#version-name"), "dns-operator 0.1.0");
     await page.press("f", "f");
-    assert.match(await textOf(page, "#answer > p"), /^2 steps, weight 4$/);
+    assert.match(await textOf(page, "#verdict"), /^2 steps, weight 4$/);
     assert.deepEqual(await textsOf(page, "#answer ol ul li"),
                      ["dns-operator 0.1.0 → 0.2.0", "dns-operator 0.2.0 → 0.6.0"]);
     assert.match(await runCommand(page), /2 steps, weight 4\n$/);
@@ -121,11 +121,11 @@ for (const scheme of ["light", "dark"]) {
 test("by pointer: links, picks, questions, and the command of what is not answered", async () => {
   const page = await open(explore(operators), "light");
   await page.click("#questions button");
-  assert.equal(await textOf(page, "#answer > p"), "9 steps, weight 27");
+  assert.equal(await textOf(page, "#verdict"), "9 steps, weight 27");
   assert.equal((await textsOf(page, "#answer ol > li")).length, 9);
   assert.match((await textsOf(page, "#from li"))[0], /^authorino-operator 0\.9\.0/);
   await page.click("#to li:first-child button:last-child");
-  assert.match(await textOf(page, "#answer"), /does not know/);
+  assert.match(await textOf(page, "#verdict"), /does not know/);
   assert.match(await runCommand(page), /steps, weight \d+\n$/);
   await page.click("#copy");
   assert.equal(await page.settled("#copied"), "Copied");
@@ -142,13 +142,14 @@ test("by pointer: links, picks, questions, and the command of what is not answer
 
 test("odd names and versions are texts, also in commands", async () => {
   const questions = join(folder, "questions.jsonl");
-  const lines = [{ from: { [odd]: "1.0.0" }, to: { [odd]: "2.0.0" } }, { from: { base: "9.0.0" }, to: {} }];
+  const lines = [{ from: { [odd]: "1.0.0" }, to: { [odd]: "2.0.0" } }, { from: {}, to: { base: "spring" } },
+                 { from: { base: "9.0.0" }, to: {} }];
   writeFileSync(questions, lines.map((line) => `${JSON.stringify(line)}\n`).join(""));
   let page;
   try {
     page = explore(oddCatalogue, "--questions", questions);
   } catch (error) {
-    assert.equal(error.status, 2);  // the second line
+    assert.equal(error.status, 2);  // the last line
     page = join(folder, "explorer.html");
   }
   page = await open(page, "light");
@@ -165,9 +166,9 @@ test("odd names and versions are texts, also in commands", async () => {
   await page.click("#questions button");
   const answer = JSON.parse(await runCommand(page));
   assert.equal(answer.found, true);
-  assert.match(await textOf(page, "#answer > p"), new RegExp(`^${answer.steps.length} steps?, weight 1 expensive`));
+  assert.match(await textOf(page, "#verdict"), new RegExp(`^${answer.steps.length} steps?, weight 1 expensive`));
   await page.click("#questions li:last-child button");
-  assert.match(await textOf(page, "#answer"), /^No answer: .*9\.0\.0/);
+  assert.match(await textOf(page, "#verdict"), /^No answer: .*9\.0\.0/);
 });
 
 test("fits narrow windows and paper", async () => {

@@ -157,7 +157,7 @@
   function filterQuestions(names) {
     [...id("questions").children].forEach((each, i) => {
       const { from, to } = rows.questions[i];
-      each.hidden = from && to && [...from, ...to].every(([name]) => names[name].hidden);
+      each.hidden = isPicked({ from, to }) && [...from, ...to].every(([name]) => names[name].hidden);
     });
     settle(id("questions"));
   }
@@ -240,9 +240,11 @@
   const ends = { from: new Map(), to: new Map() };  // version by name
   const selectionKey = (entries) => entries.map(([name, version]) => keyOf(name, version)).sort().join();
   const questionKey = (from, to) => `${selectionKey(from)}/${selectionKey(to)}`;
+  /** Whether it can be picked: it is a question, of versions that are there. */
+  const isPicked = ({ from, to }) => from?.length > 0 && to?.length > 0;
   const answered = new Map();  // the first answer counts
   rows.questions.forEach((question, i) => {
-    if (!question.from || !question.to) return;
+    if (!isPicked(question)) return;
     const key = questionKey(question.from, question.to);
     if (!answered.has(key)) answered.set(key, i);
   });
@@ -261,7 +263,9 @@
     id("asking").hidden = !isWhole;
     id("copied").textContent = "";
     if (isWhole) id("command").textContent = commandFor(from, to);
-    id("answer").replaceChildren(...(isWhole ? showAnswer(found) : [quiet(hint(from, to))]));
+    id("verdict").classList.toggle("hint", !isWhole);
+    showVerdict(isWhole ? verdict(found) : hint(from, to));
+    showPath(found);
     id("clear").disabled = from.length + to.length === 0;
     id("swap").disabled = id("clear").disabled;
   }
@@ -281,19 +285,28 @@
     if (places.length === 0) id(end).append(element("li", { className: "none", textContent: "nothing picked" }));
   }
 
-  function showAnswer(number) {
-    const paragraph = (shown) => element("p", { textContent: shown });
-    if (number === undefined) return [paragraph("This page does not know. Ask on the command line:")];
+  /** Replaced only where it changes, for it is read aloud then. */
+  function showVerdict(shown) {
+    if (id("verdict").textContent !== shown) id("verdict").textContent = shown;
+  }
+
+  function verdict(number) {
+    if (number === undefined) return "This page does not know. Ask on the command line:";
     const { answer } = rows.questions[number];
-    if (answer.error !== undefined) return [paragraph(`No answer: ${visible(answer.error)}`)];
+    if (answer.error !== undefined) return `No answer: ${answer.error.split("\n").map(visible).join(" ")}`;
     if (answer.open !== undefined) {
       const limit = answer.open === "time" ? "time" : "memory";
-      return [paragraph(`Not known within the limit of ${limit}; no path weighs less than ${weightText(answer.leastProven)}.`)];
+      return `Not known within the limit of ${limit}; no path weighs less than ${weightText(answer.leastProven)}.`;
     }
-    if (!answer.found) return [paragraph("There is no path. The command explain, with the same options, tells why.")];
-    return [paragraph(`${counted(answer.steps.length, "step")}, weight ${weightText(answer.weight)}`),
-            showMembers("Start", answer.start), element("ol", {}, ...answer.steps.map(showStep)),
-            showMembers("End", answer.end)];
+    if (!answer.found) return "There is no path. The command explain, with the same options, tells why.";
+    return `${counted(answer.steps.length, "step")}, weight ${weightText(answer.weight)}`;
+  }
+
+  function showPath(number) {
+    const answer = rows.questions[number]?.answer;
+    id("answer").replaceChildren(...(answer?.found !== true ? [] : [
+      showMembers("Start", answer.start), element("ol", {}, ...answer.steps.map(showStep)),
+      showMembers("End", answer.end)]));
   }
 
   function showMembers(title, members) {
@@ -328,7 +341,7 @@
   // ---- The command line ----
 
   const quoted = (word) => (/^[\w.+:@%\/,=-]+$/.test(word) ? word : `'${word.replaceAll("'", "'\\''")}'`);
-  const isPlain = (word) => /^[\p{L}\p{N}_.][\p{L}\p{N}\p{M}_.+:~\/@()<>! -]*$/u.test(word);
+  const isPlain = (word) => /^[\p{L}\p{N}_.][\p{L}\p{N}\p{M}_.+:~\/@()<>!-]*$/u.test(word);
 
   /** Options where these can say it; otherwise a line for batch, which takes any name and version. */
   function commandFor(from, to) {
@@ -366,10 +379,10 @@
 
   function listQuestions() {
     id("questions").append(...rows.questions.map((question, i) => item(
-      question.from && question.to
+      isPicked(question)
         ? button([...selectionTexts(question.from), " → ", ...selectionTexts(question.to), " ", outcome(question.answer)],
                  () => ask(question))
-        : button([`Line ${question.answer.line}: `, text(question.answer.error ?? "unknown"), " "],
+        : button([`Line ${question.answer.line}: `, text(question.answer.error ?? "names nothing to start from or to reach")],
                  () => showUnasked(i)))));
     settle(id("questions"));
     if (rows.questions.length === 0) id("left-out").textContent = "None.";
@@ -400,7 +413,8 @@
     ends.to.clear();
     showWay();
     mark(id("questions"), (i) => i === number);
-    id("answer").replaceChildren(...showAnswer(number));
+    id("verdict").classList.remove("hint");
+    showVerdict(verdict(number));
   }
 
   // ---- Colours ----
