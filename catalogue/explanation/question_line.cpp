@@ -27,8 +27,7 @@ class QuestionReader : public CatalogueSink {
     } catch (const CatalogueError& error) {
       throw std::invalid_argument(describe(error));
     }
-    if (!reader.question_)
-      throw std::invalid_argument("must be an object with \"from\" and \"to\"");
+    if (!reader.question_) throw std::invalid_argument(R"(must be an object with "from" and "to")");
     return *std::move(reader.question_);
   }
 

@@ -19,7 +19,7 @@ void writeExplorerHtml(BrowsableRepository& repository, const std::string& catal
          "<link rel=\"icon\" href=\"data:,\">\n<title>Explorer: "
       << escapeXml(catalogue) << "</title>\n<style>\n"
       << explorerStyle << "</style>\n</head>\n<body>\n"
-      << explorerBody << "<script type=\"application/json\" id=\"rows\">";
+      << explorerBody << R"(<script type="application/json" id="rows">)";
   writeExplorerRows(repository, catalogue, answers, out);
   out << "</script>\n<script>" << explorerScript << "</script>\n</body>\n</html>\n";
 }
