@@ -229,7 +229,8 @@ std::map<std::string, std::tuple<std::string, std::string, bool>> farthest(
         if (hop.from != versions[i].descriptor.version || placeOf(hop.to) <= placeOf(hop.from))
           continue;
         if (reached.empty()) reached.insert(i);
-        if (reached.contains(i)) reached.insert(placeOf(hop.to) - versions.begin());
+        if (reached.contains(i))
+          reached.insert(static_cast<std::size_t>(placeOf(hop.to) - versions.begin()));
       }
     }
     if (reached.empty()) continue;

@@ -143,14 +143,16 @@ class RowsWriter {
 
   void writeRanges() {
     printer_.arrayField("ranges", [&] {
-      for (const auto& [name, range] : ranges_) {
-        printer_.array([&] {
-          printer_.value(name);
-          printer_.value(rangeText(range));
-          printer_.array([&] { writeAdmitted(metamodels_[name], range); });
-        });
+      for (const Range& range : ranges_) {
+        printer_.array([&] { writeRange(range.first, range.second); });
       }
     });
+  }
+
+  void writeRange(std::uint64_t name, const pathfinder::VersionRange& range) {
+    printer_.value(name);
+    printer_.value(rangeText(range));
+    printer_.array([&] { writeAdmitted(metamodels_[name], range); });
   }
 
   void writeAdmitted(const NumberedVersions& versions, const pathfinder::VersionRange& range) {
@@ -184,10 +186,10 @@ class RowsWriter {
 
   void writeTold(const char* field, const std::vector<Told>& told) {
     printer_.arrayField(field, [&] {
-      for (const auto& [place, text] : told) {
+      for (const Told& each : told) {
         printer_.array([&] {
-          for (const std::uint64_t number : place) printer_.value(number);
-          printer_.value(text);
+          for (const std::uint64_t number : each.place) printer_.value(number);
+          printer_.value(each.text);
         });
       }
     });
@@ -217,10 +219,10 @@ class RowsWriter {
     const auto entries = selection == nullptr ? std::nullopt : placesOf(*selection);
     if (!entries) return printer_.null();
     printer_.array([&] {
-      for (const auto& [name, version] : *entries) {
+      for (const auto& entry : *entries) {
         printer_.array([&] {
-          printer_.value(name);
-          printer_.value(version);
+          printer_.value(entry.first);
+          printer_.value(entry.second);
         });
       }
     });
