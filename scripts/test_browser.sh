@@ -9,4 +9,5 @@ scripts/setup.sh
 scripts/setup_browser.sh
 cmake --preset release --log-level=WARNING
 cmake --build --preset release --target evopath
-EVOPATH=build/release/tools/evopath/evopath SCREENSHOTS=${1:-} node --test tests/browser/pages.test.mjs
+EVOPATH=build/release/tools/evopath/evopath SCREENSHOTS=${1:-} \
+  node --test tests/browser/pages.test.mjs tests/browser/explorer.test.mjs

@@ -15,6 +15,7 @@
 #include "catalogue/check/check.hpp"
 #include "catalogue/check/open_draft.hpp"
 #include "catalogue/explanation/explanation.hpp"
+#include "catalogue/explorer/explorer_html.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
@@ -91,6 +92,9 @@ std::string drawnIn(const std::filesystem::path& place) {
   }
   const CatalogueGraph graph = makeGraph(*repository, {{}, true, 100});
   all += written([&](auto& out) { writeGraphDot(graph, out); });
+  all += written([&](auto& out) {
+    writeExplorerHtml(*repository, "x", {{{question, R"({"line":1,"form":1,"error":""})"}}}, out);
+  });
   return all + written([&](auto& out) { writeSummaryJson(summariseAll(*repository), out); });
 }
 

@@ -6,6 +6,8 @@
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
+#include "catalogue/explorer/explorer_answers.hpp"
+#include "catalogue/explorer/explorer_html.hpp"
 #include "catalogue/json_catalogue.hpp"
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
@@ -42,6 +44,7 @@ std::string writeAll(CatalogueContent content) {
   writeGraphDot(makeGraph(repository, everything), out);
   writeGraphMermaid(makeGraph(repository, everything), out);
   writeSummaryText(summariseAll(repository), Colouring::Plain, out);
+  writeExplorerHtml(repository, "c.json", answerCustomaryQuestions(repository, {1}), out);
   for (const Question& asked : {question, Question{question.to, question.from}}) {
     const Explanation explanation = explain(repository, asked);
     writeExplanationText(explanation, weightsOf(repository), out);

@@ -35,6 +35,7 @@ COMPLETIONS = [
     ("evopath diff data/operators.json --without dns-operator=0.6", ["dns-operator=0.6.0"]),
     ("evopath change s.store data/ch", ["data/changed-releases.json"]),
     ("evopath remove x.store --dry", ["--dry-run"]),
+    ("evopath explore data/operators.json --questions data/q", ["data/questions.jsonl"]),
     ("evopath check --severity w", ["warning"]),
     ("evopath add s.store data/op", ["data/operators.json"]),
     ("evopath import --from o", ["operators"]),

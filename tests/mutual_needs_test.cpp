@@ -178,9 +178,9 @@ TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {
   const std::string details = run("show c.json B").second;
   EXPECT_NE(details.find("A 2.0.0, not linked"), std::string::npos) << details;
   EXPECT_NE(details.find("C 2.0.0, if it is there"), std::string::npos) << details;
-  const std::string json = run("show c.json B --json").second;
-  EXPECT_NE(json.find("\"linked\": false"), std::string::npos) << json;
-  EXPECT_NE(json.find("\"optional\": true"), std::string::npos) << json;
+  const std::string written = run("show c.json B --json").second;
+  EXPECT_NE(written.find("\"linked\": false"), std::string::npos) << written;
+  EXPECT_NE(written.find("\"optional\": true"), std::string::npos) << written;
   EXPECT_EQ(run("check c.json >/dev/null").first, 0);
 }
 

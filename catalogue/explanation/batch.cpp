@@ -12,12 +12,11 @@
 #include <utility>
 #include <vector>
 
-#include "catalogue/catalogue_error.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/explanation/linkable_repository.hpp"
+#include "catalogue/explanation/question_line.hpp"
 #include "catalogue/explanation/selection_lookup.hpp"
 #include "catalogue/picture/plan_json.hpp"
-#include "catalogue/reading/json_stream.hpp"
 #include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -26,42 +25,6 @@ using pathfinder::SearchLimits;
 using pathfinder::SearchStopped;
 
 namespace {
-
-/// Reads a question as that of a catalogue which holds nothing else and begins a line before.
-class QuestionReader : public CatalogueSink {
- public:
-  static Question read(const BatchQuestion& asked) {
-    std::istringstream in("{\"metamodels\": [], \"hops\": [], \"question\":\n" + asked.text +
-                          "\n}");
-    QuestionReader reader;
-    try {
-      streamJsonCatalogue(in, reader);
-    } catch (const CatalogueError& error) {
-      throw std::invalid_argument(describe(error));
-    }
-    if (!reader.question_)
-      throw std::invalid_argument("must be an object with \"from\" and \"to\"");
-    return *std::move(reader.question_);
-  }
-
-  void addMetamodel(const CatalogueMetamodel& /*metamodel*/) override {}
-  void addHop(const pathfinder::Hop& /*hop*/, const std::u16string& /*note*/) override {}
-  void setQuestion(const Question& question) override { question_ = question; }
-
- private:
-  static std::string describe(const CatalogueError& error) {
-    const std::string prefix = "/question";
-    const bool isWithin = error.place().starts_with(prefix);
-    const std::string place = isWithin ? error.place().substr(prefix.size()) : error.place();
-    std::string reason = error.reason();
-    const std::string line = "at line 2, column";
-    const std::size_t found = reason.find(line);
-    if (found != std::string::npos) reason.replace(found, line.size(), "at column");
-    return place.empty() ? reason : place + ": " + reason;
-  }
-
-  std::optional<Question> question_;
-};
 
 /// One thread's way of asking, with linked metamodels and found paths of its own: those that others
 /// have found must not answer.
@@ -88,6 +51,7 @@ class BatchAsker {
   template <class WriteFields>
   static std::string lineOf(const BatchQuestion& asked, const WriteFields& writeFields) {
     std::ostringstream out;
+    out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
     JsonPrinter printer(out, JsonPrinter::Layout::Line);
     printer.object([&] {
       printer.field("line", asked.line);
@@ -130,7 +94,7 @@ class BatchAsker {
   }
 
   std::optional<std::string> answerTo(const BatchQuestion& asked, BatchCounts& counts) {
-    const Question question = readQuestion(asked);
+    const Question question = readQuestionLine(asked.text);
     const UnknownEntries unknown = findUnknown(content_, question);
     if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
     LinkableRepository& repository = freshRepository();
@@ -251,7 +215,7 @@ class Batch {
 }  // namespace
 
 Question readQuestion(const BatchQuestion& asked) {
-  return QuestionReader::read(asked);
+  return readQuestionLine(asked.text);
 }
 
 std::optional<BatchQuestion> BatchQuestions::next() {

@@ -37,6 +37,11 @@ void JsonPrinter::anyText(const std::string& text) {
   out_ << nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+void JsonPrinter::json(std::string_view text) {
+  begin();
+  out_ << text;
+}
+
 void JsonPrinter::open(char bracket) {
   begin();
   out_ << bracket;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn::evolution::catalogue {
@@ -46,6 +47,9 @@ class JsonPrinter {
 
   /// Text that may be no UTF-8: bytes that do not fit become U+FFFD.
   void anyText(const std::string& text);
+
+  /// A value that is written as JSON already.
+  void json(std::string_view text);
 
   template <class Value>
   void field(const std::string& name, const Value& its) {

@@ -113,12 +113,27 @@ class Page {
 
   async click(selector) {
     const { x, y } = await this.evaluate((wanted) => {
-      const box = document.querySelector(wanted).getBoundingClientRect();
+      const element = document.querySelector(wanted);
+      element.scrollIntoView({ block: "nearest" });
+      const box = element.getBoundingClientRect();
       return { x: box.x + box.width / 2, y: box.y + box.height / 2 };
     }, selector);
     for (const type of ["mousePressed", "mouseReleased"]) {
       await this.call("Input.dispatchMouseEvent", { type, x, y, button: "left", clickCount: 1 });
     }
+  }
+
+  /** The text of an element once there is one. */
+  async settled(selector) {
+    const { result } = await this.call("Runtime.evaluate", {
+      awaitPromise: true,
+      expression: `new Promise((resolve) => {
+        const element = document.querySelector(${JSON.stringify(selector)});
+        const look = () => (element.textContent ? resolve(element.textContent) : requestAnimationFrame(look));
+        look();
+      })`,
+    });
+    return result.value;
   }
 
   async screenshot(file) {

@@ -13,7 +13,7 @@ import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
 ROOMS = {"catalogue": [
-    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "conditions",
+    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "explorer", "conditions",
     "comparison", "beside", "c"]}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 

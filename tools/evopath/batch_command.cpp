@@ -1,8 +1,8 @@
 #include <filesystem>
-#include <iostream>
+#include <fstream>
 #include <memory>
-#include <thread>
 
+#include "batch_options.hpp"
 #include "batch_output.hpp"
 #include "catalogue/explanation/batch.hpp"
 #include "catalogue/open_catalogue.hpp"
@@ -10,7 +10,6 @@
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "interruption.hpp"
-#include "limit_options.hpp"
 #include "number_option.hpp"
 #include "question_file.hpp"
 #include "search_monitor.hpp"
@@ -25,10 +24,9 @@ namespace {
 struct BatchArguments {
   std::filesystem::path catalogue;
   std::filesystem::path questions;
-  std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency());
   std::uint64_t part = 1;
   std::uint64_t parts = 1;
-  LimitOptions limits;
+  BatchOptions options;
   std::filesystem::path output;
   bool resumes = false;
 };
@@ -44,43 +42,22 @@ void parsePart(const std::string& text, BatchArguments& arguments) {
   throw CLI::ValidationError("--part " + text, "must be I/N, I from 1 to N, such as 1/8");
 }
 
-BatchLimits limitsOf(const BatchArguments& arguments, const SearchLimits& attended) {
-  BatchLimits limits;
-  limits.threads = static_cast<unsigned>(std::min<std::uint64_t>(arguments.jobs, 1024));
-  if (arguments.limits.seconds) {
-    limits.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
-        std::chrono::duration<double>(*arguments.limits.seconds));
-  }
-  limits.memory = attended.memory;
-  limits.stop = attended.stop;
-  return limits;
-}
-
-ExitStatus tell(const BatchCounts& counts) {
-  if (counts.open + counts.failed == 0) return ExitStatus::Found;
-  std::cerr << "evopath: " << counts.found << " found, " << counts.absent << " without a path, "
-            << counts.open << " open, " << counts.failed << " that cannot be asked\n";
-  return counts.failed > 0 ? ExitStatus::BadInput : ExitStatus::Open;
-}
-
 ExitStatus runBatch(const BatchArguments& arguments) {
-  if (arguments.jobs == 0) throw CLI::ValidationError("--jobs 0", "must be at least 1");
   const auto repository = openCatalogue(arguments.catalogue);
   std::ifstream in = openQuestions(arguments.questions);
   BatchQuestions questions(in, arguments.part, arguments.parts);
   BatchOutput output(arguments.output, arguments.resumes);
   output.skipAnswered(questions);
-  SearchLimits limits;
-  if (arguments.limits.bytes) limits.memory = *arguments.limits.bytes;
-  const BatchCounts counts = searchAttended(
-      limits, SearchMonitor::Task::Search, SearchMonitor::Line::Never,
-      [&](const SearchLimits& attended) {
-        return answerBatch(
-            *repository, [&] { return questions.next(); },
-            [&](const std::string& line) { output.write(line); }, limitsOf(arguments, attended));
-      });
+  const BatchCounts counts =
+      searchAttended(arguments.options.toAttend(), SearchMonitor::Task::Search,
+                     SearchMonitor::Line::Never, [&](const SearchLimits& attended) {
+                       return answerBatch(
+                           *repository, [&] { return questions.next(); },
+                           [&](const std::string& line) { output.write(line); },
+                           arguments.options.limitsOf(attended));
+                     });
   throwIfInterrupted("interrupted; what was answered is written");
-  return tell(counts);
+  return tellCounts(counts);
 }
 
 }  // namespace
@@ -92,13 +69,12 @@ void addBatchCommand(CLI::App& program, Action& action) {
   addInputArgument(*batch, "questions", arguments->questions,
                    "The questions, a line each: {\"from\": {name: version}, \"to\": {name: "
                    "version}}; - for standard input");
-  addNumberOption(*batch, "--jobs", arguments->jobs, "How many questions to ask at a time");
+  arguments->options.addTo(*batch);
   batch
       ->add_option_function<std::string>(
           "--part", [arguments](const std::string& text) { parsePart(text, *arguments); },
           "Answer only every N-th question, beginning with the I-th")
       ->type_name("I/N");
-  arguments->limits.addTo(*batch);
   batch->add_option("--output", arguments->output, "Write to this file instead of standard output")
       ->type_name(fileTypeName);
   batch

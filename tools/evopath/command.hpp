@@ -20,6 +20,7 @@ void addChangeCommand(CLI::App& program, Action& action);
 void addCheckCommand(CLI::App& program, Action& action);
 void addDiffCommand(CLI::App& program, Action& action);
 void addExplainCommand(CLI::App& program, Action& action);
+void addExploreCommand(CLI::App& program, Action& action);
 void addExportCommand(CLI::App& program, Action& action);
 void addGraphCommand(CLI::App& program, Action& action);
 void addImportCommand(CLI::App& program, Action& action);

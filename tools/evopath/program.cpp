@@ -30,8 +30,8 @@ void addCommands(CLI::App& program, Action& action) {
       "Example: evopath path data/operators.json --question");
   for (const AddCommand addCommand :
        {addPathCommand, addBatchCommand, addExplainCommand, addStepsCommand, addShowCommand,
-        addGraphCommand, addDiffCommand, addCheckCommand, addImportCommand, addExportCommand,
-        addAddCommand, addChangeCommand, addRemoveCommand, addWordsCommand}) {
+        addGraphCommand, addExploreCommand, addDiffCommand, addCheckCommand, addImportCommand,
+        addExportCommand, addAddCommand, addChangeCommand, addRemoveCommand, addWordsCommand}) {
     addCommand(program, action);
   }
 }

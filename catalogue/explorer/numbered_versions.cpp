@@ -1,0 +1,25 @@
+#include "catalogue/explorer/numbered_versions.hpp"
+
+#include <algorithm>
+
+#include "catalogue/text/printed_text.hpp"
+
+namespace tarn::evolution::catalogue {
+
+NumberedVersions::NumberedVersions(BrowsableRepository& repository, const std::u16string& name)
+    : name_(name), versions_(repository.listMetamodels(name)) {
+  std::stable_sort(versions_.begin(), versions_.end(),
+                   [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
+                     return left.precedence() < right.precedence();
+                   });
+  for (std::size_t i = 0; i < versions_.size(); ++i) {
+    numbers_.emplace(textOf(versions_[i].descriptor.version), i);
+  }
+}
+
+std::optional<std::size_t> NumberedVersions::find(const pathfinder::VersionId& version) const {
+  const auto found = numbers_.find(textOf(version));
+  return found == numbers_.end() ? std::nullopt : std::optional(found->second);
+}
+
+}  // namespace tarn::evolution::catalogue

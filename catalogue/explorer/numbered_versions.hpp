@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "catalogue/browsable_repository.hpp"
+
+namespace tarn::evolution::catalogue {
+
+/// The versions of a metamodel, numbered from 0: those without a precedence first, in the
+/// catalogue's order, then by ascending precedence.
+class NumberedVersions {
+ public:
+  NumberedVersions(BrowsableRepository& repository, const std::u16string& name);
+
+  const std::u16string& name() const { return name_; }
+  std::size_t size() const { return versions_.size(); }
+  const CatalogueMetamodel& operator[](std::size_t number) const { return versions_[number]; }
+
+  /// The number of the version that is written so.
+  std::optional<std::size_t> find(const pathfinder::VersionId& version) const;
+
+ private:
+  std::u16string name_;
+  std::vector<CatalogueMetamodel> versions_;
+  std::unordered_map<std::string, std::size_t> numbers_;  // by text, which no two share
+};
+
+}  // namespace tarn::evolution::catalogue

@@ -1,0 +1,52 @@
+#include "batch_options.hpp"
+
+#include <iostream>
+
+#include "number_option.hpp"
+
+namespace evopath {
+
+using tarn::evolution::catalogue::BatchCounts;
+using tarn::evolution::catalogue::BatchLimits;
+using tarn::evolution::pathfinder::SearchLimits;
+
+void BatchOptions::addTo(CLI::App& command) {
+  command
+      .add_option_function<std::string>(
+          "--jobs",
+          [this](const std::string& text) {
+            jobs = parseNumber("--jobs", text);
+            if (jobs == 0) throw CLI::ValidationError("--jobs 0", "must be at least 1");
+          },
+          "How many questions to ask at a time")
+      ->type_name("NUMBER")
+      ->default_str(std::to_string(jobs));
+  limits.addTo(command);
+}
+
+BatchLimits BatchOptions::limitsOf(const SearchLimits& attended) const {
+  BatchLimits batch;
+  batch.threads = static_cast<unsigned>(std::min<std::uint64_t>(jobs, 1024));
+  if (limits.seconds) {
+    batch.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
+        std::chrono::duration<double>(*limits.seconds));
+  }
+  batch.memory = attended.memory;
+  batch.stop = attended.stop;
+  return batch;
+}
+
+SearchLimits BatchOptions::toAttend() const {
+  SearchLimits attended;
+  if (limits.bytes) attended.memory = *limits.bytes;
+  return attended;
+}
+
+ExitStatus tellCounts(const BatchCounts& counts) {
+  if (counts.open + counts.failed == 0) return ExitStatus::Found;
+  std::cerr << "evopath: " << counts.found << " found, " << counts.absent << " without a path, "
+            << counts.open << " open, " << counts.failed << " that cannot be asked\n";
+  return counts.failed > 0 ? ExitStatus::BadInput : ExitStatus::Open;
+}
+
+}  // namespace evopath
