@@ -181,6 +181,9 @@ TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {
   const std::string written = run("show c.json B --json").second;
   EXPECT_NE(written.find("\"linked\": false"), std::string::npos) << written;
   EXPECT_NE(written.find("\"optional\": true"), std::string::npos) << written;
+  const std::string page = run("explore c.json --output -").second;
+  EXPECT_NE(page.find("\"not linked\"]"), std::string::npos);
+  EXPECT_NE(page.find("\"if it is there\"]"), std::string::npos);
   EXPECT_EQ(run("check c.json >/dev/null").first, 0);
 }
 

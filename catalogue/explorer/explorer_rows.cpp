@@ -71,6 +71,7 @@ class RowsWriter {
       writeRanges();
       writeHops();
       writeTold("semver", equivalents_);
+      writeTold("unlinked", unlinked_);
       printer_.objectField("notes", [&] {
         writeTold("versions", versionNotes_);
         writeTold("needs", needNotes_);
@@ -129,6 +130,14 @@ class RowsWriter {
     for (std::size_t i = 0; i < dependencies.size(); ++i) {
       printer_.value(std::uint64_t{numberOf(dependencies[i])});
       tell(needNotes_, {name, version, i}, metamodel.noteOfDependency(i));
+    }
+    std::size_t place = dependencies.size();
+    for (const auto& [needed, note] : metamodel.requirements) {
+      if (!numbers_.contains(needed.name)) continue;  // of what is not there nothing can be needed
+      printer_.value(std::uint64_t{numberOf({needed.name, needed.range})});
+      tell(needNotes_, {name, version, place}, note);
+      unlinked_.push_back(
+          {{name, version, place++}, needed.isOptional ? "if it is there" : "not linked"});
     }
   }
 
@@ -251,6 +260,7 @@ class RowsWriter {
   std::map<std::pair<std::size_t, std::string>, std::size_t> rangeNumbers_;
   std::vector<Told> equivalents_;
   std::vector<Told> versionNotes_;
+  std::vector<Told> unlinked_;
   std::vector<Told> needNotes_;
   std::vector<Told> hopNotes_;
 };

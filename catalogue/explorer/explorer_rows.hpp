@@ -20,6 +20,7 @@ namespace tarn::evolution::catalogue {
 ///      "needs": [[[range]]],                 by name and version
 ///      "hops": [[from, to, expensive...]],   by name, three numbers each
 ///      "semver": [[name, version, text]],    of text versions that have an equivalent
+///      "unlinked": [[name, version, place, text]],   of needs that do not link: why
 ///      "notes": {"versions": [[name, version, text]], "needs": [[name, version, place, text]],
 ///                "hops": [[name, place, text]]},
 ///      "questions": [{"from": [[name, version]] or null, "to": likewise, "answer": PLAN}],

@@ -102,7 +102,7 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
   printer.arrayField("steps", [&] {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
       printer.object([&] {
-        writeMoveFields(printer, plan.picture, plan.picture.steps[i]);
+        writeStepFields(printer, plan.picture, plan.picture.steps[i]);
         printer.arrayField("ties", [&] {
           for (const StepTie& tie : plan.ties[i]) writeTie(printer, tie);
         });

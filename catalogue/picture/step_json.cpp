@@ -4,27 +4,6 @@ namespace tarn::evolution::catalogue {
 
 namespace {
 
-void writeTieFields(JsonPrinter& printer, const PathPicture& picture,
-                    const PathPicture::Step& step) {
-  if (step.bundles.empty()) return;
-  printer.arrayField("ties", [&] {
-    for (const PathPicture::Tie& tie : step.ties) {
-      printer.object([&] {
-        printer.field("mover", picture.lanes[tie.mover].name);
-        printer.field("companion", picture.lanes[tie.companion].name);
-        printer.field("reason", tie.reason);
-      });
-    }
-  });
-  printer.arrayField("bundles", [&] {
-    for (const auto& bundle : step.bundles) {
-      printer.array([&] {
-        for (const std::size_t lane : bundle) printer.value(picture.lanes[lane].name);
-      });
-    }
-  });
-}
-
 void writeNotes(JsonPrinter& printer, const PathPicture::Move& move) {
   if (move.notes.empty()) return;
   printer.arrayField("notes", [&] {
@@ -34,7 +13,7 @@ void writeNotes(JsonPrinter& printer, const PathPicture::Move& move) {
 
 }  // namespace
 
-void writeMoveFields(JsonPrinter& printer, const PathPicture& picture,
+void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step) {
   const auto nameOf = [&](const PathPicture::Move& move) { return picture.lanes[move.lane].name; };
   printer.field("weight", std::uint64_t{step.weight});
@@ -60,12 +39,6 @@ void writeMoveFields(JsonPrinter& printer, const PathPicture& picture,
       });
     }
   });
-}
-
-void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
-                     const PathPicture::Step& step) {
-  writeMoveFields(printer, picture, step);
-  writeTieFields(printer, picture, step);
 }
 
 void writeSteps(JsonPrinter& printer, const PathPicture& picture) {

@@ -8,11 +8,6 @@ namespace tarn::evolution::catalogue {
 /// Writes what a step of a picture does: "weight", "hops": [{"name", "from", "to", "expensive",
 /// "notes"}], "broughtIn": [{"name", "version", "notes"}]; "notes", a list of texts, only where
 /// there are any.
-void writeMoveFields(JsonPrinter& printer, const PathPicture& picture,
-                     const PathPicture::Step& step);
-
-/// The same and, where the picture tells, "ties": [{"mover", "companion", "reason"}] and "bundles":
-/// [[name]].
 void writeStepFields(JsonPrinter& printer, const PathPicture& picture,
                      const PathPicture::Step& step);
 

@@ -64,6 +64,7 @@
   const keyOf = (...numbers) => numbers.join(" ");
   const tableOf = (told) => new Map(told.map((entry) => [keyOf(...entry.slice(0, -1)), entry.at(-1)]));
   const equivalents = tableOf(rows.semver);
+  const unlinked = tableOf(rows.unlinked);
   const versionNotes = tableOf(rows.notes.versions);
   const needNotes = tableOf(rows.notes.needs);
   const hopNotes = tableOf(rows.notes.hops);
@@ -200,7 +201,9 @@
     const told = needNotes.get(keyOf(...place, i));
     const newest = runs.length === 0 ? newestOf(name) : runs.at(-1);
     const admitted = runs.reduce((sum, end, at) => (at % 2 === 1 ? sum + end - runs[at - 1] + 1 : sum), 0);
+    const why = unlinked.get(keyOf(...place, i));
     return item(link([name, newest], [text(nameText(name))]), " ", text(shown), " ",
+                ...(why === undefined ? [] : [quiet(why), " "]),
                 quiet(admitted === 0 ? "no version fits" : `${counted(admitted, "version")}`),
                 ...(told === undefined ? [] : [note(told)]));
   }
