@@ -25,6 +25,10 @@ Path askPath(CatalogueRepository& repository);
 /// Puts the catalogue's question to the exhaustive engine alone.
 Path askExhaustiveEngine(CatalogueRepository& repository);
 
+/// Puts the catalogue's question to planning by learning from the start; throws std::runtime_error
+/// when that does not settle it.
+Path askLearningEngine(CatalogueRepository& repository);
+
 /// Whether the library settles the catalogue's question with the exhaustive engine.
 bool isWithinBudget(CatalogueRepository& repository);
 

@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -14,6 +13,7 @@
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "catalogue/utf16.hpp"
+#include "peak_memory.hpp"
 #include "stopwatch.hpp"
 
 namespace {
@@ -21,18 +21,9 @@ namespace {
 using namespace tarn::evolution;
 using nlohmann::ordered_json;
 
-/// The most memory that this program has taken so far.
-std::uint64_t peakBytes() {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmHWM:")) return std::stoull(line.substr(6)) * 1024;
-  }
-  throw std::runtime_error("/proc/self/status does not tell the peak of memory");
-}
-
 ordered_json measureOnce(const std::function<void()>& work) {
   const double seconds = bench::secondsOf(work);
-  return {{"seconds", seconds}, {"peak_bytes", peakBytes()}};
+  return {{"seconds", seconds}, {"peak_bytes", bench::peakBytes()}};
 }
 
 struct Question {

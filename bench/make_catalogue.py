@@ -18,6 +18,12 @@ named in "to".
               (use --seed)
   blocked     ragged, but neither version of the last metamodel can stand beside M000's middle one:
               no path
+  dear        random, but most hops are expensive and most cheap ones skip a version, at whose end
+              other metamodels must have come along (use --seed)
+  both_ways   random, but each hop leads back as well, at times more cheaply (use --seed)
+  ring        4 versions each; each metamodel lets the one before it be one version ahead, and the
+              last one does not let the first be ahead: all must move at once, but the first has
+              only the hop that skips version 2, and the others only those that do not: no path
 """
 from __future__ import annotations
 
@@ -127,6 +133,38 @@ def random_design(n: int, seed: int) -> Design:
     return design
 
 
+def dear(n: int, seed: int) -> Design:
+    design = random_design(n, seed)
+    rng = random.Random(seed)
+    design.hops = [
+        Hop(m, v, v + 1, rng.random() < 0.6) for m, v in design.versions() if v < design.counts[m]
+    ]
+    before_last = [(m, v) for m, v in design.versions() if v + 1 < design.counts[m]]
+    design.hops += [Hop(m, v, v + 2, False) for m, v in before_last if rng.random() < 0.6]
+    return design
+
+
+def both_ways(n: int, seed: int) -> Design:
+    design = random_design(n, seed)
+    rng = random.Random(seed)
+    back = [
+        Hop(hop.metamodel, hop.high, hop.low, hop.expensive and rng.random() < 0.5)
+        for hop in design.hops
+    ]
+    design.hops += back
+    return design
+
+
+def ring(n: int) -> Design:
+    needs = {
+        (m, v): [Need(m - 1, v, v + 2)] for m in range(1, n) for v in range(1, 5)
+    }
+    for v in range(1, 5):
+        needs[n - 1, v] = [*needs[n - 1, v], Need(0, 1, v + 1)] if n > 2 else [Need(0, v, v + 1)]
+    single = [Hop(m, v, v + 1, False) for m in range(1, n) for v in range(1, 4)]
+    return Design([4] * n, needs, [Hop(0, 1, 3, False), Hop(0, 3, 4, False), *single])
+
+
 def draw_epochs(rng: random.Random, n: int) -> list[list[int]]:
     """The hidden way through: the versions of all metamodels, at one moment after the other."""
     epochs = [[1] * n]
@@ -156,6 +194,12 @@ FAMILIES: dict[str, Callable[[int], Design]] = {
     "early": early,
     "core": core,
     "blocked": blocked,
+}
+
+SEEDED: dict[str, Callable[[int, int], Design]] = {
+    "random": random_design,
+    "dear": dear,
+    "both_ways": both_ways,
 }
 
 
@@ -197,8 +241,10 @@ def as_catalogue(design: Design) -> dict[str, Any]:
 
 
 def make_catalogue(family: str, n: int, *, versions: int = 3, seed: int = 1) -> dict[str, Any]:
-    if family == "random":
-        return as_catalogue(random_design(n, seed))
+    if family in SEEDED:
+        return as_catalogue(SEEDED[family](n, seed))
+    if family == "ring":
+        return as_catalogue(ring(n))
     if family == "uniform":
         return as_catalogue(uniform(n, versions))
     return as_catalogue(FAMILIES[family](n))
@@ -208,7 +254,7 @@ def main() -> None:
     parser = argparse.ArgumentParser(
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter
     )
-    parser.add_argument("family", choices=[*FAMILIES, "random"])
+    parser.add_argument("family", choices=[*FAMILIES, *SEEDED, "ring"])
     parser.add_argument("n", type=int)
     parser.add_argument("--versions", type=int, default=3)
     parser.add_argument("--seed", type=int, default=1)

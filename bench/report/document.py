@@ -1,6 +1,8 @@
 """The document about one run of the benchmarks. Every number in it comes from the run."""
 from __future__ import annotations
 
+from pathlib import Path
+
 from harness.comparison import ROUNDS, SHORT
 from harness.results import Machine, Results
 
@@ -15,6 +17,8 @@ from .python_package import python_package
 from .stores import stores
 from .targets import rows, targets
 from .view import View
+
+HARD_RUN = Path(__file__).with_name("hard_run.md")  # of a run of its own
 
 FAMILIES = """
 The families of catalogues are those of `bench/make_catalogue.py`. Each has n metamodels; the
@@ -87,6 +91,7 @@ def document(results: Results) -> str:
         python_package(view),
         stores(view),
         imports(view),
+        HARD_RUN.read_text().rstrip(),
     ]
     return "\n\n".join(blocks) + "\n"
 

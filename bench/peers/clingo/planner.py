@@ -41,6 +41,11 @@ class Inquiry:
         except MemoryLimit:
             return Answer(Outcome.MEMORY_LIMIT, self.seconds)
 
+    def least_weight_of(self, steps: int) -> int | None:
+        """Of plans of so many steps, and nothing proven about longer ones; raises at a limit."""
+        cost = self._cheapest_of(steps)
+        return None if cost is None else weight_of(cost)
+
     def _raise_horizon(self) -> Answer:
         longest = self.instance.most_steps
         steps = self.instance.fewest_steps
