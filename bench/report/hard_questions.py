@@ -17,13 +17,11 @@ Each seed is asked in a process of its own, with a limit on its time and 8 GiB o
 """
 
 WHY = """
-The path finder's bounds look at one metamodel at a time, and hops that could have waited for a
-later step are never distributed among the steps (see [search.md](search.md)). That leads straight
-to the answer where dependencies delay a hop or tie some together. Where many ranges interlock, the
-bounds promise less than has to be paid in the end, and every combination that looks cheap enough
-has to be refuted by itself. clingo notes after each refutation which few decisions were to blame, and never tries
-these together again: that pays where there is much to refute. Where there is little, its start and
-grounding are most of its time.
+Planning backward looks at one metamodel at a time. That leads straight to the answer where
+dependencies delay a hop or tie some together. Where many ranges interlock, the bounds promise less
+than has to be paid in the end, and the search that learns takes over: like clingo, it notes after
+each refutation which few decisions were to blame, and never tries these together again
+(see [search.md](search.md)).
 """
 
 LISTED_IN_FULL = 32  # metamodels, and more: every seed gets a line
@@ -85,9 +83,8 @@ def _how_it_looks(view: View) -> str:
     memory = f"; {starved} of them ran out of memory" if starved else ""
     return f"""
         To a user: most questions are answered at once, and now and then one is not answered in any
-        time that one would wait. Nothing announces it: `findPath` does not return, and its memory
-        grows. Beyond the limit were {shares}{memory}. A host that asks questions of tightly woven
-        catalogues should ask them on a thread, or better in a process, that it can do without.
+        time that one would wait. Beyond the limit were {shares}{memory}. A host that must answer
+        in bounded time and memory sets limits (`SearchLimits`).
     """
 
 
