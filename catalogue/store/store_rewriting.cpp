@@ -182,12 +182,12 @@ class RewritingSink : public CatalogueSink {
 
 ChangeResult rewriteRows(SqliteDatabase& store, const std::filesystem::path& json,
                          const StoreProgress& progress) {
-  constexpr double readingShare = 0.5;
+  constexpr double fileShare = 0.5;
   return readJsonFile(json, [&](std::istream& in) {
     RewritingSink rewriting(store);
     ProgressSink sink(rewriting, progress, [](const StoreCounts& /*rows*/) { return 0; });
     streamJsonCatalogue(in, sink);
-    const SqliteWatch watch(store, toldAgain(progress, readingShare));
+    const SqliteWatch watch(store, toldAgain(progress, fileShare));
     rewriting.validate();
     return rewriting.result();
   });
