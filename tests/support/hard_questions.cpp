@@ -236,10 +236,10 @@ void addCycle(QuestionDraft& draft, Random& random) {
 
 /// Versions that link another one of their own name, some by way of another name.
 void addSelfLinks(QuestionDraft& draft, Random& random) {
+  Name& between = random.chance(20) ? addPlug(draft, false, false) : draft.someName(random);
   Name& name = draft.someName(random);
   std::string linked = anyOf(name, random);
   Version& linking = random.oneOf(name.versions);
-  Name& between = random.chance(20) ? addPlug(draft, false, false) : draft.someName(random);
   if (random.chance(50) && between.letter != name.letter) {
     Version& version = random.oneOf(between.versions);
     version.links.push_back(std::exchange(linked, between.letter + version.number));
