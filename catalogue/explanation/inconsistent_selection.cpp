@@ -1,6 +1,7 @@
 #include "catalogue/explanation/inconsistent_selection.hpp"
 
 #include <algorithm>
+#include <map>
 
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/hop_graph.hpp"
@@ -59,7 +60,10 @@ std::optional<Clash> findClashOfRequirements(Inquiry& inquiry, const SelectedMet
   if (!inquiry.repository().combine(selected).empty()) return std::nullopt;
   const auto linked = combineCandidates(candidates, 1).baselines;
   if (linked.empty()) return std::nullopt;
-  return findExcluded(inquiry.repository(), linked.front());
+  std::map<std::u16string, const Metamodel*> held;
+  for (const auto& [name, metamodel] : linked.front().metamodels)
+    held.emplace(name, metamodel.get());
+  return findExcluded(inquiry.repository(), held);
 }
 
 }  // namespace

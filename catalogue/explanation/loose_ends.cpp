@@ -1,6 +1,7 @@
 // A constraint network: a variable for each metamodel that is needed, whose values are its
 // versions. Chronological backtracking gives a value to the first variable that a chosen version
 // needs; a dependency between two variables is looked at when the second of them gets its value.
+// So is a requirement, which calls for no variable.
 #include "catalogue/explanation/loose_ends.hpp"
 
 #include <algorithm>
@@ -31,6 +32,7 @@ using Admitted = std::vector<bool>;  // by place among the versions of a name
 /// The versions of a name, the oldest first.
 struct Domain {
   std::vector<Metamodel> versions;
+  std::vector<std::vector<Dependency>> required;  ///< of what is there beside each
   std::unordered_map<VersionId, std::size_t> places;
 };
 
@@ -69,6 +71,10 @@ class Domains {
     for (const CatalogueMetamodel& version : versions) {
       domain.places.emplace(version.descriptor.version, domain.versions.size());
       domain.versions.push_back(version.descriptor);
+      domain.required.emplace_back();
+      for (const auto& required : repository_.getRequirements(version.descriptor)) {
+        domain.required.back().push_back({required.name, required.range});
+      }
     }
   }
 
@@ -131,16 +137,30 @@ class Completion {
     return domains_.of(name).versions[place];
   }
 
-  /// Whether a version and what is chosen admit one another.
+  const std::vector<Dependency>& requiredBy(const std::u16string& name, std::size_t place) {
+    return domains_.of(name).required[place];
+  }
+
+  bool isAdmitted(const std::vector<const Dependency*>& ranges, std::size_t place) {
+    return std::all_of(ranges.begin(), ranges.end(),
+                       [&](const Dependency* range) { return domains_.admittedBy(*range)[place]; });
+  }
+
+  /// Whether a version and what is chosen admit one another, and a version itself.
   bool fits(const std::u16string& name, std::size_t place) {
-    const auto& needs = needs_[name];
-    bool fits = std::all_of(needs.begin(), needs.end(), [&](const Dependency* need) {
-      return domains_.admittedBy(*need)[place];
-    });
-    forEachDependency(at(name, place), [&](const Dependency& dependency) {
-      const auto other = chosen_.find(dependency.name);
-      if (other != chosen_.end()) fits = fits && domains_.admittedBy(dependency)[other->second];
-    });
+    if (!isAdmitted(needs_[name], place) || !isAdmitted(required_[name], place)) return false;
+    bool fits = true;
+    const auto check = [&](const Dependency& range) {
+      const auto other = chosen_.find(range.name);
+      if (range.name == name) {
+        fits = fits && domains_.admittedBy(range)[place];
+      } else if (other != chosen_.end()) {
+        fits = fits && domains_.admittedBy(range)[other->second];
+      }
+    };
+    forEachDependency(at(name, place), check);
+    const auto& required = requiredBy(name, place);
+    std::for_each(required.begin(), required.end(), check);
     return fits;
   }
 
@@ -151,15 +171,18 @@ class Completion {
       needs_[dependency.name].push_back(&dependency);
       if (!chosen_.contains(dependency.name)) open_.insert(dependency.name);
     });
+    for (const Dependency& range : requiredBy(name, place)) required_[range.name].push_back(&range);
   }
 
   /// Takes back the choice that was made last.
   void takeBack(const std::u16string& name) {
-    forEachDependency(at(name, chosen_.at(name)), [&](const Dependency& dependency) {
+    const std::size_t place = chosen_.at(name);
+    forEachDependency(at(name, place), [&](const Dependency& dependency) {
       auto& needs = needs_[dependency.name];
       needs.pop_back();
       if (needs.empty()) open_.erase(dependency.name);
     });
+    for (const Dependency& range : requiredBy(name, place)) required_[range.name].pop_back();
     chosen_.erase(name);
     open_.insert(name);
   }
@@ -198,8 +221,9 @@ class Completion {
   Domains& domains_;
   const VersionPreference preference_;
   Chosen chosen_;
-  std::map<std::u16string, std::vector<const Dependency*>> needs_;  // of what is chosen, by name
-  std::set<std::u16string> open_;                                   // needed, and not chosen
+  std::map<std::u16string, std::vector<const Dependency*>> needs_;     // of what is chosen, by name
+  std::map<std::u16string, std::vector<const Dependency*>> required_;  // by it of what is there
+  std::set<std::u16string> open_;                                      // needed, and not chosen
   std::size_t tries_ = 0;
 };
 

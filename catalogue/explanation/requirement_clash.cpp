@@ -1,7 +1,6 @@
 #include "catalogue/explanation/requirement_clash.hpp"
 
 #include <algorithm>
-#include <map>
 
 namespace tarn::evolution::catalogue {
 
@@ -10,7 +9,7 @@ using pathfinder::PeerRequirement;
 
 namespace {
 
-bool admits(LinkableRepository& repository, const PeerRequirement& requirement,
+bool admits(pathfinder::VersionRepository& repository, const PeerRequirement& requirement,
             const Metamodel& metamodel) {
   std::vector<Metamodel> admitted;
   repository.findMetamodels(requirement.name, requirement.range, admitted);
@@ -20,8 +19,8 @@ bool admits(LinkableRepository& repository, const PeerRequirement& requirement,
 }
 
 /// The first requirement of a metamodel on the other's name that excludes it.
-std::optional<PeerRequirement> excluding(LinkableRepository& repository, const Metamodel& metamodel,
-                                         const Metamodel& other) {
+std::optional<PeerRequirement> excluding(pathfinder::VersionRepository& repository,
+                                         const Metamodel& metamodel, const Metamodel& other) {
   for (PeerRequirement& requirement : repository.getRequirements(metamodel)) {
     if (requirement.name != other.name || admits(repository, requirement, other)) continue;
     return std::move(requirement);
@@ -68,9 +67,8 @@ std::optional<Clash> clashWith(LinkableRepository& repository, const Metamodel& 
 
 }  // namespace
 
-std::optional<Clash> findExcluded(LinkableRepository& repository,
-                                  const pathfinder::VersionBaseline& baseline) {
-  const std::map held(baseline.metamodels.begin(), baseline.metamodels.end());
+std::optional<Clash> findExcluded(pathfinder::VersionRepository& repository,
+                                  const std::map<std::u16string, const Metamodel*>& held) {
   for (const auto& [name, metamodel] : held) {
     for (const auto& [otherName, other] : held) {
       if (name == otherName) continue;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "catalogue/explanation/clash.hpp"
@@ -8,10 +10,11 @@
 
 namespace tarn::evolution::catalogue {
 
-/// Of two versions that a baseline holds, one of which requires another one of the other's name: as
-/// a clash. None when what it holds excludes nothing that it holds.
-std::optional<Clash> findExcluded(LinkableRepository& repository,
-                                  const pathfinder::VersionBaseline& baseline);
+/// Of two versions that are held together, by name, one of which requires another one of the
+/// other's name: as a clash. None when what is held excludes nothing of it.
+std::optional<Clash> findExcluded(
+    pathfinder::VersionRepository& repository,
+    const std::map<std::u16string, const pathfinder::Metamodel*>& held);
 
 /// Why a version cannot stand beside any of the versions that other names may have: some
 /// requirement between it and all of one name. None when no requirement tells.

@@ -1,9 +1,10 @@
 // Minimal steps by conflict-driven growth. A choice of hops that is no step leaves metamodels that
 // clash, at the versions that they then have. Whoever makes a step of it by adding hops must move
 // one of those of them that stand still, for the others' versions are settled. So to branch over
-// the hops of these alone leaves no minimal step out. Choices are tried by their size (breadth
-// first), so all smaller steps are known when a choice is looked at, and one that contains a step
-// is dropped.
+// the hops of these alone leaves no minimal step out. Versions clash that cannot be linked
+// together, or of which one requires another one of the other's name. Choices are tried by their
+// size (breadth first), so all smaller steps are known when a choice is looked at, and one that
+// contains a step is dropped.
 #include "catalogue/explanation/steps_out.hpp"
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/linking_obstacle.hpp"
+#include "catalogue/explanation/requirement_clash.hpp"
 #include "catalogue/explanation/step_stream_writer.hpp"
 #include "catalogue/model/conflicting_dependencies.hpp"
 
@@ -144,17 +146,21 @@ class MinimalStepSearch {
     for (const std::u16string& name : clashing(choice)) grow(choice, name, larger);
   }
 
+  /// The names of which one must move if more hops are to make a step of the choice.
   std::vector<std::u16string> clashing(const MoveChoice& choice) {
+    std::map<std::u16string, const Metamodel*> held;
+    for (const auto& [name, metamodel] : baseline_.metamodels) held.emplace(name, metamodel.get());
+    for (const auto& [name, move] : choice) held[name] = &moves_.at(name)[move].target;
     std::vector<Candidates> candidates;
-    for (const auto& [name, held] :
-         std::map(baseline_.metamodels.begin(), baseline_.metamodels.end())) {
-      const auto moved = choice.find(name);
-      const Metamodel& metamodel =
-          moved == choice.end() ? *held : moves_.at(name)[moved->second].target;
-      candidates.push_back({name, repository_.getLinkedMetamodels(metamodel)});
+    for (const auto& [name, metamodel] : held) {
+      candidates.push_back({name, repository_.getLinkedMetamodels(*metamodel)});
     }
-    const auto clash = findClash(candidates);
-    return clash ? clash->parties : std::vector<std::u16string>();
+    if (const auto clash = findClash(candidates)) return clash->parties;
+    if (const auto excluded = findExcluded(repository_, held)) return excluded->parties;
+    // Something is missing, or what enters is at fault.
+    std::vector<std::u16string> all;
+    for (const auto& [name, moves] : moves_) all.push_back(name);
+    return all;
   }
 
   BrowsableRepository& repository_;
