@@ -2,7 +2,7 @@
 # Installs a build and checks what a host can do with it. Into build/consumers/ go the installed tree, which is moved
 # once to show that it may be, and the hosts that are built and run against it: by find_package (the examples too), by
 # pkg-config, with the path finder as a part of their own build, shared or static, and with a platform of their own,
-# embedded and installed. One host has the other Boost of Debian 12 than the build.
+# embedded and installed, there without the search that learns. One host has the other Boost of Debian 12 than the build.
 #
 # usage: scripts/test_consumers.sh [PRESET]      the build to install: release (default), dev, clang
 set -euo pipefail
@@ -86,7 +86,8 @@ run_pkg_config_host pkg_config "$work/installed" tarn-evolution-pathfinder consu
 run_pkg_config_host pkg_config_catalogue "$work/installed" tarn-evolution-catalogue catalogue_consumer
 run_c_host pkg_config_c "$work/installed"
 run_host embedded tests/consumer/embedded -DTARN_UNITY=ON
-run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON -DTARN_UNITY=ON
+run_host embedded_foreign_platform tests/consumer/embedded -DFOREIGN_PLATFORM=ON -DTARN_INSTALL=ON -DTARN_UNITY=ON \
+  -DTARN_LEARNING=OFF
 cmake --install "$work/embedded_foreign_platform" --prefix "$work/installed-foreign" >/dev/null
 run_host find_package_foreign_platform tests/consumer/installed -DFOREIGN_PLATFORM=ON -DCMAKE_PREFIX_PATH="$work/installed-foreign"
 foreign=$work/find_package_foreign_platform/foreign_platform

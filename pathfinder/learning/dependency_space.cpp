@@ -4,6 +4,10 @@
 // is kept, what it depends on, which of names that may be absent brings versions in. In the end
 // each dependency becomes a requirement, beside those that the application has by itself. Where
 // ends are open, all is kept, and nothing brought in.
+//
+// Where the best is assumed of hops that are not known, a version of its own stands for all that
+// they lead to: it can stand beside anything, so nothing is gained by leaving it but for the
+// target's version.
 
 #include "pathfinder/learning/dependency_space.hpp"
 
@@ -18,14 +22,18 @@ namespace tarn::evolution::pathfinder {
 
 class DependencySurvey {
  public:
-  DependencySurvey(SelectionHost& host, DependencySpace& result) : host_(host), result_(result) {}
+  DependencySurvey(SelectionHost& host, DependencyFailures& failures, DependencySpace& result)
+      : host_(host), failures_(failures), result_(result) {}
 
-  void run() {
-    const auto source = result_.source_.firstBaseline();
-    const auto target = areEndsOpen() ? source : result_.target_->firstBaseline();
-    result_.hasEnds_ = source && target;
-    if (!result_.hasEnds_) return;
-    if (!areEndsOpen()) result_.direction = directionBetween(*source, *target);
+  using Baseline = std::map<std::u16string, const Metamodel*>;
+
+  void run(const Baseline& source) {
+    if (!areEndsOpen()) {
+      const auto target = result_.target_->firstBaseline();
+      if (!target) return;
+      result_.direction = directionBetween(source, *target);
+    }
+    result_.hasEnds_ = true;
     addNames();
     while (explore()) {
       for (auto& [text, name] : names_) keepWhatLeadsToEnd(name);
@@ -42,16 +50,6 @@ class DependencySurvey {
  private:
   bool areEndsOpen() const { return !result_.target_; }
 
-  /// Finds the direction from end to end, unless it is given; false when there is none to begin
-  /// with, or to go to.
-  bool findEnds() {
-    const auto source = result_.source_.firstBaseline();
-    if (!source || areEndsOpen()) return source.has_value();
-    const auto target = result_.target_->firstBaseline();
-    if (target) result_.direction = directionBetween(*source, *target);
-    return target.has_value();
-  }
-
   struct Hopped {
     std::uint32_t place;
     std::size_t target;
@@ -67,14 +65,24 @@ class DependencySurvey {
     std::vector<Metamodel> candidates = {};  // of a name that is held from the start
   };
 
+  /// What has to stand beside a version, if its name is there.
+  struct Peer {
+    std::u16string name;
+    bool isOptional;
+    std::vector<Metamodel> admitted = {};
+  };
+
   struct Version {
     const Metamodel* descriptor;
     std::vector<Hop> hops = {};        // that do not go against the direction
     std::vector<Hopped> targets = {};  // of those that lead to a version
     std::vector<Need> needs = {};      // in the order of linking
+    std::vector<Peer> peers = {};
     bool isExplored = false;
+    bool hasUnknownHops = false;
     bool isKept = false;
     bool areNeedsKnown = false;
+    bool isLost = false;   // for what it needs is not known, and the best not assumed
     bool isEntry = false;  // whether it can be brought in
     VersionIndex index = SearchSpace::none;
   };
@@ -86,6 +94,7 @@ class DependencySurvey {
     std::deque<Version> versions = {};  // the source's first
     std::unordered_multimap<VersionId, std::size_t, std::hash<VersionId>> places = {};
     NameIndex index = 0;
+    VersionIndex unknown = SearchSpace::none;  // stands for what unknown hops may lead to
   };
 
   void addNames() {
@@ -107,8 +116,6 @@ class DependencySurvey {
       if (result_.target_->isSelected(text)) names_[text].goal = &versions.front().descriptor;
     }
   }
-
-  using Baseline = std::map<std::u16string, const Metamodel*>;
 
   /// As `VersionRepository::computeDirection` has it.
   Direction directionBetween(const Baseline& source, const Baseline& target) {
@@ -145,37 +152,58 @@ class DependencySurvey {
         if (std::exchange(name.versions[i].isExplored, true)) continue;
         anyNew = true;
         checkpoint();
-        std::vector<Hop> offered;
-        host_.findHops(text, name.versions[i].descriptor->version, offered);
-        for (Hop& hop : offered) follow(text, name, i, std::move(hop));
+        follow(text, name, i);
       }
     }
     return anyNew;
   }
 
-  void follow(const std::u16string& text, Name& name, std::size_t place, Hop&& hop) {
-    auto target = host_.getMetamodel(hop.name, hop.to);
-    // The hop's own name may be another, and so may the answer's.
-    if (target && target->name != text) throw NotForDependencies();
-    Version& version = name.versions[place];
-    if (result_.direction != Direction::Unknown) {
+  /// A hop as the application tells of it.
+  struct Offered {
+    Hop hop;
+    std::optional<Metamodel> target;
+    bool isOpposite = false;
+  };
+
+  void follow(const std::u16string& text, Name& name, std::size_t place) {
+    const Metamodel& from = *name.versions[place].descriptor;
+    std::vector<Offered> offered;
+    const bool areKnown = failures_.attempt(from, DependencyFailures::Attempt::Hops,
+                                            [&] { offered = hopsFrom(text, from); });
+    name.versions[place].hasUnknownHops = !areKnown && failures_.isBestAssumed();
+    if (!areKnown) return;
+    for (auto& [hop, target, isOpposite] : offered) {
+      // The hop's own name may be another, and so may the answer's.
+      if (target && target->name != text) throw NotForDependencies();
       // A fault of the application's, which a plain search reports.
-      if (!target) throw NotForDependencies();
-      if (areOpposite(result_.direction, host_.directionBetween(*version.descriptor, *target))) {
-        return;
-      }
+      if (!target && result_.direction != Direction::Unknown) throw NotForDependencies();
+      if (isOpposite) continue;
+      const std::size_t to = target ? addVersion(name, *std::move(target)) : 0;
+      Version& version = name.versions[place];
+      if (target) version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
+      version.hops.push_back(std::move(hop));
     }
-    if (target) {
-      const std::size_t to = addVersion(name, *std::move(target));
-      version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
+  }
+
+  std::vector<Offered> hopsFrom(const std::u16string& text, const Metamodel& from) {
+    std::vector<Hop> hops;
+    host_.findHops(text, from.version, hops);
+    std::vector<Offered> result;
+    for (Hop& hop : hops) {
+      auto target = host_.getMetamodel(hop.name, hop.to);
+      const bool isCompared =
+          target && target->name == text && result_.direction != Direction::Unknown;
+      const bool isOpposite =
+          isCompared && areOpposite(result_.direction, host_.directionBetween(from, *target));
+      result.push_back({std::move(hop), std::move(target), isOpposite});
     }
-    version.hops.push_back(std::move(hop));
+    return result;
   }
 
   void keepWhatLeadsToEnd(Name& name) const {
     const bool areAllKept = areEndsOpen() || name.goal == nullptr;
     for (Version& version : name.versions) {
-      version.isKept |= areAllKept || *version.descriptor == *name.goal;
+      version.isKept |= areAllKept || version.hasUnknownHops || *version.descriptor == *name.goal;
     }
     for (bool changed = true; std::exchange(changed, false);) {
       for (std::size_t i = name.versions.size(); i-- > 0;) {
@@ -203,21 +231,50 @@ class DependencySurvey {
   void bringIn(Version& version) {
     checkpoint();
     version.areNeedsKnown = true;
-    for (const Dependency* dependency : dependenciesInLinkingOrder(*version.descriptor)) {
-      if (areEndsOpen() && !names_.contains(dependency->name)) {
-        result_.isClosed_ = false;
-        continue;
-      }
-      Need& need = version.needs.emplace_back(Need{&names_[dependency->name]});
-      host_.findMetamodels(dependency->name, dependency->range, need.candidates);
-      if (need.name->isCertain) continue;
-      for (Metamodel& candidate : need.candidates) {
-        if (candidate.name != dependency->name) throw NotForDependencies();
-        need.admitted.push_back(addVersion(*need.name, std::move(candidate)));
-        need.name->versions[need.admitted.back()].isEntry = true;
-      }
-      need.candidates.clear();
+    std::vector<const Dependency*> needed = dependenciesInLinkingOrder(*version.descriptor);
+    if (areEndsOpen()) {
+      const auto isLeftOut = [this](const Dependency* need) {
+        return !names_.contains(need->name);
+      };
+      result_.isClosed_ &= std::erase_if(needed, isLeftOut) == 0;
     }
+    std::vector<std::vector<Metamodel>> candidates(needed.size());
+    const bool areKnown =
+        failures_.attempt(*version.descriptor, DependencyFailures::Attempt::Needs, [&] {
+          for (std::size_t i = 0; i < needed.size(); ++i) {
+            host_.findMetamodels(needed[i]->name, needed[i]->range, candidates[i]);
+          }
+          version.peers = peersOf(*version.descriptor);
+        });
+    version.isLost = !areKnown && !failures_.isBestAssumed();
+    if (!areKnown) return;
+    for (std::size_t i = 0; i < needed.size(); ++i) {
+      addNeed(version, needed[i]->name, std::move(candidates[i]));
+    }
+  }
+
+  void addNeed(Version& version, const std::u16string& name, std::vector<Metamodel>&& candidates) {
+    Need& need = version.needs.emplace_back(Need{&names_[name]});
+    if (need.name->isCertain) {
+      need.candidates = std::move(candidates);
+      return;
+    }
+    for (Metamodel& candidate : candidates) {
+      if (candidate.name != name) throw NotForDependencies();
+      need.admitted.push_back(addVersion(*need.name, std::move(candidate)));
+      need.name->versions[need.admitted.back()].isEntry = true;
+    }
+  }
+
+  std::vector<Peer> peersOf(const Metamodel& metamodel) {
+    required_.clear();
+    host_.findRequirements(metamodel, required_);
+    std::vector<Peer> result;
+    for (PeerRequirement& requirement : required_) {
+      Peer& peer = result.emplace_back(Peer{std::move(requirement.name), requirement.isOptional});
+      host_.findMetamodels(peer.name, requirement.range, peer.admitted);
+    }
+    return result;
   }
 
   void addVersions() {
@@ -229,7 +286,7 @@ class DependencySurvey {
       added.first = static_cast<VersionIndex>(space.versions.size());
       added.firstWord = space.words;
       for (Version& version : name.versions) {
-        if (!version.isKept) continue;
+        if (!version.isKept || version.isLost) continue;
         version.index = static_cast<VersionIndex>(space.versions.size());
         SearchSpace::Version& kept = space.versions.emplace_back();
         kept.name = name.index;
@@ -237,6 +294,7 @@ class DependencySurvey {
         kept.hops = result_.hops.emplace_back(std::move(version.hops));
         kept.isEntry = version.isEntry;
       }
+      addUnknown(name);
       if (!name.isCertain) {
         added.absent = static_cast<VersionIndex>(space.versions.size());
         space.versions.emplace_back().name = name.index;
@@ -249,11 +307,27 @@ class DependencySurvey {
     }
   }
 
+  /// Adds what unknown hops may lead to, if there are any.
+  void addUnknown(Name& name) {
+    const auto unknown =
+        std::find_if(name.versions.begin(), name.versions.end(),
+                     [](const Version& version) { return version.hasUnknownHops; });
+    if (unknown == name.versions.end()) return;
+    name.unknown = static_cast<VersionIndex>(result_.space->versions.size());
+    SearchSpace::Version& added = result_.space->versions.emplace_back();
+    added.name = name.index;
+    added.descriptor = unknown->descriptor;
+    added.isUnknown = true;
+  }
+
   void addMoves() {
     SearchSpace& space = *result_.space;
     std::size_t most = 0;
     for (const auto& [text, name] : names_) {
-      for (const Version& version : name.versions) most += version.targets.size();
+      for (const Version& version : name.versions) {
+        most += version.targets.size() + (version.hasUnknownHops ? 2 : 0);
+      }
+      most += name.unknown == SearchSpace::none ? 0 : 1;
     }
     space.moves.reserve(most);  // versions point into it
     for (const auto& [text, name] : names_) {
@@ -266,8 +340,24 @@ class DependencySurvey {
           if (target == SearchSpace::none) continue;
           space.moves.push_back({target, kept.hops[hop.place].expensive, hop.place});
         }
+        if (version.hasUnknownHops) {
+          space.moves.push_back({name.unknown, false, 0});
+          addMoveToGoal(name);
+        }
         kept.moves = std::span(space.moves).subspan(first);
       }
+      if (name.unknown == SearchSpace::none) continue;
+      const std::size_t first = space.moves.size();
+      addMoveToGoal(name);
+      space.versions[name.unknown].moves = std::span(space.moves).subspan(first);
+    }
+  }
+
+  void addMoveToGoal(const Name& name) {
+    if (name.goal == nullptr) return;
+    for (const Version& version : name.versions) {
+      if (version.index == SearchSpace::none || *version.descriptor != *name.goal) continue;
+      result_.space->moves.push_back({version.index, false, 0});
     }
   }
 
@@ -280,7 +370,7 @@ class DependencySurvey {
         checkpoint();
         if (version.index == SearchSpace::none) continue;
         addRequirements(version);
-        addRequired(version);
+        addPeers(version);
       }
     }
     for (VersionIndex version = 0; version < count; ++version) addEntries(version);
@@ -295,27 +385,30 @@ class DependencySurvey {
     }
     for (const Need& need : version.needs) {
       std::vector<VersionIndex> admitted = admittedBy(need);
-      result_.requirements.push_back({version.index, need.name->index, admitted});
-      result_.needs_[version.index].push_back({need.name->index, std::move(admitted)});
+      result_.needs_[version.index].push_back({need.name->index, admitted});
+      require(version.index, *need.name, std::move(admitted));
     }
   }
 
-  void addRequired(const Version& version) {
-    required_.clear();
-    host_.findRequirements(*version.descriptor, required_);
-    for (const PeerRequirement& requirement : required_) {
-      const auto needed = names_.find(requirement.name);
-      if (needed == names_.end() && requirement.isOptional) continue;  // it is never held
-      if (requirement.name == version.descriptor->name) throw NotForDependencies();
+  /// Beside what is not known anything can stand.
+  void require(VersionIndex version, const Name& needed, std::vector<VersionIndex>&& admitted) {
+    if (needed.unknown != SearchSpace::none) admitted.push_back(needed.unknown);
+    result_.requirements.push_back({version, needed.index, std::move(admitted)});
+  }
+
+  void addPeers(Version& version) {
+    for (Peer& peer : version.peers) {
+      const auto needed = names_.find(peer.name);
+      if (needed == names_.end() && peer.isOptional) continue;  // it is never held
+      if (peer.name == version.descriptor->name) throw NotForDependencies();
       // What a source lacks is looked for in the first step, which links everything anew.
       const bool isHeld = needed != names_.end() && needed->second.isCertain;
-      if (!isHeld && !requirement.isOptional) throw NotForDependencies();
-      Need need{&needed->second};
-      host_.findMetamodels(requirement.name, requirement.range, need.candidates);
+      if (!isHeld && !peer.isOptional) throw NotForDependencies();
+      const Need need{&needed->second, {}, std::move(peer.admitted)};
       std::vector<VersionIndex> admitted = admittedBy(need);
       const VersionIndex absent = result_.space->names[needed->second.index].absent;
       if (absent != SearchSpace::none) admitted.push_back(absent);
-      result_.requirements.push_back({version.index, needed->second.index, std::move(admitted)});
+      require(version.index, needed->second, std::move(admitted));
     }
   }
 
@@ -389,15 +482,19 @@ class DependencySurvey {
   }
 
   SelectionHost& host_;
+  DependencyFailures& failures_;
   DependencySpace& result_;
   std::map<std::u16string, Name> names_;
   std::vector<PeerRequirement> required_;
 };
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
-                                 const VersionsByName& to)
-    : source_(host, from), target_(std::in_place, host, to) {
-  DependencySurvey(host, *this).run();
+                                 const VersionsByName& to, DependencyFailures& failures)
+    : source_(host, from) {
+  const auto source = source_.firstBaseline();
+  if (!source) return;
+  target_.emplace(host, to);
+  DependencySurvey(host, failures, *this).run(*source);
 }
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
@@ -409,7 +506,10 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
     if (goal->name != name) throw NotForDependencies();
     goals_.emplace(name, *std::move(goal));
   }
-  DependencySurvey(host, *this).run();
+  DependencyFailures failures;
+  if (const auto source = source_.firstBaseline()) {
+    DependencySurvey(host, failures, *this).run(*source);
+  }
 }
 
 void DependencySpace::visitChoices(VersionSelection selection, const Decide& decide) const {

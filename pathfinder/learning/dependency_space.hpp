@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "pathfinder/learning/dependency_failures.hpp"
 #include "pathfinder/learning/link_choices.hpp"
 #include "pathfinder/learning/selection_closure.hpp"
 #include "pathfinder/learning/selection_host.hpp"
@@ -29,15 +30,17 @@ namespace tarn::evolution::pathfinder {
 /// start as well; its sources stand for all of them together.
 class DependencySpace final : public LinkChoices {
  public:
-  /// Asks the application, once for each version that hops reach. Throws what it throws,
-  /// InvalidFamilyVersion for a selected version that it does not know, and NotForDependencies when
-  /// the question is of another kind.
-  DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to);
+  /// Asks the application, once for each version that hops reach. Throws what it throws of what the
+  /// selections stand for, InvalidFamilyVersion for a selected version that it does not know, and
+  /// NotForDependencies when the question is of another kind. What fails of other versions is left
+  /// out and noted, or the best assumed of it.
+  DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+                  DependencyFailures& failures);
 
   /// The space of all that can be reached in that direction, whether it leads to the target or not,
   /// which need not be consistent. Nor need the question be closed: names that the source does not
-  /// hold are no part of the space. Throws NotForDependencies where the source leaves open which
-  /// names it holds.
+  /// hold are no part of the space, nor is what fails. Throws NotForDependencies where the source
+  /// leaves open which names it holds.
   DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
                   Direction itsDirection);
   DependencySpace(const DependencySpace&) = delete;

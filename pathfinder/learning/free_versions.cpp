@@ -16,6 +16,7 @@
 #include <set>
 #include <utility>
 
+#include "pathfinder/learning/irreducible_assumptions.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -118,30 +119,12 @@ void FreeVersions::formulate() {
 }
 
 std::vector<VersionIndex> FreeVersions::findConflict(std::span<const VersionIndex> versions) {
-  std::vector<VersionIndex> conflict(versions.begin(), versions.end());
-  const auto isRefuted = [&](std::size_t without) {
-    std::vector<Literal> assumptions;
-    for (std::size_t i = 0; i < conflict.size(); ++i) {
-      if (i != without) assumptions.push_back(versions_[conflict[i]].held);
-    }
-    return !solver_.solve(assumptions);
-  };
-  const auto keepWhatFailed = [&] {
-    std::erase_if(conflict, [&](VersionIndex version) {
-      return !solver_.hasFailed(versions_[version].held);
-    });
-  };
-  if (!isRefuted(conflict.size())) return {};
-  keepWhatFailed();
-  for (std::size_t i = 0; i < conflict.size();) {
-    if (conflict.size() > 1 && isRefuted(i)) {
-      conflict.erase(conflict.begin() + static_cast<std::ptrdiff_t>(i));
-      keepWhatFailed();
-      i = 0;
-    } else {
-      ++i;
-    }
-  }
+  std::vector<Literal> held;
+  for (const VersionIndex version : versions) held.push_back(versions_[version].held);
+  const auto places = findIrreducible(solver_, {}, held);
+  if (!places) return {};
+  std::vector<VersionIndex> conflict;
+  for (const std::size_t place : *places) conflict.push_back(versions[place]);
   return conflict;
 }
 

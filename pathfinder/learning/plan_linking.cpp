@@ -7,7 +7,7 @@
 #include <array>
 
 #include "messages/report_exception.hpp"
-#include "pathfinder/learning/sat_solver.hpp"
+#include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/search/tried_baselines.hpp"
@@ -119,30 +119,44 @@ void PlanLinking::requireNoMoreLinks() {
     for (const VersionIndex version : requirement.admitted) clause.push_back(isHeld[version]);
     solver.addClause(clause);
   }
-  VersionSelection selection(space_.names.size());
   for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
-    if (space_.isAbsent(version) || known_.contains(version)) continue;
-    if (!solver.solve(std::array{isHeld[version]})) continue;
-    linked_.assign(selection.size(), nullptr);
-    for (NameIndex name = 0; name < selection.size(); ++name) {
-      const auto& [first, end] = std::pair(space_.names[name].first, space_.names[name].end);
-      selection[name] = first;
-      while (selection[name] < end && !solver.isTrue(isHeld[selection[name]])) ++selection[name];
-      if (selection[name] == end) selection[name] = SearchSpace::none;
+    if (space_.isAbsent(version)) continue;
+    while (!known_.contains(version) && solver.solve(std::array{isHeld[version]})) {
+      const VersionIndex failed = linkEach(selectionIn(solver, isHeld));
+      if (failed != SearchSpace::none) solver.addClause({-isHeld[failed]});
     }
-    linkEach(selection);
   }
 }
 
-void PlanLinking::linkEach(SelectionView selection) {
-  try {
-    for (NameIndex name = 0; name < selection.size(); ++name) {
-      const bool isHeld = selection[name] != SearchSpace::none && !space_.isAbsent(selection[name]);
-      if (isHeld) linkAll(selection, name);
-    }
-  } catch (const Conflict&) {
-    throw NotLinkable();
+VersionSelection PlanLinking::selectionIn(const SatSolver& solver,
+                                          const std::vector<Literal>& isHeld) const {
+  VersionSelection selection;
+  for (const SearchSpace::Name& name : space_.names) {
+    VersionIndex held = name.first;
+    while (held < name.end && !solver.isTrue(isHeld[held])) ++held;
+    const bool isNone = held == name.end || space_.isAbsent(held);
+    selection.push_back(isNone ? SearchSpace::none : held);
   }
+  return selection;
+}
+
+/// The version with which the application fails, if it does: whatever plan holds it will say so.
+VersionIndex PlanLinking::linkEach(SelectionView selection) {
+  linked_.assign(selection.size(), nullptr);
+  bool isLinkable = true;
+  const bool hasFailed = failureOf([&] {
+                           try {
+                             for (NameIndex name = 0; name < selection.size(); ++name) {
+                               if (selection[name] != SearchSpace::none) linkAll(selection, name);
+                             }
+                           } catch (const Conflict&) {
+                             isLinkable = false;
+                           } catch (const NotLinkable&) {
+                             isLinkable = false;
+                           }
+                         }) != nullptr;
+  if (!isLinkable) throw NotLinkable();
+  return hasFailed ? underWay_ : SearchSpace::none;
 }
 
 /// Links a name's version after all that it depends on.
@@ -184,6 +198,7 @@ std::shared_ptr<LinkedMetamodel> PlanLinking::link(SelectionView selection, Name
     const NameIndex needed = dependencies_.dependencies[selection[name]][place];
     chosen.emplace(dependency.name, LinkedMetamodels{linked_[needed]});
   }
+  underWay_ = selection[name];
   auto linked = host_.linkAlone(descriptor, chosen);
   if (linked->linkedMetamodels.contains(linked->name)) throw NotLinkable();
   if (mayBringIn_ && linksMoreThan(*linked, chosen)) throw NotLinkable();

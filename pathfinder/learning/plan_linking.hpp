@@ -9,6 +9,7 @@
 
 #include "pathfinder/hop.hpp"
 #include "pathfinder/learning/dependency_space.hpp"
+#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/version_baseline.hpp"
@@ -40,7 +41,8 @@ class PlanLinking {
 
   /// Where names may be brought in, links each version that can be held to something that it can be
   /// held with: a link that no dependency asks for could bring in a name that no plan knows of.
-  /// Throws NotLinkable if there is one.
+  /// Throws NotLinkable if there is one. What the application fails with is left to the plans that
+  /// hold it.
   void requireNoMoreLinks();
 
  private:
@@ -48,7 +50,8 @@ class PlanLinking {
                      SelectionView after) const;
   std::optional<VersionBaseline> hold(SelectionView selection);
   std::optional<VersionBaseline> combined() const;
-  void linkEach(SelectionView selection);
+  VersionSelection selectionIn(const SatSolver& solver, const std::vector<Literal>& isHeld) const;
+  VersionIndex linkEach(SelectionView selection);
   void linkAll(SelectionView selection, NameIndex root);
   std::shared_ptr<LinkedMetamodel> link(SelectionView selection, NameIndex name);
 
@@ -58,7 +61,8 @@ class PlanLinking {
   const bool mayBringIn_ =
       std::any_of(space_.names.begin(), space_.names.end(),
                   [](const auto& name) { return name.absent != SearchSpace::none; });
-  LinkedMetamodels linked_;  // by name: of the selection that is being held
+  LinkedMetamodels linked_;                    // by name: of the selection that is being held
+  VersionIndex underWay_ = SearchSpace::none;  // the last one that was linked, or is being
 
   // What was linked of each version, by what was linked for its dependencies.
   std::unordered_map<

@@ -1,5 +1,6 @@
 // Plans over a dependency space and links what the plan holds. A selection that cannot be held is
-// forbidden, and planned again.
+// forbidden, and planned again. What the application failed at is left out; it counts if a plan
+// that makes the most of it would come before the one that was found.
 
 #include "pathfinder/learning/selection_search.hpp"
 
@@ -20,39 +21,18 @@ using diagnostics::traceValue;
 
 namespace {
 
-class SelectionSearch {
+/// Plans over a dependency space.
+class SelectionPlanner {
  public:
-  SelectionSearch(SelectionHost& host, const DependencySpace& dependencies)
+  explicit SelectionPlanner(const DependencySpace& dependencies)
       : dependencies_(dependencies),
         space_(*dependencies.space),
         compatibility_(space_, dependencies.requirements),
-        bounds_(computeVersionBounds(space_, compatibility_)),
-        linking_(host, dependencies) {}
+        bounds_(computeVersionBounds(space_, compatibility_)) {}
 
-  SelectionAnswer run(SelectionPlanning planning) {
-    SelectionView impossible;
-    if (planning == SelectionPlanning::BackwardFirst) {
-      const auto plan = planBackwardFromOnlySource();
-      auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
-      if (path) return {true, std::move(path)};
-    }
-    const auto planner =
-        LearningPlanner::create({space_, compatibility_, bounds_}, {dependencies_.target},
-                                dependencies_, dependencies_.openStart());
-    if (!planner) return {false};
-    linking_.requireNoMoreLinks();
-    while (const auto plan = planner->plan()) {
-      if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
-      planner->forbidTogether(impossible);
-    }
-    traceValue("Exhausted search");
-    return {};
-  }
-
- private:
   /// The best plan, as far as it takes little to find it: a long way between few names, above all,
   /// whose steps the search that learns would all have at once. No value when there may be another.
-  std::optional<BackwardPlan> planBackwardFromOnlySource() const {
+  std::optional<BackwardPlan> planEasily() const {
     const bool mayBringIn =
         std::any_of(space_.names.begin(), space_.names.end(),
                     [](const auto& name) { return name.absent != SearchSpace::none; });
@@ -68,7 +48,102 @@ class SelectionSearch {
     return std::nullopt;
   }
 
+  /// Null when the question is not for it.
+  std::unique_ptr<LearningPlanner> learnerTo(const VersionSelection& target) const {
+    return LearningPlanner::create({space_, compatibility_, bounds_}, {target}, dependencies_,
+                                   dependencies_.openStart());
+  }
+
+ private:
+  const DependencySpace& dependencies_;
+  const SearchSpace& space_;
+  const Compatibility compatibility_;
+  const AllVersionBounds bounds_;
+};
+
+/// The same question with the best that may be assumed of what the application failed at.
+class AtBest {
+ public:
+  AtBest(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+         DependencyFailures& failures)
+      : failures_(failures), dependencies_(host, from, to, failures), planner_(dependencies_) {
+    first_ = planner_.planEasily();
+    if (!first_) first_ = planTo(dependencies_.target);
+  }
+
+  /// Throws what failed in the plan that comes first, if it comes before another one.
+  void throwIfBefore(const BackwardPlan& other) const {
+    if (first_ && comesFirst(*first_, other)) throwWhatFailedIn(*first_);
+  }
+
+  /// Throws what a search meets that tries every step, where there is no plan but with it.
+  void throwWhatIsWithinReach() const {
+    if (first_) throwWhatFailedIn(*first_);
+    const SearchSpace& space = *dependencies_.space;
+    for (VersionIndex version = 0; version < space.versions.size(); ++version) {
+      if (space.isAbsent(version)) continue;
+      if (!failures_.contain(*space.versions[version].descriptor)) continue;
+      VersionSelection target(space.names.size(), SearchSpace::none);
+      target[space.versions[version].name] = version;
+      if (const auto plan = planTo(target)) throwWhatFailedIn(*plan);
+    }
+  }
+
+ private:
+  std::optional<BackwardPlan> planTo(const VersionSelection& target) const {
+    const auto learner = planner_.learnerTo(target);
+    if (!learner) throw NotForDependencies();
+    return learner->plan();
+  }
+
+  void throwWhatFailedIn(const BackwardPlan& plan) const {
+    std::vector<const Metamodel*> held;
+    for (const VersionIndex version : plan.bestVersions()) {
+      const Metamodel* descriptor = dependencies_.space->versions[version].descriptor;
+      if (descriptor != nullptr) held.push_back(descriptor);
+    }
+    failures_.throwFirstOf(held);
+  }
+
+  const DependencyFailures& failures_;
+  const DependencySpace dependencies_;
+  const SelectionPlanner planner_;
+  std::optional<BackwardPlan> first_;
+};
+
+class SelectionSearch {
+ public:
+  /// `atBest` is null where nothing failed.
+  SelectionSearch(SelectionHost& host, const DependencySpace& dependencies, const AtBest* atBest)
+      : dependencies_(dependencies),
+        planner_(dependencies),
+        linking_(host, dependencies),
+        atBest_(atBest) {}
+
+  SelectionAnswer run(SelectionPlanning planning) {
+    SelectionView impossible;
+    if (planning == SelectionPlanning::BackwardFirst) {
+      const auto plan = planner_.planEasily();
+      auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
+      if (path) return {true, std::move(path)};
+    }
+    const auto learner = planner_.learnerTo(dependencies_.target);
+    if (!learner) return {false};
+    linking_.requireNoMoreLinks();
+    while (const auto plan = learner->plan()) {
+      if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
+      // The application has linked more than dependencies say, which no best assumption knows.
+      if (atBest_ != nullptr) return {false};
+      learner->forbidTogether(impossible);
+    }
+    if (atBest_ != nullptr) atBest_->throwWhatIsWithinReach();
+    traceValue("Exhausted search");
+    return {};
+  }
+
+ private:
   std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {
+    if (atBest_ != nullptr) atBest_->throwIfBefore(plan);
     auto path = linking_.carryOut(plan, impossible);
     if (!path) return std::nullopt;
     traceValue("Reached target");
@@ -81,16 +156,15 @@ class SelectionSearch {
     VersionBaseline target;
     for (NameIndex name = 0; name < dependencies_.target.size(); ++name) {
       if (dependencies_.target[name] == SearchSpace::none) continue;
-      target.tryEmplace(last.metamodels.at(space_.names[name].text));
+      target.tryEmplace(last.metamodels.at(dependencies_.space->names[name].text));
     }
     return target;
   }
 
   const DependencySpace& dependencies_;
-  const SearchSpace& space_;
-  const Compatibility compatibility_;
-  const AllVersionBounds bounds_;
+  const SelectionPlanner planner_;
   PlanLinking linking_;
+  const AtBest* const atBest_;
 };
 
 }  // namespace
@@ -99,9 +173,15 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
                                         const VersionsByName& to, SelectionPlanning planning) {
   if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
   try {
-    const DependencySpace dependencies(host, from, to);
+    DependencyFailures failures;
+    const DependencySpace dependencies(host, from, to, failures);
     if (!dependencies.hasEnds()) return {};
-    return SelectionSearch(host, dependencies).run(planning);
+    std::optional<AtBest> atBest;
+    if (failures.any()) {
+      failures.assumeBest();
+      atBest.emplace(host, from, to, failures);
+    }
+    return SelectionSearch(host, dependencies, atBest ? &*atBest : nullptr).run(planning);
   } catch (const NotForDependencies&) {
     return {false};
   } catch (const NotLinkable&) {

@@ -6,7 +6,7 @@
 
 #include "pathfinder/learning/variant_conflict.hpp"
 
-#include <algorithm>
+#include "pathfinder/learning/irreducible_assumptions.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -74,30 +74,9 @@ VariantIndex VariantConflict::variantOf(NameIndex name, const LinkedMetamodel& l
 
 std::optional<std::vector<NameIndex>> VariantConflict::findUnder(
     const std::vector<Literal>& fixed) {
-  std::vector<NameIndex> conflict;
-  for (NameIndex name = 0; name < wanted_.size(); ++name) conflict.push_back(name);
-  const auto isRefuted = [&](std::size_t without) {
-    std::vector<Literal> assumptions = fixed;
-    for (std::size_t i = 0; i < conflict.size(); ++i) {
-      if (i != without) assumptions.push_back(wanted_[conflict[i]]);
-    }
-    return !solver_.solve(assumptions);
-  };
-  const auto keepWhatFailed = [&] {
-    std::erase_if(conflict, [&](NameIndex name) { return !solver_.hasFailed(wanted_[name]); });
-  };
-  if (!isRefuted(conflict.size())) return std::nullopt;
-  keepWhatFailed();
-  for (std::size_t i = 0; i < conflict.size();) {
-    if (isRefuted(i)) {
-      conflict.erase(conflict.begin() + static_cast<std::ptrdiff_t>(i));
-      keepWhatFailed();
-      i = 0;
-    } else {
-      ++i;
-    }
-  }
-  return conflict;
+  const auto places = findIrreducible(solver_, fixed, wanted_);
+  if (!places) return std::nullopt;
+  return std::vector<NameIndex>(places->begin(), places->end());
 }
 
 }  // namespace tarn::evolution::pathfinder

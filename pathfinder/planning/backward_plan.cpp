@@ -72,9 +72,25 @@ std::vector<SelectionIndex> BackwardPlan::bestSelections() const {
   return result;
 }
 
+std::vector<VersionIndex> BackwardPlan::bestVersions() const {
+  std::vector<VersionIndex> versions;
+  for (const SelectionIndex selection : bestSelections()) {
+    const SelectionView held = selections_[selection];
+    versions.insert(versions.end(), held.begin(), held.end());
+  }
+  return versions;
+}
+
 std::size_t BackwardPlan::bytes() const {
   return chains_.bytes() + selections_.bytes() + continuations_.capacity() * sizeof(Continuation) +
          steps_.capacity() * sizeof(Step) + hops_.bytes();
+}
+
+bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
+  const std::vector<std::uint64_t> weights = left.weights();
+  const std::vector<std::uint64_t> others = right.weights();
+  return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
+               {right.cost().total, WeightChains::empty, others}) < 0;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -46,6 +46,9 @@ class BackwardPlan {
   /// The selections that best plans hold.
   std::vector<SelectionIndex> bestSelections() const;
 
+  /// The versions of these, with what stands for none.
+  std::vector<VersionIndex> bestVersions() const;
+
   /// Whether anything is planned from a selection of the table on, and what that costs.
   bool reaches(SelectionIndex selection) const {
     return selection < continuations_.size() && continuations_[selection].isReached;
@@ -113,5 +116,8 @@ class BackwardPlan {
   PlanCost cost_;
   std::uint32_t regularSources_ = 0;  // they are the first selections of the table
 };
+
+/// Whether the cost of one comes before that of the other, step weights included.
+bool comesFirst(const BackwardPlan& left, const BackwardPlan& right);
 
 }  // namespace tarn::evolution::pathfinder

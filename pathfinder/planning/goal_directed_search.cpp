@@ -30,13 +30,6 @@ namespace {
 
 using Verdict = SearchAnswer::Verdict;
 
-bool comesFirst(const BackwardPlan& left, const BackwardPlan& right) {
-  const std::vector<std::uint64_t> weights = left.weights();
-  const std::vector<std::uint64_t> others = right.weights();
-  return order(left.chains(), {left.cost().total, WeightChains::empty, weights},
-               {right.cost().total, WeightChains::empty, others}) < 0;
-}
-
 /// The best plans of a space, of one cost: those without an idle step, and those that begin with
 /// each of them.
 using Plans = std::vector<BackwardPlan>;
@@ -210,17 +203,7 @@ class GoalDirectedSearch {
     const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
     const Plans best = planIn(ground);
     if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;
-    survey_.throwFailureOf(versionsOf(best.front()));
-  }
-
-  /// The versions that best plans hold.
-  static std::vector<VersionIndex> versionsOf(const BackwardPlan& plan) {
-    std::vector<VersionIndex> versions;
-    for (const SelectionIndex selection : plan.bestSelections()) {
-      const SelectionView held = plan.selections()[selection];
-      versions.insert(versions.end(), held.begin(), held.end());
-    }
-    return versions;
+    survey_.throwFailureOf(best.front().bestVersions());
   }
 
   const SearchQuestion& question_;

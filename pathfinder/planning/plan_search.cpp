@@ -22,6 +22,7 @@
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/dominance.hpp"
 #include "pathfinder/planning/incoming_hops.hpp"
+#include "pathfinder/planning/selection_links.hpp"
 #include "pathfinder/planning/word_pool.hpp"
 #include "pathfinder/search/step_weight.hpp"
 
@@ -39,6 +40,7 @@ class PlanSearch {
         incoming_(ground.space, ground.bounds),
         dominance_(ground.space, ground.compatibility, incoming_,
                    first ? first->target : SearchSpace::none),
+        links_(ground.space),
         plan_(ground.space.names.size(), ground.space.sources.size()) {
     const auto& sources = ground.space.sources;
     for (const SearchSpace::Source& source : sources) {
@@ -261,10 +263,10 @@ class PlanSearch {
                                                        : PlannedHop::Expensive);
       hopWeights += option.hop;
     }
-    if (!isClosed(before_)) return;
+    if (!links_.mayBeHeld(before_)) return;
     PlanCost cost = stage.cost;
     if (stage.after != SearchSpace::none) {
-      if (!canLeadTo(before_, plan_.selections_[stage.after])) return;
+      if (!links_.mayLeadTo(before_, plan_.selections_[stage.after])) return;
       cost.total += stepWeight(hopWeights);
       cost.weights = plan_.chains_.append(cost.weights, stepWeight(hopWeights));
     }
@@ -302,7 +304,7 @@ class PlanSearch {
       hopWeights += hopWeight(hops_[name] == PlannedHop::Expensive);
     }
     if (first_ && !isFirstStep(to)) return;
-    if (!canLeadTo(from, to)) return;
+    if (!links_.mayLeadTo(from, to)) return;
     if (hopWeights > 0) {
       addIrregular(source, after, cost, hopWeights);
       return;
@@ -349,119 +351,6 @@ class PlanSearch {
     offerBest(cost);
   }
 
-  bool canLeadTo(SelectionView before, SelectionView after) {
-    return isBroughtIn(before, after) && areCombinedInOrder(before, after);
-  }
-
-  /// Whether links to another version of the linking name stand back. Names that were held before
-  /// the step are combined one after the other: none may link another version of a later one than
-  /// the step leads to, though that one may bring it in; nor the first one of its own.
-  bool areCombinedInOrder(SelectionView before, SelectionView after) const {
-    const SearchSpace& space = ground_.space;
-    if (!space.anyLinksOwnName) return true;
-    bool isFirst = true;
-    for (NameIndex name = 0; name < after.size(); ++name) {
-      if (name >= space.firstIrrelevant) isFirst = false;
-      if (space.isAbsent(before[name])) continue;
-      const auto agreesWithLater = [&](const SearchSpace::Link& link) {
-        return link.name <= name || space.isAbsent(before[link.name]) ||
-               space.variants[link.variant].version == after[link.name];
-      };
-      const auto variants = space.variantsOf(after[name]);
-      const bool isCombined =
-          std::any_of(variants.begin(), variants.end(), [&](const SearchSpace::Variant& variant) {
-            return !(isFirst && variant.linksOwnName) &&
-                   std::all_of(variant.closure.begin(), variant.closure.end(), agreesWithLater);
-          });
-      if (!isCombined) return false;
-      isFirst = false;
-    }
-    return true;
-  }
-
-  /// Whether every name that the step adds is linked by a name that was held before it.
-  bool isBroughtIn(SelectionView before, SelectionView after) {
-    const SearchSpace& space = ground_.space;
-    entering_.clear();
-    for (NameIndex name = 0; name < before.size(); ++name) {
-      if (space.isAbsent(before[name]) && !space.isAbsent(after[name])) entering_.push_back(name);
-    }
-    for (NameIndex name = 0; name < before.size() && !entering_.empty(); ++name) {
-      if (space.isAbsent(before[name])) continue;
-      for (const SearchSpace::Variant& variant : space.variantsOf(after[name])) {
-        if (!matches(variant.closure, after)) continue;
-        std::erase_if(entering_, [&](NameIndex added) {
-          return std::any_of(variant.closure.begin(), variant.closure.end(),
-                             [added](const SearchSpace::Link& link) { return link.name == added; });
-        });
-      }
-    }
-    return entering_.empty();
-  }
-
-  /// Whether each version has a linked metamodel all links of which are to what the selection
-  /// holds. That any two versions can stand together need not mean that for linked metamodels which
-  /// link several names.
-  bool isClosed(SelectionView selection) const {
-    return std::all_of(entangled_.begin(), entangled_.end(), [&](NameIndex name) {
-      const auto variants = ground_.space.variantsOf(selection[name]);
-      return (variants.size() <= 1 && !ground_.space.anyLinksOwnName) || variants.empty() ||
-             std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
-               return variant.canBeCombined && hasItsLinks(variant, name, selection);
-             });
-    });
-  }
-
-  /// Whether the selection holds what a variant of a name links. A link back to another version of
-  /// the name that brings the variant in stands back.
-  bool hasItsLinks(const SearchSpace::Variant& variant, NameIndex name,
-                   SelectionView selection) const {
-    const SearchSpace& space = ground_.space;
-    const VariantIndex own = variant.heldUnder(name);
-    return std::all_of(
-        variant.closure.begin(), variant.closure.end(), [&](const SearchSpace::Link& link) {
-          const VersionIndex held = selection[link.name];
-          return space.variants[link.variant].version == held ||
-                 (space.anyLinksOwnName && isBroughtInBy(link.name, name, own, selection));
-        });
-  }
-
-  /// Whether what the selection holds under a name may link a variant.
-  bool isBroughtInBy(NameIndex linking, NameIndex name, VariantIndex linked,
-                     SelectionView selection) const {
-    const auto variants = ground_.space.variantsOf(selection[linking]);
-    return std::any_of(variants.begin(), variants.end(), [&](const auto& variant) {
-      return variant.canBeCombined && variant.heldUnder(name) == linked &&
-             matches(variant.closure, selection);
-    });
-  }
-
-  /// The names of which a version has several linked metamodels that link several names, or cannot
-  /// all be held; where versions link others of their own names, all that link something.
-  std::vector<NameIndex> findEntangled() const {
-    const SearchSpace& space = ground_.space;
-    std::vector<NameIndex> result;
-    for (VersionIndex version = 0; version < space.versions.size(); ++version) {
-      const NameIndex name = space.versions[version].name;
-      const auto variants = space.variantsOf(version);
-      if (!result.empty() && result.back() == name) continue;
-      if (variants.size() <= 1 && !space.anyLinksOwnName) continue;
-      const std::size_t pairwise = space.anyLinksOwnName ? 1 : 2;  // names that rows settle
-      const bool isEntangled =
-          std::any_of(variants.begin(), variants.end(), [&](const SearchSpace::Variant& variant) {
-            return variant.closure.size() > pairwise || !variant.canBeCombined;
-          });
-      if (isEntangled) result.push_back(name);
-    }
-    return result;
-  }
-
-  bool matches(std::span<const SearchSpace::Link> closure, SelectionView selection) const {
-    return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
-      return ground_.space.variants[link.variant].version == selection[link.name];
-    });
-  }
-
   const PlanningGround& ground_;
   const std::optional<IdleStep> first_;  // if it has to be the first
   const std::uint64_t most_;             // that a plan may cost
@@ -469,7 +358,7 @@ class PlanSearch {
   const bool provesTotals_;
   const IncomingHops incoming_;
   const Dominance dominance_;
-  const std::vector<NameIndex> entangled_ = findEntangled();
+  const SelectionLinks links_;
   BackwardPlan plan_;
   std::vector<std::size_t> irregularSources_;
   std::optional<PlanCost> best_;
@@ -485,7 +374,6 @@ class PlanSearch {
   std::vector<StepOption> options_;
   std::vector<VersionIndex> before_;
   std::vector<PlannedHop> hops_;
-  std::vector<NameIndex> entering_;
 };
 
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <exception>
-#include <new>
+#include <utility>
 #include <vector>
 
 #include "messages/report_exception.hpp"
-#include "pathfinder/limits/linking_budget.hpp"
-#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/planning/search_space.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -28,20 +27,17 @@ class SurveyFailures {
   /// Runs an action that asks the application of a version; false when it failed, which is noted.
   template <class Action>
   bool attempt(SurveyedVersion& version, SurveyAttempt what, const Action& action) {
-    try {
-      action();
-      return true;
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const SearchStopped&) {
-      throw;
-    } catch (const LinkingBudget::Spent&) {
-      throw;
-    } catch (const Conflict&) {
-      all_.push_back({&version, what, std::current_exception(), true});
-    } catch (...) {
-      all_.push_back({&version, what, std::current_exception(), false});
-    }
+    bool isConflict = false;
+    std::exception_ptr exception = failureOf([&] {
+      try {
+        action();
+      } catch (const Conflict&) {
+        isConflict = true;
+        throw;
+      }
+    });
+    if (!exception) return true;
+    all_.push_back({&version, what, std::move(exception), isConflict});
     return false;
   }
 

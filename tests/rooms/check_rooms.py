@@ -4,7 +4,8 @@
 usage: check_rooms.py PROJECT
 
 A file belongs to the room whose folder it is in. A header beside the rooms belongs to the one that holds its source,
-or, without one, to the uppermost that it includes; sources beside the rooms stand above those before "beside".
+or, without one, to the uppermost that it includes; sources beside the rooms stand above those before "beside", but for
+values, which stand in the lowest room.
 """
 
 import pathlib
@@ -12,9 +13,15 @@ import re
 import sys
 
 LAYERS = ["platform", "messages", "pathfinder", "catalogue", "tools"]  # lowest first, as are the rooms
-ROOMS = {"catalogue": [
-    "text", "model", "reading", "store", "import", "check", "picture", "explanation", "explorer", "conditions",
-    "comparison", "beside", "c"]}
+ROOMS = {
+    "pathfinder": ["values", "limits", "linking", "search", "planning", "learning", "beside"],
+    "catalogue": [
+        "text", "model", "reading", "store", "import", "check", "picture", "explanation", "explorer", "conditions",
+        "comparison", "beside", "c"]}
+# What stands beside the rooms and is passed around between them.
+VALUES = {"pathfinder": {
+    "hop", "linked_metamodel", "metamodel", "requirement", "search_limits", "semver", "version_baseline",
+    "version_id"}}
 INCLUDE = re.compile(r'^#include "([a-z_]+/[\w./]+)"', re.MULTILINE)
 
 
@@ -37,6 +44,8 @@ def place_of(file, files):
     rooms = ROOMS.get(layer, [])
     if len(folders) > 1:
         room = rooms.index(folders[0]) if folders[0] in rooms else 0
+    elif pathlib.PurePath(file).stem in VALUES.get(layer, ()):
+        room = 0
     elif file.endswith(".cpp"):
         room = beside(rooms)
     else:

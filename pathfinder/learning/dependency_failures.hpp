@@ -1,0 +1,70 @@
+#pragma once
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <utility>
+#include <vector>
+
+#include "pathfinder/limits/application_failure.hpp"
+#include "pathfinder/metamodel.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// What the application failed at while dependencies were surveyed, by version. Kept, because the
+/// answer need not depend on it: a question is answered without what failed, and then, if anything
+/// did, with the best that may be assumed of it.
+class DependencyFailures {
+ public:
+  enum class Attempt {
+    Hops,  ///< or look at where they lead
+    Needs,
+  };
+
+  /// Runs an action that asks the application of a version; false when it fails, or has failed
+  /// before: then it is not asked again.
+  template <class Action>
+  bool attempt(const Metamodel& version, Attempt what, const Action& action) {
+    const bool hasFailed = std::any_of(all_.begin(), all_.end(), [&](const Failure& failure) {
+      return failure.attempt == what && failure.version == version;
+    });
+    if (hasFailed) return false;
+    std::exception_ptr exception = failureOf(action);
+    if (exception) all_.push_back({version, what, std::move(exception)});
+    return !exception;
+  }
+
+  bool any() const { return !all_.empty(); }
+
+  bool contain(const Metamodel& version) const {
+    return std::any_of(all_.begin(), all_.end(),
+                       [&](const Failure& failure) { return failure.version == version; });
+  }
+
+  /// From here on: a version of which it is not known what it needs needs nothing, and hops that
+  /// are not known lead everywhere.
+  void assumeBest() { isBestAssumed_ = true; }
+  bool isBestAssumed() const { return isBestAssumed_; }
+
+  /// Throws what the first of some versions failed with, if any did, in the order of asking.
+  void throwFirstOf(const std::vector<const Metamodel*>& versions) const {
+    for (const Failure& failure : all_) {
+      const bool isAsked =
+          std::any_of(versions.begin(), versions.end(),
+                      [&](const Metamodel* version) { return *version == failure.version; });
+      if (isAsked) std::rethrow_exception(failure.exception);
+    }
+  }
+
+ private:
+  struct Failure {
+    Metamodel version;
+    Attempt attempt;
+    std::exception_ptr exception;
+  };
+
+  std::deque<Failure> all_;
+  bool isBestAssumed_ = false;
+};
+
+}  // namespace tarn::evolution::pathfinder

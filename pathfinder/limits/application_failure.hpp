@@ -1,0 +1,29 @@
+#pragma once
+
+#include <exception>
+#include <new>
+
+#include "pathfinder/limits/linking_budget.hpp"
+#include "pathfinder/limits/search_watch.hpp"
+
+namespace tarn::evolution::pathfinder {
+
+/// Runs an action that asks the application: what it failed with, null if it did not. What stops a
+/// search, as what memory lacks, is thrown on.
+template <class Action>
+std::exception_ptr failureOf(const Action& action) {
+  try {
+    action();
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const SearchStopped&) {
+    throw;
+  } catch (const LinkingBudget::Spent&) {
+    throw;
+  } catch (...) {
+    return std::current_exception();
+  }
+  return nullptr;
+}
+
+}  // namespace tarn::evolution::pathfinder
