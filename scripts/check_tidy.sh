@@ -6,5 +6,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh
-cmake --preset clang --log-level=WARNING >/dev/null
+scripts/setup_python.sh
+cmake --preset clang --log-level=WARNING -DTARN_BUILD_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3 >/dev/null
 python3 scripts/run_tidy.py build/clang "$@"

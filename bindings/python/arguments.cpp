@@ -33,6 +33,7 @@ VersionRange readRange(const RangeTuple& tuple) {
 
 VersionRange readRanges(const std::vector<RangeTuple>& tuples) {
   std::vector<VersionRange> ranges;
+  ranges.reserve(tuples.size());
   for (const RangeTuple& tuple : tuples) ranges.push_back(readRange(tuple));
   return unionOf(ranges);
 }

@@ -53,7 +53,7 @@ std::string textOf(const resource_core::MessageArgument& argument) {
 
 }  // namespace
 
-void translate(std::exception_ptr pending) {
+void translate(std::exception_ptr pending) {  // NOLINT(performance-unnecessary-value-param)
   try {
     if (pending) std::rethrow_exception(pending);
   } catch (const SearchStopped& error) {

@@ -55,7 +55,7 @@ class ValueMaker {
   template <class... Values>
   py::object operator()(const Values&... values) const {
     auto* const type = reinterpret_cast<PyTypeObject*>(type_.ptr());
-    const auto made = py::reinterpret_steal<py::object>(type->tp_alloc(type, 0));
+    auto made = py::reinterpret_steal<py::object>(type->tp_alloc(type, 0));
     if (!made) throw py::error_already_set();
     auto field = fields_.begin();
     (set(made, *field++, objectOf(values)), ...);
