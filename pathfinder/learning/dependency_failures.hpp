@@ -30,8 +30,9 @@ class DependencyFailures {
     });
     if (hasFailed) return false;
     std::exception_ptr exception = failureOf(action);
-    if (exception) all_.push_back({version, what, std::move(exception)});
-    return !exception;
+    if (!exception) return true;
+    all_.push_back({version, what, std::move(exception)});
+    return false;
   }
 
   bool any() const { return !all_.empty(); }

@@ -178,10 +178,12 @@ class DependencySurvey {
       // A fault of the application's, which a plain search reports.
       if (!target && result_.direction != Direction::Unknown) throw NotForDependencies();
       if (isOpposite) continue;
-      const std::size_t to = target ? addVersion(name, *std::move(target)) : 0;
-      Version& version = name.versions[place];
-      if (target) version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
-      version.hops.push_back(std::move(hop));
+      if (target) {
+        const std::size_t to = addVersion(name, *std::move(target));
+        Version& version = name.versions[place];
+        version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
+      }
+      name.versions[place].hops.push_back(std::move(hop));
     }
   }
 

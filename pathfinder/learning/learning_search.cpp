@@ -46,6 +46,7 @@ class LearningSearch {
   static std::vector<VersionIndex> versionsOf(SelectionView selection,
                                               const std::vector<NameIndex>& names) {
     std::vector<VersionIndex> versions;
+    versions.reserve(names.size());
     for (const NameIndex name : names) versions.push_back(selection[name]);
     return versions;
   }

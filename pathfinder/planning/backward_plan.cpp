@@ -68,7 +68,9 @@ std::vector<SelectionIndex> BackwardPlan::bestSelections() const {
     if (isBestFromIrregular(source)) visit(stepsFromIrregular(source), listStep);
   }
   // The list grows on the way.
-  for (std::size_t i = 0; i < result.size(); ++i) visit(stepsFrom(result[i]), listStep);
+  for (std::size_t i = 0; i < result.size(); ++i) {  // NOLINT(modernize-loop-convert)
+    visit(stepsFrom(result[i]), listStep);
+  }
   return result;
 }
 

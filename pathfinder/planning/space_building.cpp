@@ -437,6 +437,7 @@ class SpaceBuilding {
   /// False when no selection of the space can include the target.
   bool select(const SurveyedTarget& target, VersionSelection& selection) const {
     for (const auto& [name, linked] : target.entries) {
+      if (space_->anyLinksOwnName && target.added.contains(*name->text)) continue;
       const SurveyedVersion* version = versionOf({name, linked});
       if (version == nullptr || !isOneOf(*linked, *version)) return false;
       selection[name->index] = version->index;

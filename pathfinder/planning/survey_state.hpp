@@ -163,7 +163,10 @@ struct SurveyedSource {
 /// A target of the question, irrelevant names left out, and closed under its links.
 struct SurveyedTarget {
   std::vector<SurveyedEntry> entries;
-  std::unordered_map<std::u16string_view, const LinkedMetamodel*> added;  ///< by closing it
+
+  /// By closing it. Where metamodels link others of their own names, such an entry may stand back
+  /// for what brings in the one that links it.
+  std::unordered_map<std::u16string_view, const LinkedMetamodel*> added;
   std::vector<SurveyedName*> absent;  ///< names that it must not hold
   bool isPossible = true;
 };
@@ -183,12 +186,16 @@ struct SurveyState {
     return names.try_emplace(text, text).first->second;
   }
 
-  /// What a target, closed under its links, holds under a name; null for nothing.
+  /// What a target holds by itself under a name; null for nothing.
   const LinkedMetamodel* heldBy(std::size_t target, const std::u16string& name) const {
     const auto& metamodels = question.targets[target].metamodels;
-    if (const auto held = metamodels.find(name); held != metamodels.end()) {
-      return held->second.get();
-    }
+    const auto held = metamodels.find(name);
+    return held == metamodels.end() ? nullptr : held->second.get();
+  }
+
+  /// The same of a target that is closed under its links.
+  const LinkedMetamodel* heldByClosed(std::size_t target, const std::u16string& name) const {
+    if (const LinkedMetamodel* held = heldBy(target, name)) return held;
     const auto& added = targets[target].added;
     const auto held = added.find(name);
     return held == added.end() ? nullptr : held->second;

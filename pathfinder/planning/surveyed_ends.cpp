@@ -70,15 +70,13 @@ void SurveyedEnds::closeTarget(std::size_t target, const LinkedMetamodel& linked
   SurveyedTarget& surveyed = state_.targets[target];
   for (const auto& [key, link] : linked.linkedMetamodels) {
     if (key == linked.name) continue;
-    const LinkedMetamodel* held = state_.heldBy(target, key);
+    const LinkedMetamodel* held = state_.heldByClosed(target, key);
     if (held == link.get() || (held != nullptr && bringsInAgainstItself(*held, linked))) continue;
     const bool isMentioned =
         held != nullptr || state_.question.targets[target].metamodels.contains(key);
     surveyed.isPossible &= !isMentioned;
     if (isMentioned) continue;
-    SurveyedName& name = state_.nameOf(key);
-    name.targets.push_back(link.get());
-    surveyed.entries.push_back({&name, link.get()});
+    surveyed.entries.push_back({&state_.nameOf(key), link.get()});
     surveyed.added.emplace(key, link.get());
   }
 }
