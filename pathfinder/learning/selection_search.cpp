@@ -71,21 +71,27 @@ class AtBest {
     if (!first_) first_ = planTo(dependencies_.target);
   }
 
-  /// Throws what failed in the plan that comes first, if it comes before another one.
-  void throwIfBefore(const BackwardPlan& other) const {
-    if (first_ && comesFirst(*first_, other)) throwWhatFailedIn(*first_);
+  /// Throws what a plan without it depends on: what failed in the plan that comes first, if that is
+  /// another one; or where hops lead that leave a baseline on the way.
+  void throwWhatCountsFor(const BackwardPlan& plan, const SearchSpace& itsSpace) const {
+    if (first_ && comesFirst(*first_, plan)) {
+      throwWhatFailedIn(*first_, first_->bestSelections(), *dependencies_.space);
+    }
+    std::vector<SelectionIndex> left = plan.bestSelections();
+    left.pop_back();
+    throwWhatFailedIn(plan, left, itsSpace);
   }
 
   /// Throws what a search meets that tries every step, where there is no plan but with it.
   void throwWhatIsWithinReach() const {
-    if (first_) throwWhatFailedIn(*first_);
     const SearchSpace& space = *dependencies_.space;
+    if (first_) throwWhatFailedIn(*first_, first_->bestSelections(), space);
     for (VersionIndex version = 0; version < space.versions.size(); ++version) {
       if (space.isAbsent(version)) continue;
       if (!failures_.contain(*space.versions[version].descriptor)) continue;
       VersionSelection target(space.names.size(), SearchSpace::none);
       target[space.versions[version].name] = version;
-      if (const auto plan = planTo(target)) throwWhatFailedIn(*plan);
+      if (const auto plan = planTo(target)) throwWhatFailedIn(*plan, plan->bestSelections(), space);
     }
   }
 
@@ -96,11 +102,14 @@ class AtBest {
     return learner->plan();
   }
 
-  void throwWhatFailedIn(const BackwardPlan& plan) const {
+  /// Throws what failed first of what some selections of a plan hold, if anything did.
+  void throwWhatFailedIn(const BackwardPlan& plan, const std::vector<SelectionIndex>& selections,
+                         const SearchSpace& space) const {
     std::vector<const Metamodel*> held;
-    for (const VersionIndex version : plan.bestVersions()) {
-      const Metamodel* descriptor = dependencies_.space->versions[version].descriptor;
-      if (descriptor != nullptr) held.push_back(descriptor);
+    for (const SelectionIndex selection : selections) {
+      for (const VersionIndex version : plan.selections()[selection]) {
+        if (!space.isAbsent(version)) held.push_back(space.versions[version].descriptor);
+      }
     }
     failures_.throwFirstOf(held);
   }
@@ -143,7 +152,7 @@ class SelectionSearch {
 
  private:
   std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {
-    if (atBest_ != nullptr) atBest_->throwIfBefore(plan);
+    if (atBest_ != nullptr) atBest_->throwWhatCountsFor(plan, *dependencies_.space);
     auto path = linking_.carryOut(plan, impossible);
     if (!path) return std::nullopt;
     traceValue("Reached target");
