@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "pathfinder/linking/covering_link.hpp"
+#include "pathfinder/planning/space_ends.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -45,8 +46,7 @@ class SpaceBuilding {
     addEntries();
     if (space_->anyLinksOwnName) findFirstIrrelevantName();
     markCertainNames(ordered);
-    addSources();
-    addTargets();
+    addEnds(met_, *space_);
     return std::move(space_);
   }
 
@@ -405,67 +405,6 @@ class SpaceBuilding {
       SearchSpace::Name& name = space_->names[surveyed->index];
       name.isCertain = areAll || (!surveyed->isLinked && hasOneEach(name) && linksNothing(name));
     }
-  }
-
-  void addSources() {
-    VersionSelection absent;
-    for (const SearchSpace::Name& name : space_->names) absent.push_back(name.absent);
-    for (const SurveyedSource& source : met_.sources) {
-      SearchSpace::Source& added = space_->sources.emplace_back();
-      added.isRegular = source.isRegular;
-      added.selection = absent;
-      const bool isComplete = std::all_of(source.entries.begin(), source.entries.end(),
-                                          [&](const SurveyedEntry& entry) {
-                                            const SurveyedVersion* version = versionOf(entry);
-                                            if (version == nullptr) return false;
-                                            added.selection[entry.name->index] = version->index;
-                                            return true;
-                                          });
-      if (!isComplete) added.selection.clear();
-    }
-  }
-
-  void addTargets() {
-    for (const SurveyedTarget& target : met_.targets) {
-      VersionSelection selection(space_->names.size(), SearchSpace::none);
-      if (target.isPossible && select(target, selection)) {
-        space_->targets.push_back(std::move(selection));
-      }
-    }
-  }
-
-  /// False when no selection of the space can include the target.
-  bool select(const SurveyedTarget& target, VersionSelection& selection) const {
-    for (const auto& [name, linked] : target.entries) {
-      if (space_->anyLinksOwnName && target.added.contains(*name->text)) continue;
-      const SurveyedVersion* version = versionOf({name, linked});
-      if (version == nullptr || !isOneOf(*linked, *version)) return false;
-      selection[name->index] = version->index;
-    }
-    for (const SurveyedName* name : target.absent) {
-      if (name->index == SearchSpace::none) continue;
-      selection[name->index] = space_->names[name->index].absent;
-      if (selection[name->index] == SearchSpace::none) return false;
-    }
-    return true;
-  }
-
-  /// The version of the space that has the descriptor of a linked metamodel; null when there is
-  /// none.
-  static const SurveyedVersion* versionOf(const SurveyedEntry& entry) {
-    const auto found = std::find_if(
-        entry.name->versions.begin(), entry.name->versions.end(), [&](const auto* version) {
-          return version->index != SearchSpace::none &&
-                 (version->descriptor == entry.linked ||
-                  *version->descriptor == static_cast<const Metamodel&>(*entry.linked));
-        });
-    return found == entry.name->versions.end() ? nullptr : *found;
-  }
-
-  static bool isOneOf(const LinkedMetamodel& linked, const SurveyedVersion& version) {
-    return version.linked != nullptr &&
-           std::any_of(version.linked->begin(), version.linked->end(),
-                       [&](const auto& variant) { return variant.get() == &linked; });
   }
 
   SurveyState& met_;

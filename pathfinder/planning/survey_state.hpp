@@ -164,9 +164,12 @@ struct SurveyedSource {
 struct SurveyedTarget {
   std::vector<SurveyedEntry> entries;
 
-  /// By closing it. Where metamodels link others of their own names, such an entry may stand back
-  /// for what brings in the one that links it.
-  std::unordered_map<std::u16string_view, const LinkedMetamodel*> added;
+  /// What closes it, and of its entries those that link that.
+  struct Addition {
+    const LinkedMetamodel* linked;
+    std::vector<const LinkedMetamodel*> linking;
+  };
+  std::unordered_map<std::u16string_view, Addition> added;
   std::vector<SurveyedName*> absent;  ///< names that it must not hold
   bool isPossible = true;
 };
@@ -198,7 +201,7 @@ struct SurveyState {
     if (const LinkedMetamodel* held = heldBy(target, name)) return held;
     const auto& added = targets[target].added;
     const auto held = added.find(name);
-    return held == added.end() ? nullptr : held->second;
+    return held == added.end() ? nullptr : held->second.linked;
   }
 
   bool isHeldFromStart(const SurveyedName& name) const { return name.sources == sources.size(); }

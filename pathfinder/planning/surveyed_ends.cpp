@@ -21,15 +21,13 @@ bool holdsLinksOf(const VersionBaseline& baseline, const LinkedMetamodel& linked
                      [&](const auto& link) { return holds(*link.second); });
 }
 
-/// Whether one linked metamodel links another that links another version of the first one's name.
-/// That version stands back.
+}  // namespace
+
 bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel& linked) {
   const auto& links = linking.linkedMetamodels;
   const auto link = links.find(linked.name);
   return link != links.end() && link->second.get() == &linked && links.contains(linking.name);
 }
-
-}  // namespace
 
 SurveyedEnds::SurveyedEnds(SurveyState& state, VersionExploration& exploration)
     : state_(state), exploration_(exploration), irrelevant_(state.question, &state.memory) {
@@ -71,13 +69,17 @@ void SurveyedEnds::closeTarget(std::size_t target, const LinkedMetamodel& linked
   for (const auto& [key, link] : linked.linkedMetamodels) {
     if (key == linked.name) continue;
     const LinkedMetamodel* held = state_.heldByClosed(target, key);
-    if (held == link.get() || (held != nullptr && bringsInAgainstItself(*held, linked))) continue;
+    if (held != nullptr && bringsInAgainstItself(*held, linked)) continue;
+    const auto added = surveyed.added.find(key);
+    if (held == link.get() && added != surveyed.added.end())
+      added->second.linking.push_back(&linked);
+    if (held == link.get()) continue;
     const bool isMentioned =
         held != nullptr || state_.question.targets[target].metamodels.contains(key);
     surveyed.isPossible &= !isMentioned;
     if (isMentioned) continue;
     surveyed.entries.push_back({&state_.nameOf(key), link.get()});
-    surveyed.added.emplace(key, link.get());
+    surveyed.added.emplace(key, SurveyedTarget::Addition{link.get(), {&linked}});
   }
 }
 

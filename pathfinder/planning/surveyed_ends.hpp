@@ -9,6 +9,10 @@
 
 namespace tarn::evolution::pathfinder {
 
+/// Whether one linked metamodel links another that links another version of the first one's name.
+/// That version stands back.
+bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel& linked);
+
 /// Enters into a survey what the question's sources and targets hold, but for irrelevant names. A
 /// target is closed under its links: what holds a linked metamodel holds all that it links.
 class SurveyedEnds {
