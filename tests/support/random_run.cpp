@@ -68,7 +68,7 @@ std::string commandFor(const std::string& text, std::uint64_t seed) {
 }  // namespace
 
 RandomRun::RandomRun(std::size_t usualCases)
-    : seed_(numberIn("TARN_RANDOM_SEED", std::random_device()())),
+    : seed_(numberIn("TARN_RANDOM_SEED", std::random_device("/dev/urandom")())),
       cases_(numberIn("TARN_RANDOM_CASES", usualCases)) {
   if (const char* text = std::getenv("TARN_RANDOM_CASE")) only_ = text;
   std::cout << "[   SEED   ] TARN_RANDOM_SEED=" << seed_ << std::endl;
