@@ -12,6 +12,7 @@
 
 namespace bench {
 
+using tarn::evolution::catalogue::CatalogueContent;
 using tarn::evolution::catalogue::CatalogueMetamodel;
 using tarn::evolution::catalogue::Selection;
 using tarn::evolution::pathfinder::Dependency;

@@ -5,9 +5,8 @@ from .markdown import duration, section, significant, table, times
 from .view import View
 
 TEXT = """
-The questions that `evopath batch --heads` asks of `data/operators.json`, all of which have a path: by one process of
-`evopath path --json` after the other, and by one process of `evopath batch`. All time that passes counts, and what else
-the machine does shows.
+The questions that `evopath batch --heads` asks of `data/operators.json`: by one process of `evopath path --json` after
+the other, and by one process of `evopath batch`. All time that passes counts, and what else the machine does shows.
 """
 
 

@@ -66,6 +66,7 @@ Comparison compareAttended(const DiffOptions& options, const Catalogue& former,
       options.questions.empty() ? headsToHeads(former, present) : readQuestions(options.questions);
   SearchMonitor monitor(options.limits.fromNow(), SearchMonitor::Task::Comparison,
                         SearchMonitor::Line::OnTerminal);
+  monitor.count(0, questions.size());
   const auto attended = monitor.limits();
   ComparisonLimits limits;
   if (options.questionSeconds) {
@@ -145,7 +146,7 @@ void addDiffCommand(CLI::App& program, Action& action) {
       "Memory is that of each question; what --timeout ends says how many were not asked.\n"
       "Exit status: 0 the catalogues are the same, 1 something differs, 2 bad usage or input, 3 "
       "limits\n"
-      "left some answers open.\n"
+      "left some answers open or some questions not asked.\n"
       "Example: evopath diff data/operators.json --without limitador-operator=0.7.0");
   diff->callback([options, &action] { action = [options] { return runDiff(*options); }; });
 }
