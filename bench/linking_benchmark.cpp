@@ -51,7 +51,8 @@ struct Whole {
 /// Links the whole and its parts.
 void measureLinking(benchmark::State& state, const Whole& whole) {
   const Catalogue catalogue = whole.catalogue();
-  const Metamodel& descriptor = catalogue.metamodels().back().descriptor;
+  const auto metamodels = catalogue.metamodels();
+  const Metamodel descriptor = metamodels[metamodels.size() - 1].descriptor;
   while (state.KeepRunning()) {
     const auto linked = timeFresh(catalogue, [&](auto& repository) {
       return repository.getLinkedMetamodels(descriptor).size();

@@ -12,6 +12,7 @@
 
 namespace bench {
 
+using tarn::evolution::catalogue::CatalogueContent;
 using tarn::evolution::catalogue::CatalogueMetamodel;
 using tarn::evolution::catalogue::Selection;
 using tarn::evolution::pathfinder::Dependency;
@@ -43,8 +44,8 @@ struct Name {
 /// The catalogue by numbers. Names ascend.
 class Table {
  public:
-  explicit Table(const Catalogue& catalogue) {
-    for (const CatalogueMetamodel& metamodel : catalogue.metamodels()) {
+  explicit Table(const Catalogue& catalogue) : content_(catalogue.content()) {
+    for (const CatalogueMetamodel& metamodel : content_.metamodels) {
       Name& name = names_[metamodel.descriptor.name];
       name.versions.push_back({&metamodel, {{name.versions.size(), 0}}});
     }
@@ -53,7 +54,7 @@ class Table {
       name.place = place;
       place *= name.versions.size();
     }
-    for (const Hop& hop : catalogue.hops()) addHop(hop);
+    for (const Hop& hop : content_.hops) addHop(hop);
     for (const auto& [text, name] : names_) ordered_.push_back(&name);
   }
 
@@ -98,6 +99,7 @@ class Table {
         {find(name, hop.to), tarn::evolution::pathfinder::hopWeight(hop.expensive)});
   }
 
+  const CatalogueContent content_;
   std::map<std::u16string, Name> names_;
   std::vector<const Name*> ordered_;
 };

@@ -10,6 +10,7 @@ import argparse
 import time
 from pathlib import Path
 
+from harness.batches import compare_batches
 from harness.comparison import compare_families, compare_random
 from harness.imports import measure_imports
 from harness.machine import this_machine
@@ -34,6 +35,7 @@ def measure(programs: Programs, settings: Settings, with_python: bool) -> Result
     if with_python:
         results.python += compare_python(programs, settings)
     results.imports += measure_imports(programs, settings)
+    results.batches += compare_batches(programs, settings)
     results.minutes = (time.monotonic() - begin) / 60
     return results
 

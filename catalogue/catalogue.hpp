@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -75,8 +77,54 @@ struct CatalogueContent {
   HopNotes hopNotes = {};
 };
 
-/// A closed, sound set of metamodels and hops. A value; never changed once made, so that any number
-/// of threads may read it. References that it returns are valid as long as it is.
+/// The rows of a catalogue, each made when it is looked at. Valid as long as the catalogue or a
+/// copy of it.
+template <class Row>
+class CatalogueRowList {
+ public:
+  class Iterator {
+   public:
+    Iterator(const CatalogueRowList& list, std::size_t position)
+        : list_(list), position_(position) {}
+
+    Row operator*() const { return list_[position_]; }
+    Iterator& operator++() {
+      ++position_;
+      return *this;
+    }
+    bool operator==(const Iterator& other) const { return position_ == other.position_; }
+
+   private:
+    const CatalogueRowList list_;
+    std::size_t position_;
+  };
+
+  explicit CatalogueRowList(const PackedRows& rows) : rows_(&rows) {}
+
+  std::size_t size() const;
+  Row operator[](std::size_t position) const;
+
+  Iterator begin() const { return {*this, 0}; }
+  Iterator end() const { return {*this, size()}; }
+
+ private:
+  const PackedRows* rows_;
+};
+
+template <>
+TARN_EVOLUTION_CATALOGUE_EXPORT std::size_t CatalogueRowList<CatalogueMetamodel>::size() const;
+template <>
+TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueMetamodel
+CatalogueRowList<CatalogueMetamodel>::operator[](std::size_t position) const;
+template <>
+TARN_EVOLUTION_CATALOGUE_EXPORT std::size_t CatalogueRowList<pathfinder::Hop>::size() const;
+template <>
+TARN_EVOLUTION_CATALOGUE_EXPORT pathfinder::Hop CatalogueRowList<pathfinder::Hop>::operator[](
+    std::size_t position) const;
+
+/// A closed, sound set of metamodels and hops. A value, cheap to copy; never changed once made, so
+/// that any number of threads may read it. References that it returns are valid as long as it is.
+/// Keeps each name, version and range once, however often rows repeat it.
 ///
 /// Sound: no version stands twice; no two text versions of a metamodel share a semantic equivalent;
 /// every dependency names a metamodel that has a version, and every hop leads between two versions
@@ -92,17 +140,35 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT Catalogue {
   /// Throws CatalogueError, with JSON pointers for places, for the first thing found to be unsound.
   explicit Catalogue(CatalogueContent content);
 
-  const CatalogueContent& content() const noexcept { return content_; }
-  const std::vector<CatalogueMetamodel>& metamodels() const noexcept { return content_.metamodels; }
-  const std::vector<pathfinder::Hop>& hops() const noexcept { return content_.hops; }
-  const std::optional<Question>& question() const noexcept { return content_.question; }
-  const HopNotes& hopNotes() const noexcept { return content_.hopNotes; }
+  /// All of it, as it came.
+  CatalogueContent content() const;
+
+  CatalogueRowList<CatalogueMetamodel> metamodels() const {
+    return CatalogueRowList<CatalogueMetamodel>(*rows_);
+  }
+  CatalogueRowList<pathfinder::Hop> hops() const {
+    return CatalogueRowList<pathfinder::Hop>(*rows_);
+  }
+  /// Whether any version needs something beside it as `CatalogueMetamodel::requirements` tells.
+  bool hasRequirements() const noexcept;
+
+  const std::optional<Question>& question() const noexcept { return question_; }
+  const HopNotes& hopNotes() const noexcept { return hopNotes_; }
 
   /// Look-ups by name and version; positions refer to `metamodels()` and `hops()`.
   const CatalogueIndex& index() const noexcept { return index_; }
 
  private:
-  CatalogueContent content_;
+  friend class CatalogueBuilder;
+  friend std::unordered_map<CatalogueIndex::Position, CatalogueMetamodel> splitDependencies(
+      const Catalogue& catalogue);
+
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT Catalogue(std::shared_ptr<const PackedRows> rows,
+                                               std::optional<Question> question, HopNotes hopNotes);
+
+  std::shared_ptr<const PackedRows> rows_;
+  std::optional<Question> question_;
+  HopNotes hopNotes_;
   CatalogueIndex index_;
 };
 

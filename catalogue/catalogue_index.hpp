@@ -1,8 +1,10 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "catalogue/precedence.hpp"
@@ -13,86 +15,65 @@
 
 namespace tarn::evolution::catalogue {
 
+class IndexTables;
+class PackedRows;
 struct CatalogueMetamodel;
 
 /// Finds metamodels and hops by name and version. Answers are positions in the lists that the index
-/// was built from, in ascending order.
+/// was built from, in ascending order; a span is valid as long as the index or a copy of it.
 ///
-/// One version's metamodels and the hops that leave it take one hash look-up each; a range takes a
-/// binary search among the versions of its name.
+/// One version's metamodels, the hops that leave it, and a range take a binary search each among
+/// the versions of their name, which hash look-ups find.
 class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
  public:
-  using Position = std::size_t;
+  using Position = std::uint32_t;
   using Positions = std::vector<Position>;
-
-  /// The precedence of a version, and the metamodel that has it.
-  struct OrderedVersion {
-    Precedence precedence;
-    Position position;
-  };
 
   CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels,
                  const std::vector<pathfinder::Hop>& hops);
 
+  /// The index of a catalogue.
+  explicit CatalogueIndex(std::shared_ptr<const PackedRows> rows);
+
   /// The metamodels of one version: those that carry it and, when it is semantic, those whose text
   /// version is said to be equivalent to it.
-  const Positions& metamodelsAt(const std::u16string& name,
-                                const pathfinder::VersionId& version) const;
+  std::span<const Position> metamodelsAt(const std::u16string& name,
+                                         const pathfinder::VersionId& version) const;
+
+  /// The metamodel that carries a version, otherwise the first that is equivalent to it.
+  std::optional<Position> metamodelOf(const std::u16string& name,
+                                      const pathfinder::VersionId& version) const;
 
   /// The metamodels that `range` admits (see `admits`).
   Positions metamodelsIn(const std::u16string& name, const pathfinder::VersionRange& range) const;
 
-  const Positions& hopsFrom(const std::u16string& name, const pathfinder::VersionId& version) const;
+  std::span<const Position> hopsFrom(const std::u16string& name,
+                                     const pathfinder::VersionId& version) const;
 
   /// All metamodels and all hops of a name; none for one that is not there.
-  const Positions& metamodelsOf(const std::u16string& name) const;
-  const Positions& hopsOf(const std::u16string& name) const;
+  std::span<const Position> metamodelsOf(const std::u16string& name) const;
+  std::span<const Position> hopsOf(const std::u16string& name) const;
 
-  bool hasMetamodel(const std::u16string& name) const { return ordered_.contains(name); }
+  bool hasMetamodel(const std::u16string& name) const { return !metamodelsOf(name).empty(); }
 
-  /// All versions of a name that have a precedence, ascending; empty for a name that is not there.
-  const std::vector<OrderedVersion>& orderedVersions(const std::u16string& name) const;
+  /// All names that have a metamodel, ascending.
+  std::vector<std::u16string> names() const;
+
+  /// All metamodels of a name that have a precedence, ascending by it; none for a name that is not
+  /// there.
+  std::span<const Position> orderedVersions(const std::u16string& name) const;
+
+  /// See `CatalogueMetamodel::precedence`.
+  const std::optional<Precedence>& precedence(Position metamodel) const;
 
   /// How the versions of a name are shown to the path finder.
   const VersionScale& scale(const std::u16string& name) const;
 
  private:
-  struct VersionKey {
-    std::u16string name;
-    pathfinder::VersionId version;
-  };
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT Positions metamodelsInAny(
+      const std::u16string& name, const std::vector<pathfinder::VersionRange>& ranges) const;
 
-  /// A key to look up with, without copying.
-  struct VersionKeyView {
-    const std::u16string& name;
-    const pathfinder::VersionId& version;
-  };
-
-  struct VersionKeyHash {
-    using is_transparent = void;
-    std::size_t operator()(const VersionKey& key) const noexcept;
-    std::size_t operator()(const VersionKeyView& key) const noexcept;
-  };
-
-  struct SameVersionKey {
-    using is_transparent = void;
-    template <class Left, class Right>
-    bool operator()(const Left& left, const Right& right) const {
-      return left.name == right.name && left.version == right.version;
-    }
-  };
-
-  using ByVersion = std::unordered_map<VersionKey, Positions, VersionKeyHash, SameVersionKey>;
-
-  Positions metamodelsInAny(const std::u16string& name,
-                            const std::vector<pathfinder::VersionRange>& ranges) const;
-
-  ByVersion metamodels_;
-  ByVersion hops_;
-  std::unordered_map<std::u16string, Positions> metamodelsByName_;
-  std::unordered_map<std::u16string, Positions> hopsByName_;
-  std::unordered_map<std::u16string, std::vector<OrderedVersion>> ordered_;
-  std::unordered_map<std::u16string, VersionScale> scales_;  // those of names with their own
+  std::shared_ptr<const IndexTables> tables_;
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -41,11 +41,12 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueRepository : public BrowsableRepo
   std::optional<Question> getQuestion() override;
 
  private:
-  TARN_EVOLUTION_CATALOGUE_NO_EXPORT const CatalogueMetamodel* find(
+  /// Where a version stands that is asked for as it is shown.
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT std::optional<CatalogueIndex::Position> find(
       const std::u16string& name, const pathfinder::VersionId& version) const;
 
-  TARN_EVOLUTION_CATALOGUE_NO_EXPORT const CatalogueMetamodel& metamodelAt(
-      CatalogueIndex::Position position) const;
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT CatalogueMetamodel
+  metamodelAt(CatalogueIndex::Position position) const;
 
   Catalogue catalogue_;
   std::unordered_map<CatalogueIndex::Position, CatalogueMetamodel> split_;  // see `Catalogue`

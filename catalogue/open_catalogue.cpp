@@ -3,7 +3,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/json_catalogue.hpp"
-#include "catalogue/model/content_sink.hpp"
+#include "catalogue/model/catalogue_builder.hpp"
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/sqlite_header.hpp"
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
@@ -20,10 +20,10 @@ std::unique_ptr<BrowsableRepository> openCatalogue(const std::filesystem::path& 
 Catalogue readCatalogue(const std::filesystem::path& file) {
   if (!isDatabase(file)) return readJsonCatalogue(file);
   StoreSnapshot snapshot(file);
-  ContentSink sink;
-  SqliteReader(snapshot.database()).readAll(sink);
+  CatalogueBuilder builder;
+  SqliteReader(snapshot.database()).readAll(builder);
   try {
-    return Catalogue(sink.take());
+    return builder.finish();
   } catch (const CatalogueError& error) {
     failFor(file, error.reason());  // places of the JSON form help nobody here
   }

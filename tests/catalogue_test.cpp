@@ -97,7 +97,7 @@ TEST(JsonCatalogue, ReadsEveryKindOfVersionAndRange) {
     EXPECT_EQ(catalogue.metamodels()[i].descriptor, expected.metamodels[i].descriptor);
     EXPECT_EQ(catalogue.metamodels()[i].equivalent, expected.metamodels[i].equivalent);
   }
-  EXPECT_EQ(catalogue.hops(), expected.hops);
+  EXPECT_EQ(catalogue.content().hops, expected.hops);
   EXPECT_TRUE(catalogue.hops()[0].expensive);
   EXPECT_EQ(catalogue.question()->from, selection("A1.2"));
   EXPECT_EQ(catalogue.question()->to, selection("A2024a"));

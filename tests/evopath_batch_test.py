@@ -65,6 +65,8 @@ class Batch(unittest.TestCase):
         done = self.batch("--jobs", "4")
         self.assertEqual(done.returncode, 2)
         answers = [json.loads(line) for line in done.stdout.splitlines()]
+        first = next(answer for answer in answers if "error" in answer)
+        self.assertIn(f"evopath: line {first['line']}: {first['error'][:20]}", done.stderr)
         asked = [number for number, (line, _) in enumerate(self.lines, 1) if line.strip()]
         self.assertEqual([answer["line"] for answer in answers], asked)
         found = absent = 0
@@ -108,6 +110,38 @@ class Batch(unittest.TestCase):
         self.assertEqual(output.read_text(encoding="utf-8"), text)
         for part in ("0/3", "4/3", "1", "a/b", "1/0", "-1/3"):
             self.assertIn(f"--part {part}: must be", self.batch("--part", part).stderr)
+
+    def test_heads_and_what_cannot_be_linked(self):
+        versions = [{"name": name, "version": f"{number}.0.0", "dependencies": needs}
+                    for name, number, needs in [("A", 1, []), ("A", 2, [{"name": "B", "range": "7.0.0"}]), ("A", 3, []),
+                                                ("B", 1, []), ("B", 2, []), ("B", 3, []), ("B", 4, []), ("B", 9, [])]]
+        hops = [("A", 1, 2), ("A", 2, 3), ("B", 1, 3), ("B", 2, 3), ("B", 3, 4), ("B", 3, 9), ("B", 9, 3)]
+        (self.folder / "small.json").write_text(json.dumps({"metamodels": versions, "hops": [
+            {"name": name, "from": f"{source}.0.0", "to": f"{target}.0.0", "expensive": False}
+            for name, source, target in hops]}), encoding="utf-8")
+        self.evopath("import", "small.json", "small.store")
+        heads = [{"from": {"A": "1.0.0"}, "to": {"A": "3.0.0"}}] + [
+            {"from": {"B": source}, "to": {"B": target}}
+            for target in ("9.0.0", "4.0.0") for source in ("1.0.0", "2.0.0")]
+        (self.folder / "heads").write_text("".join(json.dumps(each) + "\n" for each in heads), encoding="utf-8")
+        for catalogue in ("small.json", "small.store"):
+            done = self.evopath("batch", catalogue, "--heads")
+            self.assertEqual(done.stdout, self.evopath("batch", catalogue, "heads").stdout)
+            self.assertEqual((done.returncode, json.loads(done.stdout.splitlines()[0])["error"]),
+                             (2, "hops lead to A 2.0.0, which cannot be linked"))
+            self.assertIn("4 found, 0 without a path, 0 open, 1 that cannot be asked\n"
+                          "evopath: line 1: hops lead to A 2.0.0, which cannot be linked\n", done.stderr)
+            done = self.evopath("batch", catalogue, "--heads", "--of", "B", "--timeout", "0")
+            self.assertEqual([json.loads(line).get("question") for line in done.stdout.splitlines()], heads[1:])
+        done = self.evopath("batch", "small.json", "-", input='{"from": {"A": "2.0"}, "to": {"A": "3.0"}}')
+        self.assertIn('"error":"A 2.0.0 cannot be linked"', done.stdout)
+        for arguments, message in [((), "takes a file of questions, or --heads"),
+                                   (("heads", "--heads"), "takes a file of questions, or --heads"),
+                                   (("heads", "--of", "A"), "--of requires --heads"),
+                                   (("--heads", "--of", "C"), 'no metamodel "C"; did you mean A or B?')]:
+            done = self.evopath("batch", "small.json", *arguments)
+            self.assertEqual(done.returncode, 2)
+            self.assertIn(message, done.stderr)
 
     def test_limits_and_signals(self):
         done = self.batch("--timeout", "0")

@@ -170,6 +170,8 @@ class Diff(unittest.TestCase):
                 self.assertIn(done.returncode, (0, 1), done.stderr)
                 told = json.loads(done.stdout)
                 self.validator.validate(told)
+                self.assertEqual(self.evopath("diff", "former.json", "present.json", "--questions", "-", "--json",
+                                              "--content", "--jobs", "1", input=lines).stdout, done.stdout)
                 self.assertEqual(done.returncode, int(former != present))
                 self.assertEqual({key_of(each) for each in told["content"]["differences"]},
                                  {key for part in (0, 1) for key in {*former[part], *present[part]}
@@ -234,9 +236,14 @@ Can no longer be linked:
             done = self.evopath("diff", *arguments)
             self.assertEqual(done.returncode, 2, done.stdout)
             self.assertIn(message, done.stderr)
-        done = self.evopath("diff", "f.json", "--without", "A=2.0", "--timeout", "0", "--json")
-        self.assertEqual(done.returncode, 3, done.stderr)
-        self.validator.validate(json.loads(done.stdout))
+        for limit, left in ("--timeout", (0, 1, [])), ("--question-timeout", (1, 0, ["open"])):
+            done = self.evopath("diff", "f.json", "--without", "A=2.0", limit, "0", "--json")
+            self.assertEqual(done.returncode, 3, done.stderr)
+            told = json.loads(done.stdout)
+            self.validator.validate(told)
+            self.assertEqual((told["questions"], told["unasked"], [each["change"] for each in told["answers"]]), left)
+        done = self.evopath("diff", "f.json", "--without", "A=2.0", "--timeout", "0")
+        self.assertIn("Ended early: 1 question not asked.\n", done.stdout)
 
 
 if __name__ == "__main__":

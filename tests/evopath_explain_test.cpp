@@ -37,6 +37,8 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
        "evopath: there is no metamodel 'C' to start from; did you mean A or B?\n"
        "there is no version 1.5.0 of metamodel 'A' to reach; the nearest known: 1.0.0, 1.2.0, "
        "2.0.0 and 3.0.0.\n"},
+      {"A0.9 A0.10 A9.1 A10", "A9", "A0.9", 2,
+       "the nearest known: 0.9.0, 0.10.0, 9.1.0 and 10.0.0."},
       {"A1 Asummer Aspring Ax Ay", "Asprang", "Aspring", 2,
        "no version sprang of metamodel 'A' to start from; the nearest known: spring, summer and"},
       {onlyVersions + "B1:S[1,2) P1:B1", "D2 P1", "S2", 1,

@@ -88,22 +88,28 @@ class Limits(unittest.TestCase):
         self.assertEqual((done.returncode, json.loads(done.stdout)["stopped"]), (1, "time"))
 
     def test_signals_end_with_what_is_known(self):
+        question = {side: dict.fromkeys([*GUESTS, "A"], version) for side, version in (("from", "1.0"), ("to", "3.0"))}
+        (self.folder / "open").write_text(json.dumps(question), encoding="utf-8")
         for ending in (signal.SIGINT, signal.SIGTERM):
-            for question, doing, said in [(OPEN, "Searching, 1 s", "No path weighs less than"),
-                                          (BLOCKED, "Explaining, 1 s", "evopath: interrupted")]:
+            for arguments, doing, answer, first, said in [
+                    (["path", *OPEN], "Searching, 1 s", b"", "evopath", "No path weighs less than"),
+                    (["path", *BLOCKED], "Explaining, 1 s", b"", "No path", "evopath: interrupted"),
+                    (["diff", "--without", "A=2.0", "--questions", "open"], "Comparing, 1 s, 0 of 1 questions",
+                     b"Ended early: 1 question not asked.\n", "evopath", "interrupted; what was compared is written")]:
                 ours, terminal = pty.openpty()
-                with subprocess.Popen([PROGRAM, "path", "crowd.json", *question, "--timeout", "200"],
+                with subprocess.Popen([PROGRAM, arguments[0], "crowd.json", *arguments[1:], "--timeout", "200"],
                                       cwd=self.folder, stdout=subprocess.PIPE, stderr=terminal) as process:
                     os.close(terminal)
                     shown = ""
                     while doing not in shown:
                         shown += os.read(ours, 1000).decode()
                     process.send_signal(ending)
-                    self.assertEqual((process.wait(), process.stdout.read()), (-ending, b""))
+                    told = process.stdout.read()
+                    self.assertEqual((process.wait(), told[-len(answer):] if answer else told), (-ending, answer))
                 rest = os.read(ours, 100_000).decode()
                 os.close(ours)
                 self.assertLessEqual(shown.count(doing.replace("1 s", "0 s")), 12)
-                self.assertIn("\r\x1b[K" + ("evopath" if question is OPEN else "No path"), rest)
+                self.assertIn("\r\x1b[K" + first, rest)
                 self.assertIn(said, rest)
 
     @unittest.skipUnless(os.path.exists("/dev/full"), "there is no full device")

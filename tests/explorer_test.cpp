@@ -313,8 +313,10 @@ TEST_F(ExplorerCommand, WritesThePageAndTellsWhatIsWrong) {
 
   EXPECT_EQ(
       run("explore c.json --questions q.jsonl --output q.html 2>&1"),
-      std::pair(
-          2, std::string("evopath: 1 found, 0 without a path, 0 open, 2 that cannot be asked\n")));
+      std::pair(2,
+                std::string(
+                    "evopath: 1 found, 0 without a path, 0 open, 2 that cannot be asked\n"
+                    "evopath: line 3: there is no metamodel \"<A>\" to reach; did you mean A?\n")));
   const json questions = rowsOf(read("q.html"))["questions"];
   ASSERT_EQ(questions.size(), 3U);
   EXPECT_EQ(questions[2]["answer"]["line"], 4);

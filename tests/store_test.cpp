@@ -110,6 +110,8 @@ TEST_F(Store, AnswersRandomQuestionsAsInMemory) {
     expectSameLists(store, memory);
     CatalogueRepository again(readJsonCatalogue(path("random.json")));
     expectSameLists(again, memory);
+    CatalogueRepository unpacked{Catalogue(memory.catalogue().content())};
+    expectSameLists(unpacked, memory);
     run.count("asked");
   });
   run.expectPercentages({{"asked", 15}});

@@ -102,6 +102,17 @@ class ImportMeasurement:
     store_bytes: int
 
 
+@dataclass
+class BatchComparison:
+    """The same questions asked in a batch, or one by one."""
+
+    form: str  # of the catalogue
+    questions: int
+    jobs: int  # at a time; none where each had a process of its own
+    seconds: float
+    one_by_one_seconds: float
+
+
 @dataclass(frozen=True)
 class Machine:
     processor: str
@@ -127,6 +138,7 @@ class Results:
     stores: list[StoreComparison] = field(default_factory=list)
     python: list[PythonComparison] = field(default_factory=list)
     imports: list[ImportMeasurement] = field(default_factory=list)
+    batches: list[BatchComparison] = field(default_factory=list)
 
     def save(self, file: Path) -> None:
         file.write_text(json.dumps(asdict(self), indent=1))
@@ -144,6 +156,7 @@ class Results:
             stores=[StoreComparison(**entry) for entry in stored["stores"]],
             python=[PythonComparison(**entry) for entry in stored["python"]],
             imports=[ImportMeasurement(**entry) for entry in stored["imports"]],
+            batches=[BatchComparison(**entry) for entry in stored["batches"]],
         )
 
 

@@ -39,6 +39,7 @@ class Settings:
     python_turns: int
     python_rounds: int  # in each turn
     import_share: float  # of the size of the full samples
+    batch_questions: int  # at most
 
 
 FULL = Settings(
@@ -56,11 +57,12 @@ FULL = Settings(
     ),
     joined_sizes=(10, 14, 20),
     operators_limit=60,
-    stores=(LargeCatalogue(100, 50), LargeCatalogue(300, 100), LargeCatalogue(1000, 100)),
+    stores=(LargeCatalogue(100, 50), LargeCatalogue(300, 100), LargeCatalogue(1000, 100), LargeCatalogue(3450, 200)),
     python_size=64,
     python_turns=5,
     python_rounds=20,
     import_share=1,
+    batch_questions=1000,
 )
 
 QUICK = Settings(
@@ -78,4 +80,5 @@ QUICK = Settings(
     python_turns=1,
     python_rounds=2,
     import_share=0.02,
+    batch_questions=3,
 )

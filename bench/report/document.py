@@ -6,6 +6,7 @@ from pathlib import Path
 from harness.comparison import ROUNDS, SHORT
 from harness.results import Machine, Results
 
+from .batches import batches
 from .clingo import clingo, operators
 from .engines import engines
 from .families import families
@@ -91,6 +92,7 @@ def document(results: Results) -> str:
         python_package(view),
         stores(view),
         imports(view),
+        batches(view),
         HARD_RUN.read_text().rstrip(),
     ]
     return "\n\n".join(blocks) + "\n"

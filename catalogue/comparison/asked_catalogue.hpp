@@ -25,7 +25,7 @@ class AskedCatalogue {
  public:
   explicit AskedCatalogue(Catalogue catalogue) : content_(std::move(catalogue)) {}
 
-  const CatalogueContent& content() const { return content_.catalogue().content(); }
+  CatalogueContent content() const { return content_.catalogue().content(); }
 
   /// Versions that cannot be linked take no part. Throws SearchStopped where the stop is requested.
   AnswerWithPath ask(const Question& question, const pathfinder::SearchLimits& limits);

@@ -137,7 +137,9 @@ class CauseSearch {
         question_(question),
         weight_(weight),
         limits_(limits),
-        end_(std::chrono::steady_clock::now() + limits.time) {}
+        end_(std::chrono::steady_clock::now() + limits.time) {
+    if (limits.search.deadline) end_ = std::min(end_, *limits.search.deadline);
+  }
 
   ChangeCause run(const Keys& passed) {
     Places all(mixture_.size());
@@ -163,7 +165,7 @@ class CauseSearch {
     if (catalogue) {
       ++asked_;
       pathfinder::SearchLimits search = limits_.search;
-      search.deadline = search.deadline ? std::min(*search.deadline, end_) : end_;
+      search.deadline = end_;
       const AskedAnswer answer =
           AskedCatalogue(*std::move(catalogue)).ask(question_, search).answer;
       if (answer.kind == AskedAnswer::Kind::Open) isDecided_ = false;
@@ -224,7 +226,7 @@ class CauseSearch {
   const Question& question_;
   const std::uint64_t weight_;
   const CauseLimits& limits_;
-  const std::chrono::steady_clock::time_point end_;
+  std::chrono::steady_clock::time_point end_;
   std::size_t asked_ = 0;
   bool isDecided_ = true;  // whether no question was left open
   std::unordered_map<std::u16string, bool> known_;

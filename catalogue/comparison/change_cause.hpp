@@ -28,7 +28,7 @@ struct ChangeCause {
 struct CauseLimits {
   std::size_t questions = 300;  ///< to ask of catalogues between both
   std::chrono::nanoseconds time = std::chrono::seconds(10);
-  pathfinder::SearchLimits search = {};  ///< of each
+  pathfinder::SearchLimits search = {};  ///< of each; the deadline is that of all
 };
 
 /// Why the better of two catalogues has a path, and the worse one has none or a heavier one. All

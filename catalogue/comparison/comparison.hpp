@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <stop_token>
@@ -43,15 +44,22 @@ struct ComparisonLimits {
   /// For finding out why one answer differs.
   CauseLimits cause = {};
 
-  /// Ends all of it, with what is known by then.
+  /// End all of it, with what is known by then.
   std::stop_token stop = {};
+  std::optional<std::chrono::steady_clock::time_point> deadline = std::nullopt;
+
+  /// How many questions are asked at a time. What is said does not depend on it.
+  unsigned threads = 1;
+
+  /// Is told how many questions are compared, by one thread at a time.
+  std::function<void(std::size_t compared)> progress = {};
 };
 
 /// What two catalogues say differently.
 struct Comparison {
   ContentDifference content;
   std::size_t questions = 0;              ///< that were compared
-  std::size_t unasked = 0;                ///< that were left when the stop was requested
+  std::size_t unasked = 0;                ///< that were left when it was ended
   std::vector<AnswerDifference> answers;  ///< in the order of the questions
 
   /// Versions of the former catalogue that no baseline can hold any more; those that the present

@@ -129,7 +129,7 @@ void writeCounts(const Comparison& comparison, std::ostream& out) {
   out << countedText(comparison.questions, "question") << ": "
       << (parts.empty() ? "all answered as before" : listed(parts)) << ".\n";
   if (comparison.unasked > 0) {
-    out << "Interrupted: " << countedText(comparison.unasked, "question") << " not asked.\n";
+    out << "Ended early: " << countedText(comparison.unasked, "question") << " not asked.\n";
   }
 }
 

@@ -50,12 +50,9 @@ std::string kindOf(const Difference& difference, const char* changed) {
 /// The key of the version that carries one, or else is equivalent to it.
 std::u16string keyMeant(const CatalogueContent& content, const CatalogueIndex& index,
                         const std::u16string& name, const pathfinder::VersionId& version) {
-  const auto& found = index.metamodelsAt(name, version);
-  if (found.empty()) throw std::invalid_argument(unknownVersion(name, version));
-  for (const auto position : found) {
-    if (content.metamodels[position].descriptor.version == version) return keyOf(name, version);
-  }
-  return keyOf(content.metamodels[found.front()]);
+  const auto found = index.metamodelOf(name, version);
+  if (!found) throw std::invalid_argument(unknownVersion(name, version));
+  return keyOf(content.metamodels[*found]);
 }
 
 std::string dependenciesText(const CatalogueMetamodel& metamodel) {

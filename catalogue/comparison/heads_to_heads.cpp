@@ -5,6 +5,8 @@
 #include <numeric>
 #include <optional>
 #include <set>
+#include <span>
+#include <utility>
 
 namespace tarn::evolution::catalogue {
 
@@ -17,16 +19,16 @@ class Chains {
  public:
   Chains(const Catalogue& catalogue, const std::u16string& name) {
     const CatalogueIndex& index = catalogue.index();
-    for (const auto& [precedence, position] : index.orderedVersions(name)) {
+    for (const auto position : index.orderedVersions(name)) {
       numbers_.emplace(position, versions_.size());
-      versions_.push_back(&catalogue.metamodels()[position].descriptor.version);
+      versions_.push_back(catalogue.metamodels()[position].descriptor.version);
     }
     sets_.resize(versions_.size());
     std::iota(sets_.begin(), sets_.end(), std::size_t{0});
     isEntered_.resize(versions_.size());
     isLeft_.resize(versions_.size());
     for (const auto position : index.hopsOf(name)) {
-      const auto& hop = catalogue.hops()[position];
+      const auto hop = catalogue.hops()[position];
       const auto from = numberOf(index.metamodelsAt(name, hop.from));
       const auto to = numberOf(index.metamodelsAt(name, hop.to));
       if (from && to && *from < *to) join(*from, *to);
@@ -43,7 +45,7 @@ class Chains {
     for (std::size_t number = 0; number < versions_.size(); ++number) {
       if (isEntered_[number] == isLeft_[number]) continue;
       Ends& ends = bySet[setOf(number)];
-      (isLeft_[number] ? ends.tails : ends.heads).push_back(*versions_[number]);
+      (isLeft_[number] ? ends.tails : ends.heads).push_back(versions_[number]);
     }
     std::vector<Ends> result;
     result.reserve(bySet.size());
@@ -54,13 +56,13 @@ class Chains {
   /// The newest version where a chain ends.
   std::optional<VersionId> newest() const {
     for (std::size_t number = versions_.size(); number-- > 0;) {
-      if (isEntered_[number] && !isLeft_[number]) return *versions_[number];
+      if (isEntered_[number] && !isLeft_[number]) return versions_[number];
     }
     return std::nullopt;
   }
 
  private:
-  std::optional<std::size_t> numberOf(const CatalogueIndex::Positions& positions) const {
+  std::optional<std::size_t> numberOf(std::span<const CatalogueIndex::Position> positions) const {
     if (positions.empty()) return std::nullopt;
     const auto found = numbers_.find(positions.front());
     return found == numbers_.end() ? std::nullopt : std::optional(found->second);
@@ -78,7 +80,7 @@ class Chains {
   }
 
   std::map<CatalogueIndex::Position, std::size_t> numbers_;
-  std::vector<const VersionId*> versions_;
+  std::vector<VersionId> versions_;
   std::vector<std::size_t> sets_;  // of each version another one of its set, at last the same
   std::vector<bool> isEntered_;
   std::vector<bool> isLeft_;
@@ -100,7 +102,7 @@ void addWays(const std::u16string& name, const Chains::Ends& ends,
 std::vector<Question> headsToHeads(const Catalogue& former, const Catalogue& present) {
   std::set<std::u16string> names;
   for (const Catalogue* catalogue : {&former, &present}) {
-    for (const auto& metamodel : catalogue->metamodels()) names.insert(metamodel.descriptor.name);
+    for (std::u16string& name : catalogue->index().names()) names.insert(std::move(name));
   }
   std::vector<Question> questions;
   for (const std::u16string& name : names) {

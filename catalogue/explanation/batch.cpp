@@ -16,7 +16,10 @@
 #include "catalogue/explanation/linkable_repository.hpp"
 #include "catalogue/explanation/question_line.hpp"
 #include "catalogue/explanation/selection_lookup.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/picture/plan_json.hpp"
+#include "catalogue/text/messages.hpp"
+#include "catalogue/text/visible.hpp"
 #include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -64,6 +67,7 @@ class BatchAsker {
   static std::string errorOf(const BatchQuestion& asked, const std::string& reason,
                              BatchCounts& counts) {
     ++counts.failed;
+    if (!counts.firstFailure) counts.firstFailure = {asked.line, reason};
     return lineOf(asked, [&](JsonPrinter& printer) {
       printer.field("form", planForm);
       printer.key("error");
@@ -109,19 +113,47 @@ class BatchAsker {
     } catch (const SearchStopped& stopped) {
       if (stopped.reason() == SearchStopped::Reason::StopRequested) return std::nullopt;
       ++counts.open;
-      return openOf(asked, stopped);
+      return openOf(asked, question, stopped);
+    } catch (const ConflictingDependencies&) {
+      return errorOf(asked, describeUnlinkable(question), counts);
     }
+  }
+
+  /// Names what the path finder has stumbled over.
+  std::string describeUnlinkable(const Question& question) {
+    LinkableRepository repository(content_);
+    for (const Selection* side : {&question.from, &question.to}) {
+      for (const auto& [name, version] : std::map(side->begin(), side->end())) {
+        const auto selected = repository.getMetamodel(name, version);
+        if (selected && repository.tryLink(*selected) == nullptr) {
+          return visible(name) + " " + visible(version) + " cannot be linked";
+        }
+      }
+    }
+    repository.hideUnlinkable();
+    try {
+      repository.findPath(question.from, question.to, limitsFromNow());
+    } catch (const SearchStopped&) {  // after what it has met
+    }
+    std::vector<std::string> hidden;
+    for (const auto& metamodel : repository.hidden()) {
+      hidden.push_back(visible(metamodel.name) + " " + visible(metamodel.version));
+    }
+    if (hidden.empty()) return "hops lead to a version that cannot be linked";
+    return "hops lead to " + listed(hidden) + ", which cannot be linked";
   }
 
   std::string planOf(const BatchQuestion& asked, const PathPlan& plan) const {
     return lineOf(asked, [&](JsonPrinter& printer) { writePlanFields(printer, plan); });
   }
 
-  static std::string openOf(const BatchQuestion& asked, const SearchStopped& stopped) {
+  static std::string openOf(const BatchQuestion& asked, const Question& question,
+                            const SearchStopped& stopped) {
     return lineOf(asked, [&](JsonPrinter& printer) {
       const bool isTime = stopped.reason() == SearchStopped::Reason::DeadlinePassed;
       printer.field("form", planForm);
       printer.field("open", isTime ? "time" : "memory");
+      writeQuestionField(printer, question);
       printer.field("leastProven", stopped.progress().leastProven);
     });
   }
@@ -172,6 +204,9 @@ class Batch {
     counts_.absent += counts.absent;
     counts_.open += counts.open;
     counts_.failed += counts.failed;
+    auto& first = counts_.firstFailure;
+    const auto& other = counts.firstFailure;
+    if (other && (!first || other->line < first->line)) first = other;
   }
 
   std::optional<std::pair<std::uint64_t, BatchQuestion>> take() {
@@ -216,6 +251,10 @@ class Batch {
 
 Question readQuestion(const BatchQuestion& asked) {
   return readQuestionLine(asked.text);
+}
+
+std::string questionLine(const Question& question) {
+  return lineOfQuestion(question) + "\n";
 }
 
 std::optional<BatchQuestion> BatchQuestions::next() {

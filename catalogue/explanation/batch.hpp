@@ -25,6 +25,9 @@ struct BatchQuestion {
 /// Reads it. Throws std::invalid_argument, with a reason to show, for what is none.
 TARN_EVOLUTION_CATALOGUE_EXPORT Question readQuestion(const BatchQuestion& asked);
 
+/// The line, with its break, that stands for a question.
+TARN_EVOLUTION_CATALOGUE_EXPORT std::string questionLine(const Question& question);
+
 /// The questions of a stream, a line each, of which every `parts`-th is taken, beginning with the
 /// one whose number is `part`, from 1 to `parts`. Empty lines are none. Keeps a reference.
 class TARN_EVOLUTION_CATALOGUE_EXPORT BatchQuestions {
@@ -53,12 +56,19 @@ struct BatchLimits {
   std::stop_token stop = {};
 };
 
+/// A question that could not be asked.
+struct BatchFailure {
+  std::uint64_t line;
+  std::string reason;
+};
+
 /// How many questions were answered, and how.
 struct BatchCounts {
   std::uint64_t found = 0;
   std::uint64_t absent = 0;
   std::uint64_t open = 0;    ///< a limit was reached
   std::uint64_t failed = 0;  ///< a line that is no question, an unknown version and the like
+  std::optional<BatchFailure> firstFailure = {};  ///< the one of the least line
 };
 
 /// Answers questions until `next` has no more, and hands on the answers, a line each, in the order
@@ -66,9 +76,10 @@ struct BatchCounts {
 /// from being answered. Each is a JSON object, which begins with "line" and "form":
 ///
 /// - {"line", "form", "found", ...} as `writePlanJson` and `writeNoPathJson` have it;
-/// - {"line", "form", "open": "time" or "memory", "leastProven"} where a limit was reached: no path
-///   weighs less;
-/// - {"line", "form", "error"} where the question cannot be asked.
+/// - {"line", "form", "open": "time" or "memory", "question", "leastProven"} where a limit was
+///   reached: no path weighs less;
+/// - {"line", "form", "error"} where the question cannot be asked, also because a version that it
+///   selects, or one that hops within reach lead to, cannot be linked.
 ///
 /// The answers do not depend on the number of threads, nor on what was asked before. `next` and
 /// `write` are called by one thread at a time; what they throw ends the batch. Memory is that of

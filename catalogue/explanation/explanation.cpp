@@ -48,6 +48,10 @@ class Explaining {
 
  private:
   void explainKnown() {
+    if (auto path = inquiry_.findPath(question_)) {
+      reportPath(*std::move(path));
+      return;
+    }
     const SelectedMetamodels from = lookUp(question_.from);
     const SelectedMetamodels goals = lookUp(question_.to);
     if (auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from)) {
@@ -62,12 +66,6 @@ class Explaining {
     const Direction direction =
         targets.empty() ? commonDirection(sources.front(), goals)
                         : inquiry_.repository().computeDirection(sources.front(), targets.front());
-    if (!targets.empty()) {
-      if (auto path = inquiry_.findPath(sources, targets, direction)) {
-        reportPath(*std::move(path));
-        return;
-      }
-    }
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
                         .graphs = &graphs,

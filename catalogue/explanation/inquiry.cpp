@@ -14,6 +14,21 @@ constexpr std::size_t mostBaselines = 5'000;
 
 }  // namespace
 
+std::optional<Path> Inquiry::findPath(const Question& question) {
+  ++questions_;
+  const auto find = [&] { return repository_.findPath(question.from, question.to, limits_); };
+  try {
+    return find();
+  } catch (const ConflictingDependencies&) {
+    repository_.hideUnlinkable();
+  }
+  try {
+    return find();
+  } catch (const ConflictingDependencies&) {
+    return std::nullopt;
+  }
+}
+
 std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,
                                       const std::vector<VersionBaseline>& to, Direction direction) {
   ++questions_;

@@ -44,6 +44,10 @@ class Inquiry {
   BrowsableRepository& content() { return content_; }
   LinkableRepository& repository() { return repository_; }
 
+  /// The least-weight path that answers a question, counted as one. None where a version that it
+  /// selects cannot be linked. Throws SearchStopped when a limit is reached.
+  std::optional<Path> findPath(const Question& question);
+
   /// The least-weight path between some baselines of `repository()`, counted as one question.
   /// Throws SearchStopped when a limit is reached.
   std::optional<Path> findPath(const std::vector<pathfinder::VersionBaseline>& from,
@@ -59,9 +63,11 @@ class Inquiry {
   std::unique_ptr<pathfinder::BlockedQuestion> pose(const Selection& from, const Selection& to,
                                                     Direction direction);
 
-  /// What `ask(limits)` returns, counted as one question; no value when a limit is reached.
+  /// What `ask(limits)` returns, counted as one question; no value when no more are allowed or a
+  /// limit is reached.
   template <class Ask>
   auto within(const Ask& ask) -> decltype(ask(pathfinder::SearchLimits())) {
+    if (isSpent()) return {};
     ++questions_;
     try {
       return ask(limits_);

@@ -20,8 +20,9 @@ struct UnknownEntry {
   /// The known names most like an unknown one, the most similar first; often none.
   std::vector<std::u16string> nearestNames;
 
-  /// The nearest known versions of a known name: for a semantic version up to two on either side of
-  /// it, ascending; for a text version the most similar ones first.
+  /// The nearest known versions of a known name: for a version that has a precedence, and for a
+  /// number by itself, up to two on either side of it, ascending; for others the most similar ones
+  /// first.
   std::vector<pathfinder::VersionId> nearestVersions;
 };
 

@@ -67,6 +67,12 @@ std::vector<VersionId> neighbours(const Precedence& version,
   return result;
 }
 
+/// Where a version stands, or one that is written with fewer numbers than it takes, such as "9".
+std::optional<Precedence> precedenceMeantBy(const VersionId& version) {
+  const auto precedence = Precedence::of(version);
+  return precedence ? precedence : Precedence::read(version.getText() + u".0.0");
+}
+
 /// The first few by distance; among equals in the order given.
 template <class Item>
 std::vector<Item> fewNearest(std::vector<std::pair<std::size_t, Item>> ranked) {
@@ -105,7 +111,7 @@ std::vector<std::u16string> nearestNames(const std::u16string& name,
 
 std::vector<VersionId> nearestVersions(const VersionId& version,
                                        const std::vector<CatalogueMetamodel>& known) {
-  if (const auto precedence = Precedence::of(version)) {
+  if (const auto precedence = precedenceMeantBy(version)) {
     std::vector<VersionId> result = neighbours(*precedence, known);
     if (!result.empty()) return result;
   }

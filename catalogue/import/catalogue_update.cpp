@@ -35,7 +35,8 @@ CatalogueContent succeeded(const std::optional<CatalogueContent>& former, const 
                            ImportReport& report) {
   CatalogueContent content = succeed(former.value_or(CatalogueContent()));
   try {
-    validate(content, CatalogueIndex(content.metamodels, content.hops));
+    const auto rows = packRows(content.metamodels, content.hops);
+    validate(*rows, CatalogueIndex(rows));
   } catch (const CatalogueError& error) {
     throw CatalogueError("", error.reason());  // places in what nobody sees help nobody
   }

@@ -1,104 +1,147 @@
 #include "catalogue/catalogue_index.hpp"
 
 #include <algorithm>
-#include <functional>
+#include <unordered_map>
 #include <utility>
 
 #include "catalogue/catalogue.hpp"
+#include "catalogue/model/packed_rows.hpp"
+#include "catalogue/model/position_table.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/text/version_range.hpp"
 
 namespace tarn::evolution::catalogue {
 
-using pathfinder::SemVer;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
+using Position = CatalogueIndex::Position;
 
 namespace {
 
-std::size_t combineHash(std::size_t seed, std::size_t value) noexcept {
-  return (seed ^ value) * 0x9e3779b97f4a7c15U + (seed >> 32);
+/// Of each version of `rows`, a number that orders them by precedence; `nothing` without one.
+std::vector<std::uint32_t> precedenceRanks(const PackedRows& rows) {
+  std::vector<std::uint32_t> ordered;
+  for (std::uint32_t version = 0; version < rows.versionCount(); ++version) {
+    if (rows.precedenceOf(version)) ordered.push_back(version);
+  }
+  const auto precedes = [&](std::uint32_t left, std::uint32_t right) {
+    return *rows.precedenceOf(left) < *rows.precedenceOf(right);
+  };
+  std::sort(ordered.begin(), ordered.end(), precedes);
+  std::vector<std::uint32_t> ranks(rows.versionCount(), nothing);
+  std::uint32_t rank = 0;
+  for (std::size_t i = 0; i < ordered.size(); ++i) {
+    if (i > 0 && precedes(ordered[i - 1], ordered[i])) ++rank;
+    ranks[ordered[i]] = rank;
+  }
+  return ranks;
 }
 
-std::size_t hashOf(const VersionId& version) noexcept {
-  if (!version.isSemVer()) return std::hash<std::u16string>()(version.getText());
-  const SemVer& semantic = version.getSemVer();
-  return combineHash(combineHash(semantic.major, semantic.minor), semantic.patch);
-}
-
-bool precedes(const CatalogueIndex::OrderedVersion& left,
-              const CatalogueIndex::OrderedVersion& right) {
-  const auto order = left.precedence <=> right.precedence;
-  return order < 0 || (order == 0 && left.position < right.position);
-}
-
-bool isBelow(const CatalogueIndex::OrderedVersion& entry, const Precedence& bound) {
-  return entry.precedence < bound;
-}
-
-bool isAbove(const Precedence& bound, const CatalogueIndex::OrderedVersion& entry) {
-  return bound < entry.precedence;
-}
-
-VersionScale scaleOf(const std::vector<CatalogueIndex::OrderedVersion>& ordered) {
+VersionScale scaleOf(const PackedRows& rows, std::span<const Position> ordered) {
   std::vector<Precedence> precedences;
   precedences.reserve(ordered.size());
-  for (const auto& entry : ordered) precedences.push_back(entry.precedence);
+  for (const Position position : ordered) precedences.push_back(*rows.precedence(position));
   return VersionScale(std::move(precedences));
 }
 
-template <class Map, class Key>
-const CatalogueIndex::Positions& positionsIn(const Map& map, const Key& key) {
-  static const CatalogueIndex::Positions none;
-  const auto found = map.find(key);
-  return found == map.end() ? none : found->second;
+/// The entries of rows, by the key that `keyOf` gives each; those with the key `nothing` left out.
+template <class Row, class KeyOf>
+std::vector<PositionTable::Entry> entriesOf(const std::vector<Row>& rows, const KeyOf& keyOf) {
+  std::vector<PositionTable::Entry> entries;
+  entries.reserve(rows.size());
+  for (Position position = 0; position < rows.size(); ++position) {
+    const std::uint32_t key = keyOf(rows[position]);
+    if (key != nothing) entries.push_back({rows[position].name, key, position});
+  }
+  return entries;
 }
+
+std::vector<PositionTable::Entry> entriesByVersion(const PackedRows& rows) {
+  auto entries = entriesOf(rows.versions(), [](const auto& row) { return row.version; });
+  const auto more = entriesOf(rows.versions(), [](const auto& row) { return row.equivalent; });
+  entries.insert(entries.end(), more.begin(), more.end());
+  return entries;
+}
+
+std::vector<PositionTable::Entry> entriesByPrecedence(const PackedRows& rows) {
+  const std::vector<std::uint32_t> ranks = precedenceRanks(rows);
+  return entriesOf(rows.versions(), [&](const auto& row) { return ranks[row.ordering()]; });
+}
+
+constexpr auto sameKey = [](const auto& /*row*/) { return std::uint32_t{0}; };
 
 }  // namespace
 
-std::size_t CatalogueIndex::VersionKeyHash::operator()(const VersionKey& key) const noexcept {
-  return operator()(VersionKeyView{key.name, key.version});
-}
-
-std::size_t CatalogueIndex::VersionKeyHash::operator()(const VersionKeyView& key) const noexcept {
-  return combineHash(std::hash<std::u16string>()(key.name), hashOf(key.version));
-}
-
-CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels,
-                               const std::vector<pathfinder::Hop>& hops) {
-  for (Position position = 0; position < metamodels.size(); ++position) {
-    const auto& [name, version, dependencies] = metamodels[position].descriptor;
-    metamodels_[{name, version}].push_back(position);
-    metamodelsByName_[name].push_back(position);
-    const auto& equivalent = metamodels[position].equivalent;
-    if (equivalent) metamodels_[{name, *equivalent}].push_back(position);
-    auto& ordered = ordered_[name];  // there also for a name without any
-    if (const auto precedence = metamodels[position].precedence()) {
-      ordered.push_back({*precedence, position});
+/// What an index looks up in.
+class IndexTables {
+ public:
+  explicit IndexTables(std::shared_ptr<const PackedRows> packedRows)
+      : rows(std::move(packedRows)),
+        metamodels(entriesByVersion(*rows), rows->nameCount()),
+        hops(entriesOf(rows->hops(), [](const auto& hop) { return hop.from; }), rows->nameCount()),
+        metamodelsByName(entriesOf(rows->versions(), sameKey), rows->nameCount()),
+        hopsByName(entriesOf(rows->hops(), sameKey), rows->nameCount()),
+        ordered(entriesByPrecedence(*rows), rows->nameCount()) {
+    for (NameNumber name = 0; name < rows->nameCount(); ++name) {
+      VersionScale scale = scaleOf(*rows, ordered.of(name));
+      if (scale.isOwn()) scales.emplace(name, std::move(scale));
     }
   }
-  for (auto& [name, ordered] : ordered_) {
-    std::sort(ordered.begin(), ordered.end(), precedes);
-    VersionScale scale = scaleOf(ordered);
-    if (scale.isOwn()) scales_.emplace(name, std::move(scale));
+
+  std::span<const Position> at(const PositionTable& table, const std::u16string& name,
+                               const VersionId& version) const {
+    const std::uint32_t number = rows->numberOfVersion(version);
+    if (number == nothing) return {};
+    return table.at(rows->numberOfName(name), number);
   }
-  for (Position position = 0; position < hops.size(); ++position) {
-    hops_[{hops[position].name, hops[position].from}].push_back(position);
-    hopsByName_[hops[position].name].push_back(position);
-  }
+
+  const std::shared_ptr<const PackedRows> rows;
+  const PositionTable metamodels;  // by version
+  const PositionTable hops;        // by the version that they leave
+  const PositionTable metamodelsByName;
+  const PositionTable hopsByName;
+  const PositionTable ordered;                          // by precedence
+  std::unordered_map<NameNumber, VersionScale> scales;  // those of names with their own
+};
+
+CatalogueIndex::CatalogueIndex(const std::vector<CatalogueMetamodel>& metamodels,
+                               const std::vector<pathfinder::Hop>& hops)
+    : CatalogueIndex(packRows(metamodels, hops)) {}
+
+CatalogueIndex::CatalogueIndex(std::shared_ptr<const PackedRows> rows)
+    : tables_(std::make_shared<const IndexTables>(std::move(rows))) {}
+
+std::span<const Position> CatalogueIndex::metamodelsAt(const std::u16string& name,
+                                                       const VersionId& version) const {
+  return tables_->at(tables_->metamodels, name, version);
 }
 
-const CatalogueIndex::Positions& CatalogueIndex::metamodelsAt(const std::u16string& name,
-                                                              const VersionId& version) const {
-  return positionsIn(metamodels_, VersionKeyView{name, version});
+std::optional<Position> CatalogueIndex::metamodelOf(const std::u16string& name,
+                                                    const VersionId& version) const {
+  const auto found = metamodelsAt(name, version);
+  if (found.empty()) return std::nullopt;
+  const auto carrier = std::find_if(found.begin(), found.end(), [&](Position position) {
+    const PackedRows& rows = *tables_->rows;
+    return rows.version(rows.versions()[position].version) == version;
+  });
+  return carrier == found.end() ? found.front() : *carrier;
 }
 
 CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& name,
                                                        const VersionRange& range) const {
   if (isUnion(range)) return metamodelsInAny(name, piecesOf(range));
   const auto single = findSingleVersion(range);
-  if (single && !single->isSemVer()) return metamodelsAt(name, *single);
-  const auto& versions = orderedVersions(name);
+  if (single && !single->isSemVer()) {
+    const auto found = metamodelsAt(name, *single);
+    return {found.begin(), found.end()};
+  }
+  const auto versions = orderedVersions(name);
+  const auto isBelow = [&](Position position, const Precedence& bound) {
+    return *precedence(position) < bound;
+  };
+  const auto isAbove = [&](const Precedence& bound, Position position) {
+    return bound < *precedence(position);
+  };
   const auto from = [&](const VersionId& version) {
     return std::lower_bound(versions.begin(), versions.end(), *Precedence::of(version), isBelow);
   };
@@ -107,8 +150,8 @@ CatalogueIndex::Positions CatalogueIndex::metamodelsIn(const std::u16string& nam
   const auto last =
       bounds ? from(bounds->upper)
              : std::upper_bound(first, versions.end(), Precedence(single->getSemVer()), isAbove);
-  Positions result;
-  for (auto entry = first; entry < last; ++entry) result.push_back(entry->position);
+  if (last < first) return {};
+  Positions result(first, last);
   std::sort(result.begin(), result.end());
   return result;
 }
@@ -125,30 +168,42 @@ CatalogueIndex::Positions CatalogueIndex::metamodelsInAny(
   return result;
 }
 
-const CatalogueIndex::Positions& CatalogueIndex::hopsFrom(const std::u16string& name,
-                                                          const VersionId& version) const {
-  return positionsIn(hops_, VersionKeyView{name, version});
+std::span<const Position> CatalogueIndex::hopsFrom(const std::u16string& name,
+                                                   const VersionId& version) const {
+  return tables_->at(tables_->hops, name, version);
 }
 
-const CatalogueIndex::Positions& CatalogueIndex::metamodelsOf(const std::u16string& name) const {
-  return positionsIn(metamodelsByName_, name);
+std::span<const Position> CatalogueIndex::metamodelsOf(const std::u16string& name) const {
+  return tables_->metamodelsByName.of(tables_->rows->numberOfName(name));
 }
 
-const CatalogueIndex::Positions& CatalogueIndex::hopsOf(const std::u16string& name) const {
-  return positionsIn(hopsByName_, name);
+std::span<const Position> CatalogueIndex::hopsOf(const std::u16string& name) const {
+  return tables_->hopsByName.of(tables_->rows->numberOfName(name));
 }
 
-const std::vector<CatalogueIndex::OrderedVersion>& CatalogueIndex::orderedVersions(
-    const std::u16string& name) const {
-  static const std::vector<OrderedVersion> none;
-  const auto found = ordered_.find(name);
-  return found == ordered_.end() ? none : found->second;
+std::vector<std::u16string> CatalogueIndex::names() const {
+  std::vector<std::u16string> result;
+  for (NameNumber name = 0; name < tables_->rows->nameCount(); ++name) {
+    if (!tables_->metamodelsByName.of(name).empty()) result.push_back(tables_->rows->name(name));
+  }
+  std::sort(result.begin(), result.end());
+  return result;
+}
+
+std::span<const Position> CatalogueIndex::orderedVersions(const std::u16string& name) const {
+  return tables_->ordered.of(tables_->rows->numberOfName(name));
+}
+
+const std::optional<Precedence>& CatalogueIndex::precedence(Position metamodel) const {
+  return tables_->rows->precedence(metamodel);
 }
 
 const VersionScale& CatalogueIndex::scale(const std::u16string& name) const {
   static const VersionScale none;
-  const auto found = scales_.find(name);
-  return found == scales_.end() ? none : found->second;
+  const auto& scales = tables_->scales;
+  if (scales.empty()) return none;
+  const auto found = scales.find(tables_->rows->numberOfName(name));
+  return found == scales.end() ? none : found->second;
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,7 +1,5 @@
 #include "catalogue/catalogue_repository.hpp"
 
-#include <algorithm>
-#include <set>
 #include <utility>
 
 #include "catalogue/model/dependency_split.hpp"
@@ -11,32 +9,25 @@ namespace tarn::evolution::catalogue {
 using pathfinder::VersionId;
 
 CatalogueRepository::CatalogueRepository(Catalogue catalogue)
-    : catalogue_(std::move(catalogue)),
-      split_(splitDependencies(catalogue_.metamodels(), catalogue_.index())) {
-  const auto& metamodels = catalogue_.metamodels();
-  const bool anyIsOptional = std::any_of(
-      metamodels.begin(), metamodels.end(),
-      [](const CatalogueMetamodel& metamodel) { return !metamodel.requirements.empty(); });
-  if (anyIsOptional || !split_.empty()) useRequirements(*this);
+    : catalogue_(std::move(catalogue)), split_(splitDependencies(catalogue_)) {
+  if (catalogue_.hasRequirements() || !split_.empty()) useRequirements(*this);
 }
 
 CatalogueRepository::~CatalogueRepository() = default;
 
 std::optional<pathfinder::SemVer> CatalogueRepository::getEquivalentSemVer(
     const std::u16string& metamodelName, const std::u16string& versionText) {
-  const VersionScale& scale = catalogue_.index().scale(metamodelName);
-  const CatalogueMetamodel* const found = find(metamodelName, scale.meant(VersionId(versionText)));
-  const auto precedence = found == nullptr ? std::nullopt : found->precedence();
+  const auto found = find(metamodelName, VersionId(versionText));
+  const auto precedence = found ? catalogue_.index().precedence(*found) : std::nullopt;
   if (!precedence) return std::nullopt;
-  return scale.equivalent(*precedence);
+  return catalogue_.index().scale(metamodelName).equivalent(*precedence);
 }
 
 std::optional<pathfinder::Metamodel> CatalogueRepository::getMetamodel(const std::u16string& name,
                                                                        const VersionId& version) {
-  const VersionScale& scale = catalogue_.index().scale(name);
-  const CatalogueMetamodel* const found = find(name, scale.meant(version));
-  if (found == nullptr) return std::nullopt;
-  return scale.shown(found->descriptor);
+  const auto found = find(name, version);
+  if (!found) return std::nullopt;
+  return catalogue_.index().scale(name).shown(metamodelAt(*found).descriptor);
 }
 
 void CatalogueRepository::findMetamodels(const std::u16string& name,
@@ -50,11 +41,10 @@ void CatalogueRepository::findMetamodels(const std::u16string& name,
 
 void CatalogueRepository::findRequirements(const pathfinder::Metamodel& metamodel,
                                            std::vector<pathfinder::PeerRequirement>& result) {
-  const VersionScale& scale = catalogue_.index().scale(metamodel.name);
-  const CatalogueMetamodel* const found = find(metamodel.name, scale.meant(metamodel.version));
-  if (found == nullptr) return;
-  for (const CatalogueRequirement& requirement : found->requirements) {
-    result.push_back(requirement.needed);
+  const auto found = find(metamodel.name, metamodel.version);
+  if (!found) return;
+  for (CatalogueRequirement& requirement : metamodelAt(*found).requirements) {
+    result.push_back(std::move(requirement.needed));
   }
 }
 
@@ -67,11 +57,7 @@ void CatalogueRepository::findHops(const std::u16string& name, const pathfinder:
 }
 
 std::vector<std::u16string> CatalogueRepository::listNames() {
-  std::set<std::u16string> names;
-  for (const CatalogueMetamodel& metamodel : catalogue_.metamodels()) {
-    names.insert(metamodel.descriptor.name);
-  }
-  return {names.begin(), names.end()};
+  return catalogue_.index().names();
 }
 
 std::vector<CatalogueMetamodel> CatalogueRepository::listMetamodels(const std::u16string& name) {
@@ -95,8 +81,8 @@ std::vector<pathfinder::Hop> CatalogueRepository::listHops(const std::u16string&
 
 std::u16string CatalogueRepository::findVersionNote(const std::u16string& name,
                                                     const pathfinder::VersionId& version) {
-  const CatalogueMetamodel* const found = find(name, catalogue_.index().scale(name).meant(version));
-  return found == nullptr ? std::u16string() : found->note;
+  const auto found = find(name, version);
+  return found ? metamodelAt(*found).note : std::u16string();
 }
 
 std::u16string CatalogueRepository::findHopNote(const pathfinder::Hop& hop) {
@@ -107,19 +93,13 @@ std::optional<Question> CatalogueRepository::getQuestion() {
   return catalogue_.question();
 }
 
-/// The metamodel that carries a version, otherwise the first that is equivalent to it.
-const CatalogueMetamodel* CatalogueRepository::find(const std::u16string& name,
-                                                    const VersionId& version) const {
-  const auto& metamodels = catalogue_.metamodels();
-  const auto& found = catalogue_.index().metamodelsAt(name, version);
-  for (const auto position : found) {
-    if (metamodels[position].descriptor.version == version) return &metamodelAt(position);
-  }
-  return found.empty() ? nullptr : &metamodelAt(found.front());
+std::optional<CatalogueIndex::Position> CatalogueRepository::find(const std::u16string& name,
+                                                                  const VersionId& version) const {
+  const CatalogueIndex& index = catalogue_.index();
+  return index.metamodelOf(name, index.scale(name).meant(version));
 }
 
-const CatalogueMetamodel& CatalogueRepository::metamodelAt(
-    CatalogueIndex::Position position) const {
+CatalogueMetamodel CatalogueRepository::metamodelAt(CatalogueIndex::Position position) const {
   const auto split = split_.find(position);
   return split == split_.end() ? catalogue_.metamodels()[position] : split->second;
 }

@@ -4,10 +4,10 @@
 
 #include "catalogue/model/dependency_split.hpp"
 
-#include <string_view>
 #include <utility>
 
 #include "catalogue/model/dependency_components.hpp"
+#include "catalogue/model/packed_rows.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -17,8 +17,8 @@ using Position = CatalogueIndex::Position;
 
 class DependencySplit {
  public:
-  DependencySplit(const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index)
-      : metamodels_(metamodels), index_(index), slots_(placeVersions()) {}
+  DependencySplit(const PackedRows& rows, const CatalogueIndex& index)
+      : rows_(rows), index_(index), slots_(placeVersions()) {}
 
   std::unordered_map<Position, CatalogueMetamodel> run() const {
     const DependencyGraph graph(slots_.size(), edges());
@@ -27,7 +27,7 @@ class DependencySplit {
     for (const std::vector<Slot>& members : components.cyclic()) {
       for (const Slot slot : members) {
         const Position position = slots_.at(slot).row;
-        CatalogueMetamodel metamodel = metamodels_[position];
+        CatalogueMetamodel metamodel = rows_.metamodel(position);
         makeRequirements(metamodel, leadBack(slot, components));
         result.emplace(position, std::move(metamodel));
       }
@@ -36,31 +36,31 @@ class DependencySplit {
   }
 
  private:
-  VersionSlots placeVersions() {
+  VersionSlots placeVersions() const {
     std::vector<VersionSlots::Version> versions;
-    for (const CatalogueMetamodel& metamodel : metamodels_) {
-      const auto number = static_cast<NameNumber>(names_.size());
-      const NameNumber name = names_.try_emplace(metamodel.descriptor.name, number).first->second;
-      versions.push_back({name, static_cast<std::uint32_t>(versions.size()), metamodel.precedence(),
-                          metamodel.semVer().has_value()});
+    versions.reserve(rows_.versions().size());
+    for (const auto& row : rows_.versions()) {
+      versions.push_back({row.name, static_cast<std::uint32_t>(versions.size()),
+                          rows_.precedenceOf(row.ordering()),
+                          rows_.version(row.ordering()).isSemVer()});
     }
-    return {std::move(versions), names_.size(), metamodels_.size()};
+    return {std::move(versions), rows_.nameCount(), rows_.versions().size()};
   }
 
   template <class Receive>
-  void forCandidates(const pathfinder::Dependency& dependency, const Receive& receive) const {
+  void forCandidates(const PackedRows::Dependency& dependency, const Receive& receive) const {
     const auto findText = [&](const std::u16string& text) {
-      const auto& found = index_.metamodelsAt(dependency.name, text);
+      const auto found = index_.metamodelsAt(rows_.name(dependency.name), text);
       return found.empty() ? nothing : slots_.slotOf(found.front());
     };
-    slots_.forAdmitted(names_.at(dependency.name), dependency.range, findText, receive);
+    slots_.forAdmitted(dependency.name, rows_.range(dependency.range), findText, receive);
   }
 
   std::vector<DependencyGraph::Dependency> edges() const {
     std::vector<DependencyGraph::Dependency> result;
-    for (Position position = 0; position < metamodels_.size(); ++position) {
-      for (const auto& dependency : metamodels_[position].descriptor.dependencies) {
-        forCandidates(dependency, [&](SlotInterval candidates) {
+    for (Position position = 0; position < rows_.versions().size(); ++position) {
+      for (std::size_t i = 0; i < rows_.dependencyCount(position); ++i) {
+        forCandidates(rows_.dependency(position, i), [&](SlotInterval candidates) {
           result.push_back({slots_.slotOf(position), candidates});
         });
       }
@@ -70,9 +70,10 @@ class DependencySplit {
 
   std::vector<bool> leadBack(Slot from, const DependencyComponents& components) const {
     std::vector<bool> result;
-    for (const auto& dependency : metamodels_[slots_.at(from).row].descriptor.dependencies) {
+    const std::size_t position = slots_.at(from).row;
+    for (std::size_t i = 0; i < rows_.dependencyCount(position); ++i) {
       bool leadsBack = false;
-      forCandidates(dependency, [&](SlotInterval candidates) {
+      forCandidates(rows_.dependency(position, i), [&](SlotInterval candidates) {
         for (Slot slot = candidates.begin; slot < candidates.end && !leadsBack; ++slot) {
           leadsBack = components.areTogether(from, slot);
         }
@@ -82,9 +83,8 @@ class DependencySplit {
     return result;
   }
 
-  const std::vector<CatalogueMetamodel>& metamodels_;
+  const PackedRows& rows_;
   const CatalogueIndex& index_;
-  std::unordered_map<std::u16string_view, NameNumber> names_;
   const VersionSlots slots_;
 };
 
@@ -108,9 +108,8 @@ void makeRequirements(CatalogueMetamodel& metamodel, const std::vector<bool>& le
   metamodel.dependencyNotes = std::move(notes);
 }
 
-std::unordered_map<Position, CatalogueMetamodel> splitDependencies(
-    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index) {
-  return DependencySplit(metamodels, index).run();
+std::unordered_map<Position, CatalogueMetamodel> splitDependencies(const Catalogue& catalogue) {
+  return DependencySplit(*catalogue.rows_, catalogue.index()).run();
 }
 
 }  // namespace tarn::evolution::catalogue

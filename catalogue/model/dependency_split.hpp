@@ -11,8 +11,8 @@ namespace tarn::evolution::catalogue {
 void makeRequirements(CatalogueMetamodel& metamodel, const std::vector<bool>& leadsBack);
 
 /// The metamodels that have dependencies which do not link, by their positions: with requirements
-/// in their place. Each dependency must name a metamodel.
+/// in their place.
 std::unordered_map<CatalogueIndex::Position, CatalogueMetamodel> splitDependencies(
-    const std::vector<CatalogueMetamodel>& metamodels, const CatalogueIndex& index);
+    const Catalogue& catalogue);
 
 }  // namespace tarn::evolution::catalogue

@@ -1,7 +1,7 @@
 #include "catalogue/model/validation.hpp"
 
-#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/text/messages.hpp"
@@ -18,73 +18,75 @@ using Position = CatalogueIndex::Position;
 /// Looks at one thing after the other, and throws.
 class Validation {
  public:
-  Validation(const CatalogueContent& content, const CatalogueIndex& index)
-      : content_(content), index_(index) {}
+  Validation(const PackedRows& rows, const CatalogueIndex& index) : rows_(rows), index_(index) {}
 
-  void run() const {
-    for (Position position = 0; position < content_.metamodels.size(); ++position) {
+  void run() {
+    hasMetamodel_.resize(rows_.nameCount());
+    for (const auto& row : rows_.versions()) hasMetamodel_[row.name] = true;
+    for (Position position = 0; position < rows_.versions().size(); ++position) {
       checkUnique(position);
       checkEquivalent(position);
       checkDependencies(position);
     }
-    for (Position position = 0; position < content_.hops.size(); ++position) checkHop(position);
+    for (Position position = 0; position < rows_.hops().size(); ++position) checkHop(position);
   }
 
  private:
-  const pathfinder::Metamodel& descriptor(Position position) const {
-    return content_.metamodels[position].descriptor;
+  std::string textAt(Position position) const {
+    return textOf(rows_.metamodel(position).descriptor);
   }
 
   void checkUnique(Position position) const {
-    const pathfinder::Metamodel& own = descriptor(position);
-    const auto& same = index_.metamodelsAt(own.name, own.version);
-    const Position first = *std::find_if(same.begin(), same.end(), [&](Position other) {
-      return descriptor(other).version == own.version;
-    });
+    const auto& own = rows_.versions()[position];
+    const Position first = *index_.metamodelOf(rows_.name(own.name), rows_.version(own.version));
     if (first == position) return;
     throw CatalogueError(metamodelPlace(position),
-                         standsAlready(textOf(own), "at " + metamodelPlace(first)));
+                         standsAlready(textAt(position), "at " + metamodelPlace(first)));
   }
 
   void checkEquivalent(Position position) const {
-    const auto& equivalent = content_.metamodels[position].equivalent;
-    if (!equivalent) return;
-    for (const Position other : index_.metamodelsAt(descriptor(position).name, *equivalent)) {
-      if (other >= position || !content_.metamodels[other].equivalent) continue;
+    const auto& own = rows_.versions()[position];
+    if (own.equivalent == nothing) return;
+    const VersionId& equivalent = rows_.version(own.equivalent);
+    for (const Position other : index_.metamodelsAt(rows_.name(own.name), equivalent)) {
+      if (other >= position || rows_.versions()[other].equivalent == nothing) continue;
       throw CatalogueError(
           metamodelPlace(position) + "/semver",
-          sharedEquivalent(*equivalent, textOf(descriptor(other)), "at " + metamodelPlace(other)));
+          sharedEquivalent(equivalent.getSemVer(), textAt(other), "at " + metamodelPlace(other)));
     }
   }
 
   void checkDependencies(Position position) const {
-    const auto& dependencies = descriptor(position).dependencies;
-    for (std::size_t i = 0; i < dependencies.size(); ++i) {
-      if (index_.hasMetamodel(dependencies[i].name)) continue;
+    for (std::size_t i = 0; i < rows_.dependencyCount(position); ++i) {
+      const NameNumber name = rows_.dependency(position, i).name;
+      if (hasMetamodel_[name]) continue;
       throw CatalogueError(dependencyPlace(position, i) + "/name",
-                           unknownMetamodel(dependencies[i].name));
+                           unknownMetamodel(rows_.name(name)));
     }
   }
 
   void checkHop(Position position) const {
-    const auto& [name, from, to, expensive] = content_.hops[position];
-    if (!index_.hasMetamodel(name)) {
+    const auto& hop = rows_.hops()[position];
+    const std::u16string& name = rows_.name(hop.name);
+    if (!hasMetamodel_[hop.name]) {
       throw CatalogueError(hopPlace(position) + "/name", unknownMetamodel(name));
     }
-    for (const auto& [field, version] : {std::pair("/from", &from), std::pair("/to", &to)}) {
-      if (!index_.metamodelsAt(name, *version).empty()) continue;
-      throw CatalogueError(hopPlace(position) + field, unknownVersion(name, *version));
+    for (const auto& [field, number] : {std::pair("/from", hop.from), std::pair("/to", hop.to)}) {
+      const VersionId& version = rows_.version(number);
+      if (!index_.metamodelsAt(name, version).empty()) continue;
+      throw CatalogueError(hopPlace(position) + field, unknownVersion(name, version));
     }
   }
 
-  const CatalogueContent& content_;
+  const PackedRows& rows_;
   const CatalogueIndex& index_;
+  std::vector<bool> hasMetamodel_;  // by name
 };
 
 }  // namespace
 
-void validate(const CatalogueContent& content, const CatalogueIndex& index) {
-  Validation(content, index).run();
+void validate(const PackedRows& rows, const CatalogueIndex& index) {
+  Validation(rows, index).run();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "catalogue/catalogue.hpp"
+#include "catalogue/model/packed_rows.hpp"
 
 namespace tarn::evolution::catalogue {
 
-/// Throws CatalogueError for the first way in which the content is unsound, as `Catalogue` defines
-/// it.
-void validate(const CatalogueContent& content, const CatalogueIndex& index);
+/// Throws CatalogueError for the first way in which rows are unsound, as `Catalogue` defines it.
+/// `index` is theirs.
+void validate(const PackedRows& rows, const CatalogueIndex& index);
 
 }  // namespace tarn::evolution::catalogue

@@ -56,4 +56,17 @@ std::string quoteMermaid(std::string_view utf8) {
   return "\"" + escape(utf8, mermaidEscapes) + "\"";
 }
 
+std::string pageBegin(const std::string& title, std::string_view style) {
+  std::string result =
+      "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+      R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; )"
+      "style-src 'unsafe-inline'; script-src 'unsafe-inline'; img-src data:\">\n"
+      "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+      "<link rel=\"icon\" href=\"data:,\">\n<title>";
+  result += title;
+  result += "</title>\n<style>\n";
+  result += style;
+  return result + "</style>\n</head>\n<body>\n";
+}
+
 }  // namespace tarn::evolution::catalogue

@@ -18,4 +18,8 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::string quoteDot(std::string_view utf8);
 /// A quoted label of a Mermaid flowchart, the quotation marks included.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string quoteMermaid(std::string_view utf8);
 
+/// All of an HTML page before the content of its body: a page that has everything in itself and may
+/// ask nothing of the network. The title is HTML.
+std::string pageBegin(const std::string& title, std::string_view style);
+
 }  // namespace tarn::evolution::catalogue

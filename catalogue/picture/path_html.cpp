@@ -22,8 +22,7 @@ class PageWriter {
   PageWriter(const PathPicture& picture, std::ostream& out) : picture_(picture), out_(out) {}
 
   void write() const {
-    writeHead();
-    out_ << "<body>\n";
+    out_ << pageBegin("Evolution path: " + summarise(picture_), pathPageStyle);
     writeHeader();
     out_ << "<main>\n";
     writeLanes();
@@ -32,16 +31,6 @@ class PageWriter {
   }
 
  private:
-  void writeHead() const {
-    out_ << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-            R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; )"
-            "style-src 'unsafe-inline'; script-src 'unsafe-inline'; img-src data:\">\n"
-            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-            "<link rel=\"icon\" href=\"data:,\">\n<title>Evolution path: "
-         << summarise(picture_) << "</title>\n<style>\n"
-         << pathPageStyle << "</style>\n</head>\n";
-  }
-
   void writeHeader() const {
     const auto moved = std::count_if(picture_.lanes.begin(), picture_.lanes.end(),
                                      [](const PathPicture::Lane& lane) { return lane.isMoved; });

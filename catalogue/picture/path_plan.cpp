@@ -81,15 +81,19 @@ PathPlan makePlan(pathfinder::VersionRepository& repository, BrowsableRepository
   return plan;
 }
 
-void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question) {
-  printer.field("form", planForm);
-  printer.field("found", isFound);
+void writeQuestionField(JsonPrinter& printer, const Question& question) {
   printer.objectField("question", [&] {
     printer.key("from");
     writeSelection(printer, question.from);
     printer.key("to");
     writeSelection(printer, question.to);
   });
+}
+
+void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question) {
+  printer.field("form", planForm);
+  printer.field("found", isFound);
+  writeQuestionField(printer, question);
 }
 
 void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {

@@ -8,6 +8,9 @@ namespace tarn::evolution::catalogue {
 /// Writes the fields of a plan.
 void writePlanFields(JsonPrinter& printer, const PathPlan& plan);
 
+/// Writes the field "question".
+void writeQuestionField(JsonPrinter& printer, const Question& question);
+
 /// Writes the fields "form", "found" and "question", with which every answer begins.
 void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question);
 

@@ -2,6 +2,7 @@
 
 #include <istream>
 
+#include "catalogue/model/catalogue_builder.hpp"
 #include "catalogue/model/content_sink.hpp"
 #include "catalogue/reading/json_file.hpp"
 #include "catalogue/reading/json_stream.hpp"
@@ -10,9 +11,9 @@
 namespace tarn::evolution::catalogue {
 
 Catalogue readJsonCatalogue(std::istream& in) {
-  ContentSink sink;
-  streamJsonCatalogue(in, sink);
-  return Catalogue(sink.take());
+  CatalogueBuilder builder;
+  streamJsonCatalogue(in, builder);
+  return builder.finish();
 }
 
 Catalogue readJsonCatalogue(const std::filesystem::path& file) {

@@ -25,14 +25,16 @@ class WholeRows : public JsonRowReceiver {
     dependencies.reserve(row.dependencies.size());
     std::vector<std::u16string> notes;
     std::vector<CatalogueRequirement> requirements;
-    for (const DependencyRow& dependency : row.dependencies) {
+    for (DependencyRow& dependency : row.dependencies) {
       if (dependency.isOptional) {
-        requirements.push_back({{*dependency.name, *dependency.range, true}, dependency.note});
+        auto& [needed, note] = requirements.emplace_back();
+        needed = {*std::move(dependency.name), *std::move(dependency.range), true};
+        note = std::move(dependency.note);
         continue;
       }
       if (!dependency.note.empty()) {
         notes.resize(dependencies.size());
-        notes.push_back(dependency.note);
+        notes.push_back(std::move(dependency.note));
       }
       dependencies.emplace_back(*dependency.name, *dependency.range);
     }

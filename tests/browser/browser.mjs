@@ -1,5 +1,5 @@
 // Drives headless Chromium through its debugging pipe: Node's own modules suffice.
-import { spawn } from "node:child_process";
+import { execFileSync, spawn } from "node:child_process";
 import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
@@ -134,6 +134,22 @@ class Page {
       })`,
     });
     return result.value;
+  }
+
+  /** The sheets of paper that the page takes, each with its words and where they stand, in points. */
+  async printedSheets() {
+    const { data } = await this.call("Page.printToPDF", { preferCSSPageSize: true, paperWidth: 8.27, paperHeight: 11.69 });
+    const boxes = execFileSync("pdftotext", ["-bbox", "-", "-"],
+                               { input: Buffer.from(data, "base64"), encoding: "utf8", maxBuffer: 1 << 28 });
+    return boxes.split("<page ").slice(1).map((sheet) => {
+      const [right, bottom] = sheet.match(/width="([^"]+)" height="([^"]+)"/).slice(1).map(Number);
+      const words = [...sheet.matchAll(/<word xMin="(.+?)" yMin="(.+?)" xMax="(.+?)" yMax="(.+?)">(.*?)<\/word>/g)]
+        .map(([, ...parts]) => {
+          const [left, top, wordRight, wordBottom] = parts.map(Number);
+          return { left, top, right: wordRight, bottom: wordBottom, text: parts[4] };
+        });
+      return { box: { right, bottom }, words };
+    });
   }
 
   async screenshot(file) {

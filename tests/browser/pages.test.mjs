@@ -31,7 +31,7 @@ function findCollisions(selector) {
 
 /** Runs in the page: cut texts of which nothing shows the whole. */
 function findCutTexts() {
-  return [...document.querySelectorAll("th, .box bdi, aside li, header *")]
+  return [...document.querySelectorAll("th, .box bdi, .printed td, aside li, header *")]
     .filter((element) => element.scrollWidth > element.clientWidth + 1 && element.clientWidth > 1)
     .filter((element) => !element.closest("[title]")?.title.includes(element.textContent))
     .map((element) => element.textContent);
@@ -158,6 +158,33 @@ test("what a lane holds stays in sight when its box has scrolled away", async ()
   while ((await told()).every((text) => text === "")) await new Promise((next) => { setTimeout(next, 20); });
   (await told()).forEach((text, lane) => assert.ok(text === "" || held[lane].includes(text), text));
   assert.ok((await told()).filter((text) => text !== "").length > 30);
+});
+
+test("printed, a page of 50 metamodels and 60 steps is whole, and nothing lies over anything else", async () => {
+  const [lanes, steps, width] = [50, 60, 1047];  // the width of A4 between the margins
+  const page = await browser.open(draw(lanes, steps, "html"), "light", { width, height: 718 });
+  await page.call("Emulation.setEmulatedMedia", { media: "print" });
+  assert.deepEqual(await page.evaluate(findCutTexts), []);
+  assert.deepEqual(await page.evaluate(findCollisions, ".printed bdi"), []);
+  assert.ok(await page.evaluate(() => document.documentElement.scrollWidth) <= width);
+  const sheets = await page.printedSheets();
+  for (const { words, box } of sheets) {
+    const margin = 28;  // points, almost the 10 mm that the page asks for
+    for (const word of words) {
+      assert.ok(word.left >= margin && word.top >= margin, word.text);
+      assert.ok(word.right <= box.right - margin && word.bottom <= box.bottom - margin, word.text);
+    }
+    const apart = (a, b) => a.right < b.left + 1 || b.right < a.left + 1 || a.bottom < b.top + 2 || b.bottom < a.top + 2;
+    words.forEach((one, i) => words.slice(i + 1).forEach((other) =>
+      assert.ok(apart(one, other), `"${one.text}" meets "${other.text}"`)));
+  }
+  const text = sheets.map(({ words }) => words.map((word) => word.text).join("")).join("");
+  const tables = Math.ceil((steps + 1) / 8);
+  for (let lane = 5; lane < lanes; ++lane) {
+    const name = `package-${String(lane).padStart(2, "0")}`;
+    assert.ok(text.split(name).length > tables, name);
+  }
+  for (let step = 1; step <= steps; ++step) assert.ok(text.split(`Step${step}`).length > 2, `Step ${step}`);
 });
 
 test("names and versions are text, whatever they hold", async () => {

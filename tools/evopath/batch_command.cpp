@@ -1,18 +1,28 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "batch_options.hpp"
 #include "batch_output.hpp"
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/comparison/heads_to_heads.hpp"
 #include "catalogue/explanation/batch.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/text/display_text.hpp"
+#include "catalogue/utf16.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "interruption.hpp"
+#include "known_versions.hpp"
 #include "number_option.hpp"
 #include "question_file.hpp"
 #include "search_monitor.hpp"
+#include "selection_argument.hpp"
 
 namespace evopath {
 
@@ -23,7 +33,9 @@ namespace {
 
 struct BatchArguments {
   std::filesystem::path catalogue;
-  std::filesystem::path questions;
+  std::filesystem::path questions;  // empty with --heads
+  bool heads = false;
+  std::vector<std::string> of;  // names, as they are given; all where there are none
   std::uint64_t part = 1;
   std::uint64_t parts = 1;
   BatchOptions options;
@@ -42,17 +54,48 @@ void parsePart(const std::string& text, BatchArguments& arguments) {
   throw CLI::ValidationError("--part " + text, "must be I/N, I from 1 to N, such as 1/8");
 }
 
+/// What is asked, and the stream of questions.
+struct Asked {
+  std::unique_ptr<BrowsableRepository> repository;
+  std::unique_ptr<std::istream> questions;
+};
+
+/// All heads of the chosen metamodels to all heads.
+Asked openHeads(const BatchArguments& arguments) {
+  const Catalogue catalogue = readCatalogue(arguments.catalogue);
+  auto repository = std::make_unique<CatalogueRepository>(catalogue);
+  std::vector<std::u16string> names;
+  for (const std::string& name : arguments.of) names.push_back(toUtf16(name));
+  expectKnown(*repository, names);
+  std::string lines;
+  for (const Question& question : headsToHeads(catalogue, catalogue)) {
+    const std::u16string& name = question.from.begin()->first;
+    const bool isChosen =
+        names.empty() || std::find(names.begin(), names.end(), name) != names.end();
+    if (isChosen) lines += questionLine(question);
+  }
+  return {std::move(repository), std::make_unique<std::istringstream>(std::move(lines))};
+}
+
+Asked open(const BatchArguments& arguments) {
+  if (arguments.heads != arguments.questions.empty()) {
+    throw CLI::ValidationError("batch", "takes a file of questions, or --heads");
+  }
+  if (arguments.heads) return openHeads(arguments);
+  return {openCatalogue(arguments.catalogue),
+          std::make_unique<std::ifstream>(openQuestions(arguments.questions))};
+}
+
 ExitStatus runBatch(const BatchArguments& arguments) {
-  const auto repository = openCatalogue(arguments.catalogue);
-  std::ifstream in = openQuestions(arguments.questions);
-  BatchQuestions questions(in, arguments.part, arguments.parts);
+  const Asked asked = open(arguments);
+  BatchQuestions questions(*asked.questions, arguments.part, arguments.parts);
   BatchOutput output(arguments.output, arguments.resumes);
   output.skipAnswered(questions);
   const BatchCounts counts =
       searchAttended(arguments.options.toAttend(), SearchMonitor::Task::Search,
                      SearchMonitor::Line::Never, [&](const SearchLimits& attended) {
                        return answerBatch(
-                           *repository, [&] { return questions.next(); },
+                           *asked.repository, [&] { return questions.next(); },
                            [&](const std::string& line) { output.write(line); },
                            arguments.options.limitsOf(attended));
                      });
@@ -66,9 +109,21 @@ void addBatchCommand(CLI::App& program, Action& action) {
   const auto arguments = std::make_shared<BatchArguments>();
   CLI::App* batch = program.add_subcommand("batch", "Answer many questions about one catalogue");
   addCatalogueArgument(*batch, arguments->catalogue);
-  addInputArgument(*batch, "questions", arguments->questions,
-                   "The questions, a line each: {\"from\": {name: version}, \"to\": {name: "
-                   "version}}; - for standard input");
+  readsInput(
+      batch
+          ->add_option("questions", arguments->questions,
+                       "The questions, a line each: {\"from\": {name: version}, \"to\": {name: "
+                       "version}}; - for standard input")
+          ->type_name(fileTypeName));
+  CLI::Option* heads = batch->add_flag(
+      "--heads", arguments->heads,
+      "Ask of each metamodel all ways from where its chains of hops begin to where they end, at "
+      "most 16 of one chain, instead of questions");
+  batch->add_option("--of", arguments->of, "With --heads, of these metamodels only")
+      ->type_name(nameTypeName)
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->needs(heads);
   arguments->options.addTo(*batch);
   batch
       ->add_option_function<std::string>(

@@ -2,15 +2,17 @@
 
 #include <iostream>
 
+#include "catalogue/text/display_text.hpp"
 #include "number_option.hpp"
 
 namespace evopath {
 
 using tarn::evolution::catalogue::BatchCounts;
 using tarn::evolution::catalogue::BatchLimits;
+using tarn::evolution::catalogue::toVisible;
 using tarn::evolution::pathfinder::SearchLimits;
 
-void BatchOptions::addTo(CLI::App& command) {
+void JobsOption::addTo(CLI::App& command) {
   command
       .add_option_function<std::string>(
           "--jobs",
@@ -21,12 +23,21 @@ void BatchOptions::addTo(CLI::App& command) {
           "How many questions to ask at a time")
       ->type_name("NUMBER")
       ->default_str(std::to_string(jobs));
+}
+
+unsigned JobsOption::threads() const {
+  constexpr std::uint64_t most = 1024;
+  return static_cast<unsigned>(std::min(jobs, most));
+}
+
+void BatchOptions::addTo(CLI::App& command) {
+  jobs.addTo(command);
   limits.addTo(command);
 }
 
 BatchLimits BatchOptions::limitsOf(const SearchLimits& attended) const {
   BatchLimits batch;
-  batch.threads = static_cast<unsigned>(std::min<std::uint64_t>(jobs, 1024));
+  batch.threads = jobs.threads();
   if (limits.seconds) {
     batch.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
         std::chrono::duration<double>(*limits.seconds));
@@ -46,6 +57,9 @@ ExitStatus tellCounts(const BatchCounts& counts) {
   if (counts.open + counts.failed == 0) return ExitStatus::Found;
   std::cerr << "evopath: " << counts.found << " found, " << counts.absent << " without a path, "
             << counts.open << " open, " << counts.failed << " that cannot be asked\n";
+  if (const auto& first = counts.firstFailure) {
+    std::cerr << "evopath: line " << first->line << ": " << toVisible(first->reason) << "\n";
+  }
   return counts.failed > 0 ? ExitStatus::BadInput : ExitStatus::Open;
 }
 

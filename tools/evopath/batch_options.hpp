@@ -12,10 +12,20 @@
 
 namespace evopath {
 
+/// The option --jobs.
+struct JobsOption {
+  std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency());
+
+  /// Adds the option to a command; it receives what is given, so this must outlive the parsing.
+  void addTo(CLI::App& command);
+
+  unsigned threads() const;
+};
+
 /// The options of commands that answer many questions: --jobs, --timeout and --memory, the limits
 /// being those of each question.
 struct BatchOptions {
-  std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency());
+  JobsOption jobs;
   LimitOptions limits;
 
   /// Adds the options to a command; they receive what is given, so this must outlive the parsing.
@@ -29,7 +39,8 @@ struct BatchOptions {
   tarn::evolution::pathfinder::SearchLimits toAttend() const;
 };
 
-/// What a batch comes to: unless all was answered, a line on standard error tells how much was.
+/// What a batch comes to: unless all was answered, lines on standard error tell how much was, and
+/// what is wrong with the first question that could not be asked.
 ExitStatus tellCounts(const tarn::evolution::catalogue::BatchCounts& counts);
 
 }  // namespace evopath

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "batch_options.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/comparison/comparison_output.hpp"
 #include "catalogue/comparison/heads_to_heads.hpp"
@@ -31,6 +32,8 @@ struct DiffOptions {
   std::filesystem::path questions;
   bool content = false;
   bool json = false;
+  JobsOption jobs;
+  std::optional<double> questionSeconds;
   LimitOptions limits;
   OutputOption output;
 };
@@ -61,22 +64,25 @@ Comparison compareAttended(const DiffOptions& options, const Catalogue& former,
                            const Catalogue& present) {
   const auto questions =
       options.questions.empty() ? headsToHeads(former, present) : readQuestions(options.questions);
-  tarn::evolution::pathfinder::SearchLimits limits;
-  if (options.limits.bytes) limits.memory = *options.limits.bytes;
-  return searchAttended(limits, SearchMonitor::Task::Search, SearchMonitor::Line::Never,
-                        [&](const auto& attended) {
-                          ComparisonLimits each;
-                          if (options.limits.seconds) {
-                            each.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                std::chrono::duration<double>(*options.limits.seconds));
-                          }
-                          each.memory = attended.memory;
-                          each.stop = attended.stop;
-                          return compare(former, present, questions, each);
-                        });
+  SearchMonitor monitor(options.limits.fromNow(), SearchMonitor::Task::Comparison,
+                        SearchMonitor::Line::OnTerminal);
+  monitor.count(0, questions.size());
+  const auto attended = monitor.limits();
+  ComparisonLimits limits;
+  if (options.questionSeconds) {
+    limits.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
+        std::chrono::duration<double>(*options.questionSeconds));
+  }
+  limits.memory = attended.memory;
+  limits.stop = attended.stop;
+  limits.deadline = attended.deadline;
+  limits.threads = options.jobs.threads();
+  limits.progress = [&](std::size_t compared) { monitor.count(compared, questions.size()); };
+  return compare(former, present, questions, limits);
 }
 
 ExitStatus differenceStatus(const Comparison& comparison) {
+  if (comparison.unasked > 0) return ExitStatus::Open;
   for (const AnswerDifference& answer : comparison.answers) {
     if (answer.change == AnswerChange::Open) return ExitStatus::Open;
   }
@@ -125,6 +131,9 @@ void addDiffCommand(CLI::App& program, Action& action) {
                  ->type_name(fileTypeName));
   diff->add_flag("--content", options->content, "List all versions and hops that differ");
   diff->add_flag("--json", options->json, "Print the comparison as JSON");
+  options->jobs.addTo(*diff);
+  addSecondsOption(*diff, "--question-timeout", options->questionSeconds,
+                   "Leave a question open that takes so much time in one of the catalogues");
   options->limits.addTo(*diff);
   options->output.addTo(*diff);
   diff->footer(
@@ -134,10 +143,10 @@ void addDiffCommand(CLI::App& program, Action& action) {
       "present\n"
       "one.\n"
       "What is named as the reason is enough to change the answer: the path finder was asked.\n"
-      "Limits are those of each question.\n"
+      "Memory is that of each question; what --timeout ends says how many were not asked.\n"
       "Exit status: 0 the catalogues are the same, 1 something differs, 2 bad usage or input, 3 "
       "limits\n"
-      "left some answers open.\n"
+      "left some answers open or some questions not asked.\n"
       "Example: evopath diff data/operators.json --without limitador-operator=0.7.0");
   diff->callback([options, &action] { action = [options] { return runDiff(*options); }; });
 }

@@ -45,18 +45,19 @@ std::optional<std::uint64_t> parseBytes(const std::string& text) {
 
 }  // namespace
 
+CLI::Option* addSecondsOption(CLI::App& command, const std::string& name,
+                              std::optional<double>& seconds, const std::string& description) {
+  const auto parse = [name, &seconds](const std::string& text) {
+    seconds = parseSeconds(text);
+    if (seconds) return;
+    throw CLI::ValidationError(name + " " + text, "must be a number of seconds, such as 30 or 0.5");
+  };
+  return command.add_option_function<std::string>(name, parse, description)->type_name("SECONDS");
+}
+
 void LimitOptions::addTo(CLI::App& command) {
-  command
-      .add_option_function<std::string>(
-          "--timeout",
-          [this](const std::string& text) {
-            seconds = parseSeconds(text);
-            if (seconds) return;
-            throw CLI::ValidationError("--timeout " + text,
-                                       "must be a number of seconds, such as 30 or 0.5");
-          },
-          "End when so much time has passed since the start, with what is known by then")
-      ->type_name("SECONDS");
+  addSecondsOption(command, "--timeout", seconds,
+                   "End when so much time has passed since the start, with what is known by then");
   command
       .add_option_function<std::string>(
           "--memory",

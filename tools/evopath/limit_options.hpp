@@ -3,10 +3,15 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "pathfinder/search_limits.hpp"
 
 namespace evopath {
+
+/// Adds an option for a number of seconds.
+CLI::Option* addSecondsOption(CLI::App& command, const std::string& name,
+                              std::optional<double>& seconds, const std::string& description);
 
 /// The options --timeout and --memory of commands that search.
 struct LimitOptions {

@@ -1,5 +1,6 @@
 #include "search_monitor.hpp"
 
+#include <cstddef>
 #include <string>
 
 namespace evopath {
@@ -43,6 +44,12 @@ SearchLimits SearchMonitor::limits() {
   return result;
 }
 
+void SearchMonitor::count(std::size_t done, std::size_t all) {
+  const std::lock_guard lock(mutex_);
+  done_ = done;
+  all_ = all;
+}
+
 void SearchMonitor::attend() {
   while (!isOver_) {
     if (signals_.wait(isShown_ ? millisecondsBetweenLines : -1)) {
@@ -56,11 +63,13 @@ void SearchMonitor::attend() {
 void SearchMonitor::draw() {
   using namespace std::chrono;
   const auto elapsed = duration_cast<seconds>(steady_clock::now() - start_).count();
-  std::string text = task_ == Task::Search ? "Searching" : "Explaining";
+  constexpr const char* tasks[] = {"Searching", "Explaining", "Comparing"};
+  std::string text = tasks[static_cast<std::size_t>(task_)];
   text += ", " + std::to_string(elapsed) + " s";
-  if (task_ == Task::Search) {
-    const std::lock_guard lock(mutex_);
-    text += describeBounds(progress_);
+  const std::lock_guard lock(mutex_);
+  if (task_ == Task::Search) text += describeBounds(progress_);
+  if (task_ == Task::Comparison) {
+    text += ", " + std::to_string(done_) + " of " + std::to_string(all_) + " questions";
   }
   terminal_.show(text);
 }

@@ -18,7 +18,7 @@ namespace evopath {
 class SearchMonitor {
  public:
   /// What the line speaks of.
-  enum class Task { Search, Explanation };
+  enum class Task { Search, Explanation, Comparison };
 
   /// Whether the line may be shown.
   enum class Line { OnTerminal, Never };
@@ -31,6 +31,9 @@ class SearchMonitor {
   /// Those that were given, for a search that is attended to by this.
   tarn::evolution::pathfinder::SearchLimits limits();
 
+  /// Has the line say how many of so many questions are done.
+  void count(std::size_t done, std::size_t all);
+
  private:
   void attend();
   void draw();
@@ -42,7 +45,9 @@ class SearchMonitor {
   const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::stop_source stop_;
   std::mutex mutex_;
-  tarn::evolution::pathfinder::SearchProgress progress_;  // guarded by the mutex
+  tarn::evolution::pathfinder::SearchProgress progress_;  // guarded by the mutex, as are both below
+  std::size_t done_ = 0;
+  std::size_t all_ = 0;
   std::atomic<bool> isOver_ = false;
   SignalCatcher signals_;
   std::thread attendant_;  // last, for it uses all the others
