@@ -11,6 +11,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
+#include "support/catalogue_json.hpp"
 #include "support/free_names.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
@@ -122,21 +123,6 @@ class RandomCase {
   Versions goals;
   std::unique_ptr<CatalogueRepository> repository;
 };
-
-/// Whether some version brings another one of its own name, which then stands back: what can be
-/// held beside it is decided by linking alone.
-bool anyLinksOwnName(BrowsableRepository& repository) {
-  for (const auto& name : repository.listNames()) {
-    for (const auto& row : repository.listMetamodels(name)) {
-      const auto& all = repository.getLinkedMetamodels(row.descriptor);
-      const bool linksOwn = std::any_of(all.begin(), all.end(), [&](const auto& linked) {
-        return linked->linkedMetamodels.contains(name);
-      });
-      if (linksOwn) return true;
-    }
-  }
-  return false;
-}
 
 /// Whether those named can be brought to their goals in a model that has no use for the others.
 bool canReachPart(const RandomCase& random, const std::vector<VersionBaseline>& sources,

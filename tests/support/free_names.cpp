@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/exception.hpp"
+
 namespace test {
 
 bool FreeNames::canArrive(const Names& names,
@@ -31,12 +33,19 @@ bool FreeNames::canBeHeld(const Versions& versions) {
   for (const auto& [name, version] : versions) text += brief(name, version) + " ";
   const auto [known, isNew] = canBeHeld_.try_emplace(text, false);
   if (isNew) {
-    const auto baselines = repository_.combine(Selection(versions.begin(), versions.end()));
-    const bool can = std::any_of(baselines.begin(), baselines.end(),
-                                 [&](const auto& baseline) { return canBeCompleted(baseline); });
-    canBeHeld_[text] = can;
+    canBeHeld_[text] = canBeCombined(versions);
   }
   return canBeHeld_[text];
+}
+
+bool FreeNames::canBeCombined(const Versions& versions) {
+  try {
+    const auto baselines = repository_.combine(Selection(versions.begin(), versions.end()));
+    return std::any_of(baselines.begin(), baselines.end(),
+                       [&](const auto& baseline) { return canBeCompleted(baseline); });
+  } catch (const foundation::core::except::IMsgIDException&) {
+    return false;  // cannot be linked
+  }
 }
 
 bool FreeNames::canBeCompleted(const VersionBaseline& baseline) {

@@ -37,6 +37,7 @@ class FreeNames {
 
  private:
   bool hasArrived(const Versions& held) const;
+  bool canBeCombined(const Versions& versions);
   bool canBeCompleted(const VersionBaseline& baseline);
   template <class Meet>
   void moveOn(const Versions& held, Versions::const_iterator name, const Versions& moved,
