@@ -275,7 +275,7 @@ class Answers(unittest.TestCase):
     def test_conditions(self):
         generator = random_generator()
         ways = 0
-        for _ in range(4 * int(os.environ.get("TARN_RANDOM_CASES", 25))):
+        for _ in range(16 * int(os.environ.get("TARN_RANDOM_CASES", 25))):
             metamodels, hops, source, target = random_rows(generator)
             avoided = [(row.name, row.version) for row in generator.sample(metamodels, 2)]
             pinned = generator.sample(sorted(source), generator.randint(0, 1))
@@ -294,7 +294,9 @@ class Answers(unittest.TestCase):
             with self.subTest(json=json_of(metamodels, hops), **conditions, ends=(source, target)):
                 try:
                     expected = Catalogue.from_rows(left, allowed).find_path(source, target)
-                except (evopath.CannotBeLinked, evopath.UnknownVersion):
+                except evopath.CannotBeLinked:
+                    continue  # the path keeps clear of what is left without a version to link
+                except evopath.UnknownVersion:
                     expected = None
                 for asked in (Catalogue.from_rows(metamodels, hops), Host(metamodels, hops)):
                     path = asked.find_path(source, target, **conditions)
