@@ -95,8 +95,8 @@ static int32_t find_hops(void* data, const char* name, const char* from,
 static int ask_own_data(void) {
   static const tarn_evolution_named_version from[] = {{"drawing", "1.0.0"}};
   static const tarn_evolution_named_version to[] = {{"drawing", "2.0.0"}};
-  tarn_evolution_callbacks callbacks = {sizeof callbacks, NULL, find_metamodels,
-                                        find_hops,        NULL, NULL};
+  tarn_evolution_callbacks callbacks = {
+      .size = sizeof callbacks, .find_metamodels = find_metamodels, .find_hops = find_hops};
   tarn_evolution_catalogue* catalogue;
   tarn_evolution_steps* path;
   char* message;

@@ -139,12 +139,25 @@ class CDependency {
   std::vector<tarn_evolution_range> ranges_;
 };
 
+tarn_evolution_status addRequirement(tarn_evolution_rows* rows, const Metamodel& metamodel,
+                                     const PeerRequirement& required) {
+  const std::string name = ustring_to_utf8(metamodel.name);
+  const std::string version = printed(metamodel.version);
+  const CDependency needed({required.name, required.range});
+  const tarn_evolution_requirement row{name.c_str(), version.c_str(), needed.get(),
+                                       required.isOptional};
+  return tarn_evolution_rows_add_requirement(rows, &row, nullptr);
+}
+
 tarn_evolution_status addRow(tarn_evolution_rows* rows, const CatalogueMetamodel& row) {
   const Metamodel& metamodel = row.descriptor;
   const std::deque<CDependency> needed(metamodel.dependencies.begin(),
                                        metamodel.dependencies.end());
   std::vector<tarn_evolution_dependency> dependencies;
   for (const CDependency& each : needed) dependencies.push_back(each.get());
+  for (const auto& [required, note] : row.requirements) {
+    if (const auto status = addRequirement(rows, metamodel, required)) return status;
+  }
   const std::string equivalent = row.equivalent ? printed(*row.equivalent) : "";
   return tarn_evolution_rows_add_metamodel(rows, ustring_to_utf8(metamodel.name).c_str(),
                                            printed(metamodel.version).c_str(),
@@ -183,14 +196,24 @@ std::vector<VersionRange> fromC(const tarn_evolution_range* ranges, size_t count
   return result;
 }
 
+/// As its repository lists it: with requirements for the dependencies that lead back.
+CatalogueContent listed(const CatalogueContent& content) {
+  CatalogueRepository repository{Catalogue(content)};
+  CatalogueContent result{.metamodels = {}, .hops = content.hops};
+  for (const auto& name : repository.listNames()) {
+    for (auto& row : repository.listMetamodels(name)) result.metamodels.push_back(std::move(row));
+  }
+  return result;
+}
+
 /// Answers from content, all or no more than was asked for; a call can fail, in one of several
 /// ways.
 class Host {
  public:
-  explicit Host(CatalogueContent content) : content_(std::move(content)) {}
+  explicit Host(const CatalogueContent& content) : content_(listed(content)) {}
 
   Handle open() {
-    const tarn_evolution_callbacks callbacks{
+    tarn_evolution_callbacks callbacks{
         sizeof callbacks,
         this,
         [](void* data, const char* name, const tarn_evolution_range* ranges, size_t count,
@@ -213,13 +236,19 @@ class Host {
         [](void* data, void (*add)(void*, const char*), void* names) {
           return static_cast<Host*>(data)->listNames(add, names);
         },
-        [](void* data) { ++static_cast<Host*>(data)->releases; }};
+        [](void* data) { ++static_cast<Host*>(data)->releases; },
+        [](void* data, const char* name, const char* version, tarn_evolution_rows* rows) {
+          EXPECT_TRUE(static_cast<Host*>(data)->tellsRequirements);
+          return static_cast<Host*>(data)->listRequirements(name, version, rows);
+        }};
+    if (!tellsRequirements) callbacks.size = offsetof(tarn_evolution_callbacks, find_requirements);
     tarn_evolution_catalogue* catalogue = nullptr;
     EXPECT_EQ(tarn_evolution_open_callbacks(&callbacks, &catalogue, nullptr), 0);
     return {catalogue, tarn_evolution_catalogue_free};
   }
 
   bool isExact = false;
+  bool tellsRequirements = true;  ///< when asked for them, or only with the metamodels
   std::atomic<std::size_t> calls = 0;
   std::size_t failing = 0;  ///< the number of the call to fail, from 1; 0: none
   int manner = 0;           ///< how: returns 7, adds garbage, adds another name, throws
@@ -249,6 +278,12 @@ class Host {
       if (addRow(rows, row) != 0) return 1;
     }
     return 0;
+  }
+
+  int32_t listRequirements(const char* name, const char* version, tarn_evolution_rows* rows) {
+    return list(name, content_.metamodels, rows, [&](const CatalogueMetamodel& row) {
+      return !isExact || printed(row.descriptor.version) == version;
+    });
   }
 
   int32_t listNames(void (*add)(void*, const char*), void* names) {
@@ -352,8 +387,8 @@ std::string selectionQuestion(Random& random) {
       if (random.chance(80)) ends->front().push_back(name.letter + goal);
     }
   }
-  std::string text = draft.text(random);
-  return text;
+  if (random.chance(50)) draft.addRequirements(random, 40);
+  return draft.text(random);
 }
 
 /// Lets some dependencies be met by another version as well.
@@ -374,10 +409,15 @@ TEST(CInterface, AnswersAreThoseOfCxx) {
     RandomCase asked{QuestionText(text)};
     if (random.chance(10)) asked.to[u"Z"] = v(1);
     widen(asked.content, random);
+    const CatalogueContent split = listed(asked.content);
+    run.count("requirements",
+              std::any_of(split.metamodels.begin(), split.metamodels.end(),
+                          [](const auto& row) { return !row.requirements.empty(); }));
     Host host(asked.content);
     host.isExact = random.chance(50);
+    host.tellsRequirements = random.chance(50);
     {
-      const Handle byRows = openRows(asked.content);
+      const Handle byRows = openRows(random.chance(50) ? asked.content : split);
       const Handle byCallbacks = host.open();
       Reference reference(asked.content);
       for (auto* catalogue : {byRows.get(), byCallbacks.get()}) {
@@ -393,7 +433,7 @@ TEST(CInterface, AnswersAreThoseOfCxx) {
     }
     EXPECT_EQ(host.releases, 1);
   });
-  run.expectPercentages({{"path", 5}, {"no path", 2}});
+  run.expectPercentages({{"path", 5}, {"no path", 2}, {"requirements", 10}});
 }
 
 /// Any call of the host fails, in each manner: an answer that depends on it ends, any other is
@@ -408,11 +448,13 @@ TEST(CInterface, FailingCallbacksEndTheQuestionOnly) {
         [&](auto* catalogue) { return explanationBy(catalogue, asked.from, asked.to); }};
     const auto& ask = random.oneOf(questions);
     Host quiet(asked.content);
+    quiet.tellsRequirements = random.chance(50);
     const Outcome expected = ask(quiet.open().get());
     const std::size_t stride = 1 + quiet.calls / 8;
     for (std::size_t failing = random.upTo(stride); failing <= quiet.calls; failing += stride) {
       Host host(asked.content);
       host.failing = failing;
+      host.tellsRequirements = quiet.tellsRequirements;
       host.manner = static_cast<int>(random.below(3));
       const Handle catalogue = host.open();
       const Outcome outcome = ask(catalogue.get());
@@ -443,7 +485,11 @@ TEST(CInterface, GarbageIsNamed) {
       {"shape", ranges, 0}, {"shape", nullptr, 1},    {"shape", ranges + 3, 1}};
   const tarn_evolution_hop hop{"shape", "1.0.0", "any of 1.0.0", 0};
   const tarn_evolution_limits small{1, -1, 0, nullptr, nullptr, nullptr};
-  const tarn_evolution_callbacks none{sizeof none, nullptr, nullptr, nullptr, nullptr, nullptr};
+  tarn_evolution_callbacks none{};
+  none.size = sizeof none;
+  const tarn_evolution_requirement required[] = {{"shape", "1.0.0", dependencies[2], 0},
+                                                 {"shape", nullptr, {"shape", ranges, 1}, 0},
+                                                 {"shape", "3.0.0", {"shape", ranges, 1}, 0}};
   tarn_evolution_steps* steps = nullptr;
   tarn_evolution_catalogue* opened = nullptr;
   char* text = nullptr;
@@ -457,6 +503,12 @@ TEST(CInterface, GarbageIsNamed) {
     const bool has = dependency < std::size(dependencies);
     return tarn_evolution_rows_add_metamodel(rows.get(), "shape", version, semver,
                                              has ? &dependencies[dependency] : nullptr, has, &said);
+  };
+  const auto openWith = [&](const tarn_evolution_requirement& requirement) {
+    const Rows astray(tarn_evolution_rows_new(), tarn_evolution_rows_free);
+    EXPECT_EQ(addRow(astray.get(), shapes.metamodels[0]), 0);
+    EXPECT_EQ(tarn_evolution_rows_add_requirement(astray.get(), &requirement, nullptr), 0);
+    return tarn_evolution_open_rows(astray.get(), &opened, &said);
   };
   constexpr auto invalid = TARN_EVOLUTION_INVALID_ARGUMENT;
   const struct {
@@ -487,6 +539,12 @@ TEST(CInterface, GarbageIsNamed) {
       {[&] { return tarn_evolution_rows_add_hop(rows.get(), &hop, &said); }, invalid,
        "hop.to: \"any of 1.0.0\" begins as no version may"},
       {[&] { return tarn_evolution_rows_add_hop(nullptr, &hop, &said); }, invalid, "rows: is NULL"},
+      {[&] { return tarn_evolution_rows_add_requirement(rows.get(), required, &said); }, invalid,
+       "requirement.needed.name: is NULL"},
+      {[&] { return tarn_evolution_rows_add_requirement(rows.get(), required + 1, &said); },
+       invalid, "requirement.version: is NULL"},
+      {[&] { return openWith(required[2]); }, TARN_EVOLUTION_BAD_CATALOGUE,
+       "/requirements/0: there is no version 3.0.0 of metamodel \"shape\""},
       {[&] { return tarn_evolution_open_callbacks(&none, &opened, &said); }, invalid,
        "callbacks.find_metamodels: is NULL"},
       {[&] { return tarn_evolution_open(nullptr, &opened, &said); }, invalid, "file: is NULL"},

@@ -138,7 +138,13 @@ std::string askedFromC(const std::filesystem::path&) {
         return 0;
       },
       nullptr,
-      nullptr};
+      nullptr,
+      [](void*, const char* name, const char* version, tarn_evolution_rows* rows) -> int32_t {
+        const tarn_evolution_range range{"1.0.0", nullptr};
+        const tarn_evolution_requirement required{name, version, {"colour", &range, 1}, 1};
+        tarn_evolution_rows_add_requirement(rows, &required, nullptr);
+        return 0;
+      }};
   const tarn_evolution_named_version from{"shape", "a version that takes an allocation"};
   const tarn_evolution_named_version to{"shape", "1.0.0"};
   char* message = nullptr;

@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "platform/exception.hpp"
+#include "support/catalogue_json.hpp"
 #include "support/free_names.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_question.hpp"
@@ -58,6 +60,7 @@ std::string questionableCase(Random& random) {
     if (!random.chance(60)) continue;
     draft.to[0].push_back(name.letter + (isGoal ? name.goal : random.oneOf(name.versions).number));
   }
+  if (random.chance(50)) draft.addRequirements(random, random.chance(40) ? 15 : 50);
   return draft.text(random);
 }
 
@@ -131,9 +134,10 @@ bool canReachPart(const RandomCase& random, const std::vector<VersionBaseline>& 
     if (random.goals.contains(name)) goals.emplace(name, random.goals.at(name));
   }
   for (const VersionBaseline& source : sources) {
-    const bool staysWhole = std::any_of(goals.begin(), goals.end(), [&](const auto& goal) {
-      return !source.metamodels.contains(goal.first);
-    });
+    const bool staysWhole = random.repository->hasRequirements() ||
+                            std::any_of(goals.begin(), goals.end(), [&](const auto& goal) {
+                              return !source.metamodels.contains(goal.first);
+                            });
     VersionBaseline part;
     for (const auto& [name, linked] : source.metamodels) {
       const bool isNamed = std::find(names.begin(), names.end(), name) != names.end();
@@ -170,6 +174,110 @@ void expectNearest(RandomCase& random, const std::vector<VersionBaseline>& sourc
 bool speaksOf(const Clash& clash, const std::u16string& name) {
   return clash.contested == name ||
          std::count(clash.parties.begin(), clash.parties.end(), name) > 0;
+}
+
+/// Holds a clash over what versions need of one another against the catalogue.
+class ClashCheck {
+ public:
+  ClashCheck(BrowsableRepository& repository, const Clash& clash)
+      : repository_(repository), clash_(clash) {
+    for (const Requirement& requirement : clash.requirements) {
+      for (const NamedVersion& named : requirement.chain) names_.insert(named.name);
+      names_.insert(requirement.name);
+    }
+  }
+
+  /// Whether it tells of more than of links.
+  bool isOfRequirements() const {
+    const auto& told = clash_.requirements;
+    return std::any_of(told.begin(), told.end(), [&](const Requirement& requirement) {
+      if (!requirement.range) return false;
+      const auto listed = requirementsOf(requirement.chain.back());
+      return std::any_of(listed.begin(), listed.end(), [&](const auto& required) {
+        return required.name == requirement.name && required.range == *requirement.range;
+      });
+    });
+  }
+
+  /// Each is one that the catalogue has; one comes to each from the parties; and together they
+  /// leave no choice.
+  void run() const {
+    std::set<std::u16string> known(clash_.parties.begin(), clash_.parties.end());
+    for (std::size_t i = 0; i < clash_.requirements.size(); ++i) {
+      const Requirement& requirement = clash_.requirements[i];
+      const NamedVersion& holder = requirement.chain.back();
+      EXPECT_TRUE(known.contains(requirement.chain.front().name)) << i;
+      known.insert(requirement.name);
+      if (!requirement.range) continue;
+      auto needs = requirementsOf(holder);
+      const Metamodel metamodel = *repository_.getMetamodel(holder.name, holder.version);
+      for (const auto& [name, range] : metamodel.dependencies)
+        needs.push_back({name, range, false});
+      EXPECT_TRUE(std::any_of(needs.begin(), needs.end(), [&](const PeerRequirement& need) {
+        return need.name == requirement.name && need.range == *requirement.range &&
+               need.isOptional == requirement.isOptional;
+      })) << i;
+    }
+    EXPECT_EQ(leavesChoice({}, names_.begin()), clash_.isMissing);
+  }
+
+ private:
+  using Name = std::set<std::u16string>::const_iterator;
+
+  std::vector<PeerRequirement> requirementsOf(const NamedVersion& named) const {
+    return repository_.getRequirements(*repository_.getMetamodel(named.name, named.version));
+  }
+
+  /// The versions that a party is said to have, or else all.
+  std::vector<VersionId> versionsOf(const std::u16string& name) const {
+    std::vector<VersionId> all;
+    for (const auto& row : repository_.listMetamodels(name)) all.push_back(row.descriptor.version);
+    if (!std::count(clash_.parties.begin(), clash_.parties.end(), name)) return all;
+    std::vector<VersionId> said;
+    std::vector<VersionId> holders;
+    for (const Requirement& requirement : clash_.requirements) {
+      if (requirement.chain.front().name != name) continue;
+      (requirement.range ? holders : said).push_back(requirement.chain.front().version);
+    }
+    return said.empty() ? holders : said;
+  }
+
+  bool leavesChoice(const Versions& chosen, Name next) const {
+    if (next == names_.end()) return areMetBy(chosen);
+    const auto versions = versionsOf(*next);
+    return std::any_of(versions.begin(), versions.end(), [&](const VersionId& version) {
+      Versions more = chosen;
+      more.emplace(*next, version);
+      return leavesChoice(more, std::next(next));
+    });
+  }
+
+  bool areMetBy(const Versions& chosen) const {
+    const auto& told = clash_.requirements;
+    return std::all_of(told.begin(), told.end(), [&](const Requirement& requirement) {
+      const NamedVersion& holder = requirement.chain.back();
+      if (!requirement.range || chosen.at(holder.name) != holder.version) return true;
+      return repository_.includes(
+          *requirement.range,
+          *repository_.getMetamodel(requirement.name, chosen.at(requirement.name)));
+    });
+  }
+
+  BrowsableRepository& repository_;
+  const Clash& clash_;
+  std::set<std::u16string> names_;
+};
+
+/// All clashes of an explanation.
+std::vector<Clash> clashesOf(const Explanation& explanation) {
+  std::vector<Clash> result;
+  if (const auto* side = std::get_if<InconsistentSelection>(&explanation.reason)) {
+    if (side->clash) result.push_back(*side->clash);
+  } else if (const auto* never = std::get_if<NeverTogether>(&explanation.reason)) {
+    result = never->otherClashes;
+    for (const BlockedHop& blocked : never->blocked) result.push_back(blocked.clash);
+  }
+  return result;
 }
 
 /// That no name is blamed without a reason.
@@ -209,10 +317,17 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
     CatalogueRepository& repository = *random.repository;
     const Explanation explanation = explain(repository, random.question);
     run.count("reason " + std::to_string(explanation.reason.index()));
+    for (const Clash& clash : clashesOf(explanation)) {
+      const ClashCheck check(repository, clash);
+      if (!check.isOfRequirements()) continue;
+      check.run();
+      run.count("clashes of requirements");
+      run.count("chains", clash.requirements.size() > 2);
+    }
     try {
       const auto path = repository.findPath(random.question.from, random.question.to);
       EXPECT_EQ(std::holds_alternative<PathExists>(explanation.reason), path.has_value());
-      if (path || !explanation.nearest) return;
+      if (path || !explanation.nearest || anyLinksOwnName(repository)) return;
       const auto sources = repository.combine(random.question.from);
       const auto direction = repository.computeDirection(sources[0], random.someTarget());
       expectNearest(random, sources, *explanation.nearest, direction);
@@ -232,7 +347,9 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
                          {"reason 3", 2},
                          {"reason 4", 0.25},
                          {"reason 5", 0.35},
-                         {"blocked hops", 0.3}});
+                         {"blocked hops", 0.3},
+                         {"clashes of requirements", 1},
+                         {"chains", 0.1}});
 }
 
 bool sameVersions(const VersionBaseline& left, const VersionBaseline& right) {

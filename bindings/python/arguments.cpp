@@ -10,6 +10,7 @@
 namespace tarn::evolution::catalogue::python {
 
 using pathfinder::Hop;
+using pathfinder::PeerRequirement;
 using pathfinder::SearchLimits;
 using pathfinder::SearchProgress;
 using pathfinder::VersionRange;
@@ -38,12 +39,22 @@ VersionRange readRanges(const std::vector<RangeTuple>& tuples) {
   return unionOf(ranges);
 }
 
+PeerRequirement readRequirement(const DependencyTuple& tuple) {
+  const auto& [name, ranges, isOptional] = tuple;
+  return {parseName(name), readRanges(ranges), isOptional};
+}
+
 CatalogueMetamodel readMetamodel(const MetamodelTuple& tuple) {
   const auto& [name, version, semver, dependencies] = tuple;
   CatalogueMetamodel result{.descriptor = {parseName(name), parseVersion(version), {}},
                             .equivalent = std::nullopt};
-  for (const auto& [needed, ranges] : dependencies) {
-    result.descriptor.dependencies.emplace_back(parseName(needed), readRanges(ranges));
+  for (const DependencyTuple& dependency : dependencies) {
+    auto needed = readRequirement(dependency);
+    if (needed.isOptional) {
+      result.requirements.push_back({std::move(needed)});
+    } else {
+      result.descriptor.dependencies.emplace_back(std::move(needed.name), std::move(needed.range));
+    }
   }
   if (!semver) return result;
   if (result.descriptor.version.isSemVer()) {
@@ -95,6 +106,11 @@ std::vector<CatalogueMetamodel> readMetamodels(const std::vector<MetamodelTuple>
 
 std::vector<Hop> readHops(const std::vector<HopTuple>& tuples, const char* list) {
   return readAll(tuples, list, readHop);
+}
+
+std::vector<PeerRequirement> readRequirements(const std::vector<DependencyTuple>& tuples,
+                                              const char* list) {
+  return readAll(tuples, list, readRequirement);
 }
 
 std::vector<std::u16string> readNames(const std::vector<std::string>& names, const char* list) {

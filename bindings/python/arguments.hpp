@@ -24,7 +24,7 @@ namespace py = pybind11;
 // nothing. A range without an upper bound is one version.
 using OptionalText = std::optional<std::string>;
 using RangeTuple = std::tuple<std::string, OptionalText>;
-using DependencyTuple = std::tuple<std::string, std::vector<RangeTuple>>;
+using DependencyTuple = std::tuple<std::string, std::vector<RangeTuple>, bool>;  // optional?
 using MetamodelTuple =
     std::tuple<std::string, std::string, OptionalText, std::vector<DependencyTuple>>;
 using HopTuple = std::tuple<std::string, std::string, std::string, bool>;
@@ -32,6 +32,8 @@ using HopTuple = std::tuple<std::string, std::string, std::string, bool>;
 std::vector<CatalogueMetamodel> readMetamodels(const std::vector<MetamodelTuple>& tuples,
                                                const char* list);
 std::vector<pathfinder::Hop> readHops(const std::vector<HopTuple>& tuples, const char* list);
+std::vector<pathfinder::PeerRequirement> readRequirements(
+    const std::vector<DependencyTuple>& tuples, const char* list);
 std::vector<std::u16string> readNames(const std::vector<std::string>& names, const char* list);
 
 /// A text that the package's Python code has not looked at.

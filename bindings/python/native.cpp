@@ -210,11 +210,14 @@ PYBIND11_MODULE(_native, module) {
   module.def("from_rows", &fromRows, py::arg("metamodels"), py::arg("hops"));
   module.def(
       "from_functions",
-      [](py::function findMetamodels, py::function findHops, py::function listNames) {
-        return std::make_unique<Repository>(std::make_unique<PythonRepository>(
-            std::move(findMetamodels), std::move(findHops), std::move(listNames)));
+      [](py::function findMetamodels, py::function findHops, py::function listNames,
+         py::object findRequirements) {
+        return std::make_unique<Repository>(
+            std::make_unique<PythonRepository>(std::move(findMetamodels), std::move(findHops),
+                                               std::move(listNames), std::move(findRequirements)));
       },
-      py::arg("find_metamodels"), py::arg("find_hops"), py::arg("list_names"));
+      py::arg("find_metamodels"), py::arg("find_hops"), py::arg("list_names"),
+      py::arg("find_requirements"));
   module.def("check", &checkFile, py::arg("file"), py::arg("least"));
 }
 

@@ -31,10 +31,30 @@ std::optional<std::vector<RangeTuple>> tuplesOf(std::span<const VersionRange> ra
 }  // namespace
 
 PythonRepository::PythonRepository(py::function findMetamodels, py::function findHops,
-                                   py::function listNames)
+                                   py::function listNames, py::object findRequirements)
     : findMetamodels_(std::move(findMetamodels)),
       findHops_(std::move(findHops)),
-      listNames_(std::move(listNames)) {}
+      listNames_(std::move(listNames)),
+      findRequirements_(std::move(findRequirements)) {
+  if (!findRequirements_.is_none()) useRequirements(*this);
+}
+
+void PythonRepository::findRequirements(const pathfinder::Metamodel& metamodel,
+                                        std::vector<pathfinder::PeerRequirement>& result) {
+  const bool areTold = !findRequirements_.is_none() && findToldRequirements(metamodel, result);
+  if (!areTold) RowRepository::findRequirements(metamodel, result);
+}
+
+/// Whether Python code tells them.
+bool PythonRepository::findToldRequirements(const pathfinder::Metamodel& metamodel,
+                                            std::vector<pathfinder::PeerRequirement>& result) {
+  const py::gil_scoped_acquire held;
+  const py::object told =
+      findRequirements_(ustring_to_utf8(metamodel.name), textOf(metamodel.version));
+  if (told.is_none()) return false;
+  result = readRequirements(told.cast<std::vector<DependencyTuple>>(), "find_requirements()");
+  return true;
+}
 
 std::vector<std::u16string> PythonRepository::listNames() {
   const py::gil_scoped_acquire held;

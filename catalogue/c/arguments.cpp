@@ -1,6 +1,7 @@
 #include "catalogue/c/arguments.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 
@@ -21,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 /// The first members of a structure that a caller of a former version knows as all.
 constexpr std::size_t firstLimits = sizeof(tarn_evolution_limits);
-constexpr std::size_t firstCallbacks = sizeof(tarn_evolution_callbacks);
+constexpr std::size_t firstCallbacks = offsetof(tarn_evolution_callbacks, find_requirements);
 
 /// A structure that begins with its size as the caller knows it, over what it lacks.
 template <class Structure>

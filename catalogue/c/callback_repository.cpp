@@ -82,7 +82,27 @@ std::vector<CatalogueMetamodel> CallbackRepository::rowsOf(const std::u16string&
   const int32_t returned = callbacks_.find_metamodels(
       callbacks_.data, ustring_to_utf8(name).c_str(), asked.data(), asked.size(), &rows);
   rows.faults.expectNone(returned, "the callback find_metamodels for " + quotedName(name));
+  addRequirements(rows.requirements, rows.content.metamodels);
   return std::move(rows.content.metamodels);
+}
+
+void CallbackRepository::findRequirements(const pathfinder::Metamodel& metamodel,
+                                          std::vector<pathfinder::PeerRequirement>& result) {
+  if (callbacks_.find_requirements == nullptr) {
+    RowRepository::findRequirements(metamodel, result);
+    return;
+  }
+  tarn_evolution_rows rows;
+  const int32_t returned =
+      callbacks_.find_requirements(callbacks_.data, ustring_to_utf8(metamodel.name).c_str(),
+                                   textOf(metamodel.version).c_str(), &rows);
+  rows.faults.expectNone(returned, "the callback find_requirements for " +
+                                       quotedName(metamodel.name) + " " +
+                                       textOf(metamodel.version));
+  for (RequirementRow& row : rows.requirements) {
+    expectName(metamodel.name, row.name, "requirements");
+    if (row.version == metamodel.version) result.push_back(std::move(row.needed));
+  }
 }
 
 std::vector<Hop> CallbackRepository::hopsOf(const std::u16string& name, const VersionId* from) {

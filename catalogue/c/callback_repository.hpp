@@ -12,8 +12,13 @@ namespace tarn::evolution::catalogue::c {
 /// CallbackFailed.
 class CallbackRepository : public RowRepository {
  public:
-  explicit CallbackRepository(const tarn_evolution_callbacks& callbacks) : callbacks_(callbacks) {}
+  explicit CallbackRepository(const tarn_evolution_callbacks& callbacks) : callbacks_(callbacks) {
+    if (callbacks_.find_requirements != nullptr) useRequirements(*this);
+  }
   ~CallbackRepository() override;
+
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::PeerRequirement>& result) override;
 
   std::vector<std::u16string> listNames() override;
 

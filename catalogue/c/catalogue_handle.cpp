@@ -4,8 +4,10 @@
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/c/callback_repository.hpp"
 #include "catalogue/c/rows.hpp"
+#include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/text/messages.hpp"
 
 namespace tarn::evolution::catalogue::c {
 
@@ -25,6 +27,17 @@ tarn_evolution_status openAs(tarn_evolution_catalogue** catalogue, char** messag
   });
 }
 
+Catalogue makeCatalogue(const tarn_evolution_rows& rows) {
+  CatalogueContent content = rows.content;
+  const std::size_t astray = addRequirements(rows.requirements, content.metamodels);
+  if (astray < rows.requirements.size()) {
+    const RequirementRow& row = rows.requirements[astray];
+    throw CatalogueError("/requirements/" + std::to_string(astray),
+                         unknownVersion(row.name, row.version));
+  }
+  return Catalogue(std::move(content));
+}
+
 }  // namespace
 
 }  // namespace tarn::evolution::catalogue::c
@@ -41,7 +54,7 @@ tarn_evolution_status tarn_evolution_open_rows(const tarn_evolution_rows* rows,
                                                tarn_evolution_catalogue** catalogue,
                                                char** message) {
   return openAs(catalogue, message, [&] {
-    return std::make_unique<CatalogueRepository>(Catalogue(required(rows, "rows").content));
+    return std::make_unique<CatalogueRepository>(makeCatalogue(required(rows, "rows")));
   });
 }
 

@@ -94,7 +94,19 @@ typedef struct tarn_evolution_hop {
   int32_t expensive; /* zero: no */
 } tarn_evolution_hop;
 
-/* Metamodels and hops, in an order that is that of every answer. What is added is copied. */
+/* What version `version` of `name` needs without being linked to it: no step leads to where the one
+ * is held without the other, or, if it is optional, beside another version of that. For metamodels
+ * that need each other, and for what is needed only if it is there. Several on one name have to be
+ * met together. */
+typedef struct tarn_evolution_requirement {
+  const char* name;
+  const char* version;
+  tarn_evolution_dependency needed;
+  int32_t optional; /* zero: no */
+} tarn_evolution_requirement;
+
+/* Metamodels, hops and requirements, in an order that is that of every answer. What is added is
+ * copied. */
 typedef struct tarn_evolution_rows tarn_evolution_rows;
 
 /* NULL when memory is short. */
@@ -109,6 +121,8 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_rows_add_metamodel(
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_rows_add_hop(tarn_evolution_rows* rows,
                                                                      const tarn_evolution_hop* hop,
                                                                      char** message);
+TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_rows_add_requirement(
+    tarn_evolution_rows* rows, const tarn_evolution_requirement* requirement, char** message);
 
 /* ---- Catalogues ---- */
 
@@ -123,8 +137,9 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_open(const char* file,
                                                              char** message);
 
 /* A catalogue of the rows, which are copied and stay the caller's. Refuses an unsound one: with a
- * version that stands twice, a dependency or hop on what is not there, or a version that depends on
- * itself. Places in the message count from zero: "/hops/2" is the third hop. */
+ * version that stands twice, or a dependency, hop or requirement of what is not there. What is
+ * required need not be there. Of dependencies that lead back to the version that has them, it
+ * makes requirements. Places in the message count from zero: "/hops/2" is the third hop. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_open_rows(
     const tarn_evolution_rows* rows, tarn_evolution_catalogue** catalogue, char** message);
 
@@ -133,14 +148,16 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_open_rows(
  * threads call it from several threads at the same time. It must not ask the same catalogue.
  *
  * Rows are added with the functions above, for the name asked for; the catalogue must be as sound
- * as `tarn_evolution_open_rows` says. Rows beyond what was asked for are passed over, so that a
- * host may add all that it has of the name. An addition that fails makes the question fail. */
+ * as `tarn_evolution_open_rows` says, and no version may depend on itself: that is for
+ * requirements. Rows beyond what was asked for are passed over, so that a host may add all that it
+ * has of the name. An addition that fails makes the question fail. */
 typedef struct tarn_evolution_callbacks {
   size_t size; /* sizeof(tarn_evolution_callbacks) */
   void* data;  /* handed to each */
 
   /* Adds the metamodels of a name whose version, or what it stands for, lies in any of the ranges,
-   * in the preferred order; all of the name where there are none, and `ranges` is NULL. */
+   * in the preferred order, with their requirements unless `find_requirements` adds these; all of
+   * the name where there are none, and `ranges` is NULL. */
   int32_t (*find_metamodels)(void* data, const char* name, const tarn_evolution_range* ranges,
                              size_t range_count, tarn_evolution_rows* rows);
 
@@ -154,6 +171,11 @@ typedef struct tarn_evolution_callbacks {
 
   /* Called once, when the catalogue is freed. May be NULL. */
   void (*release)(void* data);
+
+  /* Adds the requirements of a version, when it is linked. May be NULL: then they are those that
+   * `find_metamodels` adds. */
+  int32_t (*find_requirements)(void* data, const char* name, const char* version,
+                               tarn_evolution_rows* rows);
 } tarn_evolution_callbacks;
 
 /* Where this fails, `release` is not called. */

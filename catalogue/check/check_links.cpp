@@ -34,6 +34,15 @@ void findBlocked(const DraftIndex& index, const Blocked& blocked, Findings& find
   }
 }
 
+void findUndecided(const DraftIndex& index, const std::vector<Slot>& undecided,
+                   const std::string& what, Findings& findings) {
+  if (undecided.empty()) return;
+  const std::vector<Slot> ordered = inFileOrder(index, undecided);
+  findings.add(FindingCode::UndecidedLinks, ordered,
+               "deciding whether " + what +
+                   " takes too many combinations: " + listed(described(index, ordered)));
+}
+
 }  // namespace
 
 std::string explained(const DraftIndex& index, const LinkAnalysis::Reason& reason) {
@@ -86,11 +95,36 @@ void checkLinks(const DraftIndex& index, LinkAnalysis& links, Findings& findings
             explained(index, links.explain(slot)));
   }
   findBlocked(index, blocked, findings);
-  if (undecided.empty()) return;
-  undecided = inFileOrder(index, undecided);
-  findings.add(FindingCode::UndecidedLinks, undecided,
-               "deciding whether these can be linked takes too many combinations: " +
-                   listed(described(index, undecided)));
+  findUndecided(index, undecided, "these can be linked", findings);
+}
+
+void checkRequirements(const DraftIndex& index, const LinkAnalysis& links, std::uint64_t budget,
+                       Findings& findings) {
+  using State = LinkAnalysis::State;
+  LinkSolver solver(index);
+  for (Slot slot = 0; slot < index.slots().size(); ++slot) {
+    const State state = links.state(slot);
+    solver.setExcluded(slot, state != State::Linkable && state != State::Undecided);
+  }
+  std::vector<bool> isMet(index.slots().size());
+  std::vector<Slot> undecided;
+  for (Slot slot = 0; slot < index.slots().size(); ++slot) {
+    if (isMet[slot] || links.state(slot) != State::Linkable) continue;
+    std::uint64_t share = std::min(budget, LinkAnalysis::budgetOfOne);
+    budget -= share;
+    const LinkSolver::Outcome outcome = solver.solve({slot}, share);
+    budget += share;
+    if (outcome == LinkSolver::Outcome::Consistent) {
+      for (const Slot found : solver.found()) isMet[found] = true;
+    } else if (outcome == LinkSolver::Outcome::Undecided) {
+      undecided.push_back(slot);
+    } else {
+      findings.add(FindingCode::UnmetVersion, std::vector{slot},
+                   index.describe(slot) + " can stand in no baseline that a step leads to: " +
+                       explained(index, {solver.clash(), solver.choices()}));
+    }
+  }
+  findUndecided(index, undecided, "what these require can be met", findings);
 }
 
 }  // namespace tarn::evolution::catalogue

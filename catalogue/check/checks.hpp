@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "catalogue/check/draft_index.hpp"
@@ -22,6 +23,10 @@ void checkCycles(const DraftIndex& index, const DependencyComponents& components
 
 /// Versions that cannot be linked.
 void checkLinks(const DraftIndex& index, LinkAnalysis& links, Findings& findings);
+
+/// Versions that can be linked, but whose requirements cannot be met. `index` has all needs.
+void checkRequirements(const DraftIndex& index, const LinkAnalysis& links, std::uint64_t budget,
+                       Findings& findings);
 
 /// Single hops: names, versions, repetition.
 void checkHops(const DraftIndex& index, Findings& findings);

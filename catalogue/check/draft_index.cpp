@@ -18,7 +18,8 @@ bool ResolvedDependency::admits(Slot slot) const {
           }));
 }
 
-DraftIndex::DraftIndex(const CatalogueDraft& draft) : draft_(draft), slots_(placeVersions()) {
+DraftIndex::DraftIndex(const CatalogueDraft& draft, Needs needs)
+    : draft_(draft), needs_(needs), slots_(placeVersions()) {
   resolveDependencies();
 }
 
@@ -66,11 +67,13 @@ void DraftIndex::resolveDependencies() {
     dependencyStart_.push_back(dependencies_.size());
     const auto& rows = row(slot).dependencies;
     for (std::uint32_t i = 0; i < rows.size(); ++i) {
-      if (!rows[i].name || !rows[i].range || rows[i].isOptional) continue;
+      if (!rows[i].name || !rows[i].range) continue;
+      if (rows[i].isOptional && needs_ == Needs::Linked) continue;
       const NameNumber name = find(*rows[i].name);
       if (name == nothing) continue;
-      dependencies_.push_back(resolved(name, *rows[i].range, i, seenIn[name] != slot));
-      seenIn[name] = slot;
+      const bool isFirst = rows[i].isOptional || std::exchange(seenIn[name], slot) != slot;
+      dependencies_.push_back(resolved(name, *rows[i].range, i, isFirst));
+      dependencies_.back().isOptional = rows[i].isOptional;
     }
   }
   dependencyStart_.push_back(dependencies_.size());

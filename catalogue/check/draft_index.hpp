@@ -13,14 +13,14 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A dependency of which name and range could be read, whose name is there, and that is not
-/// optional.
+/// A dependency of which name and range could be read, and whose name is there.
 struct ResolvedDependency {
   NameNumber name;
   SlotInterval candidates;                ///< for a union, from the first to the last
   std::uint32_t row;                      ///< in the list of its metamodel
   bool isFirstOfName;                     ///< among the dependencies of its metamodel
   std::vector<SlotInterval> pieces = {};  ///< of `candidates`, when not all in them are
+  bool isOptional = false;                ///< counts only if the name is there
 
   bool admits(Slot slot) const;
 
@@ -35,6 +35,12 @@ struct ResolvedDependency {
   bool decides() const { return isFirstOfName && !candidates.empty(); }
 };
 
+/// Which dependencies an index has.
+enum class Needs {
+  Linked,  ///< those that are not optional, but for what is left out
+  All,     ///< of several on one name, what does not link counts beside the first that does
+};
+
 /// Look-ups in a draft, over the rows whose names and versions could be read. Refers to the draft.
 class DraftIndex {
  public:
@@ -43,7 +49,7 @@ class DraftIndex {
     bool isComplete = true;  ///< whether the versions of all of its rows could be read
   };
 
-  explicit DraftIndex(const CatalogueDraft& draft);
+  explicit DraftIndex(const CatalogueDraft& draft, Needs needs = Needs::Linked);
 
   const CatalogueDraft& draft() const { return draft_; }
   const VersionSlots& slots() const { return slots_; }
@@ -74,7 +80,7 @@ class DraftIndex {
   }
 
   /// Leaves out the dependencies of which `leadsBack(slot, candidate)` for some candidate: they do
-  /// not link (see `Catalogue`).
+  /// not link (see `Catalogue`). With all needs they stay as such.
   template <class LeadsBack>
   void leaveOutLeadingBack(const LeadsBack& leadsBack);
 
@@ -113,6 +119,7 @@ class DraftIndex {
   }
 
   const CatalogueDraft& draft_;
+  const Needs needs_;
   std::vector<Name> names_;
   std::unordered_map<std::u16string_view, NameNumber> numbers_;
   std::unordered_map<TextKey, std::uint32_t, TextKeyHash> texts_;  // the first row of each
@@ -128,15 +135,15 @@ void DraftIndex::leaveOutLeadingBack(const LeadsBack& leadsBack) {
   for (Slot slot = 0; slot < slots_.size(); ++slot) {
     const std::size_t first = kept.size();
     for (const ResolvedDependency& dependency : dependenciesOf(slot)) {
-      bool isKept = true;
+      bool links = !dependency.isOptional;
       dependency.forCandidates([&](SlotInterval each) {
-        for (Slot candidate = each.begin; candidate < each.end && isKept; ++candidate) {
-          isKept = !leadsBack(slot, candidate);
+        for (Slot candidate = each.begin; candidate < each.end && links; ++candidate) {
+          links = !leadsBack(slot, candidate);
         }
       });
-      if (!isKept) continue;
+      if (!links && needs_ == Needs::Linked) continue;
       kept.push_back(dependency);
-      kept.back().isFirstOfName = std::exchange(seenIn[dependency.name], slot) != slot;
+      kept.back().isFirstOfName = !links || std::exchange(seenIn[dependency.name], slot) != slot;
     }
     dependencyStart_[slot] = first;  // what is looked at next starts where it did
   }

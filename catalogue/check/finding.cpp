@@ -49,6 +49,8 @@ std::span<const CodeEntry> codeTable() {
        "dependencies that exclude one another"},
       {UnlinkableVersion, Warning, "unlinkable-version",
        "versions whose requirements cannot all be met"},
+      {UnmetVersion, Warning, "unmet-version",
+       "versions beside which not all can stand that they need without linking it"},
       {BlockedVersion, Warning, "blocked-version",
        "versions whose dependencies admit one that cannot be linked"},
       {AmbiguousEquivalent, Warning, "ambiguous-equivalent",

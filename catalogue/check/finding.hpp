@@ -46,6 +46,8 @@ enum class FindingCode {
   RepeatedDependency,       ///< a second dependency on one name: linking chooses by the first only
   ContradictoryDependency,  ///< the same, and the two ranges share no version
   UnlinkableVersion,        ///< its requirements cannot all be met at once, so it is in no baseline
+  UnmetVersion,    ///< it can be linked, but what it and others need of one another without being
+                   ///< linked cannot all be met, so no step leads to a baseline with it
   BlockedVersion,  ///< a range of its dependencies admits a version that cannot be linked; linking
                    ///< it links all candidates, and fails
   AmbiguousEquivalent,  ///< a text version's equivalent is also a version of its own: ranges admit

@@ -9,13 +9,6 @@
 
 namespace tarn::evolution::catalogue {
 
-namespace {
-
-/// What one version may take of the work: a solution of thousands of names many times over.
-constexpr std::uint64_t budgetOfOne = 200'000;
-
-}  // namespace
-
 DependencyGraph admissionsOf(const DraftIndex& index) {
   std::vector<DependencyGraph::Dependency> dependencies;
   for (Slot slot = 0; slot < index.slots().size(); ++slot) {

@@ -44,6 +44,9 @@ class LinkAnalysis {
 
   State state(Slot slot) const { return states_[slot]; }
 
+  /// What one version may take of the work: a solution of thousands of names many times over.
+  static constexpr std::uint64_t budgetOfOne = 200'000;
+
   /// Of a blocked version: one that is not blocked itself, but cannot be linked.
   Slot blocker(Slot slot) const { return culprits_[graph_.nodeOf(slot)]; }
 

@@ -112,7 +112,18 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
     blame(requirement.holder);
     return false;
   }
+  const bool isNew = known.left.empty();
   narrow(requirement);
+  if (!isNew) return true;
+  const std::vector<LinkRequirement> optional = known.optional;
+  return std::all_of(optional.begin(), optional.end(),
+                     [this](const LinkRequirement& each) { return meet(each); });
+}
+
+/// The same for what only counts if the name is required, now or later.
+bool LinkSolver::meetIfRequired(const LinkRequirement& requirement) {
+  if (!domain(requirement.name).left.empty()) return meet(requirement);
+  changedDomain(requirement.name).optional.push_back(requirement);
   return true;
 }
 
@@ -167,11 +178,11 @@ bool LinkSolver::take(NameNumber name, Slot slot, std::uint32_t level) {
 
 bool LinkSolver::requireAll(Slot holder) {
   for (const ResolvedDependency& dependency : index_.dependenciesOf(holder)) {
-    if (!dependency.decides()) continue;
+    if (!dependency.decides() && !dependency.isOptional) continue;
     const ResolvedDependency* parts = dependency.pieces.empty() ? nullptr : &dependency;
-    if (!meet({dependency.name, dependency.candidates, holder, dependency.row, parts})) {
-      return false;
-    }
+    const LinkRequirement requirement{dependency.name, dependency.candidates, holder,
+                                      dependency.row, parts};
+    if (!(dependency.isOptional ? meetIfRequired(requirement) : meet(requirement))) return false;
   }
   return true;
 }

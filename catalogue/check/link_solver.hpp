@@ -72,8 +72,9 @@ class LinkSolver {
     SlotInterval left;
     LinkRequirement lower;  // what sets the bounds of `left`
     LinkRequirement upper;
-    std::vector<LinkRequirement> unions;  // whose gaps may lie within `left`
-    Slot cause = nothing;                 // the holder of the first requirement
+    std::vector<LinkRequirement> unions;    // whose gaps may lie within `left`
+    std::vector<LinkRequirement> optional;  // to be met once the name is required
+    Slot cause = nothing;                   // the holder of the first requirement
     Slot taken = nothing;
     std::uint32_t level = nothing;  // of the decision that took it; none if nothing else was left
   };
@@ -95,6 +96,7 @@ class LinkSolver {
   void start(std::uint64_t budget);
   Outcome run();
   bool meet(const LinkRequirement& requirement);
+  bool meetIfRequired(const LinkRequirement& requirement);
   void narrow(const LinkRequirement& requirement);
   bool takeForced();
   bool take(NameNumber name, Slot slot, std::uint32_t level);

@@ -118,8 +118,12 @@ class Minimisation {
 /// Finds what hinders the hops that leave a baseline in which the goals are stuck.
 class HopInspection {
  public:
-  HopInspection(const PosedQuestion& question, const VersionBaseline& stuckAt)
-      : question_(question), stuckAt_(stuckAt) {}
+  /// `isWhole` tells that nothing is held beside that baseline.
+  HopInspection(const PosedQuestion& question, const VersionBaseline& stuckAt, bool isWhole)
+      : question_(question),
+        stuckAt_(stuckAt),
+        isWhole_(isWhole),
+        requirements_(question.inquiry->repository(), RequirementClashes::OfAllNeeds) {}
 
   std::vector<BlockedHop> run() {
     std::vector<BlockedHop> result;
@@ -158,50 +162,73 @@ class HopInspection {
 
   std::optional<Clash> findClashOf(const HopGraph::Edge& edge) {
     for (const Allowance allowance : {AnyChain, NoFurther}) {
+      const Given given = versionsBeside(edge, allowance);
       std::vector<Candidates> candidates;
-      for (const auto& [name, held] :
-           std::map(stuckAt_.metamodels.begin(), stuckAt_.metamodels.end())) {
+      for (const auto& [name, versions] : given) {
         Candidates choice{name, {}};
-        if (name == edge.hop.name) {
-          add(question_.graphs->of(name).versions()[edge.to], choice);
-        } else {
-          add(*held, choice);
-          for (const HopGraph::Edge* other : edgesFrom(*held, allowance)) {
-            add(question_.graphs->of(name).versions()[other->to], choice);
-          }
-        }
+        for (const Metamodel& version : versions) add(version, choice);
         if (choice.linked.empty()) return std::nullopt;  // the hop's target cannot be linked
         candidates.push_back(std::move(choice));
       }
       if (auto clash = findClash(candidates)) return clash;
+      if (!question_.inquiry->content().hasRequirements()) continue;
+      if (auto clash = requirements_.find(given)) return clash;
     }
-    return findRequirementClashOf(edge);
+    return isWhole_ ? findMissing(edge) : std::nullopt;
   }
 
-  std::optional<Clash> findRequirementClashOf(const HopGraph::Edge& edge) {
-    if (!question_.inquiry->content().hasRequirements()) return std::nullopt;
-    std::vector<std::vector<Metamodel>> others;
-    for (const auto& [name, held] :
-         std::map(stuckAt_.metamodels.begin(), stuckAt_.metamodels.end())) {
-      if (name == edge.hop.name) continue;
-      auto& versions = others.emplace_back(1, static_cast<const Metamodel&>(*held));
-      for (const HopGraph::Edge* other : edgesFrom(*held, AnyChain)) {
-        versions.push_back(question_.graphs->of(name).versions()[other->to]);
+  /// What each name may have after a hop, itself included.
+  Given versionsBeside(const HopGraph::Edge& edge, Allowance allowance) {
+    Given result;
+    for (const auto& [name, held] : stuckAt_.metamodels) {
+      std::vector<Metamodel>& versions = result[name];
+      const auto& known = question_.graphs->of(name).versions();
+      if (name == edge.hop.name) {
+        versions.push_back(known[edge.to]);
+        continue;
+      }
+      versions.emplace_back(held->name, held->version, held->dependencies);
+      for (const HopGraph::Edge* other : edgesFrom(*held, allowance)) {
+        versions.push_back(known[other->to]);
       }
     }
-    return findRequirementClash(question_.inquiry->repository(),
-                                question_.graphs->of(edge.hop.name).versions()[edge.to], others);
+    return result;
+  }
+
+  /// What the hop's target requires and nothing brings in.
+  std::optional<Clash> findMissing(const HopGraph::Edge& edge) {
+    if (!question_.inquiry->content().hasRequirements()) return std::nullopt;
+    const Given given = versionsBeside(edge, AnyChain);
+    const Metamodel& target = given.at(edge.hop.name).front();
+    LinkableRepository& repository = question_.inquiry->repository();
+    for (auto& [name, range, isOptional] : repository.getRequirements(target)) {
+      const auto mayBring = [&, &name = name](const Metamodel& metamodel) {
+        const LinkedMetamodels* linked = repository.tryLink(metamodel);
+        return linked != nullptr &&
+               std::any_of(linked->begin(), linked->end(),
+                           [&](const auto& each) { return each->linkedMetamodels.contains(name); });
+      };
+      const bool mayBeHeld =
+          isOptional || given.contains(name) ||
+          std::any_of(given.begin(), given.end(), [&](const auto& entry) {
+            return std::any_of(entry.second.begin(), entry.second.end(), mayBring);
+          });
+      if (mayBeHeld) continue;
+      return Clash{{target.name}, name, {{{{target.name, target.version}}, name, range}}, true};
+    }
+    return std::nullopt;
   }
 
   void add(const Metamodel& metamodel, Candidates& choice) {
-    const Metamodel descriptor(metamodel.name, metamodel.version, metamodel.dependencies);
-    const LinkedMetamodels* linked = question_.inquiry->repository().tryLink(descriptor);
+    const LinkedMetamodels* linked = question_.inquiry->repository().tryLink(metamodel);
     if (linked == nullptr) return;
     choice.linked.insert(choice.linked.end(), linked->begin(), linked->end());
   }
 
   const PosedQuestion& question_;
   const VersionBaseline& stuckAt_;
+  const bool isWhole_;
+  RequirementClashes requirements_;
 };
 
 std::vector<NamedVersion> versionsOf(const VersionBaseline& baseline) {
@@ -250,8 +277,8 @@ class SmallestSet {
     if (!stuckAt) return;
     const VersionBaseline own = cutDown(*stuckAt, names);
     result_.stuckAt = versionsOf(own);
-    result_.blocked = HopInspection(part, own).run();
-    if (result_.blocked.empty()) result_.blocked = HopInspection(part, *stuckAt).run();
+    result_.blocked = HopInspection(part, own, false).run();
+    if (result_.blocked.empty()) result_.blocked = HopInspection(part, *stuckAt, true).run();
   }
 
   bool isSpokenOf(const std::u16string& name) const {
@@ -274,6 +301,7 @@ class SmallestSet {
   }
 
   std::optional<Clash> clashBetween(const std::map<std::u16string, VersionId>& versions) const {
+    Given given;
     std::vector<Candidates> candidates;
     LinkableRepository& repository = question_.inquiry->repository();
     for (const auto& [name, version] : versions) {
@@ -281,8 +309,10 @@ class SmallestSet {
       const LinkedMetamodels* linked = metamodel ? repository.tryLink(*metamodel) : nullptr;
       if (linked == nullptr) return std::nullopt;
       candidates.push_back({name, *linked});
+      given[name] = {*metamodel};
     }
-    return findClash(candidates);
+    if (auto clash = findClash(candidates)) return clash;
+    return RequirementClashes(repository, RequirementClashes::OfAllNeeds).find(given);
   }
 
   const PosedQuestion& question_;
@@ -303,7 +333,7 @@ NeverTogether explainBlocking(const PosedQuestion& question) {
   PosedQuestion part = partOf(question, names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);
-    result.blocked = HopInspection(part, *stuckAt).run();
+    result.blocked = HopInspection(part, *stuckAt, true).run();
   }
   return result;
 }

@@ -20,6 +20,8 @@ struct Requirement {
 
   /// None: the chain is that metamodel itself, as it was selected.
   std::optional<pathfinder::VersionRange> range;
+
+  bool isOptional = false;  ///< only if it is there
 };
 
 /// Metamodels that cannot stand together: all together, that is; without any one of them the others
@@ -32,8 +34,11 @@ struct Clash {
   std::u16string contested;
 
   /// What each party asks of the contested metamodel, or of those that they share: one for each of
-  /// the ways in which it can be linked, without repetition; by party.
+  /// the ways in which it can be linked, without repetition; by party. Where versions are at odds
+  /// that are not linked, the requirements that lead from the parties to it, one after the other.
   std::vector<Requirement> requirements;
+
+  bool isMissing = false;  ///< the contested metamodel is not there, and nothing brings it in
 };
 
 /// Why a version cannot be linked.

@@ -82,11 +82,17 @@ class ExplanationWriter {
     writeObject("name", named.name, "versions", named.versions);
   }
   void writeValue(const Requirement& requirement) {
-    writeObject("chain", requirement.chain, "name", requirement.name, "range", requirement.range);
+    printer_.object([&] {
+      writeFields("chain", requirement.chain, "name", requirement.name, "range", requirement.range);
+      if (requirement.isOptional) writeFields("optional", true);
+    });
   }
   void writeValue(const Clash& clash) {
-    writeObject("parties", clash.parties, "contested", clash.contested, "requirements",
-                clash.requirements);
+    printer_.object([&] {
+      writeFields("parties", clash.parties, "contested", clash.contested, "requirements",
+                  clash.requirements);
+      if (clash.isMissing) writeFields("missing", true);
+    });
   }
   void writeValue(const Unlinkable& unlinkable) {
     printer_.object([&] {

@@ -1,6 +1,7 @@
 #include "catalogue/explanation/explanation_text.hpp"
 
 #include <algorithm>
+#include <map>
 #include <ostream>
 
 #include "catalogue/picture/path_text.hpp"
@@ -276,18 +277,18 @@ class Details {
   /// `whenSelected` says that a metamodel has just the versions that follow.
   void print(const Clash& clash, const std::string& indent, const std::string& whenSelected) {
     std::vector<std::string> lines;
-    std::vector<VersionId> selected;
-    for (const auto& [chain, name, range] : clash.requirements) {
+    std::map<std::u16string, std::vector<VersionId>> selected;
+    for (const auto& [chain, name, range, isOptional] : clash.requirements) {
       if (range) {
         lines.push_back(chained(visibleEach(chain)) + " needs " + visible(name) + " " +
-                        visible(*range));
+                        visible(*range) + (isOptional ? " if it is there" : "") +
+                        (clash.isMissing ? ", which is not there and nothing brings in" : ""));
       } else {
-        selected.push_back(chain.back().version);
+        selected[name].push_back(chain.back().version);
       }
     }
-    if (!selected.empty()) {
-      lines.push_back(visible(clash.contested) + whenSelected +
-                      listed(visibleEach(selected), "or"));
+    for (const auto& [name, versions] : selected) {
+      lines.push_back(visible(name) + whenSelected + listed(visibleEach(versions), "or"));
     }
     for (std::size_t i = 0; i < std::min(lines.size(), mostRequirements); ++i) {
       out_ << indent << lines[i] << "\n";

@@ -52,17 +52,31 @@ NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
   return result;
 }
 
-/// What is required of one another by versions that linking lets stand together.
-std::optional<Clash> findClashOfRequirements(Inquiry& inquiry, const SelectedMetamodels& selection,
-                                             const std::vector<Candidates>& candidates) {
-  if (!inquiry.content().hasRequirements()) return std::nullopt;
-  const std::unordered_map<std::u16string, Metamodel> selected(selection.begin(), selection.end());
-  if (!inquiry.repository().combine(selected).empty()) return std::nullopt;
+/// Whether some candidate brings another version of its own name, which may stand back for it: then
+/// only combining tells what can stand together.
+bool anyLinksOwnName(const std::vector<Candidates>& candidates) {
+  return std::any_of(candidates.begin(), candidates.end(), [](const Candidates& choice) {
+    return std::any_of(choice.linked.begin(), choice.linked.end(), [&](const auto& linked) {
+      return linked->linkedMetamodels.contains(choice.name);
+    });
+  });
+}
+
+/// What versions that linking lets stand together need of one another, or of themselves.
+std::optional<Clash> findClashOfNeeds(Inquiry& inquiry, const SelectedMetamodels& selection,
+                                      const std::vector<Candidates>& candidates) {
+  Given given;
+  for (const auto& [name, metamodel] : selection) given[name] = {metamodel};
+  if (auto clash = RequirementClashes(inquiry.repository(), RequirementClashes::OfDependencies)
+                       .find(given)) {
+    return clash;
+  }
+  std::map<std::u16string, const Metamodel*> held;
   const auto linked = combineCandidates(candidates, 1).baselines;
   if (linked.empty()) return std::nullopt;
-  std::map<std::u16string, const Metamodel*> held;
-  for (const auto& [name, metamodel] : linked.front().metamodels)
+  for (const auto& [name, metamodel] : linked.front().metamodels) {
     held.emplace(name, metamodel.get());
+  }
   return findExcluded(inquiry.repository(), held);
 }
 
@@ -80,14 +94,18 @@ std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, Questio
     }
   }
   result.clash = findClash(candidates);
+  if (result.unlinkable.empty() && !selection.empty() &&
+      (!result.clash || anyLinksOwnName(candidates))) {
+    const std::unordered_map<std::u16string, Metamodel> all(selection.begin(), selection.end());
+    if (!inquiry.repository().combine(all).empty()) return std::nullopt;
+  }
   if (result.clash) {
     for (const std::u16string& party : result.clash->parties) {
       result.remedies.push_back(findRemedies(inquiry, candidates, selection.at(party)));
     }
-  } else if (result.unlinkable.empty()) {
-    result.clash = findClashOfRequirements(inquiry, selection, candidates);
+  } else if (result.unlinkable.empty() && !selection.empty()) {
+    result.clash = findClashOfNeeds(inquiry, selection, candidates);
   }
-  if (!selection.empty() && result.unlinkable.empty() && !result.clash) return std::nullopt;
   return result;
 }
 

@@ -48,7 +48,7 @@ pathfinder::VersionId nearTo(const pathfinder::VersionRange& wanted) {
 
 /// Says what a party of a clash between dependencies requires from their owner's point of view.
 void prependOwner(const Metamodel& owner, Clash& clash) {
-  for (auto& [chain, name, range] : clash.requirements) {
+  for (auto& [chain, name, range, isOptional] : clash.requirements) {
     if (range) {
       chain.insert(chain.begin(), {owner.name, owner.version});
       continue;

@@ -17,12 +17,6 @@ using pathfinder::VersionRange;
 
 namespace {
 
-void expectName(const std::u16string& asked, const std::u16string& listed, const char* what) {
-  if (listed == asked) return;
-  throw std::logic_error("asked for the " + std::string(what) + " of " + quotedName(asked) +
-                         ", one of " + quotedName(listed) + " was listed");
-}
-
 bool liesInAny(std::span<const VersionRange> ranges, const CatalogueMetamodel& row) {
   return std::any_of(ranges.begin(), ranges.end(), [&](const VersionRange& range) {
     return admits(range, row.descriptor.version, row.semVer());
@@ -30,6 +24,13 @@ bool liesInAny(std::span<const VersionRange> ranges, const CatalogueMetamodel& r
 }
 
 }  // namespace
+
+void RowRepository::expectName(const std::u16string& asked, const std::u16string& listed,
+                               const char* what) {
+  if (listed == asked) return;
+  throw std::logic_error("asked for the " + std::string(what) + " of " + quotedName(asked) +
+                         ", one of " + quotedName(listed) + " was listed");
+}
 
 std::optional<SemVer> RowRepository::getEquivalentSemVer(const std::u16string& metamodelName,
                                                          const std::u16string& versionText) {
@@ -55,6 +56,16 @@ void RowRepository::findHops(const std::u16string& name, const VersionId& from,
   }
 }
 
+void RowRepository::findRequirements(const Metamodel& metamodel,
+                                     std::vector<pathfinder::PeerRequirement>& result) {
+  if (!anyRowRequires_) return;
+  const auto range = VersionRange::singleVersion(metamodel.version);
+  for (CatalogueMetamodel& row : checkedRowsOf(metamodel.name, {&range, 1})) {
+    if (row.descriptor.version != metamodel.version) continue;
+    for (auto& [needed, note] : row.requirements) result.push_back(std::move(needed));
+  }
+}
+
 std::vector<CatalogueMetamodel> RowRepository::listMetamodels(const std::u16string& name) {
   return checkedRowsOf(name, {});
 }
@@ -66,7 +77,11 @@ std::vector<Hop> RowRepository::listHops(const std::u16string& name) {
 std::vector<CatalogueMetamodel> RowRepository::checkedRowsOf(const std::u16string& name,
                                                              std::span<const VersionRange> ranges) {
   std::vector<CatalogueMetamodel> rows = rowsOf(name, ranges);
-  for (const auto& row : rows) expectName(name, row.descriptor.name, "metamodels");
+  for (const auto& row : rows) {
+    expectName(name, row.descriptor.name, "metamodels");
+    if (row.requirements.empty() || anyRowRequires_.exchange(true)) continue;
+    useRequirements(*this);  // before the first that has any is linked
+  }
   return rows;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <optional>
 #include <span>
 #include <string>
@@ -25,6 +26,10 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
 
+  /// What the row of the metamodel requires.
+  void findRequirements(const pathfinder::Metamodel& metamodel,
+                        std::vector<pathfinder::PeerRequirement>& result) override;
+
   std::vector<CatalogueMetamodel> listMetamodels(const std::u16string& name) override;
   std::vector<pathfinder::Hop> listHops(const std::u16string& name) override;
   std::optional<Question> getQuestion() override { return std::nullopt; }
@@ -36,6 +41,11 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
   }
 
  protected:
+  /// Throws for rows of another name than was asked for.
+  TARN_EVOLUTION_CATALOGUE_NO_EXPORT static void expectName(const std::u16string& asked,
+                                                            const std::u16string& listed,
+                                                            const char* what);
+
   /// At least the metamodels of a name whose version, or its equivalent, lies in any of `ranges`,
   /// none of which is a union; all of the name where there are none. In the preferred order.
   virtual std::vector<CatalogueMetamodel> rowsOf(
@@ -50,6 +60,8 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT RowRepository : public BrowsableRepository
                                                 std::span<const pathfinder::VersionRange> ranges);
   std::vector<pathfinder::Hop> checkedHopsOf(const std::u16string& name,
                                              const pathfinder::VersionId* from);
+
+  std::atomic<bool> anyRowRequires_ = false;
 };
 
 }  // namespace tarn::evolution::catalogue

@@ -79,4 +79,19 @@ bool hasError(const std::vector<Finding>& findings) {
   });
 }
 
+bool anyLinksOwnName(tarn::evolution::catalogue::BrowsableRepository& repository) {
+  for (const auto& name : repository.listNames()) {
+    for (const auto& row : repository.listMetamodels(name)) {
+      try {
+        for (const auto& linked : repository.getLinkedMetamodels(row.descriptor)) {
+          if (linked->linkedMetamodels.contains(name)) return true;
+        }
+      } catch (const foundation::core::except::IMsgIDException&) {
+        continue;  // cannot be linked
+      }
+    }
+  }
+  return false;
+}
+
 }  // namespace test

@@ -20,4 +20,8 @@ std::vector<tarn::evolution::catalogue::Finding> findingsIn(
 
 bool hasError(const std::vector<tarn::evolution::catalogue::Finding>& findings);
 
+/// Whether some version brings another one of its own name, which then stands back: what can be
+/// held beside it is decided by linking alone.
+bool anyLinksOwnName(tarn::evolution::catalogue::BrowsableRepository& repository);
+
 }  // namespace test

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/exception.hpp"
+
 namespace test {
 
 bool FreeNames::canArrive(const Names& names,
@@ -31,9 +33,37 @@ bool FreeNames::canBeHeld(const Versions& versions) {
   for (const auto& [name, version] : versions) text += brief(name, version) + " ";
   const auto [known, isNew] = canBeHeld_.try_emplace(text, false);
   if (isNew) {
-    known->second = !repository_.combine(Selection(versions.begin(), versions.end())).empty();
+    canBeHeld_[text] = canBeCombined(versions);
   }
-  return known->second;
+  return canBeHeld_[text];
+}
+
+bool FreeNames::canBeCombined(const Versions& versions) {
+  try {
+    const auto baselines = repository_.combine(Selection(versions.begin(), versions.end()));
+    return std::any_of(baselines.begin(), baselines.end(),
+                       [&](const auto& baseline) { return canBeCompleted(baseline); });
+  } catch (const foundation::core::except::IMsgIDException&) {
+    return false;  // cannot be linked
+  }
+}
+
+bool FreeNames::canBeCompleted(const VersionBaseline& baseline) {
+  Versions held;
+  for (const auto& [name, linked] : baseline.metamodels) held.emplace(name, linked->version);
+  for (const auto& [name, linked] : baseline.metamodels) {
+    for (const auto& [required, range, isOptional] : repository_.getRequirements(*linked)) {
+      if (isOptional || held.contains(required)) continue;
+      std::vector<Metamodel> candidates;
+      repository_.findMetamodels(required, range, candidates);
+      return std::any_of(candidates.begin(), candidates.end(), [&](const Metamodel& candidate) {
+        Versions more = held;
+        more.emplace(candidate.name, candidate.version);
+        return canBeHeld(more);
+      });
+    }
+  }
+  return true;
 }
 
 std::optional<FreeNames::Names> FreeNames::firstBlocked() {

@@ -28,7 +28,7 @@ class FreeNames {
   /// Whether the names can be brought to their goals by way of versions that can be held.
   bool canArrive(const Names& names, const std::function<bool(const Versions&)>& canBeHeld);
 
-  /// Whether a baseline holds all of these.
+  /// Whether a baseline holds all of these, and whatever is required.
   bool canBeHeld(const Versions& versions);
 
   /// The first of the smallest sets of names of the source that cannot be brought to their goals;
@@ -37,6 +37,8 @@ class FreeNames {
 
  private:
   bool hasArrived(const Versions& held) const;
+  bool canBeCombined(const Versions& versions);
+  bool canBeCompleted(const VersionBaseline& baseline);
   template <class Meet>
   void moveOn(const Versions& held, Versions::const_iterator name, const Versions& moved,
               const Meet& meet);

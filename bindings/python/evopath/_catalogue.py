@@ -17,7 +17,8 @@ from ._model import (Alternatives, Dependency, Direction, Explanation, Finding, 
 
 Selection = Mapping[str, str]
 _RangeTuple = tuple[str, str | None]
-_MetamodelTuple = tuple[str, str, str | None, list[tuple[str, list[_RangeTuple]]]]
+_DependencyTuple = tuple[str, list[_RangeTuple], bool]
+_MetamodelTuple = tuple[str, str, str | None, list[_DependencyTuple]]
 _HopTuple = tuple[str, str, str, bool]
 _Row = TypeVar("_Row", Metamodel, Hop, Dependency, VersionRange)
 
@@ -80,10 +81,13 @@ def _metamodel_tuples(rows: Iterable[Metamodel], what: str) -> list[_MetamodelTu
 def _metamodel_tuple(row: Metamodel, what: str) -> _MetamodelTuple:
     return (_text(row.name, f"{what}.name"), _text(row.version, f"{what}.version"),
             _optional_text(row.semver, f"{what}.semver"),
-            [(_text(needed.name, f"{what}.dependencies[{number}].name"),
-              _range_tuples(needed, f"{what}.dependencies[{number}]"))
-             for number, needed in enumerate(_rows(row.dependencies, Dependency,
-                                                   f"{what}.dependencies"))])
+            _dependency_tuples(row.dependencies, f"{what}.dependencies"))
+
+
+def _dependency_tuples(rows: Iterable[Dependency], what: str) -> list[_DependencyTuple]:
+    return [(_text(needed.name, f"{what}[{number}].name"),
+             _range_tuples(needed, f"{what}[{number}]"), bool(needed.optional))
+            for number, needed in enumerate(_rows(rows, Dependency, what))]
 
 
 def _range_tuples(needed: Dependency, what: str) -> list[_RangeTuple]:
@@ -235,7 +239,8 @@ class Catalogue(_Asked):
     @classmethod
     def from_rows(cls, metamodels: Iterable[Metamodel], hops: Iterable[Hop]) -> Catalogue:
         """A catalogue of rows, whose order is the order of every answer. Raises CatalogueError where
-        it is unsound: places count from zero, "/hops/2" is the third hop."""
+        it is unsound: places count from zero, "/hops/2" is the third hop. Metamodels may depend on
+        themselves, through others or not: such dependencies do not link, and bring nothing in."""
         return cls(_native.from_rows(_metamodel_tuples(metamodels, "metamodels"),
                                      _hop_tuples(hops, "hops")))
 
@@ -253,8 +258,9 @@ class Repository(_Asked):
     """To derive from, by programs with data of their own.
 
     What is answered must not change, but for hops (see `forget_paths`), and must be as sound as a
-    catalogue has to be. The methods are called on the threads that ask, and what they raise reaches
-    who asks. They may answer more than was asked for, as long as it is of that name.
+    catalogue has to be; and no metamodel may depend on itself, which is for requirements. The
+    methods are called on the threads that ask, and what they raise reaches who asks. They may answer
+    more than was asked for, as long as it is of that name.
     """
 
     __native: _native.Repository | None = None
@@ -268,6 +274,12 @@ class Repository(_Asked):
     @abc.abstractmethod
     def find_hops(self, name: str, source: str | None) -> Iterable[Hop]:
         """The hops of a metamodel that leave a version; without a version, all of them."""
+
+    def find_requirements(self, name: str, version: str) -> Iterable[Dependency] | None:
+        """What a version needs without being linked to it: no step leads to where the one is held
+        without the other, or, if that is optional, beside another version of it. None, as by
+        default, if it is only the optional dependencies that `find_metamodels` tells."""
+        return None
 
     def list_names(self) -> Iterable[str]:
         """The names of all metamodels, from which explanations suggest some. By default none."""
@@ -290,8 +302,8 @@ class Repository(_Asked):
         return (own, *slots) if slots else own
 
 
-def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:
-    """What the library calls. It keeps them, and so they must not keep the repository, which keeps
+def _functions_of(repository: Repository) -> tuple[Any, ...]:
+    """What the library calls, and None for what it need not. It keeps them, and so they must not keep the repository, which keeps
     the library's; whoever asks does."""
     reference = weakref.ref(repository)
 
@@ -308,7 +320,12 @@ def _functions_of(repository: Repository) -> tuple[Callable[..., Any], ...]:
     def list_names() -> list[str]:
         return [_text(name, "a name of list_names()") for name in asked().list_names()]
 
-    return find_metamodels, find_hops, list_names
+    def find_requirements(name: str, version: str) -> list[_DependencyTuple] | None:
+        needed = asked().find_requirements(name, version)
+        return None if needed is None else _dependency_tuples(needed, "find_requirements()")
+
+    tells = type(repository).find_requirements is not Repository.find_requirements
+    return find_metamodels, find_hops, list_names, find_requirements if tells else None
 
 
 def check(path: str | os.PathLike[str], *, severity: Severity = "note") -> tuple[Finding, ...]:

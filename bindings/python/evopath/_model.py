@@ -34,12 +34,14 @@ class VersionRange:
 
 @dataclasses.dataclass(frozen=True, slots=True)
 class Dependency:
-    """What a metamodel needs: another one, at a version of a range, or of any of several."""
+    """What a metamodel needs: another one, at a version of a range, or of any of several; if it is
+    optional, only where that is there."""
 
     name: str
     lower: str
     upper: str | None = None
     others: tuple[VersionRange, ...] = ()  #: further ranges
+    optional: bool = False
 
     def __post_init__(self) -> None:
         _keep_as_tuple(self, "others")

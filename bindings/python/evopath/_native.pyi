@@ -8,7 +8,8 @@ version: str
 
 _Texts = list[tuple[str, str]]
 _Range = tuple[str, str | None]
-_Metamodel = tuple[str, str, str | None, list[tuple[str, list[_Range]]]]
+_Dependency = tuple[str, list[_Range], bool]
+_Metamodel = tuple[str, str, str | None, list[_Dependency]]
 _Hop = tuple[str, str, str, bool]
 
 class Path:
@@ -50,5 +51,6 @@ def from_functions(
     find_metamodels: Callable[[str, list[_Range] | None], list[_Metamodel]],
     find_hops: Callable[[str, str | None], list[_Hop]],
     list_names: Callable[[], list[str]],
+    find_requirements: Callable[[str, str], list[_Dependency] | None] | None,
 ) -> Repository: ...
 def check(file: str, least: str) -> str: ...
