@@ -40,12 +40,12 @@ bool LeastWeight::findFewestExpensiveHops() {
         },
         [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
   }
-  const auto outcome = fewestExpensive_->minimize({}, [this] { return plans_.check.accept(); });
+  const auto outcome = fewestExpensive_->minimize({}, [this] { return accept(); });
   if (outcome != Outcome::Found) return false;
   expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
   isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
   best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
-  noteBounds(0);
+  noteProven(0);
   return true;
 }
 
@@ -61,7 +61,7 @@ void LeastWeight::findFewestOrdinaryHops() {
       [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
   fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
-  noteBounds(ordinaryHops_ + fewestLayers_);
+  noteProven(ordinaryHops_ + fewestLayers_);
 }
 
 std::vector<WeightShare> LeastWeight::findLayers() {
@@ -78,7 +78,7 @@ std::vector<WeightShare> LeastWeight::findLayers() {
   std::erase_if(shares, [this](const WeightShare& share) {
     return share.ordinaryHops + share.layers != best_;
   });
-  noteBounds(best_);
+  noteProven(best_);
   return shares;
 }
 
@@ -141,22 +141,25 @@ std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, const Left&
   return sum;
 }
 
+bool LeastWeight::accept() {
+  if (!plans_.check.accept()) return false;
+  notePlan_();
+  return true;
+}
+
 /// Takes the weight of every plan that is met for an upper bound.
 CoreGuidedMinimum::AcceptModel LeastWeight::acceptNoting() {
   return [this] {
-    if (!plans_.check.accept()) return false;
+    if (!accept()) return false;
     best_ = std::min(best_, plans_.check.ordinaryHops() + plans_.check.ordinarySteps());
     return true;
   };
 }
 
-void LeastWeight::noteBounds(std::uint64_t leastOrdinaryWeight) const {
+void LeastWeight::noteProven(std::uint64_t leastOrdinaryWeight) const {
   SearchWatch* watch = SearchWatch::current();
-  if (watch == nullptr) return;
-  const std::uint64_t expensive = expensiveHops_ * expensiveHopWeight;
-  // Ways of more laps may be lighter.
-  if (!plans_.network.isCut) watch->noteProven(expensive + leastOrdinaryWeight);
-  watch->noteFound(expensive + best_);
+  if (watch == nullptr || plans_.network.isCut) return;  // ways of more laps may be lighter
+  watch->noteProven(expensiveHops_ * expensiveHopWeight + leastOrdinaryWeight);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <deque>
 #include <limits>
+#include <map>
 
 namespace tarn::evolution::pathfinder {
 
@@ -197,11 +198,17 @@ void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
   ++circles_;
 }
 
+/// Each layer is a step, and each component between two layers.
 std::vector<std::vector<ArcIndex>> OrderCheck::steps() const {
-  std::vector<std::vector<ArcIndex>> result(components_);
+  std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<ArcIndex>> steps;
   for (EventIndex event = 0; event < events_.size(); ++event) {
-    result[components_ - 1 - componentOf_[event]].push_back(events_[event].arc);
+    const std::uint32_t phase = phaseOf_[componentOf_[event]];
+    const bool isLayer = phase % 2 == 1;
+    const std::uint32_t place = isLayer ? 0 : components_ - componentOf_[event];
+    steps[{phase, place}].push_back(events_[event].arc);
   }
+  std::vector<std::vector<ArcIndex>> result;
+  for (auto& [place, arcs] : steps) result.push_back(std::move(arcs));
   return result;
 }
 
@@ -214,9 +221,11 @@ void OrderCheck::countSteps() {
     const PlannedHop hop = network_.arcs[events_[event].arc].hop;
     if (hop == PlannedHop::Ordinary) own[componentOf_[event]] = 1;
   }
+  phaseOf_.resize(components_);
   ordinarySteps_ = 0;
   for (std::uint32_t component = components_; component-- > 0;) {  // what comes first, first
     const std::uint32_t layer = before[component] + own[component];
+    phaseOf_[component] = 2 * layer - own[component];
     ordinarySteps_ = std::max(ordinarySteps_, layer);
     for (const EventIndex event : members[component]) {
       if (!events_[event].isLast) {

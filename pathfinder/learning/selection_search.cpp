@@ -41,6 +41,7 @@ class SelectionSearch {
                                 dependencies_, dependencies_.openStart());
     if (!planner) return {false};
     linking_.requireNoMoreLinks();
+    planner->tellPlans(pathTeller());
     while (const auto plan = planner->plan()) {
       if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
       planner->forbidTogether(impossible);
@@ -66,6 +67,20 @@ class SelectionSearch {
     } catch (const PlanningBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
     }
     return std::nullopt;
+  }
+
+  /// As for a search between baselines.
+  PlanMet pathTeller() {
+    SearchWatch* const watch = SearchWatch::current();
+    if (watch == nullptr || !watch->wantsPaths()) return {};
+    return [this, watch](const BackwardPlan& plan) {
+      return watch->tellPath([&]() -> std::optional<std::vector<BaselineHop>> {
+        SelectionView impossible;
+        auto path = linking_.carryOut(plan, impossible);
+        if (!path) return std::nullopt;
+        return std::move(path->steps);
+      });
+    };
   }
 
   std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {

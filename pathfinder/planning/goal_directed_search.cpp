@@ -132,7 +132,7 @@ class GoalDirectedSearch {
                                        ? PlanningBudget{.isSpaceComplete = isComplete}
                                        : budgetFor(*ground.space, isComplete));
     } catch (const PlanningBudget::Spent&) {
-      SecondPlanner::Answer answer = second_->plan(view);
+      SecondPlanner::Answer answer = second_->plan(view, pathTeller(question_, *ground.space));
       if (!answer.isPlanned) return planAllBackward(view, {.isSpaceComplete = isComplete});
       Plans plans;
       offer(plans, std::move(answer.plan));
@@ -195,6 +195,7 @@ class GoalDirectedSearch {
   }
 
   SearchAnswer answerWithoutPlan() {
+    const SearchWatch::Aside aside;
     const auto reach = [this](const SearchQuestion& question) {
       return GoalDirectedSearch(question, second_).reach();
     };
@@ -207,6 +208,7 @@ class GoalDirectedSearch {
   /// better one, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
     if (!survey_.anyFailed()) return;
+    const SearchWatch::Aside aside;
     const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
     const Plans best = planIn(ground);
     if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;
