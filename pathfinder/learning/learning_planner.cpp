@@ -131,7 +131,7 @@ class Planner final : public LearningPlanner {
     const PlanNetwork& network = work_->network;
     if (!network.canBegin() || network.targets.empty()) return {};
     // Minimization meets its first plan when the fewest expensive hops are proven.
-    if (met_ && lightestCarriedOut_ == noWeight && work_->plans.findPlan({})) notePlan();
+    if (met_ && lightestCarriedOut_ == noWeight) work_->leastWeight.meetPlans();
     return work_->leastWeight.find();
   }
 

@@ -21,6 +21,12 @@ namespace tarn::evolution::pathfinder {
 
 using Outcome = CoreGuidedMinimum::Outcome;
 
+namespace {
+
+constexpr int conflictsToMeetPlan = 1000;
+
+}  // namespace
+
 std::vector<WeightShare> LeastWeight::find() {
   best_ = std::numeric_limits<std::uint64_t>::max();
   if (!findFewestExpensiveHops()) return {};
@@ -28,18 +34,68 @@ std::vector<WeightShare> LeastWeight::find() {
   return findLayers();
 }
 
-bool LeastWeight::findFewestExpensiveHops() {
-  const auto& nodes = plans_.network.nodes;
-  if (!fewestExpensive_) {
-    fewestExpensive_.emplace(plans_.sat);
-    leastExpensive_ = setCosts(
-        *fewestExpensive_,
-        [&](const PlanNetwork::Arc& arc) {
-          return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
-                 nodes[arc.from].expensiveLeft;
-        },
-        [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
+void LeastWeight::meetPlans() {
+  if (!plans_.findPlan({})) return;
+  notePlan_();
+  setExpensiveCosts();
+  std::vector<Literal> kept;
+  meetPlansWith(fewestExpensive_->stillWanted(), kept);
+  CoreGuidedMinimum ordinary(plans_.sat);
+  setOrdinaryCosts(ordinary);
+  if (plans_.findPlan(kept)) meetPlansWith(ordinary.stillWanted(), kept);
+}
+
+/// From the plan at hand on, keeps true what is, and tries to have one more wanted literal true.
+void LeastWeight::meetPlansWith(const std::vector<Literal>& wanted, std::vector<Literal>& kept) {
+  std::vector<Literal> open = wanted;
+  const auto keepTrue = [&] {
+    std::erase_if(open, [&](Literal literal) {
+      if (!plans_.sat.isTrue(literal)) return false;
+      kept.push_back(literal);
+      return true;
+    });
+  };
+  keepTrue();
+  while (!open.empty()) {
+    kept.push_back(open.back());
+    open.pop_back();
+    bool isFound = false;
+    while (!isFound && plans_.sat.satisfies(kept, conflictsToMeetPlan)) isFound = accept();
+    if (isFound) {
+      keepTrue();
+    } else {
+      kept.pop_back();
+    }
   }
+}
+
+void LeastWeight::setExpensiveCosts() {
+  if (fewestExpensive_) return;
+  const auto& nodes = plans_.network.nodes;
+  fewestExpensive_.emplace(plans_.sat);
+  leastExpensive_ = setCosts(
+      *fewestExpensive_,
+      [&](const PlanNetwork::Arc& arc) {
+        return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
+               nodes[arc.from].expensiveLeft;
+      },
+      [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
+}
+
+/// Returns what is paid in any case.
+std::uint64_t LeastWeight::setOrdinaryCosts(CoreGuidedMinimum& minimum) {
+  const auto& nodes = plans_.network.nodes;
+  return setCosts(
+      minimum,
+      [&](const PlanNetwork::Arc& arc) {
+        return (arc.hop == PlannedHop::Ordinary ? 1 : 0) + nodes[arc.to].ordinaryLeft -
+               nodes[arc.from].ordinaryLeft;
+      },
+      [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
+}
+
+bool LeastWeight::findFewestExpensiveHops() {
+  setExpensiveCosts();
   const auto outcome = fewestExpensive_->minimize({}, [this] { return accept(); });
   if (outcome != Outcome::Found) return false;
   expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
@@ -50,15 +106,8 @@ bool LeastWeight::findFewestExpensiveHops() {
 }
 
 void LeastWeight::findFewestOrdinaryHops() {
-  const auto& nodes = plans_.network.nodes;
   fewestOrdinary_.emplace(plans_.sat);
-  leastOrdinary_ = setCosts(
-      *fewestOrdinary_,
-      [&](const PlanNetwork::Arc& arc) {
-        return (arc.hop == PlannedHop::Ordinary ? 1 : 0) + nodes[arc.to].ordinaryLeft -
-               nodes[arc.from].ordinaryLeft;
-      },
-      [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
+  leastOrdinary_ = setOrdinaryCosts(*fewestOrdinary_);
   fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
   noteProven(ordinaryHops_ + fewestLayers_);

@@ -37,8 +37,15 @@ class LeastWeight {
   /// excluded, goes on from what was proven.
   std::vector<WeightShare> find();
 
+  /// Meets plans before anything is proven: any, then ones with fewer and fewer expensive hops, and
+  /// with fewer ordinary ones, as far as short searches find them.
+  void meetPlans();
+
  private:
+  void meetPlansWith(const std::vector<Literal>& wanted, std::vector<Literal>& kept);
   bool findFewestExpensiveHops();
+  void setExpensiveCosts();
+  std::uint64_t setOrdinaryCosts(CoreGuidedMinimum& minimum);
   void findFewestOrdinaryHops();
   std::vector<WeightShare> findLayers();
   std::optional<WeightShare> shareWith(std::uint32_t layers);

@@ -140,8 +140,16 @@ bool SatSolver::solveWith(std::span<const Literal> clause, std::span<const Liter
 }
 
 bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
+  return askBriefly(assumptions, conflicts) == unsatisfiable;
+}
+
+bool SatSolver::satisfies(std::span<const Literal> assumptions, int conflicts) {
+  return askBriefly(assumptions, conflicts) == satisfiable;
+}
+
+int SatSolver::askBriefly(std::span<const Literal> assumptions, int conflicts) {
   backend_->use([&](auto& solver) { solver.limit("conflicts", conflicts); });
-  return ask(assumptions) == unsatisfiable;
+  return ask(assumptions);
 }
 
 int SatSolver::ask(std::span<const Literal> assumptions) {
