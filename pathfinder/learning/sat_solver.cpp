@@ -25,6 +25,10 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
  public:
   Backend() {
     solver_.set("quiet", 1);
+    // Hundreds of questions are asked about formulas of a hundred thousand variables: what helps a
+    // single hard one does not pay for itself.
+    solver_.set("chrono", 0);  // chronological backtracking
+    solver_.set("lucky", 0);   // assignments that might satisfy all by luck
     if (watch_ != nullptr) solver_.connect_terminator(this);
     if (const auto seed = RandomChoices::seed()) {
       random_.emplace(*seed);

@@ -142,7 +142,7 @@ class GoalDirectedSearch {
 
   /// About the nodes that are looked at in the time in which the second planner begins.
   static PlanningBudget budgetFor(const SearchSpace& space, bool isComplete) {
-    return {5000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
+    return {1000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
   }
 
   /// The first path in the order of sources and steps that some plan leads to.
