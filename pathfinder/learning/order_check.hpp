@@ -66,12 +66,15 @@ class OrderCheck {
     bool isLeft;  // whether `from` is left by it
   };
 
+  /// Edges in a ring; between them, each name makes its next hops.
+  using Circle = std::vector<const Edge*>;
+
   void readWays();
   void findEdges();
   void findComponents();
   bool forbidCircles();
-  void forbidCircleThrough(EventIndex event);
-  void addClause(const std::vector<const Edge*>& circle);
+  Circle circleThrough(EventIndex event) const;
+  void addClause(const Circle& circle);
   void countSteps();
 
   const PlanNetwork& network_;
