@@ -21,6 +21,9 @@ named in "to".
   dear        random, but most hops are expensive and most cheap ones skip a version, at whose end
               other metamodels must have come along (use --seed)
   both_ways   random, but each hop leads back as well, at times more cheaply (use --seed)
+  detours     4 versions each; all but the last metamodel can hop straight to the last version, and
+              each, to pass its second or third version, needs the one before it at one or either of
+              these, through a whole chain; some of these hops are expensive (use --seed)
   ring        4 versions each; each metamodel lets the one before it be one version ahead, and the
               last one does not let the first be ahead: all must move at once, but the first has
               only the hop that skips version 2, and the others only those that do not: no path
@@ -155,6 +158,17 @@ def both_ways(n: int, seed: int) -> Design:
     return design
 
 
+def detours(n: int, seed: int) -> Design:
+    rng = random.Random(seed)
+    detour = [(2, 3), (3, 4), (2, 4)]
+    needs = {(m, v): [Need(m - 1, *rng.choice(detour))] for m in range(1, n) for v in (2, 3)}
+    hops = [Hop(m, 1, 4, False) for m in range(n - 1)]
+    for m in range(n):
+        for v in (2, 3):
+            hops += [Hop(m, 1, v, rng.random() < 0.4), Hop(m, v, 4, rng.random() < 0.1)]
+    return Design([4] * n, needs, hops)
+
+
 def ring(n: int) -> Design:
     needs = {
         (m, v): [Need(m - 1, v, v + 2)] for m in range(1, n) for v in range(1, 5)
@@ -200,6 +214,7 @@ SEEDED: dict[str, Callable[[int, int], Design]] = {
     "random": random_design,
     "dear": dear,
     "both_ways": both_ways,
+    "detours": detours,
 }
 
 

@@ -8,7 +8,9 @@
 #include <optional>
 #include <stdexcept>
 #include <stop_token>
+#include <vector>
 
+#include "pathfinder/hop.hpp"
 #include "tarn_evolution_pathfinder_export.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -49,6 +51,12 @@ struct SearchLimits {
   /// Told when the stage or one of the bounds has changed, on the thread that searches. What it
   /// throws ends the search and reaches the caller.
   std::function<void(const SearchProgress&)> progress = {};
+
+  /// Told each path that the search meets before it knows the answer and that weighs less than
+  /// those told before; not proven least, let alone the first of its weight. So a host that keeps
+  /// the last one has something to go by if a limit is reached. Called like `progress`, and by the
+  /// search that learns alone. Making these paths takes time, and none are made if this is empty.
+  std::function<void(const std::vector<BaselineHop>&)> betterPath = {};
 };
 
 /// A search has reached one of its limits: whether there is a path is open. The repository is as it

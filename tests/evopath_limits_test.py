@@ -16,10 +16,11 @@ import unittest
 PROGRAM = pathlib.Path(sys.argv[1]).resolve()
 
 
-def crowd(guests):
+def crowd(guests, way_round=False):
     """A catalogue in which guests move together over a version at which each needs a room of its
     own, and a room is missing: there is no path, but to prove that takes for ever. Beside them, "A"
-    moves, and "X" has no hop."""
+    moves, and "X" has no hop. With a way round, each guest can do without a room, which is expensive: so there
+    are paths, but which is the least takes for ever."""
     def metamodel(name, version, **needs):
         dependencies = [{"name": key, "range": value} for key, value in needs.items()]
         return {"name": name, "version": f"{version}.0.0", "dependencies": dependencies}
@@ -33,6 +34,10 @@ def crowd(guests):
         metamodels += [metamodel(f"G{g}", k, C=f"{k}.0.0", **(keys if k == 2 else {})) for k in (1, 2, 3)]
     hops = [{"name": name, "from": f"{k}.0.0", "to": f"{k + 1}.0.0", "expensive": False}
             for name in ["A", "C"] + [f"G{g}" for g in everyone] for k in (1, 2)]
+    if way_round:
+        metamodels += [{**metamodel(f"G{g}", 2, C="2.0.0"), "version": "2.5.0"} for g in everyone]
+        hops += [{"name": f"G{g}", "from": start, "to": end, "expensive": end == "2.5.0"}
+                 for g in everyone for start, end in (("1.0.0", "2.5.0"), ("2.5.0", "3.0.0"))]
     return {"metamodels": metamodels, "hops": hops}
 
 
@@ -111,6 +116,31 @@ class Limits(unittest.TestCase):
                 self.assertLessEqual(shown.count(doing.replace("1 s", "0 s")), 12)
                 self.assertIn("\r\x1b[K" + first, rest)
                 self.assertIn(said, rest)
+
+    def test_the_best_path_known_is_told_on_request(self):
+        (self.folder / "round.json").write_text(json.dumps(crowd(12, way_round=True)), encoding="utf-8")
+        asked = ["path", "round.json", *OPEN, "--best-known"]
+        done = self.run_evopath(*asked, "--json", "--timeout", "5")
+        plan = json.loads(done.stdout)
+        self.assertEqual((done.returncode, plan["found"]), (3, True))
+        self.assertEqual(plan["weight"], sum(step["weight"] for step in plan["steps"]))
+        self.assertLess(plan["leastProven"], plan["weight"])
+        self.assertIn(f"a plan of {plan['weight']} is known", done.stderr)
+        self.assertEqual({name: plan["end"][name] for name in GUESTS}, {name: "3.0.0" for name in GUESTS})
+        ours, terminal = pty.openpty()
+        with subprocess.Popen([PROGRAM, *asked, "--timeout", "200"], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=terminal) as process:
+            os.close(terminal)
+            shown = ""
+            while "at most" not in shown:
+                shown += os.read(ours, 1000).decode()
+            process.send_signal(signal.SIGINT)
+            self.assertRegex(process.stdout.read().decode(), r"not proven least: no path weighs less than \d+\n")
+            self.assertEqual(process.wait(), -signal.SIGINT)
+        os.close(ours)
+        unfit = self.run_evopath(*asked, "--via", "C=2.0.0")
+        self.assertEqual((unfit.returncode, unfit.stderr),
+                         (2, "evopath: --best-known: not for a path under conditions\n"))
 
     @unittest.skipUnless(os.path.exists("/dev/full"), "there is no full device")
     def test_an_answer_that_cannot_be_written_is_no_success(self):

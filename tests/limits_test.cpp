@@ -3,7 +3,13 @@
 
 #include <stdexcept>
 
+#include "pathfinder/learning/random_choices.hpp"
+#include "pathfinder/learning/selection_search.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "platform/exception.hpp"
+#include "support/engine_question.hpp"
+#include "support/learning_engine.hpp"
+#include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/test_question.hpp"
 
@@ -105,6 +111,100 @@ TEST(Limits, ProgressTellsBoundsThatTheAnswerKeeps) {
     run.count("told", last.stage != Stage::Preparing);
   });
   run.expectPercentages({{"told", 15}});
+}
+
+/// Watches the paths that a search tells of on its way, and stops it at one of them.
+class ToldPaths {
+ public:
+  ToldPaths(TestQuestion& question, std::size_t stopAt) : question_(question), left_(stopAt) {}
+
+  SearchLimits limits() {
+    return {.stop = stop_.get_token(),
+            .progress = [this](const SearchProgress& progress) { progress_ = progress; },
+            .betterPath = [this](const std::vector<BaselineHop>& path) { note(path); }};
+  }
+
+  std::size_t count() const { return count_; }
+  bool isStopped() const { return stop_.stop_requested(); }
+  std::uint64_t lightest() const { return lightest_; }
+
+  void expectNoneBelow(const std::vector<BaselineHop>& answer) const {
+    EXPECT_GE(lightest_, weightOf(answer));
+    EXPECT_GE(progress_.leastFound.value_or(lightest_), weightOf(answer));
+  }
+
+ private:
+  std::uint64_t weightOf(const std::vector<BaselineHop>& path) const {
+    std::uint64_t weight = 0;
+    for (const BaselineHop& step : path) weight += question_.repository.getWeight(step.hops);
+    return weight;
+  }
+
+  void note(const std::vector<BaselineHop>& path) {
+    ++count_;
+    EXPECT_LT(weightOf(path), lightest_);
+    lightest_ = weightOf(path);
+    if (--left_ == 0) stop_.request_stop();
+    if (path.empty()) return;
+    expectLegal(question_.repository, path);
+    EXPECT_NE(std::find(question_.sources.begin(), question_.sources.end(), path.front().from),
+              question_.sources.end());
+    EXPECT_TRUE(std::any_of(
+        question_.targets.begin(), question_.targets.end(),
+        [&](const VersionBaseline& target) { return path.back().to.includes(target); }));
+  }
+
+  TestQuestion& question_;
+  std::size_t left_;
+  std::stop_source stop_;
+  SearchProgress progress_;
+  std::uint64_t lightest_ = ~std::uint64_t{0};
+  std::size_t count_ = 0;
+};
+
+TEST(Limits, PathsToldOnTheWayCanBeGoneAndWeighMoreThanTheAnswer) {
+  RandomRun run(1000);
+  run.ask(randomQuestion, [&](const std::string& text, Random& random) {
+    TestQuestion question(text);
+    if (!question.isPosed()) return;
+    const QuestionText ends(text);
+    const bool asSelections = random.chance(30) && ends.beside.empty() &&
+                              (ends.from + ends.to).find_first_of(",^*") == std::string::npos;
+    const auto ask = [&]() -> std::optional<Path> {
+      if (asSelections) {
+        const auto answer =
+            searchBetweenSelections(accessTo(question.repository), selection(ends.from),
+                                    selection(ends.to), SelectionPlanning::ByLearning);
+        if (!answer.isSettled) return std::nullopt;
+        return answer.path ? Path(answer.path->steps) : Path();
+      }
+      const auto learnt = answerByLearning(engineQuestion(question.repository, question.sources,
+                                                          question.targets, question.direction));
+      if (!learnt) return std::nullopt;
+      const bool isFound = learnt->answer.verdict == SearchAnswer::Verdict::Found;
+      return isFound ? Path(learnt->answer.steps) : Path();
+    };
+    const auto expected = ask();
+    if (!expected) return;
+    const RandomChoices choices(random());
+    ToldPaths told(question, random.chance(50) ? ~std::size_t{0} : random.upTo(3));
+    const SearchLimits limits = told.limits();
+    try {
+      const SearchWatch watch(limits);
+      EXPECT_EQ(describe(ask().value()), describe(*expected));
+    } catch (const SearchStopped& stopped) {
+      EXPECT_TRUE(told.isStopped());
+      EXPECT_LE(stopped.progress().leastFound.value(), told.lightest());
+    }
+    EXPECT_TRUE(*expected || told.count() == 0);
+    if (*expected) told.expectNoneBelow(**expected);
+    run.count("told", told.count() > 0);
+    run.count("told again", told.count() > 1);
+    run.count("told as selections", asSelections && told.count() > 0);
+    run.count("stopped", told.isStopped());
+  });
+  run.expectPercentages(
+      {{"told", 10}, {"told again", 2}, {"told as selections", 1}, {"stopped", 2}});
 }
 
 TEST(Limits, WhatProgressThrowsReachesTheCaller) {

@@ -277,6 +277,8 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
       // brings in.
       {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
       {"A1..2 Z1", "A1", "A2 Z1", ~std::size_t{0}},
+      // One that might come in at once by a dear hop, and hops only after it has come in.
+      {"A1 A2 A3:N[1,3) A9:N1 A1>2 A2>3 A1>9! A9>3 N1:M1 N2 N1>2 M1", "A1", "A3 N2 M1", 3},
       // Requirements: both move at once, as each wants the other; B waits for A; C is not there.
       {"A1:&B1 A2:&B2 A1>2 B1:&A1 B2:&A2 B1>2 C1..2", "A1 B1 C1", "A2 B2 C2", 1},
       {"A1..3 B1:&A[1,3) B2:&A[2,4) B1>2 C1..2", "A1 B1 C1", "A3 B2 C2", 2},

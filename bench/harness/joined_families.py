@@ -126,5 +126,17 @@ def join(questions: Iterable[FamilyQuestion], most: int) -> FamilyQuestion:
     return joined
 
 
+def heads_of(catalogue: Json, question: FamilyQuestion) -> FamilyQuestion:
+    """The same, naming only metamodels that no other one needs."""
+    needed = {
+        need["name"] for entry in catalogue["metamodels"] for need in entry["dependencies"]
+    }
+
+    def unneeded(selection: dict[str, str]) -> dict[str, str]:
+        return {name: version for name, version in selection.items() if name not in needed}
+
+    return FamilyQuestion(unneeded(question.start), unneeded(question.goal))
+
+
 def with_question(catalogue: Json, question: FamilyQuestion) -> Json:
     return {**catalogue, "question": {"from": question.start, "to": question.goal}}

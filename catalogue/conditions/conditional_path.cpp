@@ -30,6 +30,7 @@ class ConditionalSearch {
         conditions_(conditions),
         limits_(limits),
         repository_(content, conditions) {
+    limits_.betterPath = {};  // it would be told answers to parts of the question
     for (const VersionBaseline& source : content.combine(from)) addSource(source);
   }
 
@@ -98,7 +99,7 @@ class ConditionalSearch {
 
   BrowsableRepository& content_;
   const PathConditions conditions_;
-  const SearchLimits limits_;
+  SearchLimits limits_;
   ConditionalRepository repository_;
   std::vector<VersionBaseline> sources_;
   std::vector<VersionBaseline> targets_;

@@ -39,7 +39,9 @@ class Inquiry {
   using TimePoint = std::chrono::steady_clock::time_point;
 
   Inquiry(BrowsableRepository& content, const pathfinder::SearchLimits& limits)
-      : content_(content), repository_(content), limits_(limits) {}
+      : content_(content), repository_(content), limits_(limits) {
+    limits_.betterPath = {};  // it would be told answers to parts of the question
+  }
 
   BrowsableRepository& content() { return content_; }
   LinkableRepository& repository() { return repository_; }

@@ -192,7 +192,13 @@ std::string weightText(std::uint64_t weight) {
 }
 
 std::string summarise(const PathPicture& picture) {
-  return countedText(picture.steps.size(), "step") + ", weight " + weightText(picture.weight);
+  const std::string text =
+      countedText(picture.steps.size(), "step") + ", weight " + weightText(picture.weight);
+  if (!picture.leastProven) return text;
+  if (*picture.leastProven >= picture.weight) {
+    return text + "; no path weighs less, but another one of this weight may come first";
+  }
+  return text + ", not proven least: no path weighs less than " + weightText(*picture.leastProven);
 }
 
 std::string describe(const PathPicture& picture, const PathPicture::Move& move) {

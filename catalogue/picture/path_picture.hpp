@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,9 @@ struct TARN_EVOLUTION_CATALOGUE_EXPORT PathPicture {
   std::vector<Lane> lanes;  ///< by ascending name
   std::vector<Step> steps;
   std::uint64_t weight = 0;  ///< of all steps
+
+  /// Of a path that is not proven to be the one asked for: none weighs less than this.
+  std::optional<std::uint64_t> leastProven = std::nullopt;
 };
 
 /// What a step weighs, such as `weightsOf` a repository.
@@ -141,7 +145,7 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<std::vector<PathCell>> layOutCells(
 /// "27"; "78 expensive, 411" for what weighs as much as 78 expensive hops and 411 more.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string weightText(std::uint64_t weight);
 
-/// "9 steps, weight 27".
+/// "9 steps, weight 27"; with what is open of a path that is not proven.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string summarise(const PathPicture& picture);
 
 /// "kuadrant-operator from 0.4.0 to 0.4.1, expensive: loses its settings": a move in words, with

@@ -99,6 +99,8 @@ void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& questio
 void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
   writeAnswerHead(printer, true, plan.question);
   printer.field("weight", std::uint64_t{plan.picture.weight});
+  if (plan.picture.leastProven)
+    printer.field("leastProven", std::uint64_t{*plan.picture.leastProven});
   printer.key("start");
   writeMembers(printer, plan.start);
   printer.key("end");

@@ -42,7 +42,8 @@ inline constexpr std::uint64_t planForm = 1;
 ///                           "needs": {"name", "range"}, "refused"}],
 ///                 "bundles": [[name]]}]}
 ///
-/// MEMBERS are {name: version}. For ties see `StepTie`, for bundles `bundlesOf`; a range is as in a
+/// "leastProven" follows the weight of a path that is not proven (see `PathPicture`). MEMBERS are
+/// {name: version}. For ties see `StepTie`, for bundles `bundlesOf`; a range is as in a
 /// catalogue, and "refused" null where the companion enters; "notes" is left out where there are
 /// none. Fields may come to be added without a new form.
 TARN_EVOLUTION_CATALOGUE_EXPORT void writePlanJson(const PathPlan& plan, std::ostream& out);

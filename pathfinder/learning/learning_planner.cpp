@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <utility>
 
 #include "pathfinder/learning/core_guided_minimum.hpp"
@@ -12,6 +13,7 @@
 #include "pathfinder/learning/step_weights.hpp"
 #include "pathfinder/learning/timeline.hpp"
 #include "pathfinder/learning/variant_links.hpp"
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/search/step_weight.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -37,11 +39,11 @@ std::uint32_t fewestLayers(const PlanNetwork& network) {
 
 /// Everything that a network is planned with.
 struct NetworkPlanning {
-  explicit NetworkPlanning(PlanNetwork&& made)
+  NetworkPlanning(PlanNetwork&& made, std::function<void()> notePlan)
       : network(std::move(made)),
         plans(network),
         timeline(network, plans.formula, plans.sat),
-        leastWeight(plans, timeline, fewestLayers(network)) {}
+        leastWeight(plans, timeline, fewestLayers(network), std::move(notePlan)) {}
 
   const PlanNetwork network;
   PlanSolver plans;
@@ -67,10 +69,12 @@ class Planner final : public LearningPlanner {
   bool begin() {
     auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_});
     if (!network) return false;
-    work_.emplace(*std::move(network));
+    work_.emplace(*std::move(network), [this] { notePlan(); });
     forbidAll(*work_);
     return true;
   }
+
+  void tellPlans(PlanMet met) override { met_ = std::move(met); }
 
   std::optional<BackwardPlan> plan() override {
     while (true) {
@@ -119,13 +123,53 @@ class Planner final : public LearningPlanner {
   }
 
  private:
+  static constexpr std::uint64_t noWeight = std::numeric_limits<std::uint64_t>::max();
   static constexpr std::uint32_t mostLaps = 6;     // that a network is made for
   static constexpr std::size_t mostCopies = 1000;  // of what is forbidden
 
   std::vector<WeightShare> findShares() {
     const PlanNetwork& network = work_->network;
     if (!network.canBegin() || network.targets.empty()) return {};
+    // Minimization meets its first plan when the fewest expensive hops are proven.
+    if (met_ && lightestCarriedOut_ == noWeight) work_->leastWeight.meetPlans();
     return work_->leastWeight.find();
+  }
+
+  /// Notes the plan that the check has accepted last.
+  void notePlan() {
+    const OrderCheck& check = work_->plans.check;
+    const std::uint64_t weight =
+        check.expensiveHops() * expensiveHopWeight + check.ordinaryHops() + check.ordinarySteps();
+    if (met_ && weight < lightestCarriedOut_) {
+      const auto plan = planAtHand();
+      if (plan && met_(*plan)) lightestCarriedOut_ = weight;
+    }
+    if (SearchWatch* watch = SearchWatch::current()) watch->noteFound(weight);
+  }
+
+  /// That plan; no value if it comes back to a selection, for what is between can be left out.
+  std::optional<BackwardPlan> planAtHand() const {
+    const PlanNetwork& network = work_->network;
+    const OrderCheck& check = work_->plans.check;
+    PlannedWay way;
+    for (NameIndex name = 0; name < network.names.size(); ++name) {
+      way.start.push_back(check.nodesOf(name).front());
+    }
+    std::vector<std::uint64_t> weights;
+    for (const std::vector<ArcIndex>& arcs : check.steps()) {
+      auto& step = way.steps.emplace_back(network.names.size(), SearchSpace::none);
+      std::uint64_t hops = 0;
+      for (const ArcIndex arc : arcs) {
+        step[network.nodes[network.arcs[arc].to].name] = arc;
+        const PlannedHop hop = network.arcs[arc].hop;
+        if (hop != PlannedHop::None) hops += hopWeight(hop == PlannedHop::Expensive);
+      }
+      weights.push_back(stepWeight(hops));
+    }
+    std::reverse(weights.begin(), weights.end());
+    const std::vector<VersionSelection> held = selectionsOf(way);
+    if (std::set(held.begin(), held.end()).size() < held.size()) return std::nullopt;
+    return backwardPlan(way, weights);
   }
 
   /// Lets names go back as often as ways might that are as light as the best ones found. False when
@@ -167,7 +211,7 @@ class Planner final : public LearningPlanner {
   /// What plans weigh at least in which one of these names goes back more often than it may.
   std::uint64_t leastWeightBeyond(const std::vector<NameIndex>& names) const {
     auto network = makePlanNetwork(ground_, targets_, links_, start_, {laps_, true});
-    NetworkPlanning beyond(*std::move(network));
+    NetworkPlanning beyond(*std::move(network), [] {});  // what it meets are no plans
     forbidAll(beyond);
     if (!beyond.network.canBegin() || beyond.network.targets.empty()) return Unrolling::noWay;
     std::vector<Literal> isAnyHeld;
@@ -283,22 +327,30 @@ class Planner final : public LearningPlanner {
 
   BackwardPlan backwardPlan(const PlannedWay& way,
                             const std::vector<std::uint64_t>& weights) const {
+    std::vector<std::vector<PlannedHop>> hops;
+    for (const std::vector<ArcIndex>& step : way.steps) {
+      std::vector<PlannedHop>& made = hops.emplace_back(step.size(), PlannedHop::None);
+      for (NameIndex name = 0; name < step.size(); ++name) {
+        if (step[name] != SearchSpace::none) made[name] = work_->network.arcs[step[name]].hop;
+      }
+    }
+    return BackwardPlan::ofOneWay(ground_.space.sources.size(), selectionsOf(way), hops, weights);
+  }
+
+  /// What is held on the way.
+  std::vector<VersionSelection> selectionsOf(const PlannedWay& way) const {
     const PlanNetwork& network = work_->network;
     std::vector<VersionSelection> selections(1);
     for (const NodeIndex node : way.start) selections[0].push_back(network.nodes[node].version);
-    std::vector<std::vector<PlannedHop>> hops;
     for (const std::vector<ArcIndex>& step : way.steps) {
       VersionSelection after = selections.back();
-      std::vector<PlannedHop>& made = hops.emplace_back(after.size(), PlannedHop::None);
       for (NameIndex name = 0; name < step.size(); ++name) {
         if (step[name] == SearchSpace::none) continue;
-        const PlanNetwork::Arc& arc = network.arcs[step[name]];
-        after[name] = network.nodes[arc.to].version;
-        made[name] = arc.hop;
+        after[name] = network.nodes[network.arcs[step[name]].to].version;
       }
       selections.push_back(std::move(after));
     }
-    return BackwardPlan::ofOneWay(ground_.space.sources.size(), selections, hops, weights);
+    return selections;
   }
 
   const PlanningGround ground_;
@@ -310,6 +362,9 @@ class Planner final : public LearningPlanner {
   std::optional<NetworkPlanning> work_;
   std::vector<std::vector<VersionIndex>> forbiddenTogether_;
   std::vector<std::vector<VersionIndex>> forbiddenAtEnd_;
+
+  PlanMet met_;
+  std::uint64_t lightestCarriedOut_ = noWeight;  // of the plans it was told
 };
 
 }  // namespace

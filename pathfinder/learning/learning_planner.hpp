@@ -8,6 +8,7 @@
 
 #include "pathfinder/learning/link_choices.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
+#include "pathfinder/planning/second_planner.hpp"
 #include "pathfinder/planning/step_problem.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -34,6 +35,10 @@ class LearningPlanner {
   LearningPlanner(const LearningPlanner&) = delete;
   LearningPlanner& operator=(const LearningPlanner&) = delete;
   virtual ~LearningPlanner() = default;
+
+  /// From now on, each plan that is met on the way and weighs less than those that could be carried
+  /// out is told; nothing if `met` is empty.
+  virtual void tellPlans(PlanMet met) = 0;
 
   /// The plan that comes first among those that are not forbidden, and none beside it; no value
   /// when there is none. Throws SearchStopped when a limit of the search is reached, and Undecided.

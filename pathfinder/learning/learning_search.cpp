@@ -19,6 +19,7 @@ class LearningSearch {
       : question_(question), space_(space), planner_(planner) {}
 
   std::optional<SearchAnswer> run() {
+    planner_.tellPlans(pathTeller(question_, space_));
     while (const auto plan = planner_.plan()) {
       SearchAnswer answer = executePlan(question_, space_, *plan);
       if (answer.verdict == SearchAnswer::Verdict::Found) return answer;
@@ -80,9 +81,10 @@ std::unique_ptr<LearningPlanner> beginOn(const PlanningGround& ground) {
 
 class LearningEngine final : public SecondPlanner {
  public:
-  Answer plan(const PlanningGround& ground) const override {
+  Answer plan(const PlanningGround& ground, const PlanMet& met) const override {
     const auto planner = beginOn(ground);
     if (!planner) return {};
+    planner->tellPlans(met);
     try {
       return {true, planner->plan()};
     } catch (const LearningPlanner::Undecided&) {

@@ -21,6 +21,12 @@ namespace tarn::evolution::pathfinder {
 
 using Outcome = CoreGuidedMinimum::Outcome;
 
+namespace {
+
+constexpr int conflictsToMeetPlan = 1000;
+
+}  // namespace
+
 std::vector<WeightShare> LeastWeight::find() {
   best_ = std::numeric_limits<std::uint64_t>::max();
   if (!findFewestExpensiveHops()) return {};
@@ -28,40 +34,83 @@ std::vector<WeightShare> LeastWeight::find() {
   return findLayers();
 }
 
-bool LeastWeight::findFewestExpensiveHops() {
-  const auto& nodes = plans_.network.nodes;
-  if (!fewestExpensive_) {
-    fewestExpensive_.emplace(plans_.sat);
-    leastExpensive_ = setCosts(
-        *fewestExpensive_,
-        [&](const PlanNetwork::Arc& arc) {
-          return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
-                 nodes[arc.from].expensiveLeft;
-        },
-        [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
-  }
-  const auto outcome = fewestExpensive_->minimize({}, [this] { return plans_.check.accept(); });
-  if (outcome != Outcome::Found) return false;
-  expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
-  isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
-  best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
-  noteBounds(0);
-  return true;
+void LeastWeight::meetPlans() {
+  if (!plans_.findPlan({})) return;
+  notePlan_();
+  setExpensiveCosts();
+  std::vector<Literal> kept;
+  meetPlansWith(fewestExpensive_->stillWanted(), kept);
+  CoreGuidedMinimum ordinary(plans_.sat);
+  setOrdinaryCosts(ordinary);
+  if (plans_.findPlan(kept)) meetPlansWith(ordinary.stillWanted(), kept);
 }
 
-void LeastWeight::findFewestOrdinaryHops() {
+/// From the plan at hand on, keeps true what is, and tries to have one more wanted literal true.
+void LeastWeight::meetPlansWith(const std::vector<Literal>& wanted, std::vector<Literal>& kept) {
+  std::vector<Literal> open = wanted;
+  const auto keepTrue = [&] {
+    std::erase_if(open, [&](Literal literal) {
+      if (!plans_.sat.isTrue(literal)) return false;
+      kept.push_back(literal);
+      return true;
+    });
+  };
+  keepTrue();
+  while (!open.empty()) {
+    kept.push_back(open.back());
+    open.pop_back();
+    bool isFound = false;
+    while (!isFound && plans_.sat.satisfies(kept, conflictsToMeetPlan)) isFound = accept();
+    if (isFound) {
+      keepTrue();
+    } else {
+      kept.pop_back();
+    }
+  }
+}
+
+void LeastWeight::setExpensiveCosts() {
+  if (fewestExpensive_) return;
   const auto& nodes = plans_.network.nodes;
-  fewestOrdinary_.emplace(plans_.sat);
-  leastOrdinary_ = setCosts(
-      *fewestOrdinary_,
+  fewestExpensive_.emplace(plans_.sat);
+  leastExpensive_ = setCosts(
+      *fewestExpensive_,
+      [&](const PlanNetwork::Arc& arc) {
+        return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
+               nodes[arc.from].expensiveLeft;
+      },
+      [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
+}
+
+/// Returns what is paid in any case.
+std::uint64_t LeastWeight::setOrdinaryCosts(CoreGuidedMinimum& minimum) {
+  const auto& nodes = plans_.network.nodes;
+  return setCosts(
+      minimum,
       [&](const PlanNetwork::Arc& arc) {
         return (arc.hop == PlannedHop::Ordinary ? 1 : 0) + nodes[arc.to].ordinaryLeft -
                nodes[arc.from].ordinaryLeft;
       },
       [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
+}
+
+bool LeastWeight::findFewestExpensiveHops() {
+  setExpensiveCosts();
+  const auto outcome = fewestExpensive_->minimize({}, [this] { return accept(); });
+  if (outcome != Outcome::Found) return false;
+  expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
+  isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
+  best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
+  noteProven(0);
+  return true;
+}
+
+void LeastWeight::findFewestOrdinaryHops() {
+  fewestOrdinary_.emplace(plans_.sat);
+  leastOrdinary_ = setOrdinaryCosts(*fewestOrdinary_);
   fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
-  noteBounds(ordinaryHops_ + fewestLayers_);
+  noteProven(ordinaryHops_ + fewestLayers_);
 }
 
 std::vector<WeightShare> LeastWeight::findLayers() {
@@ -78,7 +127,7 @@ std::vector<WeightShare> LeastWeight::findLayers() {
   std::erase_if(shares, [this](const WeightShare& share) {
     return share.ordinaryHops + share.layers != best_;
   });
-  noteBounds(best_);
+  noteProven(best_);
   return shares;
 }
 
@@ -141,22 +190,25 @@ std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, const Left&
   return sum;
 }
 
+bool LeastWeight::accept() {
+  if (!plans_.check.accept()) return false;
+  notePlan_();
+  return true;
+}
+
 /// Takes the weight of every plan that is met for an upper bound.
 CoreGuidedMinimum::AcceptModel LeastWeight::acceptNoting() {
   return [this] {
-    if (!plans_.check.accept()) return false;
+    if (!accept()) return false;
     best_ = std::min(best_, plans_.check.ordinaryHops() + plans_.check.ordinarySteps());
     return true;
   };
 }
 
-void LeastWeight::noteBounds(std::uint64_t leastOrdinaryWeight) const {
+void LeastWeight::noteProven(std::uint64_t leastOrdinaryWeight) const {
   SearchWatch* watch = SearchWatch::current();
-  if (watch == nullptr) return;
-  const std::uint64_t expensive = expensiveHops_ * expensiveHopWeight;
-  // Ways of more laps may be lighter.
-  if (!plans_.network.isCut) watch->noteProven(expensive + leastOrdinaryWeight);
-  watch->noteFound(expensive + best_);
+  if (watch == nullptr || plans_.network.isCut) return;  // ways of more laps may be lighter
+  watch->noteProven(expensiveHops_ * expensiveHopWeight + leastOrdinaryWeight);
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "pathfinder/learning/core_guided_minimum.hpp"
@@ -22,16 +24,28 @@ struct WeightShare {
 /// Finds the least weight of all plans, and proves it.
 class LeastWeight {
  public:
-  /// `fewestLayers`: no plan has fewer steps with an ordinary hop.
-  LeastWeight(PlanSolver& plans, Timeline& timeline, std::uint32_t fewestLayers)
-      : plans_(plans), timeline_(timeline), fewestLayers_(fewestLayers) {}
+  /// `fewestLayers`: no plan has fewer steps with an ordinary hop. `notePlan` is called with each
+  /// plan that is met, which is the one that the check of `plans` has accepted last.
+  LeastWeight(PlanSolver& plans, Timeline& timeline, std::uint32_t fewestLayers,
+              std::function<void()> notePlan)
+      : plans_(plans),
+        timeline_(timeline),
+        fewestLayers_(fewestLayers),
+        notePlan_(std::move(notePlan)) {}
 
   /// Every share of the least weight; none when there is no plan. Asked again after plans were
   /// excluded, goes on from what was proven.
   std::vector<WeightShare> find();
 
+  /// Meets plans before anything is proven: any, then ones with fewer and fewer expensive hops, and
+  /// with fewer ordinary ones, as far as short searches find them.
+  void meetPlans();
+
  private:
+  void meetPlansWith(const std::vector<Literal>& wanted, std::vector<Literal>& kept);
   bool findFewestExpensiveHops();
+  void setExpensiveCosts();
+  std::uint64_t setOrdinaryCosts(CoreGuidedMinimum& minimum);
   void findFewestOrdinaryHops();
   std::vector<WeightShare> findLayers();
   std::optional<WeightShare> shareWith(std::uint32_t layers);
@@ -39,12 +53,14 @@ class LeastWeight {
   std::uint64_t setCosts(CoreGuidedMinimum& minimum, const Extra& extra, const Left& left);
   template <class Left>
   std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, const Left& left);
+  bool accept();
   CoreGuidedMinimum::AcceptModel acceptNoting();
-  void noteBounds(std::uint64_t leastOrdinaryWeight) const;
+  void noteProven(std::uint64_t leastOrdinaryWeight) const;
 
   PlanSolver& plans_;
   Timeline& timeline_;
   const std::uint32_t fewestLayers_;
+  const std::function<void()> notePlan_;
 
   std::optional<CoreGuidedMinimum> fewestExpensive_;  // kept: what it has proven stays true
   std::uint64_t leastExpensive_ = 0;                  // that each way takes in any case

@@ -1,10 +1,11 @@
 // Strongly connected components of the graph of events (Tarjan's algorithm, with a stack of its
 // own). A strict edge inside a component lies on a circle; for each of them the circle with the
-// fewest orders is found by a breadth-first search over orders (0-1 BFS) and forbidden by a clause:
-// not all of these orders, of nodes that are held. Where the circle enters a node and leaves the
-// one before by one hop, that hop is named too, since another hop would make an edge of it. So a
-// clause holds in every plan, however long. A part of the circle that goes on from where a node is
-// entered needs no hop to be named: the node before on the circle is the same or an earlier one.
+// fewest orders is found by a breadth-first search over orders (0-1 BFS) and, unless it is far
+// longer than others, forbidden by a clause: not all of these orders, of nodes that are held. Where
+// the circle enters a node and leaves the one before by one hop, that hop is named too, since
+// another hop would make an edge of it. So a clause holds in every plan, however long. A part of
+// the circle that goes on from where a node is entered needs no hop to be named: the node before on
+// the circle is the same or an earlier one.
 //
 // Without circles, the layers of a plan are the longest chains of components, each counting one if
 // it has an ordinary hop.
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <deque>
 #include <limits>
+#include <map>
 
 namespace tarn::evolution::pathfinder {
 
@@ -131,19 +133,24 @@ void OrderCheck::findComponents() {
   }
 }
 
-/// Whether there were any.
+/// Whether there were any. Forbids those that are not much longer than the shortest one: a long one
+/// makes a weak clause, and mostly is none any more when the shorter ones are forbidden.
 bool OrderCheck::forbidCircles() {
-  bool anyFound = false;
+  std::vector<Circle> circles;
+  std::size_t shortest = std::numeric_limits<std::size_t>::max();
   for (EventIndex event = 0; event < events_.size(); ++event) {
     if (events_[event].isLast || componentOf_[event] != componentOf_[event + 1]) continue;
-    forbidCircleThrough(event);
-    anyFound = true;
+    circles.push_back(circleThrough(event));
+    shortest = std::min(shortest, circles.back().size());
   }
-  return anyFound;
+  for (const Circle& circle : circles) {
+    if (circle.size() <= 3 * shortest + 8) addClause(circle);
+  }
+  return !circles.empty();
 }
 
-/// Forbids the circle with the fewest orders from the event after this one back to it.
-void OrderCheck::forbidCircleThrough(EventIndex event) {
+/// The circle with the fewest orders from the event after this one back to it.
+OrderCheck::Circle OrderCheck::circleThrough(EventIndex event) const {
   struct Arrival {
     std::uint32_t orders = none;
     EventIndex before = none;
@@ -170,15 +177,15 @@ void OrderCheck::forbidCircleThrough(EventIndex event) {
       reach(from, edges_[i].to, &edges_[i]);
     }
   }
-  std::vector<const Edge*> circle;
+  Circle circle;
   for (EventIndex on = event; on != event + 1; on = arrivals[on].before) {
     if (arrivals[on].edge != nullptr) circle.push_back(arrivals[on].edge);
   }
   std::reverse(circle.begin(), circle.end());
-  addClause(circle);
+  return circle;
 }
 
-void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
+void OrderCheck::addClause(const Circle& circle) {
   std::vector<Literal> clause;
   for (std::size_t i = 0; i < circle.size(); ++i) {
     const Edge& edge = *circle[i];
@@ -197,11 +204,17 @@ void OrderCheck::addClause(const std::vector<const Edge*>& circle) {
   ++circles_;
 }
 
+/// Each layer is a step, and each component between two layers.
 std::vector<std::vector<ArcIndex>> OrderCheck::steps() const {
-  std::vector<std::vector<ArcIndex>> result(components_);
+  std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<ArcIndex>> steps;
   for (EventIndex event = 0; event < events_.size(); ++event) {
-    result[components_ - 1 - componentOf_[event]].push_back(events_[event].arc);
+    const std::uint32_t phase = phaseOf_[componentOf_[event]];
+    const bool isLayer = phase % 2 == 1;
+    const std::uint32_t place = isLayer ? 0 : components_ - componentOf_[event];
+    steps[{phase, place}].push_back(events_[event].arc);
   }
+  std::vector<std::vector<ArcIndex>> result;
+  for (auto& [place, arcs] : steps) result.push_back(std::move(arcs));
   return result;
 }
 
@@ -214,9 +227,11 @@ void OrderCheck::countSteps() {
     const PlannedHop hop = network_.arcs[events_[event].arc].hop;
     if (hop == PlannedHop::Ordinary) own[componentOf_[event]] = 1;
   }
+  phaseOf_.resize(components_);
   ordinarySteps_ = 0;
   for (std::uint32_t component = components_; component-- > 0;) {  // what comes first, first
     const std::uint32_t layer = before[component] + own[component];
+    phaseOf_[component] = 2 * layer - own[component];
     ordinarySteps_ = std::max(ordinarySteps_, layer);
     for (const EventIndex event : members[component]) {
       if (!events_[event].isLast) {

@@ -33,7 +33,8 @@ class OrderCheck {
   std::uint64_t ordinaryHops() const { return ordinaryHops_; }
   std::uint64_t expensiveHops() const { return expensiveHops_; }
 
-  /// One way to make the plan: the arcs of each step.
+  /// One way to make the plan, with no more steps with an ordinary hop than it takes: the arcs of
+  /// each step.
   std::vector<std::vector<ArcIndex>> steps() const;
 
   /// How many steps with an ordinary hop it takes to keep all orders.
@@ -65,12 +66,15 @@ class OrderCheck {
     bool isLeft;  // whether `from` is left by it
   };
 
+  /// Edges in a ring; between them, each name makes its next hops.
+  using Circle = std::vector<const Edge*>;
+
   void readWays();
   void findEdges();
   void findComponents();
   bool forbidCircles();
-  void forbidCircleThrough(EventIndex event);
-  void addClause(const std::vector<const Edge*>& circle);
+  Circle circleThrough(EventIndex event) const;
+  void addClause(const Circle& circle);
   void countSteps();
 
   const PlanNetwork& network_;
@@ -84,6 +88,7 @@ class OrderCheck {
   std::vector<std::size_t> edgesOf_;        // by event, and the end
   std::vector<std::uint32_t> componentOf_;  // ascending against the edges
   std::uint32_t components_ = 0;
+  std::vector<std::uint32_t> phaseOf_;  // by component: 2k - 1 in the k-th layer, 2k after it
   std::uint64_t ordinaryHops_ = 0;
   std::uint64_t expensiveHops_ = 0;
   std::uint32_t ordinarySteps_ = 0;

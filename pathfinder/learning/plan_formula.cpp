@@ -8,7 +8,8 @@
 //            what it ends at is never left.
 //   links    an arc by which links bring a name in -> some node that needs the name is entered, no
 //            later than the name; "absent" is incompatible with such nodes, so it is no earlier
-//            either. A start that nothing selects -> one of the starts that need it
+//            either. Where the arc is not used, nothing needs that literal to be true. A start that
+//            nothing selects -> one of the starts that need it
 //   circles  of two names: v left before w is entered, so all that comes before v is left before
 //            all that comes after w is entered
 //
@@ -140,7 +141,6 @@ void PlanFormula::addBringingIn(ArcIndex arc) {
   std::vector<Literal> clause{-isUsed_[arc]};
   for (const NodeIndex needing : network_.nodes[entered].needing) {
     const Literal isBecause = solver_.newVariable();
-    solver_.addClause({-isBecause, isUsed_[arc]});
     solver_.addClause({-isBecause, isHeld_[needing]});
     solver_.addClause({-isBecause, -startsAt_[needing]});
     broughtInWith_[needing].push_back({entered, isBecause});

@@ -25,6 +25,10 @@ class SatSolver::Backend : public CaDiCaL::Terminator {
  public:
   Backend() {
     solver_.set("quiet", 1);
+    // Hundreds of questions are asked about formulas of a hundred thousand variables: what helps a
+    // single hard one does not pay for itself.
+    solver_.set("chrono", 0);  // chronological backtracking
+    solver_.set("lucky", 0);   // assignments that might satisfy all by luck
     if (watch_ != nullptr) solver_.connect_terminator(this);
     if (const auto seed = RandomChoices::seed()) {
       random_.emplace(*seed);
@@ -140,8 +144,16 @@ bool SatSolver::solveWith(std::span<const Literal> clause, std::span<const Liter
 }
 
 bool SatSolver::refutes(std::span<const Literal> assumptions, int conflicts) {
+  return askBriefly(assumptions, conflicts) == unsatisfiable;
+}
+
+bool SatSolver::satisfies(std::span<const Literal> assumptions, int conflicts) {
+  return askBriefly(assumptions, conflicts) == satisfiable;
+}
+
+int SatSolver::askBriefly(std::span<const Literal> assumptions, int conflicts) {
   backend_->use([&](auto& solver) { solver.limit("conflicts", conflicts); });
-  return ask(assumptions) == unsatisfiable;
+  return ask(assumptions);
 }
 
 int SatSolver::ask(std::span<const Literal> assumptions) {

@@ -38,8 +38,9 @@ class SatSolver {
   /// The same with a clause that holds for this question only.
   bool solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions);
 
-  /// Whether a search with so many conflicts shows that they cannot.
+  /// Whether a search with so many conflicts shows that they cannot; or that they can.
   bool refutes(std::span<const Literal> assumptions, int conflicts);
+  bool satisfies(std::span<const Literal> assumptions, int conflicts);
 
   /// After a question that was answered with yes, until clauses are added: the value in the model
   /// that was found.
@@ -55,6 +56,7 @@ class SatSolver {
   class Backend;
 
   int ask(std::span<const Literal> assumptions);
+  int askBriefly(std::span<const Literal> assumptions, int conflicts);
   void watch() const;
 
   std::unique_ptr<Backend> backend_;

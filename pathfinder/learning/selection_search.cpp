@@ -139,6 +139,7 @@ class SelectionSearch {
     const auto learner = planner_.learnerTo(dependencies_.target);
     if (!learner) return {false};
     linking_.requireNoMoreLinks();
+    learner->tellPlans(pathTeller());
     while (const auto plan = learner->plan()) {
       if (auto path = carryOut(*plan, impossible)) return {true, std::move(path)};
       // The application has linked more than dependencies say, which no best assumption knows.
@@ -151,6 +152,20 @@ class SelectionSearch {
   }
 
  private:
+  /// As for a search between baselines.
+  PlanMet pathTeller() {
+    SearchWatch* const watch = SearchWatch::current();
+    if (watch == nullptr || !watch->wantsPaths()) return {};
+    return [this, watch](const BackwardPlan& plan) {
+      return watch->tellPath([&]() -> std::optional<std::vector<BaselineHop>> {
+        SelectionView impossible;
+        auto path = linking_.carryOut(plan, impossible);
+        if (!path) return std::nullopt;
+        return std::move(path->steps);
+      });
+    };
+  }
+
   std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {
     if (atBest_ != nullptr) atBest_->throwWhatCountsFor(plan, *dependencies_.space);
     auto path = linking_.carryOut(plan, impossible);

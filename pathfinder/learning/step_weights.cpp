@@ -49,7 +49,9 @@ std::uint64_t StepWeights::decideNextStep() {
   } else {
     plans_.sat.addClause({-decided_, -hasOrdinary});
   }
-  MostTrue most(plans_, {decided_, isNext});
+  std::vector<Literal> hops = expensive;
+  hops.insert(hops.end(), ordinary.begin(), ordinary.end());
+  MostTrue most(plans_, {decided_, isNext}, std::move(hops));
   const std::uint64_t expensiveHops =
       left_.expensiveHops == 0 ? 0 : most.decide(expensive, decided_);
   const std::uint64_t ordinaryHops = left_.ordinaryHops == 0 ? 0 : most.decide(ordinary, decided_);

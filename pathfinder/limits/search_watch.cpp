@@ -43,13 +43,13 @@ void SearchWatch::enter(SearchProgress::Stage stage) {
 }
 
 void SearchWatch::noteProven(std::uint64_t weight) {
-  if (weight <= progress_.leastProven) return;
+  if (isAside_ || weight <= progress_.leastProven) return;
   progress_.leastProven = weight;
   tell();
 }
 
 void SearchWatch::noteFound(std::uint64_t weight) {
-  if (progress_.leastFound && *progress_.leastFound <= weight) return;
+  if (isAside_ || (progress_.leastFound && *progress_.leastFound <= weight)) return;
   progress_.leastFound = weight;
   tell();
 }

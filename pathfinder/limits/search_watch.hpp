@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <optional>
+#include <vector>
 
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -41,6 +44,47 @@ class SearchWatch {
   void noteProven(std::uint64_t weight);
   void noteFound(std::uint64_t weight);
 
+  /// Whether the host wants to be told of paths.
+  bool wantsPaths() const { return limits_.betterPath && !isAside_; }
+
+  /// Tells the host the path that `makePath` returns. False if it has none to return, which is so
+  /// where the application fails on the way: a path over that is not known.
+  template <class MakePath>
+  bool tellPath(const MakePath& makePath) {
+    std::optional<std::vector<BaselineHop>> path;
+    try {
+      path = makePath();
+    } catch (const SearchStopped&) {
+      throw;
+    } catch (const LinkingBudget::Spent&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (...) {
+      return false;
+    }
+    if (path) limits_.betterPath(*path);
+    return path.has_value();
+  }
+
+  /// While it lives, this thread searches for something else on the way, whose bounds and paths are
+  /// none of the host's question.
+  class Aside {
+   public:
+    Aside() : watch_(current()), wasAside_(watch_ != nullptr && watch_->isAside_) {
+      if (watch_ != nullptr) watch_->isAside_ = true;
+    }
+    Aside(const Aside&) = delete;
+    Aside& operator=(const Aside&) = delete;
+    ~Aside() {
+      if (watch_ != nullptr) watch_->isAside_ = wasAside_;
+    }
+
+   private:
+    SearchWatch* const watch_;
+    const bool wasAside_;
+  };
+
   /// How much memory the search has taken.
   void noteMemory(std::size_t bytes) noexcept { memory_ = bytes; }
 
@@ -52,6 +96,7 @@ class SearchWatch {
   SearchWatch* const outer_;
   SearchProgress progress_;
   std::size_t memory_ = 0;
+  bool isAside_ = false;
   std::uint32_t untilNextLook_ = 0;
   std::optional<SearchStopped::Reason> reason_;
 };

@@ -125,7 +125,7 @@ class GoalDirectedSearch {
                                        ? PlanningBudget{.isSpaceComplete = isComplete}
                                        : budgetFor(*ground.space, isComplete));
     } catch (const PlanningBudget::Spent&) {
-      SecondPlanner::Answer answer = second_->plan(view);
+      SecondPlanner::Answer answer = second_->plan(view, pathTeller(question_, *ground.space));
       if (!answer.isPlanned) return planAllBackward(view, {.isSpaceComplete = isComplete});
       Plans plans;
       offer(plans, std::move(answer.plan));
@@ -135,7 +135,7 @@ class GoalDirectedSearch {
 
   /// About the nodes that are looked at in the time in which the second planner begins.
   static PlanningBudget budgetFor(const SearchSpace& space, bool isComplete) {
-    return {5000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
+    return {1000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
   }
 
   /// The first path in the order of sources and steps that some plan leads to.
@@ -188,6 +188,7 @@ class GoalDirectedSearch {
   }
 
   SearchAnswer answerWithoutPlan() {
+    const SearchWatch::Aside aside;
     const auto reach = [this](const SearchQuestion& question) {
       return GoalDirectedSearch(question, second_).reach();
     };
@@ -200,6 +201,7 @@ class GoalDirectedSearch {
   /// better one, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
     if (!survey_.anyFailed()) return;
+    const SearchWatch::Aside aside;
     const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
     const Plans best = planIn(ground);
     if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;

@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
 #include "pathfinder/planning/step_digits.hpp"
 #include "pathfinder/planning/variant_filter.hpp"
@@ -335,6 +336,18 @@ class PlanExecution {
 SearchAnswer executePlan(const SearchQuestion& question, const SearchSpace& space,
                          const BackwardPlan& plan) {
   return PlanExecution(question, space, plan).run();
+}
+
+PlanMet pathTeller(const SearchQuestion& question, const SearchSpace& space) {
+  SearchWatch* const watch = SearchWatch::current();
+  if (watch == nullptr || !watch->wantsPaths()) return {};
+  return [watch, &question, &space](const BackwardPlan& plan) {
+    return watch->tellPath([&]() -> std::optional<std::vector<BaselineHop>> {
+      SearchAnswer answer = executePlan(question, space, plan);
+      if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
+      return std::move(answer.steps);
+    });
+  };
 }
 
 }  // namespace tarn::evolution::pathfinder

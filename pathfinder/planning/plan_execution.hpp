@@ -2,6 +2,7 @@
 
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/planning/search_space.hpp"
+#include "pathfinder/planning/second_planner.hpp"
 #include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -11,5 +12,9 @@ namespace tarn::evolution::pathfinder {
 /// of the plans can be carried out.
 SearchAnswer executePlan(const SearchQuestion& question, const SearchSpace& space,
                          const BackwardPlan& plan);
+
+/// Carries plans out that are met on the way, and tells the host of the paths; empty if the host
+/// does not want that (see `SearchLimits::betterPath`). Refers to question and space.
+PlanMet pathTeller(const SearchQuestion& question, const SearchSpace& space);
 
 }  // namespace tarn::evolution::pathfinder

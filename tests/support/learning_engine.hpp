@@ -47,7 +47,7 @@ inline std::optional<LearntAnswer> answerByLearning(const SearchQuestion& questi
   const auto space = survey.makeSpace();
   const Compatibility compatibility(*space);
   const AllVersionBounds bounds = computeVersionBounds(*space, compatibility);
-  const auto [isPlanned, plan] = learningPlanner()->plan({*space, compatibility, bounds});
+  const auto [isPlanned, plan] = learningPlanner()->plan({*space, compatibility, bounds}, {});
   if (!isPlanned) return std::nullopt;
   constexpr auto unsettled = SearchAnswer::Verdict::Unsettled;
   const bool metConflict = plan && executePlan(question, *space, *plan).verdict == unsettled;

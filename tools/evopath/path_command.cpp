@@ -44,6 +44,7 @@ struct PathOptions : QuestionOptions {
   LimitOptions limits;
   bool isExplained = true;
   bool trace = false;
+  bool isBestKnownWanted = false;
 };
 
 /// The path finder's logger, and all levels that it writes on.
@@ -69,16 +70,27 @@ void traceToStandardError() {
 struct SearchResult {
   std::optional<std::vector<BaselineHop>> path = std::nullopt;
   bool hasStumbled = false;  ///< over a version that cannot be linked; then there may be a path
+
+  /// What ended the search, if the path is only the best known by then.
+  std::optional<SearchStopped> stopped = std::nullopt;
 };
 
 SearchResult search(const PathOptions& options, BrowsableRepository& repository,
                     const Question& question, const SearchLimits& limits) {
   const auto line = options.trace ? SearchMonitor::Line::Never : SearchMonitor::Line::OnTerminal;
+  std::optional<std::vector<BaselineHop>> best;
+  SearchLimits wanted = limits;
+  if (options.isBestKnownWanted) {
+    wanted.betterPath = [&best](const std::vector<BaselineHop>& path) { best = path; };
+  }
   try {
     return {.path = searchAttended(
-                limits, SearchMonitor::Task::Search, line, [&](const SearchLimits& attended) {
+                wanted, SearchMonitor::Task::Search, line, [&](const SearchLimits& attended) {
                   return repository.findPath(question.from, question.to, attended);
                 })};
+  } catch (const SearchStopped& stopped) {
+    if (!best) throw;
+    return {.path = std::move(best), .stopped = stopped};
   } catch (const ConflictingDependencies&) {
     return {.hasStumbled = true};
   }
@@ -147,15 +159,20 @@ VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions
   return sources.empty() ? VersionBaseline{} : sources.front();
 }
 
+/// `leastProven`: of a path that is not proven least.
 std::string render(const std::vector<BaselineHop>& path, const PathOptions& options,
-                   BrowsableRepository& repository, const Question& question) {
+                   BrowsableRepository& repository, const Question& question,
+                   std::optional<std::uint64_t> leastProven = std::nullopt) {
   if (options.form.format == PathFormat::Json) {
     std::ostringstream text;
-    writePlanJson(makePlan(repository, repository, question, path), text);
+    PathPlan plan = makePlan(repository, repository, question, path);
+    plan.picture.leastProven = leastProven;
+    writePlanJson(plan, text);
     return text.str();
   }
   auto picture =
       drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);
+  picture.leastProven = leastProven;
   addTies(repository, path, picture);
   addNotes(repository, picture);
   return renderPath(picture, options.form, options.output.colouring());
@@ -163,7 +180,12 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
 
 ExitStatus answer(const PathOptions& options, BrowsableRepository& repository,
                   const Question& question, const SearchLimits& limits) {
-  const auto [path, hasStumbled] = search(options, repository, question, limits);
+  const auto [path, hasStumbled, stopped] = search(options, repository, question, limits);
+  if (stopped) {
+    options.output.write(
+        render(*path, options, repository, question, stopped->progress().leastProven));
+    throw *stopped;
+  }
   if (path) {
     options.output.write(render(*path, options, repository, question));
     return ExitStatus::Found;
@@ -219,6 +241,9 @@ ExitStatus runConditional(const PathOptions& options, BrowsableRepository& repos
                           const Question& asked, const ConditionalQuestion& question,
                           const SearchLimits& limits) {
   const std::size_t count = options.conditions.alternatives;
+  if (options.isBestKnownWanted) {
+    throw std::invalid_argument("--best-known: not for a path under conditions");
+  }
   if (count > 1 && options.form.isPicture()) {
     throw std::invalid_argument("--alternatives: only as text or JSON");
   }
@@ -265,6 +290,10 @@ void addPathCommand(CLI::App& program, Action& action) {
   options->output.addTo(*path);
   path->add_flag("--trace", options->trace, "Show the path finder's reasoning on standard error");
   options->limits.addTo(*path);
+  path->add_flag(
+      "--best-known", options->isBestKnownWanted,
+      "When a limit or Ctrl-C ends the search, write the best path known by then, marked "
+      "as not proven least");
   path->add_flag_callback(
       "--no-explain", [options] { options->isExplained = false; },
       "Only say that there is no path, without explaining why");
