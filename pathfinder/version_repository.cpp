@@ -81,6 +81,7 @@ const ResolvedRequirements& VersionRepository::requirementsOf(const Metamodel& m
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from, const std::vector<VersionBaseline>& to,
     Direction direction) {
+  const SearchWatch::Search search;
   RepositoryAccess access(*this);
   return answerPathQuestion(access, caches_->pathCache, from, to, pathfinder::Direction(direction));
 }
@@ -95,6 +96,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
   if (from == to) return std::vector<BaselineHop>();
+  const SearchWatch::Search search;
   RepositoryAccess access(*this);
   return answerSelectionQuestion(access, caches_->pathCache, from, to);
 }
@@ -102,6 +104,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::vector<VersionBaseline>& from,
     const std::unordered_map<std::u16string, VersionId>& to) {
+  const SearchWatch::Search search;
   RepositoryAccess access(*this);
   SelectionCombination combination(access, to.size());
   std::vector<VersionBaseline> targets = combination.combine(to);

@@ -207,6 +207,17 @@ TEST(Limits, PathsToldOnTheWayCanBeGoneAndWeighMoreThanTheAnswer) {
       {{"told", 10}, {"told again", 2}, {"told as selections", 1}, {"stopped", 2}});
 }
 
+TEST(Limits, ASearchInsideAnotherOneIsNotThatOnesProgress) {
+  TestRepository inner("A1..40");
+  TestRepository outer("B1..3");
+  outer.onCall = [&](const std::string&) { inner.findPath(selection("A1"), selection("A40")); };
+  std::uint64_t proven = 0;
+  const SearchLimits limits{
+      .progress = [&](const SearchProgress& progress) { proven = progress.leastProven; }};
+  EXPECT_EQ(outer.findPath(selection("B1"), selection("B3"), limits).value().size(), 2U);
+  EXPECT_LE(proven, 4U);
+}
+
 TEST(Limits, WhatProgressThrowsReachesTheCaller) {
   TestRepository repository(tightCatalogue);
   const SearchLimits limits{.progress = [](const SearchProgress&) { throw CallbackFailure(); }};

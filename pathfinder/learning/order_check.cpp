@@ -214,6 +214,7 @@ std::vector<std::vector<ArcIndex>> OrderCheck::steps() const {
     steps[{phase, place}].push_back(events_[event].arc);
   }
   std::vector<std::vector<ArcIndex>> result;
+  result.reserve(steps.size());
   for (auto& [place, arcs] : steps) result.push_back(std::move(arcs));
   return result;
 }

@@ -39,7 +39,7 @@ void SearchWatch::stop() const {
 
 void SearchWatch::enter(SearchProgress::Stage stage) {
   check();
-  if (std::exchange(progress_.stage, stage) != stage) tell();
+  if (!isAside_ && std::exchange(progress_.stage, stage) != stage) tell();
 }
 
 void SearchWatch::noteProven(std::uint64_t weight) {

@@ -85,6 +85,26 @@ class SearchWatch {
     const bool wasAside_;
   };
 
+  /// A search of this thread, as long as it lives: the host's or, if that one runs already and the
+  /// application asks something on its own account, one aside.
+  class Search {
+   public:
+    Search() : watch_(current()) {
+      if (watch_ == nullptr) return;
+      if (watch_->isSearching_) aside_.emplace();
+      watch_->isSearching_ = true;
+    }
+    Search(const Search&) = delete;
+    Search& operator=(const Search&) = delete;
+    ~Search() {
+      if (watch_ != nullptr && !aside_) watch_->isSearching_ = false;
+    }
+
+   private:
+    SearchWatch* const watch_;
+    std::optional<Aside> aside_;
+  };
+
   /// How much memory the search has taken.
   void noteMemory(std::size_t bytes) noexcept { memory_ = bytes; }
 
@@ -97,6 +117,7 @@ class SearchWatch {
   SearchProgress progress_;
   std::size_t memory_ = 0;
   bool isAside_ = false;
+  bool isSearching_ = false;
   std::uint32_t untilNextLook_ = 0;
   std::optional<SearchStopped::Reason> reason_;
 };

@@ -184,7 +184,7 @@ ExitStatus answer(const PathOptions& options, BrowsableRepository& repository,
   if (stopped) {
     options.output.write(
         render(*path, options, repository, question, stopped->progress().leastProven));
-    throw *stopped;
+    throw SearchStopped(*stopped);
   }
   if (path) {
     options.output.write(render(*path, options, repository, question));
