@@ -111,6 +111,7 @@ TEST(Check, FindsWhatIsWrongWithTheWhole) {
        "unmet-version /metamodels/0, dependency-cycle " + unread + ", unmet-version /metamodels/1"},
       {"A1:B1 B1:A1+%C2 C1..2 D1:A1+C1 E1:A1+C2",
        "dependency-cycle " + unread + ", unmet-version /metamodels/4"},
+      {"A1..3 B1..2 B3:A3 B2>3 C1:%A1+%A2+B[1,9)", ""},  // with an older B there is no A
       {"A1:C1 A2:B1 B1:C2 C1 C2 D1:A[1,9)+B1 A1>2 C1>2", ""},
       {"A1:C1 B1:C2 C1..2 D1:A1+B1 D2:A[1,9)+B[1,9) D3 E1:D[1,3) F1:E1 D1>2 D2>3",
        "unlinkable-version /metamodels/4, blocked-version /metamodels/4, "

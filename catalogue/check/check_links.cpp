@@ -15,7 +15,7 @@ std::string described(const DraftIndex& index, const LinkRequirement& requiremen
   if (chain.empty()) return index.describe(requirement.candidates.begin) + " is asked for";
   const DependencyRow& dependency = index.row(chain.back()).dependencies[requirement.row];
   return chained(described(index, chain)) + " needs " + quotedName(*dependency.name) + " " +
-         rangeText(*dependency.range);
+         rangeText(*dependency.range) + (dependency.isOptional ? " if it is there" : "");
 }
 
 /// Versions by the version that keeps them from linking.

@@ -110,6 +110,7 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
     noteClash(other, requirement);
     blame(other.holder);
     blame(requirement.holder);
+    blameCause(known);
     return false;
   }
   const bool isNew = known.left.empty();
@@ -122,9 +123,9 @@ bool LinkSolver::meet(const LinkRequirement& requirement) {
 
 /// The same for what only counts if the name is required, now or later.
 bool LinkSolver::meetIfRequired(const LinkRequirement& requirement) {
-  if (!domain(requirement.name).left.empty()) return meet(requirement);
-  changedDomain(requirement.name).optional.push_back(requirement);
-  return true;
+  Domain& changed = changedDomain(requirement.name);
+  changed.optional.push_back(requirement);
+  return changed.left.empty() || meet(requirement);
 }
 
 /// Leaves of a name what meets the requirement, which is something.
@@ -294,6 +295,7 @@ void LinkSolver::blame(Slot holder) {
     if (taken.level == nothing) {
       open.push_back(taken.lower.holder);
       open.push_back(taken.upper.holder);
+      if (!taken.optional.empty()) open.push_back(taken.cause);
     } else {
       const auto at = std::lower_bound(conflict_.begin(), conflict_.end(), taken.level);
       if (at == conflict_.end() || *at != taken.level) conflict_.insert(at, taken.level);
@@ -305,6 +307,13 @@ void LinkSolver::blameAll(const Domain& domain) {
   blame(domain.lower.holder);
   blame(domain.upper.holder);
   for (const LinkRequirement& requirement : domain.unions) blame(requirement.holder);
+  blameCause(domain);
+}
+
+/// Optional requirements may bound a domain, but do not require the name: then what does is to
+/// blame as well.
+void LinkSolver::blameCause(const Domain& domain) {
+  if (!domain.optional.empty()) blame(domain.cause);
 }
 
 bool LinkSolver::isAdmitted(NameNumber name, Slot slot) {

@@ -113,6 +113,7 @@ class LinkSolver {
   std::vector<Slot> chainTo(Slot holder);
   void blame(Slot holder);
   void blameAll(const Domain& domain);
+  void blameCause(const Domain& domain);
   bool isAdmitted(NameNumber name, Slot slot);
 
   const DraftIndex& index_;

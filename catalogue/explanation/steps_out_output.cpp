@@ -70,6 +70,7 @@ void StepStreamWriter::write(const pathfinder::BaselineHop& step) {
 void StepStreamWriter::finish(const StepsOut& found) {
   if (form_ != StepForm::Text) return;
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   if (baselines_.empty()) text << noBaseline;
   writeLeftOutText(found, text);
   write_(std::move(text).str());
@@ -78,6 +79,7 @@ void StepStreamWriter::finish(const StepsOut& found) {
 std::string StepStreamWriter::textOf(const StepListing& listing) {
   const StepListing::Group& group = listing.groups.front();
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);
   StepTextWriter(group.picture, colouring_, out)
       .write("Step " + std::to_string(steps_) + ", " + nameOfDirection(group.direction) +
                  ", weight " + std::to_string(group.picture.steps.front().weight),
@@ -87,6 +89,7 @@ std::string StepStreamWriter::textOf(const StepListing& listing) {
 
 std::string StepStreamWriter::lineOf(const StepListing& listing) {
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);
   JsonPrinter printer(out, JsonPrinter::Layout::Line);
   printer.object([&] {
     printer.key("baseline");

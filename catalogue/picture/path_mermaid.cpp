@@ -71,6 +71,7 @@ void warnOfLimits(const PathGraph& graph, std::size_t size, std::ostream& out) {
 void writePathMermaid(const PathPicture& picture, std::ostream& out) {
   const PathGraph graph(picture);
   std::ostringstream chart;
+  chart.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   const PlainNumbers plain(chart);
   writeChart(graph, chart);
   warnOfLimits(graph, chart.str().size(), out);
