@@ -46,13 +46,6 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
                                                            Direction direction,
                                                            std::vector<KnownMetamodel> known = {});
 
-/// As many linked metamodels, beyond one of each version, are made for a question between
-/// selections of so many names before it is looked whether it can be answered without making them
-/// all.
-constexpr std::size_t linkingBudgetFor(std::size_t names) {
-  return 5000 + 10 * names;
-}
-
 /// `VersionRepository::findPath` between two selections, which differ.
 std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
                                                                 PathCache& cache,

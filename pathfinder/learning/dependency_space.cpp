@@ -16,6 +16,7 @@
 #include <set>
 #include <utility>
 
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -490,13 +491,32 @@ class DependencySurvey {
   std::vector<PeerRequirement> required_;
 };
 
+namespace {
+
+/// Links what is selected, as far as that is easy: of a selection that stands for no baseline, it
+/// throws the conflict of a version that cannot be linked at all.
+void linkEach(SelectionHost& host, const VersionsByName& selection) {
+  try {
+    const LinkingBudget budget(linkingBudgetFor(selection.size()));
+    for (const auto& [name, version] : selection) {
+      const auto metamodel = host.getMetamodel(name, version);
+      if (metamodel) host.getLinkedMetamodels(*metamodel);
+    }
+  } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+  }
+}
+
+}  // namespace
+
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
                                  const VersionsByName& to, DependencyFailures& failures)
     : source_(host, from) {
   const auto source = source_.firstBaseline();
+  if (!source) linkEach(host, from);
   if (!source) return;
   target_.emplace(host, to);
   DependencySurvey(host, failures, *this).run(*source);
+  if (!hasEnds_) linkEach(host, to);
 }
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,

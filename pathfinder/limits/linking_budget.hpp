@@ -37,4 +37,11 @@ class LinkingBudget {
   LinkingBudget* const outer_;
 };
 
+/// As many linked metamodels, beyond one of each version, are made for a question between
+/// selections of so many names before it is looked whether it can be answered without making them
+/// all.
+constexpr std::size_t linkingBudgetFor(std::size_t names) {
+  return 5000 + 10 * names;
+}
+
 }  // namespace tarn::evolution::pathfinder
