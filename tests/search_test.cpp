@@ -219,6 +219,35 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
   }
 }
 
+TEST(Engines, WhereOnlyWhatCannotBeLinkedWouldLeadIsAConflictBetweenSelectionsToo) {
+  const std::pair<const char*, bool> cases[] = {
+      {"A1 A2:C1+B2 A3 A1>2 A2>3 B1 B2:C2 C1..2 | A1 | A3", true},
+      {"A1 A2:C1+B2 A3 A1>2 A2>3 A1>3! B1 B2:C2 C1..2 | A1 | A3", false},
+      {"A1 A2:C9 A3 A1>2 A2>3 | A1 | A3", true},
+      {"A1 A2 A3:D1 A1>2 A2>3 D1:E1 E2 | A1 | A3", true},
+      {"A1..3 B1:A1 B2:A3 B1>2 | A1 B1 | A3 B2", false},  // it can be linked, but not held
+  };
+  for (const auto& [text, isConflict] : cases) {
+    SCOPED_TRACE(text);
+    const QuestionText question(text);
+    for (const auto planning : {SelectionPlanning::BackwardFirst, SelectionPlanning::ByLearning}) {
+      TestRepository repository(question.catalogue);
+      const auto search = [&] {
+        searchBetweenSelections(accessTo(repository), selection(question.from),
+                                selection(question.to), planning);
+      };
+      if (isConflict) {
+        EXPECT_THROW(search(), Conflict);
+        EXPECT_THROW(TestRepository(question.catalogue)
+                         .findPath(selection(question.from), selection(question.to)),
+                     Conflict);
+      } else {
+        EXPECT_NO_THROW(search());
+      }
+    }
+  }
+}
+
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {
   const struct {
     const char* catalogue;

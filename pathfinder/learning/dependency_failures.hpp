@@ -31,8 +31,12 @@ class DependencyFailures {
     if (hasFailed) return false;
     std::exception_ptr exception = failureOf(action);
     if (!exception) return true;
-    all_.push_back({version, what, std::move(exception)});
+    add(version, what, std::move(exception));
     return false;
+  }
+
+  void add(const Metamodel& version, Attempt what, std::exception_ptr exception) {
+    all_.push_back({version, what, std::move(exception)});
   }
 
   bool any() const { return !all_.empty(); }

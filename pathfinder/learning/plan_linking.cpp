@@ -4,9 +4,9 @@
 #include "pathfinder/learning/plan_linking.hpp"
 
 #include <algorithm>
-#include <array>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/learning/held_selections.hpp"
 #include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
@@ -108,36 +108,14 @@ std::optional<VersionBaseline> PlanLinking::combined() const {
 
 void PlanLinking::requireNoMoreLinks() {
   if (!mayBringIn_) return;
-  SatSolver solver;
-  std::vector<Literal> isHeld;
-  for (const SearchSpace::Name& name : space_.names) {
-    for (VersionIndex i = name.first; i < name.end; ++i) isHeld.push_back(solver.newVariable());
-    solver.addAtMostOne({isHeld.begin() + name.first, isHeld.begin() + name.end});
-  }
-  for (const Compatibility::Requirement& requirement : dependencies_.requirements) {
-    std::vector<Literal> clause{-isHeld[requirement.version]};
-    for (const VersionIndex version : requirement.admitted) clause.push_back(isHeld[version]);
-    solver.addClause(clause);
-  }
+  HeldSelections selections(dependencies_);
   for (VersionIndex version = 0; version < space_.versions.size(); ++version) {
     if (space_.isAbsent(version)) continue;
-    while (!known_.contains(version) && solver.solve(std::array{isHeld[version]})) {
-      const VersionIndex failed = linkEach(selectionIn(solver, isHeld));
-      if (failed != SearchSpace::none) solver.addClause({-isHeld[failed]});
+    while (!known_.contains(version) && selections.canHold(version)) {
+      const VersionIndex failed = linkEach(selections.selection());
+      if (failed != SearchSpace::none) selections.forbid(failed);
     }
   }
-}
-
-VersionSelection PlanLinking::selectionIn(const SatSolver& solver,
-                                          const std::vector<Literal>& isHeld) const {
-  VersionSelection selection;
-  for (const SearchSpace::Name& name : space_.names) {
-    VersionIndex held = name.first;
-    while (held < name.end && !solver.isTrue(isHeld[held])) ++held;
-    const bool isNone = held == name.end || space_.isAbsent(held);
-    selection.push_back(isNone ? SearchSpace::none : held);
-  }
-  return selection;
 }
 
 /// The version with which the application fails, if it does: whatever plan holds it will say so.

@@ -9,7 +9,6 @@
 
 #include "pathfinder/hop.hpp"
 #include "pathfinder/learning/dependency_space.hpp"
-#include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/planning/backward_plan.hpp"
 #include "pathfinder/version_baseline.hpp"
@@ -50,7 +49,6 @@ class PlanLinking {
                      SelectionView after) const;
   std::optional<VersionBaseline> hold(SelectionView selection);
   std::optional<VersionBaseline> combined() const;
-  VersionSelection selectionIn(const SatSolver& solver, const std::vector<Literal>& isHeld) const;
   VersionIndex linkEach(SelectionView selection);
   void linkAll(SelectionView selection, NameIndex root);
   std::shared_ptr<LinkedMetamodel> link(SelectionView selection, NameIndex name);

@@ -7,9 +7,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "messages/report_exception.hpp"
 #include "messages/trace.hpp"
+#include "pathfinder/learning/held_selections.hpp"
 #include "pathfinder/learning/learning_planner.hpp"
 #include "pathfinder/learning/plan_linking.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/first_way.hpp"
 #include "pathfinder/planning/plan_search.hpp"
@@ -20,6 +23,9 @@ namespace tarn::evolution::pathfinder {
 using diagnostics::traceValue;
 
 namespace {
+
+using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
+                                                     std::exception, void>;
 
 /// Plans over a dependency space.
 class SelectionPlanner {
@@ -146,8 +152,6 @@ class SelectionSearch {
       if (atBest_ != nullptr) return {false};
       learner->forbidTogether(impossible);
     }
-    if (atBest_ != nullptr) atBest_->throwWhatIsWithinReach();
-    traceValue("Exhausted search");
     return {};
   }
 
@@ -191,6 +195,54 @@ class SelectionSearch {
   const AtBest* const atBest_;
 };
 
+/// What linking a version throws that cannot be linked; null when it can, or that takes too much.
+std::exception_ptr conflictOf(SelectionHost& host, const Metamodel& metamodel) {
+  std::exception_ptr conflict;
+  try {
+    const LinkingBudget budget(linkingBudgetFor(1));
+    // Whatever else fails here was not met on the way.
+    failureOf([&] {
+      try {
+        const SelectionClosure alone(host, {{metamodel.name, metamodel.version}});
+        if (!alone.firstBaseline()) host.getLinkedMetamodels(metamodel);
+      } catch (const Conflict&) {
+        conflict = std::current_exception();
+      }
+    });
+  } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+  }
+  return conflict;
+}
+
+/// Notes versions that cannot be linked.
+void noteUnlinkable(SelectionHost& host, const DependencySpace& dependencies,
+                    DependencyFailures& failures) {
+  const SearchSpace& space = *dependencies.space;
+  HeldSelections selections(dependencies);
+  for (VersionIndex version = 0; version < space.versions.size(); ++version) {
+    checkpoint();
+    if (space.isAbsent(version) || selections.canHold(version)) continue;
+    const Metamodel& metamodel = *space.versions[version].descriptor;
+    if (std::exception_ptr conflict = conflictOf(host, metamodel)) {
+      failures.add(metamodel, DependencyFailures::Attempt::Needs, std::move(conflict));
+    }
+  }
+}
+
+/// Where there is no path: throws what a search that tries everything meets on the way to one.
+void throwWhatIsWithinReach(SelectionHost& host, const VersionsByName& from,
+                            const VersionsByName& to, const DependencySpace& dependencies,
+                            DependencyFailures& failures) {
+  noteUnlinkable(host, dependencies, failures);
+  if (!failures.any()) return;
+  failures.assumeBest();
+  try {
+    AtBest(host, from, to, failures).throwWhatIsWithinReach();
+  } catch (const NotForDependencies&) {          // NOLINT(bugprone-empty-catch)
+  } catch (const LearningPlanner::Undecided&) {  // NOLINT(bugprone-empty-catch)
+  }
+}
+
 }  // namespace
 
 SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
@@ -205,7 +257,11 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
       failures.assumeBest();
       atBest.emplace(host, from, to, failures);
     }
-    return SelectionSearch(host, dependencies, atBest ? &*atBest : nullptr).run(planning);
+    auto answer = SelectionSearch(host, dependencies, atBest ? &*atBest : nullptr).run(planning);
+    if (!answer.isSettled || answer.path) return answer;
+    throwWhatIsWithinReach(host, from, to, dependencies, failures);
+    traceValue("Exhausted search");
+    return answer;
   } catch (const NotForDependencies&) {
     return {false};
   } catch (const NotLinkable&) {
