@@ -21,12 +21,6 @@
 
 namespace tarn::evolution::pathfinder {
 
-namespace {
-
-constexpr std::uint64_t unreached = SurveyedVersion::unreached;
-
-}  // namespace
-
 SpaceSurvey::SpaceSurvey(const SearchQuestion& question)
     : state_(question), exploration_(state_), ends_(state_, exploration_), distances_(state_) {}
 
@@ -137,7 +131,7 @@ bool SpaceSurvey::enterLink(const LinkedMetamodel& linked) {
 void SpaceSurvey::goAsFarAsTargetsNeed() {
   for (bool isExtended = true; std::exchange(isExtended, false) && !state_.isUnfit;) {
     for (auto& [text, name] : state_.names) {
-      if (exploration_.frontier(name) == unreached) continue;
+      if (exploration_.frontier(name) == SurveyedVersion::unreached) continue;
       for (std::size_t target = 0; target < state_.targets.size(); ++target) {
         if (!state_.targets[target].isPossible || distances_.distanceFor(name, target)) continue;
         isExtended |= exploration_.goTo(name, exploration_.frontier(name));
@@ -157,7 +151,7 @@ bool SpaceSurvey::goAllTo(std::uint64_t radius) {
 
 bool SpaceSurvey::isOver() const {
   return std::all_of(state_.names.begin(), state_.names.end(), [this](const auto& entry) {
-    return exploration_.frontier(entry.second) == unreached;
+    return exploration_.frontier(entry.second) == SurveyedVersion::unreached;
   });
 }
 
@@ -167,7 +161,7 @@ bool SpaceSurvey::extendToCover(std::uint64_t total) {
   const std::uint64_t slack = total > least ? total - least : 0;
   const std::size_t before = exploration_.findings();
   for (auto& [text, name] : state_.names) {
-    if (exploration_.frontier(name) != unreached)
+    if (exploration_.frontier(name) != SurveyedVersion::unreached)
       exploration_.goTo(name, distances_.radiusFor(name, slack));
   }
   survey();
@@ -178,9 +172,9 @@ bool SpaceSurvey::extend() {
   if (isOver()) return false;
   // A search that tried everything would by then have gone that far with each name alone.
   const std::uint64_t least = distances_.leastTotal();
-  const std::uint64_t near = least == unreached ? 1 : ordinaryPart(least) / 2 + 1;
+  const std::uint64_t near = least == SurveyedVersion::unreached ? 1 : ordinaryPart(least) / 2 + 1;
   for (; extensions_ < 3; ++extensions_) {
-    const std::uint64_t radii[] = {near, expensiveHopWeight - 1, unreached - 1};
+    const std::uint64_t radii[] = {near, expensiveHopWeight - 1, SurveyedVersion::unreached - 1};
     if (goAllTo(radii[extensions_])) return true;
   }
   return false;
@@ -191,7 +185,7 @@ void SpaceSurvey::surveyEverything() {
   ends_.takeAllUp();
   do {
     linkWhatIsOfUse();
-  } while (goAllTo(unreached - 1) && !state_.isUnfit);
+  } while (goAllTo(SurveyedVersion::unreached - 1) && !state_.isUnfit);
 }
 
 std::unique_ptr<const SearchSpace> SpaceSurvey::makeSpace(Failed failed) {

@@ -14,8 +14,6 @@ namespace tarn::evolution::pathfinder {
 
 namespace {
 
-constexpr std::uint64_t unreached = SurveyedVersion::unreached;
-
 bool isFarther(const std::pair<std::uint64_t, SurveyedVersion*>& left,
                const std::pair<std::uint64_t, SurveyedVersion*>& right) {
   return left.first > right.first;
@@ -79,7 +77,7 @@ void VersionExploration::explore(SurveyedName& name) {
 
 void VersionExploration::explore(SurveyedVersion& version) {
   SurveyedName& name = *version.name;
-  const std::uint64_t radius = leadsToTargets(version) ? unreached : name.radius;
+  const std::uint64_t radius = leadsToTargets(version) ? SurveyedVersion::unreached : name.radius;
   if (version.distance >= radius) name.beyond.push_back(&version);
   if (version.distance > radius) return;
   if (!std::exchange(version.isEntered, true)) {
@@ -92,7 +90,7 @@ void VersionExploration::explore(SurveyedVersion& version) {
 }
 
 std::uint64_t VersionExploration::frontier(const SurveyedName& name) const {
-  std::uint64_t least = unreached;
+  std::uint64_t least = SurveyedVersion::unreached;
   for (const SurveyedVersion* version : name.beyond) {
     const std::uint64_t next = version->isEntered ? hopWeight(false) : 0;
     least = std::min(least, version->distance + next);
