@@ -157,7 +157,7 @@ class Refutation {
           if (found->second.countLeft() == 0) return other;
         }
         if (variable.countLeft() == 0) return name;
-        if (const auto brought = bringIn(name, variable, state)) {
+        if (auto brought = bringIn(name, variable, state)) {
           if (state.at(*brought).versions.empty()) return brought;
           isChanged = true;
         }

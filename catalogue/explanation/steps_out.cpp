@@ -152,6 +152,7 @@ class MinimalStepSearch {
     for (const auto& [name, metamodel] : baseline_.metamodels) held.emplace(name, metamodel.get());
     for (const auto& [name, move] : choice) held[name] = &moves_.at(name)[move].target;
     std::vector<Candidates> candidates;
+    candidates.reserve(held.size());
     for (const auto& [name, metamodel] : held) {
       candidates.push_back({name, repository_.getLinkedMetamodels(*metamodel)});
     }
