@@ -311,7 +311,7 @@ void expectMinimal(const RandomCase& random, const std::vector<VersionBaseline>&
 }
 
 TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
-  RandomRun run(2000);
+  RandomRun run(400);
   run.ask(questionableCase, [&](const std::string& text, Random&) {
     RandomCase random{QuestionText(text)};
     CatalogueRepository& repository = *random.repository;
