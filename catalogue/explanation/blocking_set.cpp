@@ -31,8 +31,9 @@ VersionBaseline cutDown(const VersionBaseline& baseline, const Names& names) {
 }
 
 /// The question about some names only, as `NeverTogether` defines what leaving the others out
-/// means.
-PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
+/// means. Unless sources may be cut down to that they stay whole: what requires others cannot be
+/// asked about without them.
+PosedQuestion partOf(const PosedQuestion& question, const Names& names, bool mayCut) {
   PosedQuestion part{.inquiry = question.inquiry,
                      .graphs = question.graphs,
                      .direction = question.direction,
@@ -45,9 +46,7 @@ PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
     const bool holdsAll = std::all_of(part.goals.begin(), part.goals.end(), [&](const auto& goal) {
       return source.metamodels.contains(goal.first);
     });
-    // What requires others cannot be asked about without them.
-    const bool mayCut = holdsAll && !question.inquiry->content().hasRequirements();
-    VersionBaseline kept = mayCut ? cutDown(source, names) : source;
+    VersionBaseline kept = mayCut && holdsAll ? cutDown(source, names) : source;
     const bool isNew =
         std::find(part.sources.begin(), part.sources.end(), kept) == part.sources.end();
     if (isNew) part.sources.push_back(std::move(kept));
@@ -57,9 +56,12 @@ PosedQuestion partOf(const PosedQuestion& question, const Names& names) {
 
 class Minimisation {
  public:
-  explicit Minimisation(const PosedQuestion& question) : question_(question) {}
+  explicit Minimisation(const PosedQuestion& question)
+      : question_(question), mayCut_(!mayMeetRequirements(question)) {}
 
   bool isMinimal() const { return isMinimal_; }
+
+  PosedQuestion about(const Names& names) const { return partOf(question_, names, mayCut_); }
 
   Names run() {
     Names names;
@@ -79,7 +81,7 @@ class Minimisation {
   /// Whether the question about these names only has no path. Denied when it cannot be asked any
   /// more or stays open, so that names are kept then and what remains blocks for certain.
   bool isBlocked(const Names& names) {
-    const PosedQuestion part = partOf(question_, names);
+    const PosedQuestion part = about(names);
     if (part.goals.empty()) return false;
     if (question_.inquiry->isSpent()) {
       isMinimal_ = false;
@@ -112,6 +114,7 @@ class Minimisation {
   }
 
   const PosedQuestion& question_;
+  const bool mayCut_;
   bool isMinimal_ = true;
 };
 
@@ -171,7 +174,6 @@ class HopInspection {
         candidates.push_back(std::move(choice));
       }
       if (auto clash = findClash(candidates)) return clash;
-      if (!question_.inquiry->content().hasRequirements()) continue;
       if (auto clash = requirements_.find(given)) return clash;
     }
     return isWhole_ ? findMissing(edge) : std::nullopt;
@@ -197,11 +199,12 @@ class HopInspection {
 
   /// What the hop's target requires and nothing brings in.
   std::optional<Clash> findMissing(const HopGraph::Edge& edge) {
-    if (!question_.inquiry->content().hasRequirements()) return std::nullopt;
-    const Given given = versionsBeside(edge, AnyChain);
-    const Metamodel& target = given.at(edge.hop.name).front();
     LinkableRepository& repository = question_.inquiry->repository();
-    for (auto& [name, range, isOptional] : repository.getRequirements(target)) {
+    const Metamodel& target = question_.graphs->of(edge.hop.name).versions()[edge.to];
+    const auto requirements = repository.getRequirements(target);
+    if (requirements.empty()) return std::nullopt;
+    const Given given = versionsBeside(edge, AnyChain);
+    for (const auto& [name, range, isOptional] : requirements) {
       const auto mayBring = [&, &name = name](const Metamodel& metamodel) {
         const LinkedMetamodels* linked = repository.tryLink(metamodel);
         return linked != nullptr &&
@@ -271,7 +274,9 @@ class SmallestSet {
   /// Looks for clashes of the names with one another before those with others.
   void findWhereStuck() {
     const Names names(result_.names.begin(), result_.names.end());
-    PosedQuestion part = question_.canAskForNearest() ? question_ : partOf(question_, names);
+    PosedQuestion part = question_.canAskForNearest()
+                             ? question_
+                             : partOf(question_, names, !mayMeetRequirements(question_));
     part.goals = restrictTo(question_.goals, names);
     const auto stuckAt = findClosestBaseline(part);
     if (!stuckAt) return;
@@ -330,7 +335,7 @@ NeverTogether explainBlocking(const PosedQuestion& question) {
   NeverTogether result{.names = {names.begin(), names.end()},
                        .isMinimal = minimisation.isMinimal(),
                        .isSmallest = names.size() <= 1};
-  PosedQuestion part = partOf(question, names);
+  PosedQuestion part = minimisation.about(names);
   if (const auto stuckAt = findClosestBaseline(part)) {
     result.stuckAt = versionsOf(*stuckAt);
     result.blocked = HopInspection(part, *stuckAt, true).run();

@@ -27,16 +27,24 @@ class Reach {
   Reach(VersionRepository& repository, Direction direction, const std::set<std::u16string>& held)
       : repository_(repository), direction_(direction), held_(held) {}
 
-  void enter(const Metamodel& metamodel) {
-    if (addNew(metamodel.version, reached_[metamodel.name])) waiting_.push_back(metamodel);
+  void enter(const VersionBaseline& baseline) {
+    for (const auto& [name, linked] : baseline.metamodels) enter(*linked);
   }
 
-  void spread() {
+  /// Goes on until a version is found with which it shall end; whether there is one.
+  template <class IsEnd>
+  bool spreadTo(const IsEnd& isEnd) {
     for (; !waiting_.empty(); waiting_.pop_front()) {
       const Metamodel current = waiting_.front();
+      if (isEnd(current)) return true;
       followHops(current);
       followDependencies(current);
     }
+    return false;
+  }
+
+  void spread() {
+    spreadTo([](const Metamodel&) { return false; });
   }
 
   /// The versions of a metamodel that some dependency may bring in.
@@ -46,6 +54,10 @@ class Reach {
   }
 
  private:
+  void enter(const Metamodel& metamodel) {
+    if (addNew(metamodel.version, reached_[metamodel.name])) waiting_.push_back(metamodel);
+  }
+
   void followHops(const Metamodel& current) {
     std::vector<Hop> hops;
     repository_.findHops(current.name, current.version, hops);
@@ -107,13 +119,21 @@ void findStarts(PosedQuestion& question) {
   }
   if (question.newcomers.empty()) return;
   Reach reach(question.inquiry->repository(), question.direction, held);
-  for (const VersionBaseline& source : question.sources) {
-    for (const auto& [name, linked] : source.metamodels) reach.enter(*linked);
-  }
+  for (const VersionBaseline& source : question.sources) reach.enter(source);
   reach.spread();
   for (const std::u16string& name : question.newcomers) {
     for (const VersionId& version : reach.broughtIn(name)) addNew(version, question.starts[name]);
   }
+}
+
+bool mayMeetRequirements(const PosedQuestion& question) {
+  LinkableRepository& repository = question.inquiry->repository();
+  const std::set<std::u16string> held = heldByAll(question.sources);
+  Reach reach(repository, question.direction, held);
+  for (const VersionBaseline& source : question.sources) reach.enter(source);
+  return reach.spreadTo([&](const Metamodel& metamodel) {
+    return !repository.getRequirements(metamodel).empty();
+  });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -44,4 +44,8 @@ struct PosedQuestion {
 /// does.
 void findStarts(PosedQuestion& question);
 
+/// Whether a version has requirements that the sources hold, or that hops and dependencies lead to
+/// from these, each metamodel as if it could move alone.
+bool mayMeetRequirements(const PosedQuestion& question);
+
 }  // namespace tarn::evolution::catalogue
