@@ -173,7 +173,7 @@ class HopInspection {
         if (choice.linked.empty()) return std::nullopt;  // the hop's target cannot be linked
         candidates.push_back(std::move(choice));
       }
-      if (auto clash = findClash(candidates)) return clash;
+      if (auto clash = findClash(question_.inquiry->repository(), candidates)) return clash;
       if (auto clash = requirements_.find(given)) return clash;
     }
     return isWhole_ ? findMissing(edge) : std::nullopt;
@@ -316,7 +316,7 @@ class SmallestSet {
       candidates.push_back({name, *linked});
       given[name] = {*metamodel};
     }
-    if (auto clash = findClash(candidates)) return clash;
+    if (auto clash = findClash(question_.inquiry->repository(), candidates)) return clash;
     return RequirementClashes(repository, RequirementClashes::OfAllNeeds).find(given);
   }
 

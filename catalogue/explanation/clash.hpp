@@ -33,9 +33,10 @@ struct Clash {
   /// disagree only on several metamodels taken together.
   std::u16string contested;
 
-  /// What each party asks of the contested metamodel, or of those that they share: one for each of
-  /// the ways in which it can be linked, without repetition; by party. Where versions are at odds
-  /// that are not linked, the requirements that lead from the parties to it, one after the other.
+  /// What the parties ask of the contested metamodel, or else of several, in each of the ways in
+  /// which they can be linked: enough to exclude every version; by party, without repetition. Where
+  /// versions are at odds that are not linked, the requirements that lead from the parties to it,
+  /// one after the other.
   std::vector<Requirement> requirements;
 
   bool isMissing = false;  ///< the contested metamodel is not there, and nothing brings it in

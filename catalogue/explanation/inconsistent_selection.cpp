@@ -93,7 +93,7 @@ std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, Questio
       result.unlinkable.push_back(explainUnlinkable(inquiry, metamodel));
     }
   }
-  result.clash = findClash(candidates);
+  result.clash = findClash(inquiry.repository(), candidates);
   if (result.unlinkable.empty() && !selection.empty() &&
       (!result.clash || anyLinksOwnName(candidates))) {
     const std::unordered_map<std::u16string, Metamodel> all(selection.begin(), selection.end());

@@ -85,7 +85,7 @@ Unlinkable explainUnlinkable(Inquiry& inquiry, const Metamodel& metamodel) {
     }
     choices.push_back(std::move(choice));
   }
-  result.clash = findClash(choices);
+  result.clash = findClash(inquiry.repository(), choices);
   if (result.clash) prependOwner(owner, *result.clash);
   return result;
 }

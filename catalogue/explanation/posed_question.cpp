@@ -131,9 +131,8 @@ bool mayMeetRequirements(const PosedQuestion& question) {
   const std::set<std::u16string> held = heldByAll(question.sources);
   Reach reach(repository, question.direction, held);
   for (const VersionBaseline& source : question.sources) reach.enter(source);
-  return reach.spreadTo([&](const Metamodel& metamodel) {
-    return !repository.getRequirements(metamodel).empty();
-  });
+  return reach.spreadTo(
+      [&](const Metamodel& metamodel) { return !repository.getRequirements(metamodel).empty(); });
 }
 
 }  // namespace tarn::evolution::catalogue

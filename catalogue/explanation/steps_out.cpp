@@ -156,7 +156,7 @@ class MinimalStepSearch {
     for (const auto& [name, metamodel] : held) {
       candidates.push_back({name, repository_.getLinkedMetamodels(*metamodel)});
     }
-    if (const auto clash = findClash(candidates)) return clash->parties;
+    if (auto names = findClashingNames(candidates); !names.empty()) return names;
     if (const auto excluded = findExcluded(repository_, held)) return excluded->parties;
     // Something is missing, or what enters is at fault.
     std::vector<std::u16string> all;
