@@ -419,7 +419,7 @@ TEST(Explanation, OfFewQuestionsIsOfThisCatalogue) {
     RandomCase asked{QuestionText(text)};
     const std::size_t budget = random.below(24);
     const Explanation explanation = explain(*asked.repository, asked.question, budget);
-    EXPECT_LE(explanation.questions, budget + 8);
+    EXPECT_LE(explanation.questions, budget + 2);
     if (!explanation.nearest) return;
     const auto& [path, baseline] =
         std::tie(explanation.nearest->path, explanation.nearest->baseline);

@@ -266,7 +266,7 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_steps(
     int32_t direction, uint64_t most, tarn_evolution_steps** steps, char** message);
 
 /* Why there is no path, and how near one can get, or that there is one: as JSON or text, to be
- * released with `tarn_evolution_free`. Puts at most about `budget` questions about parts of the
+ * released with `tarn_evolution_free`. Puts at most `budget` questions about parts of the
  * question to the path finder (400 is usual); the limits are those of all of them together.
  *
  * The JSON is {"kind", ...}, where the kind is "path", "unknown", "inconsistent", "missing-chain",

@@ -124,6 +124,7 @@ class Explaining {
         std::none_of(missing.chains.begin(), missing.chains.end(),
                      [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
     if (mayBeDirection && posed.direction != Direction::Unknown) {
+      inquiry_.allow(1, deadline_);
       Answer answer = inquiry_.ask(posed.sources, targets, Direction::Unknown);
       if (answer.path) {
         AgainstDirection reason = reportAgainst(posed.direction, *std::move(answer.path));

@@ -181,10 +181,9 @@ inline constexpr std::size_t explanationBudget = 400;
 /// all names and versions up first, also where `findPath` would not because both sides are equal.
 ///
 /// Costs one question to the path finder, another one when the direction may be the reason, and
-/// then at most about `budget` more, each about a part of the same question: up to half of them
-/// find what blocks, the others the nearest baseline. Where the path finder itself can tell both,
-/// seven suffice. Where the budget is not enough, the parts concerned say so (`isMinimal`,
-/// `isProven`). Questions are not interrupted: a catalogue on which the path finder needs long
+/// then at most `budget` more, each about a part of the same question: up to half of them find what
+/// blocks, the others the nearest baseline. Where the path finder itself can tell both, seven
+/// suffice. Where the budget is not enough, the parts concerned say so (`isMinimal`, `isProven`). Questions are not interrupted: a catalogue on which the path finder needs long
 /// needs long here, too, unless there are limits.
 ///
 /// Links what it needs in a repository of its own, and so leaves the linked metamodels and the path

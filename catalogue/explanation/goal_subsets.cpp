@@ -141,7 +141,7 @@ class SubsetSearch {
   GoalSubsets grow() {
     Names reachable;
     for (const std::u16string& name : all_) {
-      if (question_.inquiry->isStopped()) break;
+      if (isSpent()) break;
       reachable.insert(name);
       if (!reach(reachable).path) reachable.erase(name);
     }

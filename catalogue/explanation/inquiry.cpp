@@ -44,6 +44,7 @@ std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,
 
 Answer Inquiry::ask(const std::vector<VersionBaseline>& from,
                     const std::vector<VersionBaseline>& to, Direction direction) {
+  if (isSpent()) return {.isOpen = true};
   try {
     return {.path = findPath(from, to, direction)};
   } catch (const SearchStopped& stopped) {

@@ -24,7 +24,9 @@ using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 /// What the path finder has said.
 struct Answer {
   std::optional<Path> path = std::nullopt;
-  bool isOpen = false;  ///< a limit was reached before it was known whether there is a path
+  /// It was not asked, for no more questions are allowed, or a limit was reached before it was known
+  /// whether there is a path.
+  bool isOpen = false;
 
   bool isAbsent() const { return !path && !isOpen; }
 };
@@ -56,7 +58,7 @@ class Inquiry {
                                const std::vector<pathfinder::VersionBaseline>& to,
                                Direction direction);
 
-  /// The same as an answer, which a limit leaves open.
+  /// The same as an answer, which a limit leaves open. Asks nothing once `isSpent`.
   Answer ask(const std::vector<pathfinder::VersionBaseline>& from,
              const std::vector<pathfinder::VersionBaseline>& to, Direction direction);
 
@@ -89,7 +91,8 @@ class Inquiry {
     limits_.deadline = deadline;
   }
 
-  /// Whether no more questions are allowed. It is for those who ask to stop then.
+  /// Whether no more questions are allowed: from the start, until `allow` is called, none but the
+  /// first.
   bool isSpent() { return isStopped() || questions_ >= allowed_; }
 
   /// Whether the time is up or a stop was requested. Every answer is open then.

@@ -171,7 +171,6 @@ class FewestHops {
       if (choice.options.size() == 1) continue;
       for (const Option& option : choice.options) {
         if (option.version == nullptr) break;
-        if (question_.inquiry->isSpent()) break;
         SelectedMetamodels extended = fixed;
         add(option, extended);
         Answer answer = question_.reach(extended);

@@ -21,10 +21,23 @@ class DependencyFailures {
     Needs,
   };
 
+  DependencyFailures() = default;
+
+  /// Keeps nothing: attempts throw what the application throws.
+  static DependencyFailures thrown() {
+    DependencyFailures failures;
+    failures.areThrown_ = true;
+    return failures;
+  }
+
   /// Runs an action that asks the application of a version; false when it fails, or has failed
   /// before: then it is not asked again.
   template <class Action>
   bool attempt(const Metamodel& version, Attempt what, const Action& action) {
+    if (areThrown_) {
+      action();
+      return true;
+    }
     const bool hasFailed = std::any_of(all_.begin(), all_.end(), [&](const Failure& failure) {
       return failure.attempt == what && failure.version == version;
     });
@@ -69,6 +82,7 @@ class DependencyFailures {
   };
 
   std::deque<Failure> all_;
+  bool areThrown_ = false;
   bool isBestAssumed_ = false;
 };
 

@@ -174,7 +174,8 @@ class DependencySurvey {
     name.versions[place].hasUnknownHops = !areKnown && failures_.isBestAssumed();
     if (!areKnown) return;
     for (auto& [hop, target, isOpposite] : offered) {
-      // The hop's own name may be another, and so may the answer's.
+      // What such a hop leads to is looked up under the name that it moves.
+      if (hop.name != text) throw NotForDependencies();
       if (target && target->name != text) throw NotForDependencies();
       // A fault of the application's, which a plain search reports.
       if (!target && result_.direction != Direction::Unknown) throw NotForDependencies();
@@ -194,8 +195,8 @@ class DependencySurvey {
     std::vector<Offered> result;
     for (Hop& hop : hops) {
       auto target = host_.getMetamodel(hop.name, hop.to);
-      const bool isCompared =
-          target && target->name == text && result_.direction != Direction::Unknown;
+      const bool isCompared = target && hop.name == text && target->name == text &&
+                              result_.direction != Direction::Unknown;
       const bool isOpposite =
           isCompared && areOpposite(result_.direction, host_.directionBetween(from, *target));
       result.push_back({std::move(hop), std::move(target), isOpposite});
@@ -528,7 +529,7 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
     if (goal->name != name) throw NotForDependencies();
     goals_.emplace(name, *std::move(goal));
   }
-  DependencyFailures failures;
+  auto failures = DependencyFailures::thrown();
   if (const auto source = source_.firstBaseline()) {
     DependencySurvey(host, failures, *this).run(*source);
   }
