@@ -460,8 +460,11 @@ TEST(CInterface, FailingCallbacksEndTheQuestionOnly) {
       const Outcome outcome = ask(catalogue.get());
       const auto failure =
           host.manner == 2 ? TARN_EVOLUTION_OTHER_ERROR : TARN_EVOLUTION_CALLBACK_FAILED;
-      if (outcome.status != failure) expectSame(outcome, expected);  // which needed no such call
-      EXPECT_NE(outcome.text, "");
+      if (outcome.status == failure) {
+        EXPECT_NE(outcome.text, "");
+      } else {
+        expectSame(outcome, expected);  // which needed no such call
+      }
       host.failing = 0;
       expectSame(ask(catalogue.get()), expected);
     }

@@ -64,13 +64,19 @@ class DependencyFailures {
   void assumeBest() { isBestAssumed_ = true; }
   bool isBestAssumed() const { return isBestAssumed_; }
 
-  /// Throws what the first of some versions failed with, if any did, in the order of asking.
-  void throwFirstOf(const std::vector<const Metamodel*>& versions) const {
+  /// What may have been tried with a version.
+  struct Tried {
+    const Metamodel* version;
+    Attempt attempt;
+  };
+
+  /// Throws what failed first of this, if anything did, in the order of asking.
+  void throwFirstOf(const std::vector<Tried>& tried) const {
     for (const Failure& failure : all_) {
-      const bool isAsked =
-          std::any_of(versions.begin(), versions.end(),
-                      [&](const Metamodel* version) { return *version == failure.version; });
-      if (isAsked) std::rethrow_exception(failure.exception);
+      const bool isAmong = std::any_of(tried.begin(), tried.end(), [&](const Tried& each) {
+        return each.attempt == failure.attempt && *each.version == failure.version;
+      });
+      if (isAmong) std::rethrow_exception(failure.exception);
     }
   }
 

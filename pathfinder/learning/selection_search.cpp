@@ -5,6 +5,7 @@
 #include "pathfinder/learning/selection_search.hpp"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "messages/report_exception.hpp"
@@ -77,11 +78,13 @@ class AtBest {
     if (!first_) first_ = planTo(dependencies_.target);
   }
 
-  /// Throws what a plan without it depends on: what failed in the plan that comes first, if that is
-  /// another one; or where hops lead that leave a baseline on the way.
+  /// Throws what a plan without it depends on: what failed in the plan that comes first, if that
+  /// makes use of it; or where hops lead that leave a baseline on the way.
   void throwWhatCountsFor(const BackwardPlan& plan, const SearchSpace& itsSpace) const {
     if (first_ && comesFirst(*first_, plan)) {
       throwWhatFailedIn(*first_, first_->bestSelections(), *dependencies_.space);
+    } else if (first_) {
+      throwWhatIsUsedIn(*first_);
     }
     std::vector<SelectionIndex> left = plan.bestSelections();
     left.pop_back();
@@ -108,16 +111,48 @@ class AtBest {
     return learner->plan();
   }
 
+  using Tried = DependencyFailures::Tried;
+  using Attempt = DependencyFailures::Attempt;
+
   /// Throws what failed first of what some selections of a plan hold, if anything did.
   void throwWhatFailedIn(const BackwardPlan& plan, const std::vector<SelectionIndex>& selections,
                          const SearchSpace& space) const {
-    std::vector<const Metamodel*> held;
+    std::vector<Tried> tried;
     for (const SelectionIndex selection : selections) {
-      for (const VersionIndex version : plan.selections()[selection]) {
-        if (!space.isAbsent(version)) held.push_back(space.versions[version].descriptor);
+      for (const Metamodel* held : heldIn(plan, selection, space)) {
+        tried.push_back({held, Attempt::Hops});
+        tried.push_back({held, Attempt::Needs});
       }
     }
-    failures_.throwFirstOf(held);
+    failures_.throwFirstOf(tried);
+  }
+
+  /// The same of what a plan rests on: what it holds, and where its own hops lead.
+  void throwWhatIsUsedIn(const BackwardPlan& plan) const {
+    const SearchSpace& space = *dependencies_.space;
+    std::vector<Tried> tried;
+    for (const SelectionIndex selection : plan.bestSelections()) {
+      for (const Metamodel* held : heldIn(plan, selection, space)) {
+        tried.push_back({held, Attempt::Needs});
+      }
+      const SelectionView before = plan.selections()[selection];
+      plan.visit(plan.stepsFrom(selection), [&](std::span<const PlannedHop> hops, SelectionIndex) {
+        for (NameIndex name = 0; name < hops.size(); ++name) {
+          if (hops[name] == PlannedHop::None) continue;
+          tried.push_back({space.versions[before[name]].descriptor, Attempt::Hops});
+        }
+      });
+    }
+    failures_.throwFirstOf(tried);
+  }
+
+  static std::vector<const Metamodel*> heldIn(const BackwardPlan& plan, SelectionIndex selection,
+                                              const SearchSpace& space) {
+    std::vector<const Metamodel*> result;
+    for (const VersionIndex version : plan.selections()[selection]) {
+      if (!space.isAbsent(version)) result.push_back(space.versions[version].descriptor);
+    }
+    return result;
   }
 
   const DependencyFailures& failures_;

@@ -31,8 +31,7 @@ class BackwardPlan {
       : selections_(names), irregular_(sources), hops_(names) {}
 
   /// A plan of just one way: its selections, all different, the first one a source's, the hops
-  /// between them, and
-  /// the step weights, the last step first.
+  /// between them, and the step weights, the last step first.
   static BackwardPlan ofOneWay(std::size_t sources, const std::vector<VersionSelection>& selections,
                                const std::vector<std::vector<PlannedHop>>& hops,
                                const std::vector<std::uint64_t>& weights);

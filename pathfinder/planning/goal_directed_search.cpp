@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -49,6 +51,29 @@ Plans planAllBackward(const PlanningGround& ground, const PlanningBudget& budget
     offer(plans, planBackward(ground, ground.space.targets, step, most, budget));
   }
   return plans;
+}
+
+/// What best plans hold, of the versions with unknown hops those only that a step leaves.
+std::vector<VersionIndex> versionsInUse(const SearchSpace& space, const BackwardPlan& plan) {
+  std::vector<VersionIndex> result;
+  const auto addLeft = [&](SelectionView selection, PlannedSteps steps) {
+    plan.visit(steps, [&](std::span<const PlannedHop> hops, SelectionIndex) {
+      for (NameIndex name = 0; name < hops.size(); ++name) {
+        if (hops[name] != PlannedHop::None) result.push_back(selection[name]);
+      }
+    });
+  };
+  for (std::size_t source = 0; source < space.sources.size(); ++source) {
+    if (!plan.isBestFromIrregular(source)) continue;
+    addLeft(space.sources[source].selection, plan.stepsFromIrregular(source));
+  }
+  for (const SelectionIndex index : plan.bestSelections()) {
+    const SelectionView selection = plan.selections()[index];
+    std::copy_if(selection.begin(), selection.end(), std::back_inserter(result),
+                 [&](VersionIndex version) { return !space.hasUnknownHops(version); });
+    addLeft(selection, plan.stepsFrom(index));
+  }
+  return result;
 }
 
 /// A search space with all that planning needs.
@@ -197,15 +222,18 @@ class GoalDirectedSearch {
     return {};
   }
 
-  /// Throws what the application failed at in a version with which there might be a plan, or a
-  /// better one, if it had not failed.
+  /// Throws what the application failed at in a version with which there might be a plan, a better
+  /// one, or one as good that a place puts first, if it had not failed.
   void throwWhatTheAnswerDependsOn() {
     if (!survey_.anyFailed()) return;
     const SearchWatch::Aside aside;
     const OpenGround ground(survey_.makeSpace(Failed::AssumedBest));
     const Plans best = planIn(ground);
-    if (best.empty() || (!plans_.empty() && !comesFirst(best.front(), plans_.front()))) return;
-    survey_.throwFailureOf(best.front().bestVersions());
+    if (best.empty()) return;
+    const bool isBetter = plans_.empty() || comesFirst(best.front(), plans_.front());
+    for (const BackwardPlan& plan : best) {
+      survey_.throwFailureOf(isBetter ? plan.bestVersions() : versionsInUse(*ground.space, plan));
+    }
   }
 
   const SearchQuestion& question_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
@@ -123,6 +124,13 @@ struct SearchSpace {
   }
 
   bool isAbsent(VersionIndex version) const { return versions[version].descriptor == nullptr; }
+
+  /// Whether hops lead from a version to where nobody knows.
+  bool hasUnknownHops(VersionIndex version) const {
+    const std::span<const Move> leaving = versions[version].moves;
+    return std::any_of(leaving.begin(), leaving.end(),
+                       [&](const Move& move) { return versions[move.target].isUnknown; });
+  }
 
   /// The variants of a version; none of "absent".
   std::span<const Variant> variantsOf(VersionIndex version) const {

@@ -19,7 +19,7 @@ void SurveyFailures::assumeBest() const {
 void SurveyFailures::throwFirstOf(const std::vector<VersionIndex>& versions) const {
   for (const Failure& failure : all_) {
     const bool isAsked =
-        failure.version->isAssumedBest &&
+        failure.version->isAssumedBest && failure.attempt != SurveyAttempt::Compare &&
         std::find(versions.begin(), versions.end(), failure.version->index) != versions.end();
     if (isAsked) std::rethrow_exception(failure.exception);
   }

@@ -17,7 +17,7 @@ struct SurveyedVersion;
 enum class SurveyAttempt {
   Link,
   AskForHops,  ///< or look at where they lead
-  Compare,     ///< with what targets hold
+  Compare,     ///< with what targets hold: no plan depends on that
 };
 
 /// What an application failed at while it was surveyed, or what conflicts. Kept, because the answer
