@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "messages/report_exception.hpp"
+#include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/linked_metamodel_creation.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
@@ -184,6 +185,16 @@ std::vector<VersionBaseline> VersionRepository::combine(
   for (const auto& [name, metamodel] : selection) inMapOrder.push_back({&name, &metamodel});
   RepositoryAccess access(*this);
   return combineMetamodels(access, inMapOrder);
+}
+
+std::optional<std::vector<VersionBaseline>> VersionRepository::tryCombine(
+    const std::unordered_map<std::u16string, VersionId>& selection) {
+  try {
+    const LinkingBudget budget(linkingBudgetFor(selection.size()));
+    return combine(selection);
+  } catch (const LinkingBudget::Spent&) {
+    return std::nullopt;
+  }
 }
 
 const std::vector<std::shared_ptr<LinkedMetamodel>>& VersionRepository::getLinkedMetamodels(

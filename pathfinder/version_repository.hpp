@@ -263,6 +263,12 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, Metamodel>& selection);
 
+  /// The same within bounds of time and memory: no value when it would take more linked
+  /// metamodels, beyond one of each version, than `findPath` between two selections makes before it
+  /// goes on without them.
+  std::optional<std::vector<VersionBaseline>> tryCombine(
+      const std::unordered_map<std::u16string, VersionId>& selection);
+
   /// The linked metamodels of a descriptor, one for each consistent choice of dependencies, created
   /// on first demand. The list stays valid and unchanged for the repository's lifetime. Throws
   /// ConflictingDependencies when there is no consistent choice.

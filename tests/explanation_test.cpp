@@ -308,6 +308,19 @@ std::vector<Clash> clashesOf(const Explanation& explanation) {
   return result;
 }
 
+/// That each remedy of an inconsistent selection is one.
+void expectRemedies(RandomCase& random, const InconsistentSelection& reason) {
+  const auto& selected =
+      reason.side == QuestionSide::From ? random.question.from : random.question.to;
+  for (const auto& [name, versions] : reason.remedies) {
+    for (const VersionId& version : versions) {
+      Selection changed = selected;
+      changed.at(name) = version;
+      EXPECT_FALSE(random.repository->combine(changed).empty());
+    }
+  }
+}
+
 /// That no name is blamed without a reason.
 void expectReasons(const NeverTogether& reason) {
   for (const std::u16string& name : reason.names) {
@@ -359,6 +372,11 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
       run.count("clashes of requirements");
       run.count("chains", clash.requirements.size() > 2);
     }
+    if (const auto* side = std::get_if<InconsistentSelection>(&explanation.reason)) {
+      expectRemedies(random, *side);
+      run.count("remedies", std::any_of(side->remedies.begin(), side->remedies.end(),
+                                        [](const auto& each) { return !each.versions.empty(); }));
+    }
     try {
       const auto path = repository.findPath(random.question.from, random.question.to);
       EXPECT_EQ(std::holds_alternative<PathExists>(explanation.reason), path.has_value());
@@ -384,7 +402,8 @@ TEST(Explanation, AgreesWithEnumerationOnRandomCatalogues) {
                          {"reason 5", 0.35},
                          {"blocked hops", 0.3},
                          {"clashes of requirements", 1},
-                         {"chains", 0.1}});
+                         {"chains", 0.1},
+                         {"remedies", 5}});
   EXPECT_LE(toldInPart, 5 + clashes / 100);
 }
 

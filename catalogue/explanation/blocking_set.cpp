@@ -166,17 +166,26 @@ class HopInspection {
   std::optional<Clash> findClashOf(const HopGraph::Edge& edge) {
     for (const Allowance allowance : {AnyChain, NoFurther}) {
       const Given given = versionsBeside(edge, allowance);
-      std::vector<Candidates> candidates;
-      for (const auto& [name, versions] : given) {
-        Candidates choice{name, {}};
-        for (const Metamodel& version : versions) add(version, choice);
-        if (choice.linked.empty()) return std::nullopt;  // the hop's target cannot be linked
-        candidates.push_back(std::move(choice));
+      if (question_.mayLink) {
+        const auto candidates = candidatesOf(given);
+        if (!candidates) return std::nullopt;  // the hop's target cannot be linked
+        if (auto clash = findClash(question_.inquiry->repository(), *candidates)) return clash;
       }
-      if (auto clash = findClash(question_.inquiry->repository(), candidates)) return clash;
       if (auto clash = requirements_.find(given)) return clash;
     }
-    return isWhole_ ? findMissing(edge) : std::nullopt;
+    return isWhole_ && question_.mayLink ? findMissing(edge) : std::nullopt;
+  }
+
+  /// No value when some name can have no version.
+  std::optional<std::vector<Candidates>> candidatesOf(const Given& given) {
+    std::vector<Candidates> candidates;
+    for (const auto& [name, versions] : given) {
+      Candidates choice{name, {}};
+      for (const Metamodel& version : versions) add(version, choice);
+      if (choice.linked.empty()) return std::nullopt;
+      candidates.push_back(std::move(choice));
+    }
+    return candidates;
   }
 
   /// What each name may have after a hop, itself included.
@@ -311,12 +320,14 @@ class SmallestSet {
     LinkableRepository& repository = question_.inquiry->repository();
     for (const auto& [name, version] : versions) {
       const auto metamodel = repository.getMetamodel(name, version);
-      const LinkedMetamodels* linked = metamodel ? repository.tryLink(*metamodel) : nullptr;
+      if (!metamodel) return std::nullopt;
+      given[name] = {*metamodel};
+      if (!question_.mayLink) continue;
+      const LinkedMetamodels* linked = repository.tryLink(*metamodel);
       if (linked == nullptr) return std::nullopt;
       candidates.push_back({name, *linked});
-      given[name] = {*metamodel};
     }
-    if (auto clash = findClash(question_.inquiry->repository(), candidates)) return clash;
+    if (auto clash = findClash(repository, candidates)) return clash;
     return RequirementClashes(repository, RequirementClashes::OfAllNeeds).find(given);
   }
 
@@ -329,6 +340,11 @@ class SmallestSet {
 NeverTogether explainBlocking(const PosedQuestion& question) {
   if (question.blocked != nullptr) {
     if (auto smallest = SmallestSet(question).run()) return *std::move(smallest);
+  }
+  if (!question.mayLink) {
+    NeverTogether all{.names = {}, .isMinimal = question.goals.size() <= 1};
+    for (const auto& [name, goal] : question.goals) all.names.push_back(name);
+    return all;
   }
   Minimisation minimisation(question);
   const Names names = minimisation.run();

@@ -1,6 +1,7 @@
 #include "catalogue/explanation/explanation.hpp"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "catalogue/explanation/blocking_set.hpp"
 #include "catalogue/explanation/explanation_notes.hpp"
@@ -9,6 +10,8 @@
 #include "catalogue/explanation/missing_chain.hpp"
 #include "catalogue/explanation/nearest_baseline.hpp"
 #include "catalogue/explanation/posed_question.hpp"
+#include "catalogue/explanation/requirement_clash.hpp"
+#include "catalogue/model/conflicting_dependencies.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -54,6 +57,7 @@ class Explaining {
     }
     const SelectedMetamodels from = lookUp(question_.from);
     const SelectedMetamodels goals = lookUp(question_.to);
+    if (!isLinkingBounded() && explainWithoutLinking(from, goals)) return;
     if (auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from)) {
       result_.reason = *std::move(inconsistency);
       return;
@@ -64,7 +68,7 @@ class Explaining {
                                                      ? std::vector<VersionBaseline>()
                                                      : inquiry_.repository().combine(question_.to);
     const Direction direction =
-        targets.empty() ? commonDirection(sources.front(), goals)
+        targets.empty() ? commonDirection(heldBy(sources.front()), goals)
                         : inquiry_.repository().computeDirection(sources.front(), targets.front());
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
@@ -78,10 +82,91 @@ class Explaining {
     if (inconsistency) {
       result_.reason = *std::move(inconsistency);
     } else {
-      explainImpassable(posed, targets);
+      explainImpassable(
+          posed, [&] { return inquiry_.ask(posed.sources, targets, Direction::Unknown).path; });
     }
     inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
     result_.nearest = findNearestBaseline(posed);
+  }
+
+  /// Whether the two selections are linked and combined without a product of variants.
+  bool isLinkingBounded() {
+    try {
+      return inquiry_.repository().tryCombine(question_.from) &&
+             inquiry_.repository().tryCombine(question_.to);
+    } catch (const ConflictingDependencies&) {
+      return true;
+    }
+  }
+
+  /// Explains a question of which only the path finder can tell what may be held; false when it is
+  /// of another kind than it can be asked about.
+  bool explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals) {
+    const Direction direction = commonDirection(from, goals);
+    const auto blocked = inquiry_.pose(question_.from, question_.to, direction);
+    if (!blocked) return explainInconsistentSource(from);
+    if (!blocked->isClosed()) return false;
+    auto source = findCheapest(*blocked, from);
+    if (!source) return false;
+    HopGraphs graphs(inquiry_, direction);
+    PosedQuestion posed{.inquiry = &inquiry_,
+                        .graphs = &graphs,
+                        .direction = direction,
+                        .sources = {std::move(source->baseline)},
+                        .goals = goals,
+                        .mayLink = false,
+                        .blocked = blocked.get()};
+    findStarts(posed);
+    if (auto clash = findClashOfNeeds(goals)) {
+      result_.reason = InconsistentSelection{QuestionSide::To, {}, std::move(clash), {}};
+    } else {
+      explainImpassable(posed, [&]() -> std::optional<Path> {
+        const auto free = inquiry_.pose(question_.from, question_.to, Direction::Unknown);
+        auto found = free ? findCheapest(*free, goals) : std::nullopt;
+        if (!found) return std::nullopt;
+        return std::move(found->path);
+      });
+    }
+    inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
+    result_.nearest = findNearestBaseline(posed);
+    return true;
+  }
+
+  bool explainInconsistentSource(const SelectedMetamodels& from) {
+    auto clash = findClashOfNeeds(from);
+    // What leads back to its own name may stand back.
+    if (!clash || clash->parties.size() == 1) return false;
+    result_.reason = InconsistentSelection{QuestionSide::From, {}, std::move(clash), {}};
+    return true;
+  }
+
+  using Nearest = pathfinder::BlockedQuestion::Nearest;
+
+  /// The way to a baseline that holds some versions. None when a limit is reached.
+  std::optional<Nearest> findCheapest(pathfinder::BlockedQuestion& blocked,
+                                      const SelectedMetamodels& versions) {
+    const auto isHeld = [&](const Metamodel& end) -> std::optional<std::uint64_t> {
+      const auto wanted = versions.find(end.name);
+      if (wanted != versions.end() && wanted->second.version != end.version) return std::nullopt;
+      return 0;
+    };
+    inquiry_.allow(1, deadline_);
+    return inquiry_.within([&](const pathfinder::SearchLimits& limits) {
+      return blocked.findNearest({isHeld}, limits);
+    });
+  }
+
+  std::optional<Clash> findClashOfNeeds(const SelectedMetamodels& selection) {
+    Given given;
+    for (const auto& [name, metamodel] : selection) given[name] = {metamodel};
+    return RequirementClashes(inquiry_.repository(), RequirementClashes::OfDependencies)
+        .find(given);
+  }
+
+  static SelectedMetamodels heldBy(const VersionBaseline& baseline) {
+    SelectedMetamodels result;
+    for (const auto& [name, linked] : baseline.metamodels) result.emplace(name, *linked);
+    return result;
   }
 
   SelectedMetamodels lookUp(const Selection& selection) {
@@ -94,13 +179,13 @@ class Explaining {
     return result;
   }
 
-  /// As `VersionRepository::computeDirection` would find it if the goals were a baseline.
-  Direction commonDirection(const VersionBaseline& source, const SelectedMetamodels& goals) {
+  /// As `VersionRepository::computeDirection` would find it if both were baselines.
+  Direction commonDirection(const SelectedMetamodels& source, const SelectedMetamodels& goals) {
     Direction result = Direction::Unknown;
     for (const auto& [name, goal] : goals) {
-      const auto held = source.metamodels.find(name);
-      if (held == source.metamodels.end()) continue;
-      const Direction direction = inquiry_.repository().getDirection(*held->second, goal);
+      const auto held = source.find(name);
+      if (held == source.end()) continue;
+      const Direction direction = inquiry_.repository().getDirection(held->second, goal);
       if (direction == Direction::Equal || direction == Direction::Unknown) continue;
       if (VersionRepository::areDirectionsInconsistent(result, direction)) {
         return Direction::Unknown;
@@ -118,16 +203,17 @@ class Explaining {
     }
   }
 
-  void explainImpassable(const PosedQuestion& posed, const std::vector<VersionBaseline>& targets) {
+  /// `askInAnyDirection` returns the path in which hops of both directions count.
+  template <class AskInAnyDirection>
+  void explainImpassable(const PosedQuestion& posed, const AskInAnyDirection& askInAnyDirection) {
     MissingChains missing{posed.direction, findMissingChains(posed)};
     const bool mayBeDirection =
         std::none_of(missing.chains.begin(), missing.chains.end(),
                      [](const MissingChain& chain) { return chain.chainInAnyDirection.empty(); });
     if (mayBeDirection && posed.direction != Direction::Unknown) {
       inquiry_.allow(1, deadline_);
-      Answer answer = inquiry_.ask(posed.sources, targets, Direction::Unknown);
-      if (answer.path) {
-        AgainstDirection reason = reportAgainst(posed.direction, *std::move(answer.path));
+      if (std::optional<Path> path = askInAnyDirection()) {
+        AgainstDirection reason = reportAgainst(posed.direction, *std::move(path));
         for (const Hop& hop : reason.against) noteWithoutOrder(hop);
         result_.reason = std::move(reason);
         return;

@@ -35,8 +35,9 @@ struct InconsistentSelection {
   std::vector<Unlinkable> unlinkable;
   std::optional<Clash> clash;
 
-  /// For each party of the clash the nearest versions that would make the whole selection
-  /// consistent, the others staying; none where there is no such version.
+  /// For each selected party of the clash the nearest versions that would make the whole selection
+  /// consistent, the others staying; none where there is no such version. Empty where some cannot
+  /// be linked, or where the selections have too many linked variants to list them.
   std::vector<NamedVersions> remedies;
 };
 
@@ -180,11 +181,12 @@ inline constexpr std::size_t explanationBudget = 400;
 /// Explains why `repository.findPath(question.from, question.to)` finds nothing or throws. Looks
 /// all names and versions up first, also where `findPath` would not because both sides are equal.
 ///
-/// Costs one question to the path finder, another one when the direction may be the reason, and
-/// then at most `budget` more, each about a part of the same question: up to half of them find what
-/// blocks, the others the nearest baseline. Where the path finder itself can tell both, seven
-/// suffice. Where the budget is not enough, the parts concerned say so (`isMinimal`, `isProven`). Questions are not interrupted: a catalogue on which the path finder needs long
-/// needs long here, too, unless there are limits.
+/// Costs one question to the path finder, another one when the direction may be the reason or when
+/// the selections have too many linked variants to list them, and then at most `budget` more, each
+/// about a part of the same question: up to half of them find what blocks, the others the nearest
+/// baseline. Where the path finder itself can tell both, seven suffice. Where the budget is not
+/// enough, the parts concerned say so (`isMinimal`, `isProven`). Questions are not interrupted: a
+/// catalogue on which the path finder needs long needs long here, too, unless there are limits.
 ///
 /// Links what it needs in a repository of its own, and so leaves the linked metamodels and the path
 /// cache of `repository` alone. What is explained stays valid without the repository. May be called
@@ -199,8 +201,9 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& reposit
 ///
 /// What is left until the deadline is divided as the budget is: half of it, at most, is for what
 /// blocks. The ceiling for memory holds for each question by itself, and `progress` is told of each
-/// one's own search. Between questions limits are looked at, too; but the two selections of the
-/// question itself, if it has no path, are linked and combined without a look at them.
+/// one's own search. Between questions limits are looked at, too; but where the target has what the
+/// source does not hold, where links bring that in, and where hops go round in circles, the two
+/// selections of a question without a path are linked and combined without a look at them.
 TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
                                                     const Question& question, std::size_t budget,
                                                     const pathfinder::SearchLimits& limits);

@@ -27,31 +27,6 @@ std::vector<std::size_t> aroundPosition(std::size_t position, std::size_t size) 
   return result;
 }
 
-/// The nearest versions of one party with which the others can stand as they are.
-NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
-                           const Metamodel& party) {
-  const HopGraph graph(inquiry, party.name, Direction::Unknown);
-  const auto replaced =
-      std::find_if(candidates.begin(), candidates.end(),
-                   [&](const Candidates& candidate) { return candidate.name == party.name; });
-  std::vector<std::size_t> fitting;
-  std::size_t tried = 0;
-  for (const std::size_t position :
-       aroundPosition(graph.find(party.version).value_or(0), graph.versions().size())) {
-    if (fitting.size() == mostRemedies || tried++ == mostTried) break;
-    const LinkedMetamodels* linked = inquiry.repository().tryLink(graph.versions()[position]);
-    if (linked == nullptr) continue;
-    replaced->linked = *linked;
-    if (canStandTogether(candidates)) fitting.push_back(position);
-  }
-  std::sort(fitting.begin(), fitting.end());
-  NamedVersions result{party.name, {}};
-  for (const std::size_t position : fitting) {
-    result.versions.push_back(graph.versions()[position].version);
-  }
-  return result;
-}
-
 /// Whether some candidate brings another version of its own name, which may stand back for it: then
 /// only combining tells what can stand together.
 bool anyLinksOwnName(const std::vector<Candidates>& candidates) {
@@ -60,6 +35,43 @@ bool anyLinksOwnName(const std::vector<Candidates>& candidates) {
       return linked->linkedMetamodels.contains(choice.name);
     });
   });
+}
+
+/// Whether a selection stands for a baseline; no value when that takes too much.
+std::optional<bool> isConsistent(Inquiry& inquiry, const SelectedMetamodels& selection) {
+  Selection versions;
+  for (const auto& [name, metamodel] : selection) versions.emplace(name, metamodel.version);
+  const auto baselines = inquiry.repository().tryCombine(versions);
+  if (!baselines) return std::nullopt;
+  return !baselines->empty();
+}
+
+/// The nearest versions of one party with which the others can stand as they are.
+NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
+                           SelectedMetamodels selection, const std::u16string& party) {
+  Metamodel& selected = selection.at(party);
+  const HopGraph graph(inquiry, party, Direction::Unknown);
+  const auto replaced =
+      std::find_if(candidates.begin(), candidates.end(),
+                   [&](const Candidates& candidate) { return candidate.name == party; });
+  std::vector<std::size_t> fitting;
+  std::size_t tried = 0;
+  for (const std::size_t position :
+       aroundPosition(graph.find(selected.version).value_or(0), graph.versions().size())) {
+    if (fitting.size() == mostRemedies || tried++ == mostTried) break;
+    selected = graph.versions()[position];
+    const LinkedMetamodels* linked = inquiry.repository().tryLink(selected);
+    if (linked == nullptr) continue;
+    replaced->linked = *linked;
+    const bool mayFit = anyLinksOwnName(candidates) || canStandTogether(candidates);
+    if (mayFit && isConsistent(inquiry, selection).value_or(true)) fitting.push_back(position);
+  }
+  std::sort(fitting.begin(), fitting.end());
+  NamedVersions result{party, {}};
+  for (const std::size_t position : fitting) {
+    result.versions.push_back(graph.versions()[position].version);
+  }
+  return result;
 }
 
 /// What versions that linking lets stand together need of one another, or of themselves.
@@ -99,12 +111,14 @@ std::optional<InconsistentSelection> findInconsistency(Inquiry& inquiry, Questio
     const std::unordered_map<std::u16string, Metamodel> all(selection.begin(), selection.end());
     if (!inquiry.repository().combine(all).empty()) return std::nullopt;
   }
-  if (result.clash) {
-    for (const std::u16string& party : result.clash->parties) {
-      result.remedies.push_back(findRemedies(inquiry, candidates, selection.at(party)));
-    }
-  } else if (result.unlinkable.empty() && !selection.empty()) {
+  if (!result.unlinkable.empty()) return result;
+  if (!result.clash && !selection.empty()) {
     result.clash = findClashOfNeeds(inquiry, selection, candidates);
+  }
+  if (!result.clash) return result;
+  for (const std::u16string& party : result.clash->parties) {
+    if (!selection.contains(party)) continue;  // a link brings it in
+    result.remedies.push_back(findRemedies(inquiry, candidates, selection, party));
   }
   return result;
 }

@@ -24,8 +24,8 @@ using SelectedMetamodels = std::map<std::u16string, pathfinder::Metamodel>;
 /// What the path finder has said.
 struct Answer {
   std::optional<Path> path = std::nullopt;
-  /// It was not asked, for no more questions are allowed, or a limit was reached before it was known
-  /// whether there is a path.
+  /// It was not asked, for no more questions are allowed, or a limit was reached before it was
+  /// known whether there is a path.
   bool isOpen = false;
 
   bool isAbsent() const { return !path && !isOpen; }

@@ -298,15 +298,17 @@ std::optional<Arrival> arriveAt(const PosedQuestion& question, const Selection& 
 /// Where the path finder finds the lowest costs; no value when a limit is reached.
 std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
                                         const std::vector<EndCost>& measures) {
-  const auto ends = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
-    return question.blocked->findNearestEnds(measures, limits);
-  });
-  if (!ends) return std::nullopt;
-  if (auto arrival = arriveAt(question, *ends)) return arrival;
+  if (question.mayLink) {
+    const auto ends = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
+      return question.blocked->findNearestEnds(measures, limits);
+    });
+    if (!ends) return std::nullopt;
+    if (auto arrival = arriveAt(question, *ends)) return arrival;
+  }
   auto nearest = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
     return question.blocked->findNearest(measures, limits);
   });
-  if (!nearest || !canBeLinked(question, nearest->path)) return std::nullopt;
+  if (!nearest || (question.mayLink && !canBeLinked(question, nearest->path))) return std::nullopt;
   return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
 }
 
@@ -343,6 +345,11 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
       describe(question, result);
       return result;
     }
+  }
+  if (!question.mayLink) {
+    NearestBaseline source{.path = {}, .baseline = question.sources.front()};
+    describe(question, source);
+    return source;
   }
   GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;

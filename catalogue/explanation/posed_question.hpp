@@ -18,6 +18,10 @@ struct PosedQuestion {
   std::vector<pathfinder::VersionBaseline> sources = {};  ///< not empty
   SelectedMetamodels goals = {};
 
+  /// Whether linking is bounded. Otherwise nothing is linked but what the path finder holds, and
+  /// the question can be asked for what is nearest.
+  bool mayLink = true;
+
   /// The same as a question that can be asked why it has no path; null when it is of another kind.
   pathfinder::BlockedQuestion* blocked = nullptr;
   bool canAskForNearest() const { return blocked != nullptr && blocked->isClosed(); }
