@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <sstream>
 #include <tuple>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/catalogue_repository.hpp"
+#include "catalogue/explanation/explanation_text.hpp"
 #include "platform/exception.hpp"
 #include "support/catalogue_json.hpp"
 #include "support/free_names.hpp"
@@ -420,6 +422,37 @@ TEST(Explanation, OfWhatCannotBeLinkedTogetherIsWhole) {
     ASSERT_EQ(clashes.size(), 1U);
     EXPECT_TRUE(ClashCheck(*asked.repository, clashes.front()).isWhole());
   }
+}
+
+/// As text, but for remedies.
+std::string toldOf(const std::string& text) {
+  RandomCase asked{QuestionText(text)};
+  Explanation explanation = explain(*asked.repository, asked.question);
+  if (auto* side = std::get_if<InconsistentSelection>(&explanation.reason)) side->remedies.clear();
+  std::ostringstream out;
+  const StepWeights weights = [&](const auto& hops) { return asked.repository->getWeight(hops); };
+  writeExplanationText(explanation, weights, out);
+  return out.str();
+}
+
+/// Z has 15,625 linked metamodels, or just one: the same is told.
+TEST(Explanation, TellsTheSameOfWhatHasTooManyVariantsToLink) {
+  std::string many;
+  for (const char* name : {"A", "B", "C", "D", "E", "F"}) {
+    for (int version = 1; version <= 5; ++version) many += name + std::to_string(version) + " ";
+  }
+  many += "P1 P2:Q[2,3) P3 Q1 Q2 R1:P[1,2) R2:P[3,4) A1>2 A3>1 B1>2 P1>2 P2>3 Q1>2 R1>2 A2>3 ";
+  const std::string from = "| A1 B1 C1 D1 E1 F1 P1 Q1 R1 Z1 ";
+  for (const std::string to :
+       {"| A1 B2 C1 D1 E1 F1 P3 Q2 R2 Z1 |", "| A2 P3 R2 |", "| A5 B2 C1 D1 E1 F1 P1 Q1 R1 Z1 |",
+        "| C5 D4 P2 Z1 |", "| P2 Q1 |", "| A1 P2 Q1 R1 Z1 |", "| A2 R2 P2 Q2 |"}) {
+    SCOPED_TRACE(to);
+    const std::string all = "A[1,6)+B[1,6)+C[1,6)+D[1,6)+E[1,6)+F[1,6) ";
+    EXPECT_EQ(toldOf(many + "Z1:" + all + from + to), toldOf(many + "Z1 " + from + to));
+  }
+  const std::string badSource = "| A1 B1 C1 D1 E1 F1 P2 Q1 Z1 | P3 |";
+  EXPECT_EQ(toldOf(many + "Z1:A[1,6)+B[1,6)+C[1,6)+D[1,6)+E[1,6)+F[1,6) " + badSource),
+            toldOf(many + "Z1 " + badSource));
 }
 
 bool sameVersions(const VersionBaseline& left, const VersionBaseline& right) {
