@@ -176,6 +176,10 @@ class Streams(unittest.TestCase):
         # Each of P and Q alone can be linked in a million ways.
         self.write_wide("wider.json", "ABCDEF", 100)
         done = self.run_evopath("explain", "wider.json", "--from", at, "--to", "X=2.0.0", preexec_fn=least_memory)
+        self.assertIn("No path: no hops lead to X 2.0.0.", done.stdout)
+        self.assertEqual(done.returncode, 1)
+        done = self.run_evopath("explain", "wider.json", "--from", at, "--to", "X=2.0.0,Y=1.0.0",
+                                preexec_fn=least_memory)
         self.assertEqual(done.returncode, 2)
         self.assertTrue(done.stderr.startswith(
             "evopath: out of memory\nthe versions to start from leave more than 10000 baselines; pin some of these:\n"
@@ -187,7 +191,8 @@ class Streams(unittest.TestCase):
         parts = [metamodel(name, f"{k}.0.0") for name in names for k in range(1, versions + 1)]
         wide = [metamodel(name, "1.0.0", **{part: ["1.0.0", "9999.0.0"] for part in needs})
                 for name, needs in (("P", names[:half]), ("Q", names[half:]))]
-        self.write(file, {"metamodels": parts + wide + [metamodel("X", "1.0.0"), metamodel("X", "2.0.0")], "hops": []})
+        others = [metamodel("X", "1.0.0"), metamodel("X", "2.0.0"), metamodel("Y", "1.0.0")]
+        self.write(file, {"metamodels": parts + wide + others, "hops": []})
 
     def test_a_script_runs(self):
         quote = 'A "b" \'c\' $d'

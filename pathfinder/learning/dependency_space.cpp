@@ -1,9 +1,5 @@
-// Three rounds that are repeated until nothing changes: exploration of each name by itself over
-// hops that do not go against the direction, from the source's versions and from those that may be
-// brought in; of a name that the target fixes, a mark on what leads to its version; and of all that
-// is kept, what it depends on, which of names that may be absent brings versions in. In the end
-// each dependency becomes a requirement, beside those that the application has by itself. Where
-// ends are open, all is kept, and nothing brought in.
+// Each dependency of what was surveyed becomes a requirement, beside those that the application has
+// by itself.
 //
 // Where the best is assumed of hops that are not known, a version of its own stands for all that
 // they lead to: it can stand beside anything, so nothing is gained by leaving it but for the
@@ -13,33 +9,24 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 #include <utility>
 
+#include "pathfinder/learning/dependency_survey.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-class DependencySurvey {
+/// Makes a space of what was surveyed, which it uses up.
+class DependencyBuilding {
  public:
-  DependencySurvey(SelectionHost& host, DependencyFailures& failures, DependencySpace& result)
-      : host_(host), failures_(failures), result_(result) {}
+  DependencyBuilding(DependencySurvey& survey, DependencySpace& result)
+      : survey_(survey), result_(result) {}
 
-  using Baseline = std::map<std::u16string, const Metamodel*>;
-
-  void run(const Baseline& source) {
-    if (!areEndsOpen()) {
-      const auto target = result_.target_->firstBaseline();
-      if (!target) return;
-      result_.direction = directionBetween(source, *target);
-    }
-    result_.hasEnds_ = true;
-    addNames();
-    while (explore()) {
-      for (auto& [text, name] : names_) keepWhatLeadsToEnd(name);
-      bringIn();
-    }
+  void run() {
+    result_.isOpen_ = survey_.isOpen;
+    result_.isClosed_ = survey_.isClosed;
+    result_.descriptors = std::move(survey_.descriptors);
     addVersions();
     addMoves();
     addRequirements();
@@ -49,241 +36,15 @@ class DependencySurvey {
   }
 
  private:
-  bool areEndsOpen() const { return !result_.target_; }
-
-  struct Hopped {
-    std::uint32_t place;
-    std::size_t target;
-  };
-
-  struct Name;
-
-  /// What a version depends on, and the versions that it admits, by their places, in the
-  /// application's order.
-  struct Need {
-    Name* name;
-    std::vector<std::size_t> admitted = {};
-    std::vector<Metamodel> candidates = {};  // of a name that is held from the start
-  };
-
-  /// What has to stand beside a version, if its name is there.
-  struct Peer {
-    std::u16string name;
-    bool isOptional;
-    std::vector<Metamodel> admitted = {};
-  };
-
-  struct Version {
-    const Metamodel* descriptor;
-    std::vector<Hop> hops = {};        // that do not go against the direction
-    std::vector<Hopped> targets = {};  // of those that lead to a version
-    std::vector<Need> needs = {};      // in the order of linking
-    std::vector<Peer> peers = {};
-    bool isExplored = false;
-    bool hasUnknownHops = false;
-    bool isKept = false;
-    bool areNeedsKnown = false;
-    bool isLost = false;   // for what it needs is not known, and the best not assumed
-    bool isEntry = false;  // whether it can be brought in
-    VersionIndex index = SearchSpace::none;
-  };
-
-  struct Name {
-    bool isCertain = false;  // whether the source holds it, whatever it brings in
-    std::size_t starts = 0;  // how many of the versions the source may hold
-    const Metamodel* goal = nullptr;
-    std::deque<Version> versions = {};  // the source's first
-    std::unordered_multimap<VersionId, std::size_t, std::hash<VersionId>> places = {};
-    NameIndex index = 0;
-    VersionIndex unknown = SearchSpace::none;  // stands for what unknown hops may lead to
-  };
-
-  void addNames() {
-    for (const auto& [text, versions] : result_.source_.names()) {
-      Name& name = names_[text];
-      name.isCertain = result_.source_.isCertain(text);
-      if (areEndsOpen() && !name.isCertain) throw NotForDependencies();
-      name.starts = versions.size();
-      for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
-      result_.isOpen_ |= !name.isCertain || versions.size() > 1;
-    }
-    for (const auto& [text, goal] : result_.goals_) {
-      const auto name = names_.find(text);
-      if (name == names_.end()) throw NotForDependencies();
-      name->second.goal = &goal;
-    }
-    if (areEndsOpen()) return;
-    for (const auto& [text, versions] : result_.target_->names()) {
-      if (result_.target_->isSelected(text)) names_[text].goal = &versions.front().descriptor;
-    }
-  }
-
-  /// As `VersionRepository::computeDirection` has it.
-  Direction directionBetween(const Baseline& source, const Baseline& target) {
-    Direction result = Direction::Unknown;
-    for (const auto& [name, after] : target) {
-      const auto before = source.find(name);
-      if (before == source.end()) continue;
-      const Direction direction = host_.directionBetween(*before->second, *after);
-      if (direction == Direction::Equal || direction == Direction::Unknown) continue;
-      if (areOpposite(result, direction)) return Direction::Unknown;
-      result = direction;
-    }
-    return result;
-  }
-
-  /// The place of the version among those of its name, where it is added if it is new.
-  std::size_t addVersion(Name& name, Metamodel&& descriptor) {
-    const auto [begin, end] = name.places.equal_range(descriptor.version);
-    const auto known = std::find_if(begin, end, [&](const auto& entry) {
-      return *name.versions[entry.second].descriptor == descriptor;
-    });
-    if (known != end) return known->second;
-    const Metamodel& kept = result_.descriptors.emplace_back(std::move(descriptor));
-    name.places.emplace(kept.version, name.versions.size());
-    name.versions.push_back({&kept});
-    return name.versions.size() - 1;
-  }
-
-  /// Asks for the hops of versions that have come; false when there are none.
-  bool explore() {
-    bool anyNew = false;
-    for (auto& [text, name] : names_) {
-      for (std::size_t i = 0; i < name.versions.size(); ++i) {
-        if (std::exchange(name.versions[i].isExplored, true)) continue;
-        anyNew = true;
-        checkpoint();
-        follow(text, name, i);
-      }
-    }
-    return anyNew;
-  }
-
-  /// A hop as the application tells of it.
-  struct Offered {
-    Hop hop;
-    std::optional<Metamodel> target;
-    bool isOpposite = false;
-  };
-
-  void follow(const std::u16string& text, Name& name, std::size_t place) {
-    const Metamodel& from = *name.versions[place].descriptor;
-    std::vector<Offered> offered;
-    const bool areKnown = failures_.attempt(from, DependencyFailures::Attempt::Hops,
-                                            [&] { offered = hopsFrom(text, from); });
-    name.versions[place].hasUnknownHops = !areKnown && failures_.isBestAssumed();
-    if (!areKnown) return;
-    for (auto& [hop, target, isOpposite] : offered) {
-      // What such a hop leads to is looked up under the name that it moves.
-      if (hop.name != text) throw NotForDependencies();
-      if (target && target->name != text) throw NotForDependencies();
-      // A fault of the application's, which a plain search reports.
-      if (!target && result_.direction != Direction::Unknown) throw NotForDependencies();
-      if (isOpposite) continue;
-      if (target) {
-        const std::size_t to = addVersion(name, *std::move(target));
-        Version& version = name.versions[place];
-        version.targets.push_back({static_cast<std::uint32_t>(version.hops.size()), to});
-      }
-      name.versions[place].hops.push_back(std::move(hop));
-    }
-  }
-
-  std::vector<Offered> hopsFrom(const std::u16string& text, const Metamodel& from) {
-    std::vector<Hop> hops;
-    host_.findHops(text, from.version, hops);
-    std::vector<Offered> result;
-    for (Hop& hop : hops) {
-      auto target = host_.getMetamodel(hop.name, hop.to);
-      const bool isCompared = target && hop.name == text && target->name == text &&
-                              result_.direction != Direction::Unknown;
-      const bool isOpposite =
-          isCompared && areOpposite(result_.direction, host_.directionBetween(from, *target));
-      result.push_back({std::move(hop), std::move(target), isOpposite});
-    }
-    return result;
-  }
-
-  void keepWhatLeadsToEnd(Name& name) const {
-    const bool areAllKept = areEndsOpen() || name.goal == nullptr;
-    for (Version& version : name.versions) {
-      version.isKept |= areAllKept || version.hasUnknownHops || *version.descriptor == *name.goal;
-    }
-    for (bool changed = true; std::exchange(changed, false);) {
-      for (std::size_t i = name.versions.size(); i-- > 0;) {
-        Version& version = name.versions[i];
-        if (version.isKept) continue;
-        version.isKept =
-            std::any_of(version.targets.begin(), version.targets.end(),
-                        [&](const Hopped& hop) { return name.versions[hop.target].isKept; });
-        changed |= version.isKept;
-      }
-    }
-  }
-
-  /// Asks what versions that are kept depend on, and takes in what that brings in.
-  void bringIn() {
-    std::vector<Version*> asked;
-    for (auto& [text, name] : names_) {
-      for (Version& version : name.versions) {
-        if (version.isKept && !version.areNeedsKnown) asked.push_back(&version);
-      }
-    }
-    for (Version* version : asked) bringIn(*version);
-  }
-
-  void bringIn(Version& version) {
-    checkpoint();
-    version.areNeedsKnown = true;
-    std::vector<const Dependency*> needed = dependenciesInLinkingOrder(*version.descriptor);
-    if (areEndsOpen()) {
-      const auto isLeftOut = [this](const Dependency* need) {
-        return !names_.contains(need->name);
-      };
-      result_.isClosed_ &= std::erase_if(needed, isLeftOut) == 0;
-    }
-    std::vector<std::vector<Metamodel>> candidates(needed.size());
-    const bool areKnown =
-        failures_.attempt(*version.descriptor, DependencyFailures::Attempt::Needs, [&] {
-          for (std::size_t i = 0; i < needed.size(); ++i) {
-            host_.findMetamodels(needed[i]->name, needed[i]->range, candidates[i]);
-          }
-          version.peers = peersOf(*version.descriptor);
-        });
-    version.isLost = !areKnown && !failures_.isBestAssumed();
-    if (!areKnown) return;
-    for (std::size_t i = 0; i < needed.size(); ++i) {
-      addNeed(version, needed[i]->name, std::move(candidates[i]));
-    }
-  }
-
-  void addNeed(Version& version, const std::u16string& name, std::vector<Metamodel>&& candidates) {
-    Need& need = version.needs.emplace_back(Need{&names_[name]});
-    if (need.name->isCertain) {
-      need.candidates = std::move(candidates);
-      return;
-    }
-    for (Metamodel& candidate : candidates) {
-      if (candidate.name != name) throw NotForDependencies();
-      need.admitted.push_back(addVersion(*need.name, std::move(candidate)));
-      need.name->versions[need.admitted.back()].isEntry = true;
-    }
-  }
-
-  std::vector<Peer> peersOf(const Metamodel& metamodel) {
-    required_.clear();
-    host_.findRequirements(metamodel, required_);
-    std::vector<Peer> result;
-    for (PeerRequirement& requirement : required_) {
-      Peer& peer = result.emplace_back(Peer{std::move(requirement.name), requirement.isOptional});
-      host_.findMetamodels(peer.name, requirement.range, peer.admitted);
-    }
-    return result;
-  }
+  using Hopped = DependencySurvey::Hopped;
+  using Name = DependencySurvey::Name;
+  using Need = DependencySurvey::Need;
+  using Peer = DependencySurvey::Peer;
+  using Version = DependencySurvey::Version;
 
   void addVersions() {
     SearchSpace& space = *result_.space;
-    for (auto& [text, name] : names_) {
+    for (auto& [text, name] : survey_.names) {
       name.index = static_cast<NameIndex>(space.names.size());
       SearchSpace::Name& added = space.names.emplace_back();
       added.text = text;
@@ -327,14 +88,14 @@ class DependencySurvey {
   void addMoves() {
     SearchSpace& space = *result_.space;
     std::size_t most = 0;
-    for (const auto& [text, name] : names_) {
+    for (const auto& [text, name] : survey_.names) {
       for (const Version& version : name.versions) {
         most += version.targets.size() + (version.hasUnknownHops ? 2 : 0);
       }
       most += name.unknown == SearchSpace::none ? 0 : 1;
     }
     space.moves.reserve(most);  // versions point into it
-    for (const auto& [text, name] : names_) {
+    for (const auto& [text, name] : survey_.names) {
       for (const Version& version : name.versions) {
         if (version.index == SearchSpace::none) continue;
         SearchSpace::Version& kept = space.versions[version.index];
@@ -369,7 +130,7 @@ class DependencySurvey {
     const std::size_t count = result_.space->versions.size();
     result_.dependencies.resize(count);
     result_.needs_.resize(count);
-    for (auto& [text, name] : names_) {
+    for (auto& [text, name] : survey_.names) {
       for (Version& version : name.versions) {
         checkpoint();
         if (version.index == SearchSpace::none) continue;
@@ -383,8 +144,8 @@ class DependencySurvey {
 
   void addRequirements(const Version& version) {
     for (const Dependency& dependency : version.descriptor->dependencies) {
-      const auto needed = names_.find(dependency.name);
-      if (needed == names_.end()) continue;  // only where ends are open
+      const auto needed = survey_.names.find(dependency.name);
+      if (needed == survey_.names.end()) continue;  // only where ends are open
       result_.dependencies[version.index].push_back(needed->second.index);
     }
     for (const Need& need : version.needs) {
@@ -402,11 +163,11 @@ class DependencySurvey {
 
   void addPeers(Version& version) {
     for (Peer& peer : version.peers) {
-      const auto needed = names_.find(peer.name);
-      if (needed == names_.end() && peer.isOptional) continue;  // it is never held
+      const auto needed = survey_.names.find(peer.name);
+      if (needed == survey_.names.end() && peer.isOptional) continue;  // it is never held
       if (peer.name == version.descriptor->name) throw NotForDependencies();
       // What a source lacks is looked for in the first step, which links everything anew.
-      const bool isHeld = needed != names_.end() && needed->second.isCertain;
+      const bool isHeld = needed != survey_.names.end() && needed->second.isCertain;
       if (!isHeld && !peer.isOptional) throw NotForDependencies();
       const Need need{&needed->second, {}, std::move(peer.admitted)};
       std::vector<VersionIndex> admitted = admittedBy(need);
@@ -444,7 +205,7 @@ class DependencySurvey {
   }
 
   void addStarts() {
-    for (const auto& [text, name] : names_) {
+    for (const auto& [text, name] : survey_.names) {
       std::vector<VersionIndex>& starts = result_.start_.versions.emplace_back();
       for (std::size_t place = 0; place < name.starts; ++place) {
         const VersionIndex index = name.versions[place].index;
@@ -473,26 +234,39 @@ class DependencySurvey {
   }
 
   void addTarget() {
-    for (const auto& [text, name] : names_) {
+    for (const auto& [text, name] : survey_.names) {
       VersionIndex goal = SearchSpace::none;
       for (const Version& version : name.versions) {
         if (name.goal != nullptr && *version.descriptor == *name.goal) goal = version.index;
       }
       const bool isLost = name.goal != nullptr && goal == SearchSpace::none;
-      if (isLost && !areEndsOpen()) result_.space->sources.clear();
+      if (isLost && !!result_.target_) result_.space->sources.clear();
       if (isLost) result_.lost.push_back(static_cast<NameIndex>(result_.target.size()));
       result_.target.push_back(goal);
     }
   }
 
-  SelectionHost& host_;
-  DependencyFailures& failures_;
+  DependencySurvey& survey_;
   DependencySpace& result_;
-  std::map<std::u16string, Name> names_;
-  std::vector<PeerRequirement> required_;
 };
 
 namespace {
+
+using Baseline = std::map<std::u16string, const Metamodel*>;
+
+/// As `VersionRepository::computeDirection` has it.
+Direction directionBetween(SelectionHost& host, const Baseline& source, const Baseline& target) {
+  Direction result = Direction::Unknown;
+  for (const auto& [name, after] : target) {
+    const auto before = source.find(name);
+    if (before == source.end()) continue;
+    const Direction direction = host.directionBetween(*before->second, *after);
+    if (direction == Direction::Equal || direction == Direction::Unknown) continue;
+    if (areOpposite(result, direction)) return Direction::Unknown;
+    result = direction;
+  }
+  return result;
+}
 
 /// Links what is selected, as far as that is easy: of a selection that stands for no baseline, it
 /// throws the conflict of a version that cannot be linked at all.
@@ -516,8 +290,13 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
   if (!source) linkEach(host, from);
   if (!source) return;
   target_.emplace(host, to);
-  DependencySurvey(host, failures, *this).run(*source);
-  if (!hasEnds_) linkEach(host, to);
+  const auto end = target_->firstBaseline();
+  if (!end) {
+    linkEach(host, to);
+    return;
+  }
+  direction = directionBetween(host, *source, *end);
+  buildFrom(host, failures);
 }
 
 DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
@@ -530,9 +309,14 @@ DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from
     goals_.emplace(name, *std::move(goal));
   }
   auto failures = DependencyFailures::thrown();
-  if (const auto source = source_.firstBaseline()) {
-    DependencySurvey(host, failures, *this).run(*source);
-  }
+  if (source_.firstBaseline()) buildFrom(host, failures);
+}
+
+void DependencySpace::buildFrom(SelectionHost& host, DependencyFailures& failures) {
+  hasEnds_ = true;
+  DependencySurvey survey(host, failures,
+                          {source_, target_ ? &*target_ : nullptr, goals_, direction});
+  DependencyBuilding(survey, *this).run();
 }
 
 void DependencySpace::visitChoices(VersionSelection selection, const Decide& decide) const {

@@ -39,8 +39,8 @@ class DependencySpace final : public LinkChoices {
 
   /// The space of all that can be reached in that direction, whether it leads to the target or not,
   /// which need not be consistent. Nor need the question be closed: names that the source does not
-  /// hold are no part of the space, nor is what fails. Throws NotForDependencies where the source
-  /// leaves open which names it holds.
+  /// hold are no part of the space. Throws what the application throws, and NotForDependencies
+  /// where the source leaves open which names it holds.
   DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
                   Direction itsDirection);
   DependencySpace(const DependencySpace&) = delete;
@@ -83,7 +83,7 @@ class DependencySpace final : public LinkChoices {
   std::deque<std::vector<Hop>> hops;
 
  private:
-  friend class DependencySurvey;
+  friend class DependencyBuilding;
 
   /// What a version depends on, and the versions that it admits, in the application's order.
   struct Need {
@@ -91,6 +91,7 @@ class DependencySpace final : public LinkChoices {
     std::vector<VersionIndex> admitted;
   };
 
+  void buildFrom(SelectionHost& host, DependencyFailures& failures);
   bool visitNeeds(VersionIndex version, VersionSelection& selection, const Decide& decide) const;
 
   SelectionClosure source_;
