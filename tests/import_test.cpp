@@ -242,12 +242,12 @@ struct Fault {
 TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
   const std::string deep(150, '[');
   const Fault faults[] = {
-      {"operators", "a.json", "{\"schema\": \"olm.package\"}",
+      {"operators", "a.json", R"({"schema": "olm.package"})",
        "line 1: the field \"name\" is missing"},
       {"operators", "a.json", "\n{\"schema\": 7}", "line 2, /schema: must be a text, not a number"},
       {"operators", "a.json", "{}\n{\"schema\": \"x\"} 5",
        "line 1: the field \"schema\" is missing"},
-      {"operators", "a.json", "{\"schema\": \"x\"} 5", "line 1: not JSON: expected { or ["},
+      {"operators", "a.json", R"({"schema": "x"} 5)", "line 1: not JSON: expected { or ["},
       {"operators", "a.json", "", "line 1: not JSON: the file is empty"},
       {"operators", "a.json", deep.c_str(), "line 1: is nested too deep"},
       {"operators", "a.yaml", "schema: x\nb: [1,\n",
@@ -260,7 +260,7 @@ TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
       {"operators", "a.yaml", deep.c_str(), "line 1: is nested too deep"},
       {"operators", "a.yaml",
        "schema: olm.channel\npackage: p\nname: c\nentries:\n- name: x\n  skipRange: '>>1'\n",
-       "line 6, /entries/0/skipRange: \">>1\" is no range: there is no version at \"\""},
+       R"(line 6, /entries/0/skipRange: ">>1" is no range: there is no version at "")"},
       {"operators", "a.yaml", "schema: olm.channel\npackage: p\nname: c\nentries: [{name: x}]\n",
        "line 4, /entries/0: there is no bundle x"},
       {"operators", "a.yaml", "schema: olm.bundle\npackage: p\nname: x\n",

@@ -30,8 +30,8 @@ class StoreProcesses : public StoreFolder {
 
   /// A catalogue of one version, for adding.
   void makeOne(const std::string& name, const std::string& metamodel) const {
-    write(name, "{\"metamodels\": [{\"name\": \"" + metamodel +
-                    "\", \"version\": \"1.0.0\", \"dependencies\": []}], \"hops\": []}");
+    write(name, R"({"metamodels": [{"name": ")" + metamodel +
+                    R"(", "version": "1.0.0", "dependencies": []}], "hops": []})");
   }
 
   std::set<std::string> files() const {

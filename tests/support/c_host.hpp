@@ -110,8 +110,7 @@ class Host {
   int32_t listRequirements(const char* name, const char* version, tarn_evolution_rows* rows) {
     return list(name, content_.metamodels, rows,
                 [&](const tarn::evolution::catalogue::CatalogueMetamodel& row) {
-                  return !isExact ||
-                         printed(row.descriptor.version) == version;
+                  return !isExact || printed(row.descriptor.version) == version;
                 });
   }
 

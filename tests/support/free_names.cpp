@@ -19,7 +19,8 @@ bool FreeNames::canArrive(const Names& names,
     for (const auto& name : names) start.emplace(name, source.metamodels.at(name)->version);
     meet(std::move(start));
   }
-  for (std::size_t next = 0; next < met.size(); ++next) {
+  // The list grows on the way.
+  for (std::size_t next = 0; next < met.size(); ++next) {  // NOLINT(modernize-loop-convert)
     const Versions held = met[next];
     if (hasArrived(held)) return true;
     moveOn(held, held.begin(), held, meet);

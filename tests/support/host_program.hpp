@@ -38,15 +38,15 @@ class HostProgram {
 
   /// Lets it come to its end.
   ~HostProgram() {
-    std::fclose(to_);
+    static_cast<void>(std::fclose(to_));
     waitpid(process_, nullptr, 0);
-    std::fclose(from_);
+    static_cast<void>(std::fclose(from_));
   }
 
   /// Tells it a line, and does not wait.
   void begin(const std::string& line) {
-    std::fputs((line + "\n").c_str(), to_);
-    std::fflush(to_);
+    static_cast<void>(std::fputs((line + "\n").c_str(), to_));
+    static_cast<void>(std::fflush(to_));
   }
 
   std::string answer() {
