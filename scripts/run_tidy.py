@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over every source of a build; scripts/check_tidy.sh calls it.
+"""Runs clang-tidy over every C++ source of a build; scripts/check_tidy.sh calls it.
 
 Most of what clang-tidy does to a source is reading and matching other people's headers. So sources that are compiled
 alike are written into one, which is checked instead of them; what is found is reported where it stands. Sources that
@@ -106,7 +106,8 @@ def main(build, *only):
     shutil.rmtree(build / "tidy", ignore_errors=True)
     alike = {}
     for source, flags in compiled_sources(build, only).items():
-        alike.setdefault((rules_of(source), flags), []).append(source)
+        if source.suffix == ".cpp":  # the rules are for C++
+            alike.setdefault((rules_of(source), flags), []).append(source)
     if not alike:
         sys.exit(f"No source of {build} is among: {' '.join(only)}")
 

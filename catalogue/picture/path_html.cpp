@@ -102,7 +102,7 @@ class PageWriter {
     const std::string name = escapeXml(lane.name);
     out_ << "<tr data-name=\"" << name << "\"" << (lane.isMoved ? "" : " class=\"unmoved\"")
          << R"(><th scope="row" title=")" << name << "\"><bdi>" << name
-         << "</bdi><span class=\"now\" aria-hidden=\"true\"></span></th>";
+         << R"(</bdi><span class="now" aria-hidden="true"></span></th>)";
     bool begins = true;
     for (const PathCell& cell : cells) {
       writeCell(lane, cell, begins);

@@ -119,6 +119,7 @@ PathPicture drawSelection(const Selection& selection) {
 void addTies(pathfinder::VersionRepository& repository, const std::vector<BaselineHop>& path,
              PathPicture& picture) {
   std::vector<std::vector<StepTie>> ties;
+  ties.reserve(path.size());
   for (const BaselineHop& step : path) ties.push_back(tiesOf(repository, step));
   addTies(path, ties, picture);
 }
@@ -192,7 +193,7 @@ std::string weightText(std::uint64_t weight) {
 }
 
 std::string summarise(const PathPicture& picture) {
-  const std::string text =
+  std::string text =
       countedText(picture.steps.size(), "step") + ", weight " + weightText(picture.weight);
   if (!picture.leastProven) return text;
   if (*picture.leastProven >= picture.weight) {

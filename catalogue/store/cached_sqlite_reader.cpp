@@ -56,7 +56,7 @@ CachedSqliteReader::CachedSqliteReader(SqliteDatabase& database)
 
 CachedSqliteReader::Metamodels CachedSqliteReader::metamodelsIn(const std::u16string& name,
                                                                 const VersionRange& range) {
-  const Metamodels found = lookUp(name, range);
+  Metamodels found = lookUp(name, range);
   const auto isAsItStands = [&](const StoredMetamodel& stored) {
     return done_.contains(stored.position) && !leadBack_.contains(stored.position);
   };

@@ -18,7 +18,7 @@ namespace {
 /// Gives `file` the owner and group of another one, as far as that is possible, and its
 /// permissions. A group that it cannot have leaves no more than everybody's permissions to its own.
 bool takeAfter(const std::filesystem::path& file, const struct stat& other) {
-  constexpr uid_t unchanged = static_cast<uid_t>(-1);
+  constexpr auto unchanged = static_cast<uid_t>(-1);
   mode_t mode = other.st_mode & 0777;
   if (lchown(file.c_str(), other.st_uid, other.st_gid) != 0 &&
       lchown(file.c_str(), unchanged, other.st_gid) != 0) {

@@ -140,7 +140,8 @@ void writeFishCompletion(const Command& program, std::ostream& out) {
   std::string functions = helpers;
   const std::string mark = "@VALUED@";
   const std::string valued = join(optionsWithValue(program), " ");
-  for (std::size_t found; (found = functions.find(mark)) != std::string::npos;) {
+  for (std::size_t found = functions.find(mark); found != std::string::npos;
+       found = functions.find(mark)) {
     functions.replace(found, mark.size(), valued);
   }
   out << "# Completion of " << program.name << " for fish.\n\n"
