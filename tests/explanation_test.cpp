@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <set>
 #include <sstream>
@@ -453,6 +454,31 @@ TEST(Explanation, TellsTheSameOfWhatHasTooManyVariantsToLink) {
   const std::string badSource = "| A1 B1 C1 D1 E1 F1 P2 Q1 Z1 | P3 |";
   EXPECT_EQ(toldOf(many + "Z1:A[1,6)+B[1,6)+C[1,6)+D[1,6)+E[1,6)+F[1,6) " + badSource),
             toldOf(many + "Z1 " + badSource));
+}
+
+/// Wherever a limit is reached, what would take all memory to link is not linked instead.
+TEST(Explanation, OfWhatCannotBeLinkedAtAllObeysLimits) {
+  std::string catalogue = "P1 P2 Z1:A[1,10)";
+  std::string from = " | P1 Z1 A1";
+  for (const char name : {'B', 'C', 'D', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'L'}) {
+    catalogue.append("+").append(1, name).append("[1,10)");
+    from.append(" ").append(1, name).append("1");
+  }
+  for (const char name : std::string("ABCDEFGHIJKL")) {
+    for (int version = 1; version < 10; ++version) {
+      catalogue.append(" ").append(1, name).append(std::to_string(version));
+    }
+  }
+  RandomCase asked{QuestionText(catalogue + from + " | P2 |")};
+  for (int fifths = 0; fifths < 100; ++fifths) {
+    SearchLimits limits;
+    limits.deadline = std::chrono::steady_clock::now() + fifths * std::chrono::microseconds(200);
+    try {
+      const auto explanation = explain(*asked.repository, asked.question, 20, limits);
+      EXPECT_FALSE(std::holds_alternative<PathExists>(explanation.reason));
+    } catch (const SearchStopped&) {  // before it was known that there is no path
+    }
+  }
 }
 
 bool sameVersions(const VersionBaseline& left, const VersionBaseline& right) {

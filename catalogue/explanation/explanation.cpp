@@ -104,9 +104,11 @@ class Explaining {
   bool explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals) {
     const Direction direction = commonDirection(from, goals);
     const auto blocked = inquiry_.pose(question_.from, question_.to, direction);
+    if (inquiry_.stopped()) return blameAll(goals);
     if (!blocked) return explainInconsistentSource(from);
     if (!blocked->isClosed()) return false;
     auto source = findCheapest(*blocked, from);
+    if (inquiry_.stopped()) return blameAll(goals);
     if (!source) return false;
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
@@ -129,6 +131,14 @@ class Explaining {
     }
     inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
     result_.nearest = findNearestBaseline(posed);
+    return true;
+  }
+
+  /// What is known when a limit is reached before any part of the question was asked.
+  bool blameAll(const SelectedMetamodels& goals) {
+    NeverTogether all{.names = {}, .isMinimal = false};
+    for (const auto& [name, goal] : goals) all.names.push_back(name);
+    result_.reason = std::move(all);
     return true;
   }
 
