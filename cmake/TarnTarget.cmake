@@ -21,7 +21,8 @@ function(tarn_target_defaults target)
     target_link_options(${target} PRIVATE -fsanitize=${TARN_SANITIZE})
   endif()
   if(TARN_BUILD_FUZZERS)
-    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link
+      -fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/coverage_ignorelist.txt)
   endif()
 endfunction()
 
