@@ -93,7 +93,7 @@ CatalogueContent withLongTexts(TestRepository& repository) {
 class Originals : public StoreFolder {
  public:
   explicit Originals(CatalogueSize size) {
-    const std::string last = size == CatalogueSize::Small ? "3" : "60";
+    const std::string last = size == CatalogueSize::Small ? "3" : "30";
     TestRepository small("A1..3 B1:A[1,3) B2 A1>2 A2>3");
     CatalogueContent withQuestion = withLongTexts(small);
     withQuestion.question = Question{selection("A1"), selection("A3")};
