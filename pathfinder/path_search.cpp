@@ -99,4 +99,30 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
   return std::move(steps);
 }
 
+namespace {
+
+std::optional<Direction> directionOfBaselines(RepositoryAccess& access, const VersionsByName& from,
+                                              const VersionsByName& to) {
+  SelectionCombination combination(access, from.size() + to.size());
+  const std::vector<VersionBaseline> sources = combination.combine(from);
+  if (sources.empty()) return std::nullopt;
+  const std::vector<VersionBaseline> targets = combination.combine(to);
+  if (targets.empty()) return std::nullopt;
+  return access.directionBetween(sources.front(), targets.front());
+}
+
+}  // namespace
+
+std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
+                                                      const VersionsByName& from,
+                                                      const VersionsByName& to) {
+  try {
+    const LinkingBudget budget(linkingBudgetFor(from.size()));
+    return directionOfBaselines(access, from, to);
+  } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
+  }
+  const SelectionDirection found = directionBetweenSelections(access, from, to);
+  return found.isSettled ? found.direction : directionOfBaselines(access, from, to);
+}
+
 }  // namespace tarn::evolution::pathfinder

@@ -52,4 +52,9 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
                                                                 const VersionsByName& from,
                                                                 const VersionsByName& to);
 
+/// The direction in which that looks; no value where a selection stands for no baseline.
+std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
+                                                      const VersionsByName& from,
+                                                      const VersionsByName& to);
+
 }  // namespace tarn::evolution::pathfinder

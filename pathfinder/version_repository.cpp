@@ -280,4 +280,14 @@ VersionRepository::Direction VersionRepository::computeDirection(const VersionBa
   return result;
 }
 
+std::optional<VersionRepository::Direction> VersionRepository::findDirection(
+    const std::unordered_map<std::u16string, VersionId>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  RepositoryAccess access(*this);
+  const auto found = directionOfSelectionQuestion(access, from, to);
+  if (!found) return std::nullopt;
+  return Direction(*found);
+}
+
 }  // namespace tarn::evolution::pathfinder

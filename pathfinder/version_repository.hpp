@@ -320,6 +320,14 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// forward and others backward, or when none moves; never `Equal`.
   Direction computeDirection(const VersionBaseline& from, const VersionBaseline& to);
 
+  /// The direction in which `findPath` between two selections looks: that between the first
+  /// baselines of each, whose others are not listed where they are many. No value when either
+  /// cannot be combined into a baseline. Throws what `combine` throws, and SearchStopped when a
+  /// limit is reached.
+  std::optional<Direction> findDirection(const std::unordered_map<std::u16string, VersionId>& from,
+                                         const std::unordered_map<std::u16string, VersionId>& to,
+                                         const SearchLimits& limits = {});
+
   /// @}
 
  protected:

@@ -29,4 +29,10 @@ SelectionAnswer searchBetweenSelections(SelectionHost& /*host*/, const VersionsB
   return {false};
 }
 
+SelectionDirection directionBetweenSelections(SelectionHost& /*host*/,
+                                              const VersionsByName& /*from*/,
+                                              const VersionsByName& /*to*/) {
+  return {false};
+}
+
 }  // namespace tarn::evolution::pathfinder

@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "pathfinder/learning/dependency_survey.hpp"
+#include "pathfinder/learning/own_names.hpp"
+#include "pathfinder/learning/selection_direction.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
@@ -30,6 +32,7 @@ class DependencyBuilding {
     addVersions();
     addMoves();
     addRequirements();
+    refuseOwnNames();
     addStarts();
     addSources();
     addTarget();
@@ -142,6 +145,19 @@ class DependencyBuilding {
     result_.space->entryStarts.push_back(result_.space->entries.size());
   }
 
+  void refuseOwnNames() const {
+    std::vector<NeedingVersion> all;
+    all.reserve(result_.needs_.size());
+    for (VersionIndex version = 0; version < result_.needs_.size(); ++version) {
+      NeedingVersion& added = all.emplace_back();
+      added.name = result_.space->versions[version].name;
+      for (const auto& [name, admitted] : result_.needs_[version]) {
+        added.needs.push_back({name, {admitted.begin(), admitted.end()}});
+      }
+    }
+    if (mayBringInOwnName(all, result_.space->names.size())) throw NotForDependencies();
+  }
+
   void addRequirements(const Version& version) {
     for (const Dependency& dependency : version.descriptor->dependencies) {
       const auto needed = survey_.names.find(dependency.name);
@@ -251,22 +267,6 @@ class DependencyBuilding {
 };
 
 namespace {
-
-using Baseline = std::map<std::u16string, const Metamodel*>;
-
-/// As `VersionRepository::computeDirection` has it.
-Direction directionBetween(SelectionHost& host, const Baseline& source, const Baseline& target) {
-  Direction result = Direction::Unknown;
-  for (const auto& [name, after] : target) {
-    const auto before = source.find(name);
-    if (before == source.end()) continue;
-    const Direction direction = host.directionBetween(*before->second, *after);
-    if (direction == Direction::Equal || direction == Direction::Unknown) continue;
-    if (areOpposite(result, direction)) return Direction::Unknown;
-    result = direction;
-  }
-  return result;
-}
 
 /// Links what is selected, as far as that is easy: of a selection that stands for no baseline, it
 /// throws the conflict of a version that cannot be linked at all.

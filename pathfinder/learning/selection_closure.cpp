@@ -12,8 +12,10 @@
 
 #include <algorithm>
 #include <set>
+#include <string_view>
 #include <utility>
 
+#include "pathfinder/learning/own_names.hpp"
 #include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/values/name_order.hpp"
@@ -46,6 +48,7 @@ SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& se
   }
   for (const auto& [name, versions] : names_) selected_.push_back(&name);
   bringIn(host);
+  refuseOwnNames();
   for (auto& [name, versions] : names_) {
     for (Version& version : versions) addRefusals(host, name, version);
   }
@@ -78,6 +81,29 @@ void SelectionClosure::addNeeds(SelectionHost& host, const std::u16string& name,
       }
     }
   }
+}
+
+void SelectionClosure::refuseOwnNames() const {
+  std::map<std::u16string_view, std::size_t> numbers;
+  std::map<std::u16string_view, std::size_t> first;
+  std::size_t count = 0;
+  for (const auto& [name, versions] : names_) {
+    numbers.emplace(name, numbers.size());
+    first.emplace(name, count);
+    count += versions.size();
+  }
+  std::vector<NeedingVersion> all;
+  all.reserve(count);
+  for (const auto& [name, versions] : names_) {
+    for (const Version& version : versions) {
+      NeedingVersion& added = all.emplace_back(NeedingVersion{numbers.at(name)});
+      for (const auto& [needed, admitted] : version.needs) {
+        auto& need = added.needs.emplace_back(NeedingVersion::Need{numbers.at(*needed), {}});
+        for (const std::size_t place : admitted) need.admitted.push_back(first.at(*needed) + place);
+      }
+    }
+  }
+  if (mayBringInOwnName(all, names_.size())) throw NotForDependencies();
 }
 
 /// Once all versions that may be held are known.

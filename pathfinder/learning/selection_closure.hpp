@@ -90,6 +90,7 @@ class SelectionClosure {
   }
 
   void bringIn(SelectionHost& host);
+  void refuseOwnNames() const;
   void addRefusals(SelectionHost& host, const std::u16string& name, Version& version);
   void addNeeds(SelectionHost& host, const std::u16string& name, std::size_t place);
   std::size_t addVersion(const std::u16string& name, Metamodel&& descriptor);

@@ -13,6 +13,8 @@
 #include "pathfinder/learning/held_selections.hpp"
 #include "pathfinder/learning/learning_planner.hpp"
 #include "pathfinder/learning/plan_linking.hpp"
+#include "pathfinder/learning/selection_closure.hpp"
+#include "pathfinder/learning/selection_direction.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/first_way.hpp"
@@ -302,6 +304,21 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
   } catch (const NotLinkable&) {
     return {false};
   } catch (const LearningPlanner::Undecided&) {
+    return {false};
+  }
+}
+
+SelectionDirection directionBetweenSelections(SelectionHost& host, const VersionsByName& from,
+                                              const VersionsByName& to) {
+  try {
+    const SelectionClosure source(host, from);
+    const auto start = source.firstBaseline();
+    if (!start) return {};
+    const SelectionClosure target(host, to);
+    const auto end = target.firstBaseline();
+    if (!end) return {};
+    return {true, directionBetween(host, *start, *end)};
+  } catch (const NotForDependencies&) {
     return {false};
   }
 }

@@ -33,4 +33,14 @@ SelectionAnswer searchBetweenSelections(
     SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
     SelectionPlanning planning = SelectionPlanning::BackwardFirst);
 
+/// The direction of such a question.
+struct SelectionDirection {
+  bool isSettled = true;                             ///< otherwise dependencies do not tell it
+  std::optional<Direction> direction = std::nullopt;  ///< settled without one: an end is missing
+};
+
+/// That between the first baselines that the selections stand for.
+SelectionDirection directionBetweenSelections(SelectionHost& host, const VersionsByName& from,
+                                              const VersionsByName& to);
+
 }  // namespace tarn::evolution::pathfinder
