@@ -282,6 +282,7 @@ class SmallestSet {
  private:
   /// Looks for clashes of the names with one another before those with others.
   void findWhereStuck() {
+    if (!question_.mayLink && !question_.canAskForNearest()) return;
     const Names names(result_.names.begin(), result_.names.end());
     PosedQuestion part = question_.canAskForNearest()
                              ? question_

@@ -9,6 +9,7 @@
 #include "catalogue/explanation/linking_obstacle.hpp"
 #include "catalogue/explanation/missing_chain.hpp"
 #include "catalogue/explanation/nearest_baseline.hpp"
+#include "catalogue/explanation/own_name.hpp"
 #include "catalogue/explanation/posed_question.hpp"
 #include "catalogue/explanation/requirement_clash.hpp"
 #include "catalogue/model/conflicting_dependencies.hpp"
@@ -57,7 +58,10 @@ class Explaining {
     }
     const SelectedMetamodels from = lookUp(question_.from);
     const SelectedMetamodels goals = lookUp(question_.to);
-    if (!isLinkingBounded() && explainWithoutLinking(from, goals)) return;
+    if (!isBounded(from) || !isBounded(goals)) {
+      explainWithoutLinking(from, goals);
+      return;
+    }
     if (auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from)) {
       result_.reason = *std::move(inconsistency);
       return;
@@ -89,63 +93,92 @@ class Explaining {
     result_.nearest = findNearestBaseline(posed);
   }
 
-  /// Whether the two selections are linked and combined without a product of variants.
-  bool isLinkingBounded() {
-    try {
-      return inquiry_.repository().tryCombine(question_.from) &&
-             inquiry_.repository().tryCombine(question_.to);
-    } catch (const ConflictingDependencies&) {
-      return true;
+  /// Whether a selection is linked and combined without a product of variants.
+  bool isBounded(const SelectedMetamodels& selection) {
+    bool canBeLinked = true;
+    Selection versions;
+    for (const auto& [name, metamodel] : selection) {
+      const std::optional<bool> isLinkable = inquiry_.repository().isLinkable(metamodel);
+      if (!isLinkable) return false;
+      canBeLinked &= *isLinkable;
+      versions.emplace(name, metamodel.version);
     }
+    return !canBeLinked || inquiry_.repository().tryCombine(versions);
   }
 
-  /// Explains a question of which only the path finder can tell what may be held; false when it is
-  /// of another kind than it can be asked about.
-  bool explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals) {
-    const Direction direction = commonDirection(from, goals);
+  /// Explains a question of which at most the path finder can tell what may be held.
+  void explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals) {
+    std::vector<VersionBaseline> sources;
+    if (isBounded(from)) sources = inquiry_.combine(from);
+    const auto known = inquiry_.findDirection(question_);
+    const Direction direction =
+        known ? *known : commonDirection(sources.empty() ? from : heldBy(sources.front()), goals);
     const auto blocked = inquiry_.pose(question_.from, question_.to, direction);
-    if (inquiry_.stopped()) return blameAll(goals);
-    if (!blocked) return explainInconsistentSource(from);
-    if (!blocked->isClosed()) return false;
-    auto source = findCheapest(*blocked, from);
-    if (inquiry_.stopped()) return blameAll(goals);
-    if (!source) return false;
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
                         .graphs = &graphs,
                         .direction = direction,
-                        .sources = {std::move(source->baseline)},
                         .goals = goals,
                         .mayLink = false,
+                        .selected = &question_.from,
                         .blocked = blocked.get()};
-    findStarts(posed);
-    if (auto clash = findClashOfNeeds(goals)) {
+    if (blocked && blocked->isClosed()) {
+      if (auto source = findCheapest(*blocked, from)) {
+        posed.sources.push_back(std::move(source->baseline));
+      }
+    } else if (!inquiry_.stopped()) {
+      if (explainInconsistentSource(from)) return;
+      posed.sources = std::move(sources);
+    }
+    if (inquiry_.stopped()) {
+      blameAll(goals);
+    } else {
+      explainPosed(posed, from);
+    }
+  }
+
+  void explainPosed(PosedQuestion& posed, const SelectedMetamodels& from) {
+    result_.hasTooManyVariants = !posed.canAskForNearest() || posed.sources.empty();
+    if (posed.sources.empty()) {
+      findStartsOf(from, posed);
+    } else {
+      findStarts(posed);
+    }
+    if (auto clash = findClashOfNeeds(posed.goals)) {
       result_.reason = InconsistentSelection{QuestionSide::To, {}, std::move(clash), {}};
     } else {
-      explainImpassable(posed, [&]() -> std::optional<Path> {
-        const auto free = inquiry_.pose(question_.from, question_.to, Direction::Unknown);
-        auto found = free ? findCheapest(*free, goals) : std::nullopt;
-        if (!found) return std::nullopt;
-        return std::move(found->path);
-      });
+      explainImpassable(posed, [&] { return pathInAnyDirection(posed.goals); });
     }
+    if (posed.sources.empty()) return;
     inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
     result_.nearest = findNearestBaseline(posed);
-    return true;
+  }
+
+  /// No value as well when the path finder cannot be asked.
+  std::optional<Path> pathInAnyDirection(const SelectedMetamodels& goals) {
+    const auto free = inquiry_.pose(question_.from, question_.to, Direction::Unknown);
+    if (!free || !free->isClosed()) return std::nullopt;
+    auto found = findCheapest(*free, goals);
+    if (!found) return std::nullopt;
+    return std::move(found->path);
   }
 
   /// What is known when a limit is reached before any part of the question was asked.
-  bool blameAll(const SelectedMetamodels& goals) {
+  void blameAll(const SelectedMetamodels& goals) {
     NeverTogether all{.names = {}, .isMinimal = false};
     for (const auto& [name, goal] : goals) all.names.push_back(name);
     result_.reason = std::move(all);
-    return true;
   }
 
+  /// Whether the source contradicts itself.
   bool explainInconsistentSource(const SelectedMetamodels& from) {
+    if (isBounded(from)) {
+      auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from);
+      if (inconsistency) result_.reason = *std::move(inconsistency);
+      return inconsistency.has_value();
+    }
     auto clash = findClashOfNeeds(from);
-    // What leads back to its own name may stand back.
-    if (!clash || clash->parties.size() == 1) return false;
+    if (!clash) return false;
     result_.reason = InconsistentSelection{QuestionSide::From, {}, std::move(clash), {}};
     return true;
   }
@@ -166,11 +199,18 @@ class Explaining {
     });
   }
 
+  /// None where one of the parties may have what it needs of itself stand back.
   std::optional<Clash> findClashOfNeeds(const SelectedMetamodels& selection) {
+    LinkableRepository& repository = inquiry_.repository();
     Given given;
     for (const auto& [name, metamodel] : selection) given[name] = {metamodel};
-    return RequirementClashes(inquiry_.repository(), RequirementClashes::OfDependencies)
-        .find(given);
+    auto clash = RequirementClashes(repository, RequirementClashes::OfDependencies).find(given);
+    const bool isCertain =
+        clash && std::none_of(clash->parties.begin(), clash->parties.end(), [&](const auto& party) {
+          const auto selected = selection.find(party);
+          return selected != selection.end() && leadsToOwnName(repository, selected->second);
+        });
+    return isCertain ? std::move(clash) : std::nullopt;
   }
 
   static SelectedMetamodels heldBy(const VersionBaseline& baseline) {

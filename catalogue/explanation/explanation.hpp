@@ -160,8 +160,8 @@ struct Explanation {
   /// reason names. They count as older than all others; an equivalent could set the hop right.
   std::vector<NamedVersion> withoutOrder;
 
-  /// None when there is a path, when there is no consistent source to start from, and when a limit
-  /// was reached before the source was linked.
+  /// None when there is a path, when there is no consistent source to start from or none can be told
+  /// (see `hasTooManyVariants`), and when a limit was reached before the source was linked.
   std::optional<NearestBaseline> nearest;
 
   /// What the catalogue tells of the versions, hops and dependencies that are named here, in the
@@ -174,6 +174,12 @@ struct Explanation {
   /// The limit that was reached, if one was. That there is no path holds all the same; the parts
   /// that might have become better say that they are not proven.
   std::optional<pathfinder::SearchStopped::Reason> stopped = std::nullopt;
+
+  /// Whether the selections have too many linked variants to list, and the question is of a kind
+  /// that the path finder cannot be asked about without them. Then parts of it were not asked, the
+  /// target was only looked at for what it is in contradiction with, and versions that links bring
+  /// in count as if each could be held with any other.
+  bool hasTooManyVariants = false;
 };
 
 /// How many questions an explanation puts to the path finder unless told otherwise.
@@ -202,9 +208,7 @@ TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& reposit
 ///
 /// What is left until the deadline is divided as the budget is: half of it, at most, is for what
 /// blocks. The ceiling for memory holds for each question by itself, and `progress` is told of each
-/// one's own search. Between questions limits are looked at, too; but where the target has what the
-/// source does not hold, where links bring that in, and where hops go round in circles, the two
-/// selections of a question without a path are linked and combined without a look at them.
+/// one's own search. Between questions limits are looked at, too.
 TARN_EVOLUTION_CATALOGUE_EXPORT Explanation explain(BrowsableRepository& repository,
                                                     const Question& question, std::size_t budget,
                                                     const pathfinder::SearchLimits& limits);

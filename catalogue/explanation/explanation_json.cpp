@@ -31,6 +31,7 @@ class ExplanationWriter {
       if (!explanation.notes.empty()) writeFields("notes", explanation.notes);
       writeFields("questions", explanation.questions);
       if (explanation.stopped) writeFields("stopped", *explanation.stopped);
+      if (explanation.hasTooManyVariants) writeFields("tooManyVariants", true);
     });
   }
 

@@ -322,7 +322,10 @@ class Details {
 
 const char* whatCut(const Explanation& explanation) {
   using Reason = pathfinder::SearchStopped::Reason;
-  if (!explanation.stopped) return "the budget ended";
+  if (!explanation.stopped) {
+    return explanation.hasTooManyVariants ? "the linked variants became too many"
+                                          : "the budget ended";
+  }
   if (*explanation.stopped == Reason::DeadlinePassed) return "the time was up";
   if (*explanation.stopped == Reason::MemoryUsedUp) return "the memory was used up";
   return "it was stopped";
@@ -374,7 +377,7 @@ void writeExplanationText(const Explanation& explanation, const StepWeights& wei
   for (const Unlinkable& unlinkable : explanation.unlinkable) details.print(unlinkable);
   if (explanation.nearest) details.print(*explanation.nearest);
   details.print(explanation.notes);
-  if (explanation.stopped) {
+  if (explanation.stopped || explanation.hasTooManyVariants) {
     out << "The explanation is not finished: " << whatCut(explanation) << ".\n";
   }
 }

@@ -75,9 +75,8 @@ void HopGraph::addEdge(Inquiry& inquiry, const Hop& hop, Direction direction) {
   const auto from = find(hop.from);
   const auto to = target ? find(target->version) : std::nullopt;
   if (!from || !to) return;
-  if (inquiry.repository().hidesUnlinkable() && inquiry.repository().tryLink(*target) == nullptr) {
-    return;
-  }
+  LinkableRepository& repository = inquiry.repository();
+  if (repository.hidesUnlinkable() && !repository.isLinkable(*target).value_or(true)) return;
   const Direction hopDirection = inquiry.content().getDirection(versions_[*from], *target);
   edges_.push_back(
       {*from, *to, hop, VersionRepository::areDirectionsInconsistent(direction, hopDirection)});

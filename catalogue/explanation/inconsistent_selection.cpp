@@ -60,9 +60,8 @@ NamedVersions findRemedies(Inquiry& inquiry, std::vector<Candidates> candidates,
        aroundPosition(graph.find(selected.version).value_or(0), graph.versions().size())) {
     if (fitting.size() == mostRemedies || tried++ == mostTried) break;
     selected = graph.versions()[position];
-    const LinkedMetamodels* linked = inquiry.repository().tryLink(selected);
-    if (linked == nullptr) continue;
-    replaced->linked = *linked;
+    if (!inquiry.repository().isLinkable(selected).value_or(false)) continue;
+    replaced->linked = *inquiry.repository().tryLink(selected);
     const bool mayFit = anyLinksOwnName(candidates) || canStandTogether(candidates);
     if (mayFit && isConsistent(inquiry, selection).value_or(true)) fitting.push_back(position);
   }

@@ -42,15 +42,34 @@ std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,
   }
 }
 
-Answer Inquiry::ask(const std::vector<VersionBaseline>& from,
-                    const std::vector<VersionBaseline>& to, Direction direction) {
+template <class Find>
+Answer Inquiry::answerBy(const Find& find) {
   if (isSpent()) return {.isOpen = true};
   try {
-    return {.path = findPath(from, to, direction)};
+    return {.path = find()};
   } catch (const SearchStopped& stopped) {
     noteStopped(stopped.reason());
     return {.isOpen = true};
   }
+}
+
+Answer Inquiry::ask(const std::vector<VersionBaseline>& from,
+                    const std::vector<VersionBaseline>& to, Direction direction) {
+  return answerBy([&] { return findPath(from, to, direction); });
+}
+
+Answer Inquiry::ask(const Question& question) {
+  return answerBy([&] { return findPath(question); });
+}
+
+std::optional<Direction> Inquiry::findDirection(const Question& question) {
+  try {
+    return repository_.findDirection(question.from, question.to, limits_);
+  } catch (const SearchStopped& stopped) {
+    noteStopped(stopped.reason());
+  } catch (const ConflictingDependencies&) {  // NOLINT(bugprone-empty-catch)
+  }
+  return std::nullopt;
 }
 
 std::unique_ptr<pathfinder::BlockedQuestion> Inquiry::pose(const Selection& from,

@@ -62,6 +62,13 @@ class Inquiry {
   Answer ask(const std::vector<pathfinder::VersionBaseline>& from,
              const std::vector<pathfinder::VersionBaseline>& to, Direction direction);
 
+  /// The same between selections. No path as well where a version cannot be linked.
+  Answer ask(const Question& question);
+
+  /// The direction in which the path finder looks. No value when a selection stands for no baseline
+  /// or a limit is reached.
+  std::optional<Direction> findDirection(const Question& question);
+
   /// A question without a path that can be asked why; null for one that cannot, or when a limit is
   /// reached.
   std::unique_ptr<pathfinder::BlockedQuestion> pose(const Selection& from, const Selection& to,
@@ -112,6 +119,9 @@ class Inquiry {
   bool hasCut() const { return hasCut_; }
 
  private:
+  template <class Find>
+  Answer answerBy(const Find& find);
+
   BrowsableRepository& content_;
   LinkableRepository repository_;
   pathfinder::SearchLimits limits_;

@@ -19,6 +19,19 @@ const LinkedMetamodels* LinkableRepository::tryLink(const Metamodel& metamodel) 
   }
 }
 
+std::optional<bool> LinkableRepository::isLinkable(const Metamodel& metamodel) {
+  if (unlinkable_.contains(metamodel)) return false;
+  if (unbounded_.contains(metamodel)) return std::nullopt;
+  try {
+    if (tryCombine({{metamodel.name, metamodel.version}})) return true;
+    unbounded_.insert(metamodel);
+    return std::nullopt;
+  } catch (const ConflictingDependencies&) {
+    unlinkable_.insert(metamodel);
+    return false;
+  }
+}
+
 std::optional<pathfinder::SemVer> LinkableRepository::getEquivalentSemVer(
     const std::u16string& metamodelName, const std::u16string& versionText) {
   return content_.getEquivalentSemVer(metamodelName, versionText);
@@ -49,7 +62,7 @@ void LinkableRepository::findHops(const std::u16string& name, const pathfinder::
 
 bool LinkableRepository::leadsToUnlinkable(const Hop& hop) {
   const auto target = content_.getMetamodel(hop.name, hop.to);
-  if (!target || tryLink(*target) != nullptr) return false;
+  if (!target || isLinkable(*target).value_or(true)) return false;
   const bool isNew = std::find(hidden_.begin(), hidden_.end(), *target) == hidden_.end();
   if (isNew) hidden_.push_back(*target);
   return true;

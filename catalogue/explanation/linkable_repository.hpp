@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -14,7 +15,7 @@ using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel
 /// The content of another repository, which must outlive it, with linked metamodels of its own.
 ///
 /// Can be told to leave out the hops to versions that cannot be linked, over which the path finder
-/// would stumble.
+/// would stumble; those stay of which it would take too much to find out.
 class LinkableRepository : public pathfinder::VersionRepository,
                            public pathfinder::RequirementSource {
  public:
@@ -24,6 +25,10 @@ class LinkableRepository : public pathfinder::VersionRepository,
 
   /// The linked metamodels of a descriptor; null when it cannot be linked.
   const LinkedMetamodels* tryLink(const pathfinder::Metamodel& metamodel);
+
+  /// Whether a descriptor can be linked; no value when finding out would take more than bounds of
+  /// time and memory (see `tryCombine`).
+  std::optional<bool> isLinkable(const pathfinder::Metamodel& metamodel);
 
   /// From now on the hops to versions that cannot be linked are left out.
   void hideUnlinkable() { hidesUnlinkable_ = true; }
@@ -48,6 +53,7 @@ class LinkableRepository : public pathfinder::VersionRepository,
 
   BrowsableRepository& content_;
   std::unordered_set<pathfinder::Metamodel> unlinkable_;
+  std::unordered_set<pathfinder::Metamodel> unbounded_;
   std::vector<pathfinder::Metamodel> hidden_;
   bool hidesUnlinkable_ = false;
 };

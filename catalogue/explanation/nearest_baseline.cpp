@@ -18,6 +18,7 @@ using pathfinder::BaselineHop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
+using pathfinder::VersionRepository;
 
 namespace {
 
@@ -312,6 +313,44 @@ std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
   return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
 }
 
+bool goesAgainst(const PosedQuestion& question, const BaselineHop& step) {
+  return std::any_of(step.hops.begin(), step.hops.end(), [&](const auto& hop) {
+    const Direction direction = question.inquiry->repository().getDirection(
+        *step.from.metamodels.at(hop.first), *step.to.metamodels.at(hop.first));
+    return VersionRepository::areDirectionsInconsistent(question.direction, direction);
+  });
+}
+
+/// Without listing baselines: takes goal by goal as long as there is a path to all of them, up to
+/// so many questions. What the path finder answers has the direction of its own question.
+Arrival takeBySelections(const PosedQuestion& question) {
+  constexpr int mostQuestions = 30;
+  Arrival best{{}, question.sources.front()};
+  const auto holds = [&](const Metamodel& goal) {
+    const auto held = best.baseline.metamodels.find(goal.name);
+    return held != best.baseline.metamodels.end() && held->second->version == goal.version;
+  };
+  Question part{*question.selected, {}};
+  for (const auto& [name, goal] : question.goals) {
+    if (holds(goal)) part.to.emplace(name, goal.version);
+  }
+  int questions = 0;
+  for (const auto& [name, goal] : question.goals) {
+    if (holds(goal) || questions++ == mostQuestions) continue;
+    part.to.insert_or_assign(name, goal.version);
+    Answer answer = question.inquiry->ask(part);
+    const bool isNearer = answer.path && !answer.path->empty() &&
+                          std::none_of(answer.path->begin(), answer.path->end(),
+                                       [&](const auto& step) { return goesAgainst(question, step); });
+    if (isNearer) {
+      best = arrivalBy(question, *std::move(answer.path), {});
+    } else {
+      part.to.erase(name);
+    }
+  }
+  return best;
+}
+
 void describe(const PosedQuestion& question, NearestBaseline& result) {
   for (const auto& [name, goal] : question.goals) {
     const NamedVersion target{name, goal.version};
@@ -347,9 +386,12 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
     }
   }
   if (!question.mayLink) {
-    NearestBaseline source{.path = {}, .baseline = question.sources.front()};
-    describe(question, source);
-    return source;
+    Arrival arrival = question.canAskForNearest() ? Arrival{{}, question.sources.front()}
+                                                  : takeBySelections(question);
+    NearestBaseline result{.path = std::move(arrival.path),
+                           .baseline = std::move(arrival.baseline)};
+    describe(question, result);
+    return result;
   }
   GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;

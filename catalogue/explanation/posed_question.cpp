@@ -31,6 +31,10 @@ class Reach {
     for (const auto& [name, linked] : baseline.metamodels) enter(*linked);
   }
 
+  void enter(const Metamodel& metamodel) {
+    if (addNew(metamodel.version, reached_[metamodel.name])) waiting_.push_back(metamodel);
+  }
+
   /// Goes on until a version is found with which it shall end; whether there is one.
   template <class IsEnd>
   bool spreadTo(const IsEnd& isEnd) {
@@ -54,10 +58,6 @@ class Reach {
   }
 
  private:
-  void enter(const Metamodel& metamodel) {
-    if (addNew(metamodel.version, reached_[metamodel.name])) waiting_.push_back(metamodel);
-  }
-
   void followHops(const Metamodel& current) {
     std::vector<Hop> hops;
     repository_.findHops(current.name, current.version, hops);
@@ -109,6 +109,14 @@ void addHeld(const std::vector<VersionBaseline>& baselines, const std::u16string
   }
 }
 
+/// Adds to the newcomers' starts what may bring them in.
+void spread(Reach& reach, PosedQuestion& question) {
+  reach.spread();
+  for (const std::u16string& name : question.newcomers) {
+    for (const VersionId& version : reach.broughtIn(name)) addNew(version, question.starts[name]);
+  }
+}
+
 }  // namespace
 
 void findStarts(PosedQuestion& question) {
@@ -120,10 +128,24 @@ void findStarts(PosedQuestion& question) {
   if (question.newcomers.empty()) return;
   Reach reach(question.inquiry->repository(), question.direction, held);
   for (const VersionBaseline& source : question.sources) reach.enter(source);
-  reach.spread();
-  for (const std::u16string& name : question.newcomers) {
-    for (const VersionId& version : reach.broughtIn(name)) addNew(version, question.starts[name]);
+  spread(reach, question);
+}
+
+void findStartsOf(const SelectedMetamodels& selection, PosedQuestion& question) {
+  std::set<std::u16string> held;
+  for (const auto& [name, metamodel] : selection) held.insert(name);
+  for (const auto& [name, goal] : question.goals) {
+    std::vector<VersionId>& starts = question.starts[name];
+    const auto selected = selection.find(name);
+    if (selected == selection.end()) {
+      question.newcomers.insert(name);
+    } else {
+      starts.push_back(selected->second.version);
+    }
   }
+  Reach reach(question.inquiry->repository(), question.direction, held);
+  for (const auto& [name, metamodel] : selection) reach.enter(metamodel);
+  spread(reach, question);
 }
 
 bool mayMeetRequirements(const PosedQuestion& question) {

@@ -10,17 +10,22 @@
 
 namespace tarn::evolution::catalogue {
 
-/// A question whose versions are known and whose source is consistent, or a part of one.
+/// A question whose versions are known and whose source is consistent, as far as that can be told
+/// within bounds, or a part of one.
 struct PosedQuestion {
   Inquiry* inquiry;
   HopGraphs* graphs;
   Direction direction;
-  std::vector<pathfinder::VersionBaseline> sources = {};  ///< not empty
+
+  /// Not empty, unless nothing may be linked and the path finder knows no source.
+  std::vector<pathfinder::VersionBaseline> sources = {};
+
   SelectedMetamodels goals = {};
 
-  /// Whether linking is bounded. Otherwise nothing is linked but what the path finder holds, and
-  /// the question can be asked for what is nearest.
+  /// Whether linking is bounded. Otherwise no more is linked than the path finder does, and parts of
+  /// the question are asked of `blocked`, or from `selected`.
   bool mayLink = true;
+  const Selection* selected = nullptr;  ///< what is selected of the sources
 
   /// The same as a question that can be asked why it has no path; null when it is of another kind.
   pathfinder::BlockedQuestion* blocked = nullptr;
@@ -47,6 +52,10 @@ struct PosedQuestion {
 /// sources hold, each metamodel as if it could move alone: what that does not bring in, nothing
 /// does.
 void findStarts(PosedQuestion& question);
+
+/// The same for a question whose sources are not known but for what is selected of them: what that
+/// depends on may be brought in as well.
+void findStartsOf(const SelectedMetamodels& selection, PosedQuestion& question);
 
 /// Whether a version has requirements that the sources hold, or that hops and dependencies lead to
 /// from these, each metamodel as if it could move alone.
