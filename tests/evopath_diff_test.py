@@ -58,7 +58,7 @@ def random_needs(chance, name):
 def random_range(chance, mayUnite=True):
     kind = chance.random()
     if mayUnite and kind < 0.3:
-        return {"anyOf": [random_range(chance, False) for _ in range(chance.randint(1, 3))]}
+        return {"anyOf": [random_range(chance, False) for _ in range(chance.randint(2, 3))]}  # of one is that one
     if kind < 0.5:
         return chance.choice([*VERSIONS, "2.5.0"])
     return list(chance.choice([each for each in itertools.combinations(
