@@ -129,6 +129,16 @@ TEST_F(EvopathBrowse, ShowsARangeOfTheLargestPatchAsTheOneVersionThatItIs) {
   EXPECT_NE(json.find("\"range\": \"" + largest + "\""), std::string::npos) << json;
 }
 
+TEST_F(EvopathBrowse, ShowsHopsByTheEquivalentOfATextVersionAtThatVersion) {
+  write("named.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
+                            {"name": "A", "version": "spring", "semver": "2.0.0", "dependencies": []}],
+                          "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
+  expect("show named.json A=spring",
+         "A\n  spring = 2.0.0\n    from     1.0.0  expensive\n    linked   alone\n");
+  const auto graph = run("graph named.json --format mermaid").second;
+  EXPECT_NE(graph.find("m0v0 ==>|expensive| m0v1"), std::string::npos) << graph;
+}
+
 TEST_F(EvopathBrowse, ShowsWhoNeedsAMetamodel) {
   expect("show small.json --needed-by C",
          "C\n  A 2.0.0 needs [1.0.0, 3.0.0), 2 candidates\n  A 1.0.0 needs 1.0.0, only 1.0.0\n");

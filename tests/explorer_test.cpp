@@ -85,10 +85,37 @@ void makePrereleases(CatalogueContent& content) {
   }
 }
 
-/// What a random catalogue holds, with unions, names and notes that pages may stumble over, and
-/// pre-releases.
+/// Some hops to text versions name their equivalents instead.
+void nameEquivalents(CatalogueContent& content, Random& random) {
+  for (Hop& hop : content.hops) {
+    for (const CatalogueMetamodel& metamodel : content.metamodels) {
+      const bool isTarget = metamodel.equivalent && metamodel.descriptor.name == hop.name &&
+                            metamodel.descriptor.version == hop.to;
+      if (isTarget && random.chance(50)) hop.to = *metamodel.equivalent;
+    }
+  }
+}
+
+/// Needs that link nothing: optional ones, and ones that make cycles.
+void addNeeds(CatalogueContent& content, Random& random) {
+  for (CatalogueMetamodel& metamodel : content.metamodels) {
+    if (!random.chance(15)) continue;
+    const auto& other = content.metamodels[random.below(content.metamodels.size())].descriptor;
+    const VersionRange range = between(random.upTo(2), 2 + random.upTo(2));
+    if (random.chance(50)) {
+      metamodel.requirements.push_back({{other.name, range, true}, random.oneOf(hostileParts)});
+    } else if (other.name != metamodel.descriptor.name) {
+      metamodel.descriptor.dependencies.emplace_back(other.name, range);
+    }
+  }
+}
+
+/// What a random catalogue holds, with unions, names and notes that pages may stumble over,
+/// pre-releases, hops that name equivalents, and cycles.
 CatalogueContent hostile(CatalogueContent content, Random& random) {
   if (random.chance(50)) makePrereleases(content);
+  if (random.chance(50)) nameEquivalents(content, random);
+  if (random.chance(50)) addNeeds(content, random);
   std::map<std::u16string, std::u16string> names;
   const auto rename = [&](std::u16string& name) {
     const auto [entry, isNew] = names.try_emplace(name, name);
@@ -98,6 +125,7 @@ CatalogueContent hostile(CatalogueContent content, Random& random) {
   for (CatalogueMetamodel& metamodel : content.metamodels) {
     rename(metamodel.descriptor.name);
     if (random.chance(20)) metamodel.note = random.oneOf(hostileParts);
+    for (auto& requirement : metamodel.requirements) rename(requirement.needed.name);
     for (auto& dependency : metamodel.descriptor.dependencies) {
       rename(dependency.name);
       if (random.chance(20)) dependency.range = unionOf({dependency.range, between(2, 3)});
@@ -121,7 +149,18 @@ void expectVersions(const json& rows, std::size_t number, BrowsableRepository& r
     const CatalogueMetamodel& own = *byText.at(rows["versions"][number][i]);
     EXPECT_LE(before, own.precedence());
     before = own.precedence();
-    const auto& dependencies = own.descriptor.dependencies;
+    auto dependencies = own.descriptor.dependencies;
+    json expected = json::array();
+    for (const auto& [needed, note] : own.requirements) {
+      const char* why = needed.isOptional ? "if it is there" : "not linked";
+      expected.push_back({number, i, dependencies.size(), why});
+      dependencies.emplace_back(needed.name, needed.range);
+    }
+    json unlinked = json::array();
+    for (const json& each : rows["unlinked"]) {
+      if (each[0] == number && each[1] == i) unlinked.push_back(each);
+    }
+    EXPECT_EQ(unlinked, expected);
     ASSERT_EQ(rows["needs"][number][i].size(), dependencies.size());
     for (std::size_t place = 0; place < dependencies.size(); ++place) {
       const json& range = rows["ranges"][rows["needs"][number][i][place].get<std::size_t>()];
@@ -135,14 +174,15 @@ void expectVersions(const json& rows, std::size_t number, BrowsableRepository& r
       }
       std::vector<Metamodel> admitted;
       repository.findMetamodels(dependencies[place].name, dependencies[place].range, admitted);
-      std::set<std::string> expected;
-      for (const Metamodel& each : admitted) expected.insert(shownAs(each.version));
-      EXPECT_EQ(shown, expected) << range;
+      std::set<std::string> fitting;
+      for (const Metamodel& each : admitted) fitting.insert(shownAs(each.version));
+      EXPECT_EQ(shown, fitting) << range;
     }
   }
 }
 
-void expectHops(const json& rows, std::size_t number, const std::vector<Hop>& hops) {
+void expectHops(const json& rows, std::size_t number, BrowsableRepository& repository,
+                const std::vector<Hop>& hops) {
   json shown = json::array();
   for (std::size_t i = 0; i < rows["hops"][number].size(); i += 3) {
     const auto versionAt = [&](std::size_t place) {
@@ -151,8 +191,10 @@ void expectHops(const json& rows, std::size_t number, const std::vector<Hop>& ho
     shown.push_back({versionAt(i), versionAt(i + 1), rows["hops"][number][i + 2] == 1});
   }
   json expected = json::array();
-  for (const Hop& hop : hops)
-    expected.push_back({shownAs(hop.from), shownAs(hop.to), hop.expensive});
+  for (const Hop& hop : hops) {
+    const auto target = repository.getMetamodel(hop.name, hop.to);
+    expected.push_back({shownAs(hop.from), shownAs(target->version), hop.expensive});
+  }
   EXPECT_EQ(shown, expected);
 }
 
@@ -166,6 +208,7 @@ std::multiset<std::string> notesOf(BrowsableRepository& repository) {
     for (const auto& each : repository.listMetamodels(name)) {
       add(each.note);
       for (const auto& note : each.dependencyNotes) add(note);
+      for (const auto& requirement : each.requirements) add(requirement.note);
     }
     for (const auto& hop : repository.listHops(name)) add(repository.findHopNote(hop));
   }
@@ -192,7 +235,7 @@ TEST(Explorer, HoldsAllRowsOfRandomCatalogues) {
     for (std::size_t i = 0; i < names.size(); ++i) {
       EXPECT_EQ(rows["names"][i], ustring_to_utf8(names[i]));
       expectVersions(rows, i, *repository, repository->listMetamodels(names[i]));
-      expectHops(rows, i, repository->listHops(names[i]));
+      expectHops(rows, i, *repository, repository->listHops(names[i]));
     }
     std::multiset<std::string> notes;
     for (const char* kind : {"versions", "needs", "hops"}) {
@@ -201,11 +244,15 @@ TEST(Explorer, HoldsAllRowsOfRandomCatalogues) {
     EXPECT_EQ(notes, notesOf(*repository));
     run.count("notes", !notes.empty());
     run.count("pre-releases", rows["versions"].dump().find("-rc.1") != std::string::npos);
+    run.count("needs that do not link", !rows["unlinked"].empty());
     run.count("unions", rows["ranges"].dump().find(" or ") != std::string::npos);
     run.count("texts that stand for others", !rows["semver"].empty());
   });
-  run.expectPercentages(
-      {{"notes", 10}, {"pre-releases", 2}, {"unions", 5}, {"texts that stand for others", 5}});
+  run.expectPercentages({{"notes", 10},
+                         {"pre-releases", 2},
+                         {"unions", 5},
+                         {"texts that stand for others", 5},
+                         {"needs that do not link", 5}});
 }
 
 /// For each metamodel with hops up the newest version that the path finder reaches from the oldest
@@ -219,8 +266,10 @@ std::map<std::string, std::tuple<std::string, std::string, bool>> farthest(
       return left.precedence() < right.precedence();
     });
     const auto placeOf = [&](const VersionId& version) {
-      return std::find_if(versions.begin(), versions.end(),
-                          [&](const auto& each) { return each.descriptor.version == version; });
+      const auto meant = repository.getMetamodel(name, version);
+      return std::find_if(versions.begin(), versions.end(), [&](const auto& each) {
+        return each.descriptor.version == meant->version;
+      });
     };
     std::set<std::size_t> reached;
     const auto hops = repository.listHops(name);
@@ -293,6 +342,17 @@ TEST(Explorer, BeginsWithTheCataloguesQuestionAndLeavesOutWhatIsTooMuch) {
     ASSERT_EQ(some.answers.size(), 2 - less);
     EXPECT_EQ(some.answers.back().answer, all.answers[less == 0 ? 2 : 0].answer);
   }
+}
+
+TEST(Explorer, LeavesOutHopsThatAreNeverOffered) {
+  TestRepository described("A1..3");
+  CatalogueContent content = contentOf(described);
+  content.metamodels[1].descriptor.version = VersionId(u"two");
+  content.metamodels[1].equivalent = SemVer{2, 0, 0};
+  CatalogueRepository repository{Catalogue(content)};
+  EXPECT_EQ(explore(repository, {})["hops"], json::parse("[[0, 1, 0]]"));  // not from 2.0.0
+  EXPECT_EQ(answerCustomaryQuestions(repository, {1}).answers.at(0).question->to,
+            (Selection{{u"A", VersionId(u"two")}}));
 }
 
 class ExplorerCommand : public testing::Test, protected EvopathProgram {};

@@ -15,6 +15,7 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/comparison/asked_catalogue.hpp"
 #include "catalogue/model/row_key.hpp"
+#include "catalogue/model/same_rows.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -32,15 +33,14 @@ class Mixture {
   Mixture(const CatalogueContent& worse, const CatalogueContent& better)
       : worse_(worse), better_(better), difference_(differenceBetween(worse, better)) {
     std::erase_if(difference_.versions, [](const VersionDifference& each) {
-      return each.former && each.present && each.former->descriptor == each.present->descriptor &&
-             each.former->equivalent == each.present->equivalent;
+      return each.former && each.present && isSameBesideNotes(*each.former, *each.present);
     });
-    const CatalogueIndex worseIndex(worse.metamodels, {});
-    const CatalogueIndex betterIndex(better.metamodels, {});
+    findEndsOfOne();
+    const Keys worseVersions = versionsOf(worse);
+    const Keys betterVersions = versionsOf(better);
     std::erase_if(difference_.hops, [&](const HopDifference& each) {
-      const bool isNote =
-          each.former && each.present && each.former->expensive == each.present->expensive;
-      return isNote || !hasEnds(worseIndex, each.any()) || !hasEnds(betterIndex, each.any());
+      if (each.former && each.present) return each.former->expensive == each.present->expensive;
+      return !areIn(worseVersions, each.any()) || !areIn(betterVersions, each.any());
     });
     for (const Hop& hop : worse.hops) worseHops_.insert(keyOf(hop));
     for (const auto& hop : difference_.hops) differentHops_.insert(keyOf(hop.any()));
@@ -98,6 +98,40 @@ class Mixture {
   }
 
  private:
+  /// The versions that a hop means in the catalogue that has it.
+  struct Ends {
+    std::u16string from;
+    std::u16string to;
+  };
+
+  static Keys versionsOf(const CatalogueContent& content) {
+    Keys keys;
+    for (const CatalogueMetamodel& metamodel : content.metamodels) keys.insert(keyOf(metamodel));
+    return keys;
+  }
+
+  void findEndsOfOne() {
+    const CatalogueIndex worseIndex(worse_.metamodels, {});
+    const CatalogueIndex betterIndex(better_.metamodels, {});
+    for (const HopDifference& each : difference_.hops) {
+      if (each.former && each.present) continue;
+      const auto& index = each.former ? worseIndex : betterIndex;
+      const auto& metamodels = (each.former ? worse_ : better_).metamodels;
+      const Hop& hop = each.any();
+      const auto from = index.metamodelOf(hop.name, hop.from);
+      const auto to = index.metamodelOf(hop.name, hop.to);
+      endsOfOne_.emplace(keyOf(hop),
+                         Ends{keyOf(metamodels[from.value()]), keyOf(metamodels[to.value()])});
+    }
+  }
+
+  /// Whether the versions that a hop means are there, for one that only one catalogue has:
+  /// elsewhere its ends may mean others.
+  bool areIn(const Keys& versions, const Hop& hop) const {
+    const Ends& ends = endsOfOne_.at(keyOf(hop));
+    return versions.contains(ends.from) && versions.contains(ends.to);
+  }
+
   static bool hasEnds(const CatalogueIndex& index, const Hop& hop) {
     return !index.metamodelsAt(hop.name, hop.from).empty() &&
            !index.metamodelsAt(hop.name, hop.to).empty();
@@ -111,20 +145,25 @@ class Mixture {
 
   void addHops(const Keys& taken, CatalogueContent& content) const {
     const CatalogueIndex index(content.metamodels, {});
+    const Keys versions = versionsOf(content);
+    const auto fits = [&](const Hop& hop) {
+      return endsOfOne_.contains(keyOf(hop)) ? areIn(versions, hop) : hasEnds(index, hop);
+    };
     for (const Hop& hop : worse_.hops) {
-      if (!taken.contains(keyOf(hop)) && hasEnds(index, hop)) content.hops.push_back(hop);
+      if (!taken.contains(keyOf(hop)) && fits(hop)) content.hops.push_back(hop);
     }
     for (const Hop& hop : better_.hops) {
       const std::u16string key = keyOf(hop);
       const bool isTaken =
           differentHops_.contains(key) ? taken.contains(key) : !worseHops_.contains(key);
-      if (isTaken && hasEnds(index, hop)) content.hops.push_back(hop);
+      if (isTaken && fits(hop)) content.hops.push_back(hop);
     }
   }
 
   const CatalogueContent& worse_;
   const CatalogueContent& better_;
   ContentDifference difference_;  // from the worse to the better
+  std::unordered_map<std::u16string, Ends> endsOfOne_;
   Keys worseHops_;
   Keys differentHops_;
 };

@@ -211,7 +211,9 @@ class Comparer {
       const CatalogueMetamodel metamodel = former_.metamodels()[i];
       const auto found = present.find(keyOf(metamodel));
       if (found == present.end()) {
-        if (needsMissing(metamodel)) result_.unlinkable.push_back(versionOf(metamodel));
+        if (before[i] == Linkability::Linkable && needsMissing(metamodel)) {
+          result_.unlinkable.push_back(versionOf(metamodel));
+        }
         continue;
       }
       const bool isUndecided =

@@ -16,27 +16,49 @@ using pathfinder::Hop;
 
 namespace {
 
+/// Of rows with one key, that which counts: a path takes the hop of least weight.
+bool countsBefore(const CatalogueMetamodel&, const CatalogueMetamodel&) {
+  return false;  // no version stands twice
+}
+bool countsBefore(const Hop& hop, const Hop& other) {
+  return !hop.expensive && other.expensive;
+}
+
+template <class Row>
+using RowsByKey = std::unordered_map<std::u16string, const Row*>;
+
+template <class Row>
+RowsByKey<Row> thoseThatCount(const std::vector<Row>& rows) {
+  RowsByKey<Row> result;
+  for (const Row& row : rows) {
+    const auto [entry, isNew] = result.emplace(keyOf(row), &row);
+    if (!isNew && countsBefore(row, *entry->second)) entry->second = &row;
+  }
+  return result;
+}
+
 /// Compares rows by their keys.
 template <class Difference, class Row, class IsSame>
 std::vector<Difference> compare(const std::vector<Row>& former, const std::vector<Row>& present,
                                 const IsSame& isSame) {
-  std::unordered_map<std::u16string, const Row*> left;
-  for (const Row& row : former) left.emplace(keyOf(row), &row);
+  const RowsByKey<Row> before = thoseThatCount(former);
+  const RowsByKey<Row> now = thoseThatCount(present);
   std::vector<Difference> result;
   std::unordered_set<std::u16string> met;
-  for (const Row& row : present) {
-    const std::u16string key = keyOf(row);
+  for (const Row& each : present) {
+    const std::u16string key = keyOf(each);
     if (!met.insert(key).second) continue;
-    const auto found = left.find(key);
-    if (found == left.end()) {
+    const Row& row = *now.at(key);
+    const auto found = before.find(key);
+    if (found == before.end()) {
       result.push_back({std::nullopt, row});
     } else if (!isSame(*found->second, row)) {
       result.push_back({*found->second, row});
     }
   }
-  for (const Row& row : former) {
-    const std::u16string key = keyOf(row);
-    if (met.insert(key).second) result.push_back({row, std::nullopt});
+  for (const Row& each : former) {
+    const std::u16string key = keyOf(each);
+    if (met.insert(key).second) result.push_back({*before.at(key), std::nullopt});
   }
   return result;
 }
@@ -136,10 +158,11 @@ CatalogueContent withoutVersions(const CatalogueContent& content, const Selectio
     names.clear();
     for (const auto& metamodel : result.metamodels) names.insert(metamodel.descriptor.name);
   }
-  const CatalogueIndex left(result.metamodels, {});
+  std::unordered_set<std::u16string> left;
+  for (const auto& metamodel : result.metamodels) left.insert(keyOf(metamodel));
   std::erase_if(result.hops, [&](const Hop& hop) {
-    return left.metamodelsAt(hop.name, hop.from).empty() ||
-           left.metamodelsAt(hop.name, hop.to).empty();
+    return !left.contains(keyMeant(content, all, hop.name, hop.from)) ||
+           !left.contains(keyMeant(content, all, hop.name, hop.to));
   });
   result.question.reset();
   return result;

@@ -19,7 +19,8 @@ struct VersionDifference {
   const CatalogueMetamodel& any() const { return present ? *present : *former; }
 };
 
-/// A hop of which this is true. One that a catalogue has several times counts once, as the first.
+/// A hop of which this is true. One that a catalogue has several times counts once, as the first of
+/// least weight.
 struct HopDifference {
   std::optional<pathfinder::Hop> former;
   std::optional<pathfinder::Hop> present;

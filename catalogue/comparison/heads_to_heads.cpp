@@ -5,7 +5,6 @@
 #include <numeric>
 #include <optional>
 #include <set>
-#include <span>
 #include <utility>
 
 namespace tarn::evolution::catalogue {
@@ -29,9 +28,10 @@ class Chains {
     isLeft_.resize(versions_.size());
     for (const auto position : index.hopsOf(name)) {
       const auto hop = catalogue.hops()[position];
-      const auto from = numberOf(index.metamodelsAt(name, hop.from));
-      const auto to = numberOf(index.metamodelsAt(name, hop.to));
-      if (from && to && *from < *to) join(*from, *to);
+      const auto from = numberOf(index.metamodelOf(name, hop.from));
+      const auto to = numberOf(index.metamodelOf(name, hop.to));
+      const bool isOffered = from && versions_[*from] == hop.from;  // not from an equivalent
+      if (isOffered && to && *from < *to) join(*from, *to);
     }
   }
 
@@ -62,9 +62,8 @@ class Chains {
   }
 
  private:
-  std::optional<std::size_t> numberOf(std::span<const CatalogueIndex::Position> positions) const {
-    if (positions.empty()) return std::nullopt;
-    const auto found = numbers_.find(positions.front());
+  std::optional<std::size_t> numberOf(std::optional<CatalogueIndex::Position> position) const {
+    const auto found = position ? numbers_.find(*position) : numbers_.end();
     return found == numbers_.end() ? std::nullopt : std::optional(found->second);
   }
 

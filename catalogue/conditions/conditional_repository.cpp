@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
@@ -52,20 +51,13 @@ PathConditions resolved(BrowsableRepository& content, PathConditions conditions)
   return conditions;
 }
 
-bool canLink(pathfinder::VersionRepository& repository, const Metamodel& metamodel) {
-  try {
-    repository.getLinkedMetamodels(metamodel);
-    return true;
-  } catch (const ConflictingDependencies&) {
-    return false;
-  }
-}
-
 }  // namespace
 
 ConditionalRepository::ConditionalRepository(BrowsableRepository& content,
                                              const PathConditions& conditions)
-    : content_(content), conditions_(resolved(content, conditions)) {
+    : content_(content),
+      conditions_(resolved(content, conditions)),
+      remaining_(content, conditions_) {
   useRequirements(*this);
   for (const auto& [name, version] : conditions_.via) {
     auto& versions = passed_[name];
@@ -87,7 +79,7 @@ std::optional<Metamodel> ConditionalRepository::getMetamodel(const std::u16strin
                                                              const VersionId& version) {
   const auto [plain, marks] = read(name, version);
   auto metamodel = content_.getMetamodel(name, plain);
-  if (!metamodel || isAvoided(*metamodel)) return std::nullopt;
+  if (!metamodel || remaining_.isAvoided(*metamodel)) return std::nullopt;
   metamodel->version = mark(name, metamodel->version, marks);
   return metamodel;
 }
@@ -98,13 +90,12 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
   std::vector<Metamodel> found;
   content_.findMetamodels(name, range, found);
   for (Metamodel& metamodel : found) {
-    if (isAvoided(metamodel)) continue;
+    if (!remaining_.holds(metamodel)) continue;
     const VersionId version = metamodel.version;
     const Marks own = marksAt(name, version);
     for (Marks marks = 0; marks <= allMarks(name); ++marks) {
       if ((marks & own) != own) continue;
       metamodel.version = mark(name, version, marks);
-      if (!canBeLinked(metamodel)) break;
       result.push_back(metamodel);
     }
   }
@@ -127,9 +118,9 @@ void ConditionalRepository::findHops(const std::u16string& name, const VersionId
   content_.findHops(name, plain, hops);
   for (const Hop& hop : hops) {
     auto target = content_.getMetamodel(name, hop.to);
-    if (!target || isAvoided(*target) || !canLink(content_, *target)) continue;
+    if (!target || !canLink(content_, *target) || !remaining_.holds(*target)) continue;
     target->version = mark(name, target->version, marks | marksAt(name, target->version));
-    if (canBeLinked(*target)) result.emplace_back(name, from, target->version, hop.expensive);
+    result.emplace_back(name, from, target->version, hop.expensive);
   }
 }
 
@@ -211,25 +202,11 @@ ConditionalRepository::Marked ConditionalRepository::read(const std::u16string& 
   return {written, marks};
 }
 
-bool ConditionalRepository::isAvoided(const Metamodel& metamodel) const {
-  const auto avoided = conditions_.avoided.find(metamodel.name);
-  if (avoided == conditions_.avoided.end()) return false;
-  const auto& versions = avoided->second;
-  return std::find(versions.begin(), versions.end(), metamodel.version) != versions.end();
-}
-
-bool ConditionalRepository::canBeLinked(const Metamodel& metamodel) {
-  if (unlinkable_.contains(metamodel)) return false;
-  if (canLink(*this, metamodel)) return true;
-  unlinkable_.insert(metamodel);
-  return false;
-}
-
 /// None where a version is not there or cannot be linked.
 std::vector<VersionBaseline> ConditionalRepository::combineMarked(const Selection& marked) {
   for (const auto& [name, version] : marked) {
-    const auto metamodel = getMetamodel(name, version);
-    if (!metamodel || !canBeLinked(*metamodel)) return {};
+    const auto metamodel = content_.getMetamodel(name, read(name, version).version);
+    if (!metamodel || !remaining_.holds(*metamodel)) return {};
   }
   return combine(marked);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <unordered_map>
-#include <unordered_set>
 
 #include "catalogue/conditions/conditional_path.hpp"
+#include "catalogue/conditions/remaining_versions.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -51,15 +51,13 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   pathfinder::VersionId mark(const std::u16string& name, const pathfinder::VersionId& version,
                              Marks marks) const;
   Marked read(const std::u16string& name, const pathfinder::VersionId& version) const;
-  bool isAvoided(const pathfinder::Metamodel& metamodel) const;
-  bool canBeLinked(const pathfinder::Metamodel& metamodel);
   std::vector<pathfinder::VersionBaseline> combineMarked(const Selection& marked);
   pathfinder::VersionBaseline inContent(const pathfinder::VersionBaseline& baseline);
 
   BrowsableRepository& content_;
   const PathConditions conditions_;
   std::unordered_map<std::u16string, std::vector<pathfinder::VersionId>> passed_;
-  std::unordered_set<pathfinder::Metamodel> unlinkable_;
+  RemainingVersions remaining_;
 };
 
 }  // namespace tarn::evolution::catalogue

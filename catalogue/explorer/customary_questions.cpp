@@ -14,7 +14,7 @@ std::vector<std::vector<std::size_t>> listHopsUp(BrowsableRepository& repository
   std::vector<std::vector<std::size_t>> up(versions.size());
   for (const pathfinder::Hop& hop : repository.listHops(versions.name())) {
     const auto from = versions.find(hop.from);
-    const auto to = versions.find(hop.to);
+    const auto to = versions.findMeant(hop.to);
     if (from && to && *from < *to) up[*from].push_back(*to);
   }
   return up;

@@ -183,11 +183,15 @@ class RowsWriter {
     });
   }
 
+  /// A hop from what no version carries is never offered, so that none has it.
   void writeHopsOf(std::size_t name) {
     std::uint64_t place = 0;
     for (const pathfinder::Hop& hop : repository_.listHops(metamodels_[name].name())) {
-      printer_.value(std::uint64_t{metamodels_[name].find(hop.from).value()});
-      printer_.value(std::uint64_t{metamodels_[name].find(hop.to).value()});
+      const auto from = metamodels_[name].find(hop.from);
+      const auto to = metamodels_[name].findMeant(hop.to);
+      if (!from || !to) continue;
+      printer_.value(std::uint64_t{*from});
+      printer_.value(std::uint64_t{*to});
       printer_.value(std::uint64_t{hop.expensive});
       tell(hopNotes_, {name, place++}, repository_.findHopNote(hop));
     }

@@ -7,7 +7,7 @@
 namespace tarn::evolution::catalogue {
 
 NumberedVersions::NumberedVersions(BrowsableRepository& repository, const std::u16string& name)
-    : name_(name), versions_(repository.listMetamodels(name)) {
+    : repository_(repository), name_(name), versions_(repository.listMetamodels(name)) {
   std::stable_sort(versions_.begin(), versions_.end(),
                    [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
                      return left.precedence() < right.precedence();
@@ -20,6 +20,12 @@ NumberedVersions::NumberedVersions(BrowsableRepository& repository, const std::u
 std::optional<std::size_t> NumberedVersions::find(const pathfinder::VersionId& version) const {
   const auto found = numbers_.find(textOf(version));
   return found == numbers_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<std::size_t> NumberedVersions::findMeant(const pathfinder::VersionId& version) const {
+  if (const auto carrying = find(version)) return carrying;
+  const auto meant = repository_.getMetamodel(name_, version);
+  return meant ? find(meant->version) : std::nullopt;
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -11,7 +11,7 @@
 namespace tarn::evolution::catalogue {
 
 /// The versions of a metamodel, numbered from 0: those without a precedence first, in the
-/// catalogue's order, then by ascending precedence.
+/// catalogue's order, then by ascending precedence. The repository must outlive it.
 class NumberedVersions {
  public:
   NumberedVersions(BrowsableRepository& repository, const std::u16string& name);
@@ -23,7 +23,11 @@ class NumberedVersions {
   /// The number of the version that is written so.
   std::optional<std::size_t> find(const pathfinder::VersionId& version) const;
 
+  /// The same, or else that of the version which is equivalent to it, as the end of a hop may be.
+  std::optional<std::size_t> findMeant(const pathfinder::VersionId& version) const;
+
  private:
+  BrowsableRepository& repository_;
   std::u16string name_;
   std::vector<CatalogueMetamodel> versions_;
   std::unordered_map<std::string, std::size_t> numbers_;  // by text, which no two share

@@ -106,11 +106,18 @@ class GraphBuilder {
     return CatalogueGraph::End{shown.group, found->second};
   }
 
+  /// A hop may lead to a text version by its equivalent.
+  std::optional<CatalogueGraph::End> findTarget(const Shown& shown, const Hop& hop) {
+    if (const auto end = findEnd(shown, hop.to)) return end;
+    const auto target = repository_.getMetamodel(hop.name, hop.to);
+    return target ? findEnd(shown, target->version) : std::nullopt;
+  }
+
   void addHops() {
     for (const auto& [name, shown] : shown_) {
       for (const Hop& hop : repository_.listHops(name)) {
         const auto from = findEnd(shown, hop.from);
-        const auto to = findEnd(shown, hop.to);
+        const auto to = findTarget(shown, hop);
         if (!from || !to) continue;
         count();
         graph_.hops.push_back(

@@ -30,10 +30,12 @@ std::vector<CatalogueMetamodel> listInOrder(BrowsableRepository& repository,
 /// The hops of a metamodel by version, so that a long history is gone through once.
 class HopsByVersion {
  public:
-  HopsByVersion(BrowsableRepository& repository, const std::u16string& name)
+  HopsByVersion(BrowsableRepository& repository, const std::u16string& name,
+                const std::vector<CatalogueMetamodel>& versions)
       : repository_(repository) {
+    for (const CatalogueMetamodel& each : versions) in_[each.descriptor.version];
     for (const Hop& hop : repository.listHops(name)) {
-      in_[hop.to].push_back(hop);
+      in_[meantBy(hop)].push_back(hop);
       out_[hop.from].push_back(hop);
     }
   }
@@ -58,6 +60,13 @@ class HopsByVersion {
   };
   using Hops = std::unordered_map<VersionId, std::vector<Hop>, Hash>;
 
+  /// A hop may lead to a text version by its equivalent.
+  VersionId meantBy(const Hop& hop) const {
+    if (in_.contains(hop.to)) return hop.to;
+    const auto metamodel = repository_.getMetamodel(hop.name, hop.to);
+    return metamodel ? metamodel->version : hop.to;
+  }
+
   static std::vector<Hop> lookUp(const Hops& hops, const VersionId& version) {
     const auto found = hops.find(version);
     return found == hops.end() ? std::vector<Hop>() : found->second;
@@ -76,7 +85,7 @@ MetamodelDetails describeMetamodel(BrowsableRepository& repository, const std::u
     throw std::invalid_argument("there is no metamodel \"" +
                                 toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
   }
-  const HopsByVersion hops(repository, name);
+  const HopsByVersion hops(repository, name, versions);
   MetamodelDetails details{name, {}};
   for (const CatalogueMetamodel& version : versions) {
     details.versions.push_back(hops.detail(version));
