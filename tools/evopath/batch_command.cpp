@@ -139,9 +139,7 @@ void addBatchCommand(CLI::App& program, Action& action) {
   batch->footer(
       "Answers are JSON, a line each, in the order of the questions; \"line\" says which one it "
       "answers.\n"
-      "A question that cannot be asked, or that a limit ends, is answered by saying so. Limits "
-      "are\n"
-      "those of each question.\n"
+      "A question that cannot be asked, or that a limit ends, is answered by saying so.\n"
       "Exit status: 0 all were answered, also by that there is no path, 2 bad usage or input, or "
       "some\n"
       "could not be asked, 3 limits left some open.\n"
