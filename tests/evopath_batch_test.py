@@ -3,10 +3,13 @@
 usage: evopath_batch_test.py EVOPATH DATA EXAMPLES
 """
 
+import itertools
 import json
+import math
 import os
 import pathlib
 import random
+import re
 import shutil
 import signal
 import subprocess
@@ -39,6 +42,27 @@ def heads():
                     '{"from": {}, "to": {}}, "hops": [3]', "\"\u00e4\U0001f600\"", "{}}", "null", " \t"):
         lines.insert(chance.randrange(len(lines)), (hostile, False))
     return lines
+
+
+def write_catalogue(file, versions, hops):
+    """`versions` are how many each name has; hops are names and two of these."""
+    file.write_text(json.dumps({
+        "metamodels": [{"name": name, "version": f"{number}.0.0", "dependencies": []}
+                       for name, count in versions.items() for number in range(1, count + 1)],
+        "hops": [{"name": name, "from": f"{source}.0.0", "to": f"{target}.0.0", "expensive": False}
+                 for name, source, target in hops]}), encoding="utf-8")
+
+
+def chain_ways(hops):
+    """From each tail to each head of a set of versions, by the sets, of which the one that begins last comes first."""
+    newer = [(source, target) for source, target in hops if source < target]
+    sets = [{number} for number in {number for hop in newer for number in hop}]
+    for hop in newer:
+        held = [each for each in sets if each & {*hop}]
+        sets = [each for each in sets if each not in held] + [set().union(*held)]
+    lefts, entered = ({hop[side] for hop in newer} for side in (0, 1))
+    return [(tail, head) for each in sorted(sets, key=min, reverse=True)
+            for head in sorted(each - lefts, reverse=True) for tail in sorted(each - entered)]
 
 
 class Batch(unittest.TestCase):
@@ -138,10 +162,59 @@ class Batch(unittest.TestCase):
         for arguments, message in [((), "takes a file of questions, or --heads"),
                                    (("heads", "--heads"), "takes a file of questions, or --heads"),
                                    (("heads", "--of", "A"), "--of requires --heads"),
+                                   (("--heads", "--together"), "--together requires --of"),
                                    (("--heads", "--of", "C"), 'no metamodel "C"; did you mean A or B?')]:
             done = self.evopath("batch", "small.json", *arguments)
             self.assertEqual(done.returncode, 2)
             self.assertIn(message, done.stderr)
+
+    def test_heads_of_metamodels_that_move_together(self):
+        chance = random.Random(SEED)
+        met = set()
+        for case in range(60):
+            versions = {name: chance.randint(2, 9) for name in "ABCD"}
+            hops = [(name, *chance.sample(range(1, count + 1), 2)) for name, count in versions.items()
+                    for _ in range(chance.randint(1, 9))]
+            hops = sorted({*hops}, key=hops.index)
+            write_catalogue(self.folder / "c.json", versions, hops)
+            ways = {name: chain_ways([hop[1:] for hop in hops if hop[0] == name]) for name in versions}
+            names = chance.sample(sorted(ways), chance.randint(1, 4))
+            done = self.evopath("batch", "c.json", "--heads", "--together", "--of", ",".join(names), "--timeout", "0")
+            rigid = [f'"{name}"' for name in sorted(names) if not ways[name]]
+            count = math.prod(len(ways[name]) for name in names)
+            met.add(bool(rigid))
+            with self.subTest(case=case, names=names, hops=hops):
+                if rigid:
+                    told = " or ".join(filter(None, [", ".join(rigid[:-1]), rigid[-1]]))
+                    self.assertEqual((done.returncode, done.stdout), (2, ""))
+                    self.assertIn(f"cannot move together: no hop leads to a newer version of {told}\n", done.stderr)
+                    continue
+                slowest_first = sorted(names, reverse=True)
+                expected = [{side: {name: f"{way[place]}.0.0" for name, way in zip(slowest_first, chosen)}
+                             for place, side in enumerate(("from", "to"))}
+                            for chosen in itertools.product(*(ways[name] for name in slowest_first))]
+                self.assertEqual([json.loads(line)["question"] for line in done.stdout.splitlines()], expected[:256])
+                self.assertEqual("left out" in done.stderr, count > 256)
+        self.assertEqual(met, {False, True})
+
+    def test_heads_that_are_left_out_are_counted(self):
+        names = [f"n{number:02}" for number in range(17)]
+        write_catalogue(self.folder / "c.json", {name: 18 for name in names}, [
+            (name, tail, 18) for name in names for tail in range(1, 18)])
+        for count, told in [(1, None), (2, "33 questions"), (15, "2862423051509815537 questions"),
+                            (16, "more than 18446744073709551614 questions"),
+                            (17, "more than 18446744073709551614 questions")]:
+            done = self.evopath("batch", "c.json", "--heads", "--together", "--of", ",".join(names[:count]),
+                                "--timeout", "0")
+            asked = [json.loads(line)["question"]["from"] for line in done.stdout.splitlines()]
+            self.assertEqual(asked, [{name: f"{number // 17 ** place % 17 + 1}.0.0" for place, name in enumerate(names)
+                                      if place < count} for number in range(min(17 ** count, 256))])
+            note = f"evopath: {told} left out; of metamodels together at most 256 are asked\n" if told else ""
+            self.assertEqual("".join(re.findall(".* left out; .*\n", done.stderr)), note)
+        done = self.evopath("batch", "c.json", "--heads", "--of", names[0], "--timeout", "0")
+        self.assertIn("evopath: 1 question left out; of one chain at most 16 are asked\n", done.stderr)
+        done = self.evopath("diff", "c.json", "c.json")
+        self.assertIn("evopath: 17 questions left out; of one chain at most 16 are asked\n", done.stderr)
 
     def test_limits_and_signals(self):
         done = self.batch("--timeout", "0")

@@ -33,6 +33,7 @@ COMPLETIONS = [
     ("evopath diff data/op", ["data/operators.json"]),
     ("evopath diff x.json data/op", ["data/operators.json"]),
     ("evopath diff data/operators.json --without dns-operator=0.6", ["dns-operator=0.6.0"]),
+    ("evopath batch x.json --heads --to", ["--together"]),
     ("evopath change s.store data/ch", ["data/changed-releases.json"]),
     ("evopath remove x.store --dry", ["--dry-run"]),
     ("evopath explore data/operators.json --questions data/q", ["data/questions.jsonl"]),

@@ -328,7 +328,9 @@ LooseEnds findLooseEnds(BrowsableRepository& repository, const Selection& select
 
 std::string describe(const LooseEnds& ends) {
   std::string text = ends.isCounted ? "" : "more than ";
-  text += countedText(ends.baselines, "baseline") + "; pin some of these:";
+  text += countedText(ends.baselines, "baseline");
+  if (!ends.isCounted && ends.baselines == 0) text = "very many choices";
+  text += "; pin some of these:";
   for (std::size_t i = 0; i < std::min(ends.names.size(), namesListed); ++i) {
     const auto& [name, versions] = ends.names[i];
     text += "\n  " + visible(name) + ": " + countedText(versions.size(), "choice") + ", " +

@@ -34,9 +34,9 @@ TARN_EVOLUTION_CATALOGUE_EXPORT LooseEnds findLooseEnds(BrowsableRepository& rep
                                                         const Selection& selection,
                                                         std::uint64_t limit);
 
-/// "more than 1000 baselines; pin some of these:" and a line for each of the first ten names, with
-/// its number of choices, the oldest and the newest; safe on a terminal, without a line end after
-/// the last.
+/// "more than 1000 baselines; pin some of these:", or "very many choices; ..." where none that is
+/// consistent was met in time, and a line for each of the first ten names, with its number of
+/// choices, the oldest and the newest; safe on a terminal, without a line end after the last.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string describe(const LooseEnds& ends);
 
 enum class VersionPreference { Newest, Oldest };

@@ -1,7 +1,7 @@
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -17,6 +17,7 @@
 #include "catalogue/utf16.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "heads_report.hpp"
 #include "interruption.hpp"
 #include "known_versions.hpp"
 #include "number_option.hpp"
@@ -35,6 +36,7 @@ struct BatchArguments {
   std::filesystem::path catalogue;
   std::filesystem::path questions;  // empty with --heads
   bool heads = false;
+  bool together = false;
   std::vector<std::string> of;  // names, as they are given; all where there are none
   std::uint64_t part = 1;
   std::uint64_t parts = 1;
@@ -60,20 +62,36 @@ struct Asked {
   std::unique_ptr<std::istream> questions;
 };
 
+/// The names of --of, or else all.
+std::set<std::u16string> chosenNames(const BatchArguments& arguments,
+                                     CatalogueRepository& repository) {
+  std::vector<std::u16string> names;
+  for (const std::string& name : arguments.of) names.push_back(toUtf16(name));
+  expectKnown(repository, names);
+  if (names.empty()) names = repository.listNames();
+  return {names.begin(), names.end()};
+}
+
+/// Says how many were left out.
+HeadQuestions askHeads(const BatchArguments& arguments, const Catalogue& catalogue,
+                       const std::set<std::u16string>& names) {
+  HeadQuestions asked =
+      arguments.together ? headsToHeadsTogether(catalogue, names) : headsToHeads(catalogue, names);
+  if (arguments.together) {
+    tellLeftOutTogether(asked);
+  } else {
+    tellLeftOut(asked);
+  }
+  return asked;
+}
+
 /// All heads of the chosen metamodels to all heads.
 Asked openHeads(const BatchArguments& arguments) {
   const Catalogue catalogue = readCatalogue(arguments.catalogue);
   auto repository = std::make_unique<CatalogueRepository>(catalogue);
-  std::vector<std::u16string> names;
-  for (const std::string& name : arguments.of) names.push_back(toUtf16(name));
-  expectKnown(*repository, names);
+  const HeadQuestions asked = askHeads(arguments, catalogue, chosenNames(arguments, *repository));
   std::string lines;
-  for (const Question& question : headsToHeads(catalogue, catalogue)) {
-    const std::u16string& name = question.from.begin()->first;
-    const bool isChosen =
-        names.empty() || std::find(names.begin(), names.end(), name) != names.end();
-    if (isChosen) lines += questionLine(question);
-  }
+  for (const Question& question : asked.questions) lines += questionLine(question);
   return {std::move(repository), std::make_unique<std::istringstream>(std::move(lines))};
 }
 
@@ -119,11 +137,18 @@ void addBatchCommand(CLI::App& program, Action& action) {
       "--heads", arguments->heads,
       "Ask of each metamodel all ways from where its chains of hops begin to where they end, at "
       "most 16 of one chain, instead of questions");
-  batch->add_option("--of", arguments->of, "With --heads, of these metamodels only")
-      ->type_name(nameTypeName)
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->needs(heads);
+  CLI::Option* of =
+      batch->add_option("--of", arguments->of, "With --heads, of these metamodels only")
+          ->type_name(nameTypeName)
+          ->delimiter(',')
+          ->allow_extra_args(false)
+          ->needs(heads);
+  batch
+      ->add_flag("--together", arguments->together,
+                 "With --heads, ask of the metamodels of --of as a set that moves together: from "
+                 "where a chain of each begins to where one of each ends, at most 256 questions")
+      ->needs(heads)
+      ->needs(of);
   arguments->options.addTo(*batch);
   batch
       ->add_option_function<std::string>(
@@ -139,9 +164,7 @@ void addBatchCommand(CLI::App& program, Action& action) {
   batch->footer(
       "Answers are JSON, a line each, in the order of the questions; \"line\" says which one it "
       "answers.\n"
-      "A question that cannot be asked, or that a limit ends, is answered by saying so. Limits "
-      "are\n"
-      "those of each question.\n"
+      "A question that cannot be asked, or that a limit ends, is answered by saying so.\n"
       "Exit status: 0 all were answered, also by that there is no path, 2 bad usage or input, or "
       "some\n"
       "could not be asked, 3 limits left some open.\n"

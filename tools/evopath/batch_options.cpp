@@ -33,6 +33,14 @@ unsigned JobsOption::threads() const {
 void BatchOptions::addTo(CLI::App& command) {
   jobs.addTo(command);
   limits.addTo(command);
+  command.get_option("--timeout")
+      ->description(
+          "For each question, not for all: leave it open when so much time has passed since it was "
+          "begun, and go on");
+  command.get_option("--memory")
+      ->description(
+          "For each question: leave it open rather than keep more than so many bytes, and go on; "
+          "K, M, G and T stand for powers of 1024");
 }
 
 BatchLimits BatchOptions::limitsOf(const SearchLimits& attended) const {

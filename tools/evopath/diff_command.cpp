@@ -11,6 +11,7 @@
 #include "catalogue/open_catalogue.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "heads_report.hpp"
 #include "interruption.hpp"
 #include "known_versions.hpp"
 #include "limit_options.hpp"
@@ -60,10 +61,16 @@ std::vector<Question> readQuestions(const std::filesystem::path& file) {
   return questions;
 }
 
+std::vector<Question> headQuestions(const Catalogue& former, const Catalogue& present) {
+  HeadQuestions asked = headsToHeads(former, present);
+  tellLeftOut(asked);
+  return std::move(asked.questions);
+}
+
 Comparison compareAttended(const DiffOptions& options, const Catalogue& former,
                            const Catalogue& present) {
   const auto questions =
-      options.questions.empty() ? headsToHeads(former, present) : readQuestions(options.questions);
+      options.questions.empty() ? headQuestions(former, present) : readQuestions(options.questions);
   SearchMonitor monitor(options.limits.fromNow(), SearchMonitor::Task::Comparison,
                         SearchMonitor::Line::OnTerminal);
   monitor.count(0, questions.size());
