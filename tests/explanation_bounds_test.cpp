@@ -112,8 +112,8 @@ std::vector<std::u16string> missingIn(const Explanation& explanation) {
   return names;
 }
 
-/// What is not linked is told less of, and nothing that is wrong. Some questions have to be linked to
-/// be answered at all, which takes too long.
+/// What is not linked is told less of, and nothing that is wrong. Some questions have to be linked
+/// to be answered at all, which takes too long.
 TEST(Explanation, OfTooManyVariantsIsPartOfWhatLinkingTells) {
   RandomRun run(30);
   run.ask(questionableCase, [](const std::string& text, Random& random) {

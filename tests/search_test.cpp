@@ -197,6 +197,10 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       {"A1..2 B1..2 A1>2@B | A1 B1 | A2 B2", false},
       {"A1..3 B1:A[1,3)+A[2,4) B2 B1>2 | A2 B1 | A3 B2", false},
       {"A1..2 B1:C1 B2 B1>2 | A1 B1 | A2 B2 C1", false},
+      // Dependencies lead back to a name, which stands back: from the start, and after a hop.
+      {"C1:Q1 C5 Q1:C5 C1>5 | C1 Q1 | C5", false},
+      {"V1:M3 M1:V1 M3 A1 | M1 A1 | A1", false},
+      {"C1 C2:Q1 C3 Q1:C3 C1>2 D1..2 D1>2 | C1 D1 | C2 D2", false},
       // Names that come in on the way: one that hops on, one that brings in another, one that comes
       // in at either of two versions, and one that nothing brings in.
       {"A1 A2:B[1,3) A3:B3 A1>2 A2>3 B1..3 | A1 | A3 B3", true},

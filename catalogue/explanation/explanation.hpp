@@ -160,8 +160,8 @@ struct Explanation {
   /// reason names. They count as older than all others; an equivalent could set the hop right.
   std::vector<NamedVersion> withoutOrder;
 
-  /// None when there is a path, when there is no consistent source to start from or none can be told
-  /// (see `hasTooManyVariants`), and when a limit was reached before the source was linked.
+  /// None when there is a path, when there is no consistent source to start from or none can be
+  /// told (see `hasTooManyVariants`), and when a limit was reached before the source was linked.
   std::optional<NearestBaseline> nearest;
 
   /// What the catalogue tells of the versions, hops and dependencies that are named here, in the

@@ -339,9 +339,10 @@ Arrival takeBySelections(const PosedQuestion& question) {
     if (holds(goal) || questions++ == mostQuestions) continue;
     part.to.insert_or_assign(name, goal.version);
     Answer answer = question.inquiry->ask(part);
-    const bool isNearer = answer.path && !answer.path->empty() &&
-                          std::none_of(answer.path->begin(), answer.path->end(),
-                                       [&](const auto& step) { return goesAgainst(question, step); });
+    const bool isNearer =
+        answer.path && !answer.path->empty() &&
+        std::none_of(answer.path->begin(), answer.path->end(),
+                     [&](const auto& step) { return goesAgainst(question, step); });
     if (isNearer) {
       best = arrivalBy(question, *std::move(answer.path), {});
     } else {

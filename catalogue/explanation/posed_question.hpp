@@ -22,8 +22,8 @@ struct PosedQuestion {
 
   SelectedMetamodels goals = {};
 
-  /// Whether linking is bounded. Otherwise no more is linked than the path finder does, and parts of
-  /// the question are asked of `blocked`, or from `selected`.
+  /// Whether linking is bounded. Otherwise no more is linked than the path finder does, and parts
+  /// of the question are asked of `blocked`, or from `selected`.
   bool mayLink = true;
   const Selection* selected = nullptr;  ///< what is selected of the sources
 

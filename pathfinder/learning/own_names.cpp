@@ -71,8 +71,8 @@ class OwnNames {
   }
 
   const std::vector<NeedingVersion>& versions_;
-  std::vector<bool> isLeft_;               // by name
-  std::vector<std::size_t> visitedFrom_;   // by version: the last start
+  std::vector<bool> isLeft_;              // by name
+  std::vector<std::size_t> visitedFrom_;  // by version: the last start
   std::size_t visits_ = 0;
 };
 

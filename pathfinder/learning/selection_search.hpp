@@ -35,7 +35,7 @@ SelectionAnswer searchBetweenSelections(
 
 /// The direction of such a question.
 struct SelectionDirection {
-  bool isSettled = true;                             ///< otherwise dependencies do not tell it
+  bool isSettled = true;                              ///< otherwise dependencies do not tell it
   std::optional<Direction> direction = std::nullopt;  ///< settled without one: an end is missing
 };
 
