@@ -80,7 +80,8 @@ struct ConditionalCase {
     CatalogueContent result = contentOf(described);
     for (const std::string& need : needs) {
       const auto [name, own] = entry(need.substr(0, 2));
-      const VersionRange range = between(need[3] - u'0', need[4] - u'0');
+      const auto digit = [&](std::size_t place) { return std::stoull(need.substr(place, 1)); };
+      const VersionRange range = between(digit(3), digit(4));
       for (CatalogueMetamodel& each : result.metamodels) {
         if (each.descriptor.name != name || each.descriptor.version != own) continue;
         each.requirements.push_back({{parseName(need.substr(2, 1)), range, true}});
