@@ -174,8 +174,9 @@ class Explaining {
   bool explainInconsistentSource(const SelectedMetamodels& from) {
     if (isBounded(from)) {
       auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from);
-      if (inconsistency) result_.reason = *std::move(inconsistency);
-      return inconsistency.has_value();
+      if (!inconsistency) return false;
+      result_.reason = *std::move(inconsistency);
+      return true;
     }
     auto clash = findClashOfNeeds(from);
     if (!clash) return false;
