@@ -261,7 +261,7 @@ TEST_F(Import, WithstandsGarbage) {
       }
     }
   };
-  run.ask(make, check);
+  run.ask(make, check, [](const std::string&) { return std::vector<std::string>(); });
   run.expectPercentages({{"made", 30}, {"refused", 10}});
 }
 

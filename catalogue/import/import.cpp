@@ -117,7 +117,12 @@ ImportReport importForeignCatalogue(const ImportOptions& options, const fs::path
     report.unordered = assembled.unordered;
     return std::move(assembled.content);
   };
-  updateCatalogue(catalogue, succeed, progress, mode, report);
+  try {
+    updateCatalogue(catalogue, succeed, progress, mode, report);
+  } catch (const CatalogueError& error) {
+    if (error.file().empty()) throw error.inFile(catalogue.string());
+    throw;
+  }
   report.leftOut = log.takeLeftOut();
   return report;
 }
