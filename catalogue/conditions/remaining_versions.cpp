@@ -28,34 +28,24 @@ bool RemainingVersions::isAvoided(const Metamodel& metamodel) const {
 bool RemainingVersions::holds(const Metamodel& metamodel) {
   if (isAvoided(metamodel) || unlinkable_.contains(metamodel)) return false;
   pathfinder::VersionRepository& linking = conditions_.avoided.empty()
-                                               ? static_cast<VersionRepository&>(content_)
+                                               ? static_cast<VersionRepository&>(content())
                                                : static_cast<VersionRepository&>(*this);
   if (canLink(linking, metamodel)) return true;
   unlinkable_.insert(metamodel);
   return false;
 }
 
-std::optional<pathfinder::SemVer> RemainingVersions::getEquivalentSemVer(
-    const std::u16string& metamodelName, const std::u16string& versionText) {
-  return content_.getEquivalentSemVer(metamodelName, versionText);
-}
-
 std::optional<Metamodel> RemainingVersions::getMetamodel(const std::u16string& name,
                                                          const VersionId& version) {
-  auto metamodel = content_.getMetamodel(name, version);
+  auto metamodel = ContentView::getMetamodel(name, version);
   return metamodel && holds(*metamodel) ? metamodel : std::nullopt;
 }
 
 void RemainingVersions::findMetamodels(const std::u16string& name,
                                        const pathfinder::VersionRange& range,
                                        std::vector<Metamodel>& result) {
-  content_.findMetamodels(name, range, result);
+  ContentView::findMetamodels(name, range, result);
   std::erase_if(result, [&](const Metamodel& metamodel) { return !holds(metamodel); });
-}
-
-void RemainingVersions::findHops(const std::u16string& name, const VersionId& from,
-                                 std::vector<pathfinder::Hop>& result) {
-  content_.findHops(name, from, result);
 }
 
 }  // namespace tarn::evolution::catalogue

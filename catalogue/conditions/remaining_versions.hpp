@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "catalogue/conditions/conditional_path.hpp"
+#include "catalogue/model/content_view.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -16,27 +17,22 @@ bool canLink(pathfinder::VersionRepository& repository, const pathfinder::Metamo
 ///
 /// A repository of its own, for whether a version is left is asked while others are linked. It
 /// knows no requirements: nothing is linked for these, and they may lead from a version back to it.
-class RemainingVersions : public pathfinder::VersionRepository {
+class RemainingVersions : public ContentView {
  public:
   RemainingVersions(BrowsableRepository& content, const PathConditions& conditions)
-      : content_(content), conditions_(conditions) {}
+      : ContentView(content), conditions_(conditions) {}
 
   bool isAvoided(const pathfinder::Metamodel& metamodel) const;
 
   /// Whether a version of the content is left: with none to be avoided, what the content can link.
   bool holds(const pathfinder::Metamodel& metamodel);
 
-  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
-                                                        const std::u16string& versionText) override;
   std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
                                                     const pathfinder::VersionId& version) override;
   void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
                       std::vector<pathfinder::Metamodel>& result) override;
-  void findHops(const std::u16string& name, const pathfinder::VersionId& from,
-                std::vector<pathfinder::Hop>& result) override;
 
  private:
-  BrowsableRepository& content_;
   const PathConditions& conditions_;
   std::unordered_set<pathfinder::Metamodel> unlinkable_;
 };

@@ -5,6 +5,7 @@
 
 #include "catalogue/explanation/blocking_set.hpp"
 #include "catalogue/explanation/explanation_notes.hpp"
+#include "catalogue/explanation/hops_against.hpp"
 #include "catalogue/explanation/inconsistent_selection.hpp"
 #include "catalogue/explanation/linking_obstacle.hpp"
 #include "catalogue/explanation/missing_chain.hpp"
@@ -58,22 +59,21 @@ class Explaining {
     }
     const SelectedMetamodels from = lookUp(question_.from);
     const SelectedMetamodels goals = lookUp(question_.to);
-    if (!isBounded(from) || !isBounded(goals)) {
-      explainWithoutLinking(from, goals);
+    auto listed = listBaselines(from);
+    const auto targets = listBaselines(goals);
+    if (!listed || !targets) {
+      explainWithoutLinking(from, goals, std::move(listed));
       return;
     }
     if (auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from)) {
       result_.reason = *std::move(inconsistency);
       return;
     }
+    std::vector<VersionBaseline> sources = *std::move(listed);
     auto inconsistency = findInconsistency(inquiry_, QuestionSide::To, goals);
-    std::vector<VersionBaseline> sources = inquiry_.repository().combine(question_.from);
-    const std::vector<VersionBaseline> targets = inconsistency
-                                                     ? std::vector<VersionBaseline>()
-                                                     : inquiry_.repository().combine(question_.to);
-    const Direction direction =
-        targets.empty() ? commonDirection(heldBy(sources.front()), goals)
-                        : inquiry_.repository().computeDirection(sources.front(), targets.front());
+    const Direction direction = targets->empty() ? commonDirection(heldBy(sources.front()), goals)
+                                                 : inquiry_.repository().computeDirection(
+                                                       sources.front(), targets->front());
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
                         .graphs = &graphs,
@@ -87,32 +87,36 @@ class Explaining {
       result_.reason = *std::move(inconsistency);
     } else {
       explainImpassable(
-          posed, [&] { return inquiry_.ask(posed.sources, targets, Direction::Unknown).path; });
+          posed, [&] { return inquiry_.ask(posed.sources, *targets, Direction::Unknown).path; });
     }
     inquiry_.allow(budget_ - std::min(budget_, spent_), deadline_);
     result_.nearest = findNearestBaseline(posed);
   }
 
-  /// Whether a selection is linked and combined without a product of variants.
-  bool isBounded(const SelectedMetamodels& selection) {
+  using Baselines = std::vector<VersionBaseline>;
+
+  /// The baselines that a selection stands for: none if it is inconsistent. No value if linking and
+  /// combining it would make a product of variants.
+  std::optional<Baselines> listBaselines(const SelectedMetamodels& selection) {
     bool canBeLinked = true;
     Selection versions;
     for (const auto& [name, metamodel] : selection) {
       const std::optional<bool> isLinkable = inquiry_.repository().isLinkable(metamodel);
-      if (!isLinkable) return false;
+      if (!isLinkable) return std::nullopt;
       canBeLinked &= *isLinkable;
       versions.emplace(name, metamodel.version);
     }
-    return !canBeLinked || inquiry_.repository().tryCombine(versions);
+    return canBeLinked ? inquiry_.repository().tryCombine(versions) : Baselines();
   }
 
-  /// Explains a question of which at most the path finder can tell what may be held.
-  void explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals) {
-    std::vector<VersionBaseline> sources;
-    if (isBounded(from)) sources = inquiry_.combine(from);
+  /// Explains a question of which at most the path finder can tell what may be held. `sources`: no
+  /// value if they cannot be listed.
+  void explainWithoutLinking(const SelectedMetamodels& from, const SelectedMetamodels& goals,
+                             std::optional<Baselines> sources) {
+    const bool isSourceKnown = sources && !sources->empty();
     const auto known = inquiry_.findDirection(question_);
     const Direction direction =
-        known ? *known : commonDirection(sources.empty() ? from : heldBy(sources.front()), goals);
+        known ? *known : commonDirection(isSourceKnown ? heldBy(sources->front()) : from, goals);
     const auto blocked = inquiry_.pose(question_.from, question_.to, direction);
     HopGraphs graphs(inquiry_, direction);
     PosedQuestion posed{.inquiry = &inquiry_,
@@ -127,8 +131,8 @@ class Explaining {
         posed.sources.push_back(std::move(source->baseline));
       }
     } else if (!inquiry_.stopped()) {
-      if (explainInconsistentSource(from)) return;
-      posed.sources = std::move(sources);
+      if (!isSourceKnown && explainInconsistentSource(from, sources.has_value())) return;
+      if (sources) posed.sources = *std::move(sources);
     }
     if (inquiry_.stopped()) {
       blameAll(goals);
@@ -171,8 +175,8 @@ class Explaining {
   }
 
   /// Whether the source contradicts itself.
-  bool explainInconsistentSource(const SelectedMetamodels& from) {
-    if (isBounded(from)) {
+  bool explainInconsistentSource(const SelectedMetamodels& from, bool mayLink) {
+    if (mayLink) {
       auto inconsistency = findInconsistency(inquiry_, QuestionSide::From, from);
       if (!inconsistency) return false;
       result_.reason = *std::move(inconsistency);
@@ -300,18 +304,8 @@ class Explaining {
   }
 
   AgainstDirection reportAgainst(Direction direction, Path path) {
-    AgainstDirection result{direction, std::move(path), {}};
-    for (const BaselineHop& step : result.path) {
-      for (const auto& [name, hop] : std::map(step.hops.begin(), step.hops.end())) {
-        const Metamodel& before = *step.from.metamodels.at(name);
-        const Metamodel& after = *step.to.metamodels.at(name);
-        const Direction hopDirection = inquiry_.repository().getDirection(before, after);
-        if (VersionRepository::areDirectionsInconsistent(direction, hopDirection)) {
-          result.against.push_back(hop);
-        }
-      }
-    }
-    return result;
+    std::vector<Hop> against = hopsAgainst(inquiry_.repository(), direction, path);
+    return {direction, std::move(path), std::move(against)};
   }
 
   const Question& question_;

@@ -32,36 +32,20 @@ std::optional<bool> LinkableRepository::isLinkable(const Metamodel& metamodel) {
   }
 }
 
-std::optional<pathfinder::SemVer> LinkableRepository::getEquivalentSemVer(
-    const std::u16string& metamodelName, const std::u16string& versionText) {
-  return content_.getEquivalentSemVer(metamodelName, versionText);
-}
-
-std::optional<Metamodel> LinkableRepository::getMetamodel(const std::u16string& name,
-                                                          const pathfinder::VersionId& version) {
-  return content_.getMetamodel(name, version);
-}
-
-void LinkableRepository::findMetamodels(const std::u16string& name,
-                                        const pathfinder::VersionRange& range,
-                                        std::vector<Metamodel>& result) {
-  content_.findMetamodels(name, range, result);
-}
-
 void LinkableRepository::findRequirements(const Metamodel& metamodel,
                                           std::vector<pathfinder::PeerRequirement>& result) {
-  result = content_.getRequirements(metamodel);
+  result = content().getRequirements(metamodel);
 }
 
 void LinkableRepository::findHops(const std::u16string& name, const pathfinder::VersionId& from,
                                   std::vector<Hop>& result) {
-  content_.findHops(name, from, result);
+  ContentView::findHops(name, from, result);
   if (!hidesUnlinkable_) return;
   std::erase_if(result, [this](const Hop& hop) { return leadsToUnlinkable(hop); });
 }
 
 bool LinkableRepository::leadsToUnlinkable(const Hop& hop) {
-  const auto target = content_.getMetamodel(hop.name, hop.to);
+  const auto target = content().getMetamodel(hop.name, hop.to);
   if (!target || isLinkable(*target).value_or(true)) return false;
   const bool isNew = std::find(hidden_.begin(), hidden_.end(), *target) == hidden_.end();
   if (isNew) hidden_.push_back(*target);

@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "catalogue/browsable_repository.hpp"
+#include "catalogue/model/content_view.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -16,10 +16,9 @@ using LinkedMetamodels = std::vector<std::shared_ptr<pathfinder::LinkedMetamodel
 ///
 /// Can be told to leave out the hops to versions that cannot be linked, over which the path finder
 /// would stumble; those stay of which it would take too much to find out.
-class LinkableRepository : public pathfinder::VersionRepository,
-                           public pathfinder::RequirementSource {
+class LinkableRepository : public ContentView, public pathfinder::RequirementSource {
  public:
-  explicit LinkableRepository(BrowsableRepository& content) : content_(content) {
+  explicit LinkableRepository(BrowsableRepository& content) : ContentView(content) {
     useRequirements(*this);
   }
 
@@ -37,12 +36,6 @@ class LinkableRepository : public pathfinder::VersionRepository,
   /// The versions that hops which were left out would have led to, in the order they were met.
   const std::vector<pathfinder::Metamodel>& hidden() const { return hidden_; }
 
-  std::optional<pathfinder::SemVer> getEquivalentSemVer(const std::u16string& metamodelName,
-                                                        const std::u16string& versionText) override;
-  std::optional<pathfinder::Metamodel> getMetamodel(const std::u16string& name,
-                                                    const pathfinder::VersionId& version) override;
-  void findMetamodels(const std::u16string& name, const pathfinder::VersionRange& range,
-                      std::vector<pathfinder::Metamodel>& result) override;
   void findHops(const std::u16string& name, const pathfinder::VersionId& from,
                 std::vector<pathfinder::Hop>& result) override;
   void findRequirements(const pathfinder::Metamodel& metamodel,
@@ -51,7 +44,6 @@ class LinkableRepository : public pathfinder::VersionRepository,
  private:
   bool leadsToUnlinkable(const pathfinder::Hop& hop);
 
-  BrowsableRepository& content_;
   std::unordered_set<pathfinder::Metamodel> unlinkable_;
   std::unordered_set<pathfinder::Metamodel> unbounded_;
   std::vector<pathfinder::Metamodel> hidden_;

@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "catalogue/explanation/goal_subsets.hpp"
+#include "catalogue/explanation/hops_against.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -18,7 +19,6 @@ using pathfinder::BaselineHop;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
-using pathfinder::VersionRepository;
 
 namespace {
 
@@ -313,14 +313,6 @@ std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
   return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
 }
 
-bool goesAgainst(const PosedQuestion& question, const BaselineHop& step) {
-  return std::any_of(step.hops.begin(), step.hops.end(), [&](const auto& hop) {
-    const Direction direction = question.inquiry->repository().getDirection(
-        *step.from.metamodels.at(hop.first), *step.to.metamodels.at(hop.first));
-    return VersionRepository::areDirectionsInconsistent(question.direction, direction);
-  });
-}
-
 /// Without listing baselines: takes goal by goal as long as there is a path to all of them, up to
 /// so many questions. What the path finder answers has the direction of its own question.
 Arrival takeBySelections(const PosedQuestion& question) {
@@ -341,8 +333,7 @@ Arrival takeBySelections(const PosedQuestion& question) {
     Answer answer = question.inquiry->ask(part);
     const bool isNearer =
         answer.path && !answer.path->empty() &&
-        std::none_of(answer.path->begin(), answer.path->end(),
-                     [&](const auto& step) { return goesAgainst(question, step); });
+        hopsAgainst(question.inquiry->repository(), question.direction, *answer.path).empty();
     if (isNearer) {
       best = arrivalBy(question, *std::move(answer.path), {});
     } else {
