@@ -87,7 +87,7 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
                                                                 const VersionsByName& from,
                                                                 const VersionsByName& to) {
   try {
-    const LinkingBudget budget(linkingBudgetFor(from.size()));
+    const LinkingBudget budget(linkingBudgetBesideDependencies(from.size()));
     return answerByBaselines(access, cache, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }
@@ -117,7 +117,7 @@ std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
                                                       const VersionsByName& from,
                                                       const VersionsByName& to) {
   try {
-    const LinkingBudget budget(linkingBudgetFor(from.size()));
+    const LinkingBudget budget(linkingBudgetBesideDependencies(from.size()));
     return directionOfBaselines(access, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }

@@ -20,6 +20,22 @@ bool HeldSelections::canHold(VersionIndex version) {
   return solver_.solve(std::array{isHeld_[version]});
 }
 
+/// Most need not be asked about: whatever one selection holds can be held, and each is asked for
+/// that holds what none did so far.
+std::vector<bool> HeldSelections::versionsThatCanBeHeld() {
+  std::vector<bool> result(isHeld_.size());
+  for (VersionIndex version = 0; version < result.size(); ++version) {
+    if (result[version] || !canHold(version)) continue;
+    for (VersionIndex other = version; other < result.size(); ++other) {
+      if (solver_.isTrue(isHeld_[other])) result[other] = true;
+    }
+    for (VersionIndex other = version; other < result.size(); ++other) {
+      solver_.prefer(result[other] ? -isHeld_[other] : isHeld_[other]);
+    }
+  }
+  return result;
+}
+
 VersionSelection HeldSelections::selection() const {
   VersionSelection selection;
   for (const SearchSpace::Name& name : space_.names) {

@@ -19,6 +19,9 @@ class HeldSelections {
   bool canHold(VersionIndex version);
   VersionSelection selection() const;
 
+  /// By version, whether some selection holds it.
+  std::vector<bool> versionsThatCanBeHeld();
+
   /// Leaves out the selections that hold the version.
   void forbid(VersionIndex version) { solver_.addClause({-isHeld_[version]}); }
 

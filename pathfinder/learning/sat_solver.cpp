@@ -131,6 +131,10 @@ void SatSolver::addAtMostOne(std::vector<Literal> literals) {
   }
 }
 
+void SatSolver::prefer(Literal literal) {
+  backend_->use([&](auto& solver) { solver.phase(literal); });
+}
+
 bool SatSolver::solve(std::span<const Literal> assumptions) {
   return ask(assumptions) == satisfiable;
 }

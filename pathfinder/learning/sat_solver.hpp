@@ -32,6 +32,9 @@ class SatSolver {
   void addAtMostOne(std::vector<Literal> literals);
   void addExactlyOne(const std::vector<Literal>& literals);
 
+  /// A hint: models have the literal true where nothing speaks against it.
+  void prefer(Literal literal);
+
   /// Whether the formula and all assumptions can be true.
   bool solve(std::span<const Literal> assumptions);
 

@@ -49,8 +49,10 @@ class SelectionPlanner {
       return std::nullopt;
     }
     try {
-      const auto plan = planBackward({space_, compatibility_, bounds_}, {dependencies_.target},
-                                     {.nodes = 5000 + 10 * std::uint64_t{space_.versions.size()}});
+      const PlanningGround ground{space_, compatibility_, bounds_};
+      const std::vector<VersionSelection> targets{dependencies_.target};
+      const auto plan =
+          planBackward(ground, targets, {.effort = effortBesideLearning(ground, targets)});
       if (plan) return firstWayOf(space_, *plan);
     } catch (const PlanningBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
     }
@@ -255,10 +257,10 @@ std::exception_ptr conflictOf(SelectionHost& host, const Metamodel& metamodel) {
 void noteUnlinkable(SelectionHost& host, const DependencySpace& dependencies,
                     DependencyFailures& failures) {
   const SearchSpace& space = *dependencies.space;
-  HeldSelections selections(dependencies);
+  const std::vector<bool> canBeHeld = HeldSelections(dependencies).versionsThatCanBeHeld();
   for (VersionIndex version = 0; version < space.versions.size(); ++version) {
     checkpoint();
-    if (space.isAbsent(version) || selections.canHold(version)) continue;
+    if (space.isAbsent(version) || canBeHeld[version]) continue;
     const Metamodel& metamodel = *space.versions[version].descriptor;
     if (std::exception_ptr conflict = conflictOf(host, metamodel)) {
       failures.add(metamodel, DependencyFailures::Attempt::Needs, std::move(conflict));

@@ -37,11 +37,16 @@ class LinkingBudget {
   LinkingBudget* const outer_;
 };
 
-/// As many linked metamodels, beyond one of each version, are made for a question between
-/// selections of so many names before it is looked whether it can be answered without making them
-/// all.
+/// As many linked metamodels, beyond one of each version, are made for selections of so many names
+/// by those who cannot do without them, or can tell less.
 constexpr std::size_t linkingBudgetFor(std::size_t names) {
   return 5000 + 10 * names;
+}
+
+/// As many are made for a question between selections of so many names before it is looked whether
+/// it can be answered without them, which takes about as long as making these.
+constexpr std::size_t linkingBudgetBesideDependencies(std::size_t names) {
+  return 300 + 5 * names;
 }
 
 }  // namespace tarn::evolution::pathfinder

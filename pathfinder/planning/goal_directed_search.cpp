@@ -146,9 +146,9 @@ class GoalDirectedSearch {
     const PlanningGround view = ground.view();
     const bool isComplete = survey_.isOver();
     try {
-      return planAllBackward(view, second_ == nullptr
-                                       ? PlanningBudget{.isSpaceComplete = isComplete}
-                                       : budgetFor(*ground.space, isComplete));
+      PlanningBudget budget{.isSpaceComplete = isComplete};
+      if (second_ != nullptr) budget.effort = effortBesideLearning(view, view.space.targets);
+      return planAllBackward(view, budget);
     } catch (const PlanningBudget::Spent&) {
       SecondPlanner::Answer answer = second_->plan(view, pathTeller(question_, *ground.space));
       if (!answer.isPlanned) return planAllBackward(view, {.isSpaceComplete = isComplete});
@@ -156,11 +156,6 @@ class GoalDirectedSearch {
       offer(plans, std::move(answer.plan));
       return plans;
     }
-  }
-
-  /// About the nodes that are looked at in the time in which the second planner begins.
-  static PlanningBudget budgetFor(const SearchSpace& space, bool isComplete) {
-    return {1000 + 10 * std::uint64_t{space.versions.size()}, isComplete};
   }
 
   /// The first path in the order of sources and steps that some plan leads to.

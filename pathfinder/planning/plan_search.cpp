@@ -35,7 +35,7 @@ class PlanSearch {
       : ground_(ground),
         first_(first),
         most_(most),
-        nodesLeft_(budget.nodes),
+        effortLeft_(budget.effort),
         provesTotals_(budget.isSpaceComplete && !first),
         incoming_(ground.space, ground.bounds),
         dominance_(ground.space, ground.compatibility, incoming_,
@@ -104,13 +104,19 @@ class PlanSearch {
   };
 
   void watchOver(const Node& node) {
-    if (nodesLeft_-- == 0) throw PlanningBudget::Spent();
+    spend(nodeEffort + std::exchange(scratch_.looks, 0));
     SearchWatch* watch = SearchWatch::current();
     if (watch == nullptr) return;
     watch->noteMemory(nodes_.bytes() + plan_.bytes());
     if (provesTotals_) watch->noteProven(node.bound.total);
     if (best_) watch->noteFound(best_->total);
     watch->check();
+  }
+
+  void spend(std::uint64_t effort) {
+    if (effortLeft_ == PlanningBudget::unlimited) return;
+    if (effort > effortLeft_) throw PlanningBudget::Spent();
+    effortLeft_ -= effort;
   }
 
   void beginAt(const VersionSelection& target) {
@@ -354,7 +360,7 @@ class PlanSearch {
   const PlanningGround& ground_;
   const std::optional<IdleStep> first_;  // if it has to be the first
   const std::uint64_t most_;             // that a plan may cost
-  std::uint64_t nodesLeft_;              // to look at
+  std::uint64_t effortLeft_;
   const bool provesTotals_;
   const IncomingHops incoming_;
   const Dominance dominance_;

@@ -274,9 +274,12 @@ bool StepProblem::findBoundByTrial(const PartialStep& partial, const WeightChain
   bool isFound = false;
   for (const bool withOrdinaryHop : {false, true}) {
     if (withOrdinaryHop ? !isStep() : kind_ == Kind::StepWithOrdinaryHop) continue;
-    for (std::uint32_t steps = partial.steps; steps != noSteps;
-         steps = nextStepsThatMatter(partial, steps)) {
-      if (isFound && partial.leastEver + steps + (withOrdinaryHop ? 1 : 0) > bound.total) break;
+    const std::uint64_t least = partial.leastEver + (withOrdinaryHop ? 1 : 0);
+    const auto isTooDear = [&](std::uint32_t steps) {
+      return isFound && least + steps > bound.total;
+    };
+    for (std::uint32_t steps = partial.steps; steps != noSteps && !isTooDear(steps);
+         steps = isTooDear(steps + 1) ? noSteps : nextStepsThatMatter(partial, steps)) {
       CostBound tried;
       if (!tryBound(partial, steps, withOrdinaryHop, scratch, tried)) continue;
       if (isFound && !comesFirst(chains, tried, bound)) continue;
@@ -292,6 +295,7 @@ bool StepProblem::findBoundByTrial(const PartialStep& partial, const WeightChain
 bool StepProblem::tryBound(const PartialStep& partial, std::uint32_t steps, bool withOrdinaryHop,
                            Scratch& scratch, CostBound& bound) const {
   PartialStep::Sum sum;
+  scratch.looks += domains_.size();
   if (!sumUp(partial, steps, withOrdinaryHop, sum, scratch.sums)) return false;
   setBound(sum, scratch.sums.data(), steps, withOrdinaryHop, scratch.tried, bound);
   return true;

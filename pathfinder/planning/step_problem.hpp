@@ -76,6 +76,7 @@ class StepProblem {
     std::vector<std::uint64_t> sums;
     std::vector<std::uint64_t> ahead;
     std::vector<std::uint64_t> tried;
+    std::uint64_t looks = 0;  // at a name, so far
   };
 
   explicit StepProblem(const PlanningGround& ground) : ground_(&ground) {}
