@@ -34,6 +34,11 @@ class LastSteps {
   Literal isRestWithin(const Timeline& timeline, std::uint32_t layers);
 
  private:
+  /// Whether a node that is held is entered before a step, in any plan.
+  bool isSurelyBefore(NodeIndex node, std::uint32_t step) const {
+    return network_.nodes[node].hopsLeft >= step || network_.nodes[node].in.empty();
+  }
+
   const PlanNetwork& network_;
   const PlanFormula& formula_;
   SatSolver& solver_;

@@ -136,6 +136,7 @@ std::optional<WeightShare> LeastWeight::shareWith(std::uint32_t layers) {
   timeline_.extendTo(layers);
   const Literal isWithin = plans_.sat.newVariable();
   for (NodeIndex node = 0; node < plans_.network.nodes.size(); ++node) {
+    if (plans_.network.nodes[node].in.empty()) continue;
     plans_.sat.addClause(
         {-isWithin, -plans_.formula.isHeld(node), timeline_.isEnteredAfter(node, layers)});
   }

@@ -5,10 +5,12 @@
 // bring in, which may happen in any phase.
 //
 // A node that no hop leads to which can be made in a gap has the same literal in a gap as in the
-// layer before, and clauses about literals that stay are not repeated.
+// layer before, and clauses about literals that stay are not repeated. One that no hop leads to at
+// all has no literal but "held".
 //
 // That what is entered stays so, that only what is held is entered, and a start from the beginning,
-// is said for speed: an assignment without that can be made into one with it.
+// is said for speed: an assignment without that can be made into one with it. Of the phases that
+// are added together, "held" is said of the last one; the others follow.
 
 #include "pathfinder/learning/timeline.hpp"
 
@@ -37,12 +39,20 @@ void Timeline::extendTo(std::uint32_t layers) {
     }
     followed_[left] = orders.size();
   }
+  if (phases_ > 2 * layers) return;
   while (phases_ <= 2 * layers) addPhase();
+  for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    solver_.addClause({-entered_[node].back(), formula_.isHeld(node)});
+  }
 }
 
 void Timeline::addPhase() {
   const std::uint32_t phase = phases_++;
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
+    if (network_.nodes[node].in.empty()) {
+      entered_[node].push_back(formula_.isHeld(node));
+      continue;
+    }
     if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore) {
       entered_[node].push_back(formula_.never());
       continue;
@@ -54,7 +64,7 @@ void Timeline::addPhase() {
     const Literal entered = solver_.newVariable();
     entered_[node].push_back(entered);
     if (phase > 0) solver_.addClause({-entered_[node][phase - 1], entered});
-    solver_.addClause({-entered, formula_.isHeld(node)});
+    if (formula_.startsAt(node) == formula_.never()) continue;
     solver_.addClause({-formula_.startsAt(node), entered});
   }
   for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) addArc(arc, phase);
@@ -74,6 +84,7 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
     const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
     solver_.addClause({-used, -entered, before});
   }
+  if (network_.nodes[arc.from].in.empty()) return;
   // A layer is one step; several can be in a gap.
   const Literal isReady = entered_[arc.from][isGap ? phase : phase - 1];
   solver_.addClause({-used, -entered, isReady});
@@ -88,6 +99,7 @@ void Timeline::bringIn(NodeIndex needing, std::uint32_t phase) {
 }
 
 void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase) {
+  if (network_.nodes[order.entered].in.empty()) return;
   for (const ArcIndex arc : network_.nodes[left].out) {
     const NodeIndex next = network_.arcs[arc].to;
     if (isUnchanged(next, phase) && isUnchanged(order.entered, phase)) continue;

@@ -20,8 +20,8 @@ std::uint64_t fewestSteps(const PlanningGround& ground, const VersionSelection& 
 
 std::uint64_t effortBesideLearning(const PlanningGround& ground,
                                    const std::vector<VersionSelection>& targets) {
-  constexpr std::uint64_t least = 800 * nodeEffort;
-  constexpr std::uint64_t perVersionAndStep = 50;
+  constexpr std::uint64_t least = 400 * nodeEffort;
+  constexpr std::uint64_t perVersionAndStep = 20;
   std::uint64_t steps = 0;
   for (const VersionSelection& target : targets) {
     steps = std::max(steps, fewestSteps(ground, target));

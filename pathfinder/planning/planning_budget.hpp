@@ -30,7 +30,7 @@ inline constexpr std::uint64_t nodeEffort = 60;
 
 /// An effort that takes less time than planning by learning, so that to have tried in vain costs
 /// little: learning takes about three microseconds for each version and step of the plan, and the
-/// effort for one of these a tenth of that.
+/// effort for these a tenth of that.
 std::uint64_t effortBesideLearning(const PlanningGround& ground,
                                    const std::vector<VersionSelection>& targets);
 
