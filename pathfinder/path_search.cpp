@@ -91,7 +91,15 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
     return answerByBaselines(access, cache, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }
-  SelectionAnswer answer = searchBetweenSelections(access, from, to);
+  SelectionAnswer answer = searchBetweenSelections(access, from, to, SelectionPlanning::ShortWays);
+  if (answer.variantsToTry > 0) {
+    try {
+      const LinkingBudget budget(answer.variantsToTry);
+      return answerByBaselines(access, cache, from, to);
+    } catch (const LinkingBudget::Spent&) {
+      answer = searchBetweenSelections(access, from, to, SelectionPlanning::ByLearning);
+    }
+  }
   if (!answer.isSettled) return answerByBaselines(access, cache, from, to);
   if (!answer.path) return std::nullopt;
   auto& [steps, source, target] = *answer.path;

@@ -250,6 +250,20 @@ TEST(Limits, ManyVersionsAreNoProduct) {
   EXPECT_EQ(range.findPath(selection("P1 Q1"), selection("P3000 Q2")).value().size(), 2'999U);
 }
 
+TEST(Limits, LongWaysOfFewVariantsAreNotLearnt) {
+  // Learning would have all of the steps at once.
+  std::string content = "B1..210";
+  for (int i = 1; i <= 200; ++i) {
+    const std::string version = "A" + std::to_string(i);
+    content += " " + version + ":B[" + std::to_string(i) + "," + std::to_string(i + 8) + ")";
+    if (i < 200) content += " " + version + ">" + std::to_string(i + 1);
+  }
+  TestRepository repository(content);
+  repository.isNoting = false;
+  const auto path = repository.findPath(selection("A1"), selection("A200"), {.memory = 5'000'000});
+  EXPECT_EQ(path.value().size(), 199U);
+}
+
 TEST(Limits, ProductsThatNoMemoryHoldsAreRefused) {
   // Two names with thousands of linked metamodels each, and none to choose between them.
   TestRepository repository("P1..20000 Q1..20000 A1:P[1,20001) B1:Q[1,20001)");

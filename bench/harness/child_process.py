@@ -65,7 +65,9 @@ def run_limited(
     except subprocess.TimeoutExpired as expired:
         raise TimeLimit from expired
     taken = min(time.monotonic() - begin, _processor_seconds_of_children() - used)
-    if done.returncode == -signal.SIGXCPU or taken > seconds:
+    # Some programs heed the first limit and end by themselves, with a status of their own.
+    is_stopped = done.returncode not in good_statuses and taken > 0.95 * seconds
+    if done.returncode == -signal.SIGXCPU or taken > seconds or is_stopped:
         raise TimeLimit
     if "bad_alloc" in done.stderr:
         raise MemoryLimit

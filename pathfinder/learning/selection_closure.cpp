@@ -173,18 +173,21 @@ SelectionClosure::LiteralsByName SelectionClosure::addBaseline(SatSolver& solver
   }
   for (const auto& [name, versions] : names_) {
     for (std::size_t i = 0; i < versions.size(); ++i) {
+      const Literal isHeld = held.at(name)[i];
       for (const Version::Need& need : versions[i].needs) {
-        std::vector<Literal> clause{-held[name][i]};
+        const std::vector<Literal>& needed = held.at(*need.name);
+        auto& neededBy = needing.at(*need.name);
+        std::vector<Literal> clause{-isHeld};
         for (const std::size_t place : need.admitted) {
-          clause.push_back(held[*need.name][place]);
-          needing[*need.name][place].push_back(held[name][i]);
+          clause.push_back(needed[place]);
+          neededBy[place].push_back(isHeld);
         }
         solver.addClause(clause);
       }
       for (const Version::Refusal& refusal : versions[i].refusals) {
-        for (const std::size_t place : refusal.refused) {
-          solver.addClause({-held[name][i], -held[*refusal.name][place]});
-        }
+        const std::vector<Literal>& refused = held.at(*refusal.name);
+        for (const std::size_t place : refusal.refused)
+          solver.addClause({-isHeld, -refused[place]});
       }
     }
   }

@@ -59,6 +59,15 @@ class SelectionPlanner {
     return std::nullopt;
   }
 
+  /// How many linked metamodels can be made while learning has all steps of a long way at once; 0
+  /// where no way is long.
+  std::size_t variantsBesideLearning() const {
+    constexpr std::uint64_t mostHopsOfShortWays = 10;
+    const PlanningGround ground{space_, compatibility_, bounds_};
+    if (hopsBefore(ground, dependencies_.target) <= mostHopsOfShortWays) return 0;
+    return linkingBudgetFor(space_.names.size() + space_.versions.size());
+  }
+
   /// Null when the question is not for it.
   std::unique_ptr<LearningPlanner> learnerTo(const VersionSelection& target) const {
     return LearningPlanner::create({space_, compatibility_, bounds_}, {target}, dependencies_,
@@ -176,10 +185,14 @@ class SelectionSearch {
 
   SelectionAnswer run(SelectionPlanning planning) {
     SelectionView impossible;
-    if (planning == SelectionPlanning::BackwardFirst) {
+    if (planning != SelectionPlanning::ByLearning) {
       const auto plan = planner_.planEasily();
       auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
       if (path) return {true, std::move(path)};
+    }
+    if (planning == SelectionPlanning::ShortWays) {
+      const std::size_t variants = planner_.variantsBesideLearning();
+      if (variants > 0) return {.isSettled = false, .variantsToTry = variants};
     }
     const auto learner = planner_.learnerTo(dependencies_.target);
     if (!learner) return {false};

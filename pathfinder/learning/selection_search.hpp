@@ -21,10 +21,17 @@ struct SelectionPath {
 struct SelectionAnswer {
   bool isSettled = true;                             ///< otherwise the question is not for it
   std::optional<SelectionPath> path = std::nullopt;  ///< settled without one: there is none
+
+  /// Where the question is not settled because ways are long: so many linked metamodels may be made
+  /// in the time that learning would take at least. Otherwise 0.
+  std::size_t variantsToTry = 0;
 };
 
-/// Whether a question is planned backward first, as long as that is easy, or by learning at once.
-enum class SelectionPlanning { BackwardFirst, ByLearning };
+enum class SelectionPlanning {
+  ShortWays,      ///< backward, as long as that is easy, and then by learning unless ways are long
+  BackwardFirst,  ///< the same, however long they are
+  ByLearning,     ///< at once
+};
 
 /// `VersionRepository::findPath` between two selections, without linking anything but what the path
 /// holds. For questions only that dependencies settle (see `DependencySpace`), in which hops form

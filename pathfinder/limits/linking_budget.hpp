@@ -46,7 +46,7 @@ constexpr std::size_t linkingBudgetFor(std::size_t names) {
 /// As many are made for a question between selections of so many names before it is looked whether
 /// it can be answered without them, which takes about as long as making these.
 constexpr std::size_t linkingBudgetBesideDependencies(std::size_t names) {
-  return 100 + 2 * names;
+  return 400 + 2 * names;
 }
 
 }  // namespace tarn::evolution::pathfinder

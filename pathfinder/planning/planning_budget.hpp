@@ -28,6 +28,9 @@ struct PlanningBudget {
 /// children there.
 inline constexpr std::uint64_t nodeEffort = 60;
 
+/// How many hops lie before a target, as far as the cheapest ways of single names tell.
+std::uint64_t hopsBefore(const PlanningGround& ground, const VersionSelection& target);
+
 /// An effort that takes less time than planning by learning, so that to have tried in vain costs
 /// little: learning takes about three microseconds for each version and step of the plan, and the
 /// effort for these a tenth of that.
