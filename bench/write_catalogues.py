@@ -25,6 +25,7 @@ def catalogues() -> Iterator[tuple[str, dict[str, Any]]]:
     for family in FAMILIES:
         for n in SIZES:
             yield f"{family}-{n}", make_catalogue(family, n)
+    yield "uniform-2", make_catalogue("uniform", 2)  # which trying everything settles
     for versions in VERSION_COUNTS:
         yield f"uniform-64-versions{versions}", make_catalogue("uniform", 64, versions=versions)
     for n in SMALL_RANDOM_SIZES:

@@ -87,7 +87,7 @@ std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess
                                                                 const VersionsByName& from,
                                                                 const VersionsByName& to) {
   try {
-    const LinkingBudget budget(linkingBudgetBesideDependencies(from.size()));
+    const LinkingBudget budget = linkingBudgetBesideDependencies(from.size());
     return answerByBaselines(access, cache, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }
@@ -125,7 +125,7 @@ std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
                                                       const VersionsByName& from,
                                                       const VersionsByName& to) {
   try {
-    const LinkingBudget budget(linkingBudgetBesideDependencies(from.size()));
+    const LinkingBudget budget = linkingBudgetBesideDependencies(from.size());
     return directionOfBaselines(access, from, to);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }

@@ -4,7 +4,7 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// While it lives, bounds how many linked metamodels are made on this thread beyond the first one
+/// While it lives, bounds how many linked metamodels are made on this thread beyond the first ones
 /// of each version, and how many baselines are combined at once, so that whoever asked can take
 /// another way before a product takes all time and memory. Many versions are no product.
 class LinkingBudget {
@@ -13,7 +13,11 @@ class LinkingBudget {
   /// that nobody takes it for a fault.
   struct Spent {};
 
-  explicit LinkingBudget(std::size_t most) : left_(most), outer_(current()) { current() = this; }
+  /// `freeOfEach`: as many linked metamodels of each version take nothing.
+  explicit LinkingBudget(std::size_t most, std::size_t freeOfEach = 1)
+      : left_(most), freeOfEach_(freeOfEach), outer_(current()) {
+    current() = this;
+  }
   LinkingBudget(const LinkingBudget&) = delete;
   LinkingBudget& operator=(const LinkingBudget&) = delete;
   ~LinkingBudget() { current() = outer_; }
@@ -24,16 +28,20 @@ class LinkingBudget {
     if (budget != nullptr && count > budget->left_) throw Spent();
   }
 
-  /// Takes so many from this thread's budget, if it has one.
-  static void take(std::size_t count) {
-    check(count);
-    if (LinkingBudget* const budget = current()) budget->left_ -= count;
+  /// Takes what a version with so many linked metamodels costs from this thread's budget, if it has
+  /// one.
+  static void take(std::size_t linked) {
+    LinkingBudget* const budget = current();
+    if (budget == nullptr || linked <= budget->freeOfEach_) return;
+    check(linked - budget->freeOfEach_);
+    budget->left_ -= linked - budget->freeOfEach_;
   }
 
  private:
   static LinkingBudget*& current();
 
   std::size_t left_;
+  const std::size_t freeOfEach_;
   LinkingBudget* const outer_;
 };
 
@@ -43,10 +51,11 @@ constexpr std::size_t linkingBudgetFor(std::size_t names) {
   return 5000 + 10 * names;
 }
 
-/// As many are made for a question between selections of so many names before it is looked whether
-/// it can be answered without them, which takes about as long as making these.
-constexpr std::size_t linkingBudgetBesideDependencies(std::size_t names) {
-  return 400 + 2 * names;
+/// The budget of a question between selections of so many names before it is looked whether it can
+/// be answered without linking, which takes about as long as making these. What is a product has
+/// many linked metamodels of some versions.
+inline LinkingBudget linkingBudgetBesideDependencies(std::size_t names) {
+  return LinkingBudget(400 + 2 * names, 4);
 }
 
 }  // namespace tarn::evolution::pathfinder

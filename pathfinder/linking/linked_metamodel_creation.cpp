@@ -90,7 +90,7 @@ const LinkedMetamodels& LinkedMetamodelCreation::finish(const Metamodel& metamod
                                                         const OptionsByName& optionsByName) {
   LinkedMetamodels results =
       linkOptions(std::make_shared<LinkedMetamodel>(tag_, metamodel), optionsByName);
-  if (!results.empty()) LinkingBudget::take(results.size() - 1);
+  LinkingBudget::take(results.size());
   ResolvedRequirements requirements = resolveRequirements(host_, metamodel);
   for (auto& linked : results) {
     if (auto known = cache_.findAlone(*linked)) {
