@@ -66,6 +66,12 @@ CoreGuidedMinimum::Outcome CoreGuidedMinimum::minimize(const std::vector<Literal
   return Outcome::TooDear;
 }
 
+void CoreGuidedMinimum::dropDearerThan(std::uint64_t beyondLowerBound) {
+  for (const auto& [literal, cost] : costs_) {
+    if (cost > beyondLowerBound) solver_.addClause({literal});
+  }
+}
+
 std::vector<Literal> CoreGuidedMinimum::stillWanted() const {
   std::vector<Literal> result;
   for (const auto& [literal, cost] : costs_) result.push_back(literal);

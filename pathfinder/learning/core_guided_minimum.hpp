@@ -37,6 +37,10 @@ class CoreGuidedMinimum {
   Outcome minimize(const std::vector<Literal>& assumptions, const AcceptModel& accept,
                    std::uint64_t limit = ~std::uint64_t{0});
 
+  /// From now on leaves only models that cost at most so much more than the lower bound, as far as
+  /// single literals tell.
+  void dropDearerThan(std::uint64_t beyondLowerBound);
+
   /// What any accepted model costs at least.
   std::uint64_t lowerBound() const { return lowerBound_; }
 

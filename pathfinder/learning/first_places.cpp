@@ -2,7 +2,9 @@
 // name's, each at the least that some plan has. A plan is at hand in which all that is decided
 // holds. A digit that is 0 in it is the least already; a plan with a lower digit of some name is
 // asked for. Mostly there is none, so several names are asked about at once: when none of them can
-// have a lower digit, whatever the others do, all are decided as in the plan at hand.
+// have a lower digit, whatever the others do, all are decided as in the plan at hand. Otherwise the
+// plan that is found takes the other one's place if it comes first, and the names before the one
+// that is lower in it are asked about next.
 //
 // Then what links bring in in that step, in the order in which combination lists the baselines that
 // the hops lead to.
@@ -21,8 +23,8 @@ PlannedWay FirstPlaces::find() {
   } else {
     decideStart();
   }
-  held_ = begun_;
-  PlannedWay way{begun_, {}};
+  held_ = atHand_.begun;
+  PlannedWay way{atHand_.begun, {}};
   for (std::uint32_t step = steps_.count(); step > 0; --step) {
     decideStep(step);
     if (links_ != nullptr) decideLinks(step);
@@ -36,7 +38,7 @@ void FirstPlaces::decideSource() {
   for (std::size_t i = 0; i < plans_.network.sources.size(); ++i) {
     const Literal isSource = plans_.formula.isSource(i);
     if (!plans_.findPlan(std::array{decided_, isSource})) continue;
-    readPlan();
+    atHand_ = planFound();
     plans_.sat.addClause({-decided_, isSource});
     return;
   }
@@ -48,9 +50,9 @@ void FirstPlaces::decideStart() {
   if (!plans_.findPlan(std::array{decided_})) {
     throw std::logic_error("no plan has the step weights that were proven");
   }
-  readPlan();
+  atHand_ = planFound();
   const auto isAtHand = [this](NodeIndex node) {
-    return begun_[plans_.network.nodes[node].name] == node;
+    return atHand_.begun[plans_.network.nodes[node].name] == node;
   };
   const auto isChosen = [this](NodeIndex node) { return plans_.formula.startsAt(node); };
   links_->visitChoices(start_->selection, [&](std::span<const LinkChoices::Group> groups) {
@@ -62,16 +64,16 @@ void FirstPlaces::decideStart() {
 void FirstPlaces::decideLinks(std::uint32_t step) {
   VersionSelection selection;
   bool isAnyEntered = false;
-  for (NameIndex name = 0; name < made_.size(); ++name) {
-    const bool isOpen = plans_.network.nodes[held_[name]].isAbsent;
-    const ArcIndex arc = madeIn(name, step);
+  for (NameIndex name = 0; name < plans_.network.names.size(); ++name) {
+    const bool isOpen = isAbsent(name);
+    const ArcIndex arc = madeIn(atHand_, name, step);
     isAnyEntered |= isOpen && arc != SearchSpace::none;
     const NodeIndex after = arc == SearchSpace::none ? held_[name] : plans_.network.arcs[arc].to;
     selection.push_back(isOpen ? SearchSpace::none : plans_.network.nodes[after].version);
   }
   if (isAnyEntered) {
     const auto isAtHand = [&](NodeIndex node) {
-      const ArcIndex arc = madeIn(plans_.network.nodes[node].name, step);
+      const ArcIndex arc = madeIn(atHand_, plans_.network.nodes[node].name, step);
       return arc != SearchSpace::none && plans_.network.arcs[arc].to == node;
     };
     // A name that is absent before the step has been brought in when the step is over.
@@ -80,8 +82,8 @@ void FirstPlaces::decideLinks(std::uint32_t step) {
       return decideGroup(groups, isAtHand, isChosen);
     });
   }
-  for (NameIndex name = 0; name < made_.size(); ++name) {
-    if (plans_.network.nodes[held_[name]].isAbsent) decideHop(name, step);
+  for (NameIndex name = 0; name < plans_.network.names.size(); ++name) {
+    if (isAbsent(name)) decideHop(name, step);
   }
 }
 
@@ -111,7 +113,7 @@ std::size_t FirstPlaces::decideGroup(std::span<const LinkChoices::Group> groups,
         std::find_if(groups.begin(), groups.end(), isGroupAtHand) - groups.begin());
     const auto earlier = std::span<const Literal>(literals).first(place);
     if (!earlier.empty() && plans_.findPlanWith(earlier, std::array{decided_})) {
-      readPlan();
+      atHand_ = planFound();
       continue;
     }
     if (place < groups.size()) plans_.sat.addClause({-decided_, literals[place]});
@@ -119,30 +121,50 @@ std::size_t FirstPlaces::decideGroup(std::span<const LinkChoices::Group> groups,
   }
 }
 
-void FirstPlaces::readPlan() {
-  begun_.clear();
-  for (NameIndex name = 0; name < made_.size(); ++name) {
-    begun_.push_back(plans_.check.nodesOf(name).front());
-    made_[name].clear();
+/// The plan that the solver has found last.
+FirstPlaces::Plan FirstPlaces::planFound() const {
+  Plan plan;
+  for (NameIndex name = 0; name < plans_.network.names.size(); ++name) {
+    plan.begun.push_back(plans_.check.nodesOf(name).front());
+    std::vector<Made>& made = plan.made.emplace_back();
     std::uint32_t step = steps_.count();
     for (const ArcIndex arc : plans_.check.arcsOf(name)) {
       const NodeIndex entered = plans_.network.arcs[arc].to;
       while (step > 1 && !plans_.sat.isTrue(steps_.isEnteredBefore(entered, step - 1))) --step;
-      made_[name].push_back({arc, step});
+      made.push_back({arc, step});
     }
   }
+  return plan;
 }
 
-/// The hop that the plan at hand makes in a step; none for no hop.
-ArcIndex FirstPlaces::madeIn(NameIndex name, std::uint32_t step) const {
-  for (const Made& made : made_[name]) {
+/// The hop that a plan makes in a step; none for no hop.
+ArcIndex FirstPlaces::madeIn(const Plan& plan, NameIndex name, std::uint32_t step) {
+  for (const Made& made : plan.made[name]) {
     if (made.step == step) return made.arc;
   }
   return SearchSpace::none;
 }
 
+std::size_t FirstPlaces::digitOf(const Plan& plan, NameIndex name, std::uint32_t step) const {
+  const ArcIndex arc = madeIn(plan, name, step);
+  return arc == SearchSpace::none ? 0 : std::size_t{plans_.network.arcs[arc].place} + 1;
+}
+
+/// Whether a plan has a lower digit than the one at hand where they differ first in a step, as to
+/// the names before one, those after it being decided.
+bool FirstPlaces::comesFirst(const Plan& plan, NameIndex end, std::uint32_t step) const {
+  for (NameIndex name = end; name-- > 0;) {
+    if (isAbsent(name)) continue;
+    const std::size_t digit = digitOf(plan, name, step);
+    const std::size_t digitAtHand = digitOf(atHand_, name, step);
+    if (digit != digitAtHand) return digit < digitAtHand;
+  }
+  return false;
+}
+
 void FirstPlaces::decideStep(std::uint32_t step) {
-  auto end = static_cast<NameIndex>(made_.size());  // the names from here on are decided
+  auto end =
+      static_cast<NameIndex>(plans_.network.names.size());  // the names from here on are decided
   std::size_t most = 1;
   while (true) {
     const std::vector<NameIndex> moving = movingBelow(end, step, most);
@@ -155,11 +177,15 @@ void FirstPlaces::decideStep(std::uint32_t step) {
       decide(moving.back(), end, step);
       end = moving.back();
       most *= 2;
-    } else if (moving.size() == 1) {
-      readPlan();
-    } else {
-      most = moving.size() / 2;
+      continue;
     }
+    Plan found = planFound();
+    const auto isLower = [&](NameIndex name) {
+      return digitOf(found, name, step) < digitOf(atHand_, name, step);
+    };
+    const auto lower = std::find_if(moving.begin(), moving.end(), isLower);
+    most = std::max<std::size_t>(1, lower - moving.begin());
+    if (comesFirst(found, end, step)) atHand_ = std::move(found);
   }
   decide(0, end, step);
 }
@@ -169,8 +195,7 @@ std::vector<NameIndex> FirstPlaces::movingBelow(NameIndex end, std::uint32_t ste
                                                 std::size_t most) const {
   std::vector<NameIndex> result;
   for (NameIndex name = end; name-- > 0 && result.size() < most;) {
-    const bool isAbsent = plans_.network.nodes[held_[name]].isAbsent;
-    if (!isAbsent && madeIn(name, step) != SearchSpace::none) result.push_back(name);
+    if (!isAbsent(name) && madeIn(atHand_, name, step) != SearchSpace::none) result.push_back(name);
   }
   return result;
 }
@@ -179,7 +204,8 @@ std::vector<NameIndex> FirstPlaces::movingBelow(NameIndex end, std::uint32_t ste
 bool FirstPlaces::isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step) {
   std::vector<Literal> lower;
   lower.reserve(names.size());
-  for (const NameIndex name : names) lower.push_back(lowerThan(name, madeIn(name, step), step));
+  for (const NameIndex name : names)
+    lower.push_back(lowerThan(name, madeIn(atHand_, name, step), step));
   return plans_.findPlanWith(lower, std::array{decided_});
 }
 
@@ -198,13 +224,13 @@ Literal FirstPlaces::lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step)
 /// Decides what names do in a step, as in the plan at hand.
 void FirstPlaces::decide(NameIndex first, NameIndex end, std::uint32_t step) {
   for (NameIndex name = first; name < end; ++name) {
-    if (!plans_.network.nodes[held_[name]].isAbsent) decideHop(name, step);
+    if (!isAbsent(name)) decideHop(name, step);
   }
 }
 
 /// The same for a name; for one that is absent, what links bring in.
 void FirstPlaces::decideHop(NameIndex name, std::uint32_t step) {
-  const ArcIndex arc = madeIn(name, step);
+  const ArcIndex arc = madeIn(atHand_, name, step);
   for (const ArcIndex other : plans_.network.nodes[held_[name]].out) {
     const Literal isUsed = plans_.formula.isUsed(other);
     const Literal isEntered = steps_.isEnteredBefore(plans_.network.arcs[other].to, step - 1);
@@ -221,8 +247,8 @@ void FirstPlaces::decideHop(NameIndex name, std::uint32_t step) {
 /// The hops of a step that is decided; goes on to the one after it.
 std::vector<ArcIndex> FirstPlaces::takeStep(std::uint32_t step) {
   std::vector<ArcIndex> result;
-  for (NameIndex name = 0; name < made_.size(); ++name) {
-    const ArcIndex arc = result.emplace_back(madeIn(name, step));
+  for (NameIndex name = 0; name < plans_.network.names.size(); ++name) {
+    const ArcIndex arc = result.emplace_back(madeIn(atHand_, name, step));
     if (arc != SearchSpace::none) held_[name] = plans_.network.arcs[arc].to;
   }
   return result;

@@ -25,20 +25,20 @@ class FirstPlaces {
   /// `links`: null if no name can be brought in; `start`: null when plans begin at sources.
   FirstPlaces(PlanSolver& plans, const LastSteps& steps, Literal decided, const LinkChoices* links,
               const OpenStart* start)
-      : plans_(plans),
-        steps_(steps),
-        decided_(decided),
-        links_(links),
-        start_(start),
-        made_(plans.network.names.size()) {}
+      : plans_(plans), steps_(steps), decided_(decided), links_(links), start_(start) {}
 
   PlannedWay find();
 
  private:
-  /// A hop of the plan at hand.
   struct Made {
     ArcIndex arc;
     std::uint32_t step;  // counted from the last one, as LastSteps does
+  };
+
+  /// What a plan does, by name.
+  struct Plan {
+    std::vector<NodeIndex> begun;
+    std::vector<std::vector<Made>> made;
   };
 
   void decideSource();
@@ -48,8 +48,11 @@ class FirstPlaces {
   std::size_t decideGroup(std::span<const LinkChoices::Group> groups, const IsAtHand& isAtHand,
                           const IsChosen& isChosen);
   void decideStep(std::uint32_t step);
-  void readPlan();
-  ArcIndex madeIn(NameIndex name, std::uint32_t step) const;
+  Plan planFound() const;
+  static ArcIndex madeIn(const Plan& plan, NameIndex name, std::uint32_t step);
+  std::size_t digitOf(const Plan& plan, NameIndex name, std::uint32_t step) const;
+  bool comesFirst(const Plan& plan, NameIndex end, std::uint32_t step) const;
+  bool isAbsent(NameIndex name) const { return plans_.network.nodes[held_[name]].isAbsent; }
   std::vector<NameIndex> movingBelow(NameIndex end, std::uint32_t step, std::size_t most) const;
   bool isAnyLower(const std::vector<NameIndex>& names, std::uint32_t step);
   Literal lowerThan(NameIndex name, ArcIndex arc, std::uint32_t step);
@@ -63,9 +66,7 @@ class FirstPlaces {
   const LinkChoices* const links_;
   const OpenStart* const start_;
 
-  // Of a plan in which all that is decided holds, by name.
-  std::vector<std::vector<Made>> made_;
-  std::vector<NodeIndex> begun_;
+  Plan atHand_;                  // in which all that is decided holds
   std::vector<NodeIndex> held_;  // by name, before the step that is being decided
 };
 

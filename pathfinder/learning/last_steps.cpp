@@ -20,6 +20,7 @@ void LastSteps::add() {
   std::vector<Literal> before = before_.back();
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
     if (isSurelyBefore(node, step)) continue;
+    if (solver_.isNever(before[node])) continue;
     before[node] = solver_.newVariable();
     solver_.addClause({-before[node], before_.back()[node]});
     if (formula_.startsAt(node) == formula_.never()) continue;
@@ -27,12 +28,12 @@ void LastSteps::add() {
   }
   for (ArcIndex index = 0; index < network_.arcs.size(); ++index) {
     const PlanNetwork::Arc& arc = network_.arcs[index];
-    if (isSurelyBefore(arc.from, step)) continue;
+    if (isSurelyBefore(arc.from, step) || solver_.isNever(formula_.isUsed(index))) continue;
     solver_.addClause({-formula_.isUsed(index), -before_.back()[arc.to], before[arc.from]});
   }
   for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
     for (const PlanFormula::Order& order : formula_.ordersOf(left)) {
-      if (network_.nodes[order.entered].in.empty()) continue;
+      if (network_.nodes[order.entered].in.empty() || solver_.isNever(order.literal)) continue;
       for (const ArcIndex arc : network_.nodes[left].out) {
         if (isSurelyBefore(network_.arcs[arc].to, step)) continue;
         solver_.addClause({-order.literal, -formula_.isUsed(arc), -before[order.entered],

@@ -21,9 +21,11 @@ class LastSteps {
   /// Whether a node is entered before a step, or is where its name starts. Before step 0: at all.
   Literal isEnteredBefore(NodeIndex node, std::uint32_t step) const { return before_[step][node]; }
 
-  /// Whether a hop may be made in a step, as far as what is left to do after it tells.
+  /// Whether a hop may be made in a step, as far as that takes no search to tell.
   bool mayBeIn(ArcIndex arc, std::uint32_t step) const {
-    return network_.nodes[network_.arcs[arc].to].hopsLeft < step;
+    const NodeIndex entered = network_.arcs[arc].to;
+    return network_.nodes[entered].hopsLeft < step && !solver_.isNever(formula_.isUsed(arc)) &&
+           !solver_.isNever(before_[step - 1][entered]);
   }
 
   /// A new literal that is true only if the hop is made in that step.

@@ -77,8 +77,11 @@ class Planner final : public LearningPlanner {
   void tellPlans(PlanMet met) override { met_ = std::move(met); }
 
   std::optional<BackwardPlan> plan() override {
+    takeDroppedBack();
+    const Heavier heavier = std::exchange(nextTime_, Heavier::Kept);
     while (true) {
-      const std::vector<WeightShare> shares = findShares();
+      areAnyDropped_ = heavier == Heavier::Dropped;
+      const std::vector<WeightShare> shares = findShares(heavier);
       if (!takeLaps(shares)) return shares.empty() ? std::nullopt : std::optional(planOf(shares));
       begin();
     }
@@ -96,6 +99,8 @@ class Planner final : public LearningPlanner {
 
   bool keepCheapestEnds(std::span<const EndCost> costs) override {
     if (work_->network.isCut) throw Undecided();
+    takeDroppedBack();
+    nextTime_ = Heavier::Kept;
     PlanSolver& plans = work_->plans;
     CoreGuidedMinimum minimum(plans.sat);
     for (const auto& ends : endsByName(costs)) wantCheap(ends, minimum);
@@ -107,6 +112,7 @@ class Planner final : public LearningPlanner {
 
   VersionSelection commonEnds() override {
     if (work_->network.isCut) throw Undecided();
+    takeDroppedBack();
     PlanSolver& plans = work_->plans;
     VersionSelection ends(work_->network.names.size(), SearchSpace::none);
     plans.findPlan({});
@@ -123,16 +129,24 @@ class Planner final : public LearningPlanner {
   }
 
  private:
+  using Heavier = LeastWeight::Heavier;
+
   static constexpr std::uint64_t noWeight = std::numeric_limits<std::uint64_t>::max();
   static constexpr std::uint32_t mostLaps = 6;     // that a network is made for
   static constexpr std::size_t mostCopies = 1000;  // of what is forbidden
 
-  std::vector<WeightShare> findShares() {
+  /// After a question that has left only the lightest plans, makes all that was excluded so anew.
+  void takeDroppedBack() {
+    if (areAnyDropped_) begin();
+    areAnyDropped_ = false;
+  }
+
+  std::vector<WeightShare> findShares(Heavier heavier) {
     const PlanNetwork& network = work_->network;
     if (!network.canBegin() || network.targets.empty()) return {};
     // Minimization meets its first plan when the fewest expensive hops are proven.
     if (met_ && lightestCarriedOut_ == noWeight) work_->leastWeight.meetPlans();
-    return work_->leastWeight.find();
+    return work_->leastWeight.find(heavier);
   }
 
   /// Notes the plan that the check has accepted last.
@@ -222,7 +236,7 @@ class Planner final : public LearningPlanner {
       }
     }
     beyond.plans.sat.addClause(isAnyHeld);
-    const std::vector<WeightShare> shares = beyond.leastWeight.find();
+    const std::vector<WeightShare> shares = beyond.leastWeight.find(Heavier::Dropped);
     return shares.empty() ? Unrolling::noWay : weightOf(shares);
   }
 
@@ -236,13 +250,16 @@ class Planner final : public LearningPlanner {
     std::optional<StepWeights> first;
     std::vector<std::uint64_t> firstWeights;
     for (const WeightShare& share : shares) {
-      StepWeights steps(plans, work_->timeline, share);
+      const bool isOnly = areAnyDropped_ && shares.size() == 1;
+      const Literal decided = isOnly ? plans.formula.always() : plans.sat.newVariable();
+      StepWeights steps(plans, work_->timeline, share, decided);
       std::vector<std::uint64_t> weights = steps.find();
       // Heavier comes first; sequences of one total do not begin one another.
       if (first && weights <= firstWeights) continue;
       first.emplace(std::move(steps));
       firstWeights = std::move(weights);
     }
+    if (areAnyDropped_) plans.sat.addClause({first->decided()});
     FirstPlaces places(plans, first->steps(), first->decided(), links_, start_);
     return backwardPlan(places.find(), firstWeights);
   }
@@ -362,6 +379,10 @@ class Planner final : public LearningPlanner {
   std::optional<NetworkPlanning> work_;
   std::vector<std::vector<VersionIndex>> forbiddenTogether_;
   std::vector<std::vector<VersionIndex>> forbiddenAtEnd_;
+
+  // A plan is mostly asked for once, and then only the lightest ones are of use.
+  Heavier nextTime_ = Heavier::Dropped;
+  bool areAnyDropped_ = false;  // from the network at hand
 
   PlanMet met_;
   std::uint64_t lightestCarriedOut_ = noWeight;  // of the plans it was told

@@ -6,6 +6,9 @@
 //   3. if a gap is left between these, for each number of layers in it the fewest ordinary hops
 //      that can be made in so many, on a timeline.
 //
+// Where heavier plans are dropped, what is proven of the lightest ones becomes part of the formula
+// as soon as it is known, and settles most of it: what comes after is said of the rest only.
+//
 // Costs are reduced: a hop costs what it adds to the least that its name takes anyway, so that most
 // hops cost nothing. Steps of expensive hops alone are not counted: they weigh nothing of their
 // own.
@@ -27,7 +30,8 @@ constexpr int conflictsToMeetPlan = 1000;
 
 }  // namespace
 
-std::vector<WeightShare> LeastWeight::find() {
+std::vector<WeightShare> LeastWeight::find(Heavier heavier) {
+  heavier_ = heavier;
   best_ = std::numeric_limits<std::uint64_t>::max();
   if (!findFewestExpensiveHops()) return {};
   findFewestOrdinaryHops();
@@ -100,6 +104,7 @@ bool LeastWeight::findFewestExpensiveHops() {
   if (outcome != Outcome::Found) return false;
   expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
   isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
+  if (heavier_ == Heavier::Dropped) plans_.sat.addClause({isFewestExpensive_});
   best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
   noteProven(0);
   return true;
@@ -110,6 +115,9 @@ void LeastWeight::findFewestOrdinaryHops() {
   leastOrdinary_ = setOrdinaryCosts(*fewestOrdinary_);
   fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
+  if (heavier_ == Heavier::Dropped) {
+    fewestOrdinary_->dropDearerThan(best_ - ordinaryHops_ - fewestLayers_);
+  }
   noteProven(ordinaryHops_ + fewestLayers_);
 }
 
@@ -127,6 +135,9 @@ std::vector<WeightShare> LeastWeight::findLayers() {
   std::erase_if(shares, [this](const WeightShare& share) {
     return share.ordinaryHops + share.layers != best_;
   });
+  if (heavier_ == Heavier::Dropped && shares.size() == 1) {
+    plans_.sat.addClause({shares.front().holds});
+  }
   noteProven(best_);
   return shares;
 }

@@ -24,6 +24,10 @@ struct WeightShare {
 /// Finds the least weight of all plans, and proves it.
 class LeastWeight {
  public:
+  /// What becomes of plans of more than the least weight: they stay, for the case that lighter ones
+  /// are excluded; or the formula excludes them for good, which makes it easier.
+  enum class Heavier { Kept, Dropped };
+
   /// `fewestLayers`: no plan has fewer steps with an ordinary hop. `notePlan` is called with each
   /// plan that is met, which is the one that the check of `plans` has accepted last.
   LeastWeight(PlanSolver& plans, Timeline& timeline, std::uint32_t fewestLayers,
@@ -34,8 +38,8 @@ class LeastWeight {
         notePlan_(std::move(notePlan)) {}
 
   /// Every share of the least weight; none when there is no plan. Asked again after plans were
-  /// excluded, goes on from what was proven.
-  std::vector<WeightShare> find();
+  /// excluded, goes on from what was proven, if heavier ones were kept.
+  std::vector<WeightShare> find(Heavier heavier);
 
   /// Meets plans before anything is proven: any, then ones with fewer and fewer expensive hops, and
   /// with fewer ordinary ones, as far as short searches find them.
@@ -61,6 +65,7 @@ class LeastWeight {
   Timeline& timeline_;
   const std::uint32_t fewestLayers_;
   const std::function<void()> notePlan_;
+  Heavier heavier_ = Heavier::Kept;
 
   std::optional<CoreGuidedMinimum> fewestExpensive_;  // kept: what it has proven stays true
   std::uint64_t leastExpensive_ = 0;                  // that each way takes in any case

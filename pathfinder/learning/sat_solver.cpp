@@ -106,6 +106,8 @@ void SatSolver::addClause(std::initializer_list<Literal> literals) {
 }
 
 void SatSolver::addClause(std::span<const Literal> literals) {
+  const auto isKnown = [this](Literal literal) { return isAlways(literal); };
+  if (std::any_of(literals.begin(), literals.end(), isKnown)) return;
   backend_->add(literals);
   literals_ += literals.size();
   if (++clauses_ % clausesBetweenLooks == 0) watch();
@@ -133,6 +135,10 @@ void SatSolver::addAtMostOne(std::vector<Literal> literals) {
 
 void SatSolver::prefer(Literal literal) {
   backend_->use([&](auto& solver) { solver.phase(literal); });
+}
+
+bool SatSolver::isAlways(Literal literal) const {
+  return backend_->use([&](auto& solver) { return solver.fixed(literal) > 0; });
 }
 
 bool SatSolver::solve(std::span<const Literal> assumptions) {

@@ -35,6 +35,10 @@ class SatSolver {
   /// A hint: models have the literal true where nothing speaks against it.
   void prefer(Literal literal);
 
+  /// Whether a literal is true in every model; false as well where that takes a search to tell.
+  bool isAlways(Literal literal) const;
+  bool isNever(Literal literal) const { return isAlways(-literal); }
+
   /// Whether the formula and all assumptions can be true.
   bool solve(std::span<const Literal> assumptions);
 

@@ -15,12 +15,13 @@
 
 namespace tarn::evolution::pathfinder {
 
-StepWeights::StepWeights(PlanSolver& plans, Timeline& timeline, const WeightShare& share)
+StepWeights::StepWeights(PlanSolver& plans, Timeline& timeline, const WeightShare& share,
+                         Literal decided)
     : plans_(plans),
       timeline_(timeline),
       steps_(plans.network, plans.formula, plans.sat),
       left_(share),
-      decided_(plans.sat.newVariable()) {
+      decided_(decided) {
   plans_.sat.addClause({-decided_, share.holds});
   timeline_.extendTo(share.layers);
 }

@@ -14,7 +14,8 @@ namespace tarn::evolution::pathfinder {
 /// step as heavy as it can be, then the one before it, and so on.
 class StepWeights {
  public:
-  StepWeights(PlanSolver& plans, Timeline& timeline, const WeightShare& share);
+  /// `decided`: what is decided has to hold only if that is true.
+  StepWeights(PlanSolver& plans, Timeline& timeline, const WeightShare& share, Literal decided);
 
   /// The weights, the last step first.
   std::vector<std::uint64_t> find();

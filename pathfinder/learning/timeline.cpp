@@ -53,7 +53,8 @@ void Timeline::addPhase() {
       entered_[node].push_back(formula_.isHeld(node));
       continue;
     }
-    if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore) {
+    if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore ||
+        solver_.isNever(formula_.isHeld(node))) {
       entered_[node].push_back(formula_.never());
       continue;
     }
@@ -79,7 +80,7 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
   const Literal used = formula_.isUsed(index);
   const Literal entered = entered_[arc.to][phase];
   const bool isGap = phase % 2 == 0;
-  if (isUnchanged(arc.to, phase)) return;
+  if (isUnchanged(arc.to, phase) || solver_.isNever(used)) return;
   if (isGap && arc.hop == PlannedHop::Ordinary) {
     const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
     solver_.addClause({-used, -entered, before});
@@ -99,7 +100,7 @@ void Timeline::bringIn(NodeIndex needing, std::uint32_t phase) {
 }
 
 void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint32_t phase) {
-  if (network_.nodes[order.entered].in.empty()) return;
+  if (network_.nodes[order.entered].in.empty() || solver_.isNever(order.literal)) return;
   for (const ArcIndex arc : network_.nodes[left].out) {
     const NodeIndex next = network_.arcs[arc].to;
     if (isUnchanged(next, phase) && isUnchanged(order.entered, phase)) continue;
