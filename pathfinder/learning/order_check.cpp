@@ -137,32 +137,35 @@ void OrderCheck::findComponents() {
 /// makes a weak clause, and mostly is none any more when the shorter ones are forbidden.
 bool OrderCheck::forbidCircles() {
   std::vector<Circle> circles;
-  std::size_t shortest = std::numeric_limits<std::size_t>::max();
+  std::size_t most = std::numeric_limits<std::size_t>::max();
+  arrivals_.assign(events_.size(), {});
+  reached_.clear();
   for (EventIndex event = 0; event < events_.size(); ++event) {
     if (events_[event].isLast || componentOf_[event] != componentOf_[event + 1]) continue;
-    circles.push_back(circleThrough(event));
-    shortest = std::min(shortest, circles.back().size());
+    Circle circle = circleThrough(event, most);
+    if (circle.empty()) continue;
+    most = std::min(most, 3 * circle.size() + 8);
+    circles.push_back(std::move(circle));
   }
   for (const Circle& circle : circles) {
-    if (circle.size() <= 3 * shortest + 8) addClause(circle);
+    if (circle.size() <= most) addClause(circle);
   }
   return !circles.empty();
 }
 
-/// The circle with the fewest orders from the event after this one back to it.
-OrderCheck::Circle OrderCheck::circleThrough(EventIndex event) const {
-  struct Arrival {
-    std::uint32_t orders = none;
-    EventIndex before = none;
-    const Edge* edge = nullptr;  // null for the next hop of the name
-  };
-  std::vector<Arrival> arrivals(events_.size());
+/// The circle with the fewest orders from the event after this one back to it; empty when these are
+/// more than `most`.
+OrderCheck::Circle OrderCheck::circleThrough(EventIndex event, std::size_t most) {
+  for (const EventIndex reached : reached_) arrivals_[reached] = {};
+  reached_.assign({event + 1});
+  arrivals_[event + 1].orders = 0;
   std::deque<EventIndex> waiting{event + 1};
-  arrivals[event + 1].orders = 0;
   const auto reach = [&](EventIndex from, EventIndex to, const Edge* edge) {
-    const std::uint32_t orders = arrivals[from].orders + (edge == nullptr ? 0 : 1);
-    if (componentOf_[to] != componentOf_[event] || orders >= arrivals[to].orders) return;
-    arrivals[to] = {orders, from, edge};
+    const std::uint32_t orders = arrivals_[from].orders + (edge == nullptr ? 0 : 1);
+    if (orders > most || orders >= arrivals_[to].orders) return;
+    if (componentOf_[to] != componentOf_[event]) return;
+    if (arrivals_[to].orders == none) reached_.push_back(to);
+    arrivals_[to] = {orders, from, edge};
     if (edge == nullptr) {
       waiting.push_front(to);
     } else {
@@ -178,8 +181,9 @@ OrderCheck::Circle OrderCheck::circleThrough(EventIndex event) const {
     }
   }
   Circle circle;
-  for (EventIndex on = event; on != event + 1; on = arrivals[on].before) {
-    if (arrivals[on].edge != nullptr) circle.push_back(arrivals[on].edge);
+  if (arrivals_[event].orders == none) return circle;
+  for (EventIndex on = event; on != event + 1; on = arrivals_[on].before) {
+    if (arrivals_[on].edge != nullptr) circle.push_back(arrivals_[on].edge);
   }
   std::reverse(circle.begin(), circle.end());
   return circle;

@@ -66,6 +66,13 @@ class OrderCheck {
     bool isLeft;  // whether `from` is left by it
   };
 
+  /// How a search has come to an event.
+  struct Arrival {
+    std::uint32_t orders = SearchSpace::none;
+    EventIndex before = SearchSpace::none;
+    const Edge* edge = nullptr;  // null for the next hop of the name
+  };
+
   /// Edges in a ring; between them, each name makes its next hops.
   using Circle = std::vector<const Edge*>;
 
@@ -73,7 +80,7 @@ class OrderCheck {
   void findEdges();
   void findComponents();
   bool forbidCircles();
-  Circle circleThrough(EventIndex event) const;
+  Circle circleThrough(EventIndex event, std::size_t most);
   void addClause(const Circle& circle);
   void countSteps();
 
@@ -89,6 +96,8 @@ class OrderCheck {
   std::vector<std::uint32_t> componentOf_;  // ascending against the edges
   std::uint32_t components_ = 0;
   std::vector<std::uint32_t> phaseOf_;  // by component: 2k - 1 in the k-th layer, 2k after it
+  std::vector<Arrival> arrivals_;    // by event: of the last search
+  std::vector<EventIndex> reached_;  // in it
   std::uint64_t ordinaryHops_ = 0;
   std::uint64_t expensiveHops_ = 0;
   std::uint32_t ordinarySteps_ = 0;
