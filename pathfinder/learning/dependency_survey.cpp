@@ -24,13 +24,13 @@ DependencySurvey::DependencySurvey(SelectionHost& host, DependencyFailures& fail
 }
 
 void DependencySurvey::addNames() {
-  for (const auto& [text, versions] : question_.source.names()) {
+  for (const auto& [text, known] : question_.source.names()) {
     Name& name = names[text];
-    name.isCertain = question_.source.isCertain(text);
+    name.isCertain = known.isCertain;
     if (areEndsOpen() && !name.isCertain) throw NotForDependencies();
-    name.starts = versions.size();
-    for (const auto& version : versions) addVersion(name, Metamodel(version.descriptor));
-    isOpen |= !name.isCertain || versions.size() > 1;
+    name.starts = known.versions.size();
+    for (const auto& version : known.versions) addVersion(name, Metamodel(version.descriptor));
+    isOpen |= !name.isCertain || known.versions.size() > 1;
   }
   for (const auto& [text, goal] : question_.goals) {
     const auto name = names.find(text);
@@ -38,8 +38,8 @@ void DependencySurvey::addNames() {
     name->second.goal = &goal;
   }
   if (areEndsOpen()) return;
-  for (const auto& [text, versions] : question_.target->names()) {
-    if (question_.target->isSelected(text)) names[text].goal = &versions.front().descriptor;
+  for (const auto& [text, known] : question_.target->names()) {
+    if (known.isSelected) names[text].goal = &known.versions.front().descriptor;
   }
 }
 

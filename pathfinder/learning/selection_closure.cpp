@@ -11,8 +11,6 @@
 #include "pathfinder/learning/selection_closure.hpp"
 
 #include <algorithm>
-#include <set>
-#include <string_view>
 #include <utility>
 
 #include "pathfinder/learning/own_names.hpp"
@@ -38,68 +36,75 @@ std::vector<const Dependency*> dependenciesInLinkingOrder(const Metamodel& metam
 
 SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& selection) {
   if (selection.empty()) throw NotForDependencies();
-  std::set<std::u16string> selected;
-  for (const auto& [name, version] : selection) {
-    auto descriptor = host.getMetamodel(name, version);
-    if (!descriptor) reportUnknownVersion(name, version);
-    if (descriptor->name != name) throw NotForDependencies();
-    selected.insert(name);
+  for (const auto& [text, version] : selection) {
+    auto descriptor = host.getMetamodel(text, version);
+    if (!descriptor) reportUnknownVersion(text, version);
+    if (descriptor->name != text) throw NotForDependencies();
+    Name& name = nameOf(text);
+    name.isSelected = name.isCertain = true;
     addVersion(name, *std::move(descriptor));
   }
-  for (const auto& [name, versions] : names_) selected_.push_back(&name);
+  for (auto& [text, name] : names_) selected_.push_back(&name);
   bringIn(host);
+  numberAll();
   refuseOwnNames();
-  for (auto& [name, versions] : names_) {
-    for (Version& version : versions) addRefusals(host, name, version);
+  for (auto& [text, name] : names_) {
+    for (Version& version : name.versions) addRefusals(host, name, version);
   }
   findCertainNames();
+}
+
+SelectionClosure::Name& SelectionClosure::nameOf(const std::u16string& text) {
+  const auto [known, isNew] = names_.try_emplace(text);
+  if (isNew) known->second.text = &known->first;
+  return known->second;
 }
 
 void SelectionClosure::bringIn(SelectionHost& host) {
   // Versions are added on the way.
   for (std::size_t i = 0; i < added_.size(); ++i) {  // NOLINT(modernize-loop-convert)
     checkpoint();
-    addNeeds(host, *added_[i].first, added_[i].second);
+    const auto [name, place] = added_[i];
+    addNeeds(host, name->versions[place]);
   }
 }
 
-void SelectionClosure::addNeeds(SelectionHost& host, const std::u16string& name,
-                                std::size_t place) {
-  Version& version = names_.at(name)[place];
+void SelectionClosure::addNeeds(SelectionHost& host, Version& version) {
   std::vector<Metamodel> candidates;
   for (const Dependency* dependency : dependenciesInLinkingOrder(version.descriptor)) {
     candidates.clear();
     host.findMetamodels(dependency->name, dependency->range, candidates);
-    const auto known = names_.try_emplace(dependency->name).first;
-    Version::Need& need = version.needs.emplace_back(Version::Need{&known->first, {}});
+    Name& name = nameOf(dependency->name);
+    Version::Need& need = version.needs.emplace_back(Version::Need{&name, {}});
     for (Metamodel& candidate : candidates) {
       if (candidate.name != dependency->name) throw NotForDependencies();
-      if (!isSelected(dependency->name)) {
-        need.admitted.push_back(addVersion(known->first, std::move(candidate)));
-      } else if (known->second.front().descriptor == candidate) {
+      if (!name.isSelected) {
+        need.admitted.push_back(addVersion(name, std::move(candidate)));
+      } else if (name.versions.front().descriptor == candidate) {
         need.admitted.push_back(0);
       }
     }
   }
 }
 
-void SelectionClosure::refuseOwnNames() const {
-  std::map<std::u16string_view, std::size_t> numbers;
-  std::map<std::u16string_view, std::size_t> first;
-  std::size_t count = 0;
-  for (const auto& [name, versions] : names_) {
-    numbers.emplace(name, numbers.size());
-    first.emplace(name, count);
-    count += versions.size();
+void SelectionClosure::numberAll() {
+  std::size_t number = 0;
+  for (auto& [text, name] : names_) {
+    name.number = number++;
+    name.first = versions_;
+    versions_ += name.versions.size();
   }
+}
+
+void SelectionClosure::refuseOwnNames() const {
   std::vector<NeedingVersion> all;
-  all.reserve(count);
-  for (const auto& [name, versions] : names_) {
-    for (const Version& version : versions) {
-      NeedingVersion& added = all.emplace_back(NeedingVersion{numbers.at(name)});
+  all.reserve(versions_);
+  for (const auto& [text, name] : names_) {
+    for (const Version& version : name.versions) {
+      NeedingVersion& added = all.emplace_back(NeedingVersion{name.number});
       for (const auto& [needed, admitted] : version.needs) {
-        auto& need = added.needs.emplace_back(NeedingVersion::Need{numbers.at(*needed), {}});
-        for (const std::size_t place : admitted) need.admitted.push_back(first.at(*needed) + place);
+        auto& need = added.needs.emplace_back(NeedingVersion::Need{needed->number, {}});
+        for (const std::size_t place : admitted) need.admitted.push_back(needed->first + place);
       }
     }
   }
@@ -107,20 +112,20 @@ void SelectionClosure::refuseOwnNames() const {
 }
 
 /// Once all versions that may be held are known.
-void SelectionClosure::addRefusals(SelectionHost& host, const std::u16string& name,
-                                   Version& version) {
+void SelectionClosure::addRefusals(SelectionHost& host, const Name& name, Version& version) {
   std::vector<PeerRequirement> required;
   host.findRequirements(version.descriptor, required);
   std::vector<Metamodel> candidates;
   for (const PeerRequirement& requirement : required) {
     const auto known = names_.find(requirement.name);
     if (known == names_.end()) continue;
-    if (known->first == name) throw NotForDependencies();
+    const Name& peer = known->second;
+    if (&peer == &name) throw NotForDependencies();
     candidates.clear();
     host.findMetamodels(requirement.name, requirement.range, candidates);
-    Version::Refusal& refusal = version.refusals.emplace_back(Version::Refusal{&known->first, {}});
-    for (std::size_t place = 0; place < known->second.size(); ++place) {
-      const Metamodel& held = known->second[place].descriptor;
+    Version::Refusal& refusal = version.refusals.emplace_back(Version::Refusal{&peer, {}});
+    for (std::size_t place = 0; place < peer.versions.size(); ++place) {
+      const Metamodel& held = peer.versions[place].descriptor;
       if (std::find(candidates.begin(), candidates.end(), held) == candidates.end()) {
         refusal.refused.push_back(place);
       }
@@ -128,25 +133,23 @@ void SelectionClosure::addRefusals(SelectionHost& host, const std::u16string& na
   }
 }
 
-std::size_t SelectionClosure::addVersion(const std::u16string& name, Metamodel&& descriptor) {
-  const auto entry = names_.try_emplace(name).first;
-  std::deque<Version>& versions = entry->second;
+std::size_t SelectionClosure::addVersion(Name& name, Metamodel&& descriptor) {
+  std::deque<Version>& versions = name.versions;
   const auto known = std::find_if(versions.begin(), versions.end(), [&](const Version& version) {
     return version.descriptor == descriptor;
   });
   const auto place = static_cast<std::size_t>(known - versions.begin());
   if (known == versions.end()) {
     versions.push_back({std::move(descriptor)});
-    added_.emplace_back(&entry->first, place);
+    added_.emplace_back(&name, place);
   }
   return place;
 }
 
 void SelectionClosure::findCertainNames() {
-  std::vector<const std::u16string*> open(selected_);
-  for (const std::u16string* name : selected_) certain_.insert(*name);
+  std::vector<const Name*> open(selected_.begin(), selected_.end());
   while (!open.empty()) {
-    const std::deque<Version>& versions = names_.at(*open.back());
+    const std::deque<Version>& versions = open.back()->versions;
     open.pop_back();
     if (versions.empty()) continue;
     for (const Version::Need& need : versions.front().needs) {
@@ -155,71 +158,104 @@ void SelectionClosure::findCertainNames() {
             return std::any_of(version.needs.begin(), version.needs.end(),
                                [&](const auto& other) { return other.name == need.name; });
           });
-      if (isNeededByAll && certain_.insert(*need.name).second) open.push_back(need.name);
+      if (!isNeededByAll || need.name->isCertain) continue;
+      names_.at(*need.name->text).isCertain = true;
+      open.push_back(need.name);
     }
   }
 }
 
-/// Adds what makes a baseline of the versions that are held, one literal for each.
-SelectionClosure::LiteralsByName SelectionClosure::addBaseline(SatSolver& solver) const {
-  LiteralsByName held;
-  std::map<std::u16string, std::vector<std::vector<Literal>>> needing;  // by version
-  for (const auto& [name, versions] : names_) {
-    auto& literals = held[name];
-    for (std::size_t i = 0; i < versions.size(); ++i) literals.push_back(solver.newVariable());
-    solver.addAtMostOne(literals);
-    needing[name].resize(versions.size());
-    if (isSelected(name)) solver.addClause({literals.front()});
+/// Adds what makes a baseline of the versions that are held; returns a literal for each version.
+std::vector<Literal> SelectionClosure::addBaseline(SatSolver& solver) const {
+  std::vector<Literal> held;
+  for (std::size_t i = 0; i < versions_; ++i) held.push_back(solver.newVariable());
+  for (const auto& [text, name] : names_) {
+    const auto first = held.begin() + static_cast<std::ptrdiff_t>(name.first);
+    solver.addAtMostOne({first, first + static_cast<std::ptrdiff_t>(name.versions.size())});
+    if (name.isSelected) solver.addClause({*first});
   }
-  for (const auto& [name, versions] : names_) {
-    for (std::size_t i = 0; i < versions.size(); ++i) {
-      const Literal isHeld = held.at(name)[i];
-      for (const Version::Need& need : versions[i].needs) {
-        const std::vector<Literal>& needed = held.at(*need.name);
-        auto& neededBy = needing.at(*need.name);
-        std::vector<Literal> clause{-isHeld};
-        for (const std::size_t place : need.admitted) {
-          clause.push_back(needed[place]);
-          neededBy[place].push_back(isHeld);
-        }
-        solver.addClause(clause);
-      }
-      for (const Version::Refusal& refusal : versions[i].refusals) {
-        const std::vector<Literal>& refused = held.at(*refusal.name);
-        for (const std::size_t place : refusal.refused)
-          solver.addClause({-isHeld, -refused[place]});
-      }
-    }
-  }
-  for (auto& [name, byVersion] : needing) {
-    for (std::size_t i = 0; i < byVersion.size() && !isSelected(name); ++i) {
-      byVersion[i].push_back(-held[name][i]);
-      solver.addClause(byVersion[i]);
-    }
-  }
+  addNeeds(solver, held);
+  addNeeding(solver, held);
   return held;
 }
 
-std::optional<std::map<std::u16string, const Metamodel*>> SelectionClosure::firstBaseline() const {
+/// What a version needs is beside it, and nothing that it refuses.
+void SelectionClosure::addNeeds(SatSolver& solver, const std::vector<Literal>& held) const {
+  for (const auto& [text, name] : names_) {
+    for (std::size_t i = 0; i < name.versions.size(); ++i) {
+      const Literal isHeld = held[name.first + i];
+      for (const Version::Need& need : name.versions[i].needs) {
+        std::vector<Literal> clause{-isHeld};
+        for (const std::size_t place : need.admitted) {
+          clause.push_back(held[need.name->first + place]);
+        }
+        solver.addClause(clause);
+      }
+      for (const Version::Refusal& refusal : name.versions[i].refusals) {
+        for (const std::size_t place : refusal.refused) {
+          solver.addClause({-isHeld, -held[refusal.name->first + place]});
+        }
+      }
+    }
+  }
+}
+
+/// Beside a version that is not selected is one that needs it.
+void SelectionClosure::addNeeding(SatSolver& solver, const std::vector<Literal>& held) const {
+  std::vector<std::vector<Literal>> needing(versions_);
+  for (const auto& [text, name] : names_) {
+    for (std::size_t i = 0; i < name.versions.size(); ++i) {
+      for (const Version::Need& need : name.versions[i].needs) {
+        if (need.name->isSelected) continue;
+        for (const std::size_t place : need.admitted) {
+          needing[need.name->first + place].push_back(held[name.first + i]);
+        }
+      }
+    }
+  }
+  for (const auto& [text, name] : names_) {
+    for (std::size_t i = 0; i < name.versions.size() && !name.isSelected; ++i) {
+      std::vector<Literal>& clause = needing[name.first + i];
+      clause.push_back(-held[name.first + i]);
+      solver.addClause(clause);
+    }
+  }
+}
+
+std::optional<SelectionClosure::Baseline> SelectionClosure::firstBaseline() const {
   SatSolver solver;
-  const LiteralsByName held = addBaseline(solver);
+  const std::vector<Literal> held = addBaseline(solver);
   std::vector<Literal> decided;
   if (!solver.solve(decided)) return std::nullopt;
-  std::map<std::u16string, const Metamodel*> baseline;
-  for (const std::u16string* name : selected_)
-    baseline.emplace(*name, &names_.at(*name)[0].descriptor);
-  visitInOrder([&](const std::u16string& name, const std::vector<std::size_t>& places) {
-    for (const std::size_t place : places) {
-      decided.push_back(held.at(name)[place]);
-      if (solver.solve(decided)) {
-        baseline.emplace(name, &names_.at(name)[place].descriptor);
-        return place;
-      }
-      decided.pop_back();
-    }
-    throw NotForDependencies();  // there is always one
-  });
+  Baseline baseline;
+  for (const Name* name : selected_) {
+    baseline.emplace(*name->text, &name->versions.front().descriptor);
+  }
+  for (const Name* name : selected_) {
+    chooseFor(name->versions.front(), solver, held, decided, baseline);
+  }
   return baseline;
+}
+
+/// Decides on what a version needs and what that needs, each name's choice deciding more on the
+/// order of baselines than the next one's.
+void SelectionClosure::chooseFor(const Version& version, SatSolver& solver,
+                                 const std::vector<Literal>& held, std::vector<Literal>& decided,
+                                 Baseline& baseline) const {
+  for (const Version::Need& need : version.needs) {
+    if (baseline.contains(*need.name->text)) continue;
+    const auto canBeHeld = [&](std::size_t place) {
+      decided.push_back(held[need.name->first + place]);
+      if (solver.solve(decided)) return true;
+      decided.pop_back();
+      return false;
+    };
+    const auto chosen = std::find_if(need.admitted.begin(), need.admitted.end(), canBeHeld);
+    if (chosen == need.admitted.end()) throw NotForDependencies();  // there is always one
+    const Version& needed = need.name->versions[*chosen];
+    baseline.emplace(*need.name->text, &needed.descriptor);
+    chooseFor(needed, solver, held, decided, baseline);
+  }
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <algorithm>
+#include <cstddef>
 #include <deque>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -26,6 +25,11 @@ std::vector<const Dependency*> dependenciesInLinkingOrder(const Metamodel& metam
 /// that its baselines may hold.
 class SelectionClosure {
  public:
+  /// The version of each name.
+  using Baseline = std::map<std::u16string, const Metamodel*>;
+
+  struct Name;
+
   /// A version that may be held, and what it depends on.
   struct Version {
     Metamodel descriptor;
@@ -33,7 +37,7 @@ class SelectionClosure {
     /// The names that it depends on, in the order of linking. For each the versions that it admits,
     /// as their places among those of the name, in the application's order.
     struct Need {
-      const std::u16string* name;
+      const Name* name;
       std::vector<std::size_t> admitted;
     };
     std::vector<Need> needs = {};
@@ -41,68 +45,59 @@ class SelectionClosure {
     /// The versions that it cannot stand beside because it requires others of their name, which it
     /// does not bring in.
     struct Refusal {
-      const std::u16string* name;
+      const Name* name;
       std::vector<std::size_t> refused;
     };
     std::vector<Refusal> refusals = {};
+  };
+
+  struct Name {
+    const std::u16string* text = nullptr;
+    std::deque<Version> versions = {};  ///< of a selected name just one
+    bool isSelected = false;
+
+    /// Whether every baseline that the selection stands for holds it, as far as that follows from
+    /// what is selected.
+    bool isCertain = false;
+
+    std::size_t number = 0;  ///< among all names
+    std::size_t first = 0;   ///< the number of its first version among all versions
   };
 
   /// Asks the application for all. Throws what it throws, InvalidFamilyVersion for a selected
   /// version that it does not know, and NotForDependencies.
   SelectionClosure(SelectionHost& host, const VersionsByName& selection);
 
-  /// The versions of each name; of a selected one just that version.
-  const std::map<std::u16string, std::deque<Version>>& names() const { return names_; }
+  const std::map<std::u16string, Name>& names() const { return names_; }
 
   bool isSelected(const std::u16string& name) const {
-    return std::any_of(selected_.begin(), selected_.end(),
-                       [&](const std::u16string* selected) { return *selected == name; });
+    const auto known = names_.find(name);
+    return known != names_.end() && known->second.isSelected;
   }
 
-  /// Whether every baseline that the selection stands for holds the name, as far as that follows
-  /// from what is selected.
-  bool isCertain(const std::u16string& name) const { return certain_.contains(name); }
-
-  /// The first of the baselines that the selection stands for, as the version of each name; no
-  /// value when there is none.
-  std::optional<std::map<std::u16string, const Metamodel*>> firstBaseline() const;
-
-  /// Calls `decide(name, places)` for names as their choice decides on the order of baselines, the
-  /// most significant first: `places` are the versions to choose from, in order. It returns the one
-  /// chosen. Names that offer no choice are left out.
-  template <class Decide>
-  void visitInOrder(const Decide& decide) const {
-    std::map<std::u16string, std::size_t> chosen;
-    for (const std::u16string* name : selected_) chosen.emplace(*name, 0);
-    for (const std::u16string* name : selected_) visitNeeds(*name, 0, chosen, decide);
-  }
+  /// The first of the baselines that the selection stands for; no value when there is none.
+  std::optional<Baseline> firstBaseline() const;
 
  private:
-  template <class Decide>
-  void visitNeeds(const std::u16string& name, std::size_t place,
-                  std::map<std::u16string, std::size_t>& chosen, const Decide& decide) const {
-    for (const Version::Need& need : names_.at(name)[place].needs) {
-      if (chosen.contains(*need.name)) continue;
-      const std::size_t choice = decide(*need.name, need.admitted);
-      chosen.emplace(*need.name, choice);
-      visitNeeds(*need.name, choice, chosen, decide);
-    }
-  }
-
+  Name& nameOf(const std::u16string& text);
   void bringIn(SelectionHost& host);
+  void numberAll();
   void refuseOwnNames() const;
-  void addRefusals(SelectionHost& host, const std::u16string& name, Version& version);
-  void addNeeds(SelectionHost& host, const std::u16string& name, std::size_t place);
-  std::size_t addVersion(const std::u16string& name, Metamodel&& descriptor);
+  void addRefusals(SelectionHost& host, const Name& name, Version& version);
+  void addNeeds(SelectionHost& host, Version& version);
+  std::size_t addVersion(Name& name, Metamodel&& descriptor);
   void findCertainNames();
 
-  using LiteralsByName = std::map<std::u16string, std::vector<Literal>>;
-  LiteralsByName addBaseline(SatSolver& solver) const;
+  std::vector<Literal> addBaseline(SatSolver& solver) const;
+  void addNeeds(SatSolver& solver, const std::vector<Literal>& held) const;
+  void addNeeding(SatSolver& solver, const std::vector<Literal>& held) const;
+  void chooseFor(const Version& version, SatSolver& solver, const std::vector<Literal>& held,
+                 std::vector<Literal>& decided, Baseline& baseline) const;
 
-  std::map<std::u16string, std::deque<Version>> names_;
-  std::vector<const std::u16string*> selected_;  // ascending
-  std::set<std::u16string> certain_;
-  std::vector<std::pair<const std::u16string*, std::size_t>> added_;  // versions, in order
+  std::map<std::u16string, Name> names_;
+  std::size_t versions_ = 0;                          // in all
+  std::vector<Name*> selected_;                       // ascending
+  std::vector<std::pair<Name*, std::size_t>> added_;  // versions, in order
 };
 
 }  // namespace tarn::evolution::pathfinder
