@@ -122,6 +122,9 @@ void LeastWeight::findFewestOrdinaryHops() {
 }
 
 std::vector<WeightShare> LeastWeight::findLayers() {
+  if (heavier_ == Heavier::Dropped) {
+    timeline_.limitTo(static_cast<std::uint32_t>(best_ - ordinaryHops_));
+  }
   std::vector<WeightShare> shares;
   for (std::uint32_t layers = fewestLayers_; layers + ordinaryHops_ <= best_; ++layers) {
     const auto share = shareWith(layers);

@@ -6,7 +6,10 @@
 //
 // A node that no hop leads to which can be made in a gap has the same literal in a gap as in the
 // layer before, and clauses about literals that stay are not repeated. One that no hop leads to at
-// all has no literal but "held".
+// all has no literal but "held"; what would have that for a consequence follows anyway.
+//
+// Where no plan has more than so many layers, a node from which a way takes k more ordinary hops is
+// entered before the k last ones, so there it has no literal but "held" either.
 //
 // That what is entered stays so, that only what is held is entered, and a start from the beginning,
 // is said for speed: an assignment without that can be made into one with it. Of the phases that
@@ -49,30 +52,34 @@ void Timeline::extendTo(std::uint32_t layers) {
 void Timeline::addPhase() {
   const std::uint32_t phase = phases_++;
   for (NodeIndex node = 0; node < network_.nodes.size(); ++node) {
-    if (network_.nodes[node].in.empty()) {
-      entered_[node].push_back(formula_.isHeld(node));
-      continue;
+    entered_[node].push_back(makeEntered(node, phase));
+    if (phase > 0 && !isUnchanged(node, phase)) {
+      solver_.addClause({-entered_[node][phase - 1], entered_[node][phase]});
     }
-    if (phase + 1 < 2 * network_.nodes[node].ordinaryStepsBefore ||
-        solver_.isNever(formula_.isHeld(node))) {
-      entered_[node].push_back(formula_.never());
-      continue;
-    }
-    if (phase > 0 && phase % 2 == 0 && !mayBeEnteredInGap_[node]) {
-      entered_[node].push_back(entered_[node].back());
-      continue;
-    }
-    const Literal entered = solver_.newVariable();
-    entered_[node].push_back(entered);
-    if (phase > 0) solver_.addClause({-entered_[node][phase - 1], entered});
-    if (formula_.startsAt(node) == formula_.never()) continue;
-    solver_.addClause({-formula_.startsAt(node), entered});
   }
   for (ArcIndex arc = 0; arc < network_.arcs.size(); ++arc) addArc(arc, phase);
   for (NodeIndex left = 0; left < network_.nodes.size(); ++left) {
     for (const PlanFormula::Order& order : formula_.ordersOf(left)) follow(left, order, phase);
     bringIn(left, phase);
   }
+}
+
+/// The literal that a node is entered by the end of a phase, which may have been made before.
+Literal Timeline::makeEntered(NodeIndex index, std::uint32_t phase) {
+  const PlanNetwork::Node& node = network_.nodes[index];
+  if (node.in.empty()) return formula_.isHeld(index);
+  if (solver_.isNever(formula_.isHeld(index))) return formula_.never();
+  if (phase + 1 < 2 * node.ordinaryStepsBefore) return formula_.never();
+  // Unless it may be so in the gap after a layer, a node is entered when the layer is over.
+  const std::uint32_t layersOver = mayBeEnteredInGap_[index] ? phase / 2 : (phase + 1) / 2;
+  if (layersOver + node.ordinaryLeft >= mostLayers_) return formula_.isHeld(index);
+  const bool mayChange = phase == 0 || phase % 2 == 1 || mayBeEnteredInGap_[index];
+  if (!mayChange) return entered_[index].back();
+  const Literal entered = solver_.newVariable();
+  if (formula_.startsAt(index) != formula_.never()) {
+    solver_.addClause({-formula_.startsAt(index), entered});
+  }
+  return entered;
 }
 
 void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
@@ -85,16 +92,17 @@ void Timeline::addArc(ArcIndex index, std::uint32_t phase) {
     const Literal before = phase == 0 ? formula_.never() : entered_[arc.to][phase - 1];
     solver_.addClause({-used, -entered, before});
   }
-  if (network_.nodes[arc.from].in.empty()) return;
   // A layer is one step; several can be in a gap.
-  const Literal isReady = entered_[arc.from][isGap ? phase : phase - 1];
-  solver_.addClause({-used, -entered, isReady});
+  const std::uint32_t ready = isGap ? phase : phase - 1;
+  if (isSurelyEntered(arc.from, ready)) return;
+  solver_.addClause({-used, -entered, entered_[arc.from][ready]});
 }
 
 /// What is brought in because of a node has not been entered before that node.
 void Timeline::bringIn(NodeIndex needing, std::uint32_t phase) {
   for (const PlanFormula::Order& order : formula_.broughtInWith(needing)) {
     if (isUnchanged(needing, phase) && isUnchanged(order.entered, phase)) continue;
+    if (isSurelyEntered(needing, phase)) continue;
     solver_.addClause({-order.literal, -entered_[order.entered][phase], entered_[needing][phase]});
   }
 }
@@ -104,6 +112,7 @@ void Timeline::follow(NodeIndex left, const PlanFormula::Order& order, std::uint
   for (const ArcIndex arc : network_.nodes[left].out) {
     const NodeIndex next = network_.arcs[arc].to;
     if (isUnchanged(next, phase) && isUnchanged(order.entered, phase)) continue;
+    if (isSurelyEntered(next, phase)) continue;
     const Literal isLeft = entered_[next][phase];
     solver_.addClause({-order.literal, -formula_.isUsed(arc), -entered_[order.entered][phase],
                        formula_.startsAt(order.entered), isLeft});

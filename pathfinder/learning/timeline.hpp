@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "pathfinder/learning/plan_formula.hpp"
@@ -14,6 +15,10 @@ namespace tarn::evolution::pathfinder {
 class Timeline {
  public:
   Timeline(const PlanNetwork& network, const PlanFormula& formula, SatSolver& solver);
+
+  /// That plans have so many layers at most: what has to be done in the last ones is not said any
+  /// more of layers that are added from now on.
+  void limitTo(std::uint32_t mostLayers) { mostLayers_ = mostLayers; }
 
   /// Lets plans have so many layers; more can be added. Takes up orders that the formula has got
   /// since.
@@ -31,6 +36,13 @@ class Timeline {
     return phase > 0 && entered_[node][phase] == entered_[node][phase - 1];
   }
 
+  /// Whether the node has been entered by the end of that phase wherever it is held. What has it
+  /// for a consequence need not be said.
+  bool isSurelyEntered(NodeIndex node, std::uint32_t phase) const {
+    return entered_[node][phase] == formula_.isHeld(node);
+  }
+
+  Literal makeEntered(NodeIndex node, std::uint32_t phase);
   void addPhase();
   void addArc(ArcIndex arc, std::uint32_t phase);
   void bringIn(NodeIndex needing, std::uint32_t phase);
@@ -40,6 +52,7 @@ class Timeline {
   const PlanFormula& formula_;
   SatSolver& solver_;
   std::uint32_t phases_ = 0;
+  std::uint32_t mostLayers_ = std::numeric_limits<std::uint32_t>::max();
 
   /// By node and phase: whether it is entered in that phase or before, or is where its name starts.
   std::vector<std::vector<Literal>> entered_;
