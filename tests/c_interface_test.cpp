@@ -2,8 +2,13 @@
 // what the JSON tells.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <random>
+#include <set>
 
 #include "catalogue/catalogue.hpp"
 #include "catalogue/json_catalogue.hpp"
@@ -32,7 +37,7 @@ TEST(CInterface, GarbageIsNamed) {
       {"shape", ranges, 2}, {"shape", ranges + 2, 1}, {nullptr, ranges, 1},
       {"shape", ranges, 0}, {"shape", nullptr, 1},    {"shape", ranges + 3, 1}};
   const tarn_evolution_hop hop{"shape", "1.0.0", "any of 1.0.0", 0};
-  const tarn_evolution_limits small{1, -1, 0, nullptr, nullptr, nullptr};
+  const tarn_evolution_limits small{1, -1, 0, nullptr, nullptr, nullptr, nullptr};
   tarn_evolution_callbacks none{};
   none.size = sizeof none;
   const tarn_evolution_requirement required[] = {{"shape", "1.0.0", dependencies[2], 0},
@@ -105,6 +110,11 @@ TEST(CInterface, GarbageIsNamed) {
                                          &said);
        },
        invalid, "path: is NULL"},
+      {[&] {
+         return tarn_evolution_find_direction(catalogue.get(), good, 1, good, 1, nullptr, nullptr,
+                                              &said);
+       },
+       invalid, "direction: is NULL"},
       {[&] { return tarn_evolution_find_steps(catalogue.get(), good, 1, 5, 1, &steps, &said); },
        invalid, "direction: 5 is none"},
       {[&] { return tarn_evolution_find_steps(catalogue.get(), good, 1, 2, 1, &steps, &said); },
@@ -225,6 +235,92 @@ TEST(CInterface, LimitsEndQuestions) {
   limits.timeout_ms = INT64_MAX;  // beyond what a clock can tell
   const Handle easy = openRows(shapes);
   EXPECT_EQ(pathBy(easy.get(), {{u"shape", v(1)}}, {{u"shape", v(2)}}, &limits).status, 0);
+}
+
+/// Names that each need near versions of earlier ones, which the search that learns is for.
+CatalogueContent learnable(std::size_t names, const Selection& from) {
+  std::mt19937 random(7);  // the same everywhere
+  CatalogueContent content;
+  std::vector<std::u16string> known;
+  for (const auto& [name, version] : std::map(from.begin(), from.end())) known.push_back(name);
+  for (std::size_t place = 0; place < names; ++place) {
+    const std::size_t needed = place == 0 ? 0 : random() % place;
+    for (std::uint64_t i = 1; i <= 8; ++i) {
+      std::vector<Dependency> dependencies;
+      for (const std::size_t other : std::set<std::size_t>{needed, place / 2, place / 3}) {
+        if (other >= place) continue;
+        dependencies.emplace_back(known[other], between(i > 1 ? i - 1 : 1, i + 2));
+      }
+      content.metamodels.push_back({{known[place], v(i), dependencies}, {}});
+      if (i < 8) content.hops.emplace_back(known[place], v(i), v(i + 1), random() % 3 == 0);
+      if (i < 7) content.hops.emplace_back(known[place], v(i), v(i + 2), random() % 3 == 0);
+    }
+  }
+  return content;
+}
+
+TEST(CInterface, BetterPathsAreTold) {
+  constexpr std::size_t names = 40;
+  Selection from;
+  Selection to;
+  for (std::size_t i = 0; i < names; ++i) {
+    const std::u16string name{u'N', static_cast<char16_t>(u'0' + i)};
+    from[name] = v(1);
+    to[name] = v(8);
+  }
+  const Handle catalogue = openRows(learnable(names, from));
+  struct Told {
+    int count = 0;
+    int stopAt = 0;
+    std::uint64_t lightest = UINT64_MAX;
+  } told;
+  tarn_evolution_limits limits = TARN_EVOLUTION_NO_LIMITS;
+  limits.data = &told;
+  limits.on_better_path = [](void* data, const tarn_evolution_steps* path) -> int32_t {
+    Told& known = *static_cast<Told*>(data);
+    EXPECT_LT(tarn_evolution_steps_weight(path), known.lightest);
+    EXPECT_GT(tarn_evolution_step_count(path), 0U);
+    known.lightest = tarn_evolution_steps_weight(path);
+    return ++known.count == known.stopAt ? 1 : 0;
+  };
+  const auto weightOf = [](const Outcome& outcome) {
+    EXPECT_EQ(outcome.status, TARN_EVOLUTION_OK) << outcome.text;
+    const std::size_t place = outcome.text.find("\"weight\": ");
+    return std::stoull(outcome.text.substr(place + std::strlen("\"weight\": ")));
+  };
+  const std::uint64_t least = weightOf(pathBy(catalogue.get(), from, to, &limits));
+  EXPECT_GT(told.count, 0);
+  EXPECT_GE(told.lightest, least);
+  tarn_evolution_forget_paths(catalogue.get());
+  told = {.stopAt = 1};
+  EXPECT_EQ(pathBy(catalogue.get(), from, to, &limits).status, TARN_EVOLUTION_STOPPED);
+  EXPECT_EQ(told.count, 1);
+  // One who was compiled with a former header.
+  told = {};
+  limits.size = offsetof(tarn_evolution_limits, on_better_path);
+  EXPECT_EQ(weightOf(pathBy(catalogue.get(), from, to, &limits)), least);
+  EXPECT_EQ(told.count, 0);
+}
+
+TEST(CInterface, DirectionsAreThoseOfCxx) {
+  const Handle catalogue = openRows(tangle());
+  const tarn_evolution_named_version ends[] = {{"B", "2.0.0"}, {"B", "3.0.0"}, {"A", "9.0.0"}};
+  const auto ask = [&](const auto& from, const auto& to, int32_t& direction) {
+    return tarn_evolution_find_direction(catalogue.get(), &from, 1, &to, 1, nullptr, &direction,
+                                         nullptr);
+  };
+  int32_t direction = -1;
+  EXPECT_EQ(ask(ends[0], ends[1], direction), TARN_EVOLUTION_OK);
+  EXPECT_EQ(direction, TARN_EVOLUTION_FORWARD);
+  EXPECT_EQ(ask(ends[1], ends[0], direction), TARN_EVOLUTION_OK);
+  EXPECT_EQ(direction, TARN_EVOLUTION_BACKWARD);
+  EXPECT_EQ(ask(ends[1], ends[1], direction), TARN_EVOLUTION_OK);
+  EXPECT_EQ(direction, TARN_EVOLUTION_ANY_DIRECTION);
+  EXPECT_EQ(ask(ends[1], ends[2], direction), TARN_EVOLUTION_UNKNOWN_VERSION);
+  const tarn_evolution_named_version apart[] = {{"A", "1.0.0"}, {"B", "3.0.0"}};
+  EXPECT_EQ(tarn_evolution_find_direction(catalogue.get(), apart, 2, ends, 1, nullptr, &direction,
+                                          nullptr),
+            TARN_EVOLUTION_NO_PATH);
 }
 
 TEST(CInterface, FilesAreOpenedAndChecked) {

@@ -58,9 +58,10 @@ struct ConditionOptions {
 struct LimitOptions {
   std::optional<double> timeout;  ///< seconds
   std::optional<std::uint64_t> memory;
-  py::object progress;  ///< called with stage, least proven and least found; or None
+  py::object progress;    ///< called with stage, least proven and least found; or None
+  py::object betterPath;  ///< called with each path met that weighs less than those before; or None
 
-  /// From now on. Refers to `*this`.
+  /// From now on, without `betterPath`. Refers to `*this`.
   pathfinder::SearchLimits read() const;
 };
 

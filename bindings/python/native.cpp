@@ -43,6 +43,8 @@ std::string directionName(VersionRepository::Direction direction) {
 
 /// What can be asked.
 class Repository {
+  using Steps = std::vector<pathfinder::BaselineHop>;
+
  public:
   explicit Repository(std::unique_ptr<BrowsableRepository> repository)
       : repository_(std::move(repository)) {}
@@ -51,13 +53,32 @@ class Repository {
                                const LimitOptions& options, const ConditionOptions& conditions) {
     Question question{.from = readSelection(source, "source"),
                       .to = readSelection(target, "target")};
-    auto steps = interruptible(options.read(), [&](const SearchLimits& limits) {
+    SearchLimits within = options.read();
+    if (!options.betterPath.is_none()) {
+      within.betterPath = [&](const Steps& better) {
+        const py::gil_scoped_acquire held;
+        options.betterPath(Path(repository_, question, better));
+      };
+    }
+    auto steps = interruptible(std::move(within), [&](const SearchLimits& limits) {
       return conditions.areNone()
                  ? repository_->findPath(question.from, question.to, limits)
                  : findConditionalPath(question.from, question.to, conditions, limits);
     });
     if (!steps) return std::nullopt;
     return Path(repository_, std::move(question), *std::move(steps));
+  }
+
+  /// "forward", "backward" or "mixed"; None where a selection is not consistent.
+  std::optional<std::string> findDirection(const py::dict& source, const py::dict& target,
+                                           const LimitOptions& options) {
+    const Selection from = readSelection(source, "source");
+    const Selection to = readSelection(target, "target");
+    const auto direction = interruptible(options.read(), [&](const SearchLimits& limits) {
+      return repository_->findDirection(from, to, limits);
+    });
+    if (!direction) return std::nullopt;
+    return directionName(*direction);
   }
 
   /// The explanation as JSON and as text.
@@ -128,8 +149,6 @@ class Repository {
     return result;
   }
 
-  using Steps = std::vector<pathfinder::BaselineHop>;
-
   std::optional<Steps> findConditionalPath(const Selection& from, const Selection& to,
                                            const ConditionOptions& conditions,
                                            const SearchLimits& limits) {
@@ -185,10 +204,10 @@ PYBIND11_MODULE(_native, module) {
 
   py::class_<LimitOptions>(module, "Limits")
       .def(py::init([](std::optional<double> timeout, std::optional<std::uint64_t> memory,
-                       py::object progress) {
-             return LimitOptions{timeout, memory, std::move(progress)};
+                       py::object progress, py::object betterPath) {
+             return LimitOptions{timeout, memory, std::move(progress), std::move(betterPath)};
            }),
-           py::arg("timeout"), py::arg("memory"), py::arg("progress"));
+           py::arg("timeout"), py::arg("memory"), py::arg("progress"), py::arg("better_path"));
 
   py::class_<ConditionOptions>(module, "Conditions")
       .def(py::init([](decltype(ConditionOptions::avoided) avoided,
@@ -200,6 +219,8 @@ PYBIND11_MODULE(_native, module) {
   py::class_<Repository>(module, "Repository")
       .def("find_path", &Repository::findPath, py::arg("source"), py::arg("target"),
            py::arg("limits"), py::arg("conditions"))
+      .def("find_direction", &Repository::findDirection, py::arg("source"), py::arg("target"),
+           py::arg("limits"))
       .def("explain", &Repository::explain, py::arg("source"), py::arg("target"), py::arg("budget"),
            py::arg("limits"))
       .def("steps", &Repository::steps, py::arg("at"), py::arg("direction"), py::arg("limit"))

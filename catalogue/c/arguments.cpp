@@ -21,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// The first members of a structure that a caller of a former version knows as all.
-constexpr std::size_t firstLimits = sizeof(tarn_evolution_limits);
+constexpr std::size_t firstLimits = offsetof(tarn_evolution_limits, on_better_path);
 constexpr std::size_t firstCallbacks = offsetof(tarn_evolution_callbacks, find_requirements);
 
 /// A structure that begins with its size as the caller knows it, over what it lacks.
@@ -34,6 +34,10 @@ Structure readSized(const Structure& given, Structure result, std::size_t least,
   }
   std::memcpy(&result, &given, std::min(given.size, sizeof(Structure)));
   return result;
+}
+
+tarn_evolution_limits knownOf(const tarn_evolution_limits& given) {
+  return readSized(given, tarn_evolution_limits(TARN_EVOLUTION_NO_LIMITS), firstLimits, "limits");
 }
 
 /// A time so far ahead that it cannot be told counts as none.
@@ -99,8 +103,7 @@ Selection readSelection(const tarn_evolution_named_version* items, size_t count,
 SearchLimits readLimits(const tarn_evolution_limits* given) {
   SearchLimits result;
   if (given == nullptr) return result;
-  const tarn_evolution_limits limits =
-      readSized(*given, tarn_evolution_limits(TARN_EVOLUTION_NO_LIMITS), firstLimits, "limits");
+  const tarn_evolution_limits limits = knownOf(*given);
   result.deadline = deadlineOf(limits.timeout_ms);
   if (limits.memory > 0) {
     result.memory = std::min<std::uint64_t>(limits.memory, std::numeric_limits<std::size_t>::max());
@@ -113,6 +116,16 @@ SearchLimits readLimits(const tarn_evolution_limits* given) {
     };
   }
   return result;
+}
+
+std::function<void(const tarn_evolution_steps&)> readBetterPath(
+    const tarn_evolution_limits* given) {
+  if (given == nullptr) return {};
+  const tarn_evolution_limits limits = knownOf(*given);
+  if (limits.on_better_path == nullptr) return {};
+  return [call = limits.on_better_path, data = limits.data](const tarn_evolution_steps& path) {
+    if (call(data, &path) != 0) throw StoppedByProgress();
+  };
 }
 
 tarn_evolution_callbacks readCallbacks(const tarn_evolution_callbacks* given) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <stop_token>
 #include <string>
@@ -42,6 +43,10 @@ Selection readSelection(const tarn_evolution_named_version* items, size_t count,
 
 /// No limits for NULL. Refers to `*limits` and to its stop.
 pathfinder::SearchLimits readLimits(const tarn_evolution_limits* limits);
+
+/// Whom to tell of better paths, which throws what ends the search; empty for nobody.
+std::function<void(const tarn_evolution_steps&)> readBetterPath(
+    const tarn_evolution_limits* limits);
 
 /// Throws for a null pointer and for a size that is none; returns what the caller knows.
 tarn_evolution_callbacks readCallbacks(const tarn_evolution_callbacks* callbacks);

@@ -13,7 +13,8 @@
 
 using namespace tarn::evolution::catalogue;
 using namespace tarn::evolution::catalogue::c;
-using tarn::evolution::pathfinder::VersionRepository;
+namespace pathfinder = tarn::evolution::pathfinder;
+using pathfinder::VersionRepository;
 
 namespace {
 
@@ -28,6 +29,12 @@ VersionRepository::Direction readDirection(int32_t direction) {
     default:
       throw std::invalid_argument("direction: " + std::to_string(direction) + " is none");
   }
+}
+
+int32_t directionOf(VersionRepository::Direction direction) {
+  if (direction == VersionRepository::Forward) return TARN_EVOLUTION_FORWARD;
+  if (direction == VersionRepository::Backward) return TARN_EVOLUTION_BACKWARD;
+  return TARN_EVOLUTION_ANY_DIRECTION;
 }
 
 Severity readSeverity(int32_t severity) {
@@ -82,9 +89,35 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
     required(path, "path");
     const Question question{.from = readSelection(from, from_count, "from"),
                             .to = readSelection(to, to_count, "to")};
-    const auto found = repository.findPath(question.from, question.to, readLimits(limits));
+    const auto planOf = [&](const std::vector<pathfinder::BaselineHop>& steps) {
+      return makePlan(repository, repository, question, steps);
+    };
+    pathfinder::SearchLimits within = readLimits(limits);
+    if (const auto tell = readBetterPath(limits)) {
+      within.betterPath = [=](const std::vector<pathfinder::BaselineHop>& better) {
+        tell(tarn_evolution_steps(planOf(better)));
+      };
+    }
+    const auto found = repository.findPath(question.from, question.to, within);
     if (!found) return TARN_EVOLUTION_NO_PATH;
-    *path = new tarn_evolution_steps(makePlan(repository, repository, question, *found));
+    *path = new tarn_evolution_steps(planOf(*found));
+    return TARN_EVOLUTION_OK;
+  });
+}
+
+tarn_evolution_status tarn_evolution_find_direction(
+    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
+    size_t from_count, const tarn_evolution_named_version* to, size_t to_count,
+    const tarn_evolution_limits* limits, int32_t* direction, char** message) {
+  if (direction != nullptr) *direction = 0;
+  return guarded(message, [&] {
+    BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
+    required(direction, "direction");
+    const auto found =
+        repository.findDirection(readSelection(from, from_count, "from"),
+                                 readSelection(to, to_count, "to"), readLimits(limits));
+    if (!found) return TARN_EVOLUTION_NO_PATH;
+    *direction = directionOf(*found);
     return TARN_EVOLUTION_OK;
   });
 }

@@ -213,6 +213,10 @@ typedef struct tarn_evolution_progress {
   uint64_t least_proven; /* no path weighs less */
 } tarn_evolution_progress;
 
+/* Steps: a path, whose steps follow one another, or those that can be taken next, of which each is
+ * an alternative. Never changes, and does not need the catalogue any more. */
+typedef struct tarn_evolution_steps tarn_evolution_steps;
+
 /* What a question may take. Limits are looked at wherever the library itself computes, at least
  * every 50 ms on a machine that is not overloaded; while a callback runs, nobody looks. */
 typedef struct tarn_evolution_limits {
@@ -225,11 +229,16 @@ typedef struct tarn_evolution_limits {
    * stop. May be NULL. */
   int32_t (*on_progress)(void* data, const tarn_evolution_progress* progress);
   void* data;
+
+  /* Told each path that `tarn_evolution_find_path` meets before it knows the answer and that weighs
+   * less than those told before; not proven least. The path is valid during the call. Returns zero
+   * to go on, anything else to stop. May be NULL: making these paths takes time. */
+  int32_t (*on_better_path)(void* data, const tarn_evolution_steps* path);
 } tarn_evolution_limits;
 
 /* To begin with: `tarn_evolution_limits limits = TARN_EVOLUTION_NO_LIMITS;` */
 #define TARN_EVOLUTION_NO_LIMITS \
-  { sizeof(tarn_evolution_limits), -1, 0, NULL, NULL, NULL }
+  { sizeof(tarn_evolution_limits), -1, 0, NULL, NULL, NULL, NULL }
 
 /* ---- Questions ---- */
 
@@ -246,10 +255,6 @@ enum {
 
 enum { TARN_EVOLUTION_FORWARD = 0, TARN_EVOLUTION_BACKWARD = 1, TARN_EVOLUTION_ANY_DIRECTION = 2 };
 
-/* Steps: a path, whose steps follow one another, or those that can be taken next, of which each is
- * an alternative. Never changes, and does not need the catalogue any more. */
-typedef struct tarn_evolution_steps tarn_evolution_steps;
-
 /* The path of least weight from one selection to another: TARN_EVOLUTION_OK, or
  * TARN_EVOLUTION_NO_PATH with `*path` NULL. Without steps where there is nothing to do. `limits`
  * may be NULL. */
@@ -257,6 +262,14 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_path(
     tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
     size_t from_count, const tarn_evolution_named_version* to, size_t to_count,
     const tarn_evolution_limits* limits, tarn_evolution_steps** path, char** message);
+
+/* The direction in which that path is looked for: forward or backward where all metamodels that
+ * move from one selection to the other move so, and any otherwise; TARN_EVOLUTION_NO_PATH where a
+ * selection is not consistent. */
+TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_direction(
+    tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
+    size_t from_count, const tarn_evolution_named_version* to, size_t to_count,
+    const tarn_evolution_limits* limits, int32_t* direction, char** message);
 
 /* Every step that leaves the selection in a direction; TARN_EVOLUTION_NO_PATH where the selection
  * is not consistent. Fails before the first is tried when there are more than `most` combinations

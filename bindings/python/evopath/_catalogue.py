@@ -108,12 +108,22 @@ def _hop_tuples(rows: Iterable[Hop], what: str) -> list[_HopTuple]:
             for number, hop in enumerate(_rows(rows, Hop, what))]
 
 
-_NO_LIMITS = _native.Limits(None, None, None)
+_NO_LIMITS = _native.Limits(None, None, None, None)
+
+
+_Callback = TypeVar("_Callback", bound=Callable[..., object])
+
+
+def _called(callback: _Callback, what: str) -> _Callback:
+    if not callable(callback):
+        raise TypeError(f"{what} must be callable, which {type(callback).__name__} is not")
+    return callback
 
 
 def _limits(timeout: float | None, memory: int | None,
-            progress: Callable[[Progress], object] | None) -> _native.Limits:
-    if timeout is None and memory is None and progress is None:
+            progress: Callable[[Progress], object] | None,
+            better_path: Callable[[_native.Path], object] | None = None) -> _native.Limits:
+    if timeout is None and memory is None and progress is None and better_path is None:
         return _NO_LIMITS
     if timeout is not None:
         if isinstance(timeout, bool) or not isinstance(timeout, (int, float)):
@@ -124,15 +134,13 @@ def _limits(timeout: float | None, memory: int | None,
     if memory is not None:
         memory = _whole(memory, "memory")
     if progress is None:
-        return _native.Limits(timeout, memory, None)
-    if not callable(progress):
-        raise TypeError(f"progress must be callable, which {type(progress).__name__} is not")
-    tell = progress
+        return _native.Limits(timeout, memory, None, better_path)
+    tell = _called(progress, "progress")
 
     def told(stage: int, least_proven: int, least_found: int | None) -> None:
         tell(Progress.of(stage, least_proven, least_found))
 
-    return _native.Limits(timeout, memory, told)
+    return _native.Limits(timeout, memory, told, better_path)
 
 
 _NO_CONDITIONS = _native.Conditions([], [])
@@ -172,7 +180,8 @@ class _Asked(abc.ABC):
                   avoid: Mapping[str, str | Iterable[str]] | None = None,
                   pin: Mapping[str, str | None] | Iterable[str] | None = None,
                   timeout: float | None = None, memory: int | None = None,
-                  progress: Callable[[Progress], object] | None = None) -> Path | None:
+                  progress: Callable[[Progress], object] | None = None,
+                  better_path: Callable[[Path], object] | None = None) -> Path | None:
         """The path of least weight from one selection of versions to another; None: there is none.
 
         The path keeps clear of the versions in `avoid`, which has for a name a version, a range
@@ -181,16 +190,32 @@ class _Asked(abc.ABC):
 
         `timeout` is in seconds, `memory` in bytes beside what is linked. `progress` is told when the
         stage or a bound of the search has changed, on this thread; what it raises ends the search,
-        as Ctrl-C does.
+        as Ctrl-C does. `better_path` is told likewise each path that the search meets before it
+        knows the answer and that weighs less than those told before, not proven least: something
+        to go by if a limit is reached. Paths under conditions are not told.
 
         Raises UnknownVersion, CannotBeLinked, TimedOut, MemoryUsedUp, and what callbacks raise;
         InvalidArgument for conditions on what is not known.
         """
+        told = None
+        if better_path is not None:
+            tell = _called(better_path, "better_path")
+            told = lambda path: tell(Path(path, self))  # noqa: E731
         found = self._repository().find_path(_selection(source, "source"),
                                              _selection(target, "target"),
-                                             _limits(timeout, memory, progress),
+                                             _limits(timeout, memory, progress, told),
                                              _conditions(avoid, pin))
         return None if found is None else Path(found, self)
+
+    def find_direction(self, source: Selection, target: Selection, *,
+                       timeout: float | None = None, memory: int | None = None,
+                       progress: Callable[[Progress], object] | None = None) -> str | None:
+        """The direction in which `find_path` looks: "forward" or "backward" where all metamodels
+        that move from one selection to the other move so, "mixed" otherwise; None where a selection
+        is not consistent."""
+        return self._repository().find_direction(
+            _selection(source, "source"), _selection(target, "target"),
+            _limits(timeout, memory, progress))
 
     def explain(self, source: Selection, target: Selection, *, budget: int = 400,
                 timeout: float | None = None, memory: int | None = None,

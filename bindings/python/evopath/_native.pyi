@@ -24,6 +24,7 @@ class Limits:
         timeout: float | None,
         memory: int | None,
         progress: Callable[[int, int, int | None], object] | None,
+        better_path: Callable[[Path], object] | None,
     ) -> None: ...
 
 class Conditions:
@@ -36,6 +37,9 @@ class Repository:
         self, source: dict[str, str], target: dict[str, str], limits: Limits,
         conditions: Conditions,
     ) -> Path | None: ...
+    def find_direction(
+        self, source: dict[str, str], target: dict[str, str], limits: Limits
+    ) -> str | None: ...
     def explain(
         self, source: dict[str, str], target: dict[str, str], budget: int, limits: Limits
     ) -> tuple[str, str]: ...

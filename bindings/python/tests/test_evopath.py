@@ -112,6 +112,23 @@ def tangled():
             {name: "8.0.0" for name in names})
 
 
+def learnable():
+    """A catalogue and a question that the search that learns answers."""
+    generator = random.Random(7)
+    names = [f"n{number:02}" for number in range(40)]
+    rows, hops = [], []
+    for position, name in enumerate(names):
+        others = generator.sample(names[:position], min(position, 3))
+        for version in range(1, 9):
+            rows.append(Metamodel(name, f"{version}.0.0", tuple(
+                Dependency(other, f"{max(1, version - 1)}.0.0", f"{version + 2}.0.0")
+                for other in others)))
+            hops += [Hop(name, f"{version}.0.0", f"{version + by}.0.0", generator.random() < 0.3)
+                     for by in (1, 2) if version + by < 9]
+    return (Catalogue.from_rows(rows, hops), {name: "1.0.0" for name in names},
+            {name: "8.0.0" for name in names})
+
+
 def random_generator():
     """Other questions in every run."""
     seed = int(os.environ.get("TARN_RANDOM_SEED", random.randrange(2**32)))
@@ -387,6 +404,8 @@ class Failures(unittest.TestCase):
             lambda x: catalogue.find_path(OLD, NEW, pin=x),
             lambda x: catalogue.find_path(OLD, NEW, pin={"shape": x}),
             lambda x: catalogue.find_path(OLD, NEW, progress=x),
+            lambda x: catalogue.find_path(OLD, NEW, better_path=x),
+            lambda x: catalogue.find_direction(x, NEW),
             lambda x: catalogue.explain(x, NEW), lambda x: catalogue.explain(OLD, NEW, budget=x),
             lambda x: catalogue.steps(x), lambda x: catalogue.steps(OLD, direction=x),
             lambda x: catalogue.steps(OLD, limit=x), lambda x: Catalogue(x), Catalogue.load,
@@ -470,6 +489,29 @@ class Failures(unittest.TestCase):
                 ask(source, target, progress=refuse)
         self.assertEqual({type(progress) for progress in told}, {evopath.Progress})
         self.assertTrue(catalogue.find_path(source, target, timeout=1e300, memory=2**64 - 1))
+
+    def test_better_paths(self):
+        """Paths met on the way are true ones, each lighter than those before; what a callback
+        raises ends the search, and a limit leaves the last one."""
+        catalogue, source, target = learnable()
+        self.assertEqual(catalogue.find_direction(source, target), "forward")
+        self.assertEqual(catalogue.find_direction(target, source), "backward")
+        told = []
+        answer = catalogue.find_path(source, target, better_path=told.append)
+        weights = [path.weight for path in told]
+        self.assertTrue(told)
+        self.assertEqual(weights, sorted(set(weights), reverse=True))
+        self.assertGreaterEqual(weights[-1], answer.weight)
+        held = dict(source)
+        for step in told[0].steps:
+            held.update((hop.name, hop.target) for hop in step.hops)
+        self.assertEqual(held, target)
+
+        def stop(path):
+            raise Enough(path.weight)
+        catalogue.forget_paths()
+        with self.assertRaisesRegex(Enough, str(weights[0])):
+            catalogue.find_path(source, target, better_path=stop)
 
     def test_interrupt(self):
         """Ctrl-C ends a search that would take minutes, in callbacks and between them; a handler
