@@ -187,6 +187,12 @@ std::vector<VersionBaseline> VersionRepository::combine(
   return combineMetamodels(access, inMapOrder);
 }
 
+std::vector<VersionBaseline> VersionRepository::combine(
+    const std::unordered_map<std::u16string, VersionId>& selection, const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  return combine(selection);
+}
+
 std::optional<std::vector<VersionBaseline>> VersionRepository::tryCombine(
     const std::unordered_map<std::u16string, VersionId>& selection) {
   try {

@@ -263,6 +263,11 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, Metamodel>& selection);
 
+  /// The same, ending with SearchStopped when a limit is reached; the ceiling for memory does not
+  /// count what is linked.
+  std::vector<VersionBaseline> combine(
+      const std::unordered_map<std::u16string, VersionId>& selection, const SearchLimits& limits);
+
   /// The same within bounds of time and memory: no value when it would take more linked
   /// metamodels, beyond one of each version, than `findPath` between two selections makes before it
   /// goes on without them.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <queue>
 #include <sstream>
+#include <stop_token>
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/text/printed_text.hpp"
@@ -16,6 +17,8 @@ namespace test::conditional_path {
 namespace {
 
 using namespace tarn::evolution::catalogue;
+using tarn::evolution::pathfinder::SearchLimits;
+using tarn::evolution::pathfinder::SearchStopped;
 
 using Entry = std::pair<std::u16string, VersionId>;
 using Weight = std::optional<std::uint64_t>;
@@ -297,6 +300,83 @@ TEST(ConditionalPath, IsTheLeastOfAllThatKeepToTheConditions) {
     expectLeast(asked, run);
   });
   run.expectPercentages({{"path", 6}, {"no path", 4}, {"alternatives", 0.6}});
+}
+
+/// The content beside a metamodel X that depends on any version of some names, which makes too many
+/// linked metamodels to list. Nothing of it moves.
+CatalogueContent besideProduct(CatalogueContent content, char16_t lastName) {
+  constexpr std::uint64_t versions = 5;
+  CatalogueMetamodel product{{u"X", SemVer{1, 0, 0}, {}}, {}, {}};
+  for (char16_t letter = u'P'; letter <= lastName; ++letter) {
+    const std::u16string name(1, letter);
+    for (std::uint64_t i = 1; i <= versions; ++i) {
+      content.metamodels.push_back({{name, SemVer{i, 0, 0}, {}}, {}, {}});
+    }
+    product.descriptor.dependencies.emplace_back(name, between(1, versions + 1));
+  }
+  content.metamodels.push_back(std::move(product));
+  return content;
+}
+
+/// Whether the question can be asked without listing baselines: nothing is to be passed, no goal is
+/// several versions at once, also while another one is settled, and the direction, if one is given,
+/// is that of the ends or these have none.
+bool isFixed(VersionRepository& repository, const ConditionalCase& asked) {
+  if (!asked.conditions.via.empty()) return false;
+  Selection to;
+  bool isAnyOpen = false;
+  for (const PathGoal& goal : asked.goals) {
+    to.emplace(goal.name, goal.versions.front());
+    if (goal.versions.size() == 1) continue;
+    if (isAnyOpen || !goal.isFirstWanted || asked.conditions.direction) return false;
+    isAnyOpen = true;
+  }
+  if (!asked.conditions.direction) return true;
+  const auto own = repository.findDirection(asked.from, to);
+  return !own || own == VersionRepository::Unknown || own == asked.conditions.direction;
+}
+
+TEST(ConditionalPath, IsTheSameBesideTooManyLinkedMetamodels) {
+  RandomRun run(600);
+  run.ask(anyCase, [&](const std::string& text, Random& random) {
+    ConditionalCase asked(text);
+    if (random.chance(60)) asked.conditions.direction.reset();
+    CatalogueRepository small{Catalogue(asked.content())};
+    if (asked.from.empty() || !isFixed(small, asked)) return;
+    CatalogueRepository large{Catalogue(besideProduct(asked.content(), u'U'))};
+    Selection from = asked.from;
+    from.emplace(u"X", SemVer{1, 0, 0});
+    const auto expected = findConditionalPath(small, asked.from, asked.goals, asked.conditions);
+    const auto path = findConditionalPath(large, from, asked.goals, asked.conditions);
+    run.count("path", expected && !expected->empty());
+    run.count("no path", !expected);
+    ASSERT_EQ(path.has_value(), expected.has_value());
+    if (!path) return;
+    ASSERT_EQ(path->size(), expected->size());
+    for (std::size_t i = 0; i < path->size(); ++i) {
+      EXPECT_EQ((*path)[i].hops, (*expected)[i].hops);
+      for (const auto& [name, linked] : (*expected)[i].to.metamodels) {
+        EXPECT_TRUE(holds((*path)[i].to, name, linked->version));
+      }
+    }
+  });
+  run.expectPercentages({{"path", 2}, {"no path", 5}});
+}
+
+TEST(ConditionalPath, EndsAtLimitsWhereBaselinesHaveToBeListed) {
+  TestRepository described("B1 B2 B3 B1>2 B2>3");
+  CatalogueRepository repository{Catalogue(besideProduct(contentOf(described), u'W'))};
+  const Selection from{{u"B", SemVer{1, 0, 0}}, {u"X", SemVer{1, 0, 0}}};
+  const std::vector<PathGoal> goals{{u"B", {SemVer{3, 0, 0}}, false}};
+  PathConditions conditions;
+  std::stop_source stop;
+  stop.request_stop();
+  const SearchLimits limits{.stop = stop.get_token()};
+  conditions.direction = VersionRepository::Unknown;
+  EXPECT_THROW(findConditionalPath(repository, from, goals, conditions, limits), SearchStopped);
+  conditions = {};
+  conditions.via.emplace_back(u"B", SemVer{2, 0, 0});
+  EXPECT_THROW(findConditionalPath(repository, from, goals, conditions, limits), SearchStopped);
 }
 
 TEST(ConditionalPath, SaysWhatCannotBeAsked) {

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "catalogue/conditions/conditional_repository.hpp"
+#include "catalogue/conditions/pruned_content.hpp"
 #include "catalogue/import/foreign_range.hpp"
 #include "catalogue/precedence.hpp"
 #include "catalogue/text/printed_text.hpp"
@@ -14,6 +15,7 @@ namespace tarn::evolution::catalogue {
 
 using pathfinder::BaselineHop;
 using pathfinder::SearchLimits;
+using pathfinder::SearchStopped;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
 
@@ -27,14 +29,57 @@ class ConditionalSearch {
   ConditionalSearch(BrowsableRepository& content, const Selection& from,
                     const PathConditions& conditions, const SearchLimits& limits)
       : content_(content),
+        from_(from),
         conditions_(conditions),
         limits_(limits),
         repository_(content, conditions) {
     limits_.betterPath = {};  // it would be told answers to parts of the question
-    for (const VersionBaseline& source : content.combine(from)) addSource(source);
+    const auto sources = content.tryCombine(from);
+    areTooMany_ = !sources;
+    if (sources) addSources(*sources);
   }
 
   std::optional<Path> ask(const std::vector<PathGoal>& goals) {
+    if (!areTooMany_) {
+      if (auto answer = askWithinBounds(goals)) return *std::move(answer);
+      areTooMany_ = true;
+    }
+    if (auto answer = askUnlisted(goals)) return *std::move(answer);
+    if (!isTakingAll_) {
+      repository_.takeAll();
+      isTakingAll_ = true;
+      addSources(content_.combine(from_, limits_));
+    }
+    return askBetweenBaselines(goals);
+  }
+
+ private:
+  /// No value where there are too many linked metamodels for it.
+  std::optional<std::optional<Path>> askWithinBounds(const std::vector<PathGoal>& goals) {
+    try {
+      auto path = askBetweenBaselines(goals);
+      if (!repository_.hasMetTooMany()) return path;
+    } catch (const SearchStopped&) {
+      throw;
+    } catch (...) {
+      if (!repository_.hasMetTooMany()) throw;
+    }
+    return std::nullopt;
+  }
+
+  /// By way of the selections alone; no value for questions of another kind.
+  std::optional<std::optional<Path>> askUnlisted(const std::vector<PathGoal>& goals) {
+    const bool areFixed = std::all_of(
+        goals.begin(), goals.end(), [](const PathGoal& goal) { return goal.versions.size() == 1; });
+    if (!areFixed || !repository_.passedNames().empty()) return std::nullopt;
+    Selection to;
+    for (const PathGoal& goal : goals) to.emplace(goal.name, goal.versions.front());
+    PrunedAnswer answer = findPrunedPath(content_, from_, to, repository_.conditions(), limits_);
+    if (!answer.isAnswered) return std::nullopt;
+    return std::move(answer.path);
+  }
+
+  std::optional<Path> askBetweenBaselines(const std::vector<PathGoal>& goals) {
     targets_.clear();
     std::vector<PathGoal> all = goals;
     for (const std::u16string& name : repository_.passedNames()) {
@@ -54,7 +99,16 @@ class ConditionalSearch {
     return repository_.inContent(*path);
   }
 
- private:
+  void addSources(const std::vector<VersionBaseline>& sources) {
+    sources_.clear();
+    try {
+      for (const VersionBaseline& source : sources) addSource(source);
+    } catch (const std::length_error&) {
+      if (!repository_.hasMetTooMany()) throw;
+      areTooMany_ = true;
+    }
+  }
+
   void addSource(const VersionBaseline& source) {
     Selection selection;
     for (const auto& [name, linked] : source.metamodels) selection.emplace(name, linked->version);
@@ -63,7 +117,7 @@ class ConditionalSearch {
       throw std::invalid_argument("the source does not hold " + quotedName(name) +
                                   ", of which a version is to be passed");
     }
-    for (VersionBaseline& start : repository_.starts(selection)) {
+    for (VersionBaseline& start : repository_.starts(selection, limits_)) {
       sources_.push_back(std::move(start));
     }
   }
@@ -88,7 +142,8 @@ class ConditionalSearch {
 
   void addTargets(const std::vector<PathGoal>& goals, std::size_t place, Selection& selection) {
     if (place == goals.size()) {
-      for (VersionBaseline& end : repository_.ends(selection)) targets_.push_back(std::move(end));
+      for (VersionBaseline& end : repository_.ends(selection, limits_))
+        targets_.push_back(std::move(end));
       return;
     }
     for (const VersionId& version : goals[place].versions) {
@@ -98,9 +153,12 @@ class ConditionalSearch {
   }
 
   BrowsableRepository& content_;
+  const Selection from_;
   const PathConditions conditions_;
   SearchLimits limits_;
   ConditionalRepository repository_;
+  bool areTooMany_ = false;  // linked metamodels
+  bool isTakingAll_ = false;
   std::vector<VersionBaseline> sources_;
   std::vector<VersionBaseline> targets_;
 };

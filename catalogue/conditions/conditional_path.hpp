@@ -59,8 +59,10 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<pathfinder::VersionId> versionsMeant
 TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<pathfinder::VersionId> newestFirst(
     BrowsableRepository& repository, const std::u16string& name);
 
-/// The least-weight path from a selection to all goals that keeps to the conditions, its baselines
-/// those of `repository`. Absent: there is none, which is proven; versions that cannot be linked
+/// The least-weight path from a selection to all goals that keeps to the conditions. Its baselines
+/// are those of `repository`; where the selections have too many linked metamodels to be listed,
+/// equal ones. Such questions are answered without listing them if nothing is to be passed, each
+/// goal is one version, and no other direction is given than that of the ends. Absent: there is none, which is proven; versions that cannot be linked
 /// take no part. A goal that is to be the first wanted is: for each version before there is no
 /// path.
 ///

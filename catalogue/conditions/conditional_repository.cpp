@@ -90,7 +90,7 @@ void ConditionalRepository::findMetamodels(const std::u16string& name,
   std::vector<Metamodel> found;
   content_.findMetamodels(name, range, found);
   for (Metamodel& metamodel : found) {
-    if (!remaining_.holds(metamodel)) continue;
+    if (!isLeft(metamodel)) continue;
     const VersionId version = metamodel.version;
     const Marks own = marksAt(name, version);
     for (Marks marks = 0; marks <= allMarks(name); ++marks) {
@@ -118,10 +118,17 @@ void ConditionalRepository::findHops(const std::u16string& name, const VersionId
   content_.findHops(name, plain, hops);
   for (const Hop& hop : hops) {
     auto target = content_.getMetamodel(name, hop.to);
-    if (!target || !canLink(content_, *target) || !remaining_.holds(*target)) continue;
+    if (!target || !isLeft(*target)) continue;
     target->version = mark(name, target->version, marks | marksAt(name, target->version));
     result.emplace_back(name, from, target->version, hop.expensive);
   }
+}
+
+/// Whether the content can link a version, and conditions leave it.
+bool ConditionalRepository::isLeft(const Metamodel& metamodel) {
+  const bool result = remaining_.canBeLinked(metamodel) && remaining_.holds(metamodel);
+  if (hasMetTooMany()) throw std::length_error("too many linked metamodels under conditions");
+  return result;
 }
 
 std::vector<std::u16string> ConditionalRepository::passedNames() const {
@@ -131,21 +138,23 @@ std::vector<std::u16string> ConditionalRepository::passedNames() const {
   return names;
 }
 
-std::vector<VersionBaseline> ConditionalRepository::starts(const Selection& content) {
+std::vector<VersionBaseline> ConditionalRepository::starts(const Selection& content,
+                                                           const pathfinder::SearchLimits& limits) {
   Selection marked;
   for (const auto& [name, version] : content) {
     const VersionId own = carried(content_, name, version);
     marked.emplace(name, mark(name, own, marksAt(name, own)));
   }
-  return combineMarked(marked);
+  return combineMarked(marked, limits);
 }
 
-std::vector<VersionBaseline> ConditionalRepository::ends(const Selection& content) {
+std::vector<VersionBaseline> ConditionalRepository::ends(const Selection& content,
+                                                         const pathfinder::SearchLimits& limits) {
   Selection marked;
   for (const auto& [name, version] : content) {
     marked.emplace(name, mark(name, carried(content_, name, version), allMarks(name)));
   }
-  return combineMarked(marked);
+  return combineMarked(marked, limits);
 }
 
 std::vector<BaselineHop> ConditionalRepository::inContent(const std::vector<BaselineHop>& path) {
@@ -203,12 +212,13 @@ ConditionalRepository::Marked ConditionalRepository::read(const std::u16string& 
 }
 
 /// None where a version is not there or cannot be linked.
-std::vector<VersionBaseline> ConditionalRepository::combineMarked(const Selection& marked) {
+std::vector<VersionBaseline> ConditionalRepository::combineMarked(
+    const Selection& marked, const pathfinder::SearchLimits& limits) {
   for (const auto& [name, version] : marked) {
     const auto metamodel = content_.getMetamodel(name, read(name, version).version);
-    if (!metamodel || !remaining_.holds(*metamodel)) return {};
+    if (!metamodel || !isLeft(*metamodel)) return {};
   }
-  return combine(marked);
+  return combine(marked, limits);
 }
 
 }  // namespace tarn::evolution::catalogue

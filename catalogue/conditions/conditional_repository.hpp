@@ -25,14 +25,26 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   void findRequirements(const pathfinder::Metamodel& metamodel,
                         std::vector<pathfinder::PeerRequirement>& result) override;
 
+  /// The conditions, with versions as the content carries them.
+  const PathConditions& conditions() const { return conditions_; }
+
+  /// Whether a version was met of which it would have taken too many linked metamodels to tell
+  /// whether it is left. From then on, whatever asks for versions fails.
+  bool hasMetTooMany() const { return remaining_.hasMetTooMany(); }
+
+  /// Whether nothing is too many any more.
+  void takeAll() { remaining_.takeAll(); }
+
   /// The names that the path has to pass versions of.
   std::vector<std::u16string> passedNames() const;
 
   /// Baselines with these versions of the content, no version passed but those that they hold.
-  std::vector<pathfinder::VersionBaseline> starts(const Selection& content);
+  std::vector<pathfinder::VersionBaseline> starts(const Selection& content,
+                                                  const pathfinder::SearchLimits& limits);
 
   /// Baselines with these versions, all that is to be passed being passed.
-  std::vector<pathfinder::VersionBaseline> ends(const Selection& content);
+  std::vector<pathfinder::VersionBaseline> ends(const Selection& content,
+                                                const pathfinder::SearchLimits& limits);
 
   /// The path in the content.
   std::vector<pathfinder::BaselineHop> inContent(const std::vector<pathfinder::BaselineHop>& path);
@@ -51,7 +63,9 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   pathfinder::VersionId mark(const std::u16string& name, const pathfinder::VersionId& version,
                              Marks marks) const;
   Marked read(const std::u16string& name, const pathfinder::VersionId& version) const;
-  std::vector<pathfinder::VersionBaseline> combineMarked(const Selection& marked);
+  bool isLeft(const pathfinder::Metamodel& metamodel);
+  std::vector<pathfinder::VersionBaseline> combineMarked(const Selection& marked,
+                                                         const pathfinder::SearchLimits& limits);
   pathfinder::VersionBaseline inContent(const pathfinder::VersionBaseline& baseline);
 
   BrowsableRepository& content_;

@@ -9,15 +9,6 @@ namespace tarn::evolution::catalogue {
 using pathfinder::Metamodel;
 using pathfinder::VersionId;
 
-bool canLink(pathfinder::VersionRepository& repository, const Metamodel& metamodel) {
-  try {
-    repository.getLinkedMetamodels(metamodel);
-    return true;
-  } catch (const ConflictingDependencies&) {
-    return false;
-  }
-}
-
 bool RemainingVersions::isAvoided(const Metamodel& metamodel) const {
   const auto avoided = conditions_.avoided.find(metamodel.name);
   if (avoided == conditions_.avoided.end()) return false;
@@ -26,13 +17,36 @@ bool RemainingVersions::isAvoided(const Metamodel& metamodel) const {
 }
 
 bool RemainingVersions::holds(const Metamodel& metamodel) {
-  if (isAvoided(metamodel) || unlinkable_.contains(metamodel)) return false;
-  pathfinder::VersionRepository& linking = conditions_.avoided.empty()
-                                               ? static_cast<VersionRepository&>(content())
-                                               : static_cast<VersionRepository&>(*this);
-  if (canLink(linking, metamodel)) return true;
-  unlinkable_.insert(metamodel);
-  return false;
+  if (isAvoided(metamodel)) return false;
+  return conditions_.avoided.empty() ? canBeLinked(metamodel) : canLink(*this, metamodel, isLeft_);
+}
+
+bool RemainingVersions::canBeLinked(const Metamodel& metamodel) {
+  return canLink(content(), metamodel, isLinkable_);
+}
+
+void RemainingVersions::takeAll() {
+  isBounded_ = false;
+  hasMetTooMany_ = false;
+  isLeft_.clear();
+  isLinkable_.clear();
+}
+
+bool RemainingVersions::canLink(VersionRepository& repository, const Metamodel& metamodel,
+                                Known& known) {
+  // Linking asks for the very version first: that it is there.
+  const auto [entry, isNew] = known.try_emplace(metamodel, true);
+  if (!isNew) return entry->second;
+  try {
+    if (!isBounded_) {
+      repository.getLinkedMetamodels(metamodel);
+    } else if (!repository.tryCombine({{metamodel.name, metamodel.version}})) {
+      hasMetTooMany_ = true;
+    }
+    return true;
+  } catch (const ConflictingDependencies&) {
+    return known[metamodel] = false;
+  }
 }
 
 std::optional<Metamodel> RemainingVersions::getMetamodel(const std::u16string& name,

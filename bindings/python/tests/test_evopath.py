@@ -512,6 +512,11 @@ class Failures(unittest.TestCase):
         catalogue.forget_paths()
         with self.assertRaisesRegex(Enough, str(weights[0])):
             catalogue.find_path(source, target, better_path=stop)
+        told.clear()
+        path = catalogue.find_path(source, target, avoid={"n00": "2.0.0"},
+                                   better_path=told.append)
+        self.assertGreaterEqual(path.weight, answer.weight)
+        self.assertEqual(told, [])
 
     def test_interrupt(self):
         """Ctrl-C ends a search that would take minutes, in callbacks and between them; a handler
