@@ -96,8 +96,8 @@ class OrderCheck {
   std::vector<std::uint32_t> componentOf_;  // ascending against the edges
   std::uint32_t components_ = 0;
   std::vector<std::uint32_t> phaseOf_;  // by component: 2k - 1 in the k-th layer, 2k after it
-  std::vector<Arrival> arrivals_;    // by event: of the last search
-  std::vector<EventIndex> reached_;  // in it
+  std::vector<Arrival> arrivals_;       // by event: of the last search
+  std::vector<EventIndex> reached_;     // in it
   std::uint64_t ordinaryHops_ = 0;
   std::uint64_t expensiveHops_ = 0;
   std::uint32_t ordinarySteps_ = 0;
