@@ -163,8 +163,8 @@ bool FirstPlaces::comesFirst(const Plan& plan, NameIndex end, std::uint32_t step
 }
 
 void FirstPlaces::decideStep(std::uint32_t step) {
-  auto end =
-      static_cast<NameIndex>(plans_.network.names.size());  // the names from here on are decided
+  // The names from here on are decided.
+  auto end = static_cast<NameIndex>(plans_.network.names.size());
   std::size_t most = 1;
   while (true) {
     const std::vector<NameIndex> moving = movingBelow(end, step, most);
@@ -184,7 +184,7 @@ void FirstPlaces::decideStep(std::uint32_t step) {
       return digitOf(found, name, step) < digitOf(atHand_, name, step);
     };
     const auto lower = std::find_if(moving.begin(), moving.end(), isLower);
-    most = std::max<std::size_t>(1, lower - moving.begin());
+    most = static_cast<std::size_t>(std::max<std::ptrdiff_t>(1, lower - moving.begin()));
     if (comesFirst(found, end, step)) atHand_ = std::move(found);
   }
   decide(0, end, step);

@@ -1,7 +1,7 @@
 // Strongly connected components of the graph of events (Tarjan's algorithm, with a stack of its
 // own). A strict edge inside a component lies on a circle; for each of them the circle with the
-// fewest orders is found by a breadth-first search over orders (0-1 BFS) and, unless it is far
-// longer than others, forbidden by a clause: not all of these orders, of nodes that are held. Where
+// fewest orders is found by a breadth-first search over orders (0-1 BFS), unless it is far longer
+// than others, and forbidden by a clause: not all of these orders, of nodes that are held. Where
 // the circle enters a node and leaves the one before by one hop, that hop is named too, since
 // another hop would make an edge of it. So a clause holds in every plan, however long. A part of
 // the circle that goes on from where a node is entered needs no hop to be named: the node before on
