@@ -4,6 +4,7 @@
 
 #include "catalogue/check/json_draft.hpp"
 #include "catalogue/range_union.hpp"
+#include "platform/exception.hpp"
 #include "platform/text.hpp"
 
 namespace test {

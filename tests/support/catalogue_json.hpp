@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "catalogue/browsable_repository.hpp"
 #include "catalogue/check/check.hpp"
 #include "support/test_repository.hpp"
 

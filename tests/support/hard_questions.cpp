@@ -320,11 +320,11 @@ const std::vector<Difficulty>& difficulties() {
       {"Twins", addTwins},
       {"Requirements", addRequirements},
       {"Cycle", addCycle, {{"throws", 5}}},
-      {"SelfLinks", addSelfLinks, {}, true},
+      {"SelfLinks", addSelfLinks, {}, true, true},
       {"Chain", addChain, {{"brought in", 6}}},
       {"TargetsPutTogether", putTargetsTogether, {{"none", 4}}},
       {"OtherSources", replaceSources, {{"none", 4}}},
-      {"Several", addSeveral, {{"throws", 4}}, true},
+      {"Several", addSeveral, {{"throws", 4}}, true, true},
   };
   return all;
 }

@@ -16,6 +16,10 @@ struct Difficulty {
   std::map<std::string, double> least = {};  ///< of what should occur, cases in a hundred
   bool severalFail = false;  ///< more than one thing that a question asks of the application
 
+  /// Versions may be linked to others of their own names. A large question whose plan cannot be
+  /// carried out is then left to the search that tries everything, which need not end.
+  bool mayBeLeft = false;
+
   friend std::ostream& operator<<(std::ostream& out, const Difficulty& difficulty) {
     return out << difficulty.name;
   }

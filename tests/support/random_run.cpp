@@ -122,10 +122,14 @@ void RandomRun::expectPercentages(const std::map<std::string, double>& least) co
   if (isShrinking_ || only_) return;
   for (const auto& [kind, percentage] : least) {
     const double wanted = static_cast<double>(cases_) * percentage / 100;
-    const auto found = counts_.find(kind);
     if (wanted < 5) continue;
-    EXPECT_GE(found == counts_.end() ? 0 : static_cast<double>(found->second), wanted) << kind;
+    EXPECT_GE(static_cast<double>(counted(kind)), wanted) << kind;
   }
+}
+
+std::size_t RandomRun::counted(const std::string& kind) const {
+  const auto found = counts_.find(kind);
+  return found == counts_.end() ? 0 : found->second;
 }
 
 }  // namespace test

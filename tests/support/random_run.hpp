@@ -58,6 +58,9 @@ class RandomRun {
   /// by chance.
   void expectPercentages(const std::map<std::string, double>& least) const;
 
+  /// How many cases of a kind have been noted.
+  std::size_t counted(const std::string& kind) const;
+
   std::size_t cases() const { return cases_; }
   std::uint64_t seed() const { return seed_; }
 
