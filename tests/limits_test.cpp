@@ -10,6 +10,7 @@
 #include "support/engine_question.hpp"
 #include "support/learning_engine.hpp"
 #include "support/legal_path.hpp"
+#include "support/path_finder_errors.hpp"
 #include "support/random_question.hpp"
 #include "support/test_question.hpp"
 

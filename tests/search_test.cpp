@@ -14,6 +14,7 @@
 #include "support/hard_questions.hpp"
 #include "support/learning_engine.hpp"
 #include "support/legal_path.hpp"
+#include "support/path_finder_errors.hpp"
 #include "support/random_question.hpp"
 #include "support/small_stack.hpp"
 #include "support/test_question.hpp"
