@@ -374,6 +374,19 @@ TEST(Engines, ATargetOfAnotherRepositoryIsNeverReached) {
   EXPECT_EQ(answerByLearning(asked).value().answer.verdict, Verdict::NoPath);
 }
 
+TEST(Engines, ASourceOfAnotherRepositoryTakesTheFirstHopOfTheLeastWeight) {
+  // The hop to B3 is equal to one that stands first but weighs more.
+  const char* const catalogue = "A1 B1 B1>3! B1>2 B1>3 B2 B3";
+  TestRepository repository(catalogue);
+  TestRepository other(catalogue);
+  const auto sources = other.baselines("A1 B1");
+  const auto targets = repository.baselines("A1");
+  const SearchQuestion asked = engineQuestion(repository, sources, targets, anyDirection);
+  const SearchAnswer expected = searchExhaustively(asked);
+  EXPECT_EQ(describe(Path(expected.steps)), "B1>2 => A1 B2\n");
+  expectSame(expected, searchGoalDirected(asked));
+}
+
 TEST(Engines, LongPathsTakeNoStack) {
   TestRepository repository("A1..2000");
   const auto sources = repository.baselines("A1");

@@ -202,9 +202,11 @@ class GoalDirectedSearch {
     const auto taken = step.hops.find(ground_->space->names[name].text);
     if (taken == step.hops.end()) return 0;
     const auto& hops = ground_->space->versions[version].hops;
-    return static_cast<std::size_t>(std::find(hops.begin(), hops.end(), taken->second) -
-                                    hops.begin()) +
-           1;
+    // Hops of other weights are equal, too.
+    const auto place = std::find_if(hops.begin(), hops.end(), [&](const Hop& hop) {
+      return hop == taken->second && hop.expensive == taken->second.expensive;
+    });
+    return static_cast<std::size_t>(place - hops.begin()) + 1;
   }
 
   SearchAnswer answerWithoutPlan() {

@@ -285,6 +285,22 @@ void putTargetsTogether(QuestionDraft& draft, Random& random) {
 }
 
 /// Sources that the repository did not make.
+/// Asks for what the sources hold, but linked by another repository, so that any hop will do. There
+/// are more of them, each at both weights.
+void askForIdleStep(QuestionDraft& draft, Random& random) {
+  const Name& wanted = draft.someName(random);
+  for (auto& entries : draft.from) entries.front() = "^";
+  for (auto& entries : draft.to) entries = {wanted.letter + wanted.start};
+  for (const Name& name : draft.names) {
+    draft.addHop(name, name.start, random.oneOf(name.versions).number);
+  }
+  for (std::size_t left = draft.hops.size(); left > 0; --left) {
+    QuestionDraft::Hop again = draft.hops[left - 1];
+    again.mark = again.mark == "!" ? "" : "!";
+    draft.hops.insert(draft.hops.begin() + static_cast<std::ptrdiff_t>(random.below(left)), again);
+  }
+}
+
 void replaceSources(QuestionDraft& draft, Random& random) {
   for (auto& entries : draft.from) {
     const bool isFormer = random.chance(50);
@@ -294,6 +310,7 @@ void replaceSources(QuestionDraft& draft, Random& random) {
   for (auto& entries : draft.to) {
     if (random.chance(15)) entries.insert(entries.begin(), "^");
   }
+  if (random.chance(20)) askForIdleStep(draft, random);
 }
 
 void addTailOnly(QuestionDraft& draft, Random& random) {
