@@ -49,8 +49,10 @@ std::vector<Literal> countTrue(SatSolver& solver, const std::vector<Literal>& in
 
 CoreGuidedMinimum::Outcome CoreGuidedMinimum::minimize(const std::vector<Literal>& assumptions,
                                                        const AcceptModel& accept,
-                                                       std::uint64_t limit) {
+                                                       std::uint64_t limit,
+                                                       const BoundProven& noteBound) {
   while (lowerBound_ < limit) {
+    if (noteBound) noteBound(lowerBound_);
     std::vector<Literal> assumed = assumptions;
     for (const auto& [literal, cost] : costs_) assumed.push_back(literal);
     if (solver_.solve(assumed)) {

@@ -21,6 +21,9 @@ class CoreGuidedMinimum {
   /// were added that exclude it.
   using AcceptModel = std::function<bool()>;
 
+  /// Told each lower bound as soon as it is proven.
+  using BoundProven = std::function<void(std::uint64_t lowerBound)>;
+
   explicit CoreGuidedMinimum(SatSolver& solver) : solver_(solver) {}
 
   /// That literal costs so much when it is false.
@@ -35,7 +38,7 @@ class CoreGuidedMinimum {
   /// Looks for an accepted model of least cost under some assumptions, which are to be the same
   /// each time.
   Outcome minimize(const std::vector<Literal>& assumptions, const AcceptModel& accept,
-                   std::uint64_t limit = ~std::uint64_t{0});
+                   std::uint64_t limit = ~std::uint64_t{0}, const BoundProven& noteBound = {});
 
   /// From now on leaves only models that cost at most so much more than the lower bound, as far as
   /// single literals tell.

@@ -27,6 +27,7 @@ using Outcome = CoreGuidedMinimum::Outcome;
 namespace {
 
 constexpr int conflictsToMeetPlan = 1000;
+constexpr std::uint64_t noLimit = std::numeric_limits<std::uint64_t>::max();
 
 }  // namespace
 
@@ -100,25 +101,28 @@ std::uint64_t LeastWeight::setOrdinaryCosts(CoreGuidedMinimum& minimum) {
 
 bool LeastWeight::findFewestExpensiveHops() {
   setExpensiveCosts();
-  const auto outcome = fewestExpensive_->minimize({}, [this] { return accept(); });
+  const auto outcome = fewestExpensive_->minimize(
+      {}, [this] { return accept(); }, noLimit,
+      [this](std::uint64_t paid) { noteProven(leastExpensive_ + paid, fewestLayers_); });
   if (outcome != Outcome::Found) return false;
   expensiveHops_ = leastExpensive_ + fewestExpensive_->lowerBound();
   isFewestExpensive_ = plans_.allOf(fewestExpensive_->stillWanted());
   if (heavier_ == Heavier::Dropped) plans_.sat.addClause({isFewestExpensive_});
   best_ = plans_.check.ordinaryHops() + plans_.check.ordinarySteps();
-  noteProven(0);
   return true;
 }
 
 void LeastWeight::findFewestOrdinaryHops() {
   fewestOrdinary_.emplace(plans_.sat);
   leastOrdinary_ = setOrdinaryCosts(*fewestOrdinary_);
-  fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting());
+  fewestOrdinary_->minimize(
+      {isFewestExpensive_}, acceptNoting(), noLimit, [this](std::uint64_t paid) {
+        noteProven(expensiveHops_, leastOrdinary_ + paid + fewestLayers_);
+      });
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
   if (heavier_ == Heavier::Dropped) {
     fewestOrdinary_->dropDearerThan(best_ - ordinaryHops_ - fewestLayers_);
   }
-  noteProven(ordinaryHops_ + fewestLayers_);
 }
 
 std::vector<WeightShare> LeastWeight::findLayers() {
@@ -141,7 +145,7 @@ std::vector<WeightShare> LeastWeight::findLayers() {
   if (heavier_ == Heavier::Dropped && shares.size() == 1) {
     plans_.sat.addClause({shares.front().holds});
   }
-  noteProven(best_);
+  noteProven(expensiveHops_, best_);
   return shares;
 }
 
@@ -220,10 +224,10 @@ CoreGuidedMinimum::AcceptModel LeastWeight::acceptNoting() {
   };
 }
 
-void LeastWeight::noteProven(std::uint64_t leastOrdinaryWeight) const {
+void LeastWeight::noteProven(std::uint64_t expensiveHops, std::uint64_t ordinaryWeight) const {
   SearchWatch* watch = SearchWatch::current();
   if (watch == nullptr || plans_.network.isCut) return;  // ways of more laps may be lighter
-  watch->noteProven(expensiveHops_ * expensiveHopWeight + leastOrdinaryWeight);
+  watch->noteProven(expensiveHops * expensiveHopWeight + ordinaryWeight);
 }
 
 }  // namespace tarn::evolution::pathfinder

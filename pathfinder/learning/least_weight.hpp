@@ -59,7 +59,7 @@ class LeastWeight {
   std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, const Left& left);
   bool accept();
   CoreGuidedMinimum::AcceptModel acceptNoting();
-  void noteProven(std::uint64_t leastOrdinaryWeight) const;
+  void noteProven(std::uint64_t expensiveHops, std::uint64_t ordinaryWeight) const;
 
   PlanSolver& plans_;
   Timeline& timeline_;
