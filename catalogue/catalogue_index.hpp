@@ -22,8 +22,8 @@ struct CatalogueMetamodel;
 /// Finds metamodels and hops by name and version. Answers are positions in the lists that the index
 /// was built from, in ascending order; a span is valid as long as the index or a copy of it.
 ///
-/// One version's metamodels, the hops that leave it, and a range take a binary search each among
-/// the versions of their name, which hash look-ups find.
+/// To find a version, its hops or a range takes hash look-ups and a binary search among the
+/// versions of the name.
 class TARN_EVOLUTION_CATALOGUE_EXPORT CatalogueIndex {
  public:
   using Position = std::uint32_t;

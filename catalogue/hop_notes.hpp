@@ -8,8 +8,8 @@
 
 namespace tarn::evolution::catalogue {
 
-/// What is told of hops, for people to read: why one is expensive, what to see to, a link. A text
-/// for each name, version and version that it leads from and to; none is empty.
+/// What is told of hops, for people to read: why one is expensive, what to see to, a link. Each
+/// name with a version to leave and one to reach has one text at most, never an empty one.
 class TARN_EVOLUTION_CATALOGUE_EXPORT HopNotes {
  public:
   /// Of several for the same hop the first one counts; an empty one does not.

@@ -21,7 +21,8 @@ namespace tarn::evolution::catalogue {
 /// and its next patch is the version alone. "semver", the semantic equivalent that a text version
 /// is to have instead of its own precedence, "question", "optional", which says that a dependency
 /// counts only if its metamodel is there, and every "note", which is for people to read, may be
-/// left out. A version that does not read as three numbers of at most 64 bits is a text version.
+/// left out. A version that reads as two or three numbers of at most 64 bits is a semantic one, any
+/// other a text version; none may begin as a union does (see `unionOf`).
 ///
 /// Throws CatalogueError when the text is not JSON or not of this form, or when the catalogue is
 /// unsound (see `Catalogue`).

@@ -75,6 +75,22 @@ class CheapestPlans {
   std::vector<std::vector<LearningPlanner::EndCost>> costs_;  // by measure
 };
 
+/// Has a part of a question answered, which the application may turn out to answer otherwise than
+/// could be foreseen when the question was posed.
+template <class Answer>
+auto asPosed(const SearchLimits& limits, const Answer& answer) {
+  SearchWatch watch(limits);
+  watch.enter(SearchProgress::Stage::Learning);
+  try {
+    return answer();
+  } catch (const NotForDependencies&) {
+    throw std::logic_error("BlockedQuestion: the application answers for one name with another");
+  } catch (const NotLinkable&) {
+    throw std::logic_error(
+        "BlockedQuestion: the application has linked what no dependency asks for");
+  }
+}
+
 class BlockedQuestionSearch final : public BlockedQuestion {
  public:
   BlockedQuestionSearch(VersionRepository& repository, const Selection& from, const Selection& to,
@@ -96,7 +112,27 @@ class BlockedQuestionSearch final : public BlockedQuestion {
   bool isClosed() const noexcept override { return dependencies_.isClosed(); }
 
   std::optional<BlockingSet> findBlockingSet(const SearchLimits& limits) override {
-    const SearchWatch watch(limits);
+    return asPosed(limits, [&] { return blockingSet(); });
+  }
+
+  std::optional<Nearest> findNearest(const std::vector<EndCost>& measures,
+                                     const SearchLimits& limits) override {
+    requireClosed();
+    return asPosed(limits, [&] { return nearest(measures); });
+  }
+
+  std::optional<Selection> findNearestEnds(const std::vector<EndCost>& measures,
+                                           const SearchLimits& limits) override {
+    requireClosed();
+    return asPosed(limits, [&] { return nearestEnds(measures); });
+  }
+
+ private:
+  void requireClosed() const {
+    if (!isClosed()) throw std::logic_error("BlockedQuestion: what is nearest is not closed");
+  }
+
+  std::optional<BlockingSet> blockingSet() {
     FreeVersions free(access_, dependencies_);
     BlockingNames names(dependencies_, free);
     if (names.canArrive(ChosenItems(dependencies_.space->names.size(), true))) return std::nullopt;
@@ -118,10 +154,7 @@ class BlockedQuestionSearch final : public BlockedQuestion {
     return result;
   }
 
-  std::optional<Nearest> findNearest(const std::vector<EndCost>& measures,
-                                     const SearchLimits& limits) override {
-    requireClosed();
-    const SearchWatch watch(limits);
+  std::optional<Nearest> nearest(const std::vector<EndCost>& measures) {
     const CheapestPlans plans(dependencies_, measures);
     PlanLinking linking(access_, dependencies_);
     std::vector<VersionSelection> impossible;
@@ -137,10 +170,7 @@ class BlockedQuestionSearch final : public BlockedQuestion {
     }
   }
 
-  std::optional<Selection> findNearestEnds(const std::vector<EndCost>& measures,
-                                           const SearchLimits& limits) override {
-    requireClosed();
-    const SearchWatch watch(limits);
+  std::optional<Selection> nearestEnds(const std::vector<EndCost>& measures) const {
     const auto ends = CheapestPlans(dependencies_, measures).commonEnds({});
     if (!ends) return std::nullopt;
     Selection result;
@@ -150,11 +180,6 @@ class BlockedQuestionSearch final : public BlockedQuestion {
                      dependencies_.space->versions[(*ends)[name]].descriptor->version);
     }
     return result;
-  }
-
- private:
-  void requireClosed() const {
-    if (!isClosed()) throw std::logic_error("BlockedQuestion: what is nearest is not closed");
   }
 
   std::map<std::u16string, VersionId> versionsByName(

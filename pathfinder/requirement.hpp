@@ -26,9 +26,9 @@ class RequirementSource {
   /// Appends to `result`, which is passed empty, what `metamodel` requires. Several requirements on
   /// one name have to be met together.
   ///
-  /// Called when the metamodel is linked, as `VersionRepository::findMetamodels` is for its
-  /// dependencies: on any thread that links, without a lock held. Asked the same twice, it must
-  /// answer the same. What it throws reaches the caller, and nothing is kept for the metamodel.
+  /// Called for every version that is linked or that a search looks at, on any thread, without a
+  /// lock held. Asked the same twice, it must answer the same. What it throws is treated as what
+  /// `VersionRepository::findMetamodels` throws, and nothing is kept for the metamodel.
   virtual void findRequirements(const Metamodel& metamodel,
                                 std::vector<PeerRequirement>& result) = 0;
 

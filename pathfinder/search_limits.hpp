@@ -17,7 +17,8 @@ namespace tarn::evolution::pathfinder {
 
 /// How far a search has come.
 struct SearchProgress {
-  /// What is at work. A search goes on to the next one when the work is too much for one of them.
+  /// What is at work. When the work is too much for one search another goes on, even one that was
+  /// at work before.
   enum class Stage : std::int32_t {
     Preparing = 0,     ///< selections are combined into baselines, and metamodels linked
     Exhaustive = 1,    ///< every combination of hops is tried
@@ -39,13 +40,14 @@ struct SearchProgress {
 ///
 /// Reaching a limit ends the search with `SearchStopped`. Limits are looked at wherever the library
 /// itself computes, at least every 50 ms on a machine that is not overloaded; while the application
-/// is called, nobody looks.
+/// is called, nobody looks. They also bind what the application asks of a repository on the same
+/// thread meanwhile.
 struct SearchLimits {
   std::stop_token stop = {};
   std::optional<std::chrono::steady_clock::time_point> deadline = std::nullopt;
 
-  /// For what the search keeps besides linked metamodels, in bytes: estimated, within a factor of
-  /// two.
+  /// For what the search keeps, in bytes: estimated, within a factor of two. Linked metamodels do
+  /// not count, but for those of one version while they are made.
   std::size_t memory = std::numeric_limits<std::size_t>::max();
 
   /// Told when the stage or one of the bounds has changed, on the thread that searches. What it
@@ -53,14 +55,15 @@ struct SearchLimits {
   std::function<void(const SearchProgress&)> progress = {};
 
   /// Told each path that the search meets before it knows the answer and that weighs less than
-  /// those told before; not proven least, let alone the first of its weight. So a host that keeps
-  /// the last one has something to go by if a limit is reached. Called like `progress`, and by the
-  /// search that learns alone. Making these paths takes time, and none are made if this is empty.
+  /// those told before; not proven least, let alone the first of its weight. A host that keeps the
+  /// last one has a path to use if a limit is reached. Called like `progress`, but only by the
+  /// search that learns for `findPath`. Making these paths takes time, and none are made if this is
+  /// empty.
   std::function<void(const std::vector<BaselineHop>&)> betterPath = {};
 };
 
-/// A search has reached one of its limits: whether there is a path is open. The repository is as it
-/// was, but for what was linked completely.
+/// A question has reached one of its limits; its answer is open. The repository is as it was, but
+/// for what was linked completely.
 class TARN_EVOLUTION_PATHFINDER_EXPORT SearchStopped : public std::runtime_error {
  public:
   enum class Reason : std::int32_t { StopRequested = 0, DeadlinePassed = 1, MemoryUsedUp = 2 };

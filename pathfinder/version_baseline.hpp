@@ -33,9 +33,9 @@ namespace tarn::evolution::pathfinder {
 /// pass it over. Only where entries are compared, it is one: it equals a null pointer and nothing
 /// else, and what is to be added under its name is refused as it is beside any other.
 ///
-/// A null pointer given in place of a linked metamodel is refused with std::invalid_argument. Else
-/// nothing here throws but std::bad_alloc, and what the host's types do in the look-ups of types;
-/// when it throws, nothing has changed.
+/// A null pointer given in place of a linked metamodel is refused with std::invalid_argument.
+/// Look-ups of types throw what the host's types throw, and `combine` what is said there. Else
+/// nothing here throws but std::bad_alloc. When it throws, nothing has changed.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
  public:
   using Entries = std::unordered_map<std::u16string, std::shared_ptr<LinkedMetamodel>>;
@@ -58,8 +58,10 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionBaseline {
   /// name's alternatives. Alternatives agree by identity; version ranges are not looked at. The
   /// result is in mixed-radix order, the name that the map yields first being the most significant
   /// digit. A null pointer among the alternatives is compared as any other, and refused, with the
-  /// name, only where it would have to be added. No names give no baseline. Cost: (surviving
-  /// partial baselines) x (alternatives), name by name.
+  /// name, only where it would have to be added. No names give no baseline. Throws
+  /// std::length_error when the baselines would take more than half of the machine's memory and,
+  /// called from within a search, whatever stops that. Cost: (surviving partial baselines) x
+  /// (alternatives), name by name.
   static std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, std::vector<std::shared_ptr<LinkedMetamodel>>>&
           alternatives);

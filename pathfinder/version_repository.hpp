@@ -61,12 +61,13 @@ struct ResolvedRequirement;
 /// `getLinkedMetamodels` returns. Baselines, hops and paths are values, and share their linked
 /// metamodels: they outlive the repository.
 ///
-/// **Exceptions.** Whatever the application's operations throw reaches the caller unchanged. After
-/// any exception the repository answers correctly: what was linked completely stays, nothing
-/// half-made does, and no path of a search that failed is kept. A path that was found is kept when
-/// the record about its being stored is what throws. Besides what is said at each operation,
-/// std::bad_alloc may leave any of them, and std::system_error, when the path cache cannot be
-/// locked, any that asks it, stores in it or empties it, as linking does.
+/// **Exceptions.** What the application's operations throw reaches the caller unchanged, but a
+/// search drops it where its answer does not depend on it (see `findPath`). After any exception the
+/// repository answers correctly: what was linked completely stays, nothing half-made does, and no
+/// path of a search that failed is kept. A path that was found is kept when the record about its
+/// being stored is what throws. Besides what is said at each operation, std::bad_alloc may leave
+/// any of them, and std::system_error, when the path cache cannot be locked, any that asks it,
+/// stores in it or empties it, as linking does.
 class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
  public:
   /// Which way a move between versions goes. As the direction asked for, `Forward` excludes hops
@@ -90,7 +91,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// repository held. An implementation may call the repository's own operations, but none that
   /// leads back to the same question, which would never end: `findMetamodels` must not ask
   /// `getMetamodel`, nor `loadMetamodel` for the linked metamodels of the descriptor that is being
-  /// linked.
+  /// linked. It must let pass what these operations throw, which need not be a std::exception: the
+  /// search may then go another way.
   /// @{
 
   /// The semantic version that a text version of a metamodel stands for, if any. With none, which
@@ -163,8 +165,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
       const std::unordered_map<std::u16string, VersionId>& to);
 
   /// The path from any of some baselines to a selection. Present and empty, without a search, when
-  /// a baseline of the selection equals a source; absent when there is none. The direction is that
-  /// between the first baselines of each. Throws what `combine` throws as well.
+  /// a baseline of the selection equals a source; absent when the selection has no baseline, or no
+  /// path leads to one. The direction is that between the first baselines of each. Throws what
+  /// `combine` throws as well.
   std::optional<std::vector<BaselineHop>> findPath(
       const std::vector<VersionBaseline>& from,
       const std::unordered_map<std::u16string, VersionId>& to);
@@ -263,20 +266,21 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, Metamodel>& selection);
 
-  /// The same, ending with SearchStopped when a limit is reached; the ceiling for memory does not
-  /// count what is linked.
+  /// The same, ending with SearchStopped when a limit is reached. Of what is linked, the limit on
+  /// memory counts one version's linked metamodels while they are made.
   std::vector<VersionBaseline> combine(
       const std::unordered_map<std::u16string, VersionId>& selection, const SearchLimits& limits);
 
-  /// The same within bounds of time and memory: no value when it would take more linked
-  /// metamodels, beyond one of each version, than `findPath` between two selections makes before it
-  /// goes on without them.
+  /// The same within bounds of time and memory: no value when it would take more than about 5000
+  /// linked metamodels beyond one of each version, or as many baselines. Throws what `combine`
+  /// throws.
   std::optional<std::vector<VersionBaseline>> tryCombine(
       const std::unordered_map<std::u16string, VersionId>& selection);
 
   /// The linked metamodels of a descriptor, one for each consistent choice of dependencies, created
   /// on first demand. The list stays valid and unchanged for the repository's lifetime. Throws
-  /// ConflictingDependencies when there is no consistent choice.
+  /// ConflictingDependencies when there is no consistent choice, and std::length_error when the
+  /// list of a version would take more than half of the machine's memory.
   const std::vector<std::shared_ptr<LinkedMetamodel>>& getLinkedMetamodels(
       const Metamodel& metamodel);
 
@@ -296,8 +300,8 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// one stays; the new one is passed to `loadMetamodel` all the same and then dropped.
   ///
   /// Of two dependencies of one name, the candidates of both are linked, and those of the first are
-  /// chosen from. Throws ConflictingDependencies when there is no consistent choice. Cost: at most
-  /// the product, over the dependencies, of the numbers of linked metamodels of their candidates.
+  /// chosen from. Throws what `getLinkedMetamodels` throws. Cost: at most the product, over the
+  /// dependencies, of the numbers of linked metamodels of their candidates.
   void createLinkedMetamodels(const Metamodel& metamodel);
 
   /// @}
@@ -326,9 +330,9 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   Direction computeDirection(const VersionBaseline& from, const VersionBaseline& to);
 
   /// The direction in which `findPath` between two selections looks: that between the first
-  /// baselines of each, whose others are not listed where they are many. No value when either
-  /// cannot be combined into a baseline. Throws what `combine` throws, and SearchStopped when a
-  /// limit is reached.
+  /// baselines of each. Where these are many, the others are not made. No value when either
+  /// selection has no baseline. Throws what `combine` throws, and SearchStopped when a limit is
+  /// reached.
   std::optional<Direction> findDirection(const std::unordered_map<std::u16string, VersionId>& from,
                                          const std::unordered_map<std::u16string, VersionId>& to,
                                          const SearchLimits& limits = {});
@@ -339,10 +343,10 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
   /// The pass key with which `loadMetamodel` fills a new linked metamodel.
   static LinkedMetamodel::AccessTag accessTag() { return {}; }
 
-  /// Has every metamodel that is linked from here on held to what `source` tells of it; none has
-  /// requirements before. So it is to be called before one that has any is handed out, such as by
-  /// the constructor of the application's class, from any thread. `source` must live as long as the
-  /// repository is asked.
+  /// Every metamodel that is linked from here on has to meet what `source` tells of it; those
+  /// linked before have no requirements. So call it before anything that has any is linked, such as
+  /// in the constructor of the application's class. Any thread may call it. `source` must live as
+  /// long as the repository is asked.
   void useRequirements(RequirementSource& source) noexcept;
 
  private:

@@ -217,8 +217,11 @@ TEST(Limits, PathsToldOnTheWayCanBeGoneAndWeighMoreThanTheAnswer) {
     run.count("told as selections", asSelections && told.count() > 0);
     run.count("stopped", told.isStopped());
   });
-  run.expectPercentages(
-      {{"told", 10}, {"told again", 2}, {"bounds told", 2}, {"told as selections", 1}, {"stopped", 2}});
+  run.expectPercentages({{"told", 10},
+                         {"told again", 2},
+                         {"bounds told", 2},
+                         {"told as selections", 1},
+                         {"stopped", 2}});
 }
 
 TEST(Limits, ASearchInsideAnotherOneIsNotThatOnesProgress) {

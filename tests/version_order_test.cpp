@@ -3,6 +3,7 @@
 #include <array>
 #include <sstream>
 
+#include "catalogue/explanation/loose_ends.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/text/printed_text.hpp"
@@ -239,6 +240,28 @@ TEST_F(VersionOrder, GoesByWhatATextIsSaidToStandFor) {
     EXPECT_EQ(textsOf(found), (Texts{"1.0.0-rc", "2.0.0"}));
     EXPECT_EQ(textOf(repository->getMetamodel(u"A", SemVer{2, 0, 0})->version), "2.0.0");
     EXPECT_EQ(textOf(repository->getMetamodel(u"A", u"1.0.0-rc")->version), "1.0.0-rc");
+  }
+}
+
+/// What is open is completed by the order of versions, not by that of the file.
+TEST_F(VersionOrder, DecidesWhichVersionIsTheNewest) {
+  CatalogueContent content;
+  content.metamodels.push_back(
+      {Metamodel(u"B", SemVer{1, 0, 0}, {{u"A", parseRange("1.0.0-0", "9.0.0")}}), {}});
+  for (const char* version : {"2.0.0", "10.0.0-rc.1", "1.0.0-rc.10", "3.0.0", "1.0.0-rc.2"}) {
+    content.metamodels.push_back({Metamodel(u"A", parseVersion(version), {}), {}});
+  }
+  make("open", content);
+  for (const char* name : {"open.json", "open.store"}) {
+    const auto repository = openCatalogue(path(name));
+    const Selection selected{{u"B", SemVer{1, 0, 0}}};
+    const auto completedBy = [&](VersionPreference preference) {
+      return textOf(completeSelection(*repository, selected, preference).value().at(u"A"));
+    };
+    EXPECT_EQ(completedBy(VersionPreference::Newest), "3.0.0");
+    EXPECT_EQ(completedBy(VersionPreference::Oldest), "1.0.0-rc.2");
+    EXPECT_EQ(describe(findLooseEnds(*repository, selected, 100)),
+              "4 baselines; pin some of these:\n  A: 4 choices, 1.0.0-rc.2 .. 3.0.0");
   }
 }
 

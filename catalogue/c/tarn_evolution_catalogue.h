@@ -46,11 +46,11 @@ enum {
   TARN_EVOLUTION_BAD_CATALOGUE = -2,    /* cannot be read, or is unsound */
   TARN_EVOLUTION_UNKNOWN_VERSION = -3,  /* a selection names what is not there */
   TARN_EVOLUTION_CANNOT_BE_LINKED = -4, /* the answer depends on what cannot be linked */
-  TARN_EVOLUTION_STOPPED = -5,          /* by a stop or by the progress callback */
+  TARN_EVOLUTION_STOPPED = -5,          /* by a stop, or by a callback of the limits */
   TARN_EVOLUTION_TIMED_OUT = -6,
   TARN_EVOLUTION_MEMORY_USED_UP = -7,        /* the memory that the limits allow */
   TARN_EVOLUTION_TOO_MANY_COMBINATIONS = -8, /* of hops; or of versions, for memory */
-  TARN_EVOLUTION_CALLBACK_FAILED = -9,       /* a callback returned something else than zero */
+  TARN_EVOLUTION_CALLBACK_FAILED = -9,       /* of a catalogue; or it could not add a row */
   TARN_EVOLUTION_OUT_OF_MEMORY = -10,        /* of the machine */
   TARN_EVOLUTION_OTHER_ERROR = -11           /* such as callbacks that contradict themselves */
 };
@@ -73,8 +73,9 @@ typedef struct tarn_evolution_named_version {
   const char* version;
 } tarn_evolution_named_version;
 
-/* The versions from `lower` up to but without `upper`, both semantic; where `upper` is NULL, the
- * one version `lower`, of either kind. */
+/* The versions from `lower` up to but without `upper`, each a semantic version or one with a
+ * pre-release such as "2.0.0-rc.1"; callbacks are given both. Where `upper` is NULL, the one
+ * version `lower`, whatever it is. */
 typedef struct tarn_evolution_range {
   const char* lower;
   const char* upper;
@@ -273,7 +274,8 @@ TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_direction(
 
 /* Every step that leaves the selection in a direction; TARN_EVOLUTION_NO_PATH where the selection
  * is not consistent. Fails before the first is tried when there are more than `most` combinations
- * of hops: each metamodel that can move doubles their number or more. */
+ * of hops: each metamodel that can move doubles their number or more. Takes no limits and cannot be
+ * stopped: `most` alone bounds the time. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_find_steps(
     tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* at, size_t at_count,
     int32_t direction, uint64_t most, tarn_evolution_steps** steps, char** message);
@@ -294,7 +296,8 @@ enum { TARN_EVOLUTION_NOTE = 0, TARN_EVOLUTION_WARNING = 1, TARN_EVOLUTION_ERROR
 
 /* All that is wrong with a catalogue file, sound or not, as JSON: {"catalogue", "errors",
  * "warnings", "notes", "findings": [{"code", "severity", "place", "message", "related"}]}. What is
- * less severe than `least` is only counted. Fails only where the file cannot be opened. */
+ * less severe than `least` is only counted. Faults of the catalogue do not make it fail, unless
+ * the file cannot be opened. */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_check(const char* file, int32_t least,
                                                               char** findings, char** message);
 
@@ -322,8 +325,8 @@ TARN_EVOLUTION_API const tarn_evolution_named_version* tarn_evolution_step_broug
  * `evopath path --json` prints: {"form": 1, "found": true, "question", "weight", "start", "end",
  * "steps": [{"weight", "hops": [{"name", "from", "to", "expensive"}], "broughtIn": [{"name",
  * "version"}], "ties", "bundles"}]}, described by data/plan.schema.json of the sources.
- * Alternatives:
- * {"baselines": [{"metamodels": {name: version}, "steps": [{"weight", "hops", "broughtIn"}]}]}. */
+ * Alternatives: {"baselines": [{"metamodels": {name: version}, "steps": [{"direction", "weight",
+ * "hops", "broughtIn"}]}]}, the direction being "forward", "backward" or "mixed". */
 TARN_EVOLUTION_API tarn_evolution_status tarn_evolution_steps_render(
     const tarn_evolution_steps* steps, tarn_evolution_format format, char** text, char** message);
 

@@ -26,8 +26,8 @@ enum class FindingCode {
   UnknownField,    ///< a field that has no meaning
   DuplicateField,  ///< a field that stands twice in one object
   BadName,         ///< a name that is empty or holds U+0000
-  BadVersion,      ///< a version that is empty, holds U+0000 or has a component beyond 64 bits
-  BadRange,        ///< a range that is no pair of semantic versions, or reversed
+  BadVersion,      ///< a version that is empty, holds U+0000 or begins as a union of ranges does
+  BadRange,        ///< a range that cannot be read: a bound has no precedence, or it is reversed
   BadEquivalent,   ///< an equivalent that is no semantic version, or of a semantic version
   OrphanRow,       ///< a table row that belongs to a row that is not there
 
@@ -37,8 +37,8 @@ enum class FindingCode {
   UnknownDependency,    ///< a dependency on a metamodel that is not there
   UnknownHopMetamodel,  ///< a hop of a metamodel that is not there
   UnknownHopVersion,    ///< a hop from or to a version that is not there
-  DependencyCycle,      ///< versions that depend on themselves through one another; once for each
-                        ///< largest set of versions that all do, with an example
+  DependencyCycle,      ///< a note, no error: versions that depend on themselves through one
+                        ///< another; one finding for each largest such set, with an example
 
   // Warnings.
   EmptyRange,               ///< a range that no version can lie in
@@ -63,8 +63,8 @@ enum class FindingCode {
   InconsistentQuestion,      ///< or versions that cannot stand together
 
   // Notes, once for each metamodel but the last.
-  MissingEquivalent,  ///< text versions without equivalent beside semantic versions: no range
-                      ///< admits them, and they count as older than every semantic version
+  MissingEquivalent,  ///< versions without a precedence beside versions that have one: no range
+                      ///< between two versions admits them, and they count as older than those
   NoHops,             ///< a metamodel of several versions without any hop
   StrandedVersions,   ///< versions that no hop enters or leaves, where other versions have hops
   UnreachedVersions,  ///< versions that hops leave, but none enters except from a newer one, and
@@ -88,7 +88,7 @@ struct Finding {
 /// The stable identifier, such as "dependency-cycle".
 TARN_EVOLUTION_CATALOGUE_EXPORT std::string identifierOf(FindingCode code);
 
-/// Every code, errors first, then warnings and notes.
+/// Every code, in the order of the enumeration.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<FindingCode> allFindingCodes();
 
 TARN_EVOLUTION_CATALOGUE_EXPORT Severity severityOf(FindingCode code);

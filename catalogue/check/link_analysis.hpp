@@ -18,8 +18,8 @@ void leaveOutWhatLeadsBack(DraftIndex& index, const DependencyComponents& compon
 /// Which versions of a draft can be linked.
 ///
 /// Linking a version links every candidate of its dependencies first and fails when one of them
-/// cannot be linked. What depends on a part that could not be read, or on itself, counts as
-/// linkable: it has an error of its own.
+/// cannot be linked. What depends on a part that could not be read counts as linkable: that part
+/// has an error of its own. Dependencies that lead back must have been left out.
 class LinkAnalysis {
  public:
   enum class State {

@@ -62,8 +62,8 @@ struct Comparison {
   std::size_t unasked = 0;                ///< that were left when it was ended
   std::vector<AnswerDifference> answers;  ///< in the order of the questions
 
-  /// Versions of the former catalogue that no baseline can hold any more; those that the present
-  /// one lacks only where it lacks a metamodel that they need.
+  /// Versions of the former catalogue that no baseline can hold any more. A version that the
+  /// present one lacks counts only if that also lacks a metamodel that the version needs.
   std::vector<NamedVersion> unlinkable;
   std::size_t undecided = 0;  ///< versions of which that took too much work to decide
 };
@@ -73,7 +73,8 @@ struct Comparison {
 /// is the same.
 ///
 /// Throws std::invalid_argument, naming what is not known, for a question that neither of them can
-/// be asked.
+/// be asked, and what `progress` throws. A limit does not throw: it leaves answers open, or
+/// questions unasked.
 TARN_EVOLUTION_CATALOGUE_EXPORT Comparison compare(const Catalogue& former,
                                                    const Catalogue& present,
                                                    const std::vector<Question>& questions,

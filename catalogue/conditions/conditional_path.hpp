@@ -75,8 +75,12 @@ findConditionalPath(BrowsableRepository& repository, const Selection& from,
                     const pathfinder::SearchLimits& limits = {});
 
 /// The best paths, up to `count`: the least one, then again and again the least of those that, of
-/// each path before, do without a version that its steps lead to. What first-wanted goals come to
-/// is settled by the first.
+/// each path before, do without a version that its steps lead to. The first path settles what
+/// first-wanted goals come to.
+///
+/// For each path looked at, takes a search for each version that it reaches; their number can grow
+/// exponentially with `count`. Throws what `findConditionalPath` throws, and then gives none of the
+/// paths found.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<std::vector<pathfinder::BaselineHop>>
 findAlternativePaths(BrowsableRepository& repository, const Selection& from,
                      const std::vector<PathGoal>& goals, const PathConditions& conditions,

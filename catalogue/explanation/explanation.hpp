@@ -156,8 +156,8 @@ struct Explanation {
   /// ConflictingDependencies; the explanation disregards those hops.
   std::vector<Unlinkable> unlinkable;
 
-  /// Text versions without semantic equivalent at an end of the hops against the direction that the
-  /// reason names. They count as older than all others; an equivalent could set the hop right.
+  /// The versions without a precedence that the reason's hops against the direction leave or lead
+  /// to. They count as older than all others; an equivalent could set the hop right.
   std::vector<NamedVersion> withoutOrder;
 
   /// None when there is a path, when there is no consistent source to start from or none can be

@@ -30,14 +30,14 @@ namespace tarn::evolution::catalogue {
 ///                  "chainInAnyDirection", "dependents"}
 ///     CLASH       {"parties", "contested", "requirements": [{"chain", "name", "range"}]}
 ///     UNLINKABLE  {"chain", "unmet": {"name", "range", "nearest"}, "clash"}
-///     NOTE        {"name", "version", "note"}, with "to" that of a hop from the version, with
-///     "needs"
-///                  that of its dependency on that name
+///     NOTE        {"name", "version", "note"}; of a hop from that version also "to", of a
+///                  dependency of it also "needs", a name
 ///     NEAREST     {"arrived", "unfinished": [{"target", "held", "hopsLeft"}], "proven", "steps"}
 ///
-/// A range is a pair [lower, upper), also of one semantic version, or a text version; a requirement
-/// without one is the selected version itself. Steps are as `writePathJson` writes them; `weights`
-/// weighs them.
+/// A range is a pair [lower, upper), also of one semantic version, or a text version, or {"anyOf":
+/// [range]}; where it is null, the selected version itself is required. Only where they are true
+/// stand "optional" in a requirement, "missing" in a CLASH and "tooManyVariants" beside "kind".
+/// Steps are as `writePathJson` writes them; `weights` weighs them.
 TARN_EVOLUTION_CATALOGUE_EXPORT void writeExplanationJson(const Explanation& explanation,
                                                           const StepWeights& weights,
                                                           std::ostream& out);

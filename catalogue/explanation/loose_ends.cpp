@@ -66,7 +66,7 @@ class Domains {
     auto versions = repository_.listMetamodels(name);
     std::stable_sort(versions.begin(), versions.end(),
                      [](const CatalogueMetamodel& left, const CatalogueMetamodel& right) {
-                       return left.semVer() < right.semVer();
+                       return left.precedence() < right.precedence();
                      });
     for (const CatalogueMetamodel& version : versions) {
       domain.places.emplace(version.descriptor.version, domain.versions.size());

@@ -43,8 +43,9 @@ enum class VersionPreference { Newest, Oldest };
 
 /// The selection with all that it needs, at versions that are consistent: name by name, in the
 /// ascending order of those that are needed at that time, the newest or oldest version with which
-/// the rest can be completed. No value when there is no consistent choice. Text versions without
-/// equivalent count as older than all others. Throws std::runtime_error when it takes too long.
+/// the rest can be completed. No value when there is no consistent choice, or the repository does
+/// not know a selected version. Versions without a precedence count as older than all others.
+/// Throws std::runtime_error when it takes too long.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::optional<Selection> completeSelection(
     BrowsableRepository& repository, const Selection& selection, VersionPreference preference);
 

@@ -25,7 +25,9 @@ struct ExplorerAnswers {
   BatchCounts counts = {};              ///< of all, those left out included
 };
 
-/// Answers the questions of `next`, each as `answerBatch` does.
+/// Answers the questions of `next`, each as `answerBatch` does, and keeps all answers in memory.
+/// `next` is called by one thread at a time; what it throws is thrown on. A stop leaves out the
+/// answers that are still to come.
 TARN_EVOLUTION_CATALOGUE_EXPORT ExplorerAnswers answerForExplorer(
     BrowsableRepository& repository, const std::function<std::optional<BatchQuestion>()>& next,
     const BatchLimits& limits);

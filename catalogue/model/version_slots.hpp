@@ -63,7 +63,7 @@ class VersionSlots {
   SlotInterval all(NameNumber name) const { return all_[name]; }
   SlotInterval ordered(NameNumber name) const { return ordered_[name]; }
 
-  /// The versions of a name that have a precedence.
+  /// The versions of a name that have this precedence.
   SlotInterval at(NameNumber name, const Precedence& precedence) const;
 
   /// The versions that a semantic version denotes.

@@ -12,7 +12,8 @@ namespace tarn::evolution::catalogue {
 ///
 /// Gives the answers that a `CatalogueRepository` gives for the same catalogue, in the same order.
 /// Opening takes the same short time for stores of any size. A version or a hop is found through an
-/// index; what was asked for lately is remembered, up to a few megabytes.
+/// index. Memory holds some ten thousand rows of each kind, those asked for lately, and a small
+/// entry for each version met.
 ///
 /// **What it sees** is the store as it was when it was opened. Others may change the store
 /// (`store_editing.hpp`), or import another one in its place, meanwhile, which is seen by

@@ -45,8 +45,11 @@ class SatSolver {
   /// The same with a clause that holds for this question only.
   bool solveWith(std::span<const Literal> clause, std::span<const Literal> assumptions);
 
-  /// Whether a search with so many conflicts shows that they cannot; or that they can.
+  /// Whether a search of at most so many conflicts refutes the assumptions; false if it does not
+  /// end.
   bool refutes(std::span<const Literal> assumptions, int conflicts);
+
+  /// Whether such a search finds a model under the assumptions; false if it does not end.
   bool satisfies(std::span<const Literal> assumptions, int conflicts);
 
   /// After a question that was answered with yes, until clauses are added: the value in the model

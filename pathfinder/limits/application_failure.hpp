@@ -8,8 +8,8 @@
 
 namespace tarn::evolution::pathfinder {
 
-/// Runs an action that asks the application: what it failed with, null if it did not. What stops a
-/// search, as what memory lacks, is thrown on.
+/// Runs an action that asks the application. Returns what it failed with; null if it did not. Lets
+/// pass std::bad_alloc and what stops a search.
 template <class Action>
 std::exception_ptr failureOf(const Action& action) {
   try {

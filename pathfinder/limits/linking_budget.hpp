@@ -45,15 +45,15 @@ class LinkingBudget {
   LinkingBudget* const outer_;
 };
 
-/// As many linked metamodels, beyond one of each version, are made for selections of so many names
-/// by those who cannot do without them, or can tell less.
+/// How many linked metamodels, beyond one of each version, may be made for a selection of so many
+/// names where no other way is left, or known.
 constexpr std::size_t linkingBudgetFor(std::size_t names) {
   return 5000 + 10 * names;
 }
 
-/// The budget of a question between selections of so many names before it is looked whether it can
-/// be answered without linking, which takes about as long as making these. What is a product has
-/// many linked metamodels of some versions.
+/// The budget of a question between selections of so many names before it is tried without linking,
+/// which takes about as long as making these. Up to four linked metamodels of each version are
+/// free: a product has many of some versions.
 inline LinkingBudget linkingBudgetBesideDependencies(std::size_t names) {
   return LinkingBudget(400 + 2 * names, 4);
 }

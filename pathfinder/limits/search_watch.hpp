@@ -14,9 +14,8 @@ namespace tarn::evolution::pathfinder {
 /// Keeps an eye on the limits of the search that runs on this thread, and tells of its progress.
 ///
 /// Whoever computes for long asks `checkpoint` on the way. The watch is the thread's rather than an
-/// argument, because a search reaches linking through operations of the application; a search that
-/// the application starts inside another one, without limits of its own, is bound by those of the
-/// outer one.
+/// argument, because a search reaches linking through operations of the application. A search that
+/// the application starts inside another one is bound by the limits of both.
 class SearchWatch {
  public:
   /// Watches until it is destroyed. Limits must outlive it.

@@ -12,10 +12,9 @@ namespace tarn::evolution::pathfinder {
 ///
 /// They can when some linked metamodel of the one agrees with some linked metamodel of the other on
 /// every name that both hold, and no requirement of either excludes the other. "Absent" disagrees
-/// with whatever holds the name. Kept are only pairs
-/// of names that have something to say, the neighbours: names whose closures share nothing always
-/// can stand together, and for many others it follows from what each of them has with a third (see
-/// `followsFrom`).
+/// with whatever holds the name. Kept are only pairs of names that have something to say, the
+/// neighbours: names whose closures share nothing always can stand together, and for many others it
+/// follows from what each of them has with a third (see `followsFrom`).
 ///
 /// Memory is one bit row for each version and neighbour of its name.
 class Compatibility {

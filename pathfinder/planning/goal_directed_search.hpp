@@ -12,8 +12,9 @@ namespace tarn::evolution::pathfinder {
 /// Asks the application once for each version that can lie on a path, and links just these. Only
 /// where there is no path does it ask for everything within reach, and throw what fails there.
 /// Leaves the question unsettled when a source holds a null pointer or something under another name
-/// than its own, or when no plan can be carried out: planning looks at two versions at a time, and
-/// three can be in conflict of which every two agree.
+/// than its own, when the application answers for one name with another, or when no plan can be
+/// carried out, not even one of `second`: planning looks at two versions at a time, and three can
+/// be in conflict of which every two agree.
 ///
 /// `second` plans what is too much for the budget of this search, if it is not null.
 SearchAnswer searchGoalDirected(const SearchQuestion& question,

@@ -22,8 +22,8 @@ class StepGeneration {
   StepGeneration(SearchHost& host, const VersionBaseline& from, Direction direction,
                  std::uint64_t budget = unlimitedBudget);
 
-  /// How many combinations there are to try, all but that of no hops; the largest number when there
-  /// are more.
+  /// How many combinations there are to try, all but that of no hops. Beyond the budget a lower
+  /// bound: the other metamodels were not asked. At most the largest number less one.
   std::uint64_t combinationCount() const { return combinations_ - 1; }
 
   /// Tries every combination. Only for a count within the budget. Throws std::length_error when
