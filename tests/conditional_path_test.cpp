@@ -222,7 +222,16 @@ void expectLeast(const ConditionalCase& asked, RandomRun& run) {
   CatalogueRepository repository{Catalogue(asked.content())};
   const auto goals = settled(repository, asked);
   const Weight least = leastWeight(repository, asked.from, goals, asked.conditions);
-  const auto paths = findAlternativePaths(repository, asked.from, asked.goals, asked.conditions, 3);
+  std::vector<std::vector<BaselineHop>> told;
+  const SearchLimits limits{.progress =
+                                [&](const SearchProgress& progress) {
+                                  EXPECT_LE(progress.leastProven,
+                                            least.value_or(progress.leastProven));
+                                },
+                            .betterPath = [&](const auto& path) { told.push_back(path); }};
+  const auto paths =
+      findAlternativePaths(repository, asked.from, asked.goals, asked.conditions, 3, limits);
+  EXPECT_EQ(told.size(), paths.size());
   run.count("path", least && *least > 0);
   run.count("no path", !least);
   run.count("alternatives", paths.size() > 1);
@@ -377,6 +386,42 @@ TEST(ConditionalPath, EndsAtLimitsWhereBaselinesHaveToBeListed) {
   conditions = {};
   conditions.via.emplace_back(u"B", SemVer{2, 0, 0});
   EXPECT_THROW(findConditionalPath(repository, from, goals, conditions, limits), SearchStopped);
+}
+
+/// D 4 needs C 1, which needs an older D: that stands back, wherever D comes after C.
+TEST(ConditionalPath, LeadsOverBaselinesInWhichAVersionStandsBack) {
+  TestRepository described("B3 C1:D[1,4) D1 D2 D4:C1 D4>2 D1>2! D1>4");
+  CatalogueRepository repository{Catalogue(contentOf(described))};
+  const Selection from{{u"B", SemVer{3, 0, 0}}, {u"D", SemVer{1, 0, 0}}};
+  const Selection to{{u"D", SemVer{2, 0, 0}}};
+  const auto expected = repository.findPath(repository.combine(from), repository.combine(to),
+                                            VersionRepository::Unknown);
+  PathConditions conditions;
+  conditions.direction = VersionRepository::Unknown;
+  const auto path =
+      findConditionalPath(repository, from, {{u"D", {SemVer{2, 0, 0}}, false}}, conditions);
+  ASSERT_EQ(expected.value().size(), 2U);
+  EXPECT_EQ(describe(path), describe(expected));
+}
+
+TEST(ConditionalPath, AlternativesFoundAreToldBeforeALimit) {
+  TestRepository described("A1 A2 A3 A1>2 A2>3 A1>3!");
+  CatalogueRepository repository{Catalogue(contentOf(described))};
+  std::stop_source stop;
+  std::size_t told = 0;
+  const SearchLimits limits{.stop = stop.get_token(), .betterPath = [&](const auto& path) {
+                              EXPECT_EQ(path.size(), 2U);
+                              ++told;
+                              stop.request_stop();
+                            }};
+  try {
+    findAlternativePaths(repository, {{u"A", SemVer{1, 0, 0}}}, {{u"A", {SemVer{3, 0, 0}}, false}},
+                         {}, 3, limits);
+    ADD_FAILURE() << "no exception";
+  } catch (const SearchStopped& stopped) {
+    EXPECT_EQ(stopped.progress().leastProven, 4U);
+  }
+  EXPECT_EQ(told, 1U);
 }
 
 TEST(ConditionalPath, SaysWhatCannotBeAsked) {

@@ -106,6 +106,21 @@ TEST_F(Evopath, AsksUnderConditions) {
   }
 }
 
+TEST_F(Evopath, SaysThatASourceCannotBeLinkedUnderConditionsToo) {
+  write("blocked.json", R"({"metamodels": [{"name": "C", "version": "9.0.0", "dependencies": []},
+        {"name": "B", "version": "2.0.0", "dependencies": []},
+        {"name": "B", "version": "3.0.0",
+         "dependencies": [{"name": "C", "range": ["1.0.0", "2.0.0"]}]},
+        {"name": "A", "version": "1.0.0",
+         "dependencies": [{"name": "B", "range": ["2.0.0", "4.0.0"]}]},
+        {"name": "A", "version": "2.0.0", "dependencies": []}],
+      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})");
+  const std::string ask = "path blocked.json --from A=1.0.0 --to A=2.0.0 --direction forward";
+  EXPECT_EQ(run(ask + " 2>&1"),
+            std::pair(1, std::string("No path: what it is to start from cannot be linked.\n")));
+  EXPECT_EQ(run(ask + " --json 2>&1").first, 1);
+}
+
 TEST_F(Evopath, ShowsItsReasoningOnStandardError) {
   const std::string question = "path small.json --trace --from A=1.0.0 --to A=2.0.0";
   EXPECT_EQ(run(question + " 2>/dev/null").second,

@@ -15,6 +15,7 @@ namespace tarn::evolution::catalogue {
 
 using pathfinder::BaselineHop;
 using pathfinder::SearchLimits;
+using pathfinder::SearchProgress;
 using pathfinder::SearchStopped;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
@@ -33,7 +34,7 @@ class ConditionalSearch {
         conditions_(conditions),
         limits_(limits),
         repository_(content, conditions) {
-    limits_.betterPath = {};  // it would be told answers to parts of the question
+    limits_.betterPath = {};  // its paths may be those of another content
     const auto sources = content.tryCombine(from);
     areTooMany_ = !sources;
     if (sources) addSources(*sources);
@@ -182,6 +183,30 @@ std::optional<Path> settle(ConditionalSearch& search, std::vector<PathGoal>& goa
   return isAsked ? path : search.ask(goals);
 }
 
+/// Has a part of a question searched for, whose bounds are not those of the whole: told is what is
+/// known of that.
+template <class Search>
+std::optional<Path> searchPart(const SearchLimits& limits, const SearchProgress& known,
+                               const Search& search) {
+  const auto ofWhole = [&](const SearchProgress& progress) {
+    return SearchProgress{progress.stage, known.leastProven, known.leastFound};
+  };
+  SearchLimits own = limits;
+  if (limits.progress) {
+    own.progress = [&](const SearchProgress& progress) { limits.progress(ofWhole(progress)); };
+  }
+  try {
+    return search(own);
+  } catch (const SearchStopped& stopped) {
+    throw SearchStopped(stopped.reason(), ofWhole(stopped.progress()));
+  }
+}
+
+bool isAnyFirstWanted(const std::vector<PathGoal>& goals) {
+  return std::any_of(goals.begin(), goals.end(),
+                     [](const PathGoal& goal) { return goal.isFirstWanted; });
+}
+
 /// What the steps of a path lead to and its source does not hold.
 using Reached = std::vector<std::pair<std::u16string, VersionId>>;
 
@@ -251,9 +276,12 @@ std::optional<Path> findConditionalPath(BrowsableRepository& repository, const S
                                         const std::vector<PathGoal>& goals,
                                         const PathConditions& conditions,
                                         const SearchLimits& limits) {
-  ConditionalSearch search(repository, from, conditions, limits);
   std::vector<PathGoal> settled = goals;
-  return settle(search, settled);
+  const auto search = [&](const SearchLimits& own) {
+    ConditionalSearch asked(repository, from, conditions, own);
+    return settle(asked, settled);
+  };
+  return isAnyFirstWanted(goals) ? searchPart(limits, {}, search) : search(limits);
 }
 
 // A tree of searches, as of Reiter's hitting sets: each node avoids some versions, and has the
@@ -281,15 +309,24 @@ std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Se
     for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
     return weight;
   };
-  const auto add = [&](const PathConditions& under, const Avoided& added) {
-    if (!met.insert(added).second) return;
-    ConditionalSearch search(repository, from, under, limits);
-    if (auto path = settle(search, settled)) {
-      const std::uint64_t weight = weigh(*path);
-      open.push_back({under, added, *std::move(path), weight});
-    }
+  const auto add = [&](const PathConditions& under, const Avoided& added,
+                       std::optional<Path>&& path) {
+    if (!path) return;
+    const std::uint64_t weight = weigh(*path);
+    open.push_back({under, added, *std::move(path), weight});
   };
-  add(conditions, {});
+  const auto search = [&](const PathConditions& under, const SearchLimits& own) {
+    ConditionalSearch asked(repository, from, under, own);
+    return settle(asked, settled);
+  };
+  const auto searchAll = [&](const SearchLimits& own) { return search(conditions, own); };
+  add(conditions, {},
+      isAnyFirstWanted(goals) ? searchPart(limits, {}, searchAll) : searchAll(limits));
+  SearchProgress known;  // of the least path of all
+  if (!open.empty()) {
+    known.leastProven = open.front().weight;
+    known.leastFound = open.front().weight;
+  }
   std::vector<Path> found;
   std::vector<Reached> reachedBefore;
   while (found.size() < count && !open.empty()) {
@@ -307,6 +344,7 @@ std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Se
     if (repeated == reachedBefore.end()) {
       found.push_back(node.path);
       reachedBefore.push_back(reached);
+      if (limits.betterPath) limits.betterPath(node.path);
     }
     if (found.size() == count) break;
     for (const auto& [name, version] : toAvoid) {
@@ -314,7 +352,9 @@ std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Se
       under.avoided[name].push_back(version);
       Avoided added = node.added;
       added.emplace(name, textOf(version));
-      add(under, added);
+      if (!met.insert(added).second) continue;
+      add(under, added,
+          searchPart(limits, known, [&](const SearchLimits& own) { return search(under, own); }));
     }
   }
   return found;

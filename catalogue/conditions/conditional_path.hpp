@@ -78,9 +78,10 @@ findConditionalPath(BrowsableRepository& repository, const Selection& from,
 /// each path before, do without a version that its steps lead to. The first path settles what
 /// first-wanted goals come to.
 ///
-/// For each path looked at, takes a search for each version that it reaches; their number can grow
-/// exponentially with `count`. Throws what `findConditionalPath` throws, and then gives none of the
-/// paths found.
+/// `limits.betterPath` is told each of these paths as soon as it is certain, so that a host has
+/// those if a limit is reached. For each path looked at, takes a search for each version that it
+/// reaches; their number can grow exponentially with `count`. Throws what `findConditionalPath`
+/// throws.
 TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<std::vector<pathfinder::BaselineHop>>
 findAlternativePaths(BrowsableRepository& repository, const Selection& from,
                      const std::vector<PathGoal>& goals, const PathConditions& conditions,

@@ -29,6 +29,7 @@ namespace tarn::evolution::catalogue {
 
 using pathfinder::BaselineHop;
 using pathfinder::Hop;
+using pathfinder::LinkedMetamodel;
 using pathfinder::Metamodel;
 using pathfinder::VersionBaseline;
 using pathfinder::VersionId;
@@ -171,13 +172,31 @@ std::vector<BaselineHop> ConditionalRepository::inContent(const std::vector<Base
   return result;
 }
 
-/// The versions of all that a baseline holds tell which linked metamodels they are.
 VersionBaseline ConditionalRepository::inContent(const VersionBaseline& baseline) {
-  Selection selection;
+  VersionBaseline result;
   for (const auto& [name, linked] : baseline.metamodels) {
-    selection.emplace(name, read(name, linked->version).version);
+    result.metamodels.emplace(name, inContent(*linked));
   }
-  return content_.combine(selection).at(0);
+  return result;
+}
+
+/// The versions of all that a linked metamodel links tell which one it is.
+std::shared_ptr<LinkedMetamodel> ConditionalRepository::inContent(const LinkedMetamodel& marked) {
+  const auto linksTheSame = [&](const std::shared_ptr<LinkedMetamodel>& candidate) {
+    const auto& links = candidate->linkedMetamodels;
+    const auto& wanted = marked.linkedMetamodels;
+    return links.size() == wanted.size() &&
+           std::all_of(wanted.begin(), wanted.end(), [&](const auto& entry) {
+             const auto link = links.find(entry.first);
+             return link != links.end() &&
+                    link->second->version == read(entry.first, entry.second->version).version;
+           });
+  };
+  const auto& candidates =
+      content_.getLinkedMetamodels(marked.name, read(marked.name, marked.version).version);
+  const auto same = std::find_if(candidates.begin(), candidates.end(), linksTheSame);
+  if (same == candidates.end()) throw std::logic_error("the content has changed during a search");
+  return *same;
 }
 
 ConditionalRepository::Marks ConditionalRepository::marksAt(const std::u16string& name,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <unordered_map>
 
 #include "catalogue/conditions/conditional_path.hpp"
@@ -67,6 +68,7 @@ class ConditionalRepository : public pathfinder::VersionRepository,
   std::vector<pathfinder::VersionBaseline> combineMarked(const Selection& marked,
                                                          const pathfinder::SearchLimits& limits);
   pathfinder::VersionBaseline inContent(const pathfinder::VersionBaseline& baseline);
+  std::shared_ptr<pathfinder::LinkedMetamodel> inContent(const pathfinder::LinkedMetamodel& marked);
 
   BrowsableRepository& content_;
   const PathConditions conditions_;

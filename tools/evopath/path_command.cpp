@@ -248,17 +248,28 @@ ExitStatus runConditional(const PathOptions& options, BrowsableRepository& repos
     throw std::invalid_argument("--alternatives: only as text or JSON");
   }
   const auto line = options.trace ? SearchMonitor::Line::Never : SearchMonitor::Line::OnTerminal;
-  const auto paths =
-      searchAttended(limits, SearchMonitor::Task::Search, line, [&](const SearchLimits& attended) {
-        return findAlternativePaths(repository, question.from, question.goals, question.conditions,
-                                    count, attended);
-      });
-  if (paths.empty()) {
-    return tellAbsence(options, asked, "No path keeps to the conditions.");
+  std::vector<std::vector<BaselineHop>> paths;
+  SearchLimits wanted = limits;
+  wanted.betterPath = [&paths](const std::vector<BaselineHop>& path) { paths.push_back(path); };
+  const auto search = [&](const SearchLimits& attended) {
+    return findAlternativePaths(repository, question.from, question.goals, question.conditions,
+                                count, attended);
+  };
+  const auto writePaths = [&] {
+    options.output.write(count > 1 ? renderAlternatives(repository, paths, options, question)
+                                   : render(paths.front(), options, repository,
+                                            answeredBy(paths.front(), question, repository)));
+  };
+  try {
+    searchAttended(wanted, SearchMonitor::Task::Search, line, search);
+  } catch (const SearchStopped&) {
+    if (!paths.empty()) writePaths();
+    throw;
+  } catch (const ConflictingDependencies&) {
+    return tellAbsence(options, asked, "No path: what it is to start from cannot be linked.");
   }
-  options.output.write(count > 1 ? renderAlternatives(repository, paths, options, question)
-                                 : render(paths.front(), options, repository,
-                                          answeredBy(paths.front(), question, repository)));
+  if (paths.empty()) return tellAbsence(options, asked, "No path keeps to the conditions.");
+  writePaths();
   return ExitStatus::Found;
 }
 
