@@ -135,6 +135,17 @@ class Batch(unittest.TestCase):
         for part in ("0/3", "4/3", "1", "a/b", "1/0", "-1/3"):
             self.assertIn(f"--part {part}: must be", self.batch("--part", part).stderr)
 
+    def test_heads_of_texts_older_than_all_versions(self):
+        versions = [{"name": "A", "version": version, "dependencies": []} for version in ("p", "2.0.0", "o")]
+        hops = [{"name": "A", "from": source, "to": target, "expensive": False}
+                for source, target in (("o", "p"), ("p", "2.0.0"))]
+        (self.folder / "texts.json").write_text(json.dumps({"metamodels": versions, "hops": hops}), encoding="utf-8")
+        done = self.evopath("batch", "texts.json", "--heads")
+        self.assertEqual([json.loads(line)["question"] for line in done.stdout.splitlines()],
+                         [{"from": {"A": "o"}, "to": {"A": "2.0.0"}}])
+        done = self.evopath("diff", "texts.json", "--without", "A=p")
+        self.assertIn("1 lost", done.stdout)
+
     def test_heads_and_what_cannot_be_linked(self):
         versions = [{"name": name, "version": f"{number}.0.0", "dependencies": needs}
                     for name, number, needs in [("A", 1, []), ("A", 2, [{"name": "B", "range": "7.0.0"}]), ("A", 3, []),

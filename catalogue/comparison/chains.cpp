@@ -17,10 +17,15 @@ void ChainEnds::addWays(std::size_t most, std::vector<ChainWay>& ways) const {
 
 Chains::Chains(const Catalogue& catalogue, const std::u16string& name) {
   const CatalogueIndex& index = catalogue.index();
-  for (const auto position : index.orderedVersions(name)) {
+  const auto add = [&](CatalogueIndex::Position position) {
     numbers_.emplace(position, versions_.size());
     versions_.push_back(catalogue.metamodels()[position].descriptor.version);
+  };
+  for (const auto position : index.metamodelsOf(name)) {
+    if (!index.precedence(position)) add(position);
   }
+  const std::size_t unordered = versions_.size();
+  for (const auto position : index.orderedVersions(name)) add(position);
   sets_.resize(versions_.size());
   std::iota(sets_.begin(), sets_.end(), std::size_t{0});
   isEntered_.resize(versions_.size());
@@ -30,7 +35,8 @@ Chains::Chains(const Catalogue& catalogue, const std::u16string& name) {
     const auto from = numberOf(index.metamodelOf(name, hop.from));
     const auto to = numberOf(index.metamodelOf(name, hop.to));
     const bool isOffered = from && versions_[*from] == hop.from;  // not from an equivalent
-    if (isOffered && to && *from < *to) join(*from, *to);
+    const bool leadsOn = from && to && *from != *to && (*from < *to || *from < unordered);
+    if (isOffered && leadsOn) join(*from, *to);
   }
   for (std::size_t number = 0; number < sets_.size(); ++number) sets_[number] = setOf(number);
 }

@@ -30,8 +30,8 @@ struct ChainEnds {
 };
 
 /// The chains that hops to newer versions make of the versions of a metamodel. Versions without a
-/// precedence, and those without such hops, are in none. Takes time in proportion to the versions
-/// and hops.
+/// precedence are older than all others; hops between two of them lead on, whichever way. Versions
+/// without such hops are in no chain. Takes time in proportion to the versions and hops.
 class Chains {
  public:
   Chains(const Catalogue& catalogue, const std::u16string& name);
@@ -49,7 +49,7 @@ class Chains {
   bool isTail(std::size_t number) const { return isLeft_[number] && !isEntered_[number]; }
   bool isHead(std::size_t number) const { return isEntered_[number] && !isLeft_[number]; }
 
-  // Versions are numbered by precedence.
+  // Versions are numbered by precedence, those without one first.
   std::map<CatalogueIndex::Position, std::size_t> numbers_;
   std::vector<pathfinder::VersionId> versions_;
   std::vector<std::size_t> sets_;  // of each version one of its set, the same of all in the end
