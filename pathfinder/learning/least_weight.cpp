@@ -115,10 +115,10 @@ bool LeastWeight::findFewestExpensiveHops() {
 void LeastWeight::findFewestOrdinaryHops() {
   fewestOrdinary_.emplace(plans_.sat);
   leastOrdinary_ = setOrdinaryCosts(*fewestOrdinary_);
-  fewestOrdinary_->minimize(
-      {isFewestExpensive_}, acceptNoting(), noLimit, [this](std::uint64_t paid) {
-        noteProven(expensiveHops_, leastOrdinary_ + paid + fewestLayers_);
-      });
+  fewestOrdinary_->minimize({isFewestExpensive_}, acceptNoting(), noLimit,
+                            [this](std::uint64_t paid) {
+                              noteProven(expensiveHops_, leastOrdinary_ + paid + fewestLayers_);
+                            });
   ordinaryHops_ = leastOrdinary_ + fewestOrdinary_->lowerBound();
   if (heavier_ == Heavier::Dropped) {
     fewestOrdinary_->dropDearerThan(best_ - ordinaryHops_ - fewestLayers_);
