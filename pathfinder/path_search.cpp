@@ -65,72 +65,70 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
 
 namespace {
 
+/// The baselines that the ends of a question stand for; no targets where there is no source.
+struct Ends {
+  Ends(RepositoryAccess& access, const SelectionQuestion& question)
+      : combination(access, question.from.size() + question.to.size()),
+        sources(combination.combine(question.from)) {
+    if (!sources.empty()) targets = combination.combine(question.to);
+  }
+
+  SelectionCombination combination;
+  std::vector<VersionBaseline> sources;
+  std::vector<VersionBaseline> targets;
+};
+
+std::optional<Direction> directionBetween(RepositoryAccess& access, const Ends& ends) {
+  if (ends.targets.empty()) return std::nullopt;
+  return access.directionBetween(ends.sources.front(), ends.targets.front());
+}
+
 /// By way of all baselines that the selections stand for.
 std::optional<std::vector<BaselineHop>> answerByBaselines(RepositoryAccess& access,
                                                           PathCache& cache,
-                                                          const VersionsByName& from,
-                                                          const VersionsByName& to) {
-  SelectionCombination combination(access, from.size() + to.size());
-  std::vector<VersionBaseline> sources = combination.combine(from);
-  if (sources.empty()) return std::nullopt;
-  std::vector<VersionBaseline> targets = combination.combine(to);
-  if (targets.empty()) return std::nullopt;
-  const Direction direction = access.directionBetween(sources.front(), targets.front());
-  return answerPathQuestion(access, cache, std::move(sources), std::move(targets), direction,
-                            combination.known());
+                                                          const SelectionQuestion& question) {
+  Ends ends(access, question);
+  const auto own = directionBetween(access, ends);
+  if (!own) return std::nullopt;
+  return answerPathQuestion(access, cache, std::move(ends.sources), std::move(ends.targets),
+                            question.direction.value_or(*own), ends.combination.known());
 }
 
 }  // namespace
 
 std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
                                                                 PathCache& cache,
-                                                                const VersionsByName& from,
-                                                                const VersionsByName& to) {
+                                                                const SelectionQuestion& question) {
   try {
-    const LinkingBudget budget = linkingBudgetBesideDependencies(from.size());
-    return answerByBaselines(access, cache, from, to);
+    const LinkingBudget budget = linkingBudgetBesideDependencies(question.from.size());
+    return answerByBaselines(access, cache, question);
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }
-  SelectionAnswer answer = searchBetweenSelections(access, from, to, SelectionPlanning::ShortWays);
+  SelectionAnswer answer = searchBetweenSelections(access, question, SelectionPlanning::ShortWays);
   if (answer.variantsToTry > 0) {
     try {
       const LinkingBudget budget(answer.variantsToTry);
-      return answerByBaselines(access, cache, from, to);
+      return answerByBaselines(access, cache, question);
     } catch (const LinkingBudget::Spent&) {
-      answer = searchBetweenSelections(access, from, to, SelectionPlanning::ByLearning);
+      answer = searchBetweenSelections(access, question, SelectionPlanning::ByLearning);
     }
   }
-  if (!answer.isSettled) return answerByBaselines(access, cache, from, to);
+  if (!answer.isSettled) return answerByBaselines(access, cache, question);
   if (!answer.path) return std::nullopt;
   auto& [steps, source, target] = *answer.path;
   if (!steps.empty()) cache.store(steps, std::move(source), std::move(target));
   return std::move(steps);
 }
 
-namespace {
-
-std::optional<Direction> directionOfBaselines(RepositoryAccess& access, const VersionsByName& from,
-                                              const VersionsByName& to) {
-  SelectionCombination combination(access, from.size() + to.size());
-  const std::vector<VersionBaseline> sources = combination.combine(from);
-  if (sources.empty()) return std::nullopt;
-  const std::vector<VersionBaseline> targets = combination.combine(to);
-  if (targets.empty()) return std::nullopt;
-  return access.directionBetween(sources.front(), targets.front());
-}
-
-}  // namespace
-
 std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
-                                                      const VersionsByName& from,
-                                                      const VersionsByName& to) {
+                                                      const SelectionQuestion& question) {
   try {
-    const LinkingBudget budget = linkingBudgetBesideDependencies(from.size());
-    return directionOfBaselines(access, from, to);
+    const LinkingBudget budget = linkingBudgetBesideDependencies(question.from.size());
+    return directionBetween(access, Ends(access, question));
   } catch (const LinkingBudget::Spent&) {  // NOLINT(bugprone-empty-catch)
   }
-  const SelectionDirection found = directionBetweenSelections(access, from, to);
-  return found.isSettled ? found.direction : directionOfBaselines(access, from, to);
+  const SelectionDirection found = directionBetweenSelections(access, question);
+  return found.isSettled ? found.direction : directionBetween(access, Ends(access, question));
 }
 
 }  // namespace tarn::evolution::pathfinder

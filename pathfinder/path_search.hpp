@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "pathfinder/learning/selection_question.hpp"
 #include "pathfinder/repository_access.hpp"
 #include "pathfinder/search/path_cache.hpp"
 #include "pathfinder/search/search_question.hpp"
@@ -49,12 +50,11 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
 /// `VersionRepository::findPath` between two selections, which differ.
 std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,
                                                                 PathCache& cache,
-                                                                const VersionsByName& from,
-                                                                const VersionsByName& to);
+                                                                const SelectionQuestion& question);
 
-/// The direction in which that looks; no value where a selection stands for no baseline.
+/// The direction in which that looks if none is given; no value where a selection stands for no
+/// baseline.
 std::optional<Direction> directionOfSelectionQuestion(RepositoryAccess& access,
-                                                      const VersionsByName& from,
-                                                      const VersionsByName& to);
+                                                      const SelectionQuestion& question);
 
 }  // namespace tarn::evolution::pathfinder

@@ -99,7 +99,7 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
   if (from == to) return std::vector<BaselineHop>();
   const SearchWatch::Search search;
   RepositoryAccess access(*this);
-  return answerSelectionQuestion(access, caches_->pathCache, from, to);
+  return answerSelectionQuestion(access, caches_->pathCache, {from, to});
 }
 
 std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
@@ -145,6 +145,18 @@ std::optional<std::vector<BaselineHop>> VersionRepository::findPath(
     const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
   const SearchWatch watch(limits);
   return findPath(from, to);
+}
+
+std::optional<std::vector<BaselineHop>> VersionRepository::findPathInDirection(
+    const std::unordered_map<std::u16string, VersionId>& from,
+    const std::unordered_map<std::u16string, VersionId>& to, Direction direction,
+    const SearchLimits& limits) {
+  const SearchWatch watch(limits);
+  if (from == to) return std::vector<BaselineHop>();
+  const SearchWatch::Search search;
+  RepositoryAccess access(*this);
+  PathCache none;  // paths in the cache do not tell their direction
+  return answerSelectionQuestion(access, none, {from, to, pathfinder::Direction(direction)});
 }
 
 // Weights and the cache.
@@ -291,7 +303,7 @@ std::optional<VersionRepository::Direction> VersionRepository::findDirection(
     const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits) {
   const SearchWatch watch(limits);
   RepositoryAccess access(*this);
-  const auto found = directionOfSelectionQuestion(access, from, to);
+  const auto found = directionOfSelectionQuestion(access, {from, to});
   if (!found) return std::nullopt;
   return Direction(*found);
 }

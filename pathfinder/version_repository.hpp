@@ -198,6 +198,13 @@ class TARN_EVOLUTION_PATHFINDER_EXPORT VersionRepository {
       const std::vector<VersionBaseline>& from,
       const std::unordered_map<std::u16string, VersionId>& to, const SearchLimits& limits);
 
+  /// The path between two selections, in a direction that need not be the one that they have: no
+  /// hop goes against `direction`. Paths found before are not looked up, nor is this one kept.
+  std::optional<std::vector<BaselineHop>> findPathInDirection(
+      const std::unordered_map<std::u16string, VersionId>& from,
+      const std::unordered_map<std::u16string, VersionId>& to, Direction direction,
+      const SearchLimits& limits = {});
+
   /// @}
   /// @name Weights and the cache
   /// @{

@@ -23,15 +23,14 @@ std::unique_ptr<BlockedQuestion> BlockedQuestion::pose(VersionRepository& /*repo
   return nullptr;
 }
 
-SelectionAnswer searchBetweenSelections(SelectionHost& /*host*/, const VersionsByName& /*from*/,
-                                        const VersionsByName& /*to*/,
+SelectionAnswer searchBetweenSelections(SelectionHost& /*host*/,
+                                        const SelectionQuestion& /*question*/,
                                         SelectionPlanning /*planning*/) {
   return {false};
 }
 
 SelectionDirection directionBetweenSelections(SelectionHost& /*host*/,
-                                              const VersionsByName& /*from*/,
-                                              const VersionsByName& /*to*/) {
+                                              const SelectionQuestion& /*question*/) {
   return {false};
 }
 

@@ -179,9 +179,10 @@ TEST(Limits, PathsToldOnTheWayCanBeGoneAndWeighMoreThanTheAnswer) {
     const bool asSelections = random.chance(30) && ends.beside.empty() &&
                               (ends.from + ends.to).find_first_of(",^*") == std::string::npos;
     const auto askForSelections = [&]() -> std::optional<Path> {
-      const auto answer =
-          searchBetweenSelections(accessTo(question.repository), selection(ends.from),
-                                  selection(ends.to), SelectionPlanning::ByLearning);
+      const auto from = selection(ends.from);
+      const auto to = selection(ends.to);
+      const auto answer = searchBetweenSelections(accessTo(question.repository), {from, to},
+                                                  SelectionPlanning::ByLearning);
       if (!answer.isSettled) return std::nullopt;
       return answer.path ? Path(answer.path->steps) : Path();
     };

@@ -102,9 +102,10 @@ TEST(Engines, AgreeOnRandomQuestions) {
       {{"learnt paths", 40}, {"long paths", 6}, {"learnt absences", 1}, {"rounds", 1}});
 }
 
-/// Asks for the way from one selection to another, of which nothing is linked beforehand. Whether
-/// that is settled without linking all.
-bool compareSelections(const QuestionText& question, SelectionPlanning planning, RandomRun* run) {
+/// Asks for the way from one selection to another, of which nothing is linked beforehand, in their
+/// own direction or another one. Whether that is settled without linking all.
+bool compareSelections(const QuestionText& question, SelectionPlanning planning, RandomRun* run,
+                       std::optional<VersionRepository::Direction> direction = std::nullopt) {
   if ((question.from + question.to).find_first_of(",^*") != std::string::npos) return false;
   const auto from = selection(question.from);
   const auto to = selection(question.to);
@@ -116,13 +117,17 @@ bool compareSelections(const QuestionText& question, SelectionPlanning planning,
   };
   std::string expected;
   try {
-    expected = describe(linking.findPath(from, to));
+    expected = describe(
+        direction ? linking.findPath(linking.combine(from), linking.combine(to), *direction)
+                  : linking.findPath(from, to));
   } catch (...) {
     expected.clear();  // what a question that links everything meets
   }
   SelectionAnswer found;
   try {
-    found = searchBetweenSelections(accessTo(repository), from, to, planning);
+    std::optional<Direction> asked;
+    if (direction) asked = Direction(*direction);
+    found = searchBetweenSelections(accessTo(repository), {from, to, asked}, planning);
   } catch (...) {
     // Dependencies do not tell that a source is inconsistent by what the application links.
     const bool isWilful = question.catalogue.find('=') != std::string::npos;
@@ -143,7 +148,9 @@ bool compareSelections(const QuestionText& question, SelectionPlanning planning,
     const auto& all = repository.getLinkedMetamodels(*linked);
     EXPECT_NE(std::find(all.begin(), all.end(), linked), all.end());
   }
-  EXPECT_EQ(describe(repository.findPath(from, to)), expected);
+  EXPECT_EQ(describe(direction ? repository.findPathInDirection(from, to, *direction)
+                               : repository.findPath(from, to)),
+            expected);
   return true;
 }
 
@@ -175,8 +182,10 @@ TEST(Engines, AgreeBetweenSelectionsOfWhichNothingIsLinkedBeforehand) {
   run.ask(make, [&](const std::string& text, Random& random) {
     std::optional<RandomChoices> choices;
     if (random.chance(50)) choices.emplace(random());
+    std::optional<VersionRepository::Direction> direction;
+    if (random.chance(40)) direction = VersionRepository::Direction(random.below(4));
     for (const auto planning : {SelectionPlanning::BackwardFirst, SelectionPlanning::ByLearning}) {
-      compareSelections(QuestionText(text), planning, &run);
+      compareSelections(QuestionText(text), planning, &run, direction);
     }
   });
   run.expectPercentages({{"settled", 80}, {"paths", 25}, {"paths beside failures", 0.5}});
@@ -238,8 +247,9 @@ TEST(Engines, WhereOnlyWhatCannotBeLinkedWouldLeadIsAConflictBetweenSelectionsTo
     for (const auto planning : {SelectionPlanning::BackwardFirst, SelectionPlanning::ByLearning}) {
       TestRepository repository(question.catalogue);
       const auto search = [&] {
-        searchBetweenSelections(accessTo(repository), selection(question.from),
-                                selection(question.to), planning);
+        const auto from = selection(question.from);
+        const auto to = selection(question.to);
+        searchBetweenSelections(accessTo(repository), {from, to}, planning);
       };
       if (isConflict) {
         EXPECT_THROW(search(), Conflict);

@@ -75,9 +75,7 @@ class ConditionalSearch {
     if (!areFixed || !repository_.passedNames().empty()) return std::nullopt;
     Selection to;
     for (const PathGoal& goal : goals) to.emplace(goal.name, goal.versions.front());
-    PrunedAnswer answer = findPrunedPath(content_, from_, to, repository_.conditions(), limits_);
-    if (!answer.isAnswered) return std::nullopt;
-    return std::move(answer.path);
+    return findPrunedPath(content_, from_, to, repository_.conditions(), limits_);
   }
 
   std::optional<Path> askBetweenBaselines(const std::vector<PathGoal>& goals) {

@@ -61,10 +61,10 @@ TARN_EVOLUTION_CATALOGUE_EXPORT std::vector<pathfinder::VersionId> newestFirst(
 
 /// The least-weight path from a selection to all goals that keeps to the conditions. Its baselines
 /// are those of `repository`; where the selections have too many linked metamodels to be listed,
-/// equal ones. Such questions are answered without listing them if nothing is to be passed, each
-/// goal is one version, and no other direction is given than that of the ends. Absent: there is
-/// none, which is proven; versions that cannot be linked take no part. A goal that is to be the
-/// first wanted is: for each version before there is no path.
+/// equal ones. Such questions are answered without listing them if nothing is to be passed and
+/// each goal is one version. Absent: there is none, which is proven; versions that cannot be linked
+/// take no part. A goal that is to be the first wanted is: for each version before there is no
+/// path.
 ///
 /// Throws std::invalid_argument, with a reason to show, for a `via` whose metamodel a source lacks,
 /// and for goals with more than `mostTargets` combinations; what `VersionRepository::combine`

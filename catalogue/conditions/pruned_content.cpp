@@ -40,13 +40,7 @@ void PrunedContent::findHops(const std::u16string& name, const VersionId& from,
   const auto kept = conditions_.kept.find(name);
   if (kept != conditions_.kept.end() && kept->second == from) return;
   ContentView::findHops(name, from, result);
-  const auto source = ContentView::getMetamodel(name, from);
-  std::erase_if(result, [&](const Hop& hop) {
-    const auto target = getMetamodel(name, hop.to);
-    if (!target) return true;
-    return source && conditions_.direction &&
-           areDirectionsInconsistent(*conditions_.direction, getDirection(*source, *target));
-  });
+  std::erase_if(result, [&](const Hop& hop) { return !getMetamodel(name, hop.to); });
 }
 
 void PrunedContent::findRequirements(const Metamodel& metamodel,
@@ -56,6 +50,8 @@ void PrunedContent::findRequirements(const Metamodel& metamodel,
 
 namespace {
 
+using Path = std::vector<pathfinder::BaselineHop>;
+
 /// Whether every version of a selection is there and left.
 bool areLeft(PrunedContent& content, const Selection& selection) {
   return std::all_of(selection.begin(), selection.end(), [&](const auto& selected) {
@@ -63,23 +59,18 @@ bool areLeft(PrunedContent& content, const Selection& selection) {
   });
 }
 
-PrunedAnswer askOnce(PrunedContent& content, const Selection& from, const Selection& to,
-                     const PathConditions& conditions, const SearchLimits& limits) {
-  using Repository = pathfinder::VersionRepository;
-  if (!areLeft(content, from) || !areLeft(content, to)) return {true};
-  if (conditions.direction) {
-    const auto own = content.findDirection(from, to, limits);
-    if (!own) return {true};
-    if (*own != *conditions.direction && *own != Repository::Unknown) return {};
-  }
-  return {true, content.findPath(from, to, limits)};
+std::optional<Path> askOnce(PrunedContent& content, const Selection& from, const Selection& to,
+                            const PathConditions& conditions, const SearchLimits& limits) {
+  if (!areLeft(content, from) || !areLeft(content, to)) return std::nullopt;
+  return conditions.direction ? content.findPathInDirection(from, to, *conditions.direction, limits)
+                              : content.findPath(from, to, limits);
 }
 
 }  // namespace
 
-PrunedAnswer findPrunedPath(BrowsableRepository& content, const Selection& from,
-                            const Selection& to, const PathConditions& conditions,
-                            const SearchLimits& limits) {
+std::optional<Path> findPrunedPath(BrowsableRepository& content, const Selection& from,
+                                   const Selection& to, const PathConditions& conditions,
+                                   const SearchLimits& limits) {
   using Unlinkable = PrunedContent::Unlinkable;
   try {
     PrunedContent pruned(content, conditions, Unlinkable::Kept);
@@ -90,7 +81,7 @@ PrunedAnswer findPrunedPath(BrowsableRepository& content, const Selection& from,
     PrunedContent pruned(content, conditions, Unlinkable::LeftOut);
     return askOnce(pruned, from, to, conditions, limits);
   } catch (const ConflictingDependencies&) {
-    return {true};
+    return std::nullopt;
   }
 }
 

@@ -43,17 +43,11 @@ class PrunedContent final : public ContentView, public pathfinder::RequirementSo
   RemainingVersions remaining_;
 };
 
-/// What can be told of a question under conditions without listing baselines.
-struct PrunedAnswer {
-  bool isAnswered = false;  ///< not where only another direction than that of the ends is asked for
-  std::optional<std::vector<pathfinder::BaselineHop>> path = std::nullopt;
-};
-
 /// The path from one selection to another under conditions without versions to be passed, which are
 /// written as the content carries them; its baselines are equal to those of the content, but not
 /// shared with it. Versions that cannot be linked take no part. Throws SearchStopped.
-PrunedAnswer findPrunedPath(BrowsableRepository& content, const Selection& from,
-                            const Selection& to, const PathConditions& conditions,
-                            const pathfinder::SearchLimits& limits);
+std::optional<std::vector<pathfinder::BaselineHop>> findPrunedPath(
+    BrowsableRepository& content, const Selection& from, const Selection& to,
+    const PathConditions& conditions, const pathfinder::SearchLimits& limits);
 
 }  // namespace tarn::evolution::catalogue

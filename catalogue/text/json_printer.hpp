@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,5 +81,14 @@ class JsonPrinter {
   std::vector<bool> isEmpty_;  // so far, the objects and arrays that are open, outermost first
   bool isAfterKey_ = false;
 };
+
+/// Writes a document: an object, whose fields `writeFields` tells the printer, and the end of its
+/// last line.
+template <class WriteFields>
+void writeDocument(std::ostream& out, JsonPrinter::Layout layout, const WriteFields& writeFields) {
+  JsonPrinter printer(out, layout);
+  printer.object([&] { writeFields(printer); });
+  out << "\n";
+}
 
 }  // namespace tarn::evolution::catalogue

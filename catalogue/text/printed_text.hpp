@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "pathfinder/version_id.hpp"
 #include "platform/text.hpp"
@@ -12,15 +13,21 @@
 /// Values, names and numbers as they stand in sentences.
 namespace tarn::evolution::catalogue {
 
-/// What a value's stream operator writes, its numbers without the grouping that the global locale
-/// may ask for.
-template <class Value>
-std::string textOf(const Value& value) {
+/// What `write` writes to the stream that it is given, all of it or std::bad_alloc; numbers without
+/// the grouping that the global locale may ask for.
+template <class Write>
+std::string written(const Write& write) {
   std::ostringstream out;
   out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
   out.imbue(std::locale::classic());
-  out << value;
-  return out.str();
+  write(out);
+  return std::move(out).str();
+}
+
+/// What a value's stream operator writes.
+template <class Value>
+std::string textOf(const Value& value) {
+  return written([&](std::ostream& out) { out << value; });
 }
 
 // The same without a stream, which takes ten times as long: paths consist of versions.

@@ -283,19 +283,19 @@ void linkEach(SelectionHost& host, const VersionsByName& selection) {
 
 }  // namespace
 
-DependencySpace::DependencySpace(SelectionHost& host, const VersionsByName& from,
-                                 const VersionsByName& to, DependencyFailures& failures)
-    : source_(host, from) {
+DependencySpace::DependencySpace(SelectionHost& host, const SelectionQuestion& question,
+                                 DependencyFailures& failures)
+    : source_(host, question.from) {
   const auto source = source_.firstBaseline();
-  if (!source) linkEach(host, from);
+  if (!source) linkEach(host, question.from);
   if (!source) return;
-  target_.emplace(host, to);
+  target_.emplace(host, question.to);
   const auto end = target_->firstBaseline();
   if (!end) {
-    linkEach(host, to);
+    linkEach(host, question.to);
     return;
   }
-  direction = directionBetween(host, *source, *end);
+  direction = question.direction ? *question.direction : directionBetween(host, *source, *end);
   buildFrom(host, failures);
 }
 

@@ -12,6 +12,7 @@
 #include "pathfinder/learning/link_choices.hpp"
 #include "pathfinder/learning/selection_closure.hpp"
 #include "pathfinder/learning/selection_host.hpp"
+#include "pathfinder/learning/selection_question.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/planning/compatibility.hpp"
 #include "pathfinder/planning/search_space.hpp"
@@ -34,7 +35,7 @@ class DependencySpace final : public LinkChoices {
   /// selections stand for, InvalidFamilyVersion for a selected version that it does not know, and
   /// NotForDependencies when the question is of another kind. What fails of other versions is left
   /// out and noted, or the best assumed of it.
-  DependencySpace(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+  DependencySpace(SelectionHost& host, const SelectionQuestion& question,
                   DependencyFailures& failures);
 
   /// The space of all that can be reached in that direction, whether it leads to the target or not,

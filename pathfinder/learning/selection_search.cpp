@@ -84,9 +84,8 @@ class SelectionPlanner {
 /// The same question with the best that may be assumed of what the application failed at.
 class AtBest {
  public:
-  AtBest(SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
-         DependencyFailures& failures)
-      : failures_(failures), dependencies_(host, from, to, failures), planner_(dependencies_) {
+  AtBest(SelectionHost& host, const SelectionQuestion& question, DependencyFailures& failures)
+      : failures_(failures), dependencies_(host, question, failures), planner_(dependencies_) {
     first_ = planner_.planEasily();
     if (!first_) first_ = planTo(dependencies_.target);
   }
@@ -282,14 +281,13 @@ void noteUnlinkable(SelectionHost& host, const DependencySpace& dependencies,
 }
 
 /// Where there is no path: throws what a search that tries everything meets on the way to one.
-void throwWhatIsWithinReach(SelectionHost& host, const VersionsByName& from,
-                            const VersionsByName& to, const DependencySpace& dependencies,
-                            DependencyFailures& failures) {
+void throwWhatIsWithinReach(SelectionHost& host, const SelectionQuestion& question,
+                            const DependencySpace& dependencies, DependencyFailures& failures) {
   noteUnlinkable(host, dependencies, failures);
   if (!failures.any()) return;
   failures.assumeBest();
   try {
-    AtBest(host, from, to, failures).throwWhatIsWithinReach();
+    AtBest(host, question, failures).throwWhatIsWithinReach();
   } catch (const NotForDependencies&) {          // NOLINT(bugprone-empty-catch)
   } catch (const LearningPlanner::Undecided&) {  // NOLINT(bugprone-empty-catch)
   }
@@ -297,21 +295,21 @@ void throwWhatIsWithinReach(SelectionHost& host, const VersionsByName& from,
 
 }  // namespace
 
-SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByName& from,
-                                        const VersionsByName& to, SelectionPlanning planning) {
+SelectionAnswer searchBetweenSelections(SelectionHost& host, const SelectionQuestion& question,
+                                        SelectionPlanning planning) {
   if (SearchWatch* watch = SearchWatch::current()) watch->enter(SearchProgress::Stage::Learning);
   try {
     DependencyFailures failures;
-    const DependencySpace dependencies(host, from, to, failures);
+    const DependencySpace dependencies(host, question, failures);
     if (!dependencies.hasEnds()) return {};
     std::optional<AtBest> atBest;
     if (failures.any()) {
       failures.assumeBest();
-      atBest.emplace(host, from, to, failures);
+      atBest.emplace(host, question, failures);
     }
     auto answer = SelectionSearch(host, dependencies, atBest ? &*atBest : nullptr).run(planning);
     if (!answer.isSettled || answer.path) return answer;
-    throwWhatIsWithinReach(host, from, to, dependencies, failures);
+    throwWhatIsWithinReach(host, question, dependencies, failures);
     traceValue("Exhausted search");
     return answer;
   } catch (const NotForDependencies&) {
@@ -323,13 +321,13 @@ SelectionAnswer searchBetweenSelections(SelectionHost& host, const VersionsByNam
   }
 }
 
-SelectionDirection directionBetweenSelections(SelectionHost& host, const VersionsByName& from,
-                                              const VersionsByName& to) {
+SelectionDirection directionBetweenSelections(SelectionHost& host,
+                                              const SelectionQuestion& question) {
   try {
-    const SelectionClosure source(host, from);
+    const SelectionClosure source(host, question.from);
     const auto start = source.firstBaseline();
     if (!start) return {};
-    const SelectionClosure target(host, to);
+    const SelectionClosure target(host, question.to);
     const auto end = target.firstBaseline();
     if (!end) return {};
     return {true, directionBetween(host, *start, *end)};

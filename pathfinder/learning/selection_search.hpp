@@ -6,6 +6,7 @@
 #include "pathfinder/hop.hpp"
 #include "pathfinder/learning/dependency_space.hpp"
 #include "pathfinder/learning/selection_host.hpp"
+#include "pathfinder/learning/selection_question.hpp"
 #include "pathfinder/version_baseline.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -37,7 +38,7 @@ enum class SelectionPlanning {
 /// holds. For questions only that dependencies settle (see `DependencySpace`), in which hops form
 /// no cycles.
 SelectionAnswer searchBetweenSelections(
-    SelectionHost& host, const VersionsByName& from, const VersionsByName& to,
+    SelectionHost& host, const SelectionQuestion& question,
     SelectionPlanning planning = SelectionPlanning::BackwardFirst);
 
 /// The direction of such a question.
@@ -47,7 +48,7 @@ struct SelectionDirection {
 };
 
 /// That between the first baselines that the selections stand for.
-SelectionDirection directionBetweenSelections(SelectionHost& host, const VersionsByName& from,
-                                              const VersionsByName& to);
+SelectionDirection directionBetweenSelections(SelectionHost& host,
+                                              const SelectionQuestion& question);
 
 }  // namespace tarn::evolution::pathfinder
