@@ -100,12 +100,7 @@ class BlockedQuestionSearch final : public BlockedQuestion {
   /// Whether it is a question of this kind.
   bool isFit() const {
     if (!dependencies_.hasEnds()) return false;
-    const SearchSpace& space = *dependencies_.space;
-    const AllVersionBounds bounds(space.versions.size(), VersionBounds{.isReachable = true});
-    const Compatibility compatibility(space, dependencies_.requirements);
-    const LapLimits oneLap{std::vector<std::uint32_t>(space.names.size(), 1)};
-    const auto network = makePlanNetwork({space, compatibility, bounds}, {anywhere(dependencies_)},
-                                         nullptr, &dependencies_.start(), oneLap);
+    const auto network = networkOfAll(dependencies_, dependencies_.requirements);
     return network && !network->isCut;
   }
 

@@ -16,26 +16,28 @@
 
 namespace tarn::evolution::pathfinder {
 
+std::optional<PlanNetwork> networkOfAll(
+    const DependencySpace& dependencies,
+    const std::vector<Compatibility::Requirement>& requirements) {
+  const SearchSpace& space = *dependencies.space;
+  const Compatibility compatibility(space, requirements);
+  const AllVersionBounds bounds(space.versions.size(), VersionBounds{.isReachable = true});
+  const VersionSelection anywhere(space.names.size(), SearchSpace::none);
+  const LapLimits oneLap{std::vector<std::uint32_t>(space.names.size(), 1)};
+  return makePlanNetwork({space, compatibility, bounds}, {anywhere}, nullptr, &dependencies.start(),
+                         oneLap);
+}
+
 BlockingNames::BlockingNames(const DependencySpace& dependencies, FreeVersions& free)
     : dependencies_(dependencies),
       space_(*dependencies.space),
       free_(free),
-      network_(makeNetwork()),
+      network_(networkOfAll(dependencies, free.requirements()).value()),
       plans_(network_, PlanFormula::Names::Any) {
   beginAtSource(plans_);
   for (NameIndex name = 0; name < space_.names.size(); ++name) {
     arrives_.push_back(arrival(plans_, name));
   }
-}
-
-/// Of all versions, whether they could be held with other names beside them or not.
-PlanNetwork BlockingNames::makeNetwork() const {
-  const Compatibility compatibility(space_, free_.requirements());
-  const AllVersionBounds bounds(space_.versions.size(), VersionBounds{.isReachable = true});
-  const VersionSelection anywhere(space_.names.size(), SearchSpace::none);
-  const LapLimits oneLap{std::vector<std::uint32_t>(space_.names.size(), 1)};
-  return *makePlanNetwork({space_, compatibility, bounds}, {anywhere}, nullptr,
-                          &dependencies_.start(), oneLap);
 }
 
 /// Lets names begin at what some source holds, of which the names that are left out are a part.
@@ -46,7 +48,7 @@ void BlockingNames::beginAtSource(PlanSolver& plans) const {
     for (const VersionIndex version : versions) {
       chosen.push_back(plans.sat.newVariable());
       isChosen.emplace(version, chosen.back());
-      plans.sat.addClause({-plans.formula.startsAt(nodeOf(version)), chosen.back()});
+      plans.sat.addClause({-plans.formula.startsAt(network_.nodeOf[version]), chosen.back()});
     }
     plans.sat.addExactlyOne(chosen);
   }
@@ -71,23 +73,16 @@ Literal BlockingNames::arrival(PlanSolver& plans, NameIndex name) const {
   if (std::find(lost.begin(), lost.end(), name) != lost.end()) return plans.formula.never();
   if (goal == SearchSpace::none) return present;
   const Literal result = plans.sat.newVariable();
-  const Literal end = plans.formula.endsAt(nodeOf(goal));
+  const Literal end = plans.formula.endsAt(network_.nodeOf[goal]);
   plans.sat.addClause({-result, present});
   plans.sat.addClause({-result, end});
   plans.sat.addClause({-end, result});
   return result;
 }
 
-NodeIndex BlockingNames::nodeOf(VersionIndex version) const {
-  const auto& [first, end] = network_.names[space_.versions[version].name];
-  NodeIndex node = first;
-  while (network_.nodes[node].version != version) ++node;
-  return node;
-}
-
 std::vector<NodeIndex> BlockingNames::nodesOf(std::span<const VersionIndex> versions) const {
   std::vector<NodeIndex> nodes;
-  for (const VersionIndex version : versions) nodes.push_back(nodeOf(version));
+  for (const VersionIndex version : versions) nodes.push_back(network_.nodeOf[version]);
   return nodes;
 }
 

@@ -11,6 +11,12 @@
 
 namespace tarn::evolution::pathfinder {
 
+/// The ways of all names of a dependency space with open ends, whether what they hold could be held
+/// with other names beside them or not. `requirements`: what versions leave each other.
+std::optional<PlanNetwork> networkOfAll(
+    const DependencySpace& dependencies,
+    const std::vector<Compatibility::Requirement>& requirements);
+
 /// Finds out which names of a dependency space with open ends block one another: the others being
 /// free, no plan brings those that have a target there.
 class BlockingNames final : public SmallestConflict::Judge {
@@ -28,12 +34,10 @@ class BlockingNames final : public SmallestConflict::Judge {
   std::vector<std::vector<VersionIndex>> proof(const ChosenItems& names);
 
  private:
-  PlanNetwork makeNetwork() const;
   void beginAtSource(PlanSolver& plans) const;
   Literal arrival(PlanSolver& plans, NameIndex name) const;
   bool learnFromPlan();
   bool learnFrom(const std::vector<VersionIndex>& held);
-  NodeIndex nodeOf(VersionIndex version) const;
   std::vector<NodeIndex> nodesOf(std::span<const VersionIndex> versions) const;
   std::vector<std::vector<VersionIndex>> conflictsAmong(const ChosenItems& names) const;
 

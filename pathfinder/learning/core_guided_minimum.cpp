@@ -34,8 +34,7 @@ void merge(SatSolver& solver, const std::vector<Literal>& left, const std::vecto
   }
 }
 
-}  // namespace
-
+/// Literals of which the i-th is true if more than i of the inputs are: a totalizer.
 std::vector<Literal> countTrue(SatSolver& solver, const std::vector<Literal>& inputs) {
   if (inputs.size() <= 1) return inputs;
   const auto middle = inputs.begin() + static_cast<std::ptrdiff_t>(inputs.size() / 2);
@@ -46,6 +45,8 @@ std::vector<Literal> countTrue(SatSolver& solver, const std::vector<Literal>& in
   merge(solver, left, right, sum);
   return sum;
 }
+
+}  // namespace
 
 CoreGuidedMinimum::Outcome CoreGuidedMinimum::minimize(const std::vector<Literal>& assumptions,
                                                        const AcceptModel& accept,

@@ -77,7 +77,4 @@ class CoreGuidedMinimum {
   std::uint64_t lowerBound_ = 0;
 };
 
-/// Literals of which the i-th is true if more than i of the inputs are: a totalizer.
-std::vector<Literal> countTrue(SatSolver& solver, const std::vector<Literal>& inputs);
-
 }  // namespace tarn::evolution::pathfinder

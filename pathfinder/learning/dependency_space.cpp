@@ -12,8 +12,6 @@
 #include <utility>
 
 #include "pathfinder/learning/dependency_survey.hpp"
-#include "pathfinder/learning/own_names.hpp"
-#include "pathfinder/learning/selection_direction.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 
@@ -32,7 +30,7 @@ class DependencyBuilding {
     addVersions();
     addMoves();
     addRequirements();
-    refuseOwnNames();
+    if (mayBringInOwnName(result_.needs_, survey_.names.size())) throw NotForDependencies();
     addStarts();
     addSources();
     addTarget();
@@ -132,7 +130,7 @@ class DependencyBuilding {
   void addRequirements() {
     const std::size_t count = result_.space->versions.size();
     result_.dependencies.resize(count);
-    result_.needs_.resize(count);
+    for (const auto& version : result_.space->versions) result_.needs_.push_back({version.name});
     for (auto& [text, name] : survey_.names) {
       for (Version& version : name.versions) {
         checkpoint();
@@ -145,19 +143,6 @@ class DependencyBuilding {
     result_.space->entryStarts.push_back(result_.space->entries.size());
   }
 
-  void refuseOwnNames() const {
-    std::vector<NeedingVersion> all;
-    all.reserve(result_.needs_.size());
-    for (VersionIndex version = 0; version < result_.needs_.size(); ++version) {
-      NeedingVersion& added = all.emplace_back();
-      added.name = result_.space->versions[version].name;
-      for (const auto& [name, admitted] : result_.needs_[version]) {
-        added.needs.push_back({name, {admitted.begin(), admitted.end()}});
-      }
-    }
-    if (mayBringInOwnName(all, result_.space->names.size())) throw NotForDependencies();
-  }
-
   void addRequirements(const Version& version) {
     for (const Dependency& dependency : version.descriptor->dependencies) {
       const auto needed = survey_.names.find(dependency.name);
@@ -166,7 +151,7 @@ class DependencyBuilding {
     }
     for (const Need& need : version.needs) {
       std::vector<VersionIndex> admitted = admittedBy(need);
-      result_.needs_[version.index].push_back({need.name->index, admitted});
+      result_.needs_[version.index].needs.push_back({need.name->index, admitted});
       require(version.index, *need.name, std::move(admitted));
     }
   }
@@ -212,7 +197,7 @@ class DependencyBuilding {
   void addEntries(VersionIndex version) {
     SearchSpace& space = *result_.space;
     space.entryStarts.push_back(space.entries.size());
-    for (const auto& [name, admitted] : result_.needs_[version]) {
+    for (const auto& [name, admitted] : result_.needs_[version].needs) {
       if (space.names[name].absent == SearchSpace::none) continue;
       space.entries.insert(space.entries.end(), admitted.begin(), admitted.end());
     }
@@ -329,7 +314,7 @@ void DependencySpace::visitChoices(VersionSelection selection, const Decide& dec
 /// False when nothing can be chosen for some name.
 bool DependencySpace::visitNeeds(VersionIndex version, VersionSelection& selection,
                                  const Decide& decide) const {
-  for (const auto& [name, admitted] : needs_[version]) {
+  for (const auto& [name, admitted] : needs_[version].needs) {
     if (selection[name] != SearchSpace::none) continue;
     std::vector<Group> groups;
     groups.reserve(admitted.size());

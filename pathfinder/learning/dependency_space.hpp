@@ -10,6 +10,7 @@
 
 #include "pathfinder/learning/dependency_failures.hpp"
 #include "pathfinder/learning/link_choices.hpp"
+#include "pathfinder/learning/own_names.hpp"
 #include "pathfinder/learning/selection_closure.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/learning/selection_question.hpp"
@@ -86,12 +87,6 @@ class DependencySpace final : public LinkChoices {
  private:
   friend class DependencyBuilding;
 
-  /// What a version depends on, and the versions that it admits, in the application's order.
-  struct Need {
-    NameIndex name;
-    std::vector<VersionIndex> admitted;
-  };
-
   void buildFrom(SelectionHost& host, DependencyFailures& failures);
   bool visitNeeds(VersionIndex version, VersionSelection& selection, const Decide& decide) const;
 
@@ -102,7 +97,10 @@ class DependencySpace final : public LinkChoices {
   bool isOpen_ = false;
   bool isClosed_ = true;
   OpenStart start_;
-  std::vector<std::vector<Need>> needs_;  // by version, in the order of linking
+
+  // By version: what it depends on, in the order of linking, and what it admits, in the
+  // application's order.
+  std::vector<NeedingVersion> needs_;
 };
 
 }  // namespace tarn::evolution::pathfinder

@@ -34,9 +34,7 @@ bool meet(const std::vector<bool>& left, const std::vector<bool>& right) {
 
 FreeVersions::FreeVersions(SelectionHost& host, const DependencySpace& dependencies)
     : space_(*dependencies.space) {
-  for (const SearchSpace::Version& version : space_.versions) {
-    addVersion(nameOf(space_.names[version.name].text), *version.descriptor);
-  }
+  for (const SearchSpace::Version& version : space_.versions) versionOf(*version.descriptor);
   // Versions are added on the way.
   for (FreeVersion version = 0; version < versions_.size(); ++version) addNeeds(host, version);
   formulate();
@@ -48,21 +46,15 @@ FreeVersions::FreeName FreeVersions::nameOf(const std::u16string& text) {
   return entry->second;
 }
 
-FreeVersions::FreeVersion FreeVersions::addVersion(FreeName name, const Metamodel& descriptor) {
-  const auto version = static_cast<FreeVersion>(versions_.size());
-  versions_.push_back({name, versionsOf_[name].size(), &descriptor});
-  versionsOf_[name].push_back(version);
-  return version;
-}
-
 FreeVersions::FreeVersion FreeVersions::versionOf(const Metamodel& descriptor) {
-  const FreeName name = nameOf(descriptor.name);
-  const auto& known = versionsOf_[name];
-  const auto same = std::find_if(known.begin(), known.end(), [&](FreeVersion version) {
-    return *versions_[version].descriptor == descriptor;
-  });
-  if (same != known.end()) return *same;
-  return addVersion(name, descriptors_.emplace_back(descriptor));
+  const auto next = static_cast<FreeVersion>(versions_.size());
+  const auto [known, isNew] = known_.try_emplace(descriptor, next);
+  if (isNew) {
+    const FreeName name = nameOf(descriptor.name);
+    versions_.push_back({name, versionsOf_[name].size(), &known->first});
+    versionsOf_[name].push_back(next);
+  }
+  return known->second;
 }
 
 void FreeVersions::addNeeds(SelectionHost& host, FreeVersion version) {
@@ -72,7 +64,7 @@ void FreeVersions::addNeeds(SelectionHost& host, FreeVersion version) {
   for (const Dependency& dependency : versions_[version].descriptor->dependencies) {
     candidates.clear();
     host.findMetamodels(dependency.name, dependency.range, candidates);
-    Need& need = needs.emplace_back(Need{nameOf(dependency.name), {}});
+    Need& need = needs.emplace_back(Need{nameOf(dependency.name)});
     for (const Metamodel& candidate : candidates) {
       if (candidate.name != dependency.name) throw NotForDependencies();
       need.admitted.push_back(versionOf(candidate));

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <deque>
 #include <map>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "pathfinder/learning/dependency_space.hpp"
+#include "pathfinder/learning/own_names.hpp"
 #include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 
@@ -33,10 +34,7 @@ class FreeVersions {
   using FreeVersion = std::uint32_t;  // a version of one, those of the space first
   using Possible = std::map<FreeName, std::vector<bool>>;  // versions, by their rank; else all
 
-  struct Need {
-    FreeName name;
-    std::vector<FreeVersion> admitted;
-  };
+  using Need = NeedingVersion::Need;
 
   struct Version {
     FreeName name;
@@ -48,7 +46,6 @@ class FreeVersions {
 
   FreeName nameOf(const std::u16string& text);
   FreeVersion versionOf(const Metamodel& descriptor);
-  FreeVersion addVersion(FreeName name, const Metamodel& descriptor);
   void addNeeds(SelectionHost& host, FreeVersion version);
   void formulate();
   Possible possibleBeside(VersionIndex version) const;
@@ -58,9 +55,9 @@ class FreeVersions {
   const SearchSpace& space_;
   std::map<std::u16string, FreeName> names_;
   std::vector<std::vector<FreeVersion>> versionsOf_;  // by name
+  std::unordered_map<Metamodel, FreeVersion> known_;
   std::vector<Version> versions_;
   std::vector<std::pair<FreeVersion, Need>> optional_;  // what versions require only if it is held
-  std::deque<Metamodel> descriptors_;                   // of versions that are not in the space
   SatSolver solver_;
 };
 

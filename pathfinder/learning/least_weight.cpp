@@ -76,27 +76,13 @@ void LeastWeight::meetPlansWith(const std::vector<Literal>& wanted, std::vector<
 
 void LeastWeight::setExpensiveCosts() {
   if (fewestExpensive_) return;
-  const auto& nodes = plans_.network.nodes;
   fewestExpensive_.emplace(plans_.sat);
-  leastExpensive_ = setCosts(
-      *fewestExpensive_,
-      [&](const PlanNetwork::Arc& arc) {
-        return (arc.hop == PlannedHop::Expensive ? 1 : 0) + nodes[arc.to].expensiveLeft -
-               nodes[arc.from].expensiveLeft;
-      },
-      [](const PlanNetwork::Node& node) { return node.expensiveLeft; });
+  leastExpensive_ =
+      setCosts(*fewestExpensive_, PlannedHop::Expensive, &PlanNetwork::Node::expensiveLeft);
 }
 
-/// Returns what is paid in any case.
 std::uint64_t LeastWeight::setOrdinaryCosts(CoreGuidedMinimum& minimum) {
-  const auto& nodes = plans_.network.nodes;
-  return setCosts(
-      minimum,
-      [&](const PlanNetwork::Arc& arc) {
-        return (arc.hop == PlannedHop::Ordinary ? 1 : 0) + nodes[arc.to].ordinaryLeft -
-               nodes[arc.from].ordinaryLeft;
-      },
-      [](const PlanNetwork::Node& node) { return node.ordinaryLeft; });
+  return setCosts(minimum, PlannedHop::Ordinary, &PlanNetwork::Node::ordinaryLeft);
 }
 
 bool LeastWeight::findFewestExpensiveHops() {
@@ -168,21 +154,20 @@ std::optional<WeightShare> LeastWeight::shareWith(std::uint32_t layers) {
                      plans_.allOf(needed)};
 }
 
-/// Lets hops and sources cost what they add; returns what is paid in any case.
-template <class Extra, class Left>
-std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, const Extra& extra,
-                                    const Left& left) {
+/// Lets hops of a kind and sources cost what they add; returns what is paid in any case.
+std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, PlannedHop kind, Left left) {
   const PlanNetwork& network = plans_.network;
-  for (ArcIndex arc = 0; arc < network.arcs.size(); ++arc) {
-    if (const std::uint32_t cost = extra(network.arcs[arc])) {
-      minimum.want(-plans_.formula.isUsed(arc), cost);
-    }
+  for (ArcIndex index = 0; index < network.arcs.size(); ++index) {
+    const PlanNetwork::Arc& arc = network.arcs[index];
+    const std::uint32_t cost =
+        (arc.hop == kind ? 1 : 0) + network.nodes[arc.to].*left - network.nodes[arc.from].*left;
+    if (cost > 0) minimum.want(-plans_.formula.isUsed(index), cost);
   }
   if (!network.starts.empty()) return setStartCosts(minimum, left);
   std::vector<std::uint64_t> sums;
-  for (const PlanNetwork::Source& source : network.sources) {
+  for (const std::vector<NodeIndex>& nodes : network.sources) {
     std::uint64_t& sum = sums.emplace_back(0);
-    for (const NodeIndex node : source.nodes) sum += left(network.nodes[node]);
+    for (const NodeIndex node : nodes) sum += network.nodes[node].*left;
   }
   const std::uint64_t least = *std::min_element(sums.begin(), sums.end());
   for (std::size_t i = 0; i < sums.size(); ++i) {
@@ -192,16 +177,15 @@ std::uint64_t LeastWeight::setCosts(CoreGuidedMinimum& minimum, const Extra& ext
 }
 
 /// The same for an open start, name by name.
-template <class Left>
-std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, const Left& left) {
+std::uint64_t LeastWeight::setStartCosts(CoreGuidedMinimum& minimum, Left left) {
   std::uint64_t sum = 0;
   for (const std::vector<NodeIndex>& nodes : plans_.network.starts) {
     std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
     for (const NodeIndex node : nodes) {
-      least = std::min<std::uint64_t>(least, left(plans_.network.nodes[node]));
+      least = std::min<std::uint64_t>(least, plans_.network.nodes[node].*left);
     }
     for (const NodeIndex node : nodes) {
-      const std::uint64_t cost = left(plans_.network.nodes[node]) - least;
+      const std::uint64_t cost = plans_.network.nodes[node].*left - least;
       if (cost > 0) minimum.want(-plans_.formula.startsAt(node), cost);
     }
     sum += least;

@@ -46,17 +46,18 @@ class LeastWeight {
   void meetPlans();
 
  private:
+  /// What a way from a node on takes at least, of hops of one kind.
+  using Left = std::uint32_t PlanNetwork::Node::*;
+
   void meetPlansWith(const std::vector<Literal>& wanted, std::vector<Literal>& kept);
   bool findFewestExpensiveHops();
   void setExpensiveCosts();
-  std::uint64_t setOrdinaryCosts(CoreGuidedMinimum& minimum);
   void findFewestOrdinaryHops();
   std::vector<WeightShare> findLayers();
   std::optional<WeightShare> shareWith(std::uint32_t layers);
-  template <class Extra, class Left>
-  std::uint64_t setCosts(CoreGuidedMinimum& minimum, const Extra& extra, const Left& left);
-  template <class Left>
-  std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, const Left& left);
+  std::uint64_t setOrdinaryCosts(CoreGuidedMinimum& minimum);
+  std::uint64_t setCosts(CoreGuidedMinimum& minimum, PlannedHop kind, Left left);
+  std::uint64_t setStartCosts(CoreGuidedMinimum& minimum, Left left);
   bool accept();
   CoreGuidedMinimum::AcceptModel acceptNoting();
   void noteProven(std::uint64_t expensiveHops, std::uint64_t ordinaryWeight) const;

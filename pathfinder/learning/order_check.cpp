@@ -42,7 +42,6 @@ void OrderCheck::readWays() {
   ordinaryHops_ = expensiveHops_ = 0;
   for (NameIndex name = 0; name < network_.names.size(); ++name) {
     Way& way = ways_[name];
-    way.firstEvent = static_cast<EventIndex>(events_.size());
     if (!solver_.isTrue(formula_.isPresent(name))) continue;
     NodeIndex node = network_.names[name].first;
     while (!solver_.isTrue(formula_.startsAt(node))) ++node;
@@ -205,7 +204,6 @@ void OrderCheck::addClause(const Circle& circle) {
   std::sort(clause.begin(), clause.end());
   clause.erase(std::unique(clause.begin(), clause.end()), clause.end());
   solver_.addClause(clause);
-  ++circles_;
 }
 
 /// Each layer is a step, and each component between two layers.

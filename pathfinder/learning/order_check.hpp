@@ -40,15 +40,12 @@ class OrderCheck {
   /// How many steps with an ordinary hop it takes to keep all orders.
   std::uint32_t ordinarySteps() const { return ordinarySteps_; }
 
-  std::uint64_t circles() const { return circles_; }  ///< forbidden so far
-
  private:
   using EventIndex = std::uint32_t;
 
   struct Way {
     std::vector<NodeIndex> nodes;
     std::vector<ArcIndex> arcs;
-    EventIndex firstEvent;
   };
 
   /// A hop that is used.
@@ -101,7 +98,6 @@ class OrderCheck {
   std::uint64_t ordinaryHops_ = 0;
   std::uint64_t expensiveHops_ = 0;
   std::uint32_t ordinarySteps_ = 0;
-  std::uint64_t circles_ = 0;
 };
 
 }  // namespace tarn::evolution::pathfinder

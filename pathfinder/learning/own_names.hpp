@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace tarn::evolution::pathfinder {
@@ -8,11 +9,11 @@ namespace tarn::evolution::pathfinder {
 /// A version by what it depends on, as positions in lists of names and of versions.
 struct NeedingVersion {
   struct Need {
-    std::size_t name;
-    std::vector<std::size_t> admitted;  ///< versions of that name, as far as they are known
+    std::uint32_t name = 0;
+    std::vector<std::uint32_t> admitted = {};  ///< versions of that name, as far as they are known
   };
 
-  std::size_t name;
+  std::uint32_t name;
   std::vector<Need> needs = {};
 };
 

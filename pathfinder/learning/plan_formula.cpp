@@ -76,7 +76,7 @@ void PlanFormula::addSources() {
   solver_.addExactlyOne(isSource_);
   std::map<NodeIndex, std::vector<Literal>> startingIn;
   for (std::size_t i = 0; i < network_.sources.size(); ++i) {
-    for (const NodeIndex node : network_.sources[i].nodes) {
+    for (const NodeIndex node : network_.sources[i]) {
       startingIn[node].push_back(isSource_[i]);
     }
   }

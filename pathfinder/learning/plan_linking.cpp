@@ -171,10 +171,8 @@ std::shared_ptr<LinkedMetamodel> PlanLinking::link(SelectionView selection, Name
   const auto same = std::find_if(known.begin(), known.end(),
                                  [&](const auto& entry) { return entry.first == key; });
   if (same != known.end()) return same->second;
-  for (const Dependency& dependency : descriptor.dependencies) {
-    const std::size_t place = chosen.size();
-    const NameIndex needed = dependencies_.dependencies[selection[name]][place];
-    chosen.emplace(dependency.name, LinkedMetamodels{linked_[needed]});
+  for (const NameIndex needed : dependencies_.dependencies[selection[name]]) {
+    chosen.emplace(space_.names[needed].text, LinkedMetamodels{linked_[needed]});
   }
   underWay_ = selection[name];
   auto linked = host_.linkAlone(descriptor, chosen);

@@ -307,29 +307,24 @@ class NetworkBuilding {
     }
   }
 
-  void addStarts() {
-    for (const std::vector<VersionIndex>& versions : start_->versions) {
-      std::vector<NodeIndex>& nodes = network_.starts.emplace_back();
-      for (const VersionIndex version : versions) {
-        if (network_.nodeOf[version] != SearchSpace::none)
-          nodes.push_back(network_.nodeOf[version]);
-      }
+  /// Of those that lie on some way, in the first lap.
+  std::vector<NodeIndex> nodesOf(const std::vector<VersionIndex>& versions) const {
+    std::vector<NodeIndex> nodes;
+    for (const VersionIndex version : versions) {
+      const NodeIndex node = network_.nodeOf[version];
+      if (node != SearchSpace::none) nodes.push_back(node);
     }
+    return nodes;
   }
 
   void addSources() {
     if (start_ != nullptr) {
-      addStarts();
+      for (const auto& versions : start_->versions) network_.starts.push_back(nodesOf(versions));
       return;
     }
-    for (std::size_t place = 0; place < space_.sources.size(); ++place) {
-      PlanNetwork::Source source{place, {}};
-      for (const VersionIndex version : space_.sources[place].selection) {
-        if (network_.nodeOf[version] != SearchSpace::none)
-          source.nodes.push_back(network_.nodeOf[version]);
-      }
-      const bool isComplete = source.nodes.size() == space_.names.size();
-      if (isComplete) network_.sources.push_back(std::move(source));
+    for (const SearchSpace::Source& source : space_.sources) {
+      std::vector<NodeIndex> nodes = nodesOf(source.selection);
+      if (nodes.size() == space_.names.size()) network_.sources.push_back(std::move(nodes));
     }
   }
 
@@ -345,14 +340,13 @@ class NetworkBuilding {
   void addTargets() {
     for (const VersionSelection& target : targets_) {
       std::vector<std::vector<NodeIndex>> ends(target.size());
-      const bool isWithinReach = std::all_of(target.begin(), target.end(), [&](VersionIndex end) {
-        return end == SearchSpace::none || !endsAt(end).empty();
-      });
-      if (!isWithinReach) continue;
+      bool isWithinReach = true;
       for (NameIndex name = 0; name < target.size(); ++name) {
-        if (target[name] != SearchSpace::none) ends[name] = endsAt(target[name]);
+        if (target[name] == SearchSpace::none) continue;
+        ends[name] = endsAt(target[name]);
+        isWithinReach &= !ends[name].empty();
       }
-      network_.targets.push_back(std::move(ends));
+      if (isWithinReach) network_.targets.push_back(std::move(ends));
     }
   }
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <vector>
 
 #include "pathfinder/learning/link_choices.hpp"
@@ -65,10 +64,6 @@ struct PlanNetwork {
     std::vector<std::pair<NodeIndex, NodeIndex>> incompatible;
   };
 
-  std::span<const Node> nodesOf(NameIndex name) const {
-    return std::span(nodes).subspan(names[name].first, names[name].end - names[name].first);
-  }
-
   std::vector<Node> nodes;
   std::vector<Arc> arcs;
   std::vector<Name> names;
@@ -90,12 +85,8 @@ struct PlanNetwork {
   std::vector<Unrolling> unrollings;  ///< by name; empty when nothing is cut
   std::vector<NodeIndex> beyond;      ///< the nodes for what is more
 
-  /// For each source that a plan can start from: its place in the space, and the node of each name.
-  struct Source {
-    std::size_t place;
-    std::vector<NodeIndex> nodes;
-  };
-  std::vector<Source> sources;
+  /// For each source that a plan can start from: the node of each name.
+  std::vector<std::vector<NodeIndex>> sources;
 
   /// For an open start, in place of sources: the nodes that each name may begin at.
   std::vector<std::vector<NodeIndex>> starts;

@@ -16,7 +16,6 @@
 #include "pathfinder/learning/own_names.hpp"
 #include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/limits/search_watch.hpp"
-#include "pathfinder/values/name_order.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -46,7 +45,6 @@ SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& se
   }
   for (auto& [text, name] : names_) selected_.push_back(&name);
   bringIn(host);
-  numberAll();
   refuseOwnNames();
   for (auto& [text, name] : names_) {
     for (Version& version : name.versions) addRefusals(host, name, version);
@@ -56,16 +54,18 @@ SelectionClosure::SelectionClosure(SelectionHost& host, const VersionsByName& se
 
 SelectionClosure::Name& SelectionClosure::nameOf(const std::u16string& text) {
   const auto [known, isNew] = names_.try_emplace(text);
-  if (isNew) known->second.text = &known->first;
+  if (isNew) {
+    known->second.text = &known->first;
+    known->second.number = static_cast<std::uint32_t>(names_.size() - 1);
+  }
   return known->second;
 }
 
 void SelectionClosure::bringIn(SelectionHost& host) {
   // Versions are added on the way.
-  for (std::size_t i = 0; i < added_.size(); ++i) {  // NOLINT(modernize-loop-convert)
+  for (std::size_t i = 0; i < versions_.size(); ++i) {  // NOLINT(modernize-loop-convert)
     checkpoint();
-    const auto [name, place] = added_[i];
-    addNeeds(host, name->versions[place]);
+    addNeeds(host, *versions_[i]);
   }
 }
 
@@ -75,37 +75,26 @@ void SelectionClosure::addNeeds(SelectionHost& host, Version& version) {
     candidates.clear();
     host.findMetamodels(dependency->name, dependency->range, candidates);
     Name& name = nameOf(dependency->name);
-    Version::Need& need = version.needs.emplace_back(Version::Need{&name, {}});
+    Version::Need& need = version.needs.emplace_back(Version::Need{&name});
     for (Metamodel& candidate : candidates) {
       if (candidate.name != dependency->name) throw NotForDependencies();
       if (!name.isSelected) {
         need.admitted.push_back(addVersion(name, std::move(candidate)));
       } else if (name.versions.front().descriptor == candidate) {
-        need.admitted.push_back(0);
+        need.admitted.push_back(&name.versions.front());
       }
     }
   }
 }
 
-void SelectionClosure::numberAll() {
-  std::size_t number = 0;
-  for (auto& [text, name] : names_) {
-    name.number = number++;
-    name.first = versions_;
-    versions_ += name.versions.size();
-  }
-}
-
 void SelectionClosure::refuseOwnNames() const {
   std::vector<NeedingVersion> all;
-  all.reserve(versions_);
-  for (const auto& [text, name] : names_) {
-    for (const Version& version : name.versions) {
-      NeedingVersion& added = all.emplace_back(NeedingVersion{name.number});
-      for (const auto& [needed, admitted] : version.needs) {
-        auto& need = added.needs.emplace_back(NeedingVersion::Need{needed->number, {}});
-        for (const std::size_t place : admitted) need.admitted.push_back(needed->first + place);
-      }
+  all.reserve(versions_.size());
+  for (const Version* version : versions_) {
+    NeedingVersion& added = all.emplace_back(NeedingVersion{version->name->number});
+    for (const auto& [name, admitted] : version->needs) {
+      auto& need = added.needs.emplace_back(NeedingVersion::Need{name->number});
+      for (const Version* one : admitted) need.admitted.push_back(one->number);
     }
   }
   if (mayBringInOwnName(all, names_.size())) throw NotForDependencies();
@@ -123,27 +112,22 @@ void SelectionClosure::addRefusals(SelectionHost& host, const Name& name, Versio
     if (&peer == &name) throw NotForDependencies();
     candidates.clear();
     host.findMetamodels(requirement.name, requirement.range, candidates);
-    Version::Refusal& refusal = version.refusals.emplace_back(Version::Refusal{&peer, {}});
-    for (std::size_t place = 0; place < peer.versions.size(); ++place) {
-      const Metamodel& held = peer.versions[place].descriptor;
-      if (std::find(candidates.begin(), candidates.end(), held) == candidates.end()) {
-        refusal.refused.push_back(place);
+    for (const Version& other : peer.versions) {
+      if (std::find(candidates.begin(), candidates.end(), other.descriptor) == candidates.end()) {
+        version.refused.push_back(&other);
       }
     }
   }
 }
 
-std::size_t SelectionClosure::addVersion(Name& name, Metamodel&& descriptor) {
-  std::deque<Version>& versions = name.versions;
-  const auto known = std::find_if(versions.begin(), versions.end(), [&](const Version& version) {
-    return version.descriptor == descriptor;
-  });
-  const auto place = static_cast<std::size_t>(known - versions.begin());
-  if (known == versions.end()) {
-    versions.push_back({std::move(descriptor)});
-    added_.emplace_back(&name, place);
-  }
-  return place;
+const SelectionClosure::Version* SelectionClosure::addVersion(Name& name, Metamodel&& descriptor) {
+  const auto known =
+      std::find_if(name.versions.begin(), name.versions.end(),
+                   [&](const Version& version) { return version.descriptor == descriptor; });
+  if (known != name.versions.end()) return &*known;
+  const auto number = static_cast<std::uint32_t>(versions_.size());
+  return versions_.emplace_back(
+      &name.versions.emplace_back(Version{std::move(descriptor), &name, number}));
 }
 
 void SelectionClosure::findCertainNames() {
@@ -168,11 +152,12 @@ void SelectionClosure::findCertainNames() {
 /// Adds what makes a baseline of the versions that are held; returns a literal for each version.
 std::vector<Literal> SelectionClosure::addBaseline(SatSolver& solver) const {
   std::vector<Literal> held;
-  for (std::size_t i = 0; i < versions_; ++i) held.push_back(solver.newVariable());
+  for (std::size_t i = 0; i < versions_.size(); ++i) held.push_back(solver.newVariable());
   for (const auto& [text, name] : names_) {
-    const auto first = held.begin() + static_cast<std::ptrdiff_t>(name.first);
-    solver.addAtMostOne({first, first + static_cast<std::ptrdiff_t>(name.versions.size())});
-    if (name.isSelected) solver.addClause({*first});
+    std::vector<Literal> own;
+    for (const Version& version : name.versions) own.push_back(held[version.number]);
+    if (name.isSelected) solver.addClause({own.front()});
+    solver.addAtMostOne(std::move(own));
   }
   addNeeds(solver, held);
   addNeeding(solver, held);
@@ -181,44 +166,34 @@ std::vector<Literal> SelectionClosure::addBaseline(SatSolver& solver) const {
 
 /// What a version needs is beside it, and nothing that it refuses.
 void SelectionClosure::addNeeds(SatSolver& solver, const std::vector<Literal>& held) const {
-  for (const auto& [text, name] : names_) {
-    for (std::size_t i = 0; i < name.versions.size(); ++i) {
-      const Literal isHeld = held[name.first + i];
-      for (const Version::Need& need : name.versions[i].needs) {
-        std::vector<Literal> clause{-isHeld};
-        for (const std::size_t place : need.admitted) {
-          clause.push_back(held[need.name->first + place]);
-        }
-        solver.addClause(clause);
-      }
-      for (const Version::Refusal& refusal : name.versions[i].refusals) {
-        for (const std::size_t place : refusal.refused) {
-          solver.addClause({-isHeld, -held[refusal.name->first + place]});
-        }
-      }
+  for (const Version* version : versions_) {
+    const Literal isHeld = held[version->number];
+    for (const Version::Need& need : version->needs) {
+      std::vector<Literal> clause{-isHeld};
+      for (const Version* admitted : need.admitted) clause.push_back(held[admitted->number]);
+      solver.addClause(clause);
+    }
+    for (const Version* refused : version->refused) {
+      solver.addClause({-isHeld, -held[refused->number]});
     }
   }
 }
 
 /// Beside a version that is not selected is one that needs it.
 void SelectionClosure::addNeeding(SatSolver& solver, const std::vector<Literal>& held) const {
-  std::vector<std::vector<Literal>> needing(versions_);
-  for (const auto& [text, name] : names_) {
-    for (std::size_t i = 0; i < name.versions.size(); ++i) {
-      for (const Version::Need& need : name.versions[i].needs) {
-        if (need.name->isSelected) continue;
-        for (const std::size_t place : need.admitted) {
-          needing[need.name->first + place].push_back(held[name.first + i]);
-        }
+  std::vector<std::vector<Literal>> needing(versions_.size());
+  for (const Version* version : versions_) {
+    for (const Version::Need& need : version->needs) {
+      for (const Version* admitted : need.admitted) {
+        needing[admitted->number].push_back(held[version->number]);
       }
     }
   }
-  for (const auto& [text, name] : names_) {
-    for (std::size_t i = 0; i < name.versions.size() && !name.isSelected; ++i) {
-      std::vector<Literal>& clause = needing[name.first + i];
-      clause.push_back(-held[name.first + i]);
-      solver.addClause(clause);
-    }
+  for (const Version* version : versions_) {
+    if (version->name->isSelected) continue;
+    std::vector<Literal>& clause = needing[version->number];
+    clause.push_back(-held[version->number]);
+    solver.addClause(clause);
   }
 }
 
@@ -244,18 +219,31 @@ void SelectionClosure::chooseFor(const Version& version, SatSolver& solver,
                                  Baseline& baseline) const {
   for (const Version::Need& need : version.needs) {
     if (baseline.contains(*need.name->text)) continue;
-    const auto canBeHeld = [&](std::size_t place) {
-      decided.push_back(held[need.name->first + place]);
+    const auto canBeHeld = [&](const Version* candidate) {
+      decided.push_back(held[candidate->number]);
       if (solver.solve(decided)) return true;
       decided.pop_back();
       return false;
     };
     const auto chosen = std::find_if(need.admitted.begin(), need.admitted.end(), canBeHeld);
     if (chosen == need.admitted.end()) throw NotForDependencies();  // there is always one
-    const Version& needed = need.name->versions[*chosen];
-    baseline.emplace(*need.name->text, &needed.descriptor);
-    chooseFor(needed, solver, held, decided, baseline);
+    baseline.emplace(*need.name->text, &(*chosen)->descriptor);
+    chooseFor(**chosen, solver, held, decided, baseline);
   }
+}
+
+Direction directionBetween(SelectionHost& host, const SelectionClosure::Baseline& source,
+                           const SelectionClosure::Baseline& target) {
+  Direction result = Direction::Unknown;
+  for (const auto& [name, after] : target) {
+    const auto before = source.find(name);
+    if (before == source.end()) continue;
+    const Direction direction = host.directionBetween(*before->second, *after);
+    if (direction == Direction::Equal || direction == Direction::Unknown) continue;
+    if (areOpposite(result, direction)) return Direction::Unknown;
+    result = direction;
+  }
+  return result;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <optional>
@@ -10,6 +10,7 @@
 #include "pathfinder/learning/sat_solver.hpp"
 #include "pathfinder/learning/selection_host.hpp"
 #include "pathfinder/linking/selection_combination.hpp"
+#include "pathfinder/search/direction.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -33,22 +34,20 @@ class SelectionClosure {
   /// A version that may be held, and what it depends on.
   struct Version {
     Metamodel descriptor;
+    const Name* name;
+    std::uint32_t number;  ///< among all versions
 
     /// The names that it depends on, in the order of linking. For each the versions that it admits,
-    /// as their places among those of the name, in the application's order.
+    /// in the application's order.
     struct Need {
       const Name* name;
-      std::vector<std::size_t> admitted;
+      std::vector<const Version*> admitted = {};
     };
     std::vector<Need> needs = {};
 
     /// The versions that it cannot stand beside because it requires others of their name, which it
     /// does not bring in.
-    struct Refusal {
-      const Name* name;
-      std::vector<std::size_t> refused;
-    };
-    std::vector<Refusal> refusals = {};
+    std::vector<const Version*> refused = {};
   };
 
   struct Name {
@@ -60,8 +59,7 @@ class SelectionClosure {
     /// what is selected.
     bool isCertain = false;
 
-    std::size_t number = 0;  ///< among all names
-    std::size_t first = 0;   ///< the number of its first version among all versions
+    std::uint32_t number = 0;  ///< among all names
   };
 
   /// Asks the application for all. Throws what it throws, InvalidFamilyVersion for a selected
@@ -81,11 +79,10 @@ class SelectionClosure {
  private:
   Name& nameOf(const std::u16string& text);
   void bringIn(SelectionHost& host);
-  void numberAll();
   void refuseOwnNames() const;
   void addRefusals(SelectionHost& host, const Name& name, Version& version);
   void addNeeds(SelectionHost& host, Version& version);
-  std::size_t addVersion(Name& name, Metamodel&& descriptor);
+  const Version* addVersion(Name& name, Metamodel&& descriptor);
   void findCertainNames();
 
   std::vector<Literal> addBaseline(SatSolver& solver) const;
@@ -95,9 +92,12 @@ class SelectionClosure {
                  std::vector<Literal>& decided, Baseline& baseline) const;
 
   std::map<std::u16string, Name> names_;
-  std::size_t versions_ = 0;                          // in all
-  std::vector<Name*> selected_;                       // ascending
-  std::vector<std::pair<Name*, std::size_t>> added_;  // versions, in order
+  std::vector<const Name*> selected_;  // ascending
+  std::vector<Version*> versions_;     // by number
 };
+
+/// `VersionRepository::computeDirection` for baselines that are not linked.
+Direction directionBetween(SelectionHost& host, const SelectionClosure::Baseline& source,
+                           const SelectionClosure::Baseline& target);
 
 }  // namespace tarn::evolution::pathfinder

@@ -14,7 +14,6 @@
 #include "pathfinder/learning/learning_planner.hpp"
 #include "pathfinder/learning/plan_linking.hpp"
 #include "pathfinder/learning/selection_closure.hpp"
-#include "pathfinder/learning/selection_direction.hpp"
 #include "pathfinder/limits/linking_budget.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/planning/first_way.hpp"
