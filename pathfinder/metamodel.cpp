@@ -10,9 +10,7 @@ namespace tarn::evolution::pathfinder {
 Dependency::Dependency(const std::u16string& dependencyName, const VersionRange& versionRange)
     : name(dependencyName), range(versionRange) {}
 
-bool Dependency::operator==(const Dependency& other) const {
-  return name == other.name && range == other.range;
-}
+bool Dependency::operator==(const Dependency&) const = default;
 
 Metamodel::Metamodel(const std::u16string& metamodelName, const VersionId& versionId,
                      const std::vector<Dependency>& neededMetamodels)

@@ -44,9 +44,7 @@ std::optional<SemVer> SemVer::parse(const std::u16string& text) {
   return SemVer{*major, *minor, *patch};
 }
 
-bool SemVer::operator==(const SemVer& other) const {
-  return major == other.major && minor == other.minor && patch == other.patch;
-}
+bool SemVer::operator==(const SemVer&) const = default;
 
 bool SemVer::operator<(const SemVer& other) const {
   return std::tie(major, minor, patch) < std::tie(other.major, other.minor, other.patch);
@@ -72,8 +70,6 @@ SemVerRange SemVerRange::intersection(const SemVerRange& other) const {
   return result;
 }
 
-bool SemVerRange::operator==(const SemVerRange& other) const {
-  return lower == other.lower && upper == other.upper;
-}
+bool SemVerRange::operator==(const SemVerRange&) const = default;
 
 }  // namespace tarn::evolution::pathfinder

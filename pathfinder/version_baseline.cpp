@@ -66,9 +66,7 @@ bool VersionBaseline::includes(const VersionBaseline& other) const {
   });
 }
 
-bool VersionBaseline::operator==(const VersionBaseline& other) const {
-  return metamodels == other.metamodels;
-}
+bool VersionBaseline::operator==(const VersionBaseline&) const = default;
 
 tarn::meta::Type VersionBaseline::findType(const std::u16string& qualifiedName) const {
   for (const auto& [name, metamodel] : metamodels) {

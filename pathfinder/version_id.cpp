@@ -7,9 +7,7 @@
 
 namespace tarn::evolution::pathfinder {
 
-bool VersionId::operator==(const VersionId& other) const {
-  return value_ == other.value_;
-}
+bool VersionId::operator==(const VersionId&) const = default;
 
 std::ostream& operator<<(std::ostream& out, const VersionId& id) {
   if (id.isSemVer()) return out << id.getSemVer();
@@ -45,9 +43,7 @@ VersionRange VersionRange::intersection(const VersionRange& other) const {
   return result;
 }
 
-bool VersionRange::operator==(const VersionRange& other) const {
-  return value_ == other.value_;
-}
+bool VersionRange::operator==(const VersionRange&) const = default;
 
 std::ostream& operator<<(std::ostream& out, const VersionRange& range) {
   if (!range.isSemVerRange()) return out << fl::i18n::ustring_to_utf8(range.getText());
