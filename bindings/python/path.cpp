@@ -111,18 +111,24 @@ Path::Path(std::shared_ptr<BrowsableRepository> repository, Question question,
            std::vector<pathfinder::BaselineHop> steps)
     : weight_(0) {
   for (const auto& step : steps) weight_ += repository->getWeight(step.hops);
-  content_ = Unplanned{std::move(repository), std::move(question), std::move(steps)};
+  content_ = std::make_shared<const Unplanned>(
+      Unplanned{std::move(repository), std::move(question), std::move(steps)});
 }
 
 Path::Path(Shown shown) : weight_(shown.picture.weight), content_(std::move(shown)) {}
 
+std::shared_ptr<const Path::Unplanned> Path::unplanned() const {
+  const auto* content = std::get_if<std::shared_ptr<const Unplanned>>(&content_);
+  return content == nullptr ? nullptr : *content;
+}
+
 const Path::Shown& Path::shown() {
-  if (const auto* unplanned = std::get_if<Unplanned>(&content_)) {
-    const auto& [repository, question, steps] = *unplanned;
+  if (const auto kept = unplanned()) {
+    const auto& [repository, question, steps] = *kept;
     PathPlan plan = makePlan(*repository, *repository, question, steps);
     std::ostringstream json;
     writePlanJson(plan, json);
-    content_ = Shown{std::move(plan.picture), std::move(json).str()};
+    if (unplanned()) content_ = Shown{std::move(plan.picture), std::move(json).str()};
   }
   return std::get<Shown>(content_);
 }
@@ -159,10 +165,9 @@ py::tuple Path::stepsOf(const PathPicture& picture) {
 }
 
 py::tuple Path::steps() {
-  const auto* unplanned = std::get_if<Unplanned>(&content_);
-  return stepsOf(unplanned == nullptr
-                     ? shown().picture
-                     : drawPath(weightsOf(*unplanned->repository), unplanned->steps));
+  const auto kept = unplanned();
+  return stepsOf(kept == nullptr ? shown().picture
+                                 : drawPath(weightsOf(*kept->repository), kept->steps));
 }
 
 py::tuple Path::state() {

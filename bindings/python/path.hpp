@@ -51,10 +51,15 @@ class Path {
 
   explicit Path(Shown shown);
 
+  /// Null where the path is shown.
+  std::shared_ptr<const Unplanned> unplanned() const;
   const Shown& shown();
 
   std::uint64_t weight_;
-  std::variant<Unplanned, Shown> content_;
+
+  // What is being planned is kept by whoever plans: the repository may be Python code, which may
+  // look at the same path, or let another thread do so.
+  std::variant<std::shared_ptr<const Unplanned>, Shown> content_;
 };
 
 }  // namespace tarn::evolution::catalogue::python

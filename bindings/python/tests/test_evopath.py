@@ -473,6 +473,26 @@ class Failures(unittest.TestCase):
                 if hops is HOPS:
                     self.assertGreater(raised, 0)
 
+    def test_a_path_is_looked_at_while_it_is_planned(self):
+        """A host may look at the very path that it is asked for more of."""
+        class Looking(Host):
+            path = look = seen = None
+
+            def called(self):
+                super().called()
+                if self.path is not None:
+                    path, self.path = self.path, None
+                    self.seen = self.look(path)
+
+        looks = (str, lambda path: path.render("json"), pickle.dumps)
+        quiet = Host(SHAPES, HOPS).find_path(OLD, NEW)
+        for look, looked in itertools.product(looks, (*looks, lambda path: path.steps)):
+            host = Looking(SHAPES, HOPS)
+            path = host.find_path(OLD, NEW)
+            host.path, host.look = path, looked
+            self.assertEqual(look(path), look(quiet))
+            self.assertEqual(host.seen, looked(quiet))
+
     def test_limits(self):
         metamodels, hops, source, target = interlocked(14)
         catalogue = Catalogue.from_rows(metamodels, hops)
