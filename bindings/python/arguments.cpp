@@ -137,11 +137,10 @@ PathConditions ConditionOptions::read(BrowsableRepository& repository) const {
   PathConditions conditions;
   const auto readEach = [&](const auto& entries, const char* argument, const auto& add) {
     for (const auto& [name, what] : entries) {
-      try {
+      const auto place = [&, &name = name] { return argument + ("[\"" + name + "\"]"); };
+      readAt(place, [&, &name = name, &what = what] {
         add(repository, parseName(name), what, conditions);
-      } catch (const std::invalid_argument& error) {
-        throw std::invalid_argument(std::string(argument) + "[\"" + name + "\"]: " + error.what());
-      }
+      });
     }
   };
   readEach(avoided, "avoid", addAvoided);

@@ -328,8 +328,8 @@ class Repository(_Asked):
 
 
 def _functions_of(repository: Repository) -> tuple[Any, ...]:
-    """What the library calls, and None for what it need not. It keeps them, and so they must not keep the repository, which keeps
-    the library's; whoever asks does."""
+    """What the library calls, and None for what it need not. It keeps them, and so they must not
+    keep the repository, which keeps the library's; whoever asks does."""
     reference = weakref.ref(repository)
 
     def asked() -> Repository:
