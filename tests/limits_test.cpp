@@ -236,6 +236,37 @@ TEST(Limits, ASearchInsideAnotherOneIsNotThatOnesProgress) {
   EXPECT_LE(proven, 4U);
 }
 
+TEST(Limits, ASearchInsideAnotherOneIsBoundByTheMemoryOfBoth) {
+  TestRepository inner("P1..200 Q1..200 A1:P[1,201) B1:Q[1,201)");
+  TestRepository outer("B1..3");
+  const auto sources = outer.baselines("B1");
+  const auto targets = outer.baselines("B3");
+  outer.onCall = [&](const std::string& call) {
+    if (call == "findHops B1") inner.combine(selection("A1 B1"), SearchLimits{});
+  };
+  try {
+    outer.findPath(sources, targets, forward, SearchLimits{.memory = 1'000'000});
+    FAIL() << "not stopped";
+  } catch (const SearchStopped& stopped) {
+    EXPECT_EQ(stopped.reason(), Reason::MemoryUsedUp);
+  }
+  EXPECT_EQ(outer.findPath(sources, targets, forward, SearchLimits{}).value().size(), 2U);
+}
+
+TEST(Limits, MemoryOfSearchesInsideEachOtherAddsUp) {
+  const SearchLimits limits{.memory = 100};
+  const SearchLimits none;
+  SearchWatch outer(limits);
+  SearchWatch inner(none);
+  SearchWatch innermost(none);
+  outer.noteMemory(60);
+  inner.noteMemory(20);
+  innermost.noteMemory(20);
+  EXPECT_FALSE(innermost.isOver());
+  innermost.noteMemory(21);
+  EXPECT_TRUE(innermost.isOver());
+}
+
 TEST(Limits, WhatProgressThrowsReachesTheCaller) {
   TestRepository repository(tightCatalogue);
   const SearchLimits limits{.progress = [](const SearchProgress&) { throw CallbackFailure(); }};

@@ -17,10 +17,11 @@ SearchWatch*& SearchWatch::current() {
   return watch;
 }
 
-bool SearchWatch::isOver() noexcept {
+bool SearchWatch::isOver(std::size_t inside) noexcept {
   using Reason = SearchStopped::Reason;
   if (reason_) return true;
-  if (memory_ > limits_.memory) reason_ = Reason::MemoryUsedUp;
+  const std::size_t memory = memory_ + inside;
+  if (memory > limits_.memory) reason_ = Reason::MemoryUsedUp;
   if (untilNextLook_-- == 0) {
     untilNextLook_ = checksBetweenLooks;
     if (limits_.deadline && std::chrono::steady_clock::now() >= *limits_.deadline) {
@@ -28,7 +29,7 @@ bool SearchWatch::isOver() noexcept {
     }
   }
   if (limits_.stop.stop_requested()) reason_ = Reason::StopRequested;
-  if (!reason_ && outer_ != nullptr) return outer_->isOver();
+  if (!reason_ && outer_ != nullptr) return outer_->isOver(memory);
   return reason_.has_value();
 }
 

@@ -29,8 +29,9 @@ class SearchWatch {
   /// This thread's; null when no search with limits runs.
   static SearchWatch*& current();
 
-  /// Whether a limit is reached. Asked often, it looks at the clock now and then.
-  bool isOver() noexcept;
+  /// Whether a limit is reached, where searches inside this one have taken so many bytes. Asked
+  /// often, it looks at the clock now and then.
+  bool isOver(std::size_t inside = 0) noexcept;
 
   /// Throws SearchStopped if a limit is reached.
   void check() {
