@@ -4,7 +4,7 @@
 #include <new>
 
 #include "pathfinder/limits/linking_budget.hpp"
-#include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::pathfinder {
 

@@ -15,30 +15,30 @@ class LinkingBudget {
 
   /// `freeOfEach`: as many linked metamodels of each version take nothing.
   explicit LinkingBudget(std::size_t most, std::size_t freeOfEach = 1)
-      : left_(most), freeOfEach_(freeOfEach), outer_(current()) {
-    current() = this;
+      : left_(most), freeOfEach_(freeOfEach), outer_(current_) {
+    current_ = this;
   }
   LinkingBudget(const LinkingBudget&) = delete;
   LinkingBudget& operator=(const LinkingBudget&) = delete;
-  ~LinkingBudget() { current() = outer_; }
+  ~LinkingBudget() { current_ = outer_; }
 
   /// Throws if there are not so many left in this thread's budget.
   static void check(std::size_t count) {
-    const LinkingBudget* const budget = current();
+    const LinkingBudget* const budget = current_;
     if (budget != nullptr && count > budget->left_) throw Spent();
   }
 
   /// Takes what a version with so many linked metamodels costs from this thread's budget, if it has
   /// one.
   static void take(std::size_t linked) {
-    LinkingBudget* const budget = current();
+    LinkingBudget* const budget = current_;
     if (budget == nullptr || linked <= budget->freeOfEach_) return;
     check(linked - budget->freeOfEach_);
     budget->left_ -= linked - budget->freeOfEach_;
   }
 
  private:
-  static LinkingBudget*& current();
+  static inline constinit thread_local LinkingBudget* current_ = nullptr;
 
   std::size_t left_;
   const std::size_t freeOfEach_;

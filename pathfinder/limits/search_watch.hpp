@@ -2,11 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <optional>
 #include <vector>
 
-#include "pathfinder/limits/linking_budget.hpp"
+#include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/search_limits.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -52,17 +51,7 @@ class SearchWatch {
   template <class MakePath>
   bool tellPath(const MakePath& makePath) {
     std::optional<std::vector<BaselineHop>> path;
-    try {
-      path = makePath();
-    } catch (const SearchStopped&) {
-      throw;
-    } catch (const LinkingBudget::Spent&) {
-      throw;
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (...) {
-      return false;
-    }
+    if (failureOf([&] { path = makePath(); })) return false;
     if (path) limits_.betterPath(*path);
     return path.has_value();
   }
