@@ -11,7 +11,6 @@
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/planning/goal_directed_search.hpp"
 #include "pathfinder/search/exhaustive_search.hpp"
-#include "pathfinder/search/tried_baselines.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -49,13 +48,13 @@ std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, Pat
                                                            const QuestionBaselines& sources,
                                                            const QuestionBaselines& targets,
                                                            Direction direction,
-                                                           std::vector<KnownMetamodel> known) {
+                                                           std::span<const KnownMetamodel> known) {
   static const instrument::Handle& handle =
       instrument::controls.getHandle("VersionRepository::findPath");
   const diagnostics::ScopedEvent event(handle);
   traceQuestion(sources.list(), targets.list(), direction);
   if (auto cached = cache.find(sources.list(), targets.list())) return cached;
-  SearchAnswer answer = search({host, sources.list(), targets.list(), direction, std::move(known)});
+  SearchAnswer answer = search({host, sources.list(), targets.list(), direction, known});
   if (answer.verdict != SearchAnswer::Verdict::Found) return std::nullopt;
   if (!answer.steps.empty()) {
     cache.store(answer.steps, sources.take(*answer.source), targets.take(*answer.target));

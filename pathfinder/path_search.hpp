@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -41,11 +42,10 @@ class QuestionBaselines {
 
 /// `VersionRepository::findPath` for lists of baselines: asks the cache, searches, and stores what
 /// the search found.
-std::optional<std::vector<BaselineHop>> answerPathQuestion(SearchHost& host, PathCache& cache,
-                                                           const QuestionBaselines& sources,
-                                                           const QuestionBaselines& targets,
-                                                           Direction direction,
-                                                           std::vector<KnownMetamodel> known = {});
+std::optional<std::vector<BaselineHop>> answerPathQuestion(
+    SearchHost& host, PathCache& cache, const QuestionBaselines& sources,
+    const QuestionBaselines& targets, Direction direction,
+    std::span<const KnownMetamodel> known = {});
 
 /// `VersionRepository::findPath` between two selections, which differ.
 std::optional<std::vector<BaselineHop>> answerSelectionQuestion(RepositoryAccess& access,

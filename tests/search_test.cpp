@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <deque>
 #include <set>
 
 #include "pathfinder/learning/random_choices.hpp"
@@ -36,18 +35,18 @@ void expectSame(const SearchAnswer& expected, const SearchAnswer& found) {
 }
 
 /// The same question, with what the application says of the versions that it mentions.
-SearchQuestion knowing(SearchQuestion question, std::deque<Metamodel>& answers) {
+SearchQuestion knowing(SearchQuestion question, std::vector<KnownMetamodel>& answers) {
   for (const auto* baselines : {&question.sources, &question.targets}) {
     for (const VersionBaseline& baseline : *baselines) {
       for (const auto& [name, linked] : baseline.metamodels) {
         if (auto answer = question.host.getMetamodel(name, linked->version)) {
-          answers.push_back(*std::move(answer));
-          question.known.push_back({&name, &linked->version, &answers.back(),
-                                    &question.host.getLinkedMetamodels(answers.back())});
+          const auto& known = question.host.getLinkedMetamodels(*answer);
+          answers.push_back({&name, &linked->version, *std::move(answer), &known});
         }
       }
     }
   }
+  question.known = answers;
   return question;
 }
 
@@ -77,7 +76,7 @@ void compare(const std::string& text, Random& random, RandomRun& run) {
   }
   const SearchAnswer found = searchGoalDirected(asked);
   expectSame(expected, found);
-  std::deque<Metamodel> answers;
+  std::vector<KnownMetamodel> answers;
   expectSame(expected, searchGoalDirected(knowing(asked, answers)));
   if (const auto learnt = answerByLearning(asked)) {
     expectSame(expected, learnt->answer);

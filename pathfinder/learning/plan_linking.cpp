@@ -10,7 +10,7 @@
 #include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
-#include "pathfinder/search/tried_baselines.hpp"
+#include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
 
@@ -43,7 +43,7 @@ std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
       impossible = plan.selections()[selection];
       return std::nullopt;
     }
-    TriedBaselines().trace(*baseline);
+    traceTrying(*baseline);
     baselines.push_back(*std::move(baseline));
   }
   Path path{{}, baselines.front(), baselines.back()};

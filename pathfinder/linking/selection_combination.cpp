@@ -25,7 +25,7 @@ std::vector<VersionBaseline> SelectionCombination::combine(
   answers.reserve(selection.size());
   std::size_t place = 0;
   for (const auto& [name, version] : selection) {
-    const Answer* known = find(name, version, place++);
+    const KnownMetamodel* known = find(name, version, place++);
     answers.push_back(known != nullptr ? known : &ask(name, version));
   }
   sortByName(answers);
@@ -42,10 +42,10 @@ std::vector<VersionBaseline> SelectionCombination::combine(
 
 /// The answer for that version, if the last selection held it. Selections of one question mostly
 /// have their names in the same places.
-const SelectionCombination::Answer* SelectionCombination::find(const std::u16string& name,
-                                                               const VersionId& version,
-                                                               std::size_t place) const {
-  const Answer* answer = nullptr;
+const KnownMetamodel* SelectionCombination::find(const std::u16string& name,
+                                                 const VersionId& version,
+                                                 std::size_t place) const {
+  const KnownMetamodel* answer = nullptr;
   if (place < last_.size() && *last_[place]->name == name) {
     answer = last_[place];
   } else {
@@ -59,9 +59,10 @@ const SelectionCombination::Answer* SelectionCombination::find(const std::u16str
 }
 
 void SelectionCombination::sortByName(const Answers& answers) {
-  const bool isInPlace = std::equal(
-      answers.begin(), answers.end(), last_.begin(), last_.end(),
-      [](const Answer* left, const Answer* right) { return *left->name == *right->name; });
+  const bool isInPlace = std::equal(answers.begin(), answers.end(), last_.begin(), last_.end(),
+                                    [](const KnownMetamodel* left, const KnownMetamodel* right) {
+                                      return *left->name == *right->name;
+                                    });
   if (isInPlace) return;
   nameOrder_.resize(answers.size());
   std::iota(nameOrder_.begin(), nameOrder_.end(), std::size_t{0});
@@ -70,22 +71,13 @@ void SelectionCombination::sortByName(const Answers& answers) {
   });
 }
 
-const SelectionCombination::Answer& SelectionCombination::ask(const std::u16string& name,
-                                                              const VersionId& version) {
+const KnownMetamodel& SelectionCombination::ask(const std::u16string& name,
+                                                const VersionId& version) {
   std::optional<Metamodel> metamodel = lookup_.getMetamodel(name, version);
   if (!metamodel) reportUnknownVersion(name, version);
   const auto& linked = lookup_.getLinkedMetamodels(*metamodel);
   answers_.push_back({&name, &version, *std::move(metamodel), &linked});
   return answers_.back();
-}
-
-std::vector<KnownMetamodel> SelectionCombination::known() const {
-  std::vector<KnownMetamodel> result;
-  result.reserve(answers_.size());
-  for (const Answer& answer : answers_) {
-    result.push_back({answer.name, answer.version, &answer.metamodel, answer.linked});
-  }
-  return result;
 }
 
 void reportUnknownVersion(const std::u16string& name, const VersionId& version) {

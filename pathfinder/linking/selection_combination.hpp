@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -19,7 +20,7 @@ using VersionsByName = std::unordered_map<std::u16string, VersionId>;
 struct KnownMetamodel {
   const std::u16string* name;
   const VersionId* version;  ///< what was asked for
-  const Metamodel* metamodel;
+  Metamodel metamodel;
   const LinkedMetamodels* linked;  ///< the repository's own list
 };
 
@@ -38,26 +39,20 @@ class SelectionCombination {
       const std::unordered_map<std::u16string, VersionId>& selection);
 
   /// What the application answered so far. Refers to this object.
-  std::vector<KnownMetamodel> known() const;
+  std::span<const KnownMetamodel> known() const { return answers_; }
 
  private:
-  struct Answer {
-    const std::u16string* name;
-    const VersionId* version;
-    Metamodel metamodel;
-    const LinkedMetamodels* linked;
-  };
+  using Answers = std::vector<const KnownMetamodel*>;
 
-  using Answers = std::vector<const Answer*>;
-
-  const Answer* find(const std::u16string& name, const VersionId& version, std::size_t place) const;
-  const Answer& ask(const std::u16string& name, const VersionId& version);
+  const KnownMetamodel* find(const std::u16string& name, const VersionId& version,
+                             std::size_t place) const;
+  const KnownMetamodel& ask(const std::u16string& name, const VersionId& version);
   void sortByName(const Answers& answers);
 
   VersionLookup& lookup_;
-  std::vector<Answer> answers_;         // never reallocated: what is below points into it
-  Answers last_;                        // the last selection's, as it stands in its map
-  std::vector<std::size_t> nameOrder_;  // the places of those, by ascending name
+  std::vector<KnownMetamodel> answers_;  // never reallocated: what is below points into it
+  Answers last_;                         // the last selection's, as it stands in its map
+  std::vector<std::size_t> nameOrder_;   // the places of those, by ascending name
 };
 
 /// Throws InvalidFamilyVersion.

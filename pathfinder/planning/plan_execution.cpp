@@ -201,8 +201,7 @@ class PlanExecution {
   }
 
   void collectHopsOf(const std::u16string& name, const LinkedMetamodel& linked) {
-    choices_.byName.clear();
-    collectHops(question_.host, question_.direction, name, linked, choices_);
+    collectHops(question_.host, question_.direction, name, linked);
   }
 
   /// The combinations that planned steps stand for, the last one first.
@@ -328,7 +327,6 @@ class PlanExecution {
   std::map<std::uint32_t, std::vector<VersionBaseline>> failed_;  // by the number of steps left
   std::unordered_set<VersionIndex> hopsCollected_;                // of versions on the way
   bool areIrrelevantCollected_ = false;
-  HopChoices choices_;  // kept for its memory
 };
 
 }  // namespace

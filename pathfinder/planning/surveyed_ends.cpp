@@ -86,9 +86,9 @@ void SurveyedEnds::closeTarget(std::size_t target, const LinkedMetamodel& linked
 void SurveyedEnds::noteKnownAnswers() {
   for (const KnownMetamodel& known : state_.question.known) {
     if (irrelevant_.contain(*known.linked->front())) continue;
-    if (known.metamodel->name != *known.name) continue;  // found out if a hop leads there
+    if (known.metamodel.name != *known.name) continue;  // found out if a hop leads there
     SurveyedName& name = state_.nameOf(*known.name);
-    SurveyedVersion& version = exploration_.versionOf(name, *known.metamodel);
+    SurveyedVersion& version = exploration_.versionOf(name, known.metamodel);
     version.linked = known.linked;
     version.isLinkTried = true;
     exploration_.noteAnswer(name, *known.version, &version);

@@ -73,9 +73,8 @@ class ReachSearch {
 
   void raise(const SurveyedFault& fault) const {
     if (fault.exception) std::rethrow_exception(fault.exception);
-    HopChoices choices;
     collectHops(question_.host, question_.direction, *fault.holding->name->text,
-                *fault.holding->linked->front(), choices);
+                *fault.holding->linked->front());
   }
 
   const SearchQuestion& question_;

@@ -2,7 +2,6 @@
 
 #include <ostream>
 #include <stdexcept>
-#include <utility>
 
 #include "messages/trace.hpp"
 #include "pathfinder/values/error_text.hpp"
@@ -28,8 +27,8 @@ bool goesAgainst(Direction direction, const Metamodel& current, const Hop& hop, 
 
 }  // namespace
 
-void collectHops(SearchHost& host, Direction direction, const std::u16string& name,
-                 const LinkedMetamodel& linked, HopChoices& choices) {
+std::vector<Hop> collectHops(SearchHost& host, Direction direction, const std::u16string& name,
+                             const LinkedMetamodel& linked) {
   const Metamodel& current = linked;
   std::vector<Hop> hops;
   host.findHops(name, current.version, hops);
@@ -41,8 +40,7 @@ void collectHops(SearchHost& host, Direction direction, const std::u16string& na
       out << "Retained " << hops.size() << " hops after direction filtering";
     });
   }
-  choices.byName.push_back({name, std::move(hops)});
-  choices.combinationCount *= choices.byName.back().hops.size() + 1;
+  return hops;
 }
 
 }  // namespace tarn::evolution::pathfinder

@@ -1,17 +1,24 @@
 #include "pathfinder/search/search_question.hpp"
 
 #include <algorithm>
+#include <ostream>
 
-#include "pathfinder/search/tried_baselines.hpp"
+#include "messages/trace.hpp"
 
 namespace tarn::evolution::pathfinder {
 
+using diagnostics::trace;
+using diagnostics::TraceLevel;
+
+void traceTrying(const VersionBaseline& baseline) {
+  trace(TraceLevel::Reasoning, [&](std::ostream& out) {
+    out << "Trying unvisited baseline with least weight: " << baseline;
+  });
+}
+
 void SearchQuestion::traceTrying(const VersionBaseline& baseline) const {
-  if (tried != nullptr) {
-    tried->trace(baseline);
-  } else {
-    TriedBaselines().trace(baseline);
-  }
+  if (!diagnostics::isTraced(TraceLevel::Reasoning)) return;
+  if (tried == nullptr || tried->insert(baseline).second) pathfinder::traceTrying(baseline);
 }
 
 const VersionBaseline* SearchQuestion::targetIn(const VersionBaseline& baseline) const {

@@ -1,14 +1,22 @@
 #pragma once
 
+#include <span>
+#include <unordered_set>
 #include <vector>
 
 #include "pathfinder/linking/selection_combination.hpp"
 #include "pathfinder/search/search_host.hpp"
+#include "pathfinder/values/unordered_hash.hpp"
 #include "pathfinder/version_baseline.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-class TriedBaselines;
+/// The baselines that a search has told of in its trace. Who takes a question over from another
+/// engine does not tell of them again.
+using TriedBaselines = std::unordered_set<VersionBaseline, UnorderedHash>;
+
+/// Writes the record that a baseline is tried.
+void traceTrying(const VersionBaseline& baseline);
 
 /// What every search engine is asked. Refers to the caller's lists.
 struct SearchQuestion {
@@ -16,10 +24,10 @@ struct SearchQuestion {
   const std::vector<VersionBaseline>& sources;
   const std::vector<VersionBaseline>& targets;
   Direction direction;
-  std::vector<KnownMetamodel> known = {};  ///< need not be asked for again
-  TriedBaselines* tried = nullptr;         ///< shared by the engines of one search; may be null
+  std::span<const KnownMetamodel> known = {};  ///< need not be asked for again
+  TriedBaselines* tried = nullptr;             ///< shared by the engines of one search; may be null
 
-  /// Writes the record that a baseline is tried, unless an engine has written it already.
+  /// Writes the record that a baseline is tried, unless `tried` has it.
   void traceTrying(const VersionBaseline& baseline) const;
 
   /// The first target, in list order, that the baseline includes; null when there is none.

@@ -10,6 +10,7 @@
 
 #include "messages/trace.hpp"
 #include "pathfinder/limits/search_watch.hpp"
+#include "pathfinder/search/hop_collection.hpp"
 #include "pathfinder/search/target_baseline.hpp"
 #include "pathfinder/values/name_order.hpp"
 
@@ -19,32 +20,15 @@ using diagnostics::trace;
 using diagnostics::TraceLevel;
 using diagnostics::traceValue;
 
-namespace {
-
-/// The hops of a combination index read as a mixed-radix number, the first name its least
-/// significant digit.
-LockstepHop decodeCombination(std::uint64_t index, const HopChoices& choices) {
-  LockstepHop combination;
-  for (const MetamodelHops& choice : choices.byName) {
-    const std::uint64_t radix = choice.hops.size() + 1;
-    const std::uint64_t digit = index % radix;
-    index /= radix;
-    if (digit != 0) combination.emplace(choice.name, choice.hops[digit - 1]);
-  }
-  return combination;
-}
-
-}  // namespace
-
 StepGeneration::StepGeneration(SearchHost& host, const VersionBaseline& from, Direction direction,
                                std::uint64_t budget)
     : host_(host), from_(from) {
   trace(TraceLevel::Reasoning, [&](std::ostream& out) { out << "getStepsFrom " << from_; });
-  choices_.byName.reserve(from_.metamodels.size());
+  choices_.reserve(from_.metamodels.size());
   visitInNameOrder(from_.metamodels, [&](const auto& entry) {
     if (!entry.second) return true;
-    collectHops(host_, direction, entry.first, *entry.second, choices_);
-    const std::uint64_t radix = choices_.byName.back().hops.size() + 1;
+    choices_.push_back({entry.first, collectHops(host_, direction, entry.first, *entry.second)});
+    const std::uint64_t radix = choices_.back().hops.size() + 1;
     if (__builtin_mul_overflow(combinations_, radix, &combinations_)) {
       combinations_ = std::numeric_limits<std::uint64_t>::max();
     }
@@ -60,21 +44,34 @@ std::vector<BaselineHop> StepGeneration::run() {
 }
 
 std::vector<BaselineHop> StepGeneration::runReserved() {
-  steps_.reserve(choices_.combinationCount);
-  return tryAll(choices_.combinationCount);
+  std::uint64_t combinations = 1;
+  for (const Choice& choice : choices_) combinations *= choice.hops.size() + 1;
+  steps_.reserve(combinations);
+  return tryAll(combinations);
 }
 
 std::vector<BaselineHop> StepGeneration::tryAll(std::uint64_t combinations) {
   trace(TraceLevel::Reasoning,
         [&](std::ostream& out) { out << "count of possible hop permutations=" << combinations; });
   for (std::uint64_t index = 1; index < combinations; ++index) {
-    attempt(decodeCombination(index, choices_));
+    attempt(decode(index));
   }
   trace(TraceLevel::Reasoning, [&](std::ostream& out) {
     out << "getStepsFrom " << from_ << " RETURNS " << steps_.size() << " items:";
   });
   for (const BaselineHop& step : steps_) traceValue(step.to);
   return std::move(steps_);
+}
+
+LockstepHop StepGeneration::decode(std::uint64_t combination) const {
+  LockstepHop hops;
+  for (const Choice& choice : choices_) {
+    const std::uint64_t radix = choice.hops.size() + 1;
+    const std::uint64_t digit = combination % radix;
+    combination /= radix;
+    if (digit != 0) hops.emplace(choice.name, choice.hops[digit - 1]);
+  }
+  return hops;
 }
 
 /// Adds one step for each baseline that the combination leads to.

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 #include <vector>
 
-#include "pathfinder/search/hop_collection.hpp"
 #include "pathfinder/search/search_host.hpp"
 #include "pathfinder/version_baseline.hpp"
 
@@ -35,13 +35,20 @@ class StepGeneration {
   std::vector<BaselineHop> runReserved();
 
  private:
+  /// The hops that may move one metamodel of the baseline.
+  struct Choice {
+    std::u16string name;
+    std::vector<Hop> hops;
+  };
+
+  LockstepHop decode(std::uint64_t combination) const;
   std::vector<BaselineHop> tryAll(std::uint64_t combinations);
   void attempt(const LockstepHop& combination);
 
   SearchHost& host_;
   const VersionBaseline& from_;
-  HopChoices choices_;
-  std::uint64_t combinations_ = 1;  // as in choices_, but stopping at the largest number
+  std::vector<Choice> choices_;     // in the order of names
+  std::uint64_t combinations_ = 1;  // of each taking a hop or none, stopping at the largest number
   std::vector<BaselineHop> steps_;
 };
 
