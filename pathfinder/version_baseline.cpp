@@ -7,7 +7,6 @@
 #include "pathfinder/values/as_class.hpp"
 #include "pathfinder/values/entry_insertion.hpp"
 #include "pathfinder/values/hashing.hpp"
-#include "pathfinder/values/standard_types.hpp"
 #include "platform/text.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -86,10 +85,6 @@ std::vector<tarn::meta::Type> VersionBaseline::fetchSubclasses(const tarn::meta:
     if (metamodel) metamodel->fecthSubclassesInMetamodelOnly(base, result);
   }
   return result;
-}
-
-tarn::meta::Type VersionBaseline::lookupStandardType(const std::u16string& qualifiedName) {
-  return findStandardType(qualifiedName);
 }
 
 std::ostream& operator<<(std::ostream& out, const VersionBaseline& baseline) {

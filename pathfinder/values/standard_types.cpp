@@ -1,9 +1,10 @@
-#include "pathfinder/values/standard_types.hpp"
+// `VersionBaseline::lookupStandardType`.
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
+#include "pathfinder/version_baseline.hpp"
 #include "platform/meta_registry.hpp"
 #include "platform/model.hpp"
 
@@ -71,7 +72,7 @@ Type findFrameworkType(const std::u16string& qualifiedName) {
 
 }  // namespace
 
-Type findStandardType(const std::u16string& qualifiedName) {
+Type VersionBaseline::lookupStandardType(const std::u16string& qualifiedName) {
   if (isStandardPrimitive(qualifiedName)) return MetaRegistry::getInstance().getType(qualifiedName);
   if (qualifiedName == u"tarn.Model" || qualifiedName == u"tarn.meta.Model") {
     return tarn::Model::metaClass();
