@@ -10,6 +10,7 @@
 #include "pathfinder/limits/application_failure.hpp"
 #include "pathfinder/limits/search_watch.hpp"
 #include "pathfinder/linking/baseline_combination.hpp"
+#include "pathfinder/planning/step_digits.hpp"
 #include "pathfinder/search/search_question.hpp"
 
 namespace tarn::evolution::pathfinder {
@@ -48,30 +49,15 @@ std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
   }
   Path path{{}, baselines.front(), baselines.back()};
   for (std::size_t i = 0; i + 1 < baselines.size(); ++i) {
-    plan.visit(plan.stepsFrom(selections[i]),
-               [&](std::span<const PlannedHop> hops, SelectionIndex after) {
-                 path.steps.emplace_back(
-                     baselines[i], baselines[i + 1],
-                     hopsOf(plan.selections()[selections[i]], hops, plan.selections()[after]));
-               });
+    plan.visit(
+        plan.stepsFrom(selections[i]), [&](std::span<const PlannedHop> hops, SelectionIndex after) {
+          const SelectionView before = plan.selections()[selections[i]];
+          LockstepHop step;
+          addHops(space_, before, digitsOf(space_, before, hops, plan.selections()[after]), step);
+          path.steps.emplace_back(baselines[i], baselines[i + 1], std::move(step));
+        });
   }
   return path;
-}
-
-LockstepHop PlanLinking::hopsOf(SelectionView before, std::span<const PlannedHop> hops,
-                                SelectionView after) const {
-  LockstepHop result;
-  for (NameIndex name = 0; name < before.size(); ++name) {
-    if (hops[name] == PlannedHop::None) continue;
-    const SearchSpace::Version& version = space_.versions[before[name]];
-    const auto move = std::find_if(
-        version.moves.begin(), version.moves.end(), [&](const SearchSpace::Move& candidate) {
-          return candidate.target == after[name] &&
-                 candidate.expensive == (hops[name] == PlannedHop::Expensive);
-        });
-    result.emplace(space_.names[name].text, version.hops[move->place]);
-  }
-  return result;
 }
 
 /// The baseline of a selection; no value when it cannot be held.

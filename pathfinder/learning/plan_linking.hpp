@@ -45,8 +45,6 @@ class PlanLinking {
   void requireNoMoreLinks();
 
  private:
-  LockstepHop hopsOf(SelectionView before, std::span<const PlannedHop> hops,
-                     SelectionView after) const;
   std::optional<VersionBaseline> hold(SelectionView selection);
   std::optional<VersionBaseline> combined() const;
   VersionIndex linkEach(SelectionView selection);

@@ -48,7 +48,7 @@ Plans planAllBackward(const PlanningGround& ground, const PlanningBudget& budget
   for (const IdleStep& step : idleStepsOf(ground)) {
     const std::uint64_t most =
         plans.empty() ? std::numeric_limits<std::uint64_t>::max() : plans.front().cost().total;
-    offer(plans, planBackward(ground, ground.space.targets, step, most, budget));
+    offer(plans, planBackward(ground, ground.space.targets, budget, step, most));
   }
   return plans;
 }

@@ -18,19 +18,9 @@ bool canStandTogether(const PlanningGround& ground, const VersionSelection& sele
   return true;
 }
 
-bool admits(const VersionSelection& target, const VersionSelection& selection) {
-  return std::equal(target.begin(), target.end(), selection.begin(),
-                    [](VersionIndex wanted, VersionIndex held) {
-                      return wanted == held || wanted == SearchSpace::none;
-                    });
-}
-
 /// Whether the step after an idle one, which there would have to be, does as well for the first.
 bool needsNoIdleStep(const PlanningGround& ground, const VersionSelection& source) {
-  const auto& targets = ground.space.targets;
-  return canStandTogether(ground, source) &&
-         std::none_of(targets.begin(), targets.end(),
-                      [&](const VersionSelection& target) { return admits(target, source); });
+  return canStandTogether(ground, source) && !ground.space.isTarget(source);
 }
 
 }  // namespace

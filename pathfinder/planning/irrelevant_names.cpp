@@ -9,12 +9,31 @@
 #include "pathfinder/planning/irrelevant_names.hpp"
 
 #include <algorithm>
+#include <exception>
 
-#include "pathfinder/linking/link_attempt.hpp"
+#include "messages/report_exception.hpp"
 
 namespace tarn::evolution::pathfinder {
 
-void IrrelevantNames::find() {
+namespace {
+
+using Conflict = foundation::core::except::Exception<tarn_evo::messages::ConflictingDependencies,
+                                                     std::exception, void>;
+
+/// The linked metamodels of a descriptor; null when it cannot be linked, and so never be held. An
+/// attempt to hold it, should there be one, reports the conflict.
+const LinkedMetamodels* tryLink(SearchHost& host, const Metamodel& descriptor) {
+  try {
+    return &host.getLinkedMetamodels(descriptor);
+  } catch (const Conflict&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+IrrelevantNames::IrrelevantNames(const SearchQuestion& question, std::pmr::memory_resource* memory)
+    : question_(question), linked_(memory) {
   if (question_.sources.empty()) return;
   for (const auto& [name, linked] : question_.sources.front().metamodels) {
     if (linked && linked->linkedMetamodels.empty() && maybeIrrelevant(name, linked)) {

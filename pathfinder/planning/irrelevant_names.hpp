@@ -17,11 +17,7 @@ namespace tarn::evolution::pathfinder {
 /// be brought in. Who finds that a name is relevant after all removes it.
 class IrrelevantNames {
  public:
-  /// Without names yet.
-  IrrelevantNames(const SearchQuestion& question, std::pmr::memory_resource* memory)
-      : question_(question), linked_(memory) {}
-
-  void find();
+  IrrelevantNames(const SearchQuestion& question, std::pmr::memory_resource* memory);
 
   bool contain(const LinkedMetamodel& linked) const { return linked_.contains(&linked); }
 

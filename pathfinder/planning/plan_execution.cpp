@@ -49,18 +49,15 @@ class PlanExecution {
   }
 
  private:
-  /// A combination of hops that is planned, and the selections that it may lead to.
-  struct Combination {
-    StepDigits digits;
-    std::vector<SelectionIndex> after;
-  };
+  /// Combinations of hops that are planned, each with the selections that it may lead to.
+  using Combinations = std::map<StepDigits, std::vector<SelectionIndex>>;
 
   /// A baseline on the way that is being tried, and how far its combinations have been.
   struct Visit {
     const VersionBaseline* baseline;  // a source's, or a candidate of the visit before
     SelectionIndex selection;
-    std::vector<Combination> combinations;  // those left to try, in reverse order
-    bool linksAnew = false;  // whether its linked metamodels are not of the repository's making
+    Combinations combinations;  // those left to try
+    bool linksAnew = false;     // whether its linked metamodels are not of the repository's making
     std::vector<SelectionIndex> after = {};  // what the combination tried last may lead to
     LockstepHop hops = {};                   // of that combination
     std::vector<VersionBaseline> candidates = {};
@@ -144,14 +141,7 @@ class PlanExecution {
   }
 
   const VersionBaseline* targetIn(const VersionBaseline& baseline, SelectionView selection) const {
-    const bool mayBe = std::any_of(
-        space_.targets.begin(), space_.targets.end(), [&](const VersionSelection& target) {
-          return std::equal(target.begin(), target.end(), selection.begin(), selection.end(),
-                            [](VersionIndex wanted, VersionIndex held) {
-                              return wanted == held || wanted == SearchSpace::none;
-                            });
-        });
-    return mayBe ? question_.targetIn(baseline) : nullptr;
+    return space_.isTarget(selection) ? question_.targetIn(baseline) : nullptr;
   }
 
   /// Whether what is planned from here on has the step weights with which the best plans end.
@@ -204,44 +194,24 @@ class PlanExecution {
     collectHops(question_.host, question_.direction, name, linked);
   }
 
-  /// The combinations that planned steps stand for, the last one first.
-  std::vector<Combination> combinationsFrom(PlannedSteps steps, SelectionView selection) const {
-    std::vector<Combination> result;
+  /// The combinations that planned steps stand for.
+  Combinations combinationsFrom(PlannedSteps steps, SelectionView selection) const {
+    Combinations result;
     plan_.visit(steps, [&](std::span<const PlannedHop> hops, SelectionIndex after) {
-      result.push_back({digitsOf(space_, selection, hops, selections_[after]), {after}});
+      result[digitsOf(space_, selection, hops, selections_[after])].push_back(after);
     });
-    std::sort(result.begin(), result.end(), [](const Combination& left, const Combination& right) {
-      return left.digits > right.digits;
-    });
-    auto kept = result.begin();
-    for (auto next = result.begin(); next != result.end(); ++next) {
-      if (next == result.begin()) continue;
-      if (kept->digits == next->digits) {
-        kept->after.push_back(next->after.front());
-      } else if (++kept != next) {
-        *kept = std::move(*next);
-      }
-    }
-    if (!result.empty()) result.erase(kept + 1, result.end());
     return result;
   }
 
   /// Tries the next combination.
   void attempt(Visit& visit) {
-    const Combination combination = std::move(visit.combinations.back());
-    visit.combinations.pop_back();
-    if (visit.combinations.empty()) visit.combinations.shrink_to_fit();  // a way may be long
-    visit.after = combination.after;
-    const SelectionView selection = selections_[visit.selection];
-    const StepDigits& digits = combination.digits;
+    auto next = visit.combinations.extract(visit.combinations.begin());
+    const StepDigits& digits = next.key();
+    visit.after = std::move(next.mapped());
     visit.hops.clear();
     visit.hops.reserve(digits.size() -
                        static_cast<std::size_t>(std::count(digits.begin(), digits.end(), 0U)));
-    for (NameIndex name = 0; name < selection.size(); ++name) {
-      const std::uint32_t digit = digits[selection.size() - 1 - name];
-      if (digit == 0) continue;
-      visit.hops.emplace(space_.names[name].text, space_.versions[selection[name]].hops[digit - 1]);
-    }
+    addHops(space_, selections_[visit.selection], digits, visit.hops);
     traceAttempt(visit.hops);
     visit.candidates = space_.anyLinksOwnName
                            ? findTargetBaselines(question_.host, *visit.baseline, visit.hops)

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -384,15 +383,8 @@ class PlanSearch {
 
 std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
                                          const std::vector<VersionSelection>& targets,
-                                         const PlanningBudget& budget) {
-  constexpr auto any = std::numeric_limits<std::uint64_t>::max();
-  return PlanSearch(ground, std::nullopt, any, budget).run(targets);
-}
-
-std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& targets,
-                                         const IdleStep& first, std::uint64_t most,
-                                         const PlanningBudget& budget) {
+                                         const PlanningBudget& budget,
+                                         const std::optional<IdleStep>& first, std::uint64_t most) {
   return PlanSearch(ground, first, most, budget).run(targets);
 }
 

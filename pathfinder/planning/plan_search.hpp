@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -11,15 +12,11 @@
 namespace tarn::evolution::pathfinder {
 
 /// The best plans from any source of the space to any of the targets, but for those that begin with
-/// an idle step; no value when there is no plan.
-std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& targets,
-                                         const PlanningBudget& budget = {});
-
-/// The best plans that begin with an idle step and have a total of no more than `most`.
-std::optional<BackwardPlan> planBackward(const PlanningGround& ground,
-                                         const std::vector<VersionSelection>& targets,
-                                         const IdleStep& first, std::uint64_t most,
-                                         const PlanningBudget& budget = {});
+/// an idle step; or, with `first`, those that begin with that one and have a total of no more than
+/// `most`. No value when there is none.
+std::optional<BackwardPlan> planBackward(
+    const PlanningGround& ground, const std::vector<VersionSelection>& targets,
+    const PlanningBudget& budget = {}, const std::optional<IdleStep>& first = std::nullopt,
+    std::uint64_t most = std::numeric_limits<std::uint64_t>::max());
 
 }  // namespace tarn::evolution::pathfinder

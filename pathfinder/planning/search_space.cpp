@@ -11,6 +11,14 @@ VariantIndex SearchSpace::Variant::heldUnder(NameIndex name) const {
   return found != closure.end() && found->name == name ? found->variant : none;
 }
 
+bool SearchSpace::isTarget(std::span<const VersionIndex> selection) const {
+  return std::any_of(targets.begin(), targets.end(), [&](const VersionSelection& target) {
+    return std::equal(
+        target.begin(), target.end(), selection.begin(), selection.end(),
+        [](VersionIndex wanted, VersionIndex held) { return wanted == held || wanted == none; });
+  });
+}
+
 VersionIndex SearchSpace::versionOf(const LinkedMetamodel& linked) const {
   const auto variant = variantOf.find(&linked);
   return variant == variantOf.end() ? none : variants[variant->second].version;

@@ -138,6 +138,9 @@ struct SearchSpace {
                                        versions[version].variantCount);
   }
 
+  /// Whether some target admits a selection.
+  bool isTarget(std::span<const VersionIndex> selection) const;
+
   /// The version that a linked metamodel of a name that is linked is of; `none` when that is not in
   /// the space.
   VersionIndex versionOf(const LinkedMetamodel& linked) const;

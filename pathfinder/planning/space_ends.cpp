@@ -21,12 +21,6 @@ const SurveyedVersion* versionOf(const SurveyedEntry& entry) {
   return found == entry.name->versions.end() ? nullptr : *found;
 }
 
-bool isOneOf(const LinkedMetamodel& linked, const SurveyedVersion& version) {
-  return version.linked != nullptr &&
-         std::any_of(version.linked->begin(), version.linked->end(),
-                     [&](const auto& variant) { return variant.get() == &linked; });
-}
-
 /// Whether what closes a target may do so under another version of the name, which brings in each
 /// entry that links it.
 bool mayStandBack(const SearchSpace& space, const SurveyedTarget& target,
@@ -48,7 +42,7 @@ bool select(const SearchSpace& space, const SurveyedTarget& target, VersionSelec
   for (const auto& [name, linked] : target.entries) {
     if (mayStandBack(space, target, *name)) continue;
     const SurveyedVersion* version = versionOf({name, linked});
-    if (version == nullptr || !isOneOf(*linked, *version)) return false;
+    if (version == nullptr || !version->isLinkedAs(*linked)) return false;
     selection[name->index] = version->index;
   }
   for (const SurveyedName* name : target.absent) {

@@ -29,4 +29,13 @@ StepDigits digitsOf(const SearchSpace& space, SelectionView before,
   return digits;
 }
 
+void addHops(const SearchSpace& space, SelectionView before, const StepDigits& digits,
+             LockstepHop& hops) {
+  for (NameIndex name = 0; name < before.size(); ++name) {
+    const std::uint32_t digit = digits[before.size() - 1 - name];
+    if (digit == 0) continue;
+    hops.emplace(space.names[name].text, space.versions[before[name]].hops[digit - 1]);
+  }
+}
+
 }  // namespace tarn::evolution::pathfinder

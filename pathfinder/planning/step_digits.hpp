@@ -19,4 +19,8 @@ using StepDigits = std::vector<std::uint32_t>;
 StepDigits digitsOf(const SearchSpace& space, SelectionView before,
                     std::span<const PlannedHop> hops, SelectionView after);
 
+/// Adds the hops that the digits stand for, one name after the other.
+void addHops(const SearchSpace& space, SelectionView before, const StepDigits& digits,
+             LockstepHop& hops);
+
 }  // namespace tarn::evolution::pathfinder

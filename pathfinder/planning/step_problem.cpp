@@ -18,6 +18,7 @@
 #include "pathfinder/planning/step_problem.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -76,15 +77,23 @@ bool StepProblem::isDecided(NameIndex name) const {
          ground_->compatibility.neighbours(name).empty();
 }
 
+/// Adds an option to sums, or takes it out of them.
+template <class Operation>
+void StepProblem::tally(const Operation& operation, const Candidate& candidate,
+                        PartialStep::Sum& sum, std::uint64_t* ahead) const {
+  sum.least = operation(sum.least, candidate.least);
+  sum.hops = operation(sum.hops, candidate.option.hop);
+  visitHopsAhead(ground_->bounds, candidate.option.before, [&](std::uint64_t weight) {
+    *ahead = operation(*ahead, weight);
+    ++ahead;
+  });
+}
+
 void StepProblem::addDecided(const Candidate& candidate) {
   decidedSteps_ = std::max(decidedSteps_, candidate.bounds->ordinarySteps);
-  decidedSum_.least += candidate.least;
-  decidedSum_.hops += candidate.option.hop;
   const std::size_t length = hopsAhead(*candidate.bounds);
   if (decidedAhead_.size() < length) decidedAhead_.resize(length);
-  auto ahead = decidedAhead_.begin();
-  visitHopsAhead(ground_->bounds, candidate.option.before,
-                 [&](std::uint64_t weight) { *ahead++ += weight; });
+  tally(std::plus(), candidate, decidedSum_, decidedAhead_.data());
 }
 
 bool StepProblem::begin(PartialStep& partial) const {
@@ -116,11 +125,7 @@ void StepProblem::count(PartialStep& partial, const Domain& domain) const {
     ++partial.sum.unmet;
     return;
   }
-  partial.sum.least += candidate->least;
-  partial.sum.hops += candidate->option.hop;
-  std::uint64_t* ahead = aheadIn(partial);
-  visitHopsAhead(ground_->bounds, candidate->option.before,
-                 [&](std::uint64_t weight) { *ahead++ += weight; });
+  tally(std::plus(), *candidate, partial.sum, aheadIn(partial));
 }
 
 /// Takes a name's best options out of the sums.
@@ -131,11 +136,7 @@ void StepProblem::discount(PartialStep& partial, const Domain& domain) const {
     --partial.sum.unmet;
     return;
   }
-  partial.sum.least -= candidate->least;
-  partial.sum.hops -= candidate->option.hop;
-  std::uint64_t* ahead = aheadIn(partial);
-  visitHopsAhead(ground_->bounds, candidate->option.before,
-                 [&](std::uint64_t weight) { *ahead++ -= weight; });
+  tally(std::minus(), *candidate, partial.sum, aheadIn(partial));
 }
 
 void StepProblem::refresh(PartialStep& partial) const {
@@ -308,11 +309,7 @@ bool StepProblem::sumUp(const PartialStep& partial, std::uint32_t steps, bool wi
   for (const Domain& domain : domains_) {
     const Candidate* candidate = best(partial, domain, steps, withOrdinaryHop);
     if (candidate == nullptr) return false;
-    sum.least += candidate->least;
-    sum.hops += candidate->option.hop;
-    std::size_t i = 0;
-    visitHopsAhead(ground_->bounds, candidate->option.before,
-                   [&](std::uint64_t weight) { sums[i++] += weight; });
+    tally(std::plus(), *candidate, sum, sums.data());
   }
   return true;
 }

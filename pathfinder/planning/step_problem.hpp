@@ -148,6 +148,9 @@ class StepProblem {
   std::uint64_t* aheadIn(PartialStep& partial) const { return partial.words + domainWords_; }
 
   bool isDecided(NameIndex name) const;
+  template <class Operation>
+  void tally(const Operation& operation, const Candidate& candidate, PartialStep::Sum& sum,
+             std::uint64_t* ahead) const;
   void addDecided(const Candidate& candidate);
 
   bool propagate(PartialStep& partial) const;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <limits>
 #include <memory_resource>
 #include <optional>
@@ -18,27 +19,30 @@
 #include "pathfinder/planning/search_space.hpp"
 #include "pathfinder/planning/survey_failures.hpp"
 #include "pathfinder/search/search_question.hpp"
-#include "pathfinder/values/hashing.hpp"
 
 namespace tarn::evolution::pathfinder {
-
-struct VersionIdHash {
-  std::size_t operator()(const VersionId& version) const noexcept { return hashVersion(version); }
-};
 
 struct SurveyedName;
 
 /// A version that a survey has met.
 struct SurveyedVersion {
+  using allocator_type = std::pmr::polymorphic_allocator<>;
   static constexpr std::uint64_t unreached = std::numeric_limits<std::uint64_t>::max();
 
-  SurveyedVersion(SurveyedName& itsName, const Metamodel& metamodel)
-      : name(&itsName), descriptor(&metamodel) {}
+  SurveyedVersion(SurveyedName& itsName, const Metamodel& metamodel, const allocator_type& memory)
+      : name(&itsName), descriptor(&metamodel), hops(memory) {}
+
+  /// Whether a linked metamodel is one that the repository has made of it.
+  bool isLinkedAs(const LinkedMetamodel& metamodel) const {
+    return linked != nullptr &&
+           std::any_of(linked->begin(), linked->end(),
+                       [&](const auto& variant) { return variant.get() == &metamodel; });
+  }
 
   SurveyedName* name;
   const Metamodel* descriptor;
   std::uint64_t distance = unreached;  // least weights of hops from where the name can begin
-  std::span<const Hop> hops;           // that leave it and do not go against the direction
+  std::pmr::vector<Hop> hops;          // that leave it and do not go against the direction
   std::size_t firstTarget = 0;         // of those of these hops that lead to a version
   std::uint32_t targetCount = 0;
   const LinkedMetamodels* linked = nullptr;            // null until linked, or if it cannot be
@@ -76,7 +80,7 @@ class SurveyedVersions {
       }
       return nullptr;
     }
-    const auto [begin, end] = byHash_.equal_range(VersionIdHash()(number));
+    const auto [begin, end] = byHash_.equal_range(std::hash<VersionId>()(number));
     for (auto entry = begin; entry != end; ++entry) {
       SurveyedVersion* const version = entry->second;
       if (version->descriptor->version == number && isWanted(*version)) return version;
@@ -88,7 +92,7 @@ class SurveyedVersions {
     versions_.push_back(&version);
     if (versions_.size() <= few) return;
     for (std::size_t i = byHash_.size(); i < versions_.size(); ++i) {
-      byHash_.emplace(VersionIdHash()(versions_[i]->descriptor->version), versions_[i]);
+      byHash_.emplace(std::hash<VersionId>()(versions_[i]->descriptor->version), versions_[i]);
     }
   }
 
@@ -123,29 +127,6 @@ struct SurveyedName {
   SurveyedVersions known;
   NameIndex index = SearchSpace::none;
   VersionIndex unknown = SearchSpace::none;  // stands for what unknown hops may lead to
-};
-
-/// The hops of versions, those of one version together. They stay where they are.
-class HopStore {
- public:
-  /// Begins with another version, which has so many hops at most.
-  void begin(std::size_t most) {
-    if (chunks_.empty() || chunks_.back().capacity() - chunks_.back().size() < most) {
-      chunks_.emplace_back().reserve(std::max(usualChunk, most));
-    }
-    first_ = chunks_.back().size();
-  }
-
-  void add(Hop&& hop) { chunks_.back().push_back(std::move(hop)); }
-
-  /// The hops of the version that was begun with last.
-  std::span<const Hop> last() const { return std::span(chunks_.back()).subspan(first_); }
-
- private:
-  static constexpr std::size_t usualChunk = 64;
-
-  std::vector<std::vector<Hop>> chunks_;
-  std::size_t first_ = 0;
 };
 
 /// What a baseline of the question holds under a name.
@@ -223,7 +204,6 @@ struct SurveyState {
   std::pmr::unordered_map<std::u16string_view, SurveyedName> names{&memory};
   std::pmr::deque<SurveyedVersion> versions{&memory};
   std::pmr::deque<Metamodel> descriptors{&memory};
-  HopStore hops;
   std::vector<SurveyedHop> hopTargets;  // those of one version stand together
   SurveyFailures failures;
 

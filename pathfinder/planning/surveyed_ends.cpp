@@ -30,9 +30,7 @@ bool bringsInAgainstItself(const LinkedMetamodel& linking, const LinkedMetamodel
 }
 
 SurveyedEnds::SurveyedEnds(SurveyState& state, VersionExploration& exploration)
-    : state_(state), exploration_(exploration), irrelevant_(state.question, &state.memory) {
-  irrelevant_.find();
-}
+    : state_(state), exploration_(exploration), irrelevant_(state.question, &state.memory) {}
 
 void SurveyedEnds::enter() {
   enterTargets();
@@ -122,14 +120,7 @@ void SurveyedEnds::enterSource(std::size_t source, const std::u16string& key,
     version.linked = &state_.question.host.getLinkedMetamodels(linked);
   }
   surveyed.isRegular &=
-      isOwn(version, linked) && holdsLinksOf(state_.question.sources[source], linked);
-}
-
-/// Whether the linked metamodel is of the repository's own making.
-bool SurveyedEnds::isOwn(const SurveyedVersion& version, const LinkedMetamodel& linked) {
-  return version.linked != nullptr &&
-         std::any_of(version.linked->begin(), version.linked->end(),
-                     [&](const auto& variant) { return variant.get() == &linked; });
+      version.isLinkedAs(linked) && holdsLinksOf(state_.question.sources[source], linked);
 }
 
 /// Whether some target mentions a name that some source does not hold.

@@ -35,7 +35,6 @@ class SurveyedEnds {
   void noteKnownAnswers();
   void enterSources();
   void enterSource(std::size_t source, const std::u16string& key, const LinkedMetamodel& linked);
-  static bool isOwn(const SurveyedVersion& version, const LinkedMetamodel& linked);
   bool mayNeedToBringIn() const;
   bool mayLinkAnew() const;
   void takeUp(const std::u16string& name, const LinkedMetamodel& linked);

@@ -119,13 +119,12 @@ void VersionExploration::askForHops(SurveyedVersion& version) {
     return;
   }
   version.firstTarget = state_.hopTargets.size();
-  state_.hops.begin(hops_.size());
+  version.hops.reserve(hops_.size());
   for (Hop& hop : hops_) {
     const auto keep = [&] { keepHop(version, hop); };
     if (!state_.failures.attempt(version, SurveyAttempt::AskForHops, keep))
       noteUnknownHops(version);
   }
-  version.hops = state_.hops.last();
 }
 
 /// Some hop might lead anywhere, above all to what a target holds.
@@ -154,10 +153,10 @@ void VersionExploration::keepHop(SurveyedVersion& version, Hop& hop) {
   }
   if (!hasOwnName) target = lookUp(name, hop.to);
   if (target != nullptr) {
-    state_.hopTargets.push_back({static_cast<std::uint32_t>(state_.hops.last().size()), target});
+    state_.hopTargets.push_back({static_cast<std::uint32_t>(version.hops.size()), target});
     ++version.targetCount;
   }
-  state_.hops.add(std::move(hop));
+  version.hops.push_back(std::move(hop));
 }
 
 void VersionExploration::followHops(const SurveyedVersion& version) {

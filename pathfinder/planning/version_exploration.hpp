@@ -65,8 +65,7 @@ class VersionExploration {
   std::size_t findings_ = 0;
 
   /// What `getMetamodel` answered with another version than the one asked for, or with none.
-  std::unordered_map<const SurveyedName*,
-                     std::unordered_map<VersionId, SurveyedVersion*, VersionIdHash>>
+  std::unordered_map<const SurveyedName*, std::unordered_map<VersionId, SurveyedVersion*>>
       otherAnswers_;
 };
 
