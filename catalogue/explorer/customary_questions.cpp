@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "catalogue/explorer/numbered_versions.hpp"
+#include "catalogue/model/numbered_versions.hpp"
 
 namespace tarn::evolution::catalogue {
 

@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "catalogue/explorer/numbered_versions.hpp"
+#include "catalogue/model/numbered_versions.hpp"
 #include "catalogue/text/json_printer.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"

@@ -20,7 +20,7 @@ class NumberedVersions {
   std::size_t size() const { return versions_.size(); }
   const CatalogueMetamodel& operator[](std::size_t number) const { return versions_[number]; }
 
-  /// The number of the version that is written so.
+  /// The number of a version.
   std::optional<std::size_t> find(const pathfinder::VersionId& version) const;
 
   /// The same, or else that of the version which is equivalent to it, as the end of a hop may be.
@@ -30,7 +30,7 @@ class NumberedVersions {
   BrowsableRepository& repository_;
   std::u16string name_;
   std::vector<CatalogueMetamodel> versions_;
-  std::unordered_map<std::string, std::size_t> numbers_;  // by text, which no two share
+  std::unordered_map<pathfinder::VersionId, std::size_t> numbers_;
 };
 
 }  // namespace tarn::evolution::catalogue

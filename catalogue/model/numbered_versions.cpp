@@ -1,8 +1,6 @@
-#include "catalogue/explorer/numbered_versions.hpp"
+#include "catalogue/model/numbered_versions.hpp"
 
 #include <algorithm>
-
-#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -13,12 +11,12 @@ NumberedVersions::NumberedVersions(BrowsableRepository& repository, const std::u
                      return left.precedence() < right.precedence();
                    });
   for (std::size_t i = 0; i < versions_.size(); ++i) {
-    numbers_.emplace(textOf(versions_[i].descriptor.version), i);
+    numbers_.emplace(versions_[i].descriptor.version, i);
   }
 }
 
 std::optional<std::size_t> NumberedVersions::find(const pathfinder::VersionId& version) const {
-  const auto found = numbers_.find(textOf(version));
+  const auto found = numbers_.find(version);
   return found == numbers_.end() ? std::nullopt : std::optional(found->second);
 }
 
