@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
@@ -88,9 +89,7 @@ std::optional<Metamodel> ConditionalRepository::getMetamodel(const std::u16strin
 void ConditionalRepository::findMetamodels(const std::u16string& name,
                                            const pathfinder::VersionRange& range,
                                            std::vector<Metamodel>& result) {
-  std::vector<Metamodel> found;
-  content_.findMetamodels(name, range, found);
-  for (Metamodel& metamodel : found) {
+  for (Metamodel& metamodel : listAdmitted(content_, name, range)) {
     if (!isLeft(metamodel)) continue;
     const VersionId version = metamodel.version;
     const Marks own = marksAt(name, version);

@@ -7,6 +7,8 @@
 #include <map>
 #include <utility>
 
+#include "catalogue/model/admitted_versions.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -69,11 +71,10 @@ std::vector<VersionId> admittedBy(pathfinder::VersionRepository& repository,
     const LinkedMetamodel* const held = heldBy(candidate, requirement.name);
     return held == nullptr ? std::vector<VersionId>() : std::vector{held->version};
   }
-  std::vector<Metamodel> found;
-  repository.findMetamodels(requirement.name, *requirement.range, found);
   std::vector<VersionId> result;
-  result.reserve(found.size());
-  for (Metamodel& metamodel : found) result.push_back(std::move(metamodel.version));
+  for (Metamodel& metamodel : listAdmitted(repository, requirement.name, *requirement.range)) {
+    result.push_back(std::move(metamodel.version));
+  }
   return result;
 }
 

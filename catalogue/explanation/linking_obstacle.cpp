@@ -4,6 +4,7 @@
 
 #include "catalogue/explanation/clash_search.hpp"
 #include "catalogue/explanation/suggestions.hpp"
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/text/version_range.hpp"
 
@@ -15,9 +16,7 @@ using pathfinder::Metamodel;
 namespace {
 
 std::vector<Metamodel> candidatesFor(Inquiry& inquiry, const Dependency& dependency) {
-  std::vector<Metamodel> result;
-  inquiry.repository().findMetamodels(dependency.name, dependency.range, result);
-  return result;
+  return listAdmitted(inquiry.repository(), dependency.name, dependency.range);
 }
 
 /// Linking fails as soon as one candidate of a dependency cannot be linked.

@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "catalogue/text/visible.hpp"
@@ -53,9 +54,8 @@ class Domains {
     if (!isNew) return found->second;
     const Domain& domain = of(dependency.name);
     found->second.resize(domain.versions.size());
-    std::vector<Metamodel> metamodels;
-    repository_.findMetamodels(dependency.name, dependency.range, metamodels);
-    for (const Metamodel& metamodel : metamodels) {
+    for (const Metamodel& metamodel :
+         listAdmitted(repository_, dependency.name, dependency.range)) {
       found->second[domain.places.at(metamodel.version)] = true;
     }
     return found->second;

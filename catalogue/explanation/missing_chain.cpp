@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "catalogue/model/admitted_versions.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -25,8 +27,7 @@ std::vector<NamedVersion> findDependents(BrowsableRepository& content, const Hop
   const auto hopsLeft = graph.hopsTo(target.version);
   const auto bringsIn = [&](const Dependency& dependency) {
     if (dependency.name != target.name) return false;
-    std::vector<Metamodel> admitted;
-    content.findMetamodels(dependency.name, dependency.range, admitted);
+    const auto admitted = listAdmitted(content, dependency.name, dependency.range);
     return std::any_of(admitted.begin(), admitted.end(), [&](const Metamodel& version) {
       const auto vertex = graph.find(version.version);
       return vertex && hopsLeft[*vertex];

@@ -2,6 +2,8 @@
 
 #include <unordered_set>
 
+#include "catalogue/model/admitted_versions.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -15,9 +17,7 @@ bool leadsToOwnName(LinkableRepository& repository, const Metamodel& metamodel) 
     open.pop_back();
     for (const Dependency& dependency : current.dependencies) {
       if (dependency.name == metamodel.name) return true;
-      std::vector<Metamodel> candidates;
-      repository.findMetamodels(dependency.name, dependency.range, candidates);
-      for (Metamodel& candidate : candidates) {
+      for (Metamodel& candidate : listAdmitted(repository, dependency.name, dependency.range)) {
         if (met.insert(candidate).second) open.push_back(std::move(candidate));
       }
     }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <deque>
 
+#include "catalogue/model/admitted_versions.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
@@ -73,9 +75,8 @@ class Reach {
   void followDependencies(const Metamodel& current) {
     for (const Dependency& dependency : current.dependencies) {
       if (held_.contains(dependency.name)) continue;
-      std::vector<Metamodel> candidates;
-      repository_.findMetamodels(dependency.name, dependency.range, candidates);
-      for (const Metamodel& candidate : candidates) {
+      for (const Metamodel& candidate :
+           listAdmitted(repository_, dependency.name, dependency.range)) {
         addNew(candidate.version, broughtIn_[candidate.name]);
         enter(candidate);
       }

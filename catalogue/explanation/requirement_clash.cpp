@@ -13,6 +13,8 @@
 #include <set>
 #include <utility>
 
+#include "catalogue/model/admitted_versions.hpp"
+
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Metamodel;
@@ -22,20 +24,12 @@ namespace {
 
 constexpr std::size_t mostWork = 2000;  // names of all that was tried
 
-bool admits(pathfinder::VersionRepository& repository, const PeerRequirement& requirement,
-            const Metamodel& metamodel) {
-  std::vector<Metamodel> admitted;
-  repository.findMetamodels(requirement.name, requirement.range, admitted);
-  return std::any_of(admitted.begin(), admitted.end(), [&](const Metamodel& candidate) {
-    return candidate.version == metamodel.version;
-  });
-}
-
 /// The first requirement of a metamodel on the other's name that excludes it.
 std::optional<PeerRequirement> excluding(pathfinder::VersionRepository& repository,
                                          const Metamodel& metamodel, const Metamodel& other) {
   for (PeerRequirement& requirement : repository.getRequirements(metamodel)) {
-    if (requirement.name != other.name || admits(repository, requirement, other)) continue;
+    if (requirement.name != other.name) continue;
+    if (isAdmitted(repository, other.name, requirement.range, other.version)) continue;
     return std::move(requirement);
   }
   return std::nullopt;

@@ -5,7 +5,9 @@
 #include <optional>
 #include <set>
 
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/text/display_text.hpp"
+#include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 #include "platform/text.hpp"
@@ -54,8 +56,7 @@ class GraphBuilder {
     for (const std::u16string& name : names) {
       const auto metamodels = repository_.listMetamodels(name);
       if (metamodels.empty()) {
-        throw std::invalid_argument("there is no metamodel \"" +
-                                    toVisible(fl::i18n::ustring_to_utf8(name)) + "\"");
+        throw std::invalid_argument(toVisible(unknownMetamodel(name)));
       }
       for (const CatalogueMetamodel& metamodel : metamodels) show(metamodel.descriptor);
     }
@@ -79,9 +80,7 @@ class GraphBuilder {
   }
 
   std::vector<Metamodel> findSatisfying(const Dependency& dependency) {
-    std::vector<Metamodel> found;
-    repository_.findMetamodels(dependency.name, dependency.range, found);
-    return found;
+    return listAdmitted(repository_, dependency.name, dependency.range);
   }
 
   void addGroups() {

@@ -9,6 +9,7 @@
 #include <set>
 #include <tuple>
 
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
 
@@ -124,10 +125,7 @@ class TieSearch {
 
   bool admits(const Metamodel& dependent, std::size_t dependency, const VersionId& version) {
     const auto& [name, range] = dependent.dependencies[dependency];
-    std::vector<Metamodel> admitted;
-    repository_.findMetamodels(name, range, admitted);
-    return std::any_of(admitted.begin(), admitted.end(),
-                       [&](const Metamodel& metamodel) { return metamodel.version == version; });
+    return isAdmitted(repository_, name, range, version);
   }
 
   VersionRepository& repository_;
