@@ -1,7 +1,6 @@
 #include "catalogue/comparison/asked_catalogue.hpp"
 
 #include "catalogue/explanation/selection_lookup.hpp"
-#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/text/messages.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -16,22 +15,6 @@ LinkableRepository& AskedCatalogue::freshRepository() {
   return *repository_;
 }
 
-/// Versions that cannot be linked are looked for once the search has stumbled over one.
-std::optional<std::vector<pathfinder::BaselineHop>> AskedCatalogue::findPath(
-    const Question& question, const SearchLimits& limits) {
-  LinkableRepository& repository = freshRepository();
-  try {
-    return repository.findPath(question.from, question.to, limits);
-  } catch (const ConflictingDependencies&) {
-    repository.hideUnlinkable();
-  }
-  try {
-    return repository.findPath(question.from, question.to, limits);
-  } catch (const ConflictingDependencies&) {  // what is selected cannot be linked itself
-    return std::nullopt;
-  }
-}
-
 AnswerWithPath AskedCatalogue::ask(const Question& question, const SearchLimits& limits) {
   const UnknownEntries unknown = findUnknown(content_, question);
   if (!unknown.entries.empty()) {
@@ -41,7 +24,7 @@ AnswerWithPath AskedCatalogue::ask(const Question& question, const SearchLimits&
                                                  : unknownMetamodel(name)}};
   }
   try {
-    auto path = findPath(question, limits);
+    auto path = freshRepository().findPathBesideUnlinkable(question, limits);
     if (!path) return {};
     AnswerWithPath result{{AskedAnswer::Kind::Found}, *std::move(path)};
     for (const auto& step : result.path) result.answer.weight += content_.getWeight(step.hops);

@@ -32,8 +32,6 @@ class AskedCatalogue {
 
  private:
   LinkableRepository& freshRepository();
-  std::optional<std::vector<pathfinder::BaselineHop>> findPath(
-      const Question& question, const pathfinder::SearchLimits& limits);
 
   CatalogueRepository content_;
   std::optional<LinkableRepository> repository_;

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/picture/step_listing_json.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/note_lines.hpp"
 #include "catalogue/text/plain_numbers.hpp"
@@ -46,17 +47,6 @@ struct Overloaded : Cases... {
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-std::string lowerCased(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-    return letter < 'a' ? static_cast<char>(letter + 32) : letter;
-  });
-  return text;
-}
-
-std::string directionText(VersionRepository::Direction direction) {
-  return lowerCased(VersionRepository::getDirectionString(direction));
-}
-
 /// Of the reasons only those that speak of no path.
 constexpr auto headline = Overloaded{
     [](const PathExists&) { return std::string(); },
@@ -73,7 +63,8 @@ constexpr auto headline = Overloaded{
       return "no hops lead to " + listed(visibleEach(targets), "or") + ".";
     },
     [](const AgainstDirection& reason) {
-      return "every way there has hops that do not go " + directionText(reason.direction) + ".";
+      return std::string("every way there has hops that do not go ") +
+             nameOfDirection(reason.direction) + ".";
     },
     [](const NeverTogether& reason) {
       if (reason.names.size() == 1) {
@@ -107,7 +98,7 @@ class Details {
 
   void operator()(const MissingChains& reason) {
     if (reason.direction != VersionRepository::Unknown) {
-      out_ << "Hops count if they go " << directionText(reason.direction)
+      out_ << "Hops count if they go " << nameOfDirection(reason.direction)
            << ", for that is where the question goes.\n";
     }
     for (const MissingChain& chain : reason.chains) {

@@ -16,17 +16,7 @@ constexpr std::size_t mostBaselines = 5'000;
 
 std::optional<Path> Inquiry::findPath(const Question& question) {
   ++questions_;
-  const auto find = [&] { return repository_.findPath(question.from, question.to, limits_); };
-  try {
-    return find();
-  } catch (const ConflictingDependencies&) {
-    repository_.hideUnlinkable();
-  }
-  try {
-    return find();
-  } catch (const ConflictingDependencies&) {
-    return std::nullopt;
-  }
+  return repository_.findPathBesideUnlinkable(question, limits_);
 }
 
 std::optional<Path> Inquiry::findPath(const std::vector<VersionBaseline>& from,

@@ -32,6 +32,20 @@ std::optional<bool> LinkableRepository::isLinkable(const Metamodel& metamodel) {
   }
 }
 
+std::optional<std::vector<pathfinder::BaselineHop>> LinkableRepository::findPathBesideUnlinkable(
+    const Question& question, const pathfinder::SearchLimits& limits) {
+  try {
+    return findPath(question.from, question.to, limits);
+  } catch (const ConflictingDependencies&) {
+    hideUnlinkable();
+  }
+  try {
+    return findPath(question.from, question.to, limits);
+  } catch (const ConflictingDependencies&) {
+    return std::nullopt;
+  }
+}
+
 void LinkableRepository::findRequirements(const Metamodel& metamodel,
                                           std::vector<pathfinder::PeerRequirement>& result) {
   result = content().getRequirements(metamodel);

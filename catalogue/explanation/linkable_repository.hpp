@@ -33,6 +33,12 @@ class LinkableRepository : public ContentView, public pathfinder::RequirementSou
   void hideUnlinkable() { hidesUnlinkable_ = true; }
   bool hidesUnlinkable() const { return hidesUnlinkable_; }
 
+  /// The least-weight path that answers a question. When the path finder meets a version that
+  /// cannot be linked, it is asked again without the hops to all such versions (`hideUnlinkable`).
+  /// None where a version that the question selects cannot be linked.
+  std::optional<std::vector<pathfinder::BaselineHop>> findPathBesideUnlinkable(
+      const Question& question, const pathfinder::SearchLimits& limits);
+
   /// The versions that hops which were left out would have led to, in the order they were met.
   const std::vector<pathfinder::Metamodel>& hidden() const { return hidden_; }
 

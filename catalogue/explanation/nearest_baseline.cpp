@@ -34,10 +34,7 @@ struct Choice {
   std::vector<Option> options;
 };
 
-struct Arrival {
-  Path path;
-  VersionBaseline baseline;
-};
+using Arrival = pathfinder::BlockedQuestion::Nearest;
 
 /// Without steps the way ends at a source: at one that includes a target, unless there are none of
 /// these that could be linked and listed within the limits.
@@ -309,8 +306,8 @@ std::optional<Arrival> arriveAtCheapest(const PosedQuestion& question,
   auto nearest = question.inquiry->within([&](const pathfinder::SearchLimits& limits) {
     return question.blocked->findNearest(measures, limits);
   });
-  if (!nearest || (question.mayLink && !canBeLinked(question, nearest->path))) return std::nullopt;
-  return Arrival{std::move(nearest->path), std::move(nearest->baseline)};
+  if (nearest && question.mayLink && !canBeLinked(question, nearest->path)) return std::nullopt;
+  return nearest;
 }
 
 /// Without listing baselines: takes goal by goal as long as there is a path to all of them, up to
@@ -343,7 +340,10 @@ Arrival takeBySelections(const PosedQuestion& question) {
   return best;
 }
 
-void describe(const PosedQuestion& question, NearestBaseline& result) {
+NearestBaseline described(const PosedQuestion& question, Arrival arrival, bool isProven) {
+  NearestBaseline result{.path = std::move(arrival.path),
+                         .baseline = std::move(arrival.baseline),
+                         .isProven = isProven};
   for (const auto& [name, goal] : question.goals) {
     const NamedVersion target{name, goal.version};
     const auto held = result.baseline.metamodels.find(name);
@@ -359,6 +359,7 @@ void describe(const PosedQuestion& question, NearestBaseline& result) {
       result.unfinished.push_back({target, version, hopsLeft});
     }
   }
+  return result;
 }
 
 }  // namespace
@@ -369,21 +370,13 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
     auto nearest =
         arriveAtCheapest(question, {[&](const Metamodel& end) { return costs.toArrive(end); },
                                     [&](const Metamodel& end) { return costs.toGoOn(end); }});
-    if (nearest) {
-      NearestBaseline result{.path = std::move(nearest->path),
-                             .baseline = std::move(nearest->baseline),
-                             .isProven = true};
-      describe(question, result);
-      return result;
-    }
+    if (nearest) return described(question, *std::move(nearest), true);
   }
   if (!question.mayLink) {
-    Arrival arrival = question.canAskForNearest() ? Arrival{{}, question.sources.front()}
-                                                  : takeBySelections(question);
-    NearestBaseline result{.path = std::move(arrival.path),
-                           .baseline = std::move(arrival.baseline)};
-    describe(question, result);
-    return result;
+    return described(question,
+                     question.canAskForNearest() ? Arrival{{}, question.sources.front()}
+                                                 : takeBySelections(question),
+                     false);
   }
   GoalSubsets subsets = findLargestGoalSubsets(question);
   std::vector<std::vector<Choice>> alternatives;
@@ -393,11 +386,8 @@ NearestBaseline findNearestBaseline(const PosedQuestion& question) {
   FewestHops search(question, std::move(alternatives), std::move(subsets.path));
   auto arrival = search.run();
   if (!arrival) arrival = Arrival{{}, question.sources.front()};
-  NearestBaseline result{.path = std::move(arrival->path),
-                         .baseline = std::move(arrival->baseline)};
-  result.isProven = subsets.isProven && search.isProven() && !question.inquiry->hasCut();
-  describe(question, result);
-  return result;
+  return described(question, *std::move(arrival),
+                   subsets.isProven && search.isProven() && !question.inquiry->hasCut());
 }
 
 std::optional<VersionBaseline> findClosestBaseline(const PosedQuestion& question) {
