@@ -33,8 +33,7 @@ void writeFinding(JsonPrinter& printer, const Finding& finding) {
 
 void writeFindingsJson(const std::string& catalogue, const std::vector<Finding>& findings,
                        Severity least, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     printer.key("catalogue");
     printer.anyText(catalogue);
     for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
@@ -46,7 +45,6 @@ void writeFindingsJson(const std::string& catalogue, const std::vector<Finding>&
       }
     });
   });
-  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,9 +1,8 @@
-#include <algorithm>
-#include <map>
 #include <ostream>
 
 #include "catalogue/comparison/comparison_output.hpp"
-#include "catalogue/text/json_printer.hpp"
+#include "catalogue/comparison/comparison_words.hpp"
+#include "catalogue/picture/plan_json.hpp"
 #include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -13,21 +12,10 @@ using fl::i18n::ustring_to_utf8;
 namespace {
 
 template <class Difference>
-std::string kindOf(const Difference& each) {
-  if (!each.former) return "added";
-  return each.present ? "changed" : "removed";
-}
-
-template <class Difference>
 void writeCounts(JsonPrinter& printer, const char* field,
                  const std::vector<Difference>& differences) {
   printer.objectField(field, [&] {
-    for (const char* kind : {"added", "removed", "changed"}) {
-      const auto count =
-          std::count_if(differences.begin(), differences.end(),
-                        [&](const Difference& each) { return kindOf(each) == kind; });
-      printer.field(kind, static_cast<std::uint64_t>(count));
-    }
+    for (const char* kind : differenceKinds) printer.field(kind, countOf(differences, kind));
   });
 }
 
@@ -51,14 +39,6 @@ void writeDifferences(JsonPrinter& printer, const ContentDifference& content) {
   }
 }
 
-void writeSelection(JsonPrinter& printer, const char* field, const Selection& selection) {
-  std::map<std::u16string, std::string> ordered;
-  for (const auto& [name, version] : selection) ordered.emplace(name, textOf(version));
-  printer.objectField(field, [&] {
-    for (const auto& [name, version] : ordered) printer.field(ustring_to_utf8(name), version);
-  });
-}
-
 void writeAnswer(JsonPrinter& printer, const char* field, const AskedAnswer& answer) {
   printer.objectField(field, [&] {
     if (answer.kind == AskedAnswer::Kind::Open) return printer.field("open", true);
@@ -70,11 +50,6 @@ void writeAnswer(JsonPrinter& printer, const char* field, const AskedAnswer& ans
   });
 }
 
-const char* wordOf(AnswerChange change) {
-  constexpr const char* words[] = {"lost", "dearer", "gained", "cheaper", "open"};
-  return words[static_cast<std::size_t>(change)];
-}
-
 const char* wordOf(CauseProof proof) {
   constexpr const char* words[] = {"none", "sufficient", "smallest"};
   return words[static_cast<std::size_t>(proof)];
@@ -82,10 +57,7 @@ const char* wordOf(CauseProof proof) {
 
 void writeAnswerDifference(JsonPrinter& printer, const AnswerDifference& answer) {
   printer.object([&] {
-    printer.objectField("question", [&] {
-      writeSelection(printer, "from", answer.question.from);
-      writeSelection(printer, "to", answer.question.to);
-    });
+    writeQuestionField(printer, answer.question);
     printer.field("change", wordOf(answer.change));
     writeAnswer(printer, "former", answer.former);
     writeAnswer(printer, "present", answer.present);
@@ -98,8 +70,7 @@ void writeAnswerDifference(JsonPrinter& printer, const AnswerDifference& answer)
 }  // namespace
 
 void writeComparisonJson(const Comparison& comparison, ContentList content, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     printer.field("form", comparisonForm);
     printer.objectField("content", [&] {
       writeCounts(printer, "versions", comparison.content.versions);
@@ -122,7 +93,6 @@ void writeComparisonJson(const Comparison& comparison, ContentList content, std:
     });
     printer.field("undecided", std::uint64_t{comparison.undecided});
   });
-  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <map>
 #include <ostream>
-#include <sstream>
 
 #include "catalogue/comparison/comparison_output.hpp"
+#include "catalogue/comparison/comparison_words.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 #include "catalogue/text/visible.hpp"
@@ -14,14 +14,11 @@ namespace {
 
 template <class Difference>
 std::string countsOf(const std::vector<Difference>& differences) {
-  const auto count = [&](bool isFormer, bool isPresent) {
-    return std::to_string(
-        std::count_if(differences.begin(), differences.end(), [&](const Difference& each) {
-          return each.former.has_value() == isFormer && each.present.has_value() == isPresent;
-        }));
-  };
-  return count(false, true) + " added, " + count(true, false) + " removed, " + count(true, true) +
-         " changed";
+  std::string text;
+  for (const std::string kind : differenceKinds) {
+    text += (text.empty() ? "" : ", ") + std::to_string(countOf(differences, kind)) + " " + kind;
+  }
+  return text;
 }
 
 void writeContent(const ContentDifference& content, ContentList list, std::ostream& out) {
@@ -44,22 +41,6 @@ std::string textOf(const Selection& selection) {
     text += (text.empty() ? "" : ", ") + visible(name) + " " + version;
   }
   return text.empty() ? "nothing" : text;
-}
-
-const char* wordOf(AnswerChange change) {
-  switch (change) {
-    case AnswerChange::Lost:
-      return "Lost";
-    case AnswerChange::Dearer:
-      return "Dearer";
-    case AnswerChange::Gained:
-      return "Gained";
-    case AnswerChange::Cheaper:
-      return "Cheaper";
-    case AnswerChange::Open:
-      break;
-  }
-  return "Open";
 }
 
 std::string textOf(const AskedAnswer& answer) {
@@ -98,8 +79,10 @@ void writeCause(const ChangeCause& cause, std::ostream& out) {
 }
 
 void writeAnswer(const AnswerDifference& answer, Colouring colouring, std::ostream& out) {
-  out << emphasise(wordOf(answer.change), colouring) << ": " << textOf(answer.question.from)
-      << " -> " << textOf(answer.question.to) << "\n  before " << textOf(answer.former) << ", now "
+  std::string change = wordOf(answer.change);
+  change[0] = static_cast<char>(change[0] - 'a' + 'A');
+  out << emphasise(change, colouring) << ": " << textOf(answer.question.from) << " -> "
+      << textOf(answer.question.to) << "\n  before " << textOf(answer.former) << ", now "
       << textOf(answer.present) << "\n";
   if (answer.change != AnswerChange::Open) writeCause(answer.cause, out);
 }
@@ -117,14 +100,12 @@ void writeLinks(const Comparison& comparison, std::ostream& out) {
 
 void writeCounts(const Comparison& comparison, std::ostream& out) {
   std::vector<std::string> parts;
-  for (const auto& [change, text] :
-       {std::pair(AnswerChange::Lost, " lost"), std::pair(AnswerChange::Dearer, " dearer"),
-        std::pair(AnswerChange::Gained, " gained"), std::pair(AnswerChange::Cheaper, " cheaper"),
-        std::pair(AnswerChange::Open, " open")}) {
-    const auto count = std::count_if(
-        comparison.answers.begin(), comparison.answers.end(),
-        [wanted = change](const AnswerDifference& each) { return each.change == wanted; });
-    if (count > 0) parts.push_back(std::to_string(count) + text);
+  for (const AnswerChange change : {AnswerChange::Lost, AnswerChange::Dearer, AnswerChange::Gained,
+                                    AnswerChange::Cheaper, AnswerChange::Open}) {
+    const auto count =
+        std::count_if(comparison.answers.begin(), comparison.answers.end(),
+                      [&](const AnswerDifference& each) { return each.change == change; });
+    if (count > 0) parts.push_back(std::to_string(count) + " " + wordOf(change));
   }
   out << countedText(comparison.questions, "question") << ": "
       << (parts.empty() ? "all answered as before" : listed(parts)) << ".\n";

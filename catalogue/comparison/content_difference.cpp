@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "catalogue/comparison/comparison_words.hpp"
 #include "catalogue/model/row_key.hpp"
 #include "catalogue/model/same_rows.hpp"
 #include "catalogue/text/messages.hpp"
@@ -63,12 +64,6 @@ std::vector<Difference> compare(const std::vector<Row>& former, const std::vecto
   return result;
 }
 
-template <class Difference>
-std::string kindOf(const Difference& difference, const char* changed) {
-  if (!difference.former) return "added";
-  return difference.present ? changed : "removed";
-}
-
 /// The key of the version that carries one, or else is equivalent to it.
 std::u16string keyMeant(const CatalogueContent& content, const CatalogueIndex& index,
                         const std::u16string& name, const pathfinder::VersionId& version) {
@@ -122,18 +117,20 @@ std::string describe(const VersionDifference& difference) {
   if (difference.former && difference.present) {
     return text + describeChange(*difference.former, *difference.present);
   }
-  return text + ", " + kindOf(difference, "");
+  return text + ", " + kindOf(difference);
 }
 
 std::string describe(const HopDifference& difference) {
   const Hop& hop = difference.any();
-  const bool isOtherWeight = difference.former && difference.present &&
-                             difference.former->expensive != difference.present->expensive;
-  const char* changed = !isOtherWeight  ? "with another note"
-                        : hop.expensive ? "made expensive"
-                                        : "no longer expensive";
+  std::string text = kindOf(difference);
+  if (difference.former && difference.present) {
+    const bool isOtherWeight = difference.former->expensive != difference.present->expensive;
+    text = !isOtherWeight  ? "with another note"
+           : hop.expensive ? "made expensive"
+                           : "no longer expensive";
+  }
   return "hop of " + visible(hop.name) + " " + visible(hop.from) + " -> " + visible(hop.to) + ", " +
-         kindOf(difference, changed);
+         text;
 }
 
 CatalogueContent withoutVersions(const CatalogueContent& content, const Selection& withdrawn) {

@@ -14,7 +14,6 @@
 
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/explanation/linkable_repository.hpp"
-#include "catalogue/explanation/question_line.hpp"
 #include "catalogue/explanation/selection_lookup.hpp"
 #include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/picture/plan_json.hpp"
@@ -53,15 +52,12 @@ class BatchAsker {
   /// An object with the line and what `writeFields` writes.
   template <class WriteFields>
   static std::string lineOf(const BatchQuestion& asked, const WriteFields& writeFields) {
-    std::ostringstream out;
-    out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-    JsonPrinter printer(out, JsonPrinter::Layout::Line);
-    printer.object([&] {
-      printer.field("line", asked.line);
-      writeFields(printer);
+    return written([&](std::ostream& out) {
+      writeDocument(out, JsonPrinter::Layout::Line, [&](JsonPrinter& printer) {
+        printer.field("line", asked.line);
+        writeFields(printer);
+      });
     });
-    out << "\n";
-    return std::move(out).str();
   }
 
   static std::string errorOf(const BatchQuestion& asked, const std::string& reason,
@@ -98,7 +94,7 @@ class BatchAsker {
   }
 
   std::optional<std::string> answerTo(const BatchQuestion& asked, BatchCounts& counts) {
-    const Question question = readQuestionLine(asked.text);
+    const Question question = readQuestion(asked);
     const UnknownEntries unknown = findUnknown(content_, question);
     if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
     LinkableRepository& repository = freshRepository();
@@ -248,14 +244,6 @@ class Batch {
 };
 
 }  // namespace
-
-Question readQuestion(const BatchQuestion& asked) {
-  return readQuestionLine(asked.text);
-}
-
-std::string questionLine(const Question& question) {
-  return lineOfQuestion(question) + "\n";
-}
 
 std::optional<BatchQuestion> BatchQuestions::next() {
   for (std::string text; std::getline(in_, text);) {

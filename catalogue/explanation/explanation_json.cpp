@@ -189,21 +189,18 @@ void writeExplanationJson(const Explanation& explanation, const StepWeights& wei
 }
 
 void writeNoPathJson(const Question& question, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] { writeAnswerHead(printer, false, question); });
-  out << "\n";
+  writeDocument(out, JsonPrinter::Layout::Indented,
+                [&](JsonPrinter& printer) { writeAnswerHead(printer, false, question); });
 }
 
 void writeNoPathJson(const Question& question, const Explanation& explanation,
                      const StepWeights& weights, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     writeAnswerHead(printer, false, question);
     printer.field("reason", headlineOf(explanation));
     printer.key("explanation");
     ExplanationWriter(weights, printer).write(explanation);
   });
-  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

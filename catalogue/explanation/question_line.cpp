@@ -1,16 +1,13 @@
-#include "catalogue/explanation/question_line.hpp"
-
-#include <map>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/explanation/batch.hpp"
+#include "catalogue/model/question_json.hpp"
 #include "catalogue/reading/json_stream.hpp"
-#include "catalogue/text/json_printer.hpp"
 #include "catalogue/text/printed_text.hpp"
-#include "platform/text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -50,29 +47,17 @@ class QuestionReader : public CatalogueSink {
   std::optional<Question> question_;
 };
 
-void writeSide(JsonPrinter& printer, const char* side, const Selection& selection) {
-  printer.objectField(side, [&] {
-    for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
-      printer.field(fl::i18n::ustring_to_utf8(name), textOf(version));
-    }
-  });
-}
-
 }  // namespace
 
-Question readQuestionLine(const std::string& text) {
-  return QuestionReader::read(text);
+Question readQuestion(const BatchQuestion& asked) {
+  return QuestionReader::read(asked.text);
 }
 
-std::string lineOfQuestion(const Question& question) {
-  std::ostringstream out;
-  out.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-  JsonPrinter printer(out, JsonPrinter::Layout::Line);
-  printer.object([&] {
-    writeSide(printer, "from", question.from);
-    writeSide(printer, "to", question.to);
+std::string questionLine(const Question& question) {
+  return written([&](std::ostream& out) {
+    writeDocument(out, JsonPrinter::Layout::Line,
+                  [&](JsonPrinter& printer) { writeSides(printer, question); });
   });
-  return std::move(out).str();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,5 +1,3 @@
-#include <sstream>
-
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/explanation/step_stream_writer.hpp"
 #include "catalogue/explanation/steps_out.hpp"
@@ -28,8 +26,7 @@ void writeStepsOutText(const StepsOut& steps, Colouring colouring, std::ostream&
 }
 
 void writeStepsOutJson(const StepsOut& steps, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     writeListings(printer, steps.listings);
     printer.arrayField("unlinkable", [&] {
       for (const Unlinkable& unlinkable : steps.unlinkable) {
@@ -41,7 +38,6 @@ void writeStepsOutJson(const StepsOut& steps, std::ostream& out) {
     });
     printer.field("complete", steps.isComplete);
   });
-  out << "\n";
 }
 
 StepStreamWriter::StepStreamWriter(BrowsableRepository& repository,
@@ -58,7 +54,7 @@ void StepStreamWriter::beginBaseline() {
   const std::size_t place = begun_++;
   if (form_ != StepForm::Text || baselines_.size() == 1) return;
   write_((place == 0 ? "" : "\n") + headingOfBaseline(place, baselines_.size(), colouring_) + ": " +
-         listMembers(baselines_[place]) + "\n");
+         listMembers(baselines_[place].metamodels) + "\n");
 }
 
 void StepStreamWriter::write(const pathfinder::BaselineHop& step) {
@@ -69,35 +65,30 @@ void StepStreamWriter::write(const pathfinder::BaselineHop& step) {
 
 void StepStreamWriter::finish(const StepsOut& found) {
   if (form_ != StepForm::Text) return;
-  std::ostringstream text;
-  text.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-  if (baselines_.empty()) text << noBaseline;
-  writeLeftOutText(found, text);
-  write_(std::move(text).str());
+  write_(written([&](std::ostream& out) {
+    if (baselines_.empty()) out << noBaseline;
+    writeLeftOutText(found, out);
+  }));
 }
 
 std::string StepStreamWriter::textOf(const StepListing& listing) {
   const StepListing::Group& group = listing.groups.front();
-  std::ostringstream out;
-  out.exceptions(std::ios::badbit);
-  StepTextWriter(group.picture, colouring_, out)
-      .write("Step " + std::to_string(steps_) + ", " + nameOfDirection(group.direction) +
-                 ", weight " + std::to_string(group.picture.steps.front().weight),
-             0);
-  return std::move(out).str();
+  return written([&](std::ostream& out) {
+    StepTextWriter(group.picture, colouring_, out)
+        .write("Step " + std::to_string(steps_) + ", " + nameOfDirection(group.direction) +
+                   ", weight " + std::to_string(group.picture.steps.front().weight),
+               0);
+  });
 }
 
 std::string StepStreamWriter::lineOf(const StepListing& listing) {
-  std::ostringstream out;
-  out.exceptions(std::ios::badbit);
-  JsonPrinter printer(out, JsonPrinter::Layout::Line);
-  printer.object([&] {
-    printer.key("baseline");
-    writeMembers(printer, listing.baseline);
-    writeListedStep(printer, listing.groups.front(), 0);
+  return written([&](std::ostream& out) {
+    writeDocument(out, JsonPrinter::Layout::Line, [&](JsonPrinter& printer) {
+      printer.key("baseline");
+      writeMembers(printer, listing.baseline.metamodels);
+      writeListedStep(printer, listing.groups.front(), 0);
+    });
   });
-  out << "\n";
-  return std::move(out).str();
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -4,16 +4,15 @@
 #include <string_view>
 #include <utility>
 
-#include "catalogue/explanation/question_line.hpp"
 #include "catalogue/explorer/customary_questions.hpp"
 
 namespace tarn::evolution::catalogue {
 
 namespace {
 
-std::optional<Question> questionIn(const std::string& line) {
+std::optional<Question> questionIn(const BatchQuestion& asked) {
   try {
-    return readQuestionLine(line);
+    return readQuestion(asked);
   } catch (const std::invalid_argument&) {
     return std::nullopt;  // the answer tells why
   }
@@ -48,7 +47,7 @@ ExplorerAnswers answerAll(BrowsableRepository& repository, const std::vector<Que
       [&]() -> std::optional<BatchQuestion> {
         if (asked == questions.size()) return std::nullopt;
         const std::size_t number = asked++;
-        return BatchQuestion{number + 1, lineOfQuestion(questions[number])};
+        return BatchQuestion{number + 1, questionLine(questions[number])};
       },
       limits);
 }
@@ -101,7 +100,7 @@ ExplorerAnswers answerForExplorer(BrowsableRepository& repository,
   std::vector<std::optional<Question>> questions;  // `next` and `write` take turns
   const auto remember = [&] {
     auto question = next();
-    if (question) questions.push_back(questionIn(question->text));
+    if (question) questions.push_back(questionIn(*question));
     return question;
   };
   const auto keep = [&](const std::string& answer) {

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <unordered_map>
 
+#include "catalogue/model/admitted_versions.hpp"
 #include "catalogue/text/dependency_json.hpp"
 #include "catalogue/text/plain_numbers.hpp"
 #include "catalogue/text/visible.hpp"
@@ -22,10 +23,9 @@ class Candidates {
 
   const std::vector<VersionId>& of(const pathfinder::VersionRange& range) {
     const auto [known, isNew] = known_.try_emplace(textOf(range));
-    if (isNew) {
-      std::vector<pathfinder::Metamodel> found;
-      repository_.findMetamodels(name_, range, found);
-      for (const auto& metamodel : found) known->second.push_back(metamodel.version);
+    if (!isNew) return known->second;
+    for (const auto& metamodel : listAdmitted(repository_, name_, range)) {
+      known->second.push_back(metamodel.version);
     }
     return known->second;
   }
@@ -90,8 +90,7 @@ void writeDependantsText(const std::vector<Dependants>& all, Colouring colouring
 }
 
 void writeDependantsJson(const std::vector<Dependants>& all, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  const auto write = [&](const Dependant& each) {
+  const auto write = [](JsonPrinter& printer, const Dependant& each) {
     printer.object([&] {
       printer.field("name", fl::i18n::ustring_to_utf8(each.dependent.name));
       printer.field("version", textOf(each.dependent.version));
@@ -102,20 +101,19 @@ void writeDependantsJson(const std::vector<Dependants>& all, std::ostream& out) 
       if (each.candidates.size() == 1) printer.field("only", textOf(each.candidates.front()));
     });
   };
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     printer.arrayField("metamodels", [&] {
       for (const Dependants& metamodel : all) {
         printer.object([&] {
           printer.field("name", fl::i18n::ustring_to_utf8(metamodel.name));
           if (metamodel.version) printer.field("version", textOf(*metamodel.version));
           printer.arrayField("neededBy", [&] {
-            for (const Dependant& each : metamodel.dependants) write(each);
+            for (const Dependant& each : metamodel.dependants) write(printer, each);
           });
         });
       }
     });
   });
-  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -51,9 +51,9 @@ void writeVersion(JsonPrinter& printer, const VersionDetails& version) {
 /// Writes an object whose one field is a list.
 template <class WriteItems>
 void writeList(const char* field, std::ostream& out, const WriteItems& writeItems) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] { printer.arrayField(field, [&] { writeItems(printer); }); });
-  out << "\n";
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
+    printer.arrayField(field, [&] { writeItems(printer); });
+  });
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ void writeDetailsJson(const std::vector<MetamodelDetails>& details, std::ostream
 void writeBaselinesJson(const std::vector<pathfinder::VersionBaseline>& baselines,
                         std::ostream& out) {
   writeList("baselines", out, [&](JsonPrinter& printer) {
-    for (const auto& baseline : baselines) writeMembers(printer, baseline);
+    for (const auto& baseline : baselines) writeMembers(printer, baseline.metamodels);
   });
 }
 

@@ -113,18 +113,16 @@ void writeBaselinesText(const std::vector<pathfinder::VersionBaseline>& baseline
   std::size_t nameColumns = 0;
   for (const auto& baseline : baselines) {
     for (const auto& [name, linked] : baseline.metamodels) {
-      nameColumns = std::max(nameColumns, countColumns(visible(name)));
+      if (linked) nameColumns = std::max(nameColumns, countColumns(visible(name)));
     }
   }
   for (std::size_t i = 0; i < baselines.size(); ++i) {
     out << headingOfBaseline(i, baselines.size(), colouring) << "\n";
-    std::map<std::u16string, std::string> members;
-    for (const auto& [name, linked] : baselines[i].metamodels) {
-      members.emplace(name, visible(linked->version));
-    }
-    for (const auto& [name, version] : members) {
+    const auto& members = baselines[i].metamodels;
+    for (const auto& [name, linked] : std::map(members.begin(), members.end())) {
+      if (!linked) continue;
       out << (selection.contains(name) ? "  " : "+ ") << padTo(nameColumns, visible(name)) << "  "
-          << version << "\n";
+          << visible(linked->version) << "\n";
     }
   }
 }

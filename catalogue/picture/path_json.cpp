@@ -7,14 +7,12 @@
 namespace tarn::evolution::catalogue {
 
 void writePathJson(const PathPicture& picture, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] {
+  writeDocument(out, JsonPrinter::Layout::Indented, [&](JsonPrinter& printer) {
     printer.field("found", true);
     printer.field("weight", std::uint64_t{picture.weight});
     printer.key("steps");
     writeSteps(printer, picture);
   });
-  out << "\n";
 }
 
 }  // namespace tarn::evolution::catalogue

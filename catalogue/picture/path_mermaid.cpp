@@ -1,13 +1,12 @@
 #include "catalogue/picture/path_mermaid.hpp"
 
 #include <ostream>
-#include <sstream>
 #include <string>
 
 #include "catalogue/picture/hop_label.hpp"
 #include "catalogue/picture/markup.hpp"
 #include "catalogue/picture/path_graph.hpp"
-#include "catalogue/text/plain_numbers.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
@@ -70,12 +69,9 @@ void warnOfLimits(const PathGraph& graph, std::size_t size, std::ostream& out) {
 
 void writePathMermaid(const PathPicture& picture, std::ostream& out) {
   const PathGraph graph(picture);
-  std::ostringstream chart;
-  chart.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-  const PlainNumbers plain(chart);
-  writeChart(graph, chart);
-  warnOfLimits(graph, chart.str().size(), out);
-  out << chart.str();
+  const std::string chart = written([&](std::ostream& text) { writeChart(graph, text); });
+  warnOfLimits(graph, chart.size(), out);
+  out << chart;
 }
 
 }  // namespace tarn::evolution::catalogue

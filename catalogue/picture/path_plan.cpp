@@ -1,9 +1,9 @@
 #include "catalogue/picture/path_plan.hpp"
 
 #include <algorithm>
-#include <map>
 #include <ostream>
 
+#include "catalogue/model/question_json.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/plan_json.hpp"
 #include "catalogue/picture/step_json.hpp"
@@ -28,14 +28,6 @@ VersionBaseline findArrived(pathfinder::VersionRepository& repository, const Que
                            [&](const VersionBaseline& target) { return source.includes(target); });
       });
   return arrived == sources.end() ? VersionBaseline() : *arrived;
-}
-
-void writeSelection(JsonPrinter& printer, const Selection& selection) {
-  printer.object([&] {
-    for (const auto& [name, version] : std::map(selection.begin(), selection.end())) {
-      printer.field(ustring_to_utf8(name), textOf(version));
-    }
-  });
 }
 
 void writeTie(JsonPrinter& printer, const StepTie& tie) {
@@ -82,12 +74,7 @@ PathPlan makePlan(pathfinder::VersionRepository& repository, BrowsableRepository
 }
 
 void writeQuestionField(JsonPrinter& printer, const Question& question) {
-  printer.objectField("question", [&] {
-    printer.key("from");
-    writeSelection(printer, question.from);
-    printer.key("to");
-    writeSelection(printer, question.to);
-  });
+  printer.objectField("question", [&] { writeSides(printer, question); });
 }
 
 void writeAnswerHead(JsonPrinter& printer, bool isFound, const Question& question) {
@@ -102,9 +89,9 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
   if (plan.picture.leastProven)
     printer.field("leastProven", std::uint64_t{*plan.picture.leastProven});
   printer.key("start");
-  writeMembers(printer, plan.start);
+  writeMembers(printer, plan.start.metamodels);
   printer.key("end");
-  writeMembers(printer, plan.end);
+  writeMembers(printer, plan.end.metamodels);
   printer.arrayField("steps", [&] {
     for (std::size_t i = 0; i < plan.steps.size(); ++i) {
       printer.object([&] {
@@ -119,9 +106,8 @@ void writePlanFields(JsonPrinter& printer, const PathPlan& plan) {
 }
 
 void writePlanJson(const PathPlan& plan, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] { writePlanFields(printer, plan); });
-  out << "\n";
+  writeDocument(out, JsonPrinter::Layout::Indented,
+                [&](JsonPrinter& printer) { writePlanFields(printer, plan); });
 }
 
 }  // namespace tarn::evolution::catalogue

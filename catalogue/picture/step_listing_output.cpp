@@ -58,7 +58,7 @@ void writeStepsText(const std::vector<StepListing>& listings, Colouring colourin
   for (std::size_t i = 0; i < listings.size(); ++i) {
     if (listings.size() > 1) {
       out << (i == 0 ? "" : "\n") << headingOfBaseline(i, listings.size(), colouring) << ": "
-          << listMembers(listings[i].baseline) << "\n";
+          << listMembers(listings[i].baseline.metamodels) << "\n";
     }
     writeGroups(listings[i], colouring, out);
   }
@@ -69,7 +69,7 @@ void writeListings(JsonPrinter& printer, const std::vector<StepListing>& listing
     for (const StepListing& listing : listings) {
       printer.object([&] {
         printer.key("metamodels");
-        writeMembers(printer, listing.baseline);
+        writeMembers(printer, listing.baseline.metamodels);
         printer.arrayField("steps", [&] { writeSteps(printer, listing); });
       });
     }
@@ -77,9 +77,8 @@ void writeListings(JsonPrinter& printer, const std::vector<StepListing>& listing
 }
 
 void writeStepsJson(const std::vector<StepListing>& listings, std::ostream& out) {
-  JsonPrinter printer(out, JsonPrinter::Layout::Indented);
-  printer.object([&] { writeListings(printer, listings); });
-  out << "\n";
+  writeDocument(out, JsonPrinter::Layout::Indented,
+                [&](JsonPrinter& printer) { writeListings(printer, listings); });
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -1,10 +1,10 @@
 #include "catalogue/reading/json_writer.hpp"
 
-#include <map>
 #include <ostream>
 #include <string>
 
 #include "catalogue/model/needs_json.hpp"
+#include "catalogue/model/question_json.hpp"
 #include "catalogue/text/dependency_json.hpp"
 #include "catalogue/text/json_printer.hpp"
 #include "catalogue/text/printed_text.hpp"
@@ -16,11 +16,6 @@ namespace {
 
 using fl::i18n::ustring_to_utf8;
 using Layout = JsonPrinter::Layout;
-
-void writeSelection(JsonPrinter& printer, const Selection& selection) {
-  const std::map<std::u16string, pathfinder::VersionId> sorted(selection.begin(), selection.end());
-  for (const auto& [name, version] : sorted) printer.field(ustring_to_utf8(name), textOf(version));
-}
 
 }  // namespace
 
@@ -59,10 +54,7 @@ void JsonCatalogueWriter::setQuestion(const Question& question) {
   endHops();
   out_ << ",\n\"question\":";
   JsonPrinter printer(out_, Layout::Line);
-  printer.object([&] {
-    printer.objectField("from", [&] { writeSelection(printer, question.from); });
-    printer.objectField("to", [&] { writeSelection(printer, question.to); });
-  });
+  printer.object([&] { writeSides(printer, question); });
 }
 
 void JsonCatalogueWriter::finish() {
