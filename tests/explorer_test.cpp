@@ -355,6 +355,17 @@ TEST(Explorer, LeavesOutHopsThatAreNeverOffered) {
             (Selection{{u"A", VersionId(u"two")}}));
 }
 
+TEST(Explorer, TellsVersionsApartThatAreWrittenAlike) {
+  TestRepository described("A1 Atext A2..3");
+  CatalogueContent content = contentOf(described);
+  content.metamodels[1].descriptor.version = VersionId(u"1.0.0");
+  content.hops = {{u"A", VersionId(u"1.0.0"), v(3), false}, {u"A", v(1), v(2), false}};
+  CatalogueRepository repository{Catalogue(content)};
+  const json rows = explore(repository, {});
+  EXPECT_EQ(rows["versions"], json::parse(R"([["1.0.0", "1.0.0", "2.0.0", "3.0.0"]])"));
+  EXPECT_EQ(rows["hops"], json::parse("[[1, 3, 0, 0, 2, 0]]"));
+}
+
 class ExplorerCommand : public testing::Test, protected EvopathProgram {};
 
 TEST_F(ExplorerCommand, WritesThePageAndTellsWhatIsWrong) {

@@ -2,8 +2,11 @@
 // it is shown.
 #include <gtest/gtest.h>
 
-#include "catalogue/browsable_repository.hpp"
-#include "catalogue/open_catalogue.hpp"
+#include <sstream>
+
+#include "catalogue/catalogue_repository.hpp"
+#include "catalogue/explanation/explanation.hpp"
+#include "catalogue/json_catalogue.hpp"
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
@@ -49,6 +52,26 @@ TEST_F(Notes, StoresOfTheFirstFormAreReadAsTheyAreAndHaveNotesOnceChanged) {
   EXPECT_EQ(repository.listMetamodels(u"C").front().noteOfDependency(0), u"why");
   EXPECT_EQ(repository.findHopNote({u"A", SemVer{2, 0, 0}, SemVer{1, 0, 0}, true}), u"back");
   EXPECT_EQ(repository.findHopNote(held.hops.front()), u"");
+}
+
+TEST_F(Notes, OfAnExplanationComeInTheOrderOfNamesAndVersions) {
+  std::istringstream text(R"({"metamodels": [
+    {"name": "B", "version": "1.0.0", "dependencies": []},
+    {"name": "B", "version": "2.0.0", "dependencies": [], "note": "B"},
+    {"name": "AA", "version": "low", "semver": "8.0.0", "dependencies": []},
+    {"name": "AA", "version": "top", "semver": "11.0.0", "dependencies": [], "note": "top"},
+    {"name": "AA", "version": "middle", "semver": "10.0.0", "dependencies": [], "note": "middle"}],
+   "hops": [{"name": "B", "from": "1.0.0", "to": "2.0.0", "expensive": false, "note": "B's hop"},
+            {"name": "AA", "from": "low", "to": "top", "expensive": false, "note": "to top"},
+            {"name": "AA", "from": "top", "to": "middle", "expensive": false, "note": "down"}]})");
+  CatalogueRepository repository(readJsonCatalogue(text));
+  const Explanation explanation =
+      explain(repository, {{{u"AA", VersionId(u"low")}, {u"B", SemVer{1, 0, 0}}},
+                           {{u"AA", VersionId(u"middle")}, {u"B", SemVer{2, 0, 0}}}});
+  std::vector<std::u16string> notes;
+  for (const ExplanationNote& each : explanation.notes) notes.push_back(each.note);
+  EXPECT_EQ(notes,
+            (std::vector<std::u16string>{u"to top", u"middle", u"top", u"down", u"B's hop", u"B"}));
 }
 
 class NotesShown : public testing::Test, protected EvopathProgram {};

@@ -8,11 +8,13 @@
 #include <stdexcept>
 
 #include "catalogue/picture/graphviz.hpp"
+#include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/picture/step_listing.hpp"
 #include "support/evopath_program.hpp"
 #include "support/test_repository.hpp"
 
@@ -221,6 +223,21 @@ TEST(PathPicture, TextIsAlignedByWhatTheTerminalShows) {
     }
   }
   EXPECT_EQ(coloured, text(Colouring::Plain));
+}
+
+TEST(BaselineLists, PassOverEntriesThatHoldNothing) {
+  TestRepository repository("A1");
+  VersionBaseline baseline = repository.baseline("A1");
+  baseline.metamodels[u"Long"];  // a null entry, as look-ups of hosts make them
+  std::ostringstream out;
+  writeBaselinesText({baseline}, {}, Colouring::Plain, out);
+  writeBaselinesJson({baseline}, out);
+  writeStepsText({{baseline, {}}, {baseline, {}}}, Colouring::Plain, out);
+  EXPECT_EQ(out.str(),
+            "Baseline 1 of 1\n+ A  1.0.0\n"
+            "{\n  \"baselines\": [\n    {\n      \"A\": \"1.0.0\"\n    }\n  ]\n}\n"
+            "Baseline 1 of 2: A 1.0.0\nNo step leads out of it.\n\n"
+            "Baseline 2 of 2: A 1.0.0\nNo step leads out of it.\n");
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "catalogue/explanation/batch.hpp"
 
+#include <algorithm>
 #include <condition_variable>
 #include <exception>
 #include <istream>
 #include <map>
 #include <mutex>
 #include <new>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -28,6 +28,13 @@ using pathfinder::SearchStopped;
 
 namespace {
 
+/// An answer as it is handed on, and how it counts then.
+struct AnswerLine {
+  std::string text;
+  std::uint64_t BatchCounts::*kind;
+  std::optional<BatchFailure> failure = std::nullopt;
+};
+
 /// One thread's way of asking, with linked metamodels and found paths of its own: those that others
 /// have found must not answer.
 class BatchAsker {
@@ -35,40 +42,41 @@ class BatchAsker {
   BatchAsker(BrowsableRepository& content, const BatchLimits& limits)
       : content_(content), limits_(limits) {}
 
-  /// The answer's line; none when the batch was stopped meanwhile.
-  std::optional<std::string> answer(const BatchQuestion& asked, BatchCounts& counts) {
+  /// No answer when the batch was stopped meanwhile.
+  std::optional<AnswerLine> answer(const BatchQuestion& asked) {
     try {
-      return answerTo(asked, counts);
+      return answerTo(asked);
     } catch (const std::bad_alloc&) {
-      return errorOf(asked, "out of memory", counts);
+      return errorOf(asked, "out of memory");
     } catch (const std::exception& error) {
-      return errorOf(asked, error.what(), counts);
+      return errorOf(asked, error.what());
     }
   }
 
  private:
   static constexpr std::size_t questionsOfOne = 256;  // before what it has linked is dropped
 
-  /// An object with the line and what `writeFields` writes.
+  /// The text is an object with the line and what `writeFields` writes.
   template <class WriteFields>
-  static std::string lineOf(const BatchQuestion& asked, const WriteFields& writeFields) {
-    return written([&](std::ostream& out) {
-      writeDocument(out, JsonPrinter::Layout::Line, [&](JsonPrinter& printer) {
-        printer.field("line", asked.line);
-        writeFields(printer);
-      });
-    });
+  static AnswerLine makeAnswer(const BatchQuestion& asked, std::uint64_t BatchCounts::*kind,
+                               const WriteFields& writeFields) {
+    return {written([&](std::ostream& out) {
+              writeDocument(out, JsonPrinter::Layout::Line, [&](JsonPrinter& printer) {
+                printer.field("line", asked.line);
+                writeFields(printer);
+              });
+            }),
+            kind};
   }
 
-  static std::string errorOf(const BatchQuestion& asked, const std::string& reason,
-                             BatchCounts& counts) {
-    ++counts.failed;
-    if (!counts.firstFailure) counts.firstFailure = {asked.line, reason};
-    return lineOf(asked, [&](JsonPrinter& printer) {
+  static AnswerLine errorOf(const BatchQuestion& asked, const std::string& reason) {
+    AnswerLine answer = makeAnswer(asked, &BatchCounts::failed, [&](JsonPrinter& printer) {
       printer.field("form", planForm);
       printer.key("error");
       printer.anyText(reason);
     });
+    answer.failure = BatchFailure{asked.line, reason};
+    return answer;
   }
 
   SearchLimits limitsFromNow() const {
@@ -93,25 +101,20 @@ class BatchAsker {
     return *repository_;
   }
 
-  std::optional<std::string> answerTo(const BatchQuestion& asked, BatchCounts& counts) {
+  std::optional<AnswerLine> answerTo(const BatchQuestion& asked) {
     const Question question = readQuestion(asked);
     const UnknownEntries unknown = findUnknown(content_, question);
     if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
     LinkableRepository& repository = freshRepository();
     try {
       const auto path = repository.findPath(question.from, question.to, limitsFromNow());
-      const std::string line = path ? planOf(asked, makePlan(repository, content_, question, *path))
-                                    : lineOf(asked, [&](JsonPrinter& printer) {
-                                        writeAnswerHead(printer, false, question);
-                                      });
-      ++(path ? counts.found : counts.absent);
-      return line;
+      if (path) return planOf(asked, makePlan(repository, content_, question, *path));
+      return absentOf(asked, question);
     } catch (const SearchStopped& stopped) {
       if (stopped.reason() == SearchStopped::Reason::StopRequested) return std::nullopt;
-      ++counts.open;
       return openOf(asked, question, stopped);
     } catch (const ConflictingDependencies&) {
-      return errorOf(asked, describeUnlinkable(question), counts);
+      return errorOf(asked, describeUnlinkable(question));
     }
   }
 
@@ -139,13 +142,19 @@ class BatchAsker {
     return "hops lead to " + listed(hidden) + ", which cannot be linked";
   }
 
-  std::string planOf(const BatchQuestion& asked, const PathPlan& plan) const {
-    return lineOf(asked, [&](JsonPrinter& printer) { writePlanFields(printer, plan); });
+  static AnswerLine planOf(const BatchQuestion& asked, const PathPlan& plan) {
+    return makeAnswer(asked, &BatchCounts::found,
+                      [&](JsonPrinter& printer) { writePlanFields(printer, plan); });
   }
 
-  static std::string openOf(const BatchQuestion& asked, const Question& question,
-                            const SearchStopped& stopped) {
-    return lineOf(asked, [&](JsonPrinter& printer) {
+  static AnswerLine absentOf(const BatchQuestion& asked, const Question& question) {
+    return makeAnswer(asked, &BatchCounts::absent,
+                      [&](JsonPrinter& printer) { writeAnswerHead(printer, false, question); });
+  }
+
+  static AnswerLine openOf(const BatchQuestion& asked, const Question& question,
+                           const SearchStopped& stopped) {
+    return makeAnswer(asked, &BatchCounts::open, [&](JsonPrinter& printer) {
       const bool isTime = stopped.reason() == SearchStopped::Reason::DeadlinePassed;
       printer.field("form", planForm);
       printer.field("open", isTime ? "time" : "memory");
@@ -181,13 +190,12 @@ class Batch {
   static constexpr std::uint64_t mostWaiting = 256;  // answers for each thread
 
   void work() noexcept {
-    BatchCounts counts;
     try {
       BatchAsker asker(repository_, limits_);
       while (const auto taken = take()) {
-        const auto answer = asker.answer(taken->second, counts);
+        auto answer = asker.answer(taken->second);
         if (!answer) break;
-        give(taken->first, *answer);
+        give(taken->first, *std::move(answer));
       }
     } catch (...) {
       const std::lock_guard lock(mutex_);
@@ -196,19 +204,13 @@ class Batch {
     const std::lock_guard lock(mutex_);
     isOver_ = true;  // there are no more questions, or nobody wants them
     hasRoom_.notify_all();
-    counts_.found += counts.found;
-    counts_.absent += counts.absent;
-    counts_.open += counts.open;
-    counts_.failed += counts.failed;
-    auto& first = counts_.firstFailure;
-    const auto& other = counts.firstFailure;
-    if (other && (!first || other->line < first->line)) first = other;
   }
 
   std::optional<std::pair<std::uint64_t, BatchQuestion>> take() {
     std::unique_lock lock(mutex_);
-    hasRoom_.wait(lock,
-                  [&] { return isOver_ || taken_ - written_ < mostWaiting * limits_.threads; });
+    hasRoom_.wait(lock, [&] {
+      return isOver_ || taken_ - written_ < mostWaiting * std::max(1U, limits_.threads);
+    });
     if (isOver_ || limits_.stop.stop_requested()) return std::nullopt;
     auto question = next_();
     if (!question) {
@@ -218,14 +220,21 @@ class Batch {
     return std::pair(taken_++, *std::move(question));
   }
 
-  void give(std::uint64_t number, const std::string& answer) {
+  void give(std::uint64_t number, AnswerLine answer) {
     const std::lock_guard lock(mutex_);
-    waiting_.emplace(number, answer);
+    waiting_.emplace(number, std::move(answer));
     for (; !waiting_.empty() && waiting_.begin()->first == written_; ++written_) {
-      write_(waiting_.begin()->second);
+      write_(waiting_.begin()->second.text);
+      count(waiting_.begin()->second);
       waiting_.erase(waiting_.begin());
     }
     hasRoom_.notify_all();
+  }
+
+  void count(const AnswerLine& answer) {
+    ++(counts_.*answer.kind);
+    auto& first = counts_.firstFailure;
+    if (answer.failure && (!first || answer.failure->line < first->line)) first = answer.failure;
   }
 
   BrowsableRepository& repository_;
@@ -237,7 +246,7 @@ class Batch {
   std::condition_variable hasRoom_;
   std::uint64_t taken_ = 0;
   std::uint64_t written_ = 0;
-  std::map<std::uint64_t, std::string> waiting_;  // for answers before them
+  std::map<std::uint64_t, AnswerLine> waiting_;  // for answers before them
   BatchCounts counts_;
   std::exception_ptr failure_;
   bool isOver_ = false;

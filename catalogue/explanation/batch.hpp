@@ -46,7 +46,7 @@ class TARN_EVOLUTION_CATALOGUE_EXPORT BatchQuestions {
 };
 
 struct BatchLimits {
-  unsigned threads = 1;
+  unsigned threads = 1;  ///< the caller's own among them; 0 counts as 1
 
   /// For each question.
   std::optional<std::chrono::nanoseconds> time = std::nullopt;
@@ -62,7 +62,7 @@ struct BatchFailure {
   std::string reason;
 };
 
-/// How many questions were answered, and how.
+/// How many answers were handed on, and of what kind.
 struct BatchCounts {
   std::uint64_t found = 0;
   std::uint64_t absent = 0;

@@ -1,8 +1,11 @@
 #include "catalogue/explanation/explanation_notes.hpp"
 
 #include <map>
+#include <optional>
+#include <tuple>
 #include <utility>
 
+#include "catalogue/model/numbered_versions.hpp"
 #include "catalogue/model/row_key.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -22,14 +25,31 @@ class NoteCollection {
     add(explanation.unlinkable);
     add(explanation.withoutOrder);
     if (explanation.nearest) add(*explanation.nearest);
-    std::vector<ExplanationNote> notes;
+    std::multimap<Place, ExplanationNote> ordered;
     for (auto& [key, note] : notes_) {
-      if (!note.note.empty()) notes.push_back(std::move(note));
+      if (!note.note.empty()) ordered.emplace(placeOf(note), std::move(note));
     }
+    std::vector<ExplanationNote> notes;
+    for (auto& [place, note] : ordered) notes.push_back(std::move(note));
     return notes;
   }
 
  private:
+  /// By name, then by the number of the version; the version itself before its hops, and these
+  /// before what it needs.
+  using Place = std::tuple<std::u16string, std::optional<std::size_t>,
+                           std::optional<std::u16string>, std::optional<std::size_t>>;
+
+  Place placeOf(const ExplanationNote& note) {
+    const NumberedVersions& versions = versionsOf(note.subject.name);
+    return {note.subject.name, versions.findMeant(note.subject.version), note.dependency,
+            note.to ? versions.findMeant(*note.to) : std::nullopt};
+  }
+
+  const NumberedVersions& versionsOf(const std::u16string& name) {
+    return versions_.try_emplace(name, content_, name).first->second;
+  }
+
   void add(const PathExists& reason) { add(reason.path); }
   void add(const UnknownEntries& /*reason*/) {}
   void add(const InconsistentSelection& reason) {
@@ -101,8 +121,9 @@ class NoteCollection {
         notes_.try_emplace(keyOf(version.name, version.version) + u'>' + needed);
     if (!isNew) return;
     place->second = {version, {}, needed, {}};
-    for (const CatalogueMetamodel& each : content_.listMetamodels(version.name)) {
-      if (each.descriptor.version == version.version) addNotesOn(needed, each, place->second.note);
+    const NumberedVersions& versions = versionsOf(version.name);
+    if (const auto number = versions.find(version.version)) {
+      addNotesOn(needed, versions[*number], place->second.note);
     }
   }
 
@@ -125,6 +146,7 @@ class NoteCollection {
   }
 
   BrowsableRepository& content_;
+  std::map<std::u16string, NumberedVersions> versions_;
   std::map<std::u16string, ExplanationNote> notes_;
 };
 
