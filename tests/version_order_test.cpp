@@ -85,6 +85,7 @@ std::string anyVersion(Random& random) {
 
 std::string anyVersions(Random& random) {
   std::string text;
+  if (random.chance(20)) text = "0.0.0 ";
   for (std::size_t count = 2 + random.below(8); count > 0; --count)
     text += anyVersion(random) + " ";
   return text;
@@ -180,6 +181,16 @@ void expectOrder(BrowsableRepository& repository, const OrderQuestion& question)
     std::vector<Metamodel> found;
     repository.findMetamodels(u"A", parseRange(from, to), found);
     EXPECT_EQ(textsOf(found), expected) << "[" << from << ", " << to << ")";
+  }
+  for (const std::string& single : question.versions) {
+    if (!parseVersion(single).isSemVer()) continue;
+    Texts expected;
+    for (const std::string& version : question.versions) {
+      if (isReadable(version) && compare(version, single) == 0) expected.push_back(version);
+    }
+    std::vector<Metamodel> found;
+    repository.findMetamodels(u"A", VersionRange::singleVersion(parseVersion(single)), found);
+    EXPECT_EQ(textsOf(found), expected) << single;
   }
   Texts listed;
   for (const auto& each : describeMetamodel(repository, u"A").versions) {

@@ -114,8 +114,9 @@ std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const NameOrder& order,
   };
   const auto bounds = boundsOf(range);
   auto first = from(*Precedence::of(bounds ? bounds->lower : *findSingleVersion(range)));
+  const VersionId none(u"");  // no version's text, so that the precedence alone decides
   std::vector<std::int64_t> positions;
-  for (; first != versions.end() && admits(range, VersionId(), first->first); ++first) {
+  for (; first != versions.end() && admits(range, none, first->first); ++first) {
     positions.push_back(first->second);
   }
   std::sort(positions.begin(), positions.end());
