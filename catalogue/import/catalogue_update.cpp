@@ -106,20 +106,27 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
   file.replaceTarget();
 }
 
+/// Of several for the same hop the first one.
+template <class Row>
+std::unordered_map<std::u16string, const Row*> byKey(const std::vector<Row>& rows) {
+  std::unordered_map<std::u16string, const Row*> result;
+  for (const Row& row : rows) result.emplace(keyOf(row), &row);
+  return result;
+}
+
 /// Counts of rows that are new, gone, or other than before.
 template <class Row, class IsSame>
-void compareRows(const std::vector<Row>& former, const std::vector<Row>& present,
+void compareRows(const std::vector<Row>& formerRows, const std::vector<Row>& presentRows,
                  std::uint64_t StoreCounts::*count, const IsSame& isSame,
                  CatalogueChanges& changes) {
-  std::unordered_map<std::u16string, const Row*> left;
-  for (const Row& row : former) left.emplace(keyOf(row), &row);
-  for (const Row& row : present) {
-    const auto found = left.find(keyOf(row));
-    if (found == left.end()) {
+  auto left = byKey(formerRows);
+  for (const auto& [key, row] : byKey(presentRows)) {
+    const auto former = left.find(key);
+    if (former == left.end()) {
       ++(changes.added.*count);
     } else {
-      if (!isSame(*found->second, row)) ++(changes.changed.*count);
-      left.erase(found);
+      if (!isSame(*former->second, *row)) ++(changes.changed.*count);
+      left.erase(former);
     }
   }
   changes.removed.*count += left.size();
