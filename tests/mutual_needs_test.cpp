@@ -155,6 +155,24 @@ TEST_F(MutualNeeds, StoresOfOlderFormsHaveOptionalOnesOnceChanged) {
   EXPECT_EQ(repository.combine(selection("C1 A2")).size(), 0U);
 }
 
+TEST_F(MutualNeeds, KeepNothingFromBeingRemovedWhereTheyAreOptional) {
+  TestRepository held("A1..2 C1 B1:%A1+C1 B2:%A2 D1:%C1");
+  make("held", contentOf(held));
+  const auto obstaclesTo = [&](const char16_t* name) {
+    std::string found;
+    for (const RemovalObstacle& each : removeFromStore(path("held.store"), {{name, {}}}).obstacles)
+      found += tarn::evolution::catalogue::describe(each) + "\n";
+    return found;
+  };
+  EXPECT_EQ(obstaclesTo(u"C"), "B@1.0.0 depends on C 1.0.0\n");
+  EXPECT_EQ(obstaclesTo(u"A"), "");
+  EXPECT_EQ(PlainDatabase(path("held.store")).run("PRAGMA foreign_key_check"), "");
+  TestRepository left("C1 B1:%A1+C1 B2:%A2 D1:%C1");
+  make("left", contentOf(left), false);
+  exportCatalogue(path("held.store"), path("out.json"));
+  EXPECT_EQ(read("out.json"), read("left.json"));
+}
+
 class MutualNeedsShown : public testing::Test, protected EvopathProgram {};
 
 TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {

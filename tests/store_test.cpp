@@ -6,6 +6,7 @@
 #include "catalogue/store/sqlite_catalogue_repository.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "support/plain_database.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
 #include "support/test_question.hpp"
@@ -299,6 +300,92 @@ TEST_F(Store, RemovesOnlyWhatNothingElseNeeds) {
     exportCatalogue(path("held.store"), path("after.json"));
     EXPECT_EQ(read("after.json"), read("expected.json")) << removed;
   }
+}
+
+/// What a store holds, and what is to go from it.
+struct Removal {
+  CatalogueContent before;
+  std::vector<RemovalChoice> choices = {};
+
+  bool goes(const Metamodel& metamodel) const {
+    return std::any_of(choices.begin(), choices.end(), [&](const RemovalChoice& choice) {
+      return choice.name == metamodel.name &&
+             choice.version.value_or(metamodel.version) == metamodel.version;
+    });
+  }
+
+  CatalogueContent after() const {
+    CatalogueContent left = before;
+    std::erase_if(left.metamodels, [&](const auto& each) { return goes(each.descriptor); });
+    const CatalogueIndex index(left.metamodels, {});
+    std::erase_if(left.hops, [&](const Hop& hop) {
+      return index.metamodelsAt(hop.name, hop.from).empty() ||
+             index.metamodelsAt(hop.name, hop.to).empty();
+    });
+    return left;
+  }
+
+  /// Whether something was there for the range, and nothing is any more.
+  bool takesAll(const std::u16string& name, const VersionRange& range) const {
+    return !CatalogueIndex(before.metamodels, {}).metamodelsIn(name, range).empty() &&
+           CatalogueIndex(after().metamodels, {}).metamodelsIn(name, range).empty();
+  }
+
+  std::vector<std::string> obstacles() const {
+    const CatalogueContent left = after();
+    const CatalogueIndex index(left.metamodels, {});
+    std::vector<std::string> result;
+    for (const auto& [dependent, equivalent, note, notes, requirements] : left.metamodels) {
+      for (std::size_t i = 0; i < dependent.dependencies.size(); ++i) {
+        const auto& [name, range] = dependent.dependencies[i];
+        if (!takesAll(name, range) && index.hasMetamodel(name)) continue;
+        result.push_back(tarn::evolution::catalogue::describe({dependent, i}));
+      }
+    }
+    return result;
+  }
+
+  bool takesWhatIsOptional() const {
+    const CatalogueContent left = after();
+    return std::any_of(left.metamodels.begin(), left.metamodels.end(), [&](const auto& each) {
+      return std::any_of(each.requirements.begin(), each.requirements.end(), [&](const auto& one) {
+        return takesAll(one.needed.name, one.needed.range);
+      });
+    });
+  }
+};
+
+TEST_F(Store, RemovesWhateverNothingElseNeeds) {
+  RandomRun run(60);
+  const auto make = [](Random& random) {
+    QuestionDraft draft = QuestionDraft::loose(random, random.upTo(4));
+    draft.addRequirements(random, 40);
+    return draft.text(random);
+  };
+  run.ask(make, [&](const std::string& text, Random& random) {
+    TestRepository repository(QuestionText(text).catalogue);
+    Removal removal{contentOf(repository)};
+    for (std::size_t left = random.upTo(4); left > 0; --left) {
+      const Metamodel& chosen = random.oneOf(removal.before.metamodels).descriptor;
+      removal.choices.push_back({chosen.name, std::nullopt});
+      if (random.chance(60)) removal.choices.back().version = chosen.version;
+    }
+    this->make("held", removal.before);
+    const RemovalResult result = removeFromStore(path("held.store"), removal.choices);
+    std::vector<std::string> obstacles;
+    for (const RemovalObstacle& each : result.obstacles) {
+      obstacles.push_back(tarn::evolution::catalogue::describe(each));
+    }
+    const auto expected = removal.obstacles();
+    EXPECT_EQ(obstacles, expected);
+    this->make("expected", expected.empty() ? removal.after() : removal.before, false);
+    exportCatalogue(path("held.store"), path("after.json"));
+    EXPECT_EQ(read("after.json"), read("expected.json"));
+    EXPECT_EQ(PlainDatabase(path("held.store")).run("PRAGMA foreign_key_check"), "");
+    run.count(expected.empty() ? "removed" : "refused");
+    run.count("took what is optional", expected.empty() && removal.takesWhatIsOptional());
+  });
+  run.expectPercentages({{"removed", 10}, {"refused", 10}, {"took what is optional", 1}});
 }
 
 TEST_F(Store, StaysAsItWasOpenedWhileOthersChangeIt) {

@@ -74,8 +74,9 @@ constexpr std::size_t listedObstacles = 20;
 /// names what is removed.
 ///
 /// An obstacle is a dependency, of a version that stays, that was satisfied by versions of which
-/// none stays, or whose name has no version left. Where there is any, nothing is removed. Throws
-/// CatalogueError also for a choice that the store does not hold.
+/// none stays, or whose name has no version left; an optional one is none. Where there is any
+/// obstacle, nothing is removed. Throws CatalogueError also for a choice that the store does not
+/// hold.
 TARN_EVOLUTION_CATALOGUE_EXPORT RemovalResult
 removeFromStore(const std::filesystem::path& store, const std::vector<RemovalChoice>& choices,
                 const StoreProgress& progress = {}, ChangeMode mode = ChangeMode::Made);

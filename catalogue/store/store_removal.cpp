@@ -29,7 +29,7 @@ constexpr const char* createChosen = R"(
 constexpr const char* selectObstacles =
     "SELECT d.metamodel, d.ordinal FROM dependencies d "
     "WHERE d.name IN (SELECT name FROM touched) "
-    "AND d.metamodel NOT IN (SELECT position FROM chosen) "
+    "AND d.metamodel NOT IN (SELECT position FROM chosen) AND NOT d.optional "
     "AND (NOT EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
     ") "
     "OR d.name NOT IN (SELECT name FROM touched WHERE has_order) "
@@ -45,7 +45,7 @@ constexpr const char* selectOthers =
     "SELECT d.metamodel, d.ordinal, names.name, d.version, d.lower, d.upper FROM dependencies d "
     "JOIN names ON names.id = d.name "
     "WHERE d.name IN (SELECT name FROM touched) "
-    "AND d.metamodel NOT IN (SELECT position FROM chosen) "
+    "AND d.metamodel NOT IN (SELECT position FROM chosen) AND NOT d.optional "
     "AND (d.version GLOB ?1 OR d.name IN (SELECT name FROM touched WHERE has_order)) "
     "AND EXISTS (SELECT 1 FROM metamodels m WHERE m.name = d.name AND " STAYS
     ") "
@@ -66,11 +66,11 @@ constexpr const char* removeHops = R"(
     (EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.version = hops.target)
       OR EXISTS (SELECT 1 FROM metamodels m WHERE m.name = hops.name AND m.semver = hops.target))))";
 
-/// Names that are no longer in use. Those that dependencies of removed versions named are still
-/// names of metamodels.
+/// Names of what was removed that are no longer in use: optional dependencies may still name them.
 constexpr const char* removeNames = R"(
   DELETE FROM names WHERE id IN (SELECT name FROM touched)
-    AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = names.id))";
+    AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = names.id)
+    AND NOT EXISTS (SELECT 1 FROM dependencies WHERE dependencies.name = names.id))";
 
 }  // namespace
 
