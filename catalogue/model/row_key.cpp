@@ -34,6 +34,14 @@ std::u16string keyOf(const std::u16string& name, const pathfinder::VersionId& ve
   return key;
 }
 
+std::u16string keyOf(const std::u16string& name, const pathfinder::VersionRange& range) {
+  if (!range.isSemVerRange()) return keyOf(name, pathfinder::VersionId(range.getText()));
+  const auto& [lower, upper] = range.getSemVerRange();
+  std::u16string key = keyOf(name, pathfinder::VersionId(lower));
+  append(key, pathfinder::VersionId(upper));
+  return key;
+}
+
 std::u16string keyOf(const pathfinder::Hop& hop) {
   std::u16string key = keyOf(hop.name, hop.from);
   append(key, hop.to);

@@ -8,16 +8,26 @@
 
 namespace tarn::evolution::catalogue {
 
-/// Values by key, those asked for lately, up to a size in all of twice what it is made for. A
-/// value that was not asked for while as much again came in is dropped.
+/// Values by key, those asked for lately, up to a size in all of twice what it is made for. The
+/// size of a value is what its `size()` says, and one. A value that was not asked for while as much
+/// again came in is dropped.
 template <class Value>
 class BoundedCache {
  public:
   explicit BoundedCache(std::size_t size) : limit_(size) {}
 
-  /// Null when there is none.
-  std::shared_ptr<const Value> find(const std::u16string& key) {
-    if (const auto found = young_.find(key); found != young_.end()) return found->second.value;
+  /// What is kept for the key, or else what `read` finds, which is kept.
+  template <class Read>
+  std::shared_ptr<const Value> get(const std::u16string& key, const Read& read) {
+    if (auto kept = find(key)) return kept;
+    return add(key, std::make_shared<const Value>(read()));
+  }
+
+ private:
+  using Entry = std::shared_ptr<const Value>;
+
+  Entry find(const std::u16string& key) {
+    if (const auto found = young_.find(key); found != young_.end()) return found->second;
     const auto found = old_.find(key);
     if (found == old_.end()) return nullptr;
     const Entry entry = found->second;
@@ -25,24 +35,15 @@ class BoundedCache {
     return add(key, entry);
   }
 
-  std::shared_ptr<const Value> add(const std::u16string& key, Value value, std::size_t size) {
-    return add(key, Entry{std::make_shared<const Value>(std::move(value)), size});
-  }
-
- private:
-  struct Entry {
-    std::shared_ptr<const Value> value;
-    std::size_t size;
-  };
-
-  std::shared_ptr<const Value> add(const std::u16string& key, const Entry& entry) {
-    if (size_ + entry.size > limit_) {
+  Entry add(const std::u16string& key, const Entry& entry) {
+    const std::size_t size = 1 + entry->size();
+    if (size_ + size > limit_) {
       old_ = std::exchange(young_, {});
       size_ = 0;
     }
-    size_ += entry.size;
+    size_ += size;
     young_.insert_or_assign(key, entry);
-    return entry.value;
+    return entry;
   }
 
   std::size_t limit_;

@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "catalogue/model/dependency_split.hpp"
+#include "catalogue/model/row_key.hpp"
 #include "catalogue/text/printed_text.hpp"
 
 namespace tarn::evolution::catalogue {
 
 using pathfinder::Dependency;
-using pathfinder::SemVer;
 using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
@@ -21,33 +21,6 @@ namespace {
 
 /// How many rows each cache is made for.
 constexpr std::size_t cachedRows = 10000;
-
-void append(std::u16string& key, const SemVer& version) {
-  for (std::uint64_t component : {version.major, version.minor, version.patch}) {
-    for (int unit = 0; unit < 4; ++unit, component >>= 16) {
-      key += static_cast<char16_t>(component & 0xffff);
-    }
-  }
-}
-
-/// A text of its own for each name and version; names hold no NUL in a store.
-std::u16string cacheKeyOf(const std::u16string& name, const VersionId& version) {
-  std::u16string key = name;
-  key += u'\0';
-  if (!version.isSemVer()) return key + u't' + version.getText();
-  key += u's';
-  append(key, version.getSemVer());
-  return key;
-}
-
-/// The same for each name and range.
-std::u16string cacheKeyOf(const std::u16string& name, const VersionRange& range) {
-  if (!range.isSemVerRange()) return cacheKeyOf(name, VersionId(range.getText()));
-  const auto& [lower, upper] = range.getSemVerRange();
-  std::u16string key = cacheKeyOf(name, VersionId(lower));
-  append(key, upper);
-  return key;
-}
 
 }  // namespace
 
@@ -86,36 +59,26 @@ std::vector<StoredMetamodel> CachedSqliteReader::metamodelsOf(const std::u16stri
 
 CachedSqliteReader::Hops CachedSqliteReader::hopsFrom(const std::u16string& name,
                                                       const VersionId& version) {
-  const std::u16string key = cacheKeyOf(name, version);
-  if (Hops cached = hops_.find(key)) return cached;
-  auto found = reader_.hopsFrom(name, version);
-  for (const pathfinder::Hop& hop : found) {
-    if (!versionsAt(name, hop.to)->empty()) continue;
-    database_.failDamaged("table hops", textOf(hop) + " leads to no version");
-  }
-  const std::size_t size = 1 + found.size();
-  return hops_.add(key, std::move(found), size);
+  return hops_.get(keyOf(name, version), [&] {
+    auto found = reader_.hopsFrom(name, version);
+    for (const pathfinder::Hop& hop : found) {
+      if (!versionsAt(name, hop.to)->empty()) continue;
+      database_.failDamaged("table hops", textOf(hop) + " leads to no version");
+    }
+    return found;
+  });
 }
 
 CachedSqliteReader::Metamodels CachedSqliteReader::versionsAt(const std::u16string& name,
                                                               const VersionId& version) {
-  return remembered(u'v' + cacheKeyOf(name, version),
-                    [&] { return reader_.metamodelsAt(name, version); });
+  return metamodels_.get(u'v' + keyOf(name, version),
+                         [&] { return reader_.metamodelsAt(name, version); });
 }
 
 CachedSqliteReader::Metamodels CachedSqliteReader::lookUp(const std::u16string& name,
                                                           const VersionRange& range) {
-  return remembered(u'r' + cacheKeyOf(name, range),
-                    [&] { return reader_.metamodelsIn(name, range); });
-}
-
-template <class Read>
-CachedSqliteReader::Metamodels CachedSqliteReader::remembered(const std::u16string& key,
-                                                              const Read& read) {
-  if (Metamodels cached = metamodels_.find(key)) return cached;
-  std::vector<StoredMetamodel> found = read();
-  const std::size_t size = 1 + found.size();
-  return metamodels_.add(key, std::move(found), size);
+  return metamodels_.get(u'r' + keyOf(name, range),
+                         [&] { return reader_.metamodelsIn(name, range); });
 }
 
 void CachedSqliteReader::split(std::vector<StoredMetamodel>& metamodels) {
@@ -130,11 +93,10 @@ void CachedSqliteReader::explore(const StoredMetamodel& start) {
   trail_.clear();  // a failure may have left something
   open_.clear();
   openAt_.clear();
-  entered_ = 0;
   enter(start);
   while (!trail_.empty()) {
     Visit& visit = trail_.back();
-    if (visit.dependency < visit.stored.metamodel.descriptor.dependencies.size()) {
+    if (visit.dependency < open_[visit.open].stored.metamodel.descriptor.dependencies.size()) {
       follow(visit);
     } else {
       leave();
@@ -144,33 +106,32 @@ void CachedSqliteReader::explore(const StoredMetamodel& start) {
 
 void CachedSqliteReader::enter(const StoredMetamodel& stored) {
   openAt_.emplace(stored.position, open_.size());
-  open_.push_back({stored, entered_});
-  trail_.push_back({stored, entered_++});
+  trail_.push_back({open_.size()});
+  open_.push_back({stored, open_.size()});
 }
 
 /// Goes on with the next candidates of a dependency, up to one that has not been entered.
 void CachedSqliteReader::follow(Visit& visit) {
-  const Dependency& dependency = visit.stored.metamodel.descriptor.dependencies[visit.dependency];
+  Open& from = open_[visit.open];
+  const Dependency& dependency = from.stored.metamodel.descriptor.dependencies[visit.dependency];
   const Metamodels candidates = lookUp(dependency.name, dependency.range);
   while (visit.candidate < candidates->size()) {
     const StoredMetamodel& candidate = (*candidates)[visit.candidate++];
     if (done_.contains(candidate.position)) continue;
     const auto open = openAt_.find(candidate.position);
     if (open == openAt_.end()) return enter(candidate);
-    std::uint32_t& low = lowOf(visit.stored.position);
-    low = std::min(low, open_[open->second].low);
+    from.low = std::min(from.low, open_[open->second].low);
   }
   ++visit.dependency;
   visit.candidate = 0;
 }
 
 void CachedSqliteReader::leave() {
-  const std::int64_t position = trail_.back().stored.position;
-  const std::uint32_t entered = trail_.back().entered;
+  const std::size_t left = trail_.back().open;
   trail_.pop_back();
-  const std::uint32_t low = lowOf(position);
-  if (low == entered) return close(openAt_.at(position));
-  std::uint32_t& before = lowOf(trail_.back().stored.position);
+  const std::size_t low = open_[left].low;
+  if (low == left) return close(left);
+  std::size_t& before = open_[trail_.back().open].low;
   before = std::min(before, low);
 }
 

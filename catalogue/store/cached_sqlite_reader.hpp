@@ -47,22 +47,16 @@ class CachedSqliteReader {
  private:
   /// A metamodel on the way from the one asked for, and how far its dependencies were followed.
   struct Visit {
-    StoredMetamodel stored;
-    std::uint32_t entered;  // which one it was to be entered
+    std::size_t open;  // where it stands among the open ones
     std::size_t dependency = 0;
     std::size_t candidate = 0;  // of that dependency
   };
 
-  /// A metamodel whose component is not closed, and the least number of those entered that it
-  /// reaches.
+  /// A metamodel whose component is not closed, and the first of the open ones that it reaches.
   struct Open {
     StoredMetamodel stored;
-    std::uint32_t low;
+    std::size_t low;
   };
-
-  /// What is kept for the key, or else what `read` finds, which is kept.
-  template <class Read>
-  Metamodels remembered(const std::u16string& key, const Read& read);
 
   Metamodels lookUp(const std::u16string& name, const pathfinder::VersionRange& range);
   Metamodels versionsAt(const std::u16string& name, const pathfinder::VersionId& version);
@@ -72,7 +66,6 @@ class CachedSqliteReader {
   void follow(Visit& visit);
   void leave();
   void close(std::size_t first);
-  std::uint32_t& lowOf(std::int64_t position) { return open_[openAt_.at(position)].low; }
 
   SqliteDatabase& database_;
   SqliteReader reader_;
@@ -85,9 +78,8 @@ class CachedSqliteReader {
 
   // Tarjan's algorithm; empty between operations.
   std::vector<Visit> trail_;
-  std::vector<Open> open_;
+  std::vector<Open> open_;                                // in the order in which they were entered
   std::unordered_map<std::int64_t, std::size_t> openAt_;  // by position
-  std::uint32_t entered_ = 0;
 };
 
 }  // namespace tarn::evolution::catalogue

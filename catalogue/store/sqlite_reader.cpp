@@ -85,23 +85,15 @@ std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const std::u16string& na
   const auto order = orderOf(name);
   if (!order->ascending.empty()) return metamodelsIn(*order, name, range);
   if (single) return metamodelsAt(name, *single);
-  const auto stored = storedText(name);
-  if (!stored) return {};
-  if (!range.isSemVerRange()) return metamodelsIn(readOrder(*stored), name, range);
+  if (!range.isSemVerRange()) return metamodelsIn(readOrder(name), name, range);
   const auto& [lower, upper] = range.getSemVerRange();
-  return metamodels(selectRange_.query(*stored, pack(lower), pack(upper)), name);
+  return metamodels(selectRange_.query(sought(name), pack(lower), pack(upper)), name);
 }
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsAt(const std::u16string& name,
                                                         const VersionId& version) {
-  const auto stored = storedText(name);
-  if (!stored) return {};
-  if (version.isSemVer()) {
-    return metamodels(selectSemVer_.query(*stored, pack(version.getSemVer())), name);
-  }
-  const auto text = storedText(version.getText());
-  if (!text) return {};
-  return metamodels(selectText_.query(*stored, *text), name);
+  SqliteStatement& select = version.isSemVer() ? selectSemVer_ : selectText_;
+  return metamodels(select.query(sought(name), sought(version)), name);
 }
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsIn(const NameOrder& order,
@@ -136,16 +128,11 @@ std::shared_ptr<const VersionScale> SqliteReader::scale(const std::u16string& na
 }
 
 std::shared_ptr<const SqliteReader::NameOrder> SqliteReader::orderOf(const std::u16string& name) {
-  if (auto known = orders_.find(name)) return known;
-  const auto stored = storedText(name);
-  NameOrder order;
-  if (stored && hasReadableText(*stored)) order = readOrder(*stored);
-  const std::size_t size = 1 + order.ascending.size();
-  return orders_.add(name, std::move(order), size);
+  return orders_.get(name, [&] { return hasReadableText(name) ? readOrder(name) : NameOrder(); });
 }
 
-bool SqliteReader::hasReadableText(const std::string& name) {
-  auto rows = selectTexts_.query(name);
+bool SqliteReader::hasReadableText(const std::u16string& name) {
+  auto rows = selectTexts_.query(sought(name));
   while (rows.next()) {
     const auto text =
         readRow(database_, "metamodels", rows.number(0), [&] { return textIn(rows, 1); });
@@ -154,10 +141,10 @@ bool SqliteReader::hasReadableText(const std::string& name) {
   return false;
 }
 
-SqliteReader::NameOrder SqliteReader::readOrder(const std::string& name) {
+SqliteReader::NameOrder SqliteReader::readOrder(const std::u16string& name) {
   NameOrder order;
   std::vector<Precedence> precedences;
-  auto rows = selectVersions_.query(name);
+  auto rows = selectVersions_.query(sought(name));
   while (rows.next()) {
     const auto precedence = readRow(database_, "metamodels", rows.number(0), [&] {
       const auto equivalent = optionalSemVerIn(rows, 2);
@@ -187,9 +174,7 @@ std::vector<StoredMetamodel> SqliteReader::metamodelsInAny(
 }
 
 std::vector<Hop> SqliteReader::hopsFrom(const std::u16string& name, const VersionId& version) {
-  const auto stored = storedText(name);
-  if (!stored || (!version.isSemVer() && !storedText(version.getText()))) return {};
-  return hops(selectHopsFrom_.query(*stored, storedVersion(version)), name);
+  return hops(selectHopsFrom_.query(sought(name), sought(version)), name);
 }
 
 std::vector<std::u16string> SqliteReader::names() {
@@ -219,26 +204,18 @@ StoredMetamodel SqliteReader::metamodelAt(std::int64_t position) {
 }
 
 std::vector<StoredMetamodel> SqliteReader::metamodelsOf(const std::u16string& name) {
-  const auto stored = storedText(name);
-  if (!stored) return {};
-  return metamodels(selectMetamodels_.query(*stored), name);
+  return metamodels(selectMetamodels_.query(sought(name)), name);
 }
 
 std::vector<Hop> SqliteReader::hopsOf(const std::u16string& name) {
-  const auto stored = storedText(name);
-  if (!stored) return {};
-  return hops(selectHops_.query(*stored), name);
+  return hops(selectHops_.query(sought(name)), name);
 }
 
 std::u16string SqliteReader::noteOf(const Hop& hop) {
-  const auto name = storedText(hop.name);
-  const auto isStored = [](const VersionId& version) {
-    return version.isSemVer() || storedText(version.getText());
-  };
-  if (!hasNotes_ || !name || !isStored(hop.from) || !isStored(hop.to)) return {};
+  if (!hasNotes_) return {};
   SqliteStatement statement(database_,
                             hopsWhere(hasNotes_, "AND source = ?2 AND target = ?3 AND note <> ''"));
-  auto rows = statement.query(*name, storedVersion(hop.from), storedVersion(hop.to));
+  auto rows = statement.query(sought(hop.name), sought(hop.from), sought(hop.to));
   if (!rows.next()) return {};
   return readRow(database_, "hops", rows.number(0), [&] { return noteIn(rows, 4); });
 }

@@ -56,11 +56,13 @@ class SqliteReader {
   struct NameOrder {
     std::vector<std::pair<Precedence, std::int64_t>> ascending;  // with positions
     VersionScale scale;
+
+    std::size_t size() const noexcept { return ascending.size(); }
   };
 
   std::shared_ptr<const NameOrder> orderOf(const std::u16string& name);
-  NameOrder readOrder(const std::string& name);
-  bool hasReadableText(const std::string& name);
+  NameOrder readOrder(const std::u16string& name);
+  bool hasReadableText(const std::u16string& name);
   std::vector<StoredMetamodel> metamodelsIn(const NameOrder& order, const std::u16string& name,
                                             const pathfinder::VersionRange& range);
   std::vector<StoredMetamodel> metamodelsInAny(const std::u16string& name,

@@ -32,8 +32,9 @@ std::uint64_t unpackComponent(std::string_view bytes, std::size_t start) {
   return component;
 }
 
-std::string expectStored(const std::u16string& text) {
-  if (auto stored = storedText(text)) return *std::move(stored);
+SqliteValue expectStored(const std::u16string& text) {
+  SqliteValue stored = sought(text);
+  if (stored != SqliteValue(nullptr)) return stored;
   throw std::invalid_argument("the text is not well-formed UTF-16");
 }
 
@@ -44,7 +45,7 @@ std::int64_t positionAfterLast(SqliteDatabase& database, const char* selectLast)
 }  // namespace
 
 SqliteValue storedNote(const std::u16string& note) {
-  return note.empty() ? SqliteValue(nullptr) : SqliteValue(expectStored(note));
+  return note.empty() ? SqliteValue(nullptr) : expectStored(note);
 }
 
 PackedSemVer pack(const SemVer& version) {
@@ -60,10 +61,15 @@ SqliteValue storedVersion(const VersionId& version) {
   return expectStored(version.getText());
 }
 
-std::optional<std::string> storedText(const std::u16string& text) {
+SqliteValue sought(const std::u16string& text) {
   std::string utf8 = fl::i18n::ustring_to_utf8(text);
-  if (toUtf16(utf8) != text) return std::nullopt;
+  if (toUtf16(utf8) != text) return nullptr;
   return utf8;
+}
+
+SqliteValue sought(const VersionId& version) {
+  if (version.isSemVer()) return pack(version.getSemVer());
+  return sought(version.getText());
 }
 
 std::u16string textIn(const SqliteStatement::Rows& rows, int column) {
@@ -179,7 +185,7 @@ void SqliteRowWriter::addSelection(const std::string& side, const Selection& sel
 std::int64_t SqliteRowWriter::idOf(const std::u16string& name) {
   const auto known = ids_.find(name);
   if (known != ids_.end()) return known->second;
-  const std::string stored = expectStored(name);
+  const SqliteValue stored = expectStored(name);
   insertName_.run(stored);
   auto rows = selectName_.query(stored);
   rows.next();

@@ -13,12 +13,14 @@ namespace tarn::evolution::catalogue {
 
 PackedSemVer pack(const pathfinder::SemVer& version);
 
-/// A text version as a text, a semantic version packed.
+/// A text version as a text, a semantic version packed. Throws std::invalid_argument for a text
+/// that no store holds.
 SqliteValue storedVersion(const pathfinder::VersionId& version);
 
-/// The text as a store holds it; nothing for a text that is not well-formed UTF-16, which no store
-/// holds.
-std::optional<std::string> storedText(const std::u16string& text);
+/// What to look a text or a version up by: NULL, which equals nothing, for a text that is not
+/// well-formed UTF-16, which no store holds.
+SqliteValue sought(const std::u16string& text);
+SqliteValue sought(const pathfinder::VersionId& version);
 
 /// What stands in a column. They throw std::invalid_argument for what cannot stand there.
 std::u16string textIn(const SqliteStatement::Rows& rows, int column);
@@ -65,8 +67,6 @@ class SqliteRowWriter : public CatalogueSink {
 
   std::int64_t firstMetamodel() const noexcept { return firstMetamodel_; }  ///< of those received
   std::int64_t firstHop() const noexcept { return firstHop_; }
-  std::int64_t metamodels() const noexcept { return nextMetamodel_ - firstMetamodel_; }
-  std::int64_t hops() const noexcept { return nextHop_ - firstHop_; }
 
  private:
   std::int64_t idOf(const std::u16string& name);

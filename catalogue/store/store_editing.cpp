@@ -48,7 +48,7 @@ RemovalResult removeFromStore(const std::filesystem::path& store,
   RemovalResult result;
   {
     const SqliteWatch watch(successor.database(), toldAgain(progress, copyingShare));
-    result = StoreRemoval(successor.database()).run(choices);
+    result = removeRows(successor.database(), choices);
   }
   if (progress) progress(1);
   if (result.obstacleCount == 0) successor.takePlace();

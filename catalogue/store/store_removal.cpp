@@ -72,99 +72,62 @@ constexpr const char* removeNames = R"(
     AND NOT EXISTS (SELECT 1 FROM metamodels WHERE metamodels.name = names.id)
     AND NOT EXISTS (SELECT 1 FROM dependencies WHERE dependencies.name = names.id))";
 
-}  // namespace
+/// A dependency's row: its metamodel and its place among that one's dependencies.
+using Place = std::pair<std::int64_t, std::int64_t>;
 
-RemovalResult StoreRemoval::run(const std::vector<RemovalChoice>& choices) {
-  store_.run(createChosen);
-  std::uint64_t hops = 0;
-  for (const RemovalChoice& choice : choices) {
-    if (choice.to) {
-      hops += removeHop(choice);
-    } else {
-      choose(choice);
-    }
-  }
-  store_.run("INSERT INTO touched SELECT DISTINCT name, 0 FROM chosen");
-  markOrders();
-  RemovalResult result;
-  collectObstacles(result);
-  if (result.obstacleCount > 0) return result;
-  result.removed = remove();
-  result.removed.hops += hops;
-  return result;
-}
-
-std::uint64_t StoreRemoval::removeHop(const RemovalChoice& choice) {
+std::uint64_t removeHop(SqliteDatabase& store, const RemovalChoice& choice) {
   const auto& [name, from, to] = choice;
   if (!from) throw std::invalid_argument("a hop to remove leads from a version");
-  const auto isStored = [](const pathfinder::VersionId& version) {
-    return version.isSemVer() || storedText(version.getText());
-  };
-  std::int64_t removed = 0;
-  if (storedText(name) && isStored(*from) && isStored(*to)) {
-    SqliteStatement(store_,
-                    "DELETE FROM hops WHERE name = (SELECT id FROM names WHERE name = ?1) "
-                    "AND source = ?2 AND target = ?3")
-        .run(*storedText(name), storedVersion(*from), storedVersion(*to));
-    removed = store_.number("SELECT changes()");
-  }
-  if (removed == 0) failFor(store_.file(), unknownHop(name, *from, *to));
+  SqliteStatement(store,
+                  "DELETE FROM hops WHERE name = (SELECT id FROM names WHERE name = ?1) "
+                  "AND source = ?2 AND target = ?3")
+      .run(sought(name), sought(*from), sought(*to));
+  const std::int64_t removed = store.number("SELECT changes()");
+  if (removed == 0) failFor(store.file(), unknownHop(name, *from, *to));
   return static_cast<std::uint64_t>(removed);
 }
 
-void StoreRemoval::choose(const RemovalChoice& choice) {
+void choose(SqliteDatabase& store, const RemovalChoice& choice) {
   const auto& [name, version, to] = choice;
-  const auto storedName = storedText(name);
-  std::int64_t found = 0;
-  if (storedName && (!version || version->isSemVer() || storedText(version->getText()))) {
-    SqliteStatement insert(store_,
-                           "INSERT OR IGNORE INTO chosen SELECT position, name FROM metamodels "
-                           "WHERE name = (SELECT id FROM names WHERE name = ?1) "
-                           "AND (?2 IS NULL OR version = ?2)");
-    const SqliteValue wanted = version ? storedVersion(*version) : SqliteValue(nullptr);
-    insert.run(*storedName, wanted);
-    SqliteStatement count(store_,
-                          "SELECT count(*) FROM metamodels "
-                          "WHERE name = (SELECT id FROM names WHERE name = ?1) "
-                          "AND (?2 IS NULL OR version = ?2)");
-    auto rows = count.query(*storedName, wanted);
-    if (rows.next()) found = rows.number(0);
-  }
-  if (found > 0) return;
-  failFor(store_.file(), version ? unknownVersion(name, *version) : unknownMetamodel(name));
+  const std::string rows =
+      "FROM metamodels WHERE name = (SELECT id FROM names WHERE name = ?1) "
+      "AND (?2 OR version = ?3)";
+  const std::int64_t isAny = version ? 0 : 1;
+  const SqliteValue wanted = version ? sought(*version) : nullptr;
+  SqliteStatement(store, "INSERT OR IGNORE INTO chosen SELECT position, name " + rows)
+      .run(sought(name), isAny, wanted);
+  SqliteStatement exists(store, "SELECT 1 " + rows);
+  if (exists.query(sought(name), isAny, wanted).next()) return;
+  failFor(store.file(), version ? unknownVersion(name, *version) : unknownMetamodel(name));
 }
 
-void StoreRemoval::collectObstacles(RemovalResult& result) {
-  SqliteReader reader(store_);
-  const std::vector<Place> others = findOtherObstacles(reader);
-  const auto add = [&](const Place& place) {
-    if (result.obstacleCount++ >= listedObstacles) return;
-    result.obstacles.push_back({reader.metamodelAt(place.first).metamodel.descriptor,
-                                static_cast<std::size_t>(place.second)});
-  };
-  auto next = others.begin();
-  SqliteStatement statement(store_, selectObstacles);
-  auto rows = statement.query();
+void markOrders(SqliteDatabase& store) {
+  SqliteReader reader(store);
+  SqliteStatement names(store,
+                        "SELECT touched.name, names.name FROM touched "
+                        "JOIN names ON names.id = touched.name");
+  std::vector<std::int64_t> withOrder;
+  auto rows = names.query();
   while (rows.next()) {
-    const Place place{rows.number(0), rows.number(1)};
-    for (; next != others.end() && *next < place; ++next) add(*next);
-    add(place);
+    const auto name = readRow(store, "names", rows.number(0), [&] { return textIn(rows, 1); });
+    if (reader.hasOwnOrder(name)) withOrder.push_back(rows.number(0));
   }
-  std::for_each(next, others.end(), add);
+  SqliteStatement mark(store, "UPDATE touched SET has_order = 1 WHERE name = ?1");
+  for (const std::int64_t name : withOrder) mark.run(name);
 }
 
 /// Of those that the statement leaves to a reader, the dependencies of which a version goes and
 /// none stays.
-std::vector<StoreRemoval::Place> StoreRemoval::findOtherObstacles(SqliteReader& reader) {
-  SqliteStatement isChosen(store_, "SELECT 1 FROM chosen WHERE position = ?1");
+std::vector<Place> findOtherObstacles(SqliteDatabase& store, SqliteReader& reader) {
+  SqliteStatement isChosen(store, "SELECT 1 FROM chosen WHERE position = ?1");
   const auto goes = [&](const StoredMetamodel& stored) {
     return isChosen.query(stored.position).next();
   };
   std::vector<Place> result;
-  SqliteStatement statement(store_, selectOthers);
-  auto rows = statement.query(*storedText(std::u16string(unionPrefix) + u"*"));
+  SqliteStatement statement(store, selectOthers);
+  auto rows = statement.query(sought(std::u16string(unionPrefix) + u"*"));
   while (rows.next()) {
-    const auto [name, range] = readRow(store_, "dependencies", rows.number(0), [&] {
+    const auto [name, range] = readRow(store, "dependencies", rows.number(0), [&] {
       return std::pair(textIn(rows, 2), rangeIn(rows, 3));
     });
     const auto candidates = reader.metamodelsIn(name, range);
@@ -174,30 +137,56 @@ std::vector<StoreRemoval::Place> StoreRemoval::findOtherObstacles(SqliteReader& 
   return result;
 }
 
-void StoreRemoval::markOrders() {
-  SqliteReader reader(store_);
-  SqliteStatement names(store_,
-                        "SELECT touched.name, names.name FROM touched "
-                        "JOIN names ON names.id = touched.name");
-  std::vector<std::int64_t> withOrder;
-  auto rows = names.query();
+void collectObstacles(SqliteDatabase& store, RemovalResult& result) {
+  SqliteReader reader(store);
+  const std::vector<Place> others = findOtherObstacles(store, reader);
+  const auto add = [&](const Place& place) {
+    if (result.obstacleCount++ >= listedObstacles) return;
+    result.obstacles.push_back({reader.metamodelAt(place.first).metamodel.descriptor,
+                                static_cast<std::size_t>(place.second)});
+  };
+  auto next = others.begin();
+  SqliteStatement statement(store, selectObstacles);
+  auto rows = statement.query();
   while (rows.next()) {
-    const auto name = readRow(store_, "names", rows.number(0), [&] { return textIn(rows, 1); });
-    if (reader.hasOwnOrder(name)) withOrder.push_back(rows.number(0));
+    const Place place{rows.number(0), rows.number(1)};
+    for (; next != others.end() && *next < place; ++next) add(*next);
+    add(place);
   }
-  SqliteStatement mark(store_, "UPDATE touched SET has_order = 1 WHERE name = ?1");
-  for (const std::int64_t name : withOrder) mark.run(name);
+  std::for_each(next, others.end(), add);
 }
 
-StoreCounts StoreRemoval::remove() {
+StoreCounts removeChosen(SqliteDatabase& store) {
   StoreCounts counts;
   for (const auto& [statement, count] :
        {std::pair(removeMetamodels, &counts.metamodels), std::pair(removeHops, &counts.hops)}) {
-    store_.run(statement);
-    *count = static_cast<std::uint64_t>(store_.number("SELECT changes()"));
+    store.run(statement);
+    *count = static_cast<std::uint64_t>(store.number("SELECT changes()"));
   }
-  store_.run(removeNames);
+  store.run(removeNames);
   return counts;
+}
+
+}  // namespace
+
+RemovalResult removeRows(SqliteDatabase& store, const std::vector<RemovalChoice>& choices) {
+  store.run(createChosen);
+  std::uint64_t hops = 0;
+  for (const RemovalChoice& choice : choices) {
+    if (choice.to) {
+      hops += removeHop(store, choice);
+    } else {
+      choose(store, choice);
+    }
+  }
+  store.run("INSERT INTO touched SELECT DISTINCT name, 0 FROM chosen");
+  markOrders(store);
+  RemovalResult result;
+  collectObstacles(store, result);
+  if (result.obstacleCount > 0) return result;
+  result.removed = removeChosen(store);
+  result.removed.hops += hops;
+  return result;
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -91,7 +91,7 @@ class RewritingSink : public CatalogueSink {
                 [&] { return hopText(hop.name, hop.from, hop.to); });
     bool isThere = false;
     bool isOther = false;
-    const std::string name = *storedText(hop.name);
+    const SqliteValue name = sought(hop.name);
     {
       auto rows = selectHops_.query(name, storedVersion(hop.from), storedVersion(hop.to));
       for (; rows.next(); isThere = true) {
@@ -133,7 +133,7 @@ class RewritingSink : public CatalogueSink {
 
  private:
   std::int64_t findPosition(const pathfinder::Metamodel& metamodel, std::size_t number) {
-    const std::string name = *storedText(metamodel.name);
+    const SqliteValue name = sought(metamodel.name);
     if (auto rows = selectVersion_.query(name, storedVersion(metamodel.version)); rows.next()) {
       return rows.number(0);
     }
@@ -156,7 +156,7 @@ class RewritingSink : public CatalogueSink {
   void expectKnownDependencies(const pathfinder::Metamodel& metamodel, std::size_t number) {
     for (std::size_t i = 0; i < metamodel.dependencies.size(); ++i) {
       const std::u16string& name = metamodel.dependencies[i].name;
-      if (selectName_.query(*storedText(name)).next()) continue;
+      if (selectName_.query(sought(name)).next()) continue;
       throw CatalogueError(dependencyPlace(number, i) + "/name", unknownMetamodel(name));
     }
   }
