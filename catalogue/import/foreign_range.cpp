@@ -13,23 +13,15 @@ namespace {
 using Comparator = ForeignRange::Comparator;
 using Comparison = ForeignRange::Comparison;
 
+bool accepts(Comparison comparison, Comparison single) {
+  return (static_cast<unsigned>(comparison) & static_cast<unsigned>(single)) != 0;
+}
+
 bool holds(const Comparator& comparator, const FullVersion& version) {
   const std::weak_ordering order = comparePrecedence(version, comparator.version);
-  switch (comparator.comparison) {
-    case Comparison::Less:
-      return order < 0;
-    case Comparison::LessOrEqual:
-      return order <= 0;
-    case Comparison::Greater:
-      return order > 0;
-    case Comparison::GreaterOrEqual:
-      return order >= 0;
-    case Comparison::Equal:
-      return order == 0;
-    case Comparison::NotEqual:
-      break;
-  }
-  return order != 0;
+  return accepts(comparator.comparison, order < 0    ? Comparison::Less
+                                        : order == 0 ? Comparison::Equal
+                                                     : Comparison::Greater);
 }
 
 SemVer afterPatch(const SemVer& version) {
@@ -42,21 +34,14 @@ std::vector<SemVerRange> spansOf(const Comparator& comparator) {
   const bool isRelease = !comparator.version.isPrerelease();
   const SemVer after = isRelease ? afterPatch(core) : core;
   const SemVerRange all = widestRange();
-  switch (comparator.comparison) {
-    case Comparison::Less:
-      return {{all.lower, core}};
-    case Comparison::LessOrEqual:
-      return {{all.lower, after}};
-    case Comparison::Greater:
-      return {{after, all.upper}};
-    case Comparison::GreaterOrEqual:
-      return {{core, all.upper}};
-    case Comparison::Equal:
-      return {{core, after}};
-    case Comparison::NotEqual:
-      break;
-  }
-  return {{all.lower, core}, {after, all.upper}};
+  std::vector<SemVerRange> spans;
+  const auto add = [&](Comparison single, const SemVer& lower, const SemVer& upper) {
+    if (accepts(comparator.comparison, single)) spans.push_back({lower, upper});
+  };
+  add(Comparison::Less, all.lower, core);
+  add(Comparison::Equal, core, after);
+  add(Comparison::Greater, after, all.upper);
+  return spans;
 }
 
 }  // namespace

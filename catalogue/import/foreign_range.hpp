@@ -13,7 +13,15 @@ namespace tarn::evolution::catalogue {
 /// asks for several comparisons to hold, or all versions, or versions by name.
 class ForeignRange {
  public:
-  enum class Comparison { Less, LessOrEqual, Greater, GreaterOrEqual, Equal, NotEqual };
+  /// Bits for what a version may be to the one that is named: less, equal or greater.
+  enum class Comparison {
+    Less = 1,
+    Equal = 2,
+    LessOrEqual = 3,
+    Greater = 4,
+    NotEqual = 5,
+    GreaterOrEqual = 6,
+  };
 
   struct Comparator {
     Comparison comparison;
