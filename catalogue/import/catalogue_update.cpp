@@ -30,6 +30,44 @@ namespace {
 /// The share of the work after which rows are written.
 constexpr double writingShare = 0.85;
 
+/// Of several for the same hop the first one.
+template <class Row>
+std::unordered_map<std::u16string, const Row*> byKey(const std::vector<Row>& rows) {
+  std::unordered_map<std::u16string, const Row*> result;
+  for (const Row& row : rows) result.emplace(keyOf(row), &row);
+  return result;
+}
+
+/// Counts of rows that are new, gone, or other than before.
+template <class Row, class IsSame>
+void compareRows(const std::vector<Row>& formerRows, const std::vector<Row>& presentRows,
+                 std::uint64_t StoreCounts::*count, const IsSame& isSame,
+                 CatalogueChanges& changes) {
+  auto left = byKey(formerRows);
+  for (const auto& [key, row] : byKey(presentRows)) {
+    const auto former = left.find(key);
+    if (former == left.end()) {
+      ++(changes.added.*count);
+    } else {
+      if (!isSame(*former->second, *row)) ++(changes.changed.*count);
+      left.erase(former);
+    }
+  }
+  changes.removed.*count += left.size();
+}
+
+/// What differs, whatever the order.
+CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present) {
+  CatalogueChanges changes;
+  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, isSameRow, changes);
+  const auto isSameHop = [&](const pathfinder::Hop& left, const pathfinder::Hop& right) {
+    return left.expensive == right.expensive &&
+           former.hopNotes.of(left) == present.hopNotes.of(right);
+  };
+  compareRows(former.hops, present.hops, &StoreCounts::hops, isSameHop, changes);
+  return changes;
+}
+
 /// The content that comes, known to be sound; what differs is noted.
 CatalogueContent succeeded(const std::optional<CatalogueContent>& former, const Successor& succeed,
                            ImportReport& report) {
@@ -106,32 +144,6 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
   file.replaceTarget();
 }
 
-/// Of several for the same hop the first one.
-template <class Row>
-std::unordered_map<std::u16string, const Row*> byKey(const std::vector<Row>& rows) {
-  std::unordered_map<std::u16string, const Row*> result;
-  for (const Row& row : rows) result.emplace(keyOf(row), &row);
-  return result;
-}
-
-/// Counts of rows that are new, gone, or other than before.
-template <class Row, class IsSame>
-void compareRows(const std::vector<Row>& formerRows, const std::vector<Row>& presentRows,
-                 std::uint64_t StoreCounts::*count, const IsSame& isSame,
-                 CatalogueChanges& changes) {
-  auto left = byKey(formerRows);
-  for (const auto& [key, row] : byKey(presentRows)) {
-    const auto former = left.find(key);
-    if (former == left.end()) {
-      ++(changes.added.*count);
-    } else {
-      if (!isSame(*former->second, *row)) ++(changes.changed.*count);
-      left.erase(former);
-    }
-  }
-  changes.removed.*count += left.size();
-}
-
 }  // namespace
 
 void updateCatalogue(const fs::path& catalogue, const Successor& succeed,
@@ -143,17 +155,6 @@ void updateCatalogue(const fs::path& catalogue, const Successor& succeed,
   } else {
     updateJson(catalogue, succeed, progress, report);
   }
-}
-
-CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present) {
-  CatalogueChanges changes;
-  compareRows(former.metamodels, present.metamodels, &StoreCounts::metamodels, isSameRow, changes);
-  const auto isSameHop = [&](const pathfinder::Hop& left, const pathfinder::Hop& right) {
-    return left.expensive == right.expensive &&
-           former.hopNotes.of(left) == present.hopNotes.of(right);
-  };
-  compareRows(former.hops, present.hops, &StoreCounts::hops, isSameHop, changes);
-  return changes;
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -18,7 +18,4 @@ using Successor = std::function<CatalogueContent(CatalogueContent former)>;
 void updateCatalogue(const std::filesystem::path& catalogue, const Successor& succeed,
                      const StoreProgress& progress, ChangeMode mode, ImportReport& report);
 
-/// What differs, whatever the order.
-CatalogueChanges changesBetween(const CatalogueContent& former, const CatalogueContent& present);
-
 }  // namespace tarn::evolution::catalogue

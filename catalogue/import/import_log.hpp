@@ -14,8 +14,6 @@ class ImportLog {
  public:
   explicit ImportLog(bool isLenient) : isLenient_(isLenient) {}
 
-  bool isLenient() const noexcept { return isLenient_; }
-
   /// Throws the fault on, or notes that what is at fault is left out.
   void leaveOut(const CatalogueError& fault) {
     if (!isLenient_) throw CatalogueError(fault);

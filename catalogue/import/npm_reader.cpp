@@ -70,10 +70,8 @@ class NpmReader {
       }
       return;
     }
-    bool isPackument = false;
-    document.withField("versions",
-                       [&](const SourceNode& versions) { isPackument = versions.isObject(); });
-    if (isPackument || document.optionalText("version").empty()) {
+    const auto versions = document.find("versions");
+    if ((versions && versions->isObject()) || document.optionalText("version").empty()) {
       readPackument(document);
     } else {
       readManifest(document);
@@ -98,9 +96,9 @@ class NpmReader {
   }
 
   void readTags(const std::string& name, const SourceNode& document) {
-    document.withField("dist-tags", [&](const SourceNode& tags) {
-      for (const auto& [tag, version] : tags.entries()) tags_[name][tag] = version.asText();
-    });
+    for (const auto& [tag, version] : document.entries("dist-tags")) {
+      tags_[name][tag] = version.asText();
+    }
   }
 
   void readVersion(const std::string& name, const std::string& text, const SourceNode& manifest) {
@@ -114,19 +112,19 @@ class NpmReader {
     for (const char* field : {"peerDependencies", "engines"}) {
       const bool isOfEngines = field == std::string("engines");
       if (isOfEngines && !reading_.options.withEngines) continue;
-      manifest.withField(field, [&](const SourceNode& needed) {
-        // Long ago, engines were lists of texts.
-        if (isOfEngines && needed.isArray()) return;
-        for (const auto& [peer, range] : needed.entries()) {
-          peers.push_back({name, index, peer, range.asText(), range.place(),
-                           !isOfEngines && optional.contains(peer)});
-        }
-      });
+      const auto needed = manifest.find(field);
+      // Long ago, engines were lists of texts.
+      if (!needed || (isOfEngines && needed->isArray())) continue;
+      for (const auto& [peer, range] : needed->entries()) {
+        peers.push_back({name, index, peer, range.asText(), range.place(),
+                         !isOfEngines && optional.contains(peer)});
+      }
     }
     package.addVersion(text, manifest.place());
-    if (const auto reason = reasonOfDeprecation(manifest)) {
+    const std::string reason = reasonOfDeprecation(manifest);
+    if (!reason.empty()) {
       deprecated_[name].insert(index);
-      package.versions().back().note = *reason;
+      package.versions().back().note = reason;
     }
     std::move(peers.begin(), peers.end(), std::back_inserter(peers_));
   }
@@ -134,27 +132,20 @@ class NpmReader {
   /// The peers that need not be there.
   static std::set<std::string> optionalPeers(const SourceNode& manifest) {
     std::set<std::string> result;
-    manifest.withField("peerDependenciesMeta", [&](const SourceNode& about) {
-      for (const auto& [peer, what] : about.entries()) {
-        what.withField("optional", [&, &peer = peer](const SourceNode& is) {
-          if (is.asBoolean()) result.insert(peer);
-        });
-      }
-    });
+    for (const auto& [peer, about] : manifest.entries("peerDependenciesMeta")) {
+      const auto isOptional = about.find("optional");
+      if (isOptional && isOptional->asBoolean()) result.insert(peer);
+    }
     return result;
   }
 
-  /// "deprecated" is the reason, or sometimes just true; an empty reason takes it back.
-  static std::optional<std::string> reasonOfDeprecation(const SourceNode& manifest) {
-    std::optional<std::string> result;
-    manifest.withField("deprecated", [&](const SourceNode& reason) {
-      if (reason.isBoolean()) {
-        if (reason.asBoolean()) result = "deprecated";
-      } else if (!reason.asText().empty()) {
-        result = reason.asText();
-      }
-    });
-    return result;
+  /// "deprecated" is the reason, or sometimes just true; an empty reason takes it back. Empty for a
+  /// version that is not deprecated.
+  static std::string reasonOfDeprecation(const SourceNode& manifest) {
+    const auto reason = manifest.find("deprecated");
+    if (!reason) return {};
+    if (reason->isBoolean()) return reason->asBoolean() ? "deprecated" : "";
+    return reason->asText();
   }
 
   void addOfferedHops(ForeignPackage& package, const std::set<std::size_t>& deprecated) const {
@@ -178,11 +169,7 @@ class NpmReader {
       const auto version = tags->second.find(peer.range);
       if (version != tags->second.end()) return ForeignRange::versions({version->second});
     }
-    try {
-      return parseForeignRange(peer.range, RangeGrammar::Npm);
-    } catch (const std::invalid_argument& error) {
-      peer.place.fail(error.what());
-    }
+    return peer.place.orFail([&] { return parseForeignRange(peer.range, RangeGrammar::Npm); });
   }
 
   const Reading& reading_;

@@ -98,12 +98,10 @@ class OperatorReader {
     }
     std::string version;
     std::vector<ForeignDependency> dependencies;
-    document.withField("properties", [&](const SourceNode& properties) {
-      for (const SourceNode& property : properties.elements()) {
-        reading_.log.attempt(
-            [&] { readProperty(property, packageName, version, bundle, dependencies); });
-      }
-    });
+    for (const SourceNode& property : document.elements("properties")) {
+      reading_.log.attempt(
+          [&] { readProperty(property, packageName, version, bundle, dependencies); });
+    }
     if (version.empty()) document.fail("the bundle has no property olm.package with its version");
     ForeignVersion& added = catalogue_[packageName].addVersion(version, document.place());
     added.dependencies = std::move(dependencies);
@@ -141,9 +139,12 @@ class OperatorReader {
 
   static ForeignDependency readRequiredPackage(const SourceNode& value) {
     const SourceNode range = value.field("versionRange");
-    return {value.textField("packageName"),
-            range.orFail([&] { return parseForeignRange(range.asText(), RangeGrammar::Operator); }),
-            range.asText(), value.place()};
+    return {value.textField("packageName"), rangeIn(range), range.asText(), value.place()};
+  }
+
+  static ForeignRange rangeIn(const SourceNode& text) {
+    return text.place().orFail(
+        [&] { return parseForeignRange(text.asText(), RangeGrammar::Operator); });
   }
 
   /// A constraint of one package or API, or of several that must all hold.
@@ -179,14 +180,11 @@ class OperatorReader {
   static ChannelEntry readEntry(const SourceNode& entry) {
     ChannelEntry result{
         entry.textField("name"), entry.optionalText("replaces"), {}, {}, entry.place()};
-    entry.withField("skips", [&](const SourceNode& skips) {
-      for (const SourceNode& skipped : skips.elements()) result.skips.push_back(skipped.asText());
-    });
-    entry.withField("skipRange", [&](const SourceNode& range) {
-      if (range.asText().empty()) return;
-      result.skipRange =
-          range.orFail([&] { return parseForeignRange(range.asText(), RangeGrammar::Operator); });
-    });
+    for (const SourceNode& skipped : entry.elements("skips")) {
+      result.skips.push_back(skipped.asText());
+    }
+    const auto range = entry.find("skipRange");
+    if (range && !range->asText().empty()) result.skipRange = rangeIn(*range);
     return result;
   }
 

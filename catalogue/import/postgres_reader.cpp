@@ -178,21 +178,14 @@ class PostgresReader {
         const std::string extension = head->neededCell(row, "extension", file);
         if (!catalogue_.contains(extension)) place.fail("there is no extension " + extension);
         if (!servers.find(server)) servers.addVersion(server, place);
-        rangesOn[extension][server].push_back(rangeAt(head->cell(row, "versions"), place));
+        rangesOn[extension][server].push_back(place.orFail(
+            [&] { return parseForeignRange(head->cell(row, "versions"), RangeGrammar::Npm); }));
       });
     });
     if (servers.versions().empty()) file.place().fail("the table has no rows");
     for (const auto& [extension, ranges] : rangesOn) addServers(extension, ranges, file.place(1));
     addServerHops(servers);
     catalogue_[serverName] = std::move(servers);
-  }
-
-  static ForeignRange rangeAt(const std::string& text, const SourcePlace& place) {
-    try {
-      return parseForeignRange(text, RangeGrammar::Npm);
-    } catch (const std::invalid_argument& error) {
-      place.fail(error.what());
-    }
   }
 
   void addServers(const std::string& extension,

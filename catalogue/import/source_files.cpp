@@ -70,8 +70,6 @@ SourceFile::SourceFile(const fs::path& file, Advance advance)
   if (!in_) failFor(file, "cannot be opened: " + std::generic_category().message(errno));
 }
 
-SourceFile::~SourceFile() = default;
-
 bool SourceFile::fill() {
   in_.read(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   if (in_.bad()) failFor(*name_, "cannot be read: " + std::generic_category().message(errno));

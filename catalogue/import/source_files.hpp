@@ -26,7 +26,6 @@ class SourceFile {
   using Advance = std::function<void(std::uint64_t bytes)>;
 
   SourceFile(const std::filesystem::path& file, Advance advance);
-  ~SourceFile();
   SourceFile(const SourceFile&) = delete;
   SourceFile& operator=(const SourceFile&) = delete;
 

@@ -25,21 +25,9 @@ std::string escapedStep(const std::string& step) {
 }
 
 const char* kindName(SourceKind kind) {
-  switch (kind) {
-    case SourceKind::Null:
-      return "null";
-    case SourceKind::Boolean:
-      return "true or false";
-    case SourceKind::Number:
-      return "a number";
-    case SourceKind::Text:
-      return "a text";
-    case SourceKind::Array:
-      return "a list";
-    case SourceKind::Object:
-      break;
-  }
-  return "an object";
+  constexpr const char* names[] = {"null",   "true or false", "a number",
+                                   "a text", "a list",        "an object"};
+  return names[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace
@@ -63,8 +51,7 @@ SourceNode SourceNode::child(const SourceValue& value, const std::string& step) 
   return {value, place_.in(value.line, step)};
 }
 
-bool SourceNode::withField(const char* name,
-                           const std::function<void(const SourceNode&)>& use) const {
+std::optional<SourceNode> SourceNode::find(const char* name) const {
   if (!isObject()) failFor("an object");
   const SourceValue* found = nullptr;
   for (const SourceValue& field : value_->children) {
@@ -72,17 +59,13 @@ bool SourceNode::withField(const char* name,
     if (found) child(field, name).fail("stands twice");
     found = &field;
   }
-  if (!found || found->kind == SourceKind::Null) return false;
-  use(child(*found, name));
-  return true;
+  if (!found || found->kind == SourceKind::Null) return std::nullopt;
+  return child(*found, name);
 }
 
 SourceNode SourceNode::field(const char* name) const {
-  SourceNode result = *this;
-  if (!withField(name, [&](const SourceNode& found) { result = found; })) {
-    fail(std::string("the field \"") + name + "\" is missing");
-  }
-  return result;
+  if (auto found = find(name)) return *std::move(found);
+  fail(std::string("the field \"") + name + "\" is missing");
 }
 
 std::string SourceNode::textField(const char* name) const {
@@ -92,9 +75,8 @@ std::string SourceNode::textField(const char* name) const {
 }
 
 std::string SourceNode::optionalText(const char* name) const {
-  std::string text;
-  withField(name, [&](const SourceNode& found) { text = found.asText(); });
-  return text;
+  const auto found = find(name);
+  return found ? found->asText() : "";
 }
 
 const std::string& SourceNode::asText() const {
@@ -126,6 +108,11 @@ std::vector<SourceNode> SourceNode::elements() const {
   return result;
 }
 
+std::vector<SourceNode> SourceNode::elements(const char* name) const {
+  const auto found = find(name);
+  return found ? found->elements() : std::vector<SourceNode>();
+}
+
 std::vector<std::pair<std::string, SourceNode>> SourceNode::entries() const {
   if (!isObject()) failFor("an object");
   std::set<std::string> met;
@@ -136,6 +123,11 @@ std::vector<std::pair<std::string, SourceNode>> SourceNode::entries() const {
     result.emplace_back(field.key, child(field, field.key));
   }
   return result;
+}
+
+std::vector<std::pair<std::string, SourceNode>> SourceNode::entries(const char* name) const {
+  const auto found = find(name);
+  return found ? found->entries() : std::vector<std::pair<std::string, SourceNode>>();
 }
 
 }  // namespace tarn::evolution::catalogue

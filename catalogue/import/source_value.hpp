@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -40,6 +40,16 @@ class SourcePlace {
 
   [[noreturn]] void fail(const std::string& reason) const { throw error(reason); }
 
+  /// The result of `compute`; its std::invalid_argument becomes an error with this place.
+  template <class Compute>
+  auto orFail(const Compute& compute) const {
+    try {
+      return compute();
+    } catch (const std::invalid_argument& error) {
+      fail(error.what());
+    }
+  }
+
  private:
   std::shared_ptr<const std::string> file_;
   std::size_t line_ = 0;  // 0 when there is none to name
@@ -56,13 +66,12 @@ class SourceNode {
   const SourcePlace& place() const noexcept { return place_; }
   [[noreturn]] void fail(const std::string& reason) const { place_.fail(reason); }
 
-  bool isNull() const { return value_->kind == SourceValue::Kind::Null; }
   bool isObject() const { return value_->kind == SourceValue::Kind::Object; }
   bool isArray() const { return value_->kind == SourceValue::Kind::Array; }
   bool isBoolean() const { return value_->kind == SourceValue::Kind::Boolean; }
 
-  /// Calls `use` with the field if there is one and it is not null; throws when it stands twice.
-  bool withField(const char* name, const std::function<void(const SourceNode&)>& use) const;
+  /// The field, if there is one and it is not null; throws when it stands twice.
+  std::optional<SourceNode> find(const char* name) const;
 
   /// A field that must be there.
   SourceNode field(const char* name) const;
@@ -79,18 +88,14 @@ class SourceNode {
 
   std::vector<SourceNode> elements() const;
 
+  /// Those of a field; none when it is not there.
+  std::vector<SourceNode> elements(const char* name) const;
+
   /// The fields of an object; throws when one stands twice.
   std::vector<std::pair<std::string, SourceNode>> entries() const;
 
-  /// The result of `compute`; its std::invalid_argument becomes an error with this place.
-  template <class Compute>
-  auto orFail(const Compute& compute) const {
-    try {
-      return compute();
-    } catch (const std::invalid_argument& error) {
-      fail(error.what());
-    }
-  }
+  /// Those of a field; none when it is not there.
+  std::vector<std::pair<std::string, SourceNode>> entries(const char* name) const;
 
  private:
   [[noreturn]] void failFor(const char* wanted) const;

@@ -16,10 +16,16 @@ using pathfinder::SemVer;
 
 /// Versions of which one must be stopped at: from `first` on, before `end`.
 struct RequiredStop {
+  std::string text;
+  SourcePlace place;
   SemVer first;
   SemVer end;
   bool isConditional;
   std::string note;
+
+  bool includes(const ForeignVersion& version) const {
+    return !(version.order.core < first) && version.order.core < end;
+  }
 
   bool liesBetween(const FullVersion& from, const FullVersion& to) const {
     return from.core < first && !(to.core < end);
@@ -41,18 +47,15 @@ class StopReader {
     }
     if (catalogue_.contains(name)) table_.fail("there is another table of the name " + name);
     ForeignPackage& package = catalogue_[name];
-    if (!table_.isArray()) {
-      table_.withField("versions",
-                       [&](const SourceNode& versions) { readVersions(versions, package); });
-    }
+    if (!table_.isArray()) readVersions(package);
     addStops(package);
     addStopNotes(package);
     addStopHops(package);
   }
 
  private:
-  void readVersions(const SourceNode& versions, ForeignPackage& package) {
-    for (const SourceNode& version : versions.elements()) {
+  void readVersions(ForeignPackage& package) {
+    for (const SourceNode& version : table_.elements("versions")) {
       reading_.log.attempt([&] {
         const std::string& text = version.asText();
         if (!parseFullVersion(text).isSemantic) version.fail("\"" + text + "\" is no version");
@@ -79,11 +82,9 @@ class StopReader {
       if (text.empty()) {
         text = std::to_string(stop.field("major").asIndex()) + "." +
                std::to_string(stop.field("minor").asIndex());
-        stop.withField("patch", [&](const SourceNode& patch) {
-          text += "." + std::to_string(patch.asIndex());
-        });
+        if (const auto patch = stop.find("patch")) text += "." + std::to_string(patch->asIndex());
       }
-      stop.withField("conditional", [&](const SourceNode& is) { isConditional = is.asBoolean(); });
+      if (const auto is = stop.find("conditional")) isConditional = is->asBoolean();
       addNote(stop.optionalText("note"), note);
       addNote(stop.optionalText("comments"), note);
     }
@@ -93,21 +94,17 @@ class StopReader {
       stop.fail("\"" + text + "\" is no stop: it must be a minor version or a release");
     }
     const SemVer last{version.core.major, version.core.minor, widestRange().upper.patch};
-    stops_.push_back(
-        {version.core, nextPatch(last).value_or(last), isConditional, std::move(note)});
-    places_.emplace_back(text, stop.place());
+    stops_.push_back({text, stop.place(), version.core, nextPatch(last).value_or(last),
+                      isConditional, std::move(note)});
   }
 
   /// A stop of which no release is listed is a release itself.
   void addStops(ForeignPackage& package) {
-    for (std::size_t i = 0; i < stops_.size(); ++i) {
-      const bool isListed = std::any_of(
-          package.versions().begin(), package.versions().end(), [&](const ForeignVersion& each) {
-            return !(each.order.core < stops_[i].first) && each.order.core < stops_[i].end;
-          });
-      if (!isListed) {
-        reading_.log.attempt([&] { package.addVersion(places_[i].first, places_[i].second); });
-      }
+    for (const RequiredStop& stop : stops_) {
+      const bool isListed =
+          std::any_of(package.versions().begin(), package.versions().end(),
+                      [&](const ForeignVersion& each) { return stop.includes(each); });
+      if (!isListed) reading_.log.attempt([&] { package.addVersion(stop.text, stop.place); });
     }
   }
 
@@ -124,8 +121,7 @@ class StopReader {
   void addStopNotes(ForeignPackage& package) const {
     for (ForeignVersion& version : package.versions()) {
       for (const RequiredStop& stop : stops_) {
-        const bool isOfStop = !(version.order.core < stop.first) && version.order.core < stop.end;
-        if (isOfStop && !stop.isConditional) addNote(stop.note, version.note);
+        if (stop.includes(version) && !stop.isConditional) addNote(stop.note, version.note);
       }
     }
   }
@@ -141,25 +137,15 @@ class StopReader {
         });
       };
       const auto isAllowed = [&](std::size_t to) { return !crosses(to, false); };
-      for (const std::size_t to : offer.from(from, isAllowed)) {
-        package.addHop(from, to, crosses(to, true), notesBetween(versions[from], versions[to]));
-      }
-      addHopsToStops(from, offer, package, isAllowed, crosses);
-    }
-  }
-
-  /// Stops are to be reached even where a newer version of their line is offered, beyond them.
-  template <class IsAllowed, class Crosses>
-  void addHopsToStops(std::size_t from, const HopOffer& offer, ForeignPackage& package,
-                      const IsAllowed& isAllowed, const Crosses& crosses) const {
-    for (const RequiredStop& stop : stops_) {
-      const auto isOfStop = [&](std::size_t to) {
-        const SemVer& core = package.versions()[to].order.core;
-        return !(core < stop.first) && core < stop.end && isAllowed(to);
+      const auto add = [&](const auto& isWanted) {
+        for (const std::size_t to : offer.from(from, isWanted)) {
+          package.addHop(from, to, crosses(to, true), notesBetween(versions[from], versions[to]));
+        }
       };
-      for (const std::size_t to : offer.from(from, isOfStop)) {
-        package.addHop(from, to, crosses(to, true),
-                       notesBetween(package.versions()[from], package.versions()[to]));
+      add(isAllowed);
+      // Stops are to be reached even where a newer version of their line is offered, beyond them.
+      for (const RequiredStop& stop : stops_) {
+        add([&](std::size_t to) { return stop.includes(versions[to]) && isAllowed(to); });
       }
     }
   }
@@ -168,7 +154,6 @@ class StopReader {
   ForeignCatalogue& catalogue_;
   const Reading& reading_;
   std::vector<RequiredStop> stops_;
-  std::vector<std::pair<std::string, SourcePlace>> places_;  // of the stops
 };
 
 }  // namespace

@@ -54,34 +54,30 @@ class GraphReader {
   }
 
   void readConditionalEdges() {
-    graph_.withField("conditionalEdges", [&](const SourceNode& groups) {
-      for (const SourceNode& group : groups.elements()) {
-        std::string note;
-        log_.attempt([&] { note = risksOf(group); });
-        for (const SourceNode& edge : group.field("edges").elements()) {
-          log_.attempt([&] {
-            const Ends ends{nodeOf(edge.field("from")), nodeOf(edge.field("to"))};
-            conditional_.insert(ends);
-            package_.addHop(ends.first, ends.second, true, note);
-          });
-        }
+    for (const SourceNode& group : graph_.elements("conditionalEdges")) {
+      std::string note;
+      log_.attempt([&] { note = risksOf(group); });
+      for (const SourceNode& edge : group.field("edges").elements()) {
+        log_.attempt([&] {
+          const Ends ends{nodeOf(edge.field("from")), nodeOf(edge.field("to"))};
+          conditional_.insert(ends);
+          package_.addHop(ends.first, ends.second, true, note);
+        });
       }
-    });
+    }
   }
 
   /// A line for each: "Name: message (link)", as much of it as there is.
   static std::string risksOf(const SourceNode& group) {
     std::string note;
-    group.withField("risks", [&](const SourceNode& risks) {
-      for (const SourceNode& risk : risks.elements()) {
-        std::string line = risk.optionalText("name");
-        const std::string message = risk.optionalText("message");
-        const std::string url = risk.optionalText("url");
-        if (!message.empty()) line.append(line.empty() ? "" : ": ").append(message);
-        if (!url.empty()) line.append(line.empty() ? url : " (" + url + ")");
-        addNote(line, note);
-      }
-    });
+    for (const SourceNode& risk : group.elements("risks")) {
+      std::string line = risk.optionalText("name");
+      const std::string message = risk.optionalText("message");
+      const std::string url = risk.optionalText("url");
+      if (!message.empty()) line.append(line.empty() ? "" : ": ").append(message);
+      if (!url.empty()) line.append(line.empty() ? url : " (" + url + ")");
+      addNote(line, note);
+    }
     return note;
   }
 

@@ -81,19 +81,10 @@ class YamlParser {
   std::exception_ptr failure_;
 };
 
-/// Builds documents from the parser's events.
+/// Builds a document from the parser's events.
 class YamlBuilder {
  public:
   explicit YamlBuilder(const SourceFile& file) : file_(file) {}
-
-  void begin() {
-    root_ = {};
-    open_.clear();
-    anchors_.clear();
-    anchored_.clear();
-    key_.reset();
-    count_ = 0;
-  }
 
   const SourceValue& document() const { return root_; }
 
@@ -187,35 +178,35 @@ class YamlBuilder {
 
 void readYamlDocuments(SourceFile& file, const UseDocument& use) {
   YamlParser parser(file);
-  YamlBuilder builder(file);
+  std::optional<YamlBuilder> builder;
   bool isEmpty = true;
   for (bool isAtEnd = false; !isAtEnd;) {
     YamlEvent event;
     parser.next(event);
     switch (event->type) {
       case YAML_DOCUMENT_START_EVENT:
-        builder.begin();
+        builder.emplace(file);
         break;
       case YAML_SCALAR_EVENT:
-        builder.scalar(event);
+        builder->scalar(event);
         break;
       case YAML_ALIAS_EVENT:
-        builder.alias(event);
+        builder->alias(event);
         break;
       case YAML_MAPPING_START_EVENT:
-        builder.open(event, NodeKind::Object, event->data.mapping_start.anchor);
+        builder->open(event, NodeKind::Object, event->data.mapping_start.anchor);
         break;
       case YAML_SEQUENCE_START_EVENT:
-        builder.open(event, NodeKind::Array, event->data.sequence_start.anchor);
+        builder->open(event, NodeKind::Array, event->data.sequence_start.anchor);
         break;
       case YAML_MAPPING_END_EVENT:
       case YAML_SEQUENCE_END_EVENT:
-        builder.close();
+        builder->close();
         break;
       case YAML_DOCUMENT_END_EVENT:
         // Nothing between two separators is no document.
-        if (builder.document().kind == NodeKind::Null) break;
-        use({builder.document(), file.place(builder.document().line)});
+        if (builder->document().kind == NodeKind::Null) break;
+        use({builder->document(), file.place(builder->document().line)});
         isEmpty = false;
         break;
       case YAML_STREAM_END_EVENT:

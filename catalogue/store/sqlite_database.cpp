@@ -323,10 +323,6 @@ void SqliteStatement::bind(int parameter, const SqliteValue& value) {
   database_->expect(code);
 }
 
-void SqliteStatement::start() {
-  database_->work_ = 0;
-}
-
 bool SqliteStatement::step() {
   const int code = sqlite3_step(handle_.get());
   if (code == SQLITE_ROW) return true;

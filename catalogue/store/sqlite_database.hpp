@@ -140,7 +140,7 @@ class SqliteStatement {
   Rows query(const Values&... values) {
     int parameter = 0;
     (bind(++parameter, values), ...);
-    start();
+    database_->work_ = 0;
     return Rows(*this);
   }
 
@@ -158,7 +158,6 @@ class SqliteStatement {
   };
 
   void bind(int parameter, const SqliteValue& value);
-  void start();
   bool step();
   void reset() noexcept;
 

@@ -136,10 +136,8 @@ VersionRange unionOf(const std::vector<VersionRange>& ranges) {
       text += boundsText(*bounds);
     } else if (!range.isSemVerRange()) {
       text += quotedText(range.getText());
-    } else if (isSingle(range)) {
-      text += toUtf16(textOf(range.getSemVerRange().lower));
     } else {
-      text += toUtf16(textOf(range));
+      text += toUtf16(textOf(range.getSemVerRange().lower));
     }
   }
   return text;

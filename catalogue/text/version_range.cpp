@@ -12,13 +12,9 @@ using pathfinder::VersionId;
 using pathfinder::VersionRange;
 
 std::optional<VersionId> findSingleVersion(const VersionRange& range) {
-  if (isUnion(range)) return std::nullopt;
-  if (!range.isSemVerRange()) {
-    return boundsOf(range) ? std::nullopt : std::optional<VersionId>(range.getText());
-  }
-  const pathfinder::SemVer& lower = range.getSemVerRange().lower;
-  return range == VersionRange::singleVersion(lower) ? std::optional<VersionId>(lower)
-                                                     : std::nullopt;
+  if (isUnion(range) || boundsOf(range)) return std::nullopt;
+  if (range.isSemVerRange()) return range.getSemVerRange().lower;
+  return range.getText();
 }
 
 bool admits(const VersionRange& range, const VersionId& version,
