@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <fstream>
 #include <optional>
-#include <system_error>
 #include <unordered_map>
 #include <utility>
 
@@ -138,7 +137,7 @@ void updateJson(const fs::path& json, const Successor& succeed, const StoreProgr
     writeJsonCatalogue(content, out);
     out.close();
   } catch (const std::ios_base::failure&) {
-    failFor(json, "cannot be written: " + std::generic_category().message(errno));
+    failToWrite(json, errno);
   }
   if (progress) progress(1);
   file.replaceTarget();

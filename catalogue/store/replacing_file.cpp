@@ -72,7 +72,7 @@ std::filesystem::path ReplacingFile::resolve(const std::filesystem::path& given)
   const auto folder = std::filesystem::is_symlink(file, error)
                           ? std::filesystem::canonical(file, error)  // which says what is wrong
                           : std::filesystem::canonical(file.parent_path(), error);
-  if (error) failFor(given, "cannot be written: " + error.message());
+  if (error) failToWrite(given, error.value());
   const auto status = std::filesystem::status(file, error);
   if (!file.has_filename() || std::filesystem::is_directory(status)) {
     failFor(given, "is a directory, not a file");
@@ -104,14 +104,11 @@ void ReplacingFile::make() {
   replaces_ = stat(target_.c_str(), &old) == 0;
   // Nobody may read for a moment what is not to be read.
   const mode_t mode = replaces_ ? 0600 : 0666;
-  if (mknod(path_.c_str(), S_IFREG | mode, 0) != 0) {
-    failFor(given_,
-            "cannot be written: " + path_.string() + ": " + std::generic_category().message(errno));
-  }
+  if (mknod(path_.c_str(), S_IFREG | mode, 0) != 0) failToWrite(given_, errno, path_);
   if (!replaces_ || takeAfter(path_, old)) return;
   const int error = errno;
   removePartial();
-  failToWrite(error);
+  failToWrite(given_, error);
 }
 
 ReplacingFile::~ReplacingFile() {
@@ -127,7 +124,7 @@ void ReplacingFile::replaceTarget() {
   if (kind_ == Kind::Database) {
     removeBesideTarget();
   } else if (const int error = sync(path_, O_WRONLY); error != 0) {
-    failToWrite(error);
+    failToWrite(given_, error);
   }
   move();
   isInPlace_ = true;
@@ -141,26 +138,16 @@ void ReplacingFile::replaceTarget() {
 /// has removed, must be certain before the new file comes.
 void ReplacingFile::removeBesideTarget() {
   for (const auto& file : allBeside(target_)) {
-    if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(file, errno);
+    if (unlink(file.c_str()) != 0 && errno != ENOENT) failToWrite(given_, errno, file);
   }
-  if (const int error = syncFolderOf(target_); error != 0) failToWrite(error);
+  if (const int error = syncFolderOf(target_); error != 0) failToWrite(given_, error);
 }
 
 void ReplacingFile::move() {
   const int error = replaces_ ? (rename(path_.c_str(), target_.c_str()) == 0 ? 0 : errno)
                               : renameToNew(path_.c_str(), target_.c_str());
   if (error == EEXIST) failFor(given_, "has been made by another program meanwhile");
-  if (error != 0) failToWrite(error);
-}
-
-void ReplacingFile::failToWrite(int error) const {
-  failFor(given_, "cannot be written: " + std::generic_category().message(error));
-}
-
-/// The same for what lies beside it.
-void ReplacingFile::failToWrite(const std::filesystem::path& beside, int error) const {
-  failFor(given_,
-          "cannot be written: " + beside.string() + ": " + std::generic_category().message(error));
+  if (error != 0) failToWrite(given_, error);
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -60,8 +60,6 @@ class ReplacingFile {
   void removePartial() noexcept;
   void removeBesideTarget();
   void move();
-  [[noreturn]] void failToWrite(int error) const;
-  [[noreturn]] void failToWrite(const std::filesystem::path& beside, int error) const;
 
   std::filesystem::path given_;
   Kind kind_;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
-#include <system_error>
 
 #include "catalogue/reading/file_error.hpp"
 #include "catalogue/reading/json_file.hpp"
@@ -69,7 +68,7 @@ StoreCounts writeFile(SqliteDatabase& store, const std::filesystem::path& file,
     out.close();
     return counts;
   } catch (const std::ios_base::failure&) {
-    failFor(json, "cannot be written: " + std::generic_category().message(errno));
+    failToWrite(json, errno);
   }
 }
 

@@ -11,7 +11,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <system_error>
 #include <thread>
 
 #include "catalogue/reading/file_error.hpp"
@@ -20,12 +19,6 @@
 namespace tarn::evolution::catalogue {
 
 namespace {
-
-[[noreturn]] void failToLock(const std::filesystem::path& shownAs,
-                             const std::filesystem::path& lock, int error) {
-  failFor(shownAs,
-          "cannot be written: " + lock.string() + ": " + std::generic_category().message(error));
-}
 
 /// A descriptor, or a negative number with the reason in `errno`. Does not wait at a pipe.
 int openOrMake(const std::filesystem::path& file) {
@@ -67,11 +60,11 @@ WriteLock::WriteLock(const std::filesystem::path& file, const std::filesystem::p
 
 bool WriteLock::tryLock(const std::filesystem::path& shownAs) {
   descriptor_ = openOrMake(path_);
-  if (descriptor_ < 0) failToLock(shownAs, path_, errno);
+  if (descriptor_ < 0) failToWrite(shownAs, errno, path_);
   const int error = flock(descriptor_, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
   if (error == 0 && hasName(descriptor_, path_)) return true;
   close(descriptor_);
-  if (error != 0 && error != EWOULDBLOCK && error != EINTR) failToLock(shownAs, path_, error);
+  if (error != 0 && error != EWOULDBLOCK && error != EINTR) failToWrite(shownAs, error, path_);
   return false;
 }
 
