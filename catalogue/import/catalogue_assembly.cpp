@@ -14,6 +14,7 @@
 #include "catalogue/import/known_version.hpp"
 #include "catalogue/import/range_fitting.hpp"
 #include "catalogue/import/version_places.hpp"
+#include "catalogue/model/dependency_split.hpp"
 #include "catalogue/text/messages.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/version_range.hpp"
@@ -248,25 +249,17 @@ class Assembly {
     for (const std::size_t index : package.order) {
       if (known[index].isLeftOut) continue;
       const ForeignVersion& source = package.source->versions()[index];
-      std::vector<pathfinder::Dependency> dependencies;
-      std::vector<std::u16string> notes;
-      std::vector<CatalogueRequirement> requirements;
+      CatalogueMetamodel metamodel{pathfinder::Metamodel(ownName, known[index].id, {}),
+                                   known[index].equivalent, textIn(source.note)};
       for (const Need& need : package.needs[index]) {
         log_.attempt([&] {
-          if (need.isOptional) {
-            auto [required, range] = dependencyOf(need, name, known[index]);
-            requirements.push_back({{std::move(required), std::move(range), true}, noteOf(need)});
-            return;
-          }
-          dependencies.push_back(dependencyOf(need, name, known[index]));
-          notes.push_back(noteOf(need));
+          auto [required, range] = dependencyOf(need, name, known[index]);
+          addDependency(metamodel, {std::move(required), std::move(range), need.isOptional},
+                        noteOf(need));
         });
       }
-      while (!notes.empty() && notes.back().empty()) notes.pop_back();
       places_.emplace_back(source.place);
-      result_.content.metamodels.push_back(
-          {pathfinder::Metamodel(ownName, known[index].id, dependencies), known[index].equivalent,
-           textIn(source.note), std::move(notes), std::move(requirements)});
+      result_.content.metamodels.push_back(std::move(metamodel));
     }
     std::vector<ForeignHop> hops = package.source->hops();
     if (!package.source->keepsOrder) {

@@ -90,6 +90,20 @@ class DependencySplit {
 
 }  // namespace
 
+void addDependency(CatalogueMetamodel& metamodel, pathfinder::PeerRequirement needed,
+                   std::u16string note) {
+  if (needed.isOptional) {
+    metamodel.requirements.push_back({std::move(needed), std::move(note)});
+    return;
+  }
+  auto& dependencies = metamodel.descriptor.dependencies;
+  if (!note.empty()) {
+    metamodel.dependencyNotes.resize(dependencies.size());
+    metamodel.dependencyNotes.push_back(std::move(note));
+  }
+  dependencies.emplace_back(std::move(needed.name), std::move(needed.range));
+}
+
 void makeRequirements(CatalogueMetamodel& metamodel, const std::vector<bool>& leadsBack) {
   std::vector<pathfinder::Dependency> linking;
   std::vector<std::u16string> notes;

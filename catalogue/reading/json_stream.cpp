@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "catalogue/catalogue_error.hpp"
+#include "catalogue/model/dependency_split.hpp"
 #include "catalogue/reading/json_rows.hpp"
 
 namespace tarn::evolution::catalogue {
@@ -21,26 +22,16 @@ class WholeRows : public JsonRowReceiver {
   explicit WholeRows(CatalogueSink& sink) : sink_(sink) {}
 
   void receiveMetamodel(MetamodelRow row) override {
-    std::vector<pathfinder::Dependency> dependencies;
-    dependencies.reserve(row.dependencies.size());
-    std::vector<std::u16string> notes;
-    std::vector<CatalogueRequirement> requirements;
+    CatalogueMetamodel metamodel{pathfinder::Metamodel(*row.name, *row.version, {}), row.equivalent,
+                                 std::move(row.note)};
+    metamodel.descriptor.dependencies.reserve(row.dependencies.size());
     for (DependencyRow& dependency : row.dependencies) {
-      if (dependency.isOptional) {
-        auto& [needed, note] = requirements.emplace_back();
-        needed = {*std::move(dependency.name), *std::move(dependency.range), true};
-        note = std::move(dependency.note);
-        continue;
-      }
-      if (!dependency.note.empty()) {
-        notes.resize(dependencies.size());
-        notes.push_back(std::move(dependency.note));
-      }
-      dependencies.emplace_back(*dependency.name, *dependency.range);
+      addDependency(
+          metamodel,
+          {*std::move(dependency.name), *std::move(dependency.range), dependency.isOptional},
+          std::move(dependency.note));
     }
-    sink_.addMetamodel({pathfinder::Metamodel(*row.name, *row.version, dependencies),
-                        row.equivalent, std::move(row.note), std::move(notes),
-                        std::move(requirements)});
+    sink_.addMetamodel(metamodel);
   }
 
   void receiveHop(HopRow row, bool isExpensive) override {

@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "catalogue/model/dependency_split.hpp"
 #include "catalogue/range_union.hpp"
 #include "catalogue/store/sqlite_rows.hpp"
 #include "catalogue/store/sqlite_schema.hpp"
@@ -292,19 +293,10 @@ std::vector<Hop> SqliteReader::hops(SqliteStatement::Rows rows, const std::u16st
 
 void SqliteReader::readDependencies(std::int64_t position, CatalogueMetamodel& metamodel) {
   auto rows = selectDependencies_.query(position);
-  auto& dependencies = metamodel.descriptor.dependencies;
   while (rows.next()) {
     readRow(database_, "dependencies", position, [&] {
-      std::u16string note = noteIn(rows, 4);
-      if (rows.number(5) != 0) {
-        metamodel.requirements.push_back({{textIn(rows, 0), rangeIn(rows, 1), true}, note});
-        return;
-      }
-      if (!note.empty()) {
-        metamodel.dependencyNotes.resize(dependencies.size());
-        metamodel.dependencyNotes.push_back(std::move(note));
-      }
-      dependencies.emplace_back(textIn(rows, 0), rangeIn(rows, 1));
+      addDependency(metamodel, {textIn(rows, 0), rangeIn(rows, 1), rows.number(5) != 0},
+                    noteIn(rows, 4));
     });
   }
 }
