@@ -359,12 +359,13 @@ TEST_F(Store, RemovesWhateverNothingElseNeeds) {
   RandomRun run(60);
   const auto make = [](Random& random) {
     QuestionDraft draft = QuestionDraft::loose(random, random.upTo(4));
-    draft.addRequirements(random, 40);
+    draft.addRequirements(random, 80);
     return draft.text(random);
   };
   run.ask(make, [&](const std::string& text, Random& random) {
     TestRepository repository(QuestionText(text).catalogue);
     Removal removal{contentOf(repository)};
+    if (removal.before.metamodels.empty()) return;  // when it is made simpler
     for (std::size_t left = random.upTo(4); left > 0; --left) {
       const Metamodel& chosen = random.oneOf(removal.before.metamodels).descriptor;
       removal.choices.push_back({chosen.name, std::nullopt});
@@ -376,7 +377,9 @@ TEST_F(Store, RemovesWhateverNothingElseNeeds) {
     for (const RemovalObstacle& each : result.obstacles) {
       obstacles.push_back(tarn::evolution::catalogue::describe(each));
     }
-    const auto expected = removal.obstacles();
+    auto expected = removal.obstacles();
+    EXPECT_EQ(result.obstacleCount, expected.size());
+    expected.resize(std::min(expected.size(), listedObstacles));
     EXPECT_EQ(obstacles, expected);
     this->make("expected", expected.empty() ? removal.after() : removal.before, false);
     exportCatalogue(path("held.store"), path("after.json"));
