@@ -60,7 +60,7 @@ std::optional<std::vector<PlainModel::Baseline>> combined(PlainModel& model,
 
 void RepositorySession::run() {
   for (int left = mostOperations; left > 0 && !bytes_.isEmpty(); --left) {
-    if (repository_.calls > mostCalls) return;
+    if (calls_ > mostCalls) return;
     runOperation();
   }
 }
@@ -84,10 +84,10 @@ void RepositorySession::runOperation() {
       &RepositorySession::addMetamodel,
       &RepositorySession::failSoon,
   };
-  repository_.loads = 0;
+  loads_ = 0;
   const Operation operation = operations[bytes_.below(std::size(operations))];
   (this->*operation)();
-  if (operation != &RepositorySession::failSoon) repository_.callsLeft = 0;
+  if (operation != &RepositorySession::failSoon) callsLeft_ = 0;
 }
 
 /// What the cache has to answer, if anything.
@@ -109,7 +109,7 @@ void RepositorySession::checkPath(const PathQuestion& question, const Ask& ask) 
                            VersionRepository::getDirectionString(question.direction) + "\n";
   const std::optional<std::string> cached = cachedPath(question);
   const Outcome found = outcomeOf([&] { return ask(repository_); });
-  if (repository_.loads == 0 && cached) {
+  if (loads_ == 0 && cached) {
     if (found.text != failed) check(what + "from the cache", *cached, found.text);
   } else if (found.text != failed) {
     freshly([&](TestRepository& fresh) {
@@ -381,8 +381,8 @@ void RepositorySession::addMetamodel() {
 
 /// A callback throws in the next operation, if it comes that far.
 void RepositorySession::failSoon() {
-  repository_.callsLeft = 1 + static_cast<int>(bytes_.below(64));
-  history_ += "fail at call " + std::to_string(repository_.callsLeft) + "\n";
+  callsLeft_ = 1 + static_cast<int>(bytes_.below(64));
+  history_ += "fail at call " + std::to_string(callsLeft_) + "\n";
 }
 
 }  // namespace fuzz

@@ -19,44 +19,14 @@ Selection selectionOf(const PlainModel& model, const PlainModel::Baseline& basel
 
 }  // namespace
 
-std::optional<SemVer> CountingRepository::getEquivalentSemVer(const std::u16string& name,
-                                                              const std::u16string& text) {
-  count();
-  return TestRepository::getEquivalentSemVer(name, text);
-}
-
-std::optional<Metamodel> CountingRepository::getMetamodel(const std::u16string& name,
-                                                          const VersionId& version) {
-  count();
-  return TestRepository::getMetamodel(name, version);
-}
-
-void CountingRepository::findMetamodels(const std::u16string& name, const VersionRange& range,
-                                        std::vector<Metamodel>& result) {
-  count();
-  TestRepository::findMetamodels(name, range, result);
-}
-
-void CountingRepository::findHops(const std::u16string& name, const VersionId& from,
-                                  std::vector<Hop>& result) {
-  count();
-  TestRepository::findHops(name, from, result);
-}
-
-void CountingRepository::loadMetamodel(const std::shared_ptr<LinkedMetamodel>& linked) {
-  count();
-  ++loads;
-  TestRepository::loadMetamodel(linked);
-}
-
-void CountingRepository::count() {
-  ++calls;
-  if (callsLeft > 0 && --callsLeft == 0) throw CallbackFailure();
-}
-
 SessionState::SessionState(ByteSource& bytes)
     : bytes_(bytes), catalogue_(bytes), repository_(catalogue_.text()), model_(repository_) {
   repository_.isNoting = false;
+  repository_.onCall = [this](const std::string& call) {
+    ++calls_;
+    if (callsLeft_ > 0 && --callsLeft_ == 0) throw CallbackFailure();
+    if (call.starts_with("loadMetamodel ")) ++loads_;
+  };
 }
 
 void SessionState::check(const std::string& what, const std::string& expected,
@@ -76,10 +46,10 @@ std::string SessionState::outcomeText(const std::function<std::string()>& ask) {
     text = refused;
   } catch (const CallbackFailure&) {
     text = failed;
-    if (repository_.loads > 0)
+    if (loads_ > 0)
       repository_.invalidatePathfindingCache();  // what failed may have been a load
   }
-  if (repository_.loads > 0) paths_.clear();
+  if (loads_ > 0) paths_.clear();
   return text;
 }
 

@@ -14,29 +14,6 @@
 
 namespace fuzz {
 
-/// A repository that counts what it is asked, and fails when it is told to.
-class CountingRepository : public test::TestRepository {
- public:
-  using TestRepository::TestRepository;
-
-  std::optional<test::SemVer> getEquivalentSemVer(const std::u16string& name,
-                                                  const std::u16string& text) override;
-  std::optional<test::Metamodel> getMetamodel(const std::u16string& name,
-                                              const test::VersionId& version) override;
-  void findMetamodels(const std::u16string& name, const test::VersionRange& range,
-                      std::vector<test::Metamodel>& result) override;
-  void findHops(const std::u16string& name, const test::VersionId& from,
-                std::vector<test::Hop>& result) override;
-  void loadMetamodel(const std::shared_ptr<test::LinkedMetamodel>& linked) override;
-
-  int calls = 0;
-  int loads = 0;      ///< since this was set to 0
-  int callsLeft = 0;  ///< until one fails; 0 for never
-
- private:
-  void count();
-};
-
 /// A repository, the model of what it has to answer, and what is known of both so far.
 class SessionState {
  protected:
@@ -78,7 +55,7 @@ class SessionState {
 
   ByteSource& bytes_;
   SmallCatalogue catalogue_;
-  CountingRepository repository_;
+  test::TestRepository repository_;
   test::PlainModel model_;
 
   std::map<Baseline, test::VersionBaseline> known_;
@@ -87,6 +64,10 @@ class SessionState {
   /// What the path cache has to hold, by source and target.
   std::map<std::pair<Baseline, Baseline>, std::string> paths_;
   int additions_ = 0;
+
+  int calls_ = 0;      // that the repository has made
+  int loads_ = 0;      // since this was set to 0
+  int callsLeft_ = 0;  // until one fails; 0 for never
   std::string history_;
 };
 
