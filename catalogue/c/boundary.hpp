@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "catalogue/c/arguments.hpp"
 #include "catalogue/c/tarn_evolution_catalogue.h"
 
 /// Where C++ ends: exceptions become a status and a message, strings become texts that C frees.
@@ -35,6 +36,18 @@ tarn_evolution_status guarded(char** message, const Body& body) noexcept {
   } catch (...) {
     return reportException(message);
   }
+}
+
+/// The same for what hands its answer back through an argument, which must not be null and is
+/// empty unless `body` fills it.
+template <class Answer, class Body>
+tarn_evolution_status answered(Answer* answer, const char* argument, char** message,
+                               const Body& body) noexcept {
+  if (answer != nullptr) *answer = Answer{};
+  return guarded(message, [&] {
+    required(answer, argument);
+    return body();
+  });
 }
 
 }  // namespace tarn::evolution::catalogue::c

@@ -17,9 +17,7 @@ namespace {
 template <class Open>
 tarn_evolution_status openAs(tarn_evolution_catalogue** catalogue, char** message,
                              const Open& open) {
-  if (catalogue != nullptr) *catalogue = nullptr;
-  return guarded(message, [&] {
-    required(catalogue, "catalogue");
+  return answered(catalogue, "catalogue", message, [&] {
     auto handle = std::make_unique<tarn_evolution_catalogue>();
     handle->repository = open();
     *catalogue = handle.release();

@@ -1,5 +1,3 @@
-#include <sstream>
-
 #include "catalogue/c/arguments.hpp"
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/c/catalogue_handle.hpp"
@@ -10,6 +8,7 @@
 #include "catalogue/explanation/explanation.hpp"
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 using namespace tarn::evolution::catalogue;
 using namespace tarn::evolution::catalogue::c;
@@ -60,21 +59,6 @@ WriteExplanation writerOf(tarn_evolution_format format) {
                               " is none that shows explanations");
 }
 
-/// What `write` writes to a stream, for C.
-template <class Write>
-char* giveWritten(const Write& write) {
-  std::ostringstream out;
-  out.exceptions(std::ios::badbit);
-  write(out);
-  return giveText(std::move(out).str());
-}
-
-/// An answer with nothing in it yet.
-template <class Answer>
-void clear(Answer** answer) {
-  if (answer != nullptr) *answer = nullptr;
-}
-
 }  // namespace
 
 tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalogue,
@@ -83,10 +67,8 @@ tarn_evolution_status tarn_evolution_find_path(tarn_evolution_catalogue* catalog
                                                const tarn_evolution_named_version* to,
                                                size_t to_count, const tarn_evolution_limits* limits,
                                                tarn_evolution_steps** path, char** message) {
-  clear(path);
-  return guarded(message, [&] {
+  return answered(path, "path", message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
-    required(path, "path");
     const Question question{.from = readSelection(from, from_count, "from"),
                             .to = readSelection(to, to_count, "to")};
     const auto planOf = [&](const std::vector<pathfinder::BaselineHop>& steps) {
@@ -109,10 +91,8 @@ tarn_evolution_status tarn_evolution_find_direction(
     tarn_evolution_catalogue* catalogue, const tarn_evolution_named_version* from,
     size_t from_count, const tarn_evolution_named_version* to, size_t to_count,
     const tarn_evolution_limits* limits, int32_t* direction, char** message) {
-  if (direction != nullptr) *direction = 0;
-  return guarded(message, [&] {
+  return answered(direction, "direction", message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
-    required(direction, "direction");
     const auto found =
         repository.findDirection(readSelection(from, from_count, "from"),
                                  readSelection(to, to_count, "to"), readLimits(limits));
@@ -126,10 +106,8 @@ tarn_evolution_status tarn_evolution_find_steps(tarn_evolution_catalogue* catalo
                                                 const tarn_evolution_named_version* at,
                                                 size_t at_count, int32_t direction, uint64_t most,
                                                 tarn_evolution_steps** steps, char** message) {
-  clear(steps);
-  return guarded(message, [&] {
+  return answered(steps, "steps", message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
-    required(steps, "steps");
     auto listings =
         listSteps(repository, readSelection(at, at_count, "at"), readDirection(direction), most);
     if (listings.empty()) return TARN_EVOLUTION_NO_PATH;
@@ -143,30 +121,26 @@ tarn_evolution_status tarn_evolution_explain(
     size_t from_count, const tarn_evolution_named_version* to, size_t to_count, uint64_t budget,
     const tarn_evolution_limits* limits, tarn_evolution_format format, char** explanation,
     char** message) {
-  clear(explanation);
-  return guarded(message, [&] {
+  return answered(explanation, "explanation", message, [&] {
     BrowsableRepository& repository = *required(catalogue, "catalogue").repository;
-    required(explanation, "explanation");
     const auto write = writerOf(format);
     const Question question{.from = readSelection(from, from_count, "from"),
                             .to = readSelection(to, to_count, "to")};
     const Explanation found = explain(repository, question, budget, readLimits(limits));
     *explanation =
-        giveWritten([&](std::ostream& out) { write(found, weightsOf(repository), out); });
+        giveText(written([&](std::ostream& out) { write(found, weightsOf(repository), out); }));
     return TARN_EVOLUTION_OK;
   });
 }
 
 tarn_evolution_status tarn_evolution_check(const char* file, int32_t least, char** findings,
                                            char** message) {
-  clear(findings);
-  return guarded(message, [&] {
-    required(findings, "findings");
+  return answered(findings, "findings", message, [&] {
     const char* const name = &required(file, "file");
     const Severity severity = readSeverity(least);
     const std::vector<Finding> found = check(readDraft(name));
     *findings =
-        giveWritten([&](std::ostream& out) { writeFindingsJson(name, found, severity, out); });
+        giveText(written([&](std::ostream& out) { writeFindingsJson(name, found, severity, out); }));
     return TARN_EVOLUTION_OK;
   });
 }

@@ -1,7 +1,5 @@
 #include "catalogue/c/steps_handle.hpp"
 
-#include <sstream>
-
 #include "catalogue/c/arguments.hpp"
 #include "catalogue/c/boundary.hpp"
 #include "catalogue/picture/path_dot.hpp"
@@ -9,6 +7,7 @@
 #include "catalogue/picture/path_mermaid.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 using namespace tarn::evolution::catalogue;
 using namespace tarn::evolution::catalogue::c;
@@ -81,10 +80,9 @@ const tarn_evolution_steps::Step* tarn_evolution_steps::find(std::size_t number)
 }
 
 std::string tarn_evolution_steps::render(tarn_evolution_format format) const {
-  std::ostringstream out;
-  out.exceptions(std::ios::badbit);
-  std::visit([&](const auto& shown) { write(shown, format, out); }, shown_);
-  return std::move(out).str();
+  return written([&](std::ostream& out) {
+    std::visit([&](const auto& shown) { write(shown, format, out); }, shown_);
+  });
 }
 
 namespace {
@@ -133,9 +131,8 @@ const tarn_evolution_named_version* tarn_evolution_step_brought_in(
 tarn_evolution_status tarn_evolution_steps_render(const tarn_evolution_steps* steps,
                                                   tarn_evolution_format format, char** text,
                                                   char** message) {
-  if (text != nullptr) *text = nullptr;
-  return guarded(message, [&] {
-    required(text, "text") = giveText(required(steps, "steps").render(format));
+  return answered(text, "text", message, [&] {
+    *text = giveText(required(steps, "steps").render(format));
     return TARN_EVOLUTION_OK;
   });
 }

@@ -2,7 +2,6 @@
 
 #include <map>
 #include <ostream>
-#include <sstream>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
@@ -66,10 +65,11 @@ class RowsWriter {
     printer_.object([&] {
       printer_.key("catalogue");
       printer_.anyText(catalogue_);
-      writeVersions();
-      writeNeeds();
+      writeNames();
+      writeByName("versions", &RowsWriter::writeVersionsOf);
+      writeByName("needs", &RowsWriter::writeNeedsOfName);
       writeRanges();
-      writeHops();
+      writeByName("hops", &RowsWriter::writeHopsOf);
       writeTold("semver", equivalents_);
       writeTold("unlinked", unlinked_);
       printer_.objectField("notes", [&] {
@@ -85,13 +85,17 @@ class RowsWriter {
  private:
   using Range = std::pair<std::uint64_t, pathfinder::VersionRange>;
 
-  void writeVersions() {
+  void writeNames() {
     printer_.arrayField("names", [&] {
       for (const auto& metamodel : metamodels_) printer_.value(ustring_to_utf8(metamodel.name()));
     });
-    printer_.arrayField("versions", [&] {
+  }
+
+  /// A list that has for each name the list of what `writeOf` tells of it.
+  void writeByName(const char* field, void (RowsWriter::*writeOf)(std::size_t name)) {
+    printer_.arrayField(field, [&] {
       for (std::size_t name = 0; name < metamodels_.size(); ++name) {
-        printer_.array([&] { writeVersionsOf(name); });
+        printer_.array([&] { (this->*writeOf)(name); });
       }
     });
   }
@@ -112,16 +116,10 @@ class RowsWriter {
     if (!note.empty()) told.push_back({std::move(place), ustring_to_utf8(note)});
   }
 
-  void writeNeeds() {
-    printer_.arrayField("needs", [&] {
-      for (std::size_t name = 0; name < metamodels_.size(); ++name) {
-        printer_.array([&] {
-          for (std::size_t version = 0; version < metamodels_[name].size(); ++version) {
-            printer_.array([&] { writeNeedsOf(name, version); });
-          }
-        });
-      }
-    });
+  void writeNeedsOfName(std::size_t name) {
+    for (std::size_t version = 0; version < metamodels_[name].size(); ++version) {
+      printer_.array([&] { writeNeedsOf(name, version); });
+    }
   }
 
   void writeNeedsOf(std::size_t name, std::size_t version) {
@@ -173,14 +171,6 @@ class RowsWriter {
       if (wasAdmitted && !isAdmitted) printer_.value(std::uint64_t{i - 1});
       wasAdmitted = isAdmitted;
     }
-  }
-
-  void writeHops() {
-    printer_.arrayField("hops", [&] {
-      for (std::size_t name = 0; name < metamodels_.size(); ++name) {
-        printer_.array([&] { writeHopsOf(name); });
-      }
-    });
   }
 
   /// A hop from what no version carries is never offered, so that none has it.
@@ -273,10 +263,9 @@ class RowsWriter {
 
 void writeExplorerRows(BrowsableRepository& repository, const std::string& catalogue,
                        const ExplorerAnswers& answers, std::ostream& out) {
-  std::ostringstream rows;
-  rows.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-  RowsWriter(repository, catalogue, answers, rows).write();
-  out << escapeForScript(std::move(rows).str());
+  out << escapeForScript(written([&](std::ostream& rows) {
+    RowsWriter(repository, catalogue, answers, rows).write();
+  }));
 }
 
 }  // namespace tarn::evolution::catalogue

@@ -77,11 +77,7 @@ HeadQuestions askHeads(const BatchArguments& arguments, const Catalogue& catalog
                        const std::set<std::u16string>& names) {
   HeadQuestions asked =
       arguments.together ? headsToHeadsTogether(catalogue, names) : headsToHeads(catalogue, names);
-  if (arguments.together) {
-    tellLeftOutTogether(asked);
-  } else {
-    tellLeftOut(asked);
-  }
+  tellLeftOut(asked, arguments.together);
   return asked;
 }
 

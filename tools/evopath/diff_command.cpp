@@ -63,7 +63,7 @@ std::vector<Question> readQuestions(const std::filesystem::path& file) {
 
 std::vector<Question> headQuestions(const Catalogue& former, const Catalogue& present) {
   HeadQuestions asked = headsToHeads(former, present);
-  tellLeftOut(asked);
+  tellLeftOut(asked, false);
   return std::move(asked.questions);
 }
 

@@ -2,7 +2,6 @@
 
 #include <iostream>
 #include <limits>
-#include <string>
 
 #include "catalogue/text/printed_text.hpp"
 
@@ -10,24 +9,14 @@ namespace evopath {
 
 using namespace tarn::evolution::catalogue;
 
-namespace {
-
-void tellLeftOut(const HeadQuestions& asked, const std::string& bound) {
+void tellLeftOut(const HeadQuestions& asked, bool areTogether) {
   if (asked.leftOut == 0) return;
   const bool isCounted = asked.leftOut < std::numeric_limits<std::uint64_t>::max();
   std::cerr << "evopath: " << (isCounted ? "" : "more than ")
             << countedText(isCounted ? asked.leftOut : asked.leftOut - 1, "question")
-            << " left out; " << bound << " are asked\n";
-}
-
-}  // namespace
-
-void tellLeftOut(const HeadQuestions& asked) {
-  tellLeftOut(asked, "of one chain at most " + std::to_string(mostOfOneSet));
-}
-
-void tellLeftOutTogether(const HeadQuestions& asked) {
-  tellLeftOut(asked, "of metamodels together at most " + std::to_string(mostTogether));
+            << " left out; of "
+            << (areTogether ? "metamodels together at most " : "one chain at most ")
+            << (areTogether ? mostTogether : mostOfOneSet) << " are asked\n";
 }
 
 }  // namespace evopath

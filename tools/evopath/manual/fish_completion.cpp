@@ -9,11 +9,9 @@ namespace {
 
 /// What does not depend on the commands, but for the options that take a value.
 constexpr const char* helpers =
-    R"(# Whether an argument of a command is expected that has so many before it, or at least so many.
-function __evopath_expects -a command place comparison
+    R"(# The arguments that the command has so far, without options and their values.
+function __evopath_arguments
     set -l words (commandline -opc)
-    test "$words[2]" = "$command"; or return 1
-    set -l found 0
     set -l skipped 0
     for word in $words[3..]
         if test $skipped = 1
@@ -25,30 +23,23 @@ function __evopath_expects -a command place comparison
                 set skipped 1
             case '-*'
             case '*'
-                set found (math $found + 1)
+                printf '%s\n' $word
         end
     end
-    test $found $comparison $place
+end
+
+# Whether an argument of a command is expected that has so many before it, or at least so many.
+function __evopath_expects -a command place comparison
+    set -l words (commandline -opc)
+    test "$words[2]" = "$command"; or return 1
+    set -l found (__evopath_arguments)
+    test (count $found) $comparison $place
 end
 
 # The first argument of the command.
 function __evopath_catalogue
-    set -l words (commandline -opc)
-    set -l skipped 0
-    for word in $words[3..]
-        if test $skipped = 1
-            set skipped 0
-            continue
-        end
-        switch $word
-            case @VALUED@
-                set skipped 1
-            case '-*'
-            case '*'
-                string replace -r '^~/' "$HOME/" -- $word
-                return
-        end
-    end
+    set -l found (__evopath_arguments)
+    set -q found[1]; and string replace -r '^~/' "$HOME/" -- $found[1]
 end
 
 # The names and versions that the last part of the word may become; arguments are options.
@@ -139,11 +130,7 @@ void writeCommand(const Command& command, std::ostream& out) {
 void writeFishCompletion(const Command& program, std::ostream& out) {
   std::string functions = helpers;
   const std::string mark = "@VALUED@";
-  const std::string valued = join(optionsWithValue(program), " ");
-  for (std::size_t found = functions.find(mark); found != std::string::npos;
-       found = functions.find(mark)) {
-    functions.replace(found, mark.size(), valued);
-  }
+  functions.replace(functions.find(mark), mark.size(), join(optionsWithValue(program), " "));
   out << "# Completion of " << program.name << " for fish.\n\n"
       << functions << "complete -c evopath -f\n";
   for (const Parameter& option : program.options) {
