@@ -106,8 +106,8 @@ ExitStatus runBatch(const BatchArguments& arguments) {
   BatchOutput output(arguments.output, arguments.resumes);
   output.skipAnswered(questions);
   const BatchCounts counts =
-      searchAttended(arguments.options.toAttend(), SearchMonitor::Task::Search,
-                     SearchMonitor::Line::Never, [&](const SearchLimits& attended) {
+      searchAttended({}, SearchMonitor::Task::Search, SearchMonitor::Line::Never,
+                     [&](const SearchLimits& attended) {
                        return answerBatch(
                            *asked.repository, [&] { return questions.next(); },
                            [&](const std::string& line) { output.write(line); },

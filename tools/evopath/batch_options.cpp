@@ -50,15 +50,9 @@ BatchLimits BatchOptions::limitsOf(const SearchLimits& attended) const {
     batch.time = std::chrono::duration_cast<std::chrono::nanoseconds>(
         std::chrono::duration<double>(*limits.seconds));
   }
-  batch.memory = attended.memory;
+  if (limits.bytes) batch.memory = *limits.bytes;
   batch.stop = attended.stop;
   return batch;
-}
-
-SearchLimits BatchOptions::toAttend() const {
-  SearchLimits attended;
-  if (limits.bytes) attended.memory = *limits.bytes;
-  return attended;
 }
 
 ExitStatus tellCounts(const BatchCounts& counts) {

@@ -34,9 +34,6 @@ struct BatchOptions {
   /// Those of a batch whose searches are attended to.
   tarn::evolution::catalogue::BatchLimits limitsOf(
       const tarn::evolution::pathfinder::SearchLimits& attended) const;
-
-  /// What is to be attended to.
-  tarn::evolution::pathfinder::SearchLimits toAttend() const;
 };
 
 /// What a batch comes to: unless all was answered, lines on standard error tell how much was, and

@@ -2,10 +2,10 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <sstream>
 
 #include "catalogue/check/check.hpp"
 #include "catalogue/check/open_draft.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "check_report.hpp"
 #include "command.hpp"
@@ -19,6 +19,7 @@ using tarn::evolution::catalogue::Finding;
 using tarn::evolution::catalogue::FindingCode;
 using tarn::evolution::catalogue::Severity;
 using tarn::evolution::catalogue::severityOf;
+using tarn::evolution::catalogue::written;
 
 namespace {
 
@@ -77,13 +78,13 @@ CheckReport report(const CheckOptions& options) {
 
 ExitStatus runCheck(const CheckOptions& options) {
   const CheckReport report = evopath::report(options);
-  std::ostringstream text;
-  if (options.json) {
-    printJson(report, text);
-  } else {
-    printText(report, text);
-  }
-  options.output.write(text.str());
+  options.output.write(written([&](std::ostream& text) {
+    if (options.json) {
+      printJson(report, text);
+    } else {
+      printText(report, text);
+    }
+  }));
   return worstStatus(report.findings);
 }
 

@@ -5,10 +5,10 @@
 #include <stdexcept>
 
 #include "catalogue/conditions/condition_texts.hpp"
-#include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/text/visible.hpp"
 #include "catalogue/version_text.hpp"
+#include "known_versions.hpp"
 
 namespace evopath {
 
@@ -95,8 +95,7 @@ std::optional<ConditionalQuestion> ConditionOptions::resolve(BrowsableRepository
     if (!isWide) plain.to.emplace(name, version);
     result.goals.push_back(isWide ? *std::move(goal) : PathGoal{name, {version}});
   }
-  const UnknownEntries unknown = findUnknown(repository, plain);
-  if (!unknown.entries.empty()) throw std::invalid_argument(describe(unknown));
+  expectKnown(repository, plain);
   PathConditions& conditions = result.conditions;
   for (const std::string& each : avoided) {
     readArgument("--avoid", each, [&](const auto& name, const auto& range) {

@@ -1,6 +1,5 @@
 #include <filesystem>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 #include "batch_options.hpp"
@@ -9,6 +8,7 @@
 #include "catalogue/comparison/heads_to_heads.hpp"
 #include "catalogue/explanation/batch.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "heads_report.hpp"
@@ -106,13 +106,13 @@ ExitStatus runDiff(const DiffOptions& options) {
       options.present.empty() ? withoutVersions(options, former) : readCatalogue(options.present);
   const Comparison comparison = compareAttended(options, former, present);
   const ContentList list = options.content ? ContentList::Listed : ContentList::Counted;
-  std::ostringstream text;
-  if (options.json) {
-    writeComparisonJson(comparison, list, text);
-  } else {
-    writeComparisonText(comparison, list, options.output.colouring(), text);
-  }
-  options.output.write(text.str());
+  options.output.write(written([&](std::ostream& text) {
+    if (options.json) {
+      writeComparisonJson(comparison, list, text);
+    } else {
+      writeComparisonText(comparison, list, options.output.colouring(), text);
+    }
+  }));
   throwIfInterrupted("interrupted; what was compared is written");
   return differenceStatus(comparison);
 }

@@ -1,5 +1,4 @@
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 #include "attended_explanation.hpp"
@@ -7,6 +6,7 @@
 #include "catalogue/explanation/explanation_json.hpp"
 #include "catalogue/explanation/explanation_text.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "limit_options.hpp"
 #include "memory_advice.hpp"
@@ -45,13 +45,13 @@ ExitStatus runExplain(const ExplainOptions& options) {
   const Explanation explanation = adviseOnMemory(*repository, question, [&] {
     return explainAttended(*repository, question, options.budget, limits);
   });
-  std::ostringstream text;
-  if (options.json) {
-    writeExplanationJson(explanation, weightsOf(*repository), text);
-  } else {
-    print(explanation, weightsOf(*repository), text);
-  }
-  options.output.write(text.str());
+  options.output.write(written([&](std::ostream& text) {
+    if (options.json) {
+      writeExplanationJson(explanation, weightsOf(*repository), text);
+    } else {
+      print(explanation, weightsOf(*repository), text);
+    }
+  }));
   return statusOf(explanation);
 }
 

@@ -1,11 +1,11 @@
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "batch_options.hpp"
 #include "catalogue/explorer/explorer_answers.hpp"
 #include "catalogue/explorer/explorer_html.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "interruption.hpp"
@@ -37,7 +37,7 @@ ExplorerAnswers answer(const ExploreOptions& options, BrowsableRepository& repos
     batch.limits.seconds = batch.limits.seconds.value_or(customarySeconds);
     batch.limits.bytes = batch.limits.bytes.value_or(customaryBytes);
   }
-  return searchAttended(batch.toAttend(), SearchMonitor::Task::Search, SearchMonitor::Line::Never,
+  return searchAttended({}, SearchMonitor::Task::Search, SearchMonitor::Line::Never,
                         [&](const SearchLimits& attended) {
                           const BatchLimits limits = batch.limitsOf(attended);
                           if (options.questions.empty())
@@ -58,10 +58,9 @@ ExitStatus runExplore(const ExploreOptions& options) {
   const auto repository = openCatalogue(options.catalogue);
   const ExplorerAnswers answers = answer(options, *repository);
   throwIfInterrupted("interrupted; no page was written");
-  std::ostringstream page;
-  page.exceptions(std::ios::badbit);  // rather than to be cut short where memory is
-  writeExplorerHtml(*repository, nameOf(options.catalogue), answers, page);
-  options.output.write(page.str());
+  options.output.write(written([&](std::ostream& page) {
+    writeExplorerHtml(*repository, nameOf(options.catalogue), answers, page);
+  }));
   return options.questions.empty() ? ExitStatus::Found : tellCounts(answers.counts);
 }
 

@@ -1,9 +1,9 @@
 #include <memory>
-#include <sstream>
 
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/catalogue_graph.hpp"
 #include "catalogue/picture/graphviz.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
@@ -43,14 +43,14 @@ catalogue::CatalogueGraph make(const GraphOptions& options) {
 
 ExitStatus runGraph(const GraphOptions& options) {
   const catalogue::CatalogueGraph graph = make(options);
-  std::ostringstream text;
-  if (options.format == "mermaid") {
-    catalogue::writeGraphMermaid(graph, text);
-  } else {
-    catalogue::writeGraphDot(graph, text);
-  }
-  options.output.write(options.format == "svg" ? catalogue::drawWithGraphviz(text.str())
-                                               : text.str());
+  const std::string text = catalogue::written([&](std::ostream& out) {
+    if (options.format == "mermaid") {
+      catalogue::writeGraphMermaid(graph, out);
+    } else {
+      catalogue::writeGraphDot(graph, out);
+    }
+  });
+  options.output.write(options.format == "svg" ? catalogue::drawWithGraphviz(text) : text);
   return ExitStatus::Found;
 }
 

@@ -1,13 +1,13 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "catalogue/import/import.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "dry_run_option.hpp"
 #include "file_arguments.hpp"
@@ -75,9 +75,9 @@ ExitStatus importForeign(const ImportArguments& arguments) {
     return importForeignCatalogue(options, arguments.files.back(), progress,
                                   arguments.dryRun.mode());
   });
-  std::ostringstream text;
-  printImportReport(report, arguments.listsAll, arguments.dryRun, text);
-  writeToStandardOutput(text.str());
+  writeToStandardOutput(written([&](std::ostream& text) {
+    printImportReport(report, arguments.listsAll, arguments.dryRun, text);
+  }));
   return ExitStatus::Found;
 }
 

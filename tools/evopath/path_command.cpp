@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 #include "attended_explanation.hpp"
@@ -13,6 +12,7 @@
 #include "catalogue/picture/path_picture.hpp"
 #include "catalogue/picture/path_plan.hpp"
 #include "catalogue/text/display_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "condition_options.hpp"
 #include "interruption.hpp"
@@ -107,25 +107,23 @@ void writeNoPath(const std::string& text, const PathOptions& options) {
 
 void writeExplanation(const Question& question, const Explanation& explanation,
                       const StepWeights& weights, const PathOptions& options) {
-  std::ostringstream text;
-  if (options.form.format == PathFormat::Json) {
-    writeNoPathJson(question, explanation, weights, text);
-  } else {
-    writeExplanationText(explanation, weights, text);
-  }
-  writeNoPath(text.str(), options);
+  const std::string text = written([&](std::ostream& out) {
+    if (options.form.format == PathFormat::Json) {
+      writeNoPathJson(question, explanation, weights, out);
+    } else {
+      writeExplanationText(explanation, weights, out);
+    }
+  });
+  writeNoPath(text, options);
 }
 
 /// The bare answer, which was proven by the search itself.
 ExitStatus tellAbsence(const PathOptions& options, const Question& question,
                        const std::string& text) {
-  std::ostringstream answer;
-  if (options.form.format == PathFormat::Json) {
-    writeNoPathJson(question, answer);
-  } else {
-    answer << text << "\n";
-  }
-  writeNoPath(answer.str(), options);
+  const bool isJson = options.form.format == PathFormat::Json;
+  writeNoPath(
+      isJson ? written([&](std::ostream& out) { writeNoPathJson(question, out); }) : text + "\n",
+      options);
   return ExitStatus::NoPath;
 }
 
@@ -164,11 +162,9 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
                    BrowsableRepository& repository, const Question& question,
                    std::optional<std::uint64_t> leastProven = std::nullopt) {
   if (options.form.format == PathFormat::Json) {
-    std::ostringstream text;
     PathPlan plan = makePlan(repository, repository, question, path);
     plan.picture.leastProven = leastProven;
-    writePlanJson(plan, text);
-    return text.str();
+    return written([&](std::ostream& out) { writePlanJson(plan, out); });
   }
   auto picture =
       drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);

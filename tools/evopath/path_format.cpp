@@ -1,7 +1,6 @@
 #include "path_format.hpp"
 
 #include <map>
-#include <sstream>
 
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
@@ -9,6 +8,7 @@
 #include "catalogue/picture/path_script.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
+#include "catalogue/text/printed_text.hpp"
 
 namespace evopath {
 
@@ -41,37 +41,30 @@ void PathFormatOption::addTo(CLI::App& command) {
 void PathFormatOption::expectTemplate() const {
   if (format != PathFormat::Script) return;
   if (scriptLine.empty()) throw CLI::RequiredError("--template, with --format script,");
-  std::ostringstream ignored;
-  catalogue::writePathScript({}, scriptLine, ignored);
+  catalogue::written([&](std::ostream& out) { catalogue::writePathScript({}, scriptLine, out); });
 }
 
 std::string renderPath(const catalogue::PathPicture& picture, const PathFormatOption& form,
                        catalogue::Colouring colouring) {
-  std::ostringstream out;
-  switch (form.format) {
-    case PathFormat::Json:
-      break;
-    case PathFormat::Script:
-      catalogue::writePathScript(picture, form.scriptLine, out);
-      break;
-    case PathFormat::Text:
-      if (!picture.steps.empty()) catalogue::writeStartText(picture, colouring, out);
-      catalogue::writePathText(picture, colouring, out);
-      break;
-    case PathFormat::Html:
-      catalogue::writePathHtml(picture, out);
-      break;
-    case PathFormat::Svg:
-      catalogue::writePathSvg(picture, out);
-      break;
-    case PathFormat::Dot:
-      catalogue::writePathDot(picture, out);
-      break;
-    case PathFormat::Mermaid:
-      catalogue::writePathMermaid(picture, out);
-      break;
-  }
-  return out.str();
+  return catalogue::written([&](std::ostream& out) {
+    switch (form.format) {
+      case PathFormat::Json:
+        return;
+      case PathFormat::Script:
+        return catalogue::writePathScript(picture, form.scriptLine, out);
+      case PathFormat::Text:
+        if (!picture.steps.empty()) catalogue::writeStartText(picture, colouring, out);
+        return catalogue::writePathText(picture, colouring, out);
+      case PathFormat::Html:
+        return catalogue::writePathHtml(picture, out);
+      case PathFormat::Svg:
+        return catalogue::writePathSvg(picture, out);
+      case PathFormat::Dot:
+        return catalogue::writePathDot(picture, out);
+      case PathFormat::Mermaid:
+        return catalogue::writePathMermaid(picture, out);
+    }
+  });
 }
 
 }  // namespace evopath

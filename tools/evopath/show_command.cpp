@@ -1,9 +1,11 @@
 #include <memory>
-#include <sstream>
+#include <optional>
+#include <utility>
 
 #include "catalogue/open_catalogue.hpp"
 #include "catalogue/picture/dependants.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
@@ -16,6 +18,7 @@
 namespace evopath {
 
 namespace catalogue = tarn::evolution::catalogue;
+using tarn::evolution::pathfinder::VersionId;
 
 namespace {
 
@@ -30,18 +33,17 @@ struct ShowOptions {
   OutputOption output;
 };
 
-/// What is to be shown for NAME or NAME=VERSION.
-catalogue::MetamodelDetails describe(catalogue::BrowsableRepository& repository,
-                                     const std::string& argument) {
+/// NAME or NAME=VERSION, of what the repository knows.
+std::pair<std::u16string, std::optional<VersionId>> readKnown(
+    catalogue::BrowsableRepository& repository, const std::string& argument) {
   if (argument.find('=') == std::string::npos) {
-    const std::vector names{catalogue::parseName(argument)};
-    expectKnown(repository, names);
-    return catalogue::describeMetamodel(repository, names.front());
+    const std::u16string name = catalogue::parseName(argument);
+    expectKnown(repository, std::vector{name});
+    return {name, std::nullopt};
   }
   const auto selection = parseSelection("show", {argument});
   expectKnown(repository, selection);
-  const auto& [name, version] = *selection.begin();
-  return catalogue::describeVersion(repository, name, version);
+  return *selection.begin();
 }
 
 ExitStatus showBaselines(const ShowOptions& options, catalogue::BrowsableRepository& repository,
@@ -74,7 +76,11 @@ void showDetails(const ShowOptions& options, catalogue::BrowsableRepository& rep
                  std::ostream& out) {
   std::vector<catalogue::MetamodelDetails> details;
   details.reserve(options.names.size());
-  for (const std::string& name : options.names) details.push_back(describe(repository, name));
+  for (const std::string& argument : options.names) {
+    const auto [name, version] = readKnown(repository, argument);
+    details.push_back(version ? catalogue::describeVersion(repository, name, *version)
+                              : catalogue::describeMetamodel(repository, name));
+  }
   if (options.json) {
     catalogue::writeDetailsJson(details, out);
   } else {
@@ -86,16 +92,8 @@ void showDependants(const ShowOptions& options, catalogue::BrowsableRepository& 
                     std::ostream& out) {
   std::vector<catalogue::Dependants> all;
   for (const std::string& argument : options.names) {
-    if (argument.find('=') == std::string::npos) {
-      const std::vector names{catalogue::parseName(argument)};
-      expectKnown(repository, names);
-      all.push_back(catalogue::findDependants(repository, names.front()));
-    } else {
-      const auto selection = parseSelection("show", {argument});
-      expectKnown(repository, selection);
-      const auto& [name, version] = *selection.begin();
-      all.push_back(catalogue::findDependants(repository, name, version));
-    }
+    const auto [name, version] = readKnown(repository, argument);
+    all.push_back(catalogue::findDependants(repository, name, version));
   }
   if (options.json) {
     catalogue::writeDependantsJson(all, out);
@@ -106,18 +104,18 @@ void showDependants(const ShowOptions& options, catalogue::BrowsableRepository& 
 
 ExitStatus runShow(const ShowOptions& options) {
   const auto repository = catalogue::openCatalogue(options.catalogue);
-  std::ostringstream text;
   ExitStatus status = ExitStatus::Found;
-  if (!options.at.empty()) {
-    status = showBaselines(options, *repository, text);
-  } else if (options.neededBy) {
-    showDependants(options, *repository, text);
-  } else if (options.names.empty()) {
-    showSummary(options, *repository, text);
-  } else {
-    showDetails(options, *repository, text);
-  }
-  options.output.write(text.str());
+  options.output.write(catalogue::written([&](std::ostream& text) {
+    if (!options.at.empty()) {
+      status = showBaselines(options, *repository, text);
+    } else if (options.neededBy) {
+      showDependants(options, *repository, text);
+    } else if (options.names.empty()) {
+      showSummary(options, *repository, text);
+    } else {
+      showDetails(options, *repository, text);
+    }
+  }));
   return status;
 }
 

@@ -1,9 +1,9 @@
 #include <map>
 #include <memory>
-#include <sstream>
 
 #include "catalogue/explanation/steps_out.hpp"
 #include "catalogue/open_catalogue.hpp"
+#include "catalogue/text/printed_text.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "known_versions.hpp"
@@ -45,13 +45,13 @@ ExitStatus statusOf(const catalogue::StepsOut& steps) {
 ExitStatus listMinimal(const StepsOptions& options, catalogue::BrowsableRepository& repository,
                        const catalogue::Selection& selection) {
   const auto steps = catalogue::findMinimalSteps(repository, selection, options.search());
-  std::ostringstream text;
-  if (options.json) {
-    catalogue::writeStepsOutJson(steps, text);
-  } else {
-    catalogue::writeStepsOutText(steps, options.output.colouring(), text);
-  }
-  options.output.write(text.str());
+  options.output.write(catalogue::written([&](std::ostream& text) {
+    if (options.json) {
+      catalogue::writeStepsOutJson(steps, text);
+    } else {
+      catalogue::writeStepsOutText(steps, options.output.colouring(), text);
+    }
+  }));
   return steps.listings.empty() ? ExitStatus::NoPath : statusOf(steps);
 }
 
