@@ -187,6 +187,26 @@ class Streams(unittest.TestCase):
             "evopath: out of memory\nthe versions to start from leave very many choices; pin some of these:\n"
             "  A: 100 choices, 1.0.0 .. 100.0.0\n"), done.stderr)
 
+    @unittest.skipUnless(runs_within_least_memory(), "the program is built with sanitizers")
+    def test_an_answer_is_whole_or_not_at_all(self):
+        last = 2500
+        self.write("long.json", {"metamodels": [metamodel("A", f"{k}.0.0") for k in range(1, last + 1)],
+                                 "hops": [hop("A", f"{k}.0.0", f"{k + 1}.0.0") for k in range(1, last)]})
+        line = 100_000 * "x"  # of which there is no room for so many
+        done = self.run_evopath("path", "long.json", "--from", "A=1.0", "--to", f"A={last}.0", "--format", "script",
+                                "--template", line, preexec_fn=least_memory)
+        self.assertEqual((done.returncode, len(done.stdout)), (2, 0))
+        self.assertIn("evopath: out of memory\n", done.stderr)
+
+    def test_steps_are_told_while_others_are_sought(self):
+        names = "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+        self.write("all.json", {"metamodels": [metamodel(name, f"{k}.0") for name in names for k in (1, 2)],
+                                "hops": [hop(name, "1.0", "2.0") for name in names]})
+        at = ",".join(f"{name}=1.0" for name in names)
+        for output in ("", "--output -", "--output /dev/stdout"):
+            line = f"timeout 30 evopath steps all.json --at {at} --all --limit 100000000 {output} | head -n 1"
+            self.assertEqual(self.shell(line), "Step 1, forward, weight 2\n", output)
+
     def write_wide(self, file, names, versions):
         """P and Q each need half of the names, at any version. X has no hop."""
         half = len(names) // 2

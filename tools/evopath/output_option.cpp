@@ -28,7 +28,7 @@ void OutputOption::addTo(CLI::App& command) {
 }
 
 void OutputOption::write(const std::string& text) const {
-  if (file.empty() || isStandardOutput(file)) {
+  if (isStandardOutput()) {
     writeToStandardOutput(text);
   } else {
     writeToFile(file, text);
@@ -36,7 +36,7 @@ void OutputOption::write(const std::string& text) const {
 }
 
 void OutputOption::Stream::write(const std::string& text) {
-  if (option_.file.empty()) {
+  if (isAtOnce_) {
     writeToStandardOutput(text);
   } else {
     kept_ += text;
@@ -44,7 +44,11 @@ void OutputOption::Stream::write(const std::string& text) {
 }
 
 void OutputOption::Stream::finish() {
-  if (!option_.file.empty()) option_.write(kept_);
+  if (!isAtOnce_) option_.write(kept_);
+}
+
+bool OutputOption::isStandardOutput() const {
+  return file.empty() || evopath::isStandardOutput(file);
 }
 
 Colouring OutputOption::colouring() const {

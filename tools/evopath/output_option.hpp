@@ -22,17 +22,22 @@ struct OutputOption {
   /// An answer that is written in pieces: to standard output at once, to a file when it is whole.
   class Stream {
    public:
-    explicit Stream(const OutputOption& option) : option_(option) {}
+    explicit Stream(const OutputOption& option)
+        : option_(option), isAtOnce_(option.isStandardOutput()) {}
     void write(const std::string& text);
     void finish();
 
    private:
     const OutputOption& option_;
+    const bool isAtOnce_;
     std::string kept_;
   };
 
   /// Colours for a terminal, unless NO_COLOR says otherwise.
   tarn::evolution::catalogue::Colouring colouring() const;
+
+ private:
+  bool isStandardOutput() const;
 };
 
 }  // namespace evopath
