@@ -41,6 +41,10 @@ TEST_F(EvopathBrowse, StepsByDirectionAndWeight) {
          "Step 1, forward, weight 2\n  C  1.0.0 -> 2.0.0\n"
          "Step 2, forward, weight 2\n  D  1.0.0 -> 2.0.0\n"
          "Step 3, forward, weight 3\n  C  1.0.0 -> 2.0.0\n  D  1.0.0 -> 2.0.0\n");
+  expect("steps small.json --at A=1.0 --all",
+         "Step 1, forward, weight 1 expensive\n  A  1.0.0 -> 2.0.0  expensive\n"
+         "Step 2, forward, weight 1 expensive, 2\n  A  1.0.0 -> 2.0.0  expensive\n"
+         "  C  1.0.0 -> 2.0.0\n");
   expect(
       "steps small.json --at D=2.0",
       "Backward 1, weight 2\n  D  2.0.0 -> 1.0.0\n"

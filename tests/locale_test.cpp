@@ -15,6 +15,7 @@
 #include "catalogue/picture/path_html.hpp"
 #include "catalogue/picture/path_json.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_script.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
 #include "support/grouping_locale.hpp"
@@ -39,6 +40,7 @@ std::string writeAll(CatalogueContent content) {
     write(picture, out);
   }
   writePathText(picture, Colouring::Plain, out);
+  writePathScript(picture, "{step} {name} {from} {to}", out);
   GraphRequest everything;
   everything.limit = 1000;
   writeGraphDot(makeGraph(repository, everything), out);

@@ -73,12 +73,11 @@ void StepStreamWriter::finish(const StepsOut& found) {
 
 std::string StepStreamWriter::textOf(const StepListing& listing) {
   const StepListing::Group& group = listing.groups.front();
-  return written([&](std::ostream& out) {
-    StepTextWriter(group.picture, colouring_, out)
-        .write("Step " + std::to_string(steps_) + ", " + nameOfDirection(group.direction) +
-                   ", weight " + std::to_string(group.picture.steps.front().weight),
-               0);
-  });
+  const std::string heading = "Step " + std::to_string(steps_) + ", " +
+                              nameOfDirection(group.direction) + ", weight " +
+                              weightText(group.picture.steps.front().weight);
+  return written(
+      [&](std::ostream& out) { StepTextWriter(group.picture, colouring_, out).write(heading, 0); });
 }
 
 std::string StepStreamWriter::lineOf(const StepListing& listing) {

@@ -78,7 +78,7 @@ void writePathScript(const PathPicture& picture, const std::string& line, std::o
   }
   for (std::size_t i = 0; i < picture.steps.size(); ++i) {
     const std::string number = std::to_string(i + 1);
-    out << "# Step " << number << ", weight " << picture.steps[i].weight << "\n";
+    out << "# Step " << number << ", weight " << weightText(picture.steps[i].weight) << "\n";
     for (const PathPicture::Move& move : picture.steps[i].moves) {
       const std::string& name = picture.lanes[move.lane].name;
       if (move.kind == PathPicture::MoveKind::Entering) {

@@ -16,9 +16,8 @@ constexpr double longestVersion = 12;  // the same
 int headingWidth(const PathPicture& picture, std::size_t column) {
   if (column == 0) return estimatePixels("Start ", SwimLanes::fontSize);
   const auto& step = picture.steps[column - 1];
-  return std::max(
-      estimatePixels("Step " + std::to_string(column) + "  ", SwimLanes::fontSize),
-      estimatePixels("weight " + std::to_string(step.weight), SwimLanes::smallFontSize));
+  return std::max(estimatePixels("Step " + std::to_string(column) + "  ", SwimLanes::fontSize),
+                  estimatePixels("weight " + weightText(step.weight), SwimLanes::smallFontSize));
 }
 
 }  // namespace
