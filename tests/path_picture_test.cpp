@@ -4,18 +4,23 @@
 
 #include <algorithm>
 #include <csignal>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 
+#include "catalogue/catalogue_repository.hpp"
 #include "catalogue/picture/graphviz.hpp"
 #include "catalogue/picture/metamodel_details.hpp"
 #include "catalogue/picture/path_dot.hpp"
 #include "catalogue/picture/path_html.hpp"
 #include "catalogue/picture/path_mermaid.hpp"
+#include "catalogue/picture/path_script.hpp"
 #include "catalogue/picture/path_svg.hpp"
 #include "catalogue/picture/path_text.hpp"
 #include "catalogue/picture/step_listing.hpp"
+#include "catalogue/text/display_text.hpp"
 #include "support/evopath_program.hpp"
+#include "support/store_folder.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -160,6 +165,46 @@ TEST(PathPicture, WeightsAreReadable) {
   EXPECT_EQ(weightText(411), "411");
   EXPECT_EQ(weightText(78'000'000'411), "78 expensive, 411");
   EXPECT_EQ(weightText(2'000'000'000), "2 expensive");
+  const std::string script =
+      written([](const auto& drawn, auto& out) { writePathScript(drawn, "{to}", out); },
+              draw(lockstep, "A1 B1 D1 E1", "A3"));
+  EXPECT_EQ(countOf("\n# Step 2, weight 1 expensive\n", script), 1U);
+}
+
+TEST(PathPicture, WeightsFitTheirColumns) {
+  PathPicture picture = draw("A1..5", "A1", "A5");
+  for (PathPicture::Step& step : picture.steps) step.weight = 78'123'456'789;
+  const std::string drawn = written(writePathSvg, picture);
+  const std::regex weight(R"rx(<text class="weight" x="(\d+)" y="\d+">([^<]+)</text>)rx");
+  double right = 0;
+  std::size_t count = 0;
+  for (std::sregex_iterator found(drawn.begin(), drawn.end(), weight), end; found != end; ++found) {
+    const double left = std::stod((*found)[1]);
+    EXPECT_GE(left, right);
+    right = left + 11 * estimateWidth((*found)[2].str());
+    ++count;
+  }
+  EXPECT_EQ(count, picture.steps.size());
+}
+
+TEST(PathPicture, NullEntriesOfBaselinesMoveNowhere) {
+  TestRepository content("A1 A2:B1 A1>2 B1..2");
+  CatalogueRepository repository{Catalogue(contentOf(content))};
+  BaselineHop step{repository.combine(selection("A1")).at(0),
+                   repository.combine(selection("A2")).at(0),
+                   LockstepHop{{u"A", Hop(u"A", v(1), v(2), false)}}};
+  const auto answers = [&] {
+    std::ostringstream out;
+    out << countHopCombinations(repository, step.from, anyDirection) << "\n";
+    writePathText(drawPath(repository, step.from, {step}), Colouring::Plain, out);
+    writeStepsText({makeListing(repository, step.from, {step})}, Colouring::Plain, out);
+    return out.str();
+  };
+  const std::string expected = answers();
+  step.from.metamodels[u"Nothing"];
+  step.to.metamodels[u"Nothing"];
+  step.to.metamodels[u"Nothing else"];
+  EXPECT_EQ(answers(), expected);
 }
 
 TEST(PathPicture, MermaidSaysWhereItsLimitsArePassed) {

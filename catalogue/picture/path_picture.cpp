@@ -51,7 +51,7 @@ std::vector<PathPicture::Move> listMoves(const BaselineHop& step, const LaneNumb
          hop.expensive ? PathPicture::MoveKind::Expensive : PathPicture::MoveKind::Ordinary});
   }
   for (const auto& [name, linked] : step.to.metamodels) {
-    if (heldIn(step.from, name) != nullptr) continue;
+    if (linked == nullptr || heldIn(step.from, name) != nullptr) continue;
     moves.push_back({lanes.at(name), "", textOf(linked->version), PathPicture::MoveKind::Entering});
   }
   std::sort(moves.begin(), moves.end(),

@@ -57,6 +57,7 @@ std::uint64_t countHopCombinations(BrowsableRepository& repository, const Versio
                                    VersionRepository::Direction direction) {
   std::uint64_t combinations = 1;
   for (const auto& [name, linked] : baseline.metamodels) {
+    if (linked == nullptr) continue;
     const std::uint64_t choices = countHops(repository, *linked, direction) + 1;
     if (__builtin_mul_overflow(combinations, choices, &combinations)) return unbounded;
   }
