@@ -120,10 +120,11 @@ void writeExplanation(const Question& question, const Explanation& explanation,
 /// The bare answer, which was proven by the search itself.
 ExitStatus tellAbsence(const PathOptions& options, const Question& question,
                        const std::string& text) {
-  const bool isJson = options.form.format == PathFormat::Json;
-  writeNoPath(
-      isJson ? written([&](std::ostream& out) { writeNoPathJson(question, out); }) : text + "\n",
-      options);
+  std::string answer = text + "\n";
+  if (options.form.format == PathFormat::Json) {
+    answer = written([&](std::ostream& out) { writeNoPathJson(question, out); });
+  }
+  writeNoPath(answer, options);
   return ExitStatus::NoPath;
 }
 
