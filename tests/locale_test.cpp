@@ -57,7 +57,7 @@ std::string writeAll(CatalogueContent content) {
 }
 
 TEST_F(StoreFolder, AGroupingLocaleOfTheHostChangesNothing) {
-  TestRepository versions("A10..30 B10:A[10,31) B1000 B10>1000 C\x1b~2024");
+  TestRepository versions("A10..30 B10:A[10,31) B1000 B10>1000! C\x1b~2024");
   CatalogueContent content = contentOf(versions);
   content.question = Question{selection("A10 B10"), selection("A30 B1000")};
   const std::string expected = writeAll(content);
