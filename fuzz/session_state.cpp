@@ -46,8 +46,7 @@ std::string SessionState::outcomeText(const std::function<std::string()>& ask) {
     text = refused;
   } catch (const CallbackFailure&) {
     text = failed;
-    if (loads_ > 0)
-      repository_.invalidatePathfindingCache();  // what failed may have been a load
+    if (loads_ > 0) repository_.invalidatePathfindingCache();  // what failed may have been a load
   }
   if (loads_ > 0) paths_.clear();
   return text;

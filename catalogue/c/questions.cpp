@@ -139,8 +139,8 @@ tarn_evolution_status tarn_evolution_check(const char* file, int32_t least, char
     const char* const name = &required(file, "file");
     const Severity severity = readSeverity(least);
     const std::vector<Finding> found = check(readDraft(name));
-    *findings =
-        giveText(written([&](std::ostream& out) { writeFindingsJson(name, found, severity, out); }));
+    *findings = giveText(
+        written([&](std::ostream& out) { writeFindingsJson(name, found, severity, out); }));
     return TARN_EVOLUTION_OK;
   });
 }

@@ -263,9 +263,8 @@ class RowsWriter {
 
 void writeExplorerRows(BrowsableRepository& repository, const std::string& catalogue,
                        const ExplorerAnswers& answers, std::ostream& out) {
-  out << escapeForScript(written([&](std::ostream& rows) {
-    RowsWriter(repository, catalogue, answers, rows).write();
-  }));
+  out << escapeForScript(written(
+      [&](std::ostream& rows) { RowsWriter(repository, catalogue, answers, rows).write(); }));
 }
 
 }  // namespace tarn::evolution::catalogue
