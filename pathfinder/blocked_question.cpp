@@ -157,11 +157,11 @@ class BlockedQuestionSearch final : public BlockedQuestion {
       const auto ends = plans.commonEnds(impossible);
       if (!ends) return std::nullopt;
       const auto plan = plans.plannerTo(*ends, impossible)->plan();
-      SelectionView selection;
-      if (auto path = linking.carryOut(*plan, selection)) {
+      std::vector<VersionIndex> conflict;
+      if (auto path = linking.carryOut(*plan, conflict)) {
         return Nearest{std::move(path->steps), std::move(path->last)};
       }
-      impossible.emplace_back(selection.begin(), selection.end());
+      impossible.push_back(std::move(conflict));
     }
   }
 

@@ -223,6 +223,10 @@ TEST(Engines, AgreeBetweenSelectionsMadeToMislead) {
       // One that the source brings in by one of two versions only.
       {"A1..3 B1:A[1,4) B2:A3 B1>2 A2:C1 C1..2 | B1 | B2 C2", true},
       {"A1..3 B1 B2:A[1,3)+A[2,4) B3 B1>2 B2>3 | A2 B1 | A2 B3", false},
+      // The application links what nothing can stand beside, wherever the other names are then.
+      {"A1 A2=C1 A3 A1>2 A2>3 B1..9 C1..2 D1..9 E1..9 F1..9 | A1 B1 C2 D1 E1 F1 | A3 B9 C2 D9 E9 "
+       "F9",
+       true},
   };
   for (const auto& [text, isSettled] : cases) {
     SCOPED_TRACE(text);

@@ -4,6 +4,7 @@
 #include "pathfinder/learning/plan_linking.hpp"
 
 #include <algorithm>
+#include <numeric>
 
 #include "messages/report_exception.hpp"
 #include "pathfinder/learning/held_selections.hpp"
@@ -35,15 +36,12 @@ bool linksMoreThan(const LinkedMetamodel& linked, const OptionsByName& chosen) {
 }  // namespace
 
 std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
-                                                       SelectionView& impossible) {
+                                                       std::vector<VersionIndex>& impossible) {
   std::vector<VersionBaseline> baselines;
   const std::vector<SelectionIndex> selections = plan.bestSelections();
   for (const SelectionIndex selection : selections) {
-    auto baseline = hold(plan.selections()[selection]);
-    if (!baseline) {
-      impossible = plan.selections()[selection];
-      return std::nullopt;
-    }
+    auto baseline = hold(plan.selections()[selection], impossible);
+    if (!baseline) return std::nullopt;
     traceTrying(*baseline);
     baselines.push_back(*std::move(baseline));
   }
@@ -61,29 +59,71 @@ std::optional<PlanLinking::Path> PlanLinking::carryOut(const BackwardPlan& plan,
 }
 
 /// The baseline of a selection; no value when it cannot be held.
-std::optional<VersionBaseline> PlanLinking::hold(SelectionView selection) {
+std::optional<VersionBaseline> PlanLinking::hold(SelectionView selection,
+                                                 std::vector<VersionIndex>& impossible) {
   linked_.assign(selection.size(), nullptr);
   try {
     for (NameIndex name = 0; name < selection.size(); ++name) {
       if (!space_.isAbsent(selection[name])) linkAll(selection, name);
     }
   } catch (const Conflict&) {
+    impossible = withNeeds(selection, {space_.versions[underWay_].name});
     return std::nullopt;
   }
-  auto baseline = combined();
+  std::vector<NameIndex> names;
+  for (NameIndex name = 0; name < linked_.size(); ++name) {
+    if (linked_[name] != nullptr) names.push_back(name);
+  }
+  auto baseline = combined(names);
+  if (!baseline) {
+    const auto [one, other] = findDisagreeing(names);
+    impossible = withNeeds(selection, {one, other});
+    return std::nullopt;
+  }
   // The application may link what no dependency asks for.
-  const auto held = std::count(linked_.begin(), linked_.end(), nullptr) +
-                    static_cast<std::ptrdiff_t>(baseline ? baseline->metamodels.size() : 0);
-  if (baseline && held != static_cast<std::ptrdiff_t>(linked_.size())) throw NotLinkable();
+  if (baseline->metamodels.size() != names.size()) throw NotLinkable();
   return baseline;
 }
 
-std::optional<VersionBaseline> PlanLinking::combined() const {
+/// Two names whose linked metamodels cannot stand together: linked to one version of each name,
+/// these cannot be combined only if some two of them link different ones of a third.
+std::pair<NameIndex, NameIndex> PlanLinking::findDisagreeing(
+    std::span<const NameIndex> names) const {
+  std::vector<NameIndex> counts(names.size());  // how many of the first names
+  std::iota(counts.begin(), counts.end(), NameIndex{1});
+  const auto areCombined = [&](NameIndex count) {
+    return combined(names.first(count)).has_value();
+  };
+  const NameIndex last = *std::partition_point(counts.begin(), counts.end(), areCombined) - 1;
+  const auto disagrees = [&](NameIndex name) {
+    const NameIndex both[] = {name, names[last]};
+    return !combined(both);
+  };
+  return {*std::find_if(names.begin(), names.begin() + last, disagrees), names[last]};
+}
+
+/// The versions of these names and all that they were linked to.
+std::vector<VersionIndex> PlanLinking::withNeeds(SelectionView selection,
+                                                 std::vector<NameIndex> names) const {
+  std::vector<bool> isIn(selection.size());
+  std::vector<VersionIndex> versions;
+  while (!names.empty()) {
+    const NameIndex name = names.back();
+    names.pop_back();
+    if (isIn[name]) continue;
+    isIn[name] = true;
+    versions.push_back(selection[name]);
+    const auto& needed = dependencies_.dependencies[selection[name]];
+    names.insert(names.end(), needed.begin(), needed.end());
+  }
+  return versions;
+}
+
+std::optional<VersionBaseline> PlanLinking::combined(std::span<const NameIndex> names) const {
   std::vector<LinkedMetamodels> candidates;
   std::vector<Alternatives> alternatives;
-  candidates.reserve(linked_.size());
-  for (NameIndex name = 0; name < linked_.size(); ++name) {
-    if (linked_[name] == nullptr) continue;
+  candidates.reserve(names.size());
+  for (const NameIndex name : names) {
     candidates.push_back({linked_[name]});
     alternatives.push_back({&space_.names[name].text, &candidates.back()});
   }

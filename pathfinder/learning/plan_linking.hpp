@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -34,9 +35,10 @@ class PlanLinking {
     VersionBaseline last;
   };
 
-  /// No value when a selection, which then is `impossible`, cannot be held: only if the application
-  /// has linked more than dependencies say when it loaded something. Throws NotLinkable.
-  std::optional<Path> carryOut(const BackwardPlan& plan, SelectionView& impossible);
+  /// No value when some versions, which then are `impossible`, cannot be held together: only if the
+  /// application has linked more than dependencies say when it loaded something. Throws
+  /// NotLinkable.
+  std::optional<Path> carryOut(const BackwardPlan& plan, std::vector<VersionIndex>& impossible);
 
   /// Where names may be brought in, links each version that can be held to something that it can be
   /// held with: a link that no dependency asks for could bring in a name that no plan knows of.
@@ -45,8 +47,11 @@ class PlanLinking {
   void requireNoMoreLinks();
 
  private:
-  std::optional<VersionBaseline> hold(SelectionView selection);
-  std::optional<VersionBaseline> combined() const;
+  std::optional<VersionBaseline> hold(SelectionView selection,
+                                      std::vector<VersionIndex>& impossible);
+  std::optional<VersionBaseline> combined(std::span<const NameIndex> names) const;
+  std::pair<NameIndex, NameIndex> findDisagreeing(std::span<const NameIndex> names) const;
+  std::vector<VersionIndex> withNeeds(SelectionView selection, std::vector<NameIndex> names) const;
   VersionIndex linkEach(SelectionView selection);
   void linkAll(SelectionView selection, NameIndex root);
   std::shared_ptr<LinkedMetamodel> link(SelectionView selection, NameIndex name);

@@ -1,6 +1,6 @@
-// Plans over a dependency space and links what the plan holds. A selection that cannot be held is
-// forbidden, and planned again. What the application failed at is left out; it counts if a plan
-// that makes the most of it would come before the one that was found.
+// Plans over a dependency space and links what the plan holds. Versions that cannot be held
+// together are forbidden, and the next plan is asked for. What the application failed at is left
+// out; it counts if a plan that makes the most of it would come before the one that was found.
 
 #include "pathfinder/learning/selection_search.hpp"
 
@@ -182,7 +182,7 @@ class SelectionSearch {
         atBest_(atBest) {}
 
   SelectionAnswer run(SelectionPlanning planning) {
-    SelectionView impossible;
+    std::vector<VersionIndex> impossible;
     if (planning != SelectionPlanning::ByLearning) {
       const auto plan = planner_.planEasily();
       auto path = plan ? carryOut(*plan, impossible) : std::nullopt;
@@ -212,7 +212,7 @@ class SelectionSearch {
     if (watch == nullptr || !watch->wantsPaths()) return {};
     return [this, watch](const BackwardPlan& plan) {
       return watch->tellPath([&]() -> std::optional<std::vector<BaselineHop>> {
-        SelectionView impossible;
+        std::vector<VersionIndex> impossible;
         auto path = linking_.carryOut(plan, impossible);
         if (!path) return std::nullopt;
         return std::move(path->steps);
@@ -220,7 +220,8 @@ class SelectionSearch {
     };
   }
 
-  std::optional<SelectionPath> carryOut(const BackwardPlan& plan, SelectionView& impossible) {
+  std::optional<SelectionPath> carryOut(const BackwardPlan& plan,
+                                        std::vector<VersionIndex>& impossible) {
     if (atBest_ != nullptr) atBest_->throwWhatCountsFor(plan, *dependencies_.space);
     auto path = linking_.carryOut(plan, impossible);
     if (!path) return std::nullopt;
