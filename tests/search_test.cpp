@@ -266,6 +266,16 @@ TEST(Engines, WhereOnlyWhatCannotBeLinkedWouldLeadIsAConflictBetweenSelectionsTo
   }
 }
 
+/// S could go on from S1 to what no one knows, beside which M and what Q links of it could be held.
+TEST(Engines, HopsThatAreNotKnownMayLeadToWhatLinksOfSeveralNamesAllow) {
+  TestQuestion question(
+      "S1?hops S1 S2 S3 S2>1! S3>1 S3>2 M1:S1 M2:S2 M3 M2>1 M3>2 Q2:M[1,4) | S3 Q2 | M1 S1 |");
+  const SearchQuestion asked =
+      engineQuestion(question.repository, question.sources, question.targets, question.direction);
+  EXPECT_THROW(searchExhaustively(asked), CallbackFailure);
+  EXPECT_THROW(searchGoalDirected(asked), CallbackFailure);
+}
+
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {
   const struct {
     const char* catalogue;

@@ -22,7 +22,7 @@ bool SelectionLinks::areCombinedInOrder(SelectionView before, SelectionView afte
     if (space_.isAbsent(before[name])) continue;
     const auto agreesWithLater = [&](const SearchSpace::Link& link) {
       return link.name <= name || space_.isAbsent(before[link.name]) ||
-             space_.variants[link.variant].version == after[link.name];
+             isLinkTo(link, after[link.name]);
     };
     const auto variants = space_.variantsOf(after[name]);
     const bool isCombined =
@@ -44,6 +44,7 @@ bool SelectionLinks::isBroughtIn(SelectionView before, SelectionView after) cons
   }
   for (NameIndex name = 0; name < before.size() && !entering.empty(); ++name) {
     if (space_.isAbsent(before[name])) continue;
+    if (space_.versions[after[name]].isUnknown) return true;  // who knows what it links
     for (const SearchSpace::Variant& variant : space_.variantsOf(after[name])) {
       if (!matches(variant.closure, after)) continue;
       std::erase_if(entering, [&](NameIndex added) {
@@ -72,8 +73,7 @@ bool SelectionLinks::hasItsLinks(const SearchSpace::Variant& variant, NameIndex 
   const VariantIndex own = variant.heldUnder(name);
   return std::all_of(
       variant.closure.begin(), variant.closure.end(), [&](const SearchSpace::Link& link) {
-        const VersionIndex held = selection[link.name];
-        return space_.variants[link.variant].version == held ||
+        return isLinkTo(link, selection[link.name]) ||
                (space_.anyLinksOwnName && isBroughtInBy(link.name, name, own, selection));
       });
 }
@@ -107,10 +107,15 @@ std::vector<NameIndex> SelectionLinks::findEntangled() const {
   return result;
 }
 
+/// Whether a link may be to what is held. What is not known may be anything.
+bool SelectionLinks::isLinkTo(const SearchSpace::Link& link, VersionIndex held) const {
+  return space_.variants[link.variant].version == held || space_.versions[held].isUnknown;
+}
+
 bool SelectionLinks::matches(std::span<const SearchSpace::Link> closure,
                              SelectionView selection) const {
   return std::all_of(closure.begin(), closure.end(), [&](const SearchSpace::Link& link) {
-    return space_.variants[link.variant].version == selection[link.name];
+    return isLinkTo(link, selection[link.name]);
   });
 }
 

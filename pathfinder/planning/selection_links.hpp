@@ -30,6 +30,7 @@ class SelectionLinks {
                    SelectionView selection) const;
   bool isBroughtInBy(NameIndex linking, NameIndex name, VariantIndex linked,
                      SelectionView selection) const;
+  bool isLinkTo(const SearchSpace::Link& link, VersionIndex held) const;
   bool matches(std::span<const SearchSpace::Link> closure, SelectionView selection) const;
   std::vector<NameIndex> findEntangled() const;
 
