@@ -106,7 +106,7 @@ TEST_F(Evopath, AsksUnderConditions) {
   }
 }
 
-TEST_F(Evopath, SaysThatASourceCannotBeLinkedUnderConditionsToo) {
+TEST_F(Evopath, AnswersForASourceThatCannotBeLinked) {
   write("blocked.json", R"({"metamodels": [{"name": "C", "version": "9.0.0", "dependencies": []},
         {"name": "B", "version": "2.0.0", "dependencies": []},
         {"name": "B", "version": "3.0.0",
@@ -119,6 +119,12 @@ TEST_F(Evopath, SaysThatASourceCannotBeLinkedUnderConditionsToo) {
   EXPECT_EQ(run(ask + " 2>&1"),
             std::pair(1, std::string("No path: what it is to start from cannot be linked.\n")));
   EXPECT_EQ(run(ask + " --json 2>&1").first, 1);
+  // Of what is there already nothing has to be linked, in whatever form it is told.
+  for (const char* form : {"text", "json", "svg", "mermaid"}) {
+    EXPECT_EQ(
+        run(std::string("path blocked.json --from B=3.0.0 --to B=3.0.0 --format ") + form).first,
+        0);
+  }
 }
 
 TEST_F(Evopath, ShowsItsReasoningOnStandardError) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/model/question_json.hpp"
 #include "catalogue/picture/baseline_output.hpp"
 #include "catalogue/picture/plan_json.hpp"
@@ -18,10 +19,21 @@ using pathfinder::VersionBaseline;
 
 namespace {
 
-/// The first source that includes a target, which a path without steps stands for.
+/// The baselines of a selection; none if its versions cannot be linked, or if these are too many.
+std::vector<VersionBaseline> baselinesOf(pathfinder::VersionRepository& repository,
+                                         const Selection& selection) {
+  try {
+    return repository.tryCombine(selection).value_or(std::vector<VersionBaseline>());
+  } catch (const ConflictingDependencies&) {
+    return {};
+  }
+}
+
+/// The first source that includes a target, which a path without steps stands for; nothing if none
+/// is found. A path between equal selections has no steps whether these stand for anything or not.
 VersionBaseline findArrived(pathfinder::VersionRepository& repository, const Question& question) {
-  const auto sources = repository.combine(question.from);
-  const auto targets = repository.combine(question.to);
+  const auto sources = baselinesOf(repository, question.from);
+  const auto targets = baselinesOf(repository, question.to);
   const auto arrived =
       std::find_if(sources.begin(), sources.end(), [&](const VersionBaseline& source) {
         return std::any_of(targets.begin(), targets.end(),

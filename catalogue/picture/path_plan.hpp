@@ -22,8 +22,9 @@ struct PathPlan {
 };
 
 /// The plan of a path that `repository.findPath(question.from, question.to)` has found. One without
-/// steps starts where the source includes the target; to find that baseline, both are combined.
-/// `content` tells the notes; it may be the same.
+/// steps starts where the source includes the target; to find that baseline, both are combined. It
+/// is empty where they cannot be, or where that takes too much (see `tryCombine`). `content` tells
+/// the notes; it may be the same.
 TARN_EVOLUTION_CATALOGUE_EXPORT PathPlan makePlan(pathfinder::VersionRepository& repository,
                                                   BrowsableRepository& content,
                                                   const Question& question,

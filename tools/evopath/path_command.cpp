@@ -149,15 +149,6 @@ ExitStatus answerAbsence(const PathOptions& options, BrowsableRepository& reposi
   }
 }
 
-/// The baseline to draw the path from. A path without steps names none.
-VersionBaseline sourceOf(const std::vector<BaselineHop>& path, const PathOptions& options,
-                         BrowsableRepository& repository, const Question& question) {
-  if (!path.empty()) return path.front().from;
-  if (!options.form.isPicture()) return {};
-  const auto sources = repository.combine(question.from);
-  return sources.empty() ? VersionBaseline{} : sources.front();
-}
-
 /// `leastProven`: of a path that is not proven least.
 std::string render(const std::vector<BaselineHop>& path, const PathOptions& options,
                    BrowsableRepository& repository, const Question& question,
@@ -167,8 +158,10 @@ std::string render(const std::vector<BaselineHop>& path, const PathOptions& opti
     plan.picture.leastProven = leastProven;
     return written([&](std::ostream& out) { writePlanJson(plan, out); });
   }
-  auto picture =
-      drawPath(weightsOf(repository), sourceOf(path, options, repository, question), path);
+  // A path without steps does not tell what it begins at.
+  const VersionBaseline source =
+      path.empty() ? makePlan(repository, repository, question, path).start : path.front().from;
+  auto picture = drawPath(weightsOf(repository), source, path);
   picture.leastProven = leastProven;
   addTies(repository, path, picture);
   addNotes(repository, picture);
