@@ -282,80 +282,111 @@ std::optional<Path> findConditionalPath(BrowsableRepository& repository, const S
   return isAnyFirstWanted(goals) ? searchPart(limits, {}, search) : search(limits);
 }
 
+namespace {
+
 // A tree of searches, as of Reiter's hitting sets: each node avoids some versions, and has the
 // least path without them. The node with the lightest path is looked at next. Its path is an
 // alternative if it does without a version of each one before; then each child avoids one more of
 // the versions that it reaches, otherwise one more of those of a path before, all of which it
 // reaches. A path that does without a version of every one before lies below some node that has not
 // been looked at, so none that is lighter is missed.
-std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Selection& from,
-                                       const std::vector<PathGoal>& goals,
-                                       const PathConditions& conditions, std::size_t count,
-                                       const SearchLimits& limits) {
+class AlternativeSearch {
+ public:
+  AlternativeSearch(BrowsableRepository& repository, const Selection& from,
+                    const std::vector<PathGoal>& goals, const SearchLimits& limits)
+      : repository_(repository), from_(from), goals_(goals), limits_(limits) {}
+
+  std::vector<Path> find(const PathConditions& conditions, std::size_t count) {
+    begin(conditions);
+    std::vector<Path> found;
+    while (found.size() < count && !open_.empty()) {
+      const Node node = takeLightest();
+      const Reached reached = reachedBy(node.path);
+      const auto repeated = std::find_if_not(
+          found_.begin(), found_.end(),
+          [&](const Reached& before) { return doesWithoutOneOf(reached, before); });
+      const Reached toAvoid = repeated == found_.end() ? reached : *repeated;
+      if (repeated == found_.end()) {
+        found.push_back(node.path);
+        found_.push_back(reached);
+        if (limits_.betterPath) limits_.betterPath(node.path);
+      }
+      if (found.size() < count) branch(node, toAvoid);
+    }
+    return found;
+  }
+
+ private:
   using Avoided = std::set<std::pair<std::u16string, std::string>>;
+
   struct Node {
     PathConditions conditions;
     Avoided added;
     Path path;
     std::uint64_t weight;
   };
-  std::vector<PathGoal> settled = goals;
-  std::vector<Node> open;
-  std::set<Avoided> met;
-  const auto weigh = [&](const Path& path) {
-    std::uint64_t weight = 0;
-    for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
-    return weight;
-  };
-  const auto add = [&](const PathConditions& under, const Avoided& added,
-                       std::optional<Path>&& path) {
-    if (!path) return;
-    const std::uint64_t weight = weigh(*path);
-    open.push_back({under, added, *std::move(path), weight});
-  };
-  const auto search = [&](const PathConditions& under, const SearchLimits& own) {
-    ConditionalSearch asked(repository, from, under, own);
-    return settle(asked, settled);
-  };
-  const auto searchAll = [&](const SearchLimits& own) { return search(conditions, own); };
-  add(conditions, {},
-      isAnyFirstWanted(goals) ? searchPart(limits, {}, searchAll) : searchAll(limits));
-  SearchProgress known;  // of the least path of all
-  if (!open.empty()) {
-    known.leastProven = open.front().weight;
-    known.leastFound = open.front().weight;
+
+  void begin(const PathConditions& conditions) {
+    const auto searchAll = [&](const SearchLimits& own) { return search(conditions, own); };
+    add(conditions, {},
+        isAnyFirstWanted(goals_) ? searchPart(limits_, {}, searchAll) : searchAll(limits_));
+    if (open_.empty()) return;
+    leastOfAll_.leastProven = open_.front().weight;
+    leastOfAll_.leastFound = open_.front().weight;
   }
-  std::vector<Path> found;
-  std::vector<Reached> reachedBefore;
-  while (found.size() < count && !open.empty()) {
+
+  std::optional<Path> search(const PathConditions& conditions, const SearchLimits& limits) {
+    ConditionalSearch asked(repository_, from_, conditions, limits);
+    return settle(asked, goals_);
+  }
+
+  void add(const PathConditions& conditions, const Avoided& added, std::optional<Path>&& path) {
+    if (!path) return;
+    std::uint64_t weight = 0;
+    for (const BaselineHop& step : *path) weight += repository_.getWeight(step.hops);
+    open_.push_back({conditions, added, *std::move(path), weight});
+  }
+
+  Node takeLightest() {
     const auto lightest =
-        std::min_element(open.begin(), open.end(), [](const Node& left, const Node& right) {
+        std::min_element(open_.begin(), open_.end(), [](const Node& left, const Node& right) {
           return std::tie(left.weight, left.added) < std::tie(right.weight, right.added);
         });
     Node node = std::move(*lightest);
-    open.erase(lightest);
-    const Reached reached = reachedBy(node.path);
-    const auto repeated =
-        std::find_if_not(reachedBefore.begin(), reachedBefore.end(),
-                         [&](const Reached& before) { return doesWithoutOneOf(reached, before); });
-    const Reached toAvoid = repeated == reachedBefore.end() ? reached : *repeated;
-    if (repeated == reachedBefore.end()) {
-      found.push_back(node.path);
-      reachedBefore.push_back(reached);
-      if (limits.betterPath) limits.betterPath(node.path);
-    }
-    if (found.size() == count) break;
+    open_.erase(lightest);
+    return node;
+  }
+
+  void branch(const Node& node, const Reached& toAvoid) {
     for (const auto& [name, version] : toAvoid) {
-      PathConditions under = node.conditions;
-      under.avoided[name].push_back(version);
+      PathConditions conditions = node.conditions;
+      conditions.avoided[name].push_back(version);
       Avoided added = node.added;
       added.emplace(name, textOf(version));
-      if (!met.insert(added).second) continue;
-      add(under, added,
-          searchPart(limits, known, [&](const SearchLimits& own) { return search(under, own); }));
+      if (!met_.insert(added).second) continue;
+      add(conditions, added, searchPart(limits_, leastOfAll_, [&](const SearchLimits& own) {
+            return search(conditions, own);
+          }));
     }
   }
-  return found;
+
+  BrowsableRepository& repository_;
+  const Selection& from_;
+  std::vector<PathGoal> goals_;  // each for one version once the first path is found
+  const SearchLimits& limits_;
+  SearchProgress leastOfAll_;  // of the first path
+  std::vector<Node> open_;
+  std::set<Avoided> met_;
+  std::vector<Reached> found_;  // by each path found
+};
+
+}  // namespace
+
+std::vector<Path> findAlternativePaths(BrowsableRepository& repository, const Selection& from,
+                                       const std::vector<PathGoal>& goals,
+                                       const PathConditions& conditions, std::size_t count,
+                                       const SearchLimits& limits) {
+  return AlternativeSearch(repository, from, goals, limits).find(conditions, count);
 }
 
 }  // namespace tarn::evolution::catalogue
