@@ -9,7 +9,8 @@
 
 namespace test {
 
-/// What the repository holds, as a JSON catalogue without a question.
+/// What the repository holds, as a JSON catalogue without a question: what `contentOf` makes of it,
+/// so without a requirement ("&") of a name that the version depends on before.
 nlohmann::ordered_json toJson(TestRepository& repository);
 
 /// One side of a question: "A1 Bspring".
