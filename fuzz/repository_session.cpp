@@ -222,7 +222,8 @@ void RepositorySession::askBothEngines() {
   const auto sources = in(repository_, someBaselines());
   const auto targets = in(repository_, someBaselines());
   const Direction direction = someDirection();
-  const SearchQuestion question = engineQuestion(repository_, sources, targets, direction);
+  const SearchQuestion question{accessTo(repository_), sources, targets,
+                                static_cast<tarn::evolution::pathfinder::Direction>(direction)};
   const auto text = [&](const SearchAnswer& answer) {
     if (answer.verdict == SearchAnswer::Verdict::Unsettled) return std::string("unsettled");
     if (answer.verdict == SearchAnswer::Verdict::NoPath) return std::string("none");

@@ -212,8 +212,7 @@ class Comparison {
   }
 
   void ask(TestQuestion& small) {
-    const SearchQuestion asked =
-        engineQuestion(small.repository, small.sources, small.targets, small.direction);
+    const SearchQuestion asked = engineQuestion(small);
     SearchAnswer answer;
     expected_ = outcomeOf([&] { return searchExhaustively(asked, combinationsTried); }, answer);
     if (expected_ == "unsettled") return;
@@ -236,8 +235,7 @@ class Comparison {
   void askForRoundWay() {
     TestQuestion round(small_);
     leaveOutWhatFails(round.repository, round.direction);
-    const SearchQuestion asked =
-        engineQuestion(round.repository, round.sources, round.targets, round.direction);
+    const SearchQuestion asked = engineQuestion(round);
     SearchAnswer answer;
     roundWay_ = outcomeOf([&] { return searchExhaustively(asked, combinationsTried); }, answer);
     if (roundWay_ == "unsettled") {
@@ -273,10 +271,9 @@ class Comparison {
 
   void askOtherEngine(const SearchQuestion& asked, const SearchAnswer& expected) {
     TestQuestion fresh(text_);
-    const SearchQuestion question =
-        engineQuestion(fresh.repository, fresh.sources, fresh.targets, fresh.direction);
     SearchAnswer answer;
-    const std::string found = outcomeOf([&] { return searchGoalDirected(question); }, answer);
+    const std::string found =
+        outcomeOf([&] { return searchGoalDirected(engineQuestion(fresh)); }, answer);
     // A plan that cannot be carried out leaves the question to the exhaustive search.
     if (found == "unsettled") return;
     compare(found, "the goal-directed search");

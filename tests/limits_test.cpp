@@ -192,8 +192,7 @@ TEST(Limits, PathsToldOnTheWayCanBeGoneAndWeighMoreThanTheAnswer) {
       } catch (const Conflict&) {
         return std::nullopt;  // only what cannot be linked would lead to the target
       }
-      const auto learnt = answerByLearning(engineQuestion(question.repository, question.sources,
-                                                          question.targets, question.direction));
+      const auto learnt = answerByLearning(engineQuestion(question));
       if (!learnt) return std::nullopt;
       const bool isFound = learnt->answer.verdict == SearchAnswer::Verdict::Found;
       return isFound ? Path(learnt->answer.steps) : Path();

@@ -63,8 +63,7 @@ bool comesBack(const std::vector<BaselineHop>& steps) {
 void compare(const std::string& text, Random& random, RandomRun& run) {
   TestQuestion question(text);
   if (!question.isPosed()) return;
-  const SearchQuestion asked =
-      engineQuestion(question.repository, question.sources, question.targets, question.direction);
+  const SearchQuestion asked = engineQuestion(question);
   SearchAnswer expected;
   try {
     expected = searchExhaustively(asked);
@@ -102,89 +101,85 @@ TEST(Engines, AgreeOnRandomQuestions) {
 TEST(Engines, HopsThatAreNotKnownMayLeadToWhatLinksOfSeveralNamesAllow) {
   TestQuestion question(
       "S1?hops S1 S2 S3 S2>1! S3>1 S3>2 M1:S1 M2:S2 M3 M2>1 M3>2 Q2:M[1,4) | S3 Q2 | M1 S1 |");
-  const SearchQuestion asked =
-      engineQuestion(question.repository, question.sources, question.targets, question.direction);
+  const SearchQuestion asked = engineQuestion(question);
   EXPECT_THROW(searchExhaustively(asked), CallbackFailure);
   EXPECT_THROW(searchGoalDirected(asked), CallbackFailure);
 }
 
 TEST(Engines, AgreeOnQuestionsMadeToMislead) {
   const struct {
-    const char* catalogue;
-    const char* from;
-    const char* to;
+    const char* text;
     std::size_t steps;  // ~0: no path
   } cases[] = {
-      {"A1..2 B1..4 C1..5 D1..3", "A1 B1 C1 D1", "A2 B4 C5 D3", 4},
-      {"A1..3 B1:A1 B2:A2 B3:A3 B1>2 B2>3 C1:B1 C2:B2 C3:B3 C1>2 C2>3", "C1", "C3", 2},
-      {"A1..5 B1..4 C1:A[1,2) C2:A[2,6) C1>2", "A1 B1 C1", "A5 B4 C2", 4},
-      {"A1..4 B1:A[1,4) B2:A[2,5) B1>2 C1:A[1,4) C2:A[2,5) C1>2", "B1 C1 A1", "A4 B2 C2", 3},
+      {"A1..2 B1..4 C1..5 D1..3 | A1 B1 C1 D1 | A2 B4 C5 D3", 4},
+      {"A1..3 B1:A1 B2:A2 B3:A3 B1>2 B2>3 C1:B1 C2:B2 C3:B3 C1>2 C2>3 | C1 | C3", 2},
+      {"A1..5 B1..4 C1:A[1,2) C2:A[2,6) C1>2 | A1 B1 C1 | A5 B4 C2", 4},
+      {"A1..4 B1:A[1,4) B2:A[2,5) B1>2 C1:A[1,4) C2:A[2,5) C1>2 | B1 C1 A1 | A4 B2 C2", 3},
       // Neither version of C can stand beside A's middle one.
-      {"A1..3 B1..4 C1:A1 C2:A3 C1>2", "A1 B1 C1", "A3 B4 C2", ~std::size_t{0}},
+      {"A1..3 B1..4 C1:A1 C2:A3 C1>2 | A1 B1 C1 | A3 B4 C2", ~std::size_t{0}},
       // Several targets, the nearest neither first nor last; one that is included already.
-      {"A1..4 B1..4", "A1 B1", "A4 B1, A2 B2, A1 B4", 1},
-      {"A1..4 B1..4", "A1 B1", "A4 B4, B1", 0},
+      {"A1..4 B1..4 | A1 B1 | A4 B1 , A2 B2 , A1 B4", 1},
+      {"A1..4 B1..4 | A1 B1 | A4 B4 , B1", 0},
       // Several sources, each of which would be nearer with what the other one holds.
-      {"A1..3 B1..4", "A1 B3, A3 B1", "A3 B3", 2},
-      {"A1 A2 A3 A1>2! A2>3! B1 B2 B1>2!", "A1 B1", "A3 B2", 2},
+      {"A1..3 B1..4 | A1 B3 , A3 B1 | A3 B3", 2},
+      {"A1 A2 A3 A1>2! A2>3! B1 B2 B1>2! | A1 B1 | A3 B2", 2},
       // The way that costs A least takes more steps than a dearer one.
-      {"A1..5 A1>5! A1>3! B1..2", "A1 B1", "A5 B2", 4},
-      {"A1..4 A1>4! B1:A1 B2:A4 B1>2", "A1 B1", "A4 B2", 1},
+      {"A1..5 A1>5! A1>3! B1..2 | A1 B1 | A5 B2", 4},
+      {"A1..4 A1>4! B1:A1 B2:A4 B1>2 | A1 B1 | A4 B2", 1},
       // Round about, and through a version that only another metamodel's way forces.
-      {"A1 A2 A3 A1>2 A2>1 A2>3 B1:A[1,3) B2:A2 B3:A1 B4:A[1,4) B1>2 B2>3 B3>4", "A1 B1", "A3 B4",
-       4},
+      {"A1 A2 A3 A1>2 A2>1 A2>3 B1:A[1,3) B2:A2 B3:A1 B4:A[1,4) B1>2 B2>3 B3>4 | A1 B1 | A3 B4", 4},
       // Two hops of one kind, and two that differ in price only.
-      {"A1 A2 A1>2! A1>2 A1>2 B1..2", "A1 B1", "A2 B2", 1},
+      {"A1 A2 A1>2! A1>2 A1>2 B1..2 | A1 B1 | A2 B2", 1},
       // The last of equal hops comes after the way over A3, the first one before it.
-      {"A1 A2 A3 A4 A1>2 A1>3 A1>2 A2>4 A3>4 B1", "A1 B1", "A4 B1", 2},
+      {"A1 A2 A3 A4 A1>2 A1>3 A1>2 A2>4 A3>4 B1 | A1 B1 | A4 B1", 2},
       // 3.0.0 is met before 2.0.0, which leads back to it.
-      {"A1 A2 A3 A4 A1>3! A1>2 A2>3 A3>4 B1..3", "A1 B1", "A4 B3", 3},
+      {"A1 A2 A3 A4 A1>3! A1>2 A2>3 A3>4 B1..3 | A1 B1 | A4 B3", 3},
       // Only one of them can go the cheap way.
       {"A1 A2:B1+C1+D1 A3 A1>2 A2>3 A1>3! B1 B2:A1+C1+D1 B3 B1>2 B2>3 B1>3! C1 C2:A1+B1+D1 C3 C1>2 "
-       "C2>3 C1>3! D1 D2:A1+B1+C1 D3 D1>2 D2>3 D1>3!",
-       "A1 B1 C1 D1", "A3 B3 C3 D3", 2},
+       "C2>3 C1>3! D1 D2:A1+B1+C1 D3 D1>2 D2>3 D1>3! | A1 B1 C1 D1 | A3 B3 C3 D3",
+       2},
       // Few hops in many steps, and many in few, heavier ones; B has to be out of the way of the
       // latter.
-      {"A1 A2 A3 A5 A9 A1>2 A2>3 A3>5 A1>9 A9>5 B1:A[1,6) B2:A9 B3:A[1,6) B1>2 B2>3", "A1 B1", "A5",
+      {"A1 A2 A3 A5 A9 A1>2 A2>3 A3>5 A1>9 A9>5 B1:A[1,6) B2:A9 B3:A[1,6) B1>2 B2>3 | A1 B1 | A5",
        2},
       // A3 is met by way of A2, which cannot be reached, before what does lead to it; and B has to
       // move before A does.
-      {"A1 A2:C2 A3 A4:B2 A5 A6 A7 A1>2 A2>3 A3>5 A1>4 A4>6 A6>7 A7>3 B1 B2 B1>2 C1 C2", "A1 B1 C1",
-       "A5 B2 C1", 5},
+      {"A1 A2:C2 A3 A4:B2 A5 A6 A7 A1>2 A2>3 A3>5 A1>4 A4>6 A6>7 A7>3 B1 B2 B1>2 C1 C2 | A1 B1 C1 "
+       "| A5 B2 C1",
+       5},
       // The lighter target needs several hops of a name that the other one leaves free.
-      {"A1..2 B1..2 C1..3 D1..2 E1..2 F1..2", "A1 B1 C1 D1 E1 F1", "A2 B2 D2 E2 F2, C3", 2},
+      {"A1..2 B1..2 C1..3 D1..2 E1..2 F1..2 | A1 B1 C1 D1 E1 F1 | A2 B2 D2 E2 F2 , C3", 2},
       // A2 is met after A3, to which it leads back; and A12, A13 and A14 from the last one on.
-      {"A1 A2 A3 A4 A1>3 A3>4 A1>2! A2>3 B1 B2:A2 B3 B1>2 B2>3", "A1 B1", "A4 B3", 3},
+      {"A1 A2 A3 A4 A1>3 A3>4 A1>2! A2>3 B1 B2:A2 B3 B1>2 B2>3 | A1 B1 | A4 B3", 3},
       {"A1 A2:C2 A3 A4 A11 A12 A13 A14 A15 A1>2 A2>14 A2>3 A3>13 A3>4 A4>12 A1>11! A11>12 A12>13 "
-       "A13>14 A14>15 C1 C2",
-       "A1 C1", "A15 C1", 5},
+       "A13>14 A14>15 C1 C2 | A1 C1 | A15 C1",
+       5},
       // Equal totals, told apart by the third step from the end only.
       {"A1 A2 A3 A4 A5 A6 A7 A8 A9 A10 A11 A12 A1>2! A2>3 A3>4 A4>5 A1>6 A6>7 A7>8! A8>5 A1>10 "
-       "A10>11! A11>12 A12>9 B1",
-       "A1 B1", "A5, A9", 4},
+       "A10>11! A11>12 A12>9 B1 | A1 B1 | A5 , A9",
+       4},
       // Names that links bring in: chosen among several versions, then moved; and one that none
       // brings in.
-      {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3", "A1 C1", "A3 B3 C3", 2},
-      {"A1..2 Z1", "A1", "A2 Z1", ~std::size_t{0}},
+      {"A1 A2:B[1,3) A3:B[3,4) A1>2 A2>3 B1..3 C1..3 | A1 C1 | A3 B3 C3", 2},
+      {"A1..2 Z1 | A1 | A2 Z1", ~std::size_t{0}},
       // One that might come in at once by a dear hop, and hops only after it has come in.
-      {"A1 A2 A3:N[1,3) A9:N1 A1>2 A2>3 A1>9! A9>3 N1:M1 N2 N1>2 M1", "A1", "A3 N2 M1", 3},
+      {"A1 A2 A3:N[1,3) A9:N1 A1>2 A2>3 A1>9! A9>3 N1:M1 N2 N1>2 M1 | A1 | A3 N2 M1", 3},
       // Requirements: both move at once, as each wants the other; B waits for A; C is not there.
-      {"A1:&B1 A2:&B2 A1>2 B1:&A1 B2:&A2 B1>2 C1..2", "A1 B1 C1", "A2 B2 C2", 1},
-      {"A1..3 B1:&A[1,3) B2:&A[2,4) B1>2 C1..2", "A1 B1 C1", "A3 B2 C2", 2},
-      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2", "A1 B1", "A2 B3", 2},
-      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2", "A1 B1", "A3 B3", ~std::size_t{0}},
+      {"A1:&B1 A2:&B2 A1>2 B1:&A1 B2:&A2 B1>2 C1..2 | A1 B1 C1 | A2 B2 C2", 1},
+      {"A1..3 B1:&A[1,3) B2:&A[2,4) B1>2 C1..2 | A1 B1 C1 | A3 B2 C2", 2},
+      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2 | A1 B1 | A2 B3", 2},
+      {"A1 A2:%C2 A3:&C2 A1>2 A2>3 B1..3 C1 C2 | A1 B1 | A3 B3", ~std::size_t{0}},
       // What A requires only B's link brings in, and in the wrong version at first.
-      {"A1 A2:&C2 A1>2 B1 B2:C1 B3:C2 B1>2 B2>3 C1..2", "A1 B1", "A2 B3", 2},
+      {"A1 A2:&C2 A1>2 B1 B2:C1 B3:C2 B1>2 B2>3 C1..2 | A1 B1 | A2 B3", 2},
       // A source without what it requires has to bring it in at once.
-      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2", "A1 B1 D1", "B2 D2", 1},
-      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2", "A1 B1 D1", "B3 D2", ~std::size_t{0}},
+      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2 | A1 B1 D1 | B2 D2", 1},
+      {"A1:&C1 B1 B2:C1 B1>2 B3 B1>3 C1 D1..2 | A1 B1 D1 | B3 D2", ~std::size_t{0}},
   };
-  for (const auto& [catalogue, from, to, steps] : cases) {
-    SCOPED_TRACE(std::string(catalogue) + ": " + from + " to " + to);
-    TestRepository repository(catalogue);
-    const auto sources = repository.baselines(from);
-    const auto targets = repository.baselines(to);
-    const SearchQuestion asked = engineQuestion(repository, sources, targets, anyDirection);
+  for (const auto& [text, steps] : cases) {
+    SCOPED_TRACE(text);
+    TestQuestion question(text);
+    ASSERT_TRUE(question.isPosed());
+    const SearchQuestion asked = engineQuestion(question);
     const SearchAnswer expected = searchExhaustively(asked);
     EXPECT_EQ(expected.verdict == Verdict::Found ? expected.steps.size() : ~std::size_t{0}, steps);
     expectSame(expected, searchGoalDirected(asked));
@@ -193,10 +188,9 @@ TEST(Engines, AgreeOnQuestionsMadeToMislead) {
 }
 
 TEST(Engines, AHopOnTheWayThatLeadsNowhereIsReported) {
-  TestRepository repository("A1..3 A2>9 B1..3");
-  const auto sources = repository.baselines("A1 B1");
-  const auto targets = repository.baselines("A3 B3");
-  const SearchQuestion asked = engineQuestion(repository, sources, targets, forward);
+  TestQuestion question("A1..3 A2>9 B1..3 | A1 B1 | A3 B3 | forward");
+  ASSERT_TRUE(question.isPosed());
+  const SearchQuestion asked = engineQuestion(question);
   const auto outcome = [&](const auto& search) {
     return test::outcomeOf([&] { return Path(search().steps); });
   };
@@ -206,12 +200,11 @@ TEST(Engines, AHopOnTheWayThatLeadsNowhereIsReported) {
 }
 
 TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
-  TestRepository repository("A1..3 B1..3 C1:Z1 C2 C1>2 C2>1 Z1");
-  const auto sources = repository.baselines("A1 B1");
-  for (const auto& [name, steps] : {std::pair(u"Z", 2U), std::pair(u"B", 0U)}) {
-    auto targets = repository.baselines("A3");
-    targets[0].metamodels[name] = nullptr;
-    const SearchQuestion lacking = engineQuestion(repository, sources, targets, forward);
+  const std::string beginning = "A1..3 B1..3 C1:Z1 C2 C1>2 C2>1 Z1 | A1 B1 | * A3 ";
+  for (const auto& [entry, steps] : {std::pair("Z-", 2U), std::pair("B-", 0U)}) {
+    TestQuestion question(beginning + entry + " | forward");
+    ASSERT_TRUE(question.isPosed());
+    const SearchQuestion lacking = engineQuestion(question);
     const SearchAnswer expected = searchExhaustively(lacking);
     EXPECT_EQ(expected.steps.size(), steps);
     expectSame(expected, searchGoalDirected(lacking));
@@ -219,11 +212,9 @@ TEST(Engines, ATargetWithAnEmptyEntryLacksTheName) {
 }
 
 TEST(Engines, ATargetOfAnotherRepositoryIsNeverReached) {
-  TestRepository repository("A1..3 B1..3");
-  TestRepository other("A1..3 B1..3");
-  const auto sources = repository.baselines("A1 B1");
-  const auto targets = other.baselines("A3 B3");
-  const SearchQuestion asked = engineQuestion(repository, sources, targets, forward);
+  TestQuestion question("A1..3 B1..3 | A1 B1 | ^ A3 B3 | forward");
+  ASSERT_TRUE(question.isPosed());
+  const SearchQuestion asked = engineQuestion(question);
   EXPECT_EQ(searchExhaustively(asked).verdict, Verdict::NoPath);
   EXPECT_EQ(searchGoalDirected(asked, learningPlanner()).verdict, Verdict::NoPath);
   EXPECT_EQ(answerByLearning(asked).value().answer.verdict, Verdict::NoPath);
@@ -231,26 +222,19 @@ TEST(Engines, ATargetOfAnotherRepositoryIsNeverReached) {
 
 TEST(Engines, ASourceOfAnotherRepositoryTakesTheFirstHopOfTheLeastWeight) {
   // The hop to B3 is equal to one that stands first but weighs more.
-  const char* const catalogue = "A1 B1 B1>3! B1>2 B1>3 B2 B3";
-  TestRepository repository(catalogue);
-  TestRepository other(catalogue);
-  const auto sources = other.baselines("A1 B1");
-  const auto targets = repository.baselines("A1");
-  const SearchQuestion asked = engineQuestion(repository, sources, targets, anyDirection);
+  TestQuestion question("A1 B1 B1>3! B1>2 B1>3 B2 B3 | ^ A1 B1 | A1");
+  ASSERT_TRUE(question.isPosed());
+  const SearchQuestion asked = engineQuestion(question);
   const SearchAnswer expected = searchExhaustively(asked);
   EXPECT_EQ(describe(Path(expected.steps)), "B1>2 => A1 B2\n");
   expectSame(expected, searchGoalDirected(asked));
 }
 
 TEST(Engines, LongPathsTakeNoStack) {
-  TestRepository repository("A1..2000");
-  const auto sources = repository.baselines("A1");
-  const auto targets = repository.baselines("A2000");
-  runOnSmallStack([&] {
-    EXPECT_EQ(
-        searchGoalDirected(engineQuestion(repository, sources, targets, forward)).steps.size(),
-        1999U);
-  });
+  TestQuestion question("A1..2000 | A1 | A2000 | forward");
+  ASSERT_TRUE(question.isPosed());
+  runOnSmallStack(
+      [&] { EXPECT_EQ(searchGoalDirected(engineQuestion(question)).steps.size(), 1999U); });
 }
 
 /// "A1 B1 ... Z1 a1 ... z1" for "1".

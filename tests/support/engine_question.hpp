@@ -1,11 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "pathfinder/repository_access.hpp"
 #include "pathfinder/search/search_question.hpp"
-#include "support/test_repository.hpp"
+#include "support/test_question.hpp"
 
 namespace test {
 
@@ -17,12 +16,9 @@ inline tarn::evolution::pathfinder::RepositoryAccess& accessTo(TestRepository& r
 }
 
 /// A question as the engines are asked it. Refers to what it is made from.
-inline SearchQuestion engineQuestion(TestRepository& repository,
-                                     const std::vector<VersionBaseline>& sources,
-                                     const std::vector<VersionBaseline>& targets,
-                                     VersionRepository::Direction direction) {
-  return {accessTo(repository), sources, targets,
-          static_cast<tarn::evolution::pathfinder::Direction>(direction)};
+inline SearchQuestion engineQuestion(TestQuestion& question) {
+  return {accessTo(question.repository), question.sources, question.targets,
+          static_cast<tarn::evolution::pathfinder::Direction>(question.direction)};
 }
 
 }  // namespace test
