@@ -20,9 +20,7 @@ std::string anyOf(const Name& name, Random& random) {
 
 /// A name with one version, which the sources hold if told so and the targets, too, if told so.
 Name& addPlug(QuestionDraft& draft, bool isHeld, bool isWanted) {
-  Name& name = draft.addName();
-  name.versions.push_back({"1", {}, {}, {}});
-  name.start = name.goal = "1";
+  Name& name = draft.addName(1);
   for (auto& entries : draft.from) {
     if (isHeld) entries.push_back(name.letter + name.start);
   }
@@ -86,17 +84,14 @@ void addHostLinks(QuestionDraft& draft, Random& random) {
 /// A name with versions from 1 on and a hop from each to the next, which the ends hold at the first
 /// and the last one.
 Name& addRow(QuestionDraft& draft, std::size_t last, Random& random) {
-  Name& name = draft.addName();
+  Name& name = draft.addName(last);
   const bool isBackward = draft.direction == "backward";
-  for (std::size_t number = 1; number <= last; ++number) {
-    name.versions.push_back({std::to_string(number), {}, {}, {}});
-    if (number == 1) continue;
+  for (std::size_t number = 2; number <= last; ++number) {
     const std::string ends[] = {std::to_string(number - 1), std::to_string(number)};
     draft.addHop(name, ends[isBackward ? 1 : 0], ends[isBackward ? 0 : 1],
                  random.chance(20) ? "!" : "");
   }
-  name.start = name.versions[isBackward ? last - 1 : 0].number;
-  name.goal = name.versions[isBackward ? 0 : last - 1].number;
+  if (isBackward) std::swap(name.start, name.goal);
   for (auto& entries : draft.from) entries.push_back(name.letter + name.start);
   for (auto& entries : draft.to) {
     if (random.chance(85)) entries.push_back(name.letter + name.goal);
@@ -284,7 +279,6 @@ void putTargetsTogether(QuestionDraft& draft, Random& random) {
   if (random.chance(10)) addPlug(draft, false, true);
 }
 
-/// Sources that the repository did not make.
 /// Asks for what the sources hold, but linked by another repository, so that any hop will do. There
 /// are more of them, each at both weights.
 void askForIdleStep(QuestionDraft& draft, Random& random) {
@@ -301,6 +295,7 @@ void askForIdleStep(QuestionDraft& draft, Random& random) {
   }
 }
 
+/// Sources that the repository did not make.
 void replaceSources(QuestionDraft& draft, Random& random) {
   for (auto& entries : draft.from) {
     const bool isFormer = random.chance(50);

@@ -125,10 +125,9 @@ QuestionDraft QuestionDraft::web(Random& random, std::size_t nameCount) {
 
 QuestionDraft QuestionDraft::rivals(Random& random, std::size_t nameCount) {
   QuestionDraft draft;
-  for (; nameCount > 0; --nameCount) draft.addName();
+  for (; nameCount > 0; --nameCount) draft.addName(3);
   const unsigned percent = random.chance(50) ? 100 : 60;
   for (Name& name : draft.names) {
-    name.versions = {{"1", {}, {}, {}}, {"2", {}, {}, {}}, {"3", {}, {}, {}}};
     for (const Name& other : draft.names) {
       if (other.letter == name.letter || !random.chance(percent)) continue;
       name.versions[1].needs.push_back(std::string(1, other.letter) +
@@ -137,8 +136,6 @@ QuestionDraft QuestionDraft::rivals(Random& random, std::size_t nameCount) {
     draft.addHop(name, "1", "2");
     draft.addHop(name, "2", "3", random.chance(15) ? "!" : "");
     if (random.chance(90)) draft.addHop(name, "1", "3", "!");
-    name.start = "1";
-    name.goal = "3";
   }
   draft.direction = random.chance(80) ? "forward" : "any";
   draft.settleEnds(random, 100, 95);
@@ -148,18 +145,13 @@ QuestionDraft QuestionDraft::rivals(Random& random, std::size_t nameCount) {
 QuestionDraft QuestionDraft::ladder(Random& random) {
   QuestionDraft draft;
   const std::size_t last = 10 + random.upTo(4);
-  for (const char letter : {draft.addName().letter, draft.addName().letter}) {
-    Name& name = draft.names[static_cast<std::size_t>(letter - 'A')];
-    for (std::size_t number = 1; number <= last; ++number) {
-      name.versions.push_back({std::to_string(number), {}, {}, {}});
-      if (letter == 'A') continue;
-      const std::size_t lower = number - std::min(number - 1, random.below(3));
-      name.versions.back().needs = {'A' + rangeText(lower, number + random.upTo(3))};
-    }
-    name.start = "1";
-    name.goal = std::to_string(last);
-    addWovenHops(draft, name, random);
+  addWovenHops(draft, draft.addName(last), random);
+  Name& name = draft.addName(last);
+  for (std::size_t number = 1; number <= last; ++number) {
+    const std::size_t lower = number - std::min(number - 1, random.below(3));
+    name.versions[number - 1].needs = {'A' + rangeText(lower, number + random.upTo(3))};
   }
+  addWovenHops(draft, name, random);
   draft.direction = "forward";
   draft.settleEnds(random, 100, 95);
   return draft;
@@ -168,16 +160,9 @@ QuestionDraft QuestionDraft::ladder(Random& random) {
 QuestionDraft QuestionDraft::crowd(Random& random) {
   QuestionDraft draft;
   const std::size_t last = 8 + random.upTo(3);
-  draft.addName().versions = {{"1", {}, {}, {}}, {"2", {}, {}, {}}, {"3", {}, {}, {}}};
-  for (std::size_t number = 1; number <= last; ++number) {
-    if (number == 1) draft.addName();
-    std::vector<Version>& versions = draft.names[1].versions;
-    versions.push_back({std::to_string(number), {}, {}, {}});
-    if (random.chance(70)) versions.back().needs = {someRange(draft.names[0], random)};
-  }
-  for (Name& name : draft.names) {
-    name.start = "1";
-    name.goal = name.versions.back().number;
+  draft.addName(3);
+  for (Version& version : draft.addName(last).versions) {
+    if (random.chance(70)) version.needs = {someRange(draft.names[0], random)};
   }
   addWovenHops(draft, draft.names[0], random);
   const auto percent = static_cast<unsigned>(random.below(50));
@@ -194,11 +179,7 @@ QuestionDraft QuestionDraft::crowd(Random& random) {
 QuestionDraft QuestionDraft::closed(Random& random, std::size_t nameCount) {
   QuestionDraft draft;
   for (; nameCount > 0; --nameCount) {
-    Name& name = draft.addName();
-    const std::size_t last = random.upTo(4);
-    for (std::size_t number = 1; number <= last; ++number) {
-      name.versions.push_back({std::to_string(number), {}, {}, {}});
-    }
+    Name& name = draft.addName(random.upTo(4));
     for (const Name& needed : draft.names) {
       if (needed.letter == name.letter || !random.chance(70)) continue;
       for (Version& version : name.versions) version.needs.push_back(someRange(needed, random));
@@ -223,17 +204,13 @@ QuestionDraft QuestionDraft::heads(Random& random, std::size_t nameCount) {
   QuestionDraft draft;
   const auto percent = static_cast<unsigned>(25 + random.below(60));
   for (; nameCount > 0; --nameCount) {
-    Name& name = draft.addName();
-    const std::size_t last = random.upTo(4);
-    for (std::size_t number = 1; number <= last; ++number) {
-      name.versions.push_back({std::to_string(number), {}, {}, {}});
+    Name& name = draft.addName(random.upTo(4));
+    for (Version& version : name.versions) {
       for (const Name& needed : draft.names) {
         if (needed.letter == name.letter || !random.chance(percent)) continue;
-        name.versions.back().needs.push_back(someRange(needed, random));
+        version.needs.push_back(someRange(needed, random));
       }
     }
-    name.start = "1";
-    name.goal = name.versions.back().number;
     addWovenHops(draft, name, random);
   }
   draft.direction = random.chance(80) ? "forward" : "any";
@@ -257,18 +234,16 @@ QuestionDraft QuestionDraft::rounds(Random& random) {
   for (std::size_t i = 0; i < names; ++i) {
     const bool isMover = i < movers;
     const std::size_t last = isMover ? 1 + random.upTo(2) : 2 + random.upTo(4);
-    Name& name = draft.addName();
-    name.start = "1";
-    name.goal = std::to_string(isMover ? random.upTo(last) : last);
-    for (std::size_t number = 1; number <= last; ++number) {
-      name.versions.push_back({std::to_string(number), {}, {}, {}});
-      for (std::size_t j = 0; !isMover && j < movers; ++j) {
+    Name& name = draft.addName(last);
+    if (isMover) name.goal = std::to_string(random.upTo(last));
+    for (std::size_t number = 1; !isMover && number <= last; ++number) {
+      for (std::size_t j = 0; j < movers; ++j) {
         const Name& mover = draft.names[j];
         if (random.chance(30)) continue;
         std::string wanted = anyNumber(mover, random);
         if (number == 1) wanted = mover.start;
         if (number == last) wanted = mover.goal;
-        name.versions.back().needs.push_back(mover.letter + wanted);
+        name.versions[number - 1].needs.push_back(mover.letter + wanted);
       }
     }
     for (std::size_t number = 2; number <= last; ++number) {
@@ -289,9 +264,16 @@ QuestionDraft QuestionDraft::either(Random& random, std::size_t nameCount) {
   return random.chance(50) ? loose(random, nameCount) : web(random, nameCount);
 }
 
-QuestionDraft::Name& QuestionDraft::addName() {
+QuestionDraft::Name& QuestionDraft::addName(std::size_t last) {
   names.push_back({static_cast<char>('A' + names.size()), {}, {}, {}});
-  return names.back();
+  Name& name = names.back();
+  for (std::size_t number = 1; number <= last; ++number) {
+    name.versions.push_back({std::to_string(number), {}, {}, {}});
+  }
+  if (last == 0) return name;
+  name.start = "1";
+  name.goal = std::to_string(last);
+  return name;
 }
 
 void QuestionDraft::addHop(const Name& name, const std::string& before, const std::string& after,

@@ -62,7 +62,8 @@ struct QuestionDraft {
 
   static QuestionDraft either(Random& random, std::size_t nameCount);
 
-  Name& addName();
+  /// A name with versions from 1 to the last one, which are its start and its goal; or with none.
+  Name& addName(std::size_t last = 0);
   Name& someName(Random& random) { return random.oneOf(names); }
 
   /// Has some versions require others, mutually or not, held or not.
