@@ -203,17 +203,6 @@ TEST(TraceConcurrency, ARemovedSinkIsShownNothingMore) {
   setEnabledLevels("tarn::evolution::pathfinder", 0);
 }
 
-/// What an error says of itself, as a line and with everything in it.
-template <class Error>
-std::string textOf(const std::function<void()>& ask) {
-  try {
-    ask();
-  } catch (const Error& error) {
-    return error.what();
-  }
-  return "no such error";
-}
-
 /// Every kind of record and text with numbers in it, of two digits at least.
 Lines everyText() {
   TestRepository repository("A10..25 B10:B11 B11:B10 C10 C10>77 D10:D11");
@@ -222,9 +211,9 @@ Lines everyText() {
     repository.path("A10 E10 F10 G10 H10", "A25");
     repository.path("A10 E10 F10 G10 H10", "A25");
   });
-  texts.push_back(textOf<std::logic_error>([&] { repository.baselines("B10"); }));
-  texts.push_back(textOf<std::logic_error>([&] { repository.steps("C10"); }));
-  texts.push_back(textOf<UnknownVersion>([&] { repository.baselines("A2024.10.11"); }));
+  texts.push_back(messageOf<std::logic_error>([&] { repository.baselines("B10"); }));
+  texts.push_back(messageOf<std::logic_error>([&] { repository.steps("C10"); }));
+  texts.push_back(messageOf<UnknownVersion>([&] { repository.baselines("A2024.10.11"); }));
   texts.push_back(dumpLockstepHop({{u"A", Hop(u"A", v(10), v(11), false)}}));
   return texts;
 }
@@ -249,7 +238,7 @@ TEST(Texts, OfErrorsGoOnAfterANulAndComeToAnEnd) {
                                "2"s,
                                false);
   const VersionBaseline baseline = repository.combine(Selection{{name, u"1\0"s}}).at(0);
-  EXPECT_EQ(textOf<std::logic_error>([&] { repository.getStepsFrom(baseline, forward); }),
+  EXPECT_EQ(messageOf<std::logic_error>([&] { repository.getStepsFrom(baseline, forward); }),
             "The repository offers a hop to version \u24002 of metamodel \"n\u2400ame\" but cannot "
             "return that version.");
   try {
@@ -264,7 +253,7 @@ TEST(Texts, OfErrorsGoOnAfterANulAndComeToAnEnd) {
     repository.metamodels.emplace_back(name, v(number), std::vector{needs(number % 200 + 1)});
   }
   const auto cycle = [&] { repository.getLinkedMetamodels(name, v(1)); };
-  const std::string brief = textOf<std::logic_error>(cycle);
+  const std::string brief = messageOf<std::logic_error>(cycle);
   EXPECT_TRUE(
       brief.starts_with("Metamodels depend on one another in a cycle: n\u2400ame@1.0.0 needs "));
   EXPECT_TRUE(brief.ends_with(" needs 190 more, the last of which needs n\u2400ame@1.0.0"))
@@ -273,7 +262,7 @@ TEST(Texts, OfErrorsGoOnAfterANulAndComeToAnEnd) {
     metamodel.name = std::u16string(1000, u'\u20ac');
     for (Dependency& dependency : metamodel.dependencies) dependency.name = metamodel.name;
   }
-  const std::string cut = textOf<std::logic_error>(
+  const std::string cut = messageOf<std::logic_error>(
       [&] { repository.getLinkedMetamodels(repository.metamodels.back()); });
   EXPECT_LT(cut.size(), 2000U);
   EXPECT_NE(cut.find("\u20ac...@"), std::string::npos) << "cut between characters: " << cut;

@@ -155,6 +155,17 @@ std::string describe(const LockstepHop& hops);
 /// absent path.
 std::string describe(const Path& path);
 
+/// What an error of this kind says that is thrown; "no such error" without one.
+template <class Error>
+std::string messageOf(const std::function<void()>& ask) {
+  try {
+    ask();
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "no such error";
+}
+
 /// What a value's stream operator writes.
 template <class Value>
 std::string printed(const Value& value) {
