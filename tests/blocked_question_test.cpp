@@ -215,12 +215,6 @@ std::optional<std::vector<std::uint64_t>> costOf(const VersionBaseline& baseline
   return sums;
 }
 
-std::uint64_t weightOf(const VersionRepository& repository, const std::vector<BaselineHop>& path) {
-  std::uint64_t weight = 0;
-  for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
-  return weight;
-}
-
 TEST(BlockedQuestions, FindTheCheapestEndAndALeastPathThere) {
   RandomRun run(1500);
   run.ask(selectedQuestion, [&](const std::string& text, Random& random) {

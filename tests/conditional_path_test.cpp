@@ -169,12 +169,6 @@ Weight leastWeight(VersionRepository& repository, const Selection& from,
   return std::nullopt;
 }
 
-std::uint64_t weightOf(VersionRepository& repository, const std::vector<BaselineHop>& path) {
-  std::uint64_t weight = 0;
-  for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
-  return weight;
-}
-
 /// The goals with those that want the first come down to it.
 std::vector<PathGoal> settled(VersionRepository& repository, const ConditionalCase& asked) {
   std::vector<PathGoal> goals = asked.goals;

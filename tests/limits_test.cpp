@@ -106,9 +106,7 @@ TEST(Limits, ProgressTellsBoundsThatTheAnswerKeeps) {
       return;
     }
     if (!path) return;
-    std::uint64_t weight = 0;
-    for (const BaselineHop& step : *path) weight += question.repository.getWeight(step.hops);
-    EXPECT_LE(last.leastProven, weight);
+    EXPECT_LE(last.leastProven, weightOf(question.repository, *path));
     run.count("told", last.stage != Stage::Preparing);
   });
   run.expectPercentages({{"told", 15}});
@@ -135,22 +133,18 @@ class ToldPaths {
   std::uint64_t lightest() const { return lightest_; }
 
   void expectBoundsOf(const std::vector<BaselineHop>& answer) const {
-    EXPECT_LE(progress_.leastProven, weightOf(answer));
-    EXPECT_GE(lightest_, weightOf(answer));
-    EXPECT_GE(progress_.leastFound.value_or(lightest_), weightOf(answer));
+    const std::uint64_t weight = weightOf(question_.repository, answer);
+    EXPECT_LE(progress_.leastProven, weight);
+    EXPECT_GE(lightest_, weight);
+    EXPECT_GE(progress_.leastFound.value_or(lightest_), weight);
   }
 
  private:
-  std::uint64_t weightOf(const std::vector<BaselineHop>& path) const {
-    std::uint64_t weight = 0;
-    for (const BaselineHop& step : path) weight += question_.repository.getWeight(step.hops);
-    return weight;
-  }
-
   void note(const std::vector<BaselineHop>& path) {
     ++count_;
-    EXPECT_LT(weightOf(path), lightest_);
-    lightest_ = weightOf(path);
+    const std::uint64_t weight = weightOf(question_.repository, path);
+    EXPECT_LT(weight, lightest_);
+    lightest_ = weight;
     if (--left_ == 0) stop_.request_stop();
     if (path.empty()) return;
     expectLegal(question_.repository, path);

@@ -53,4 +53,10 @@ void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& 
   }
 }
 
+std::uint64_t weightOf(const VersionRepository& repository, const std::vector<BaselineHop>& path) {
+  std::uint64_t weight = 0;
+  for (const BaselineHop& step : path) weight += repository.getWeight(step.hops);
+  return weight;
+}
+
 }  // namespace test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "support/test_repository.hpp"
@@ -9,5 +10,8 @@ namespace test {
 /// Checks that each step starts where the one before ended, takes hops that are offered, moves what
 /// they move and nothing else, and ends with every dependency met.
 void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& path);
+
+/// What all its steps weigh together.
+std::uint64_t weightOf(const VersionRepository& repository, const std::vector<BaselineHop>& path);
 
 }  // namespace test
