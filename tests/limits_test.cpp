@@ -56,18 +56,27 @@ TEST(Limits, EachEndsTheSearchAndLeavesTheRepositoryUsable) {
   }
 }
 
-TEST(Limits, AStopAtAnyCallbackArrivesAndChangesNoAnswer) {
+TEST(Limits, ProgressTellsBoundsThatTheAnswerKeepsAndAStopAtAnyCallbackChangesNoAnswer) {
   RandomRun run(300);
   run.ask(randomQuestion, [&](const std::string& text, Random& random) {
     TestQuestion question(text);
     if (!question.isPosed()) return;
+    Path path;
     const auto ask = [&](TestQuestion& asked, const SearchLimits& limits) {
       return test::outcomeOf([&]() -> Path {
-        return asked.repository.findPath(asked.sources, asked.targets, asked.direction, limits);
+        path = asked.repository.findPath(asked.sources, asked.targets, asked.direction, limits);
+        return path;
       });
     };
-    question.repository.calls.clear();
-    const std::string expected = ask(question, {});
+    SearchProgress last;
+    const std::string expected = ask(question, {.progress = [&](const SearchProgress& progress) {
+                                       EXPECT_GE(progress.leastProven, last.leastProven);
+                                       last = progress;
+                                     }});
+    if (path) {
+      EXPECT_LE(last.leastProven, weightOf(question.repository, *path));
+    }
+    run.count("told", path && last.stage != Stage::Preparing);
     const std::size_t calls = question.repository.calls.size();
     if (calls == 0) return;
     TestQuestion stopped(text);
@@ -85,31 +94,7 @@ TEST(Limits, AStopAtAnyCallbackArrivesAndChangesNoAnswer) {
     }
     EXPECT_EQ(ask(stopped, {}), expected);
   });
-  run.expectPercentages({{"stopped", 10}});
-}
-
-TEST(Limits, ProgressTellsBoundsThatTheAnswerKeeps) {
-  RandomRun run(300);
-  run.ask(randomQuestion, [&](const std::string& text, Random&) {
-    TestQuestion question(text);
-    if (!question.isPosed()) return;
-    SearchProgress last;
-    const SearchLimits limits{.progress = [&](const SearchProgress& progress) {
-      EXPECT_GE(progress.leastProven, last.leastProven);
-      last = progress;
-    }};
-    Path path;
-    try {
-      path = question.repository.findPath(question.sources, question.targets, question.direction,
-                                          limits);
-    } catch (const std::exception&) {
-      return;
-    }
-    if (!path) return;
-    EXPECT_LE(last.leastProven, weightOf(question.repository, *path));
-    run.count("told", last.stage != Stage::Preparing);
-  });
-  run.expectPercentages({{"told", 15}});
+  run.expectPercentages({{"told", 15}, {"stopped", 10}});
 }
 
 /// Watches the paths that a search tells of on its way, and stops it at one of them.
