@@ -366,8 +366,7 @@ TEST_P(HardQuestions, AreAnsweredAlikeHoweverTheyAreAsked) {
     const std::size_t end = answer.find('\n');  // none when the child did not come so far
     if (end + 1 != answer.size()) ADD_FAILURE() << answer.substr(end + 1);
     if (end == std::string::npos) return;
-    std::istringstream kinds(answer.substr(0, end));
-    for (std::string kind; std::getline(kinds, kind, ',');) run.count(kind);
+    for (const std::string& kind : parted(answer.substr(0, end), ',')) run.count(kind);
   });
   std::map<std::string, double> least = GetParam().least;
   least.insert({{"posed", 9}, {"path", 5}});

@@ -1,7 +1,6 @@
 // Catalogues order the versions of a metamodel by Semantic Versioning 2.0.0.
 #include <algorithm>
 #include <array>
-#include <sstream>
 
 #include "catalogue/explanation/loose_ends.hpp"
 #include "catalogue/open_catalogue.hpp"
@@ -9,6 +8,7 @@
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
 #include "support/catalogue_json.hpp"
+#include "support/items.hpp"
 #include "support/random_run.hpp"
 #include "support/store_folder.hpp"
 
@@ -19,13 +19,6 @@ using namespace tarn::evolution::catalogue;
 
 using VersionOrder = StoreFolder;
 using Texts = std::vector<std::string>;
-
-Texts parted(const std::string& text, char separator) {
-  Texts parts;
-  std::istringstream in(text);
-  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
-  return parts;
-}
 
 bool isNumber(const std::string& text) {
   return text.find_first_not_of("0123456789") == std::string::npos;
@@ -94,11 +87,8 @@ std::string anyVersions(Random& random) {
 /// Versions of A with all hops between them, and of B, each of which needs a range of A.
 struct OrderQuestion {
   explicit OrderQuestion(const std::string& text) {
-    for (const std::string& version : parted(text, ' ')) {
-      if (version.empty() ||
-          std::find(versions.begin(), versions.end(), version) != versions.end()) {
-        continue;
-      }
+    for (const std::string& version : itemsIn(text)) {
+      if (std::find(versions.begin(), versions.end(), version) != versions.end()) continue;
       versions.push_back(version);
       content.metamodels.push_back({Metamodel(u"A", parseVersion(version), {}), {}});
     }

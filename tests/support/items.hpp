@@ -14,6 +14,14 @@ inline std::vector<std::string> itemsIn(const std::string& text) {
   return items;
 }
 
+/// What a separator parts in a text; nothing after the last one.
+inline std::vector<std::string> parted(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream in(text);
+  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
+  return parts;
+}
+
 /// The items with a blank between them.
 inline std::string joined(const std::vector<std::string>& items) {
   std::string text;

@@ -18,6 +18,7 @@
 #include "catalogue/store/store_successor.hpp"
 #include "catalogue/store/store_transfer.hpp"
 #include "catalogue/text/printed_text.hpp"
+#include "support/items.hpp"
 #include "support/plain_database.hpp"
 #include "support/store_folder.hpp"
 
@@ -41,12 +42,12 @@ std::string contentOfDatabase(const FilePath& file) {
   if (integrity != "ok\n") return integrity;
   std::string content = database.run(
       "PRAGMA application_id; PRAGMA user_version; SELECT sql FROM sqlite_schema ORDER BY name");
-  std::istringstream tables(
-      database.run("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name"));
-  for (std::string table; std::getline(tables, table);) {
+  const std::string tables =
+      database.run("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name");
+  for (const std::string& table : parted(tables, '\n')) {
     std::string columns;
-    std::istringstream names(database.run("SELECT name FROM pragma_table_info('" + table + "')"));
-    for (std::string name; std::getline(names, name);) {
+    const std::string names = database.run("SELECT name FROM pragma_table_info('" + table + "')");
+    for (const std::string& name : parted(names, '\n')) {
       columns += (columns.empty() ? "" : ", ") + ("quote(" + name + ")");
     }
     content +=

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/text.hpp"
+#include "support/items.hpp"
 
 namespace test {
 
@@ -25,13 +26,6 @@ Dependency dependency(const std::string& item) {
   if (lower.empty()) return {nameIn(item), VersionRange::singleVersion(version(item.substr(1)))};
   const std::string upper = after(item, ",", ")");
   return {nameIn(item), SemVerRange{version(lower).getSemVer(), version(upper).getSemVer()}};
-}
-
-std::vector<std::string> split(const std::string& text, char separator) {
-  std::vector<std::string> result;
-  std::istringstream items(text);
-  for (std::string item; std::getline(items, item, separator);) result.push_back(item);
-  return result;
 }
 
 std::string brief(const VersionId& version) {
@@ -57,14 +51,14 @@ VersionId version(const std::string& text) {
 
 Selection selection(const std::string& text) {
   Selection result;
-  std::istringstream items(text);
-  for (std::string item; items >> item;) result.emplace(nameIn(item), version(item.substr(1)));
+  for (const std::string& item : itemsIn(text)) {
+    result.emplace(nameIn(item), version(item.substr(1)));
+  }
   return result;
 }
 
 void TestRepository::add(const std::string& content) {
-  std::istringstream items(content);
-  for (std::string item; items >> item;) {
+  for (const std::string& item : itemsIn(content)) {
     const std::u16string name = nameIn(item);
     const std::size_t end = std::min(item.find_first_of("~:=>?"), item.find("->"));
     const VersionId id = version(item.substr(1, end - 1));
@@ -105,7 +99,7 @@ void TestRepository::addMetamodel(const std::u16string& name, const VersionId& i
   const std::string equivalent = after(item, "~", ":=");
   if (!equivalent.empty()) equivalents[{name, id.getText()}] = version(equivalent).getSemVer();
   Metamodel& added = metamodels.emplace_back(name, id, std::vector<Dependency>());
-  for (const auto& needed : split(after(item, ":", "="), '+')) {
+  for (const auto& needed : parted(after(item, ":", "="), '+')) {
     if (needed[0] != '&' && needed[0] != '%') {
       added.dependencies.push_back(dependency(needed));
       continue;
@@ -114,14 +108,14 @@ void TestRepository::addMetamodel(const std::u16string& name, const VersionId& i
     requirements[brief(name, id)].push_back({required, range, needed[0] == '%'});
     useRequirements(*this);
   }
-  for (const auto& linked : split(after(item, "="), '=')) {
+  for (const auto& linked : parted(after(item, "="), '=')) {
     hostLinks[brief(name, id)].emplace_back(nameIn(linked), version(linked.substr(1)));
   }
 }
 
 std::vector<VersionBaseline> TestRepository::baselines(const std::string& selections) {
   std::vector<VersionBaseline> result;
-  for (const std::string& selected : split(selections, ',')) {
+  for (const std::string& selected : parted(selections, ',')) {
     for (const auto& baseline : combine(selection(selected))) result.push_back(baseline);
   }
   return result;

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "platform/in_memory/logging.hpp"
+#include "support/items.hpp"
 
 namespace test {
 
@@ -23,9 +24,7 @@ std::vector<std::string> traceOf(unsigned levels, const std::function<void()>& a
   EXPECT_NO_THROW(action());
   foundation::log::in_memory::setEnabledLevels(channel, 0);
   boost::log::core::get()->remove_sink(sink);
-  std::vector<std::string> records;
-  for (std::string line; std::getline(text, line);) records.push_back(line);
-  return records;
+  return parted(text.str(), '\n');
 }
 
 }  // namespace test
