@@ -33,14 +33,6 @@ TEST(Linking, OneVariantForEachAdmissibleVersionInOrderKeptOnceLoaded) {
   EXPECT_EQ(repository.getLinkedMetamodels(a), kept);
 }
 
-TEST(Linking, OptionsOfTheFirstNameVisitedChangeFastest) {
-  TestRepository repository("A1:X[1,3)+Y[1,3) X1..2 Y1..2");
-  const std::unordered_map<std::u16string, int> visited{{u"X", 0}, {u"Y", 0}};
-  EXPECT_EQ(describe(repository.baselines("A1")), visited.begin()->first == u"X"
-                                                      ? "A1 X1 Y1, A1 X2 Y1, A1 X1 Y2, A1 X2 Y2"
-                                                      : "A1 X1 Y1, A1 X1 Y2, A1 X2 Y1, A1 X2 Y2");
-}
-
 TEST(Linking, ConflictsAreReportedAndWhatWasLinkedStays) {
   TestRepository repository("D1 D2 B1:D1 C1:D2 A1:B1+C1 A2:B[5,9) E1 E2:A2 F1:E[1,3)");
   EXPECT_THROW(repository.baselines("A1"), Conflict);
