@@ -17,8 +17,7 @@ constexpr const char* questionOnA = R"({"from": {"A": "1.0.0"}, "to": {"A": "2.0
 constexpr const char* questionOnB = R"({"from": {"B": "1.0.0"}, "to": {"B": "2.0.0"}})";
 
 Catalogue twoMoves() {
-  TestRepository described("A1..2 B1..2");
-  return Catalogue(contentOf(described));
+  return Catalogue(contentOf(TestRepository("A1..2 B1..2")));
 }
 
 TEST(Batch, OfNoThreadsIsAnsweredByTheCaller) {

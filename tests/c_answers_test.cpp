@@ -91,10 +91,9 @@ void expectSame(const Outcome& found, const Outcome& expected) {
 
 struct RandomCase {
   explicit RandomCase(const QuestionText& text)
-      : from(selection(text.from)), to(selection(text.to)) {
-    TestRepository repository(text.catalogue);
-    content = contentOf(repository);
-  }
+      : content(contentOf(TestRepository(text.catalogue))),
+        from(selection(text.from)),
+        to(selection(text.to)) {}
 
   CatalogueContent content;
   Selection from;

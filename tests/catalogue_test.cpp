@@ -90,8 +90,8 @@ TEST(JsonCatalogue, ReadsEveryKindOfVersionAndRange) {
         {'name': 'A', 'range': '1.2'}, {'name': 'A', 'range': ['1.0', '1.0']}]}],
     'hops': [{'name': 'A', 'from': '1.2.0', 'to': '2024a', 'expensive': true}],
     'question': {'from': {'A': '1.2'}, 'to': {'A': '2024a'}}})");
-  TestRepository same("A1.2 A2024a~2 A1.2.3-rc1 B1:A[1,3)+A2024a+A1.2+A[1,1) A1.2>2024a!");
-  const CatalogueContent expected = contentOf(same);
+  const CatalogueContent expected = contentOf(
+      TestRepository("A1.2 A2024a~2 A1.2.3-rc1 B1:A[1,3)+A2024a+A1.2+A[1,1) A1.2>2024a!"));
   ASSERT_EQ(catalogue.metamodels().size(), expected.metamodels.size());
   for (std::size_t i = 0; i < expected.metamodels.size(); ++i) {
     EXPECT_EQ(catalogue.metamodels()[i].descriptor, expected.metamodels[i].descriptor);

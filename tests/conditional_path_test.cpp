@@ -79,8 +79,7 @@ struct ConditionalCase {
 
   /// The catalogue with the needs.
   CatalogueContent content() const {
-    TestRepository described(catalogue);
-    CatalogueContent result = contentOf(described);
+    CatalogueContent result = contentOf(TestRepository(catalogue));
     for (const std::string& need : needs) {
       const auto [name, own] = entry(need.substr(0, 2));
       const auto digit = [&](std::size_t place) { return std::stoull(need.substr(place, 1)); };
@@ -362,8 +361,8 @@ TEST(ConditionalPath, IsTheSameBesideTooManyLinkedMetamodels) {
 }
 
 TEST(ConditionalPath, EndsAtLimitsWhereBaselinesHaveToBeListed) {
-  TestRepository described("B1 B2 B3 B1>2 B2>3");
-  CatalogueRepository repository{Catalogue(besideProduct(contentOf(described), u'W'))};
+  CatalogueRepository repository{
+      Catalogue(besideProduct(contentOf(TestRepository("B1 B2 B3 B1>2 B2>3")), u'W'))};
   const Selection from{{u"B", SemVer{1, 0, 0}}, {u"X", SemVer{1, 0, 0}}};
   const std::vector<PathGoal> goals{{u"B", {SemVer{3, 0, 0}}, false}};
   PathConditions conditions;
@@ -379,8 +378,8 @@ TEST(ConditionalPath, EndsAtLimitsWhereBaselinesHaveToBeListed) {
 
 /// D 4 needs C 1, which needs an older D: that stands back, wherever D comes after C.
 TEST(ConditionalPath, LeadsOverBaselinesInWhichAVersionStandsBack) {
-  TestRepository described("B3 C1:D[1,4) D1 D2 D4:C1 D4>2 D1>2! D1>4");
-  CatalogueRepository repository{Catalogue(contentOf(described))};
+  CatalogueRepository repository{
+      Catalogue(contentOf(TestRepository("B3 C1:D[1,4) D1 D2 D4:C1 D4>2 D1>2! D1>4")))};
   const Selection from{{u"B", SemVer{3, 0, 0}}, {u"D", SemVer{1, 0, 0}}};
   const Selection to{{u"D", SemVer{2, 0, 0}}};
   const auto expected = repository.findPath(repository.combine(from), repository.combine(to),
@@ -394,8 +393,7 @@ TEST(ConditionalPath, LeadsOverBaselinesInWhichAVersionStandsBack) {
 }
 
 TEST(ConditionalPath, AlternativesFoundAreToldBeforeALimit) {
-  TestRepository described("A1 A2 A3 A1>2 A2>3 A1>3!");
-  CatalogueRepository repository{Catalogue(contentOf(described))};
+  CatalogueRepository repository{Catalogue(contentOf(TestRepository("A1 A2 A3 A1>2 A2>3 A1>3!")))};
   std::stop_source stop;
   std::size_t told = 0;
   const SearchLimits limits{.stop = stop.get_token(), .betterPath = [&](const auto& path) {
@@ -414,8 +412,7 @@ TEST(ConditionalPath, AlternativesFoundAreToldBeforeALimit) {
 }
 
 TEST(ConditionalPath, SaysWhatCannotBeAsked) {
-  TestRepository described("A1..2 B1 B2 B1>2");
-  CatalogueRepository repository{Catalogue(contentOf(described))};
+  CatalogueRepository repository{Catalogue(contentOf(TestRepository("A1..2 B1 B2 B1>2")))};
   const Selection from{{u"A", SemVer{1, 0, 0}}};
   PathConditions conditions;
   conditions.via.emplace_back(u"B", SemVer{2, 0, 0});

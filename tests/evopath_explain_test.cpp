@@ -112,9 +112,8 @@ TEST_F(EvopathExplain, SaysWhyNotAndWhatIsNearest) {
   };
   int made = 0;
   for (const auto& [content, from, to, status, expected] : cases) {
-    TestRepository repository(content);
     const std::string name = "c" + std::to_string(made++);
-    make(name, contentOf(repository));
+    make(name, contentOf(TestRepository(content)));
     std::string question = " --from '" + argument(from);
     question += "' --to '" + argument(to) + "'";
     const std::string explain = "explain " + name + ".json";
@@ -163,8 +162,8 @@ TEST_F(EvopathExplain, NamesNothingThatWouldDisturbATerminal) {
 
 TEST_F(EvopathExplain, SaysWhenTheBudgetEnded) {
   // Over the hops of C in a circle nothing is asked at once.
-  TestRepository repository("A1..3 B1..2 Crc Cdev Crc>dev Cdev>rc S1..2 P1:A1+B1+Crc");
-  make("c", contentOf(repository), false);
+  make("c", contentOf(TestRepository("A1..3 B1..2 Crc Cdev Crc>dev Cdev>rc S1..2 P1:A1+B1+Crc")),
+       false);
   const std::string question = "explain c.json --from A=1.0,B=1.0,C=rc,P=1.0 --to A=3.0,B=2.0";
   const std::string whole = run(question).second;
   EXPECT_NE(whole.find("No path: B and P block"), std::string::npos) << whole;
@@ -178,8 +177,7 @@ TEST_F(EvopathExplain, SaysWhenTheBudgetEnded) {
 }
 
 TEST_F(EvopathExplain, AnswersProgramsInJson) {
-  TestRepository repository("S1..2 D1:S1 D2:S[2,3) D1>2 P1:S1");
-  make("c", contentOf(repository), false);
+  make("c", contentOf(TestRepository("S1..2 D1:S1 D2:S[2,3) D1>2 P1:S1")), false);
   auto [status, output] = run("path c.json --json --from D=1.0,P=1.0 --to D=2.0");
   std::erase_if(output, [](char character) { return character == ' ' || character == '\n'; });
   EXPECT_EQ(status, 1);
@@ -202,8 +200,7 @@ TEST_F(EvopathExplain, AnswersProgramsInJson) {
 }
 
 TEST_F(EvopathExplain, TakesSelectionsFromFiles) {
-  TestRepository repository("A1..2 B1..2");
-  CatalogueContent content = contentOf(repository);
+  CatalogueContent content = contentOf(TestRepository("A1..2 B1..2"));
   make("plain", content);
   content.question = Question{selection("A1 B1"), selection("A2")};
   make("asks", content);

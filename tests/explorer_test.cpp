@@ -216,8 +216,8 @@ std::multiset<std::string> notesOf(BrowsableRepository& repository) {
 }
 
 std::unique_ptr<CatalogueRepository> randomCatalogue(const std::string& text, Random& random) {
-  TestRepository content(QuestionText(text).catalogue);
-  return std::make_unique<CatalogueRepository>(Catalogue(hostile(contentOf(content), random)));
+  return std::make_unique<CatalogueRepository>(
+      Catalogue(hostile(contentOf(TestRepository(QuestionText(text).catalogue)), random)));
 }
 
 std::string anyQuestion(Random& random) {
@@ -326,8 +326,7 @@ TEST(Explorer, AnswersHowFarEachMetamodelCanBeBrought) {
 }
 
 TEST(Explorer, BeginsWithTheCataloguesQuestionAndLeavesOutWhatIsTooMuch) {
-  TestRepository described("A1..3 B1..2:A[1,9)");
-  CatalogueContent content = contentOf(described);
+  CatalogueContent content = contentOf(TestRepository("A1..3 B1..2:A[1,9)"));
   content.question = Question{selection("A1 B1"), selection("A3 B2")};
   CatalogueRepository repository{Catalogue(content)};
   const ExplorerAnswers all = answerCustomaryQuestions(repository, {2});
@@ -345,8 +344,7 @@ TEST(Explorer, BeginsWithTheCataloguesQuestionAndLeavesOutWhatIsTooMuch) {
 }
 
 TEST(Explorer, LeavesOutHopsThatAreNeverOffered) {
-  TestRepository described("A1..3");
-  CatalogueContent content = contentOf(described);
+  CatalogueContent content = contentOf(TestRepository("A1..3"));
   content.metamodels[1].descriptor.version = VersionId(u"two");
   content.metamodels[1].equivalent = SemVer{2, 0, 0};
   CatalogueRepository repository{Catalogue(content)};
@@ -356,8 +354,7 @@ TEST(Explorer, LeavesOutHopsThatAreNeverOffered) {
 }
 
 TEST(Explorer, TellsVersionsApartThatAreWrittenAlike) {
-  TestRepository described("A1 Atext A2..3");
-  CatalogueContent content = contentOf(described);
+  CatalogueContent content = contentOf(TestRepository("A1 Atext A2..3"));
   content.metamodels[1].descriptor.version = VersionId(u"1.0.0");
   content.hops = {{u"A", VersionId(u"1.0.0"), v(3), false}, {u"A", v(1), v(2), false}};
   CatalogueRepository repository{Catalogue(content)};

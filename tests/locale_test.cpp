@@ -57,8 +57,8 @@ std::string writeAll(CatalogueContent content) {
 }
 
 TEST_F(StoreFolder, AGroupingLocaleOfTheHostChangesNothing) {
-  TestRepository versions("A10..30 B10:A[10,31) B1000 B10>1000! C\x1b~2024");
-  CatalogueContent content = contentOf(versions);
+  CatalogueContent content =
+      contentOf(TestRepository("A10..30 B10:A[10,31) B1000 B10>1000! C\x1b~2024"));
   content.question = Question{selection("A10 B10"), selection("A30 B1000")};
   const std::string expected = writeAll(content);
   make("before", content);

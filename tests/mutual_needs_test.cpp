@@ -133,8 +133,7 @@ TEST_F(MutualNeeds, AreRequirementsInMemoryAndInStores) {
 }
 
 TEST_F(MutualNeeds, StoresOfOlderFormsHaveOptionalOnesOnceChanged) {
-  TestRepository held("A1..2 B1:A1");
-  make("old", contentOf(held));
+  make("old", contentOf(TestRepository("A1..2 B1:A1")));
   const std::string whole = read("old.json");
   ASSERT_EQ(
       PlainDatabase(path("old.store"))
@@ -156,8 +155,7 @@ TEST_F(MutualNeeds, StoresOfOlderFormsHaveOptionalOnesOnceChanged) {
 }
 
 TEST_F(MutualNeeds, KeepNothingFromBeingRemovedWhereTheyAreOptional) {
-  TestRepository held("A1..2 C1 B1:%A1+C1 B2:%A2 D1:%C1");
-  make("held", contentOf(held));
+  make("held", contentOf(TestRepository("A1..2 C1 B1:%A1+C1 B2:%A2 D1:%C1")));
   const auto obstaclesTo = [&](const char16_t* name) {
     std::string found;
     for (const RemovalObstacle& each : removeFromStore(path("held.store"), {{name, {}}}).obstacles)
@@ -167,8 +165,7 @@ TEST_F(MutualNeeds, KeepNothingFromBeingRemovedWhereTheyAreOptional) {
   EXPECT_EQ(obstaclesTo(u"C"), "B@1.0.0 depends on C 1.0.0\n");
   EXPECT_EQ(obstaclesTo(u"A"), "");
   EXPECT_EQ(PlainDatabase(path("held.store")).run("PRAGMA foreign_key_check"), "");
-  TestRepository left("C1 B1:%A1+C1 B2:%A2 D1:%C1");
-  make("left", contentOf(left), false);
+  make("left", contentOf(TestRepository("C1 B1:%A1+C1 B2:%A2 D1:%C1")), false);
   exportCatalogue(path("held.store"), path("out.json"));
   EXPECT_EQ(read("out.json"), read("left.json"));
 }

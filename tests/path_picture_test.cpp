@@ -188,8 +188,7 @@ TEST(PathPicture, WeightsFitTheirColumns) {
 }
 
 TEST(PathPicture, NullEntriesOfBaselinesMoveNowhere) {
-  TestRepository content("A1 A2:B1 A1>2 B1..2");
-  CatalogueRepository repository{Catalogue(contentOf(content))};
+  CatalogueRepository repository{Catalogue(contentOf(TestRepository("A1 A2:B1 A1>2 B1..2")))};
   BaselineHop step{repository.combine(selection("A1")).at(0),
                    repository.combine(selection("A2")).at(0),
                    LockstepHop{{u"A", Hop(u"A", v(1), v(2), false)}}};

@@ -21,8 +21,7 @@ namespace {
 using namespace tarn::evolution::catalogue;
 
 std::unique_ptr<CatalogueRepository> catalogueOf(const std::string& text) {
-  TestRepository content(text);
-  return std::make_unique<CatalogueRepository>(Catalogue(contentOf(content)));
+  return std::make_unique<CatalogueRepository>(Catalogue(contentOf(TestRepository(text))));
 }
 
 /// "A>2 B>2, C>2" for the steps of all groups and baselines.

@@ -75,10 +75,8 @@ class StoreCommand : public StoreFolder {
 };
 
 TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
-  TestRepository small("A1 A2 B1:A1 B2:A2 A1>2 B1>2");
-  make("small", contentOf(small), false);
-  TestRepository more("A3 A2>3");
-  make("more", contentOf(more), false);
+  make("small", contentOf(TestRepository("A1 A2 B1:A1 B2:A2 A1>2 B1>2")), false);
+  make("more", contentOf(TestRepository("A3 A2>3")), false);
   make("asking", {{}, {}, Question{selection("A1"), selection("A2")}}, false);
   write("broken.json", "{\"metamodels\": [{\"name\": \"A\", \"version\": \"1.0\",\n,]}");
   write("note.txt", "not a store\n");
@@ -206,10 +204,8 @@ TEST_F(StoreCommand, ChangesRowsWholeOrNotAtAll) {
 }
 
 TEST_F(StoreCommand, TriesWhatItDoesAndWritesNothing) {
-  TestRepository small("A1 A2 B1:A1 A1>2");
-  make("x", contentOf(small));
-  TestRepository more("A3 A2>3");
-  make("more", contentOf(more), false);
+  make("x", contentOf(TestRepository("A1 A2 B1:A1 A1>2")));
+  make("more", contentOf(TestRepository("A3 A2>3")), false);
   write("t.csv", "name,version\nT,1.0.0\n");
   write("note.txt", "not a store\n");
   const std::string bytes = read("x.store");
@@ -251,8 +247,7 @@ TEST_F(StoreCommand, TriesWhatItDoesAndWritesNothing) {
 }
 
 TEST_F(StoreCommand, ReadsWhereNothingCanBeWritten) {
-  TestRepository small("A1 A2 A1>2");
-  make("small", contentOf(small));
+  make("small", contentOf(TestRepository("A1 A2 A1>2")));
   std::filesystem::create_directory(path("sealed"));
   std::filesystem::copy_file(path("small.store"), path("sealed/small.store"));
   chmod(path("sealed/small.store").c_str(), 0444);
@@ -263,11 +258,9 @@ TEST_F(StoreCommand, ReadsWhereNothingCanBeWritten) {
 }
 
 TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
-  TestRepository small("A1 A2 A1>2");
-  make("old", contentOf(small));
+  make("old", contentOf(TestRepository("A1 A2 A1>2")));
   const std::string versions = "..700";
-  TestRepository large("B1" + versions + " C1" + versions + " D1" + versions);
-  make("new", contentOf(large));
+  make("new", contentOf(TestRepository("B1" + versions + " C1" + versions + " D1" + versions)));
   std::filesystem::copy_file(path("old.store"), path("grown.store"));
   addToStore(path("grown.store"), path("new.json"));
   const std::string before = exported("old.store");
@@ -300,10 +293,8 @@ TEST_F(StoreCommand, LeavesTheOldStoreOrTheNewOneWhenKilled) {
 
 TEST_F(StoreCommand, LeavesNothingBesideWhenInterrupted) {
   const std::string versions = "..700";
-  TestRepository large("B1" + versions + " C1" + versions + " D1" + versions);
-  make("large", contentOf(large));
-  TestRepository small("A1 A2 A1>2");
-  make("small", contentOf(small));
+  make("large", contentOf(TestRepository("B1" + versions + " C1" + versions + " D1" + versions)));
+  make("small", contentOf(TestRepository("A1 A2 A1>2")));
   const std::string store = read("small.store");
   const std::string full = read("large.store");
   const RandomRun rounds(12);

@@ -37,8 +37,7 @@ void readAll(const std::filesystem::path& file) {
 }
 
 TEST_F(DamagedStore, IsToldFromOneThatIsOfAnotherKind) {
-  TestRepository held("A1 B1:A1");
-  make("good", contentOf(held));
+  make("good", contentOf(TestRepository("A1 B1:A1")));
   const auto changed = [&](const std::string& name, const char* statements) {
     std::filesystem::copy_file(path("good.store"), path(name));
     EXPECT_EQ(PlainDatabase(path(name)).run(statements), "");
@@ -86,8 +85,7 @@ TEST_F(DamagedStore, AnswersOrSaysThatItIsDamaged) {
   std::string content = "Ax~7 A1..6 B9:Ax B1:A[1,9)";
   for (int n = 2; n < 7; ++n) content += " B" + std::to_string(n) + ":A" + std::to_string(n);
   for (int n = 1; n < 6; ++n) content += " B" + std::to_string(n) + ">" + std::to_string(n + 1);
-  TestRepository held(content);
-  CatalogueContent catalogue = contentOf(held);
+  CatalogueContent catalogue = contentOf(TestRepository(content));
   catalogue.question = Question{selection("A1 B1"), selection("A6 B6")};
   make("good", catalogue);
   const std::string good = read("good.store");
@@ -118,8 +116,7 @@ TEST_F(DamagedStore, AnswersOrSaysThatItIsDamaged) {
 }
 
 TEST_F(DamagedStore, IsReplacedByAnImport) {
-  TestRepository held("A1 A2 A1>2");
-  make("held", contentOf(held));
+  make("held", contentOf(TestRepository("A1 A2 A1>2")));
   const std::string good = read("held.store");
   write("held.store", good.substr(0, 4096));
   importCatalogue(path("held.json"), path("held.store"));

@@ -21,10 +21,7 @@ using namespace tarn::evolution::catalogue;
 
 class StoreProcesses : public StoreFolder {
  protected:
-  StoreProcesses() {
-    TestRepository small("A1..3 B1:A[1,3)");
-    make("x", contentOf(small));
-  }
+  StoreProcesses() { make("x", contentOf(TestRepository("A1..3 B1:A[1,3)"))); }
 
   std::string at(const std::string& name) const { return " " + path(name).string(); }
 

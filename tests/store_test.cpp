@@ -200,8 +200,7 @@ std::string randomContent(Random& random) {
 TEST_F(Store, RefusesWhatLoadingRefusesInTheSameWords) {
   RandomRun run(150);
   run.ask(randomContent, [&](const std::string& content, Random&) {
-    TestRepository repository(content);
-    make("random", contentOf(repository), false);
+    make("random", contentOf(TestRepository(content)), false);
     const auto file = path("random.json");
     const std::string expected = catalogueErrorOf(file, [&] { readJsonCatalogue(file); });
     EXPECT_EQ(catalogueErrorOf(file, [&] { importCatalogue(file, path("random.store")); }),
@@ -217,8 +216,7 @@ TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
     return QuestionDraft::loose(random, random.upTo(4)).text(random);
   };
   run.ask(inOrder, [&](const std::string& text, Random& random) {
-    TestRepository repository(QuestionText(text).catalogue);
-    CatalogueContent whole = contentOf(repository);
+    CatalogueContent whole = contentOf(TestRepository(QuestionText(text).catalogue));
     for (auto hop = whole.hops.begin(); hop != whole.hops.end();) {  // a second one is refused
       const bool isSecond = std::find(whole.hops.begin(), hop, *hop) != hop;
       hop = isSecond ? whole.hops.erase(hop) : hop + 1;
@@ -239,8 +237,7 @@ TEST_F(Store, GrowsToWhatItWouldHaveBeenImportedAs) {
 }
 
 TEST_F(Store, AddsAllOrNothing) {
-  TestRepository held("A1 Ax~2 B1:A1 A1>x");
-  make("held", contentOf(held));
+  make("held", contentOf(TestRepository("A1 Ax~2 B1:A1 A1>x")));
   const std::string before = read("held.json");
   const std::pair<std::string, std::string> cases[] = {
       {"B2:A1 A1", "/metamodels/1: A@1.0.0 stands already in the store"},
@@ -260,8 +257,7 @@ TEST_F(Store, AddsAllOrNothing) {
   };
   for (const auto& [content, expected] : cases) {
     importCatalogue(path("held.json"), path("held.store"));
-    TestRepository addition(content);
-    make("addition", contentOf(addition), false);
+    make("addition", contentOf(TestRepository(content)), false);
     EXPECT_EQ(catalogueErrorOf(path("addition.json"),
                                [&] { addToStore(path("held.store"), path("addition.json")); }),
               expected);
@@ -282,8 +278,7 @@ TEST_F(Store, RemovesOnlyWhatNothingElseNeeds) {
       {"A B C D E", "", ""},
   };
   for (const auto& [removed, obstacles, left] : cases) {
-    TestRepository before(held);
-    make("held", contentOf(before));
+    make("held", contentOf(TestRepository(held)));
     std::vector<RemovalChoice> choices;
     std::istringstream items(removed);
     for (std::string item; items >> item;) {
@@ -295,8 +290,7 @@ TEST_F(Store, RemovesOnlyWhatNothingElseNeeds) {
       found += (found.empty() ? "" : " ") + printed(obstacle.dependent);
     }
     EXPECT_EQ(found, obstacles) << removed;
-    TestRepository after(obstacles.empty() ? left : held);
-    make("expected", contentOf(after), false);
+    make("expected", contentOf(TestRepository(obstacles.empty() ? left : held)), false);
     exportCatalogue(path("held.store"), path("after.json"));
     EXPECT_EQ(read("after.json"), read("expected.json")) << removed;
   }
@@ -363,8 +357,7 @@ TEST_F(Store, RemovesWhateverNothingElseNeeds) {
     return draft.text(random);
   };
   run.ask(make, [&](const std::string& text, Random& random) {
-    TestRepository repository(QuestionText(text).catalogue);
-    Removal removal{contentOf(repository)};
+    Removal removal{contentOf(TestRepository(QuestionText(text).catalogue))};
     if (removal.before.metamodels.empty()) return;  // when it is made simpler
     for (std::size_t left = random.upTo(4); left > 0; --left) {
       const Metamodel& chosen = random.oneOf(removal.before.metamodels).descriptor;
@@ -392,8 +385,7 @@ TEST_F(Store, RemovesWhateverNothingElseNeeds) {
 }
 
 TEST_F(Store, StaysAsItWasOpenedWhileOthersChangeIt) {
-  TestRepository held("A1 A2 B1:A1");
-  make("held", contentOf(held));
+  make("held", contentOf(TestRepository("A1 A2 B1:A1")));
   SqliteCatalogueRepository before(path("held.store"));
   removeFromStore(path("held.store"), {{u"A", version("2")}});
   EXPECT_EQ(SqliteCatalogueRepository(path("held.store")).listMetamodels(u"A").size(), 1);

@@ -36,8 +36,8 @@ std::string questionableCase(Random& random) {
 
 ExplainedCase::ExplainedCase(const QuestionText& text)
     : question{selection(text.from), selection(text.to)} {
-  TestRepository content(text.catalogue);
-  repository = std::make_unique<CatalogueRepository>(Catalogue(contentOf(content)));
+  repository =
+      std::make_unique<CatalogueRepository>(Catalogue(contentOf(TestRepository(text.catalogue))));
   for (const auto& [name, version] : question.to) {
     goals.emplace(name, repository->getMetamodel(name, version)->version);
   }

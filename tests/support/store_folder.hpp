@@ -13,6 +13,9 @@ namespace test {
 
 /// What the repository holds, as a catalogue may.
 tarn::evolution::catalogue::CatalogueContent contentOf(TestRepository& repository);
+inline tarn::evolution::catalogue::CatalogueContent contentOf(TestRepository&& repository) {
+  return contentOf(repository);
+}
 
 /// What a CatalogueError says, without the name of `file` before it; "no error" when none is
 /// thrown.

@@ -78,7 +78,7 @@ std::string draftOf(const std::filesystem::path& file) {
 }
 
 /// What the repository holds and something whose texts take memory of their own.
-CatalogueContent withLongTexts(TestRepository& repository) {
+CatalogueContent withLongTexts(TestRepository&& repository) {
   CatalogueContent content = contentOf(repository);
   const std::u16string name = u"a metamodel with \u00e4 name that is longer than most";
   const std::u16string text = u"a version that is named rather than numbered";
@@ -95,16 +95,14 @@ class Originals : public StoreFolder {
  public:
   explicit Originals(CatalogueSize size) {
     const std::string last = size == CatalogueSize::Small ? "3" : "30";
-    TestRepository small("A1..3 B1:A[1,3) B2 A1>2 A2>3");
-    CatalogueContent withQuestion = withLongTexts(small);
+    CatalogueContent withQuestion = withLongTexts(TestRepository("A1..3 B1:A[1,3) B2 A1>2 A2>3"));
     withQuestion.question = Question{selection("A1"), selection("A3")};
     make("old", withQuestion);
-    TestRepository large("C1.." + last + " D1:C[1,9) D2.." + last + ":C3 C1>2 D1>2");
-    make("new", withLongTexts(large));
-    TestRepository more("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E2>1");
-    make("more", contentOf(more), false);
-    TestRepository other("A2 B1:A[1,2)+A[2,3) A1>2!");
-    make("other", contentOf(other), false);
+    make("new",
+         withLongTexts(TestRepository("C1.." + last + " D1:C[1,9) D2.." + last + ":C3 C1>2 D1>2")));
+    make("more", contentOf(TestRepository("A4.." + last + "0 E1.." + last + ":A[2,50) A3>4 E2>1")),
+         false);
+    make("other", contentOf(TestRepository("A2 B1:A[1,2)+A[2,3) A1>2!")), false);
     StoreSuccessor(path("m.store"), StoreSuccessor::Content::None, formerForm()).takePlace();
     writeAhead();
     leaveUnfinished();
