@@ -1,9 +1,5 @@
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/check/check.hpp"
@@ -11,33 +7,27 @@
 #include "catalogue/store/store_transfer.hpp"
 #include "support/catalogue_json.hpp"
 #include "support/plain_database.hpp"
+#include "support/store_folder.hpp"
 
 namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
 
-/// A folder of its own that holds "small.json" and, made of it, "small.db".
-class StoreCheck : public testing::Test {
+/// In a folder that holds "small.json" and, made of it, "small.store".
+class StoreCheck : public StoreFolder {
  protected:
   StoreCheck() {
-    std::filesystem::create_directories(folder_);
-    TestRepository repository("A1..3 Ax~1.5 B1:A[1,3)+C1 B2:Ax C1..2 B1>2 Ax>2");
-    nlohmann::ordered_json document = toJson(repository);
-    document["question"] = {{"from", selectionJson("A1 B1")}, {"to", selectionJson("B2")}};
-    std::ofstream(folder_ / "small.json") << document;
-    renew();
-  }
-  ~StoreCheck() override { std::filesystem::remove_all(folder_); }
-
-  void renew() const {
-    std::filesystem::remove(store_);
-    importCatalogue(folder_ / "small.json", store_);
+    CatalogueContent content =
+        contentOf(TestRepository("A1..3 Ax~1.5 B1:A[1,3)+C1 B2:Ax C1..2 B1>2 Ax>2"));
+    content.question = Question{selection("A1 B1"), selection("B2")};
+    make("small", content);
   }
 
   /// What is found after these statements, run without regard to what the schema demands.
   std::string findingsAfter(const std::string& statements) const {
-    renew();
+    std::filesystem::remove(store_);
+    importCatalogue(path("small.json"), store_);
     const std::string outcome =
         PlainDatabase(store_).run("PRAGMA ignore_check_constraints = ON; " + statements);
     EXPECT_EQ(outcome, "");
@@ -49,9 +39,7 @@ class StoreCheck : public testing::Test {
     return result;
   }
 
-  const std::filesystem::path folder_ =
-      std::filesystem::temp_directory_path() / ("check_store_" + std::to_string(getpid()));
-  const std::filesystem::path store_ = folder_ / "small.db";
+  const std::filesystem::path store_ = path("small.store");
 };
 
 TEST_F(StoreCheck, FindsInAStoreWhatItFindsInJson) {
@@ -118,16 +106,12 @@ TEST_F(StoreCheck, FindsRowsThatCannotStandThere) {
 }
 
 TEST_F(StoreCheck, SurvivesDamageAnywhere) {
-  std::string intact;
-  {
-    std::ifstream in(store_, std::ios::binary);
-    intact.assign(std::istreambuf_iterator<char>(in), {});
-  }
+  const std::string intact = readFile(store_);
   int found = 0;
   for (std::size_t at = 100; at < intact.size(); at += 331) {
     std::string damaged = intact;
     std::fill_n(damaged.begin() + static_cast<std::ptrdiff_t>(at), 8, '\xa5');
-    std::ofstream(store_, std::ios::binary) << damaged;
+    write("small.store", damaged);
     try {
       found += hasError(check(readDraft(store_))) ? 1 : 0;
     } catch (const CatalogueError&) {

@@ -7,7 +7,7 @@ namespace test {
 namespace {
 
 /// A 2.0.0 and B can stand with either C; D has hops both ways; Z's versions are texts.
-class EvopathBrowse : public testing::Test, protected EvopathProgram {
+class EvopathBrowse : public EvopathProgram {
  protected:
   EvopathBrowse() {
     write("small.json", R"({
@@ -186,7 +186,7 @@ TEST_F(EvopathBrowse, SaysWhatItCannotShow) {
   const std::string noPath = "path small.json --from A=2.0 --to A=1.0 --format svg --output a.svg";
   EXPECT_TRUE(run(noPath + " 2>&1").second.starts_with("No path: no hops lead to A 1.0.0.\n"));
   EXPECT_EQ(run(noPath + " 2>/dev/null"), std::pair(1, std::string()));
-  EXPECT_FALSE(std::filesystem::exists(folder() / "a.svg"));
+  EXPECT_FALSE(std::filesystem::exists(path("a.svg")));
   EXPECT_EQ(runShell("PATH= '" EVOPATH_PROGRAM "' graph small.json --format svg 2>&1"),
             std::pair(2, std::string("evopath: Graphviz is not installed: the program dot, which "
                                      "lays out the graph, was not found\n")));
@@ -213,7 +213,7 @@ TEST_F(EvopathBrowse, WritesWholeFilesOrNone) {
   EXPECT_EQ(read("old"), text);
   runShell("ln -s old link");
   expect("path small.json --question --json --output link", "");
-  EXPECT_TRUE(std::filesystem::is_symlink(folder() / "link"));
+  EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
   EXPECT_EQ(read("old"), run("path small.json --question --format json").second);
   EXPECT_EQ(run("path small.json --question --output /dev/full 2>&1").second,
             "evopath: /dev/full: cannot be written: No space left on device\n");

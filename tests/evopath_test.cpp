@@ -9,7 +9,7 @@ namespace {
 using namespace std::string_literals;
 
 /// Runs evopath in a folder that holds "small.json".
-class Evopath : public testing::Test, protected EvopathProgram {
+class Evopath : public EvopathProgram {
  protected:
   Evopath() {
     write("small.json", R"({

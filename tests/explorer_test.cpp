@@ -363,7 +363,7 @@ TEST(Explorer, TellsVersionsApartThatAreWrittenAlike) {
   EXPECT_EQ(rows["hops"], json::parse("[[1, 3, 0, 0, 2, 0]]"));
 }
 
-class ExplorerCommand : public testing::Test, protected EvopathProgram {};
+using ExplorerCommand = EvopathProgram;
 
 TEST_F(ExplorerCommand, WritesThePageAndTellsWhatIsWrong) {
   write("c.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
@@ -400,7 +400,7 @@ TEST_F(ExplorerCommand, WritesThePageAndTellsWhatIsWrong) {
     EXPECT_NE(run("explore " + arguments + " 2>&1").second.find(reason), std::string::npos)
         << arguments;
   }
-  EXPECT_FALSE(std::filesystem::exists(folder() / "x.html"));
+  EXPECT_FALSE(std::filesystem::exists(path("x.html")));
 }
 
 }  // namespace

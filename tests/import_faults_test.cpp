@@ -120,7 +120,7 @@ TEST_F(Import, NamesFileAndPlaceOfWhatIsAtFault) {
             fault.said + "\n")
         << fault.text;
   }
-  EXPECT_FALSE(fs::exists(folder() / "x.json"));
+  EXPECT_FALSE(fs::exists(path("x.json")));
 }
 
 TEST_F(Import, LeavesOutAndListsWhatIsAtFault) {
@@ -231,7 +231,7 @@ TEST_F(Import, WithstandsGarbage) {
     std::uint64_t seed = 0;
     words >> number >> seed;
     Random random(seed);
-    fs::remove_all(folder() / "in");
+    fs::remove_all(path("in"));
     auto files = samples[number].files;
     auto& [name, content] = random.oneOf(files);
     content = mutated(content, random);
@@ -240,13 +240,13 @@ TEST_F(Import, WithstandsGarbage) {
     writeFiles(files);
     ImportOptions options;
     options.format = samples[number].format;
-    options.sources = {folder() / "in"};
+    options.sources = {path("in")};
     options.withEngines = random.chance(50);
     options.offeredHops = random.chance(50) ? OfferedHops::Minors : OfferedHops::All;
-    if (random.chance(50)) options.servers = folder() / "in/servers.csv";
+    if (random.chance(50)) options.servers = path("in/servers.csv");
     for (const bool isLenient : {false, true}) {
       options.isLenient = isLenient;
-      const fs::path catalogue = folder() / (random.chance(50) ? "g.json" : "g.store");
+      const fs::path catalogue = path(random.chance(50) ? "g.json" : "g.store");
       fs::remove(catalogue);
       try {
         const ImportReport report = importForeignCatalogue(options, catalogue);

@@ -170,7 +170,7 @@ TEST_F(MutualNeeds, KeepNothingFromBeingRemovedWhereTheyAreOptional) {
   EXPECT_EQ(read("out.json"), read("left.json"));
 }
 
-class MutualNeedsShown : public testing::Test, protected EvopathProgram {};
+using MutualNeedsShown = EvopathProgram;
 
 TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {
   write("c.json", R"({"metamodels": [

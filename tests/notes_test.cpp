@@ -74,7 +74,7 @@ TEST_F(Notes, OfAnExplanationComeInTheOrderOfNamesAndVersions) {
             (std::vector<std::u16string>{u"to top", u"middle", u"top", u"down", u"B's hop", u"B"}));
 }
 
-class NotesShown : public testing::Test, protected EvopathProgram {};
+using NotesShown = EvopathProgram;
 
 TEST_F(NotesShown, WhereverWhatTheyAreOfIs) {
   write("c.json", R"({"metamodels": [

@@ -19,8 +19,8 @@
 #include "catalogue/picture/path_text.hpp"
 #include "catalogue/picture/step_listing.hpp"
 #include "catalogue/text/display_text.hpp"
-#include "support/evopath_program.hpp"
 #include "support/store_folder.hpp"
+#include "support/test_folder.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -106,7 +106,7 @@ std::size_t countOf(const std::string& part, const std::string& text) {
 }
 
 TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
-  const EvopathProgram folder;
+  const TestFolder folder;
   for (const PathPicture& picture : {makeHostile(), draw("A1", "A1", "A1"), PathPicture{}}) {
     folder.write("path.svg", written(writePathSvg, picture));
     EXPECT_EQ(folder.runShell("xmllint --noout --nonet path.svg 2>&1"),
@@ -130,7 +130,7 @@ TEST(PathPicture, IsWellFormedInEveryFormWhateverTheNames) {
 
 /// Browsers know more than other programs that draw SVG.
 TEST(PathPicture, HasItsColoursOutsideOfBrowsers) {
-  const EvopathProgram folder;
+  const TestFolder folder;
   folder.write("path.svg", written(writePathSvg, draw("A1..2 B1..3 B2>3!", "A1 B1", "A2 B3")));
   const auto [status, drawn] = folder.runShell("rsvg-convert --format svg path.svg");
   ASSERT_EQ(status, 0);
@@ -236,7 +236,7 @@ TEST(PathPicture, MermaidIsMadeOfKnownLines) {
       R"rx((flowchart LR|  subgraph step\d+\["[^"\n]*"\]|    direction TB|  end)rx"
       R"rx(|    m\d+s\d+\["[^"<>\\`\n]*"\](:::(unmoved|entering))?)rx"
       R"rx(|  m\d+s\d+ (-->|==>\|expensive\||~~~) m\d+s\d+|  classDef \w+ [-\w:,#]+))rx";
-  const EvopathProgram folder;
+  const TestFolder folder;
   folder.write("path.mermaid", written(writePathMermaid, makeHostile()));
   folder.write("lines", line);
   EXPECT_EQ(folder.runShell("grep -vxPf lines path.mermaid").second, "");

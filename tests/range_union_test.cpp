@@ -9,16 +9,15 @@
 #include "catalogue/store/store_transfer.hpp"
 #include "catalogue/utf16.hpp"
 #include "catalogue/version_text.hpp"
+#include "support/evopath_program.hpp"
 #include "support/random_run.hpp"
-#include "support/shell.hpp"
-#include "support/store_folder.hpp"
 
 namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
 
-using RangeUnion = StoreFolder;
+using RangeUnion = EvopathProgram;
 
 TEST(RangeUnionText, KeepsWhateverItConsistsOf) {
   const std::vector<VersionRange> pieces{between(1, 2),
@@ -160,13 +159,13 @@ TEST_F(RangeUnion, IsToldInExplanations) {
       {"name": "C", "version": "1.0", "dependencies": [
         {"name": "A", "range": {"anyOf": ["0.1", ["3.0", "5.0"]]}}]}], "hops": []})");
   const std::string asked = "explain c.json --from B=1.0,C=1.0 --to A=3.0";
-  const auto [status, text] = runEvopath(folder_, asked + " 2>&1");
+  const auto [status, text] = run(asked + " 2>&1");
   EXPECT_EQ(status, 1);
   EXPECT_NE(text.find("  B 1.0.0 needs A 1.0.0 or [4.0.0, 5.0.0) or spring\n"
                       "  C 1.0.0 needs A 0.1.0 or [3.0.0, 5.0.0)\n"),
             std::string::npos)
       << text;
-  const auto told = nlohmann::json::parse(runEvopath(folder_, asked + " --json").second);
+  const auto told = nlohmann::json::parse(run(asked + " --json").second);
   EXPECT_EQ(told["clash"]["requirements"][0]["range"].dump(),
             R"({"anyOf":[["1.0.0","1.0.1"],["4.0.0","5.0.0"],"spring"]})");
 }

@@ -13,22 +13,16 @@
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/store/store_editing.hpp"
 #include "catalogue/store/store_transfer.hpp"
+#include "support/evopath_program.hpp"
 #include "support/random_run.hpp"
-#include "support/shell.hpp"
-#include "support/store_folder.hpp"
 
 namespace test {
 namespace {
 
 using namespace tarn::evolution::catalogue;
 
-class StoreCommand : public StoreFolder {
+class StoreCommand : public EvopathProgram {
  protected:
-  /// The exit status, and what goes to standard output and standard error.
-  std::pair<int, std::string> run(const std::string& arguments) const {
-    return runEvopath(folder_, arguments + " 2>&1");
-  }
-
   /// Runs the program in the folder and sends it a signal after a while. Whether it ended by the
   /// signal; otherwise it had ended in success.
   bool runAndSignal(const std::string& arguments, int signal,
@@ -52,15 +46,6 @@ class StoreCommand : public StoreFolder {
     const bool isHit = WIFSIGNALED(status) && WTERMSIG(status) == signal;
     EXPECT_TRUE(isHit || status == 0) << arguments << ": " << status;
     return isHit;
-  }
-
-  /// The names of all files in the folder.
-  std::set<std::string> files() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-      names.insert(entry.path().filename());
-    }
-    return names;
   }
 
   /// All that the commands below may have changed.
@@ -113,7 +98,7 @@ TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
       {"remove --help", 0, "Example: evopath remove"},
   };
   for (const auto& [arguments, status, message] : cases) {
-    const auto [found, output] = run(arguments);
+    const auto [found, output] = run(arguments + " 2>&1");
     EXPECT_EQ(found, status) << arguments << ": " << output;
     EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
   }
@@ -134,7 +119,7 @@ TEST_F(StoreCommand, ChangesRowsWholeOrNotAtAll) {
   ASSERT_EQ(run("import c.json x.store").first, 0);
   const auto change = [&](const std::string& rows, const std::string& options = "") {
     write("change.json", rows);
-    return run("change x.store change.json" + options);
+    return run("change x.store change.json" + options + " 2>&1");
   };
   const auto version = [](const std::string& fields) {
     return R"({"hops": [], "metamodels": [{"name": )" + fields + "}]}";
@@ -233,7 +218,7 @@ TEST_F(StoreCommand, TriesWhatItDoesAndWritesNothing) {
   for (const bool isSealed : {false, true}) {
     chmod(path("").c_str(), isSealed ? 0555 : 0755);
     for (const auto& [arguments, status, message] : cases) {
-      const auto [found, output] = run(arguments + " --dry-run");
+      const auto [found, output] = run(arguments + " --dry-run 2>&1");
       EXPECT_EQ(found, status) << arguments << ": " << output;
       EXPECT_NE(output.find(message), std::string::npos) << arguments << ": " << output;
       EXPECT_EQ(read("x.store"), bytes) << arguments;
@@ -241,7 +226,7 @@ TEST_F(StoreCommand, TriesWhatItDoesAndWritesNothing) {
     }
   }
   chmod(path("").c_str(), 0755);
-  EXPECT_EQ(run("remove x.store --hop A=1.0..2.0").second,
+  EXPECT_EQ(run("remove x.store --hop A=1.0..2.0 2>&1").second,
             "Removed 0 versions of metamodels and 1 hop.\n");
   EXPECT_EQ(run("path x.store --from A=1.0 --to A=2.0").first, 1);
 }
@@ -252,7 +237,7 @@ TEST_F(StoreCommand, ReadsWhereNothingCanBeWritten) {
   std::filesystem::copy_file(path("small.store"), path("sealed/small.store"));
   chmod(path("sealed/small.store").c_str(), 0444);
   chmod(path("sealed").c_str(), 0555);
-  const auto [status, output] = run("path sealed/small.store --from A=1.0 --to A=2.0");
+  const auto [status, output] = run("path sealed/small.store --from A=1.0 --to A=2.0 2>&1");
   chmod(path("sealed").c_str(), 0755);
   EXPECT_EQ(status, 0) << output;
 }

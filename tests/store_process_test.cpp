@@ -31,14 +31,6 @@ class StoreProcesses : public StoreFolder {
                     R"(", "version": "1.0.0", "dependencies": []}], "hops": []})");
   }
 
-  std::set<std::string> files() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-      names.insert(entry.path().filename());
-    }
-    return names;
-  }
-
   /// How many versions the store holds, which must be sound.
   std::size_t soundCount(const std::string& name) const {
     const CatalogueDraft draft = readDraft(path(name));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 namespace test {
 
@@ -20,9 +19,8 @@ const ImportSample& sampleOf(const std::string& word) {
 
 void ImportFolder::writeFiles(const std::vector<std::pair<std::string, std::string>>& files) const {
   for (const auto& [name, text] : files) {
-    const fs::path path = folder() / "in" / name;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << text;
+    fs::create_directories(path("in/" + name).parent_path());
+    write("in/" + name, text);
   }
 }
 
@@ -57,7 +55,7 @@ std::string ImportFolder::imported(const std::string& word, const std::string& o
 
 std::string ImportFolder::said(const std::string& word, const std::string& name,
                                const std::string& text, const std::string& options) const {
-  fs::remove_all(folder() / "in");
+  fs::remove_all(path("in"));
   writeFiles({{name, text}});
   return run("import --from " + word + " in x.json " + options + " 2>&1").second;
 }

@@ -12,7 +12,7 @@
 namespace test {
 
 /// Imports with evopath what stands in "in", in a folder of its own.
-class ImportFolder : public testing::Test, protected EvopathProgram {
+class ImportFolder : public EvopathProgram {
  protected:
   /// Below "in"; by names and contents.
   void writeFiles(const std::vector<std::pair<std::string, std::string>>& files) const;

@@ -1,10 +1,7 @@
 #include "support/store_folder.hpp"
 
-#include <unistd.h>
 #include <algorithm>
-
 #include <fstream>
-#include <sstream>
 
 #include "catalogue/catalogue_error.hpp"
 #include "catalogue/json_catalogue.hpp"
@@ -47,25 +44,6 @@ std::string catalogueErrorOf(const std::filesystem::path& file,
     return (error.place().empty() ? "" : error.place() + ": ") + error.reason();
   }
   return "no error";
-}
-
-StoreFolder::StoreFolder()
-    : folder_(std::filesystem::temp_directory_path() / ("store" + std::to_string(getpid()))) {
-  std::filesystem::create_directories(folder_);
-}
-
-StoreFolder::~StoreFolder() {
-  std::filesystem::remove_all(folder_);
-}
-
-void StoreFolder::write(const std::string& name, const std::string& bytes) const {
-  std::ofstream(path(name), std::ios::binary) << bytes;
-}
-
-std::string StoreFolder::read(const std::string& name) const {
-  std::ostringstream bytes;
-  bytes << std::ifstream(path(name), std::ios::binary).rdbuf();
-  return bytes.str();
 }
 
 void StoreFolder::make(const std::string& name, const CatalogueContent& content,

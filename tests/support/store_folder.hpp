@@ -7,6 +7,7 @@
 #include <string>
 
 #include "catalogue/catalogue.hpp"
+#include "support/test_folder.hpp"
 #include "support/test_repository.hpp"
 
 namespace test {
@@ -23,20 +24,11 @@ std::string catalogueErrorOf(const std::filesystem::path& file,
                              const std::function<void()>& action);
 
 /// Gives each test a folder of its own for catalogues and stores.
-class StoreFolder : public testing::Test {
+class StoreFolder : public testing::Test, protected TestFolder {
  protected:
-  StoreFolder();
-  ~StoreFolder() override;
-
-  std::filesystem::path path(const std::string& name) const { return folder_ / name; }
-  void write(const std::string& name, const std::string& bytes) const;
-  std::string read(const std::string& name) const;
-
   /// Writes "NAME.json" and, unless told otherwise, makes "NAME.store" of it.
   void make(const std::string& name, const tarn::evolution::catalogue::CatalogueContent& content,
             bool withStore = true) const;
-
-  const std::filesystem::path folder_;
 };
 
 }  // namespace test

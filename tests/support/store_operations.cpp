@@ -30,12 +30,6 @@ namespace {
 
 using FilePath = std::filesystem::path;
 
-std::string bytesOf(const FilePath& file) {
-  std::ostringstream bytes;
-  bytes << std::ifstream(file, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
 std::string contentOfDatabase(const FilePath& file) {
   PlainDatabase database(file);
   const std::string integrity = database.run("PRAGMA integrity_check");
@@ -288,7 +282,7 @@ FilePath quickFolder(const std::string& name) {
 Disk readDisk(const FilePath& folder) {
   Disk disk;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    disk[entry.path().filename()] = bytesOf(entry.path());
+    disk[entry.path().filename()] = readFile(entry.path());
   }
   return disk;
 }
@@ -302,7 +296,7 @@ void writeDisk(const Disk& disk, const FilePath& folder) {
 std::string contentOf(const FilePath& file) {
   static std::map<std::string, std::string> known;  // of databases with nothing beside them
   if (!std::filesystem::exists(file)) return "none";
-  const std::string bytes = bytesOf(file);
+  const std::string bytes = readFile(file);
   if (!bytes.starts_with("SQLite format 3")) return bytes;
   if (std::filesystem::exists(file.string() + "-wal") ||
       std::filesystem::exists(file.string() + "-journal")) {
