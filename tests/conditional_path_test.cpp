@@ -3,15 +3,16 @@
 
 #include <algorithm>
 #include <queue>
-#include <sstream>
 #include <stop_token>
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/text/printed_text.hpp"
 #include "catalogue/version_text.hpp"
+#include "support/items.hpp"
 #include "support/legal_path.hpp"
 #include "support/random_run.hpp"
 #include "support/store_folder.hpp"
+#include "support/test_question.hpp"
 
 namespace test::conditional_path {
 namespace {
@@ -25,31 +26,15 @@ using Weight = std::optional<std::uint64_t>;
 
 /// "CATALOGUE | FROM | GOALS | CONDITIONS | NEEDS": of goals, "A2/3" is either version, "A3>2>1"
 /// the first of these that can be reached; of conditions, "-A2" avoids, "A" holds, "A2" keeps,
-/// "+A2" passes,
-/// "*" asks in any direction; of needs, "A1B23" is one that A1 has of B [2, 3) if B is there.
+/// "+A2" passes, "*" asks in any direction; of needs, "A1B23" is one that A1 has of B [2, 3) if B
+/// is there.
 struct ConditionalCase {
-  explicit ConditionalCase(const std::string& text) {
-    std::istringstream in(text);
-    std::getline(in, catalogue, '|');
-    std::string part;
-    std::getline(in, part, '|');
-    forItems(part, [&](const std::string& item) { from.insert(entry(item)); });
-    std::getline(in, part, '|');
-    forItems(part, [&](const std::string& item) { addGoal(item); });
-    std::getline(in, part, '|');
+  explicit ConditionalCase(const QuestionText& text)
+      : catalogue(text.catalogue), needs(itemsIn(text.beside)), from(selection(text.from)) {
+    for (const std::string& item : itemsIn(text.to)) addGoal(item);
     conditions.direction = VersionRepository::Forward;
-    forItems(part, [&](const std::string& item) { addCondition(item); });
-    std::getline(in, part, '|');
-    forItems(part, [&](const std::string& item) { needs.push_back(item); });
+    for (const std::string& item : itemsIn(text.direction)) addCondition(item);
   }
-
-  template <class Receive>
-  static void forItems(const std::string& part, const Receive& receive) {
-    std::istringstream items(part);
-    for (std::string item; items >> item;) receive(item);
-  }
-
-  static VersionId version(const std::string& number) { return parseVersion(number + ".0"); }
 
   static Entry entry(const std::string& item) {
     return {parseName(item.substr(0, 1)), version(item.substr(1))};
@@ -297,7 +282,7 @@ std::string anyCase(Random& random) {
 TEST(ConditionalPath, IsTheLeastOfAllThatKeepToTheConditions) {
   RandomRun run(2000);
   run.ask(anyCase, [&](const std::string& text, Random&) {
-    ConditionalCase asked(text);
+    ConditionalCase asked{QuestionText(text)};
     if (asked.from.empty() || !asked.from.contains(u"B")) return;
     expectLeast(asked, run);
   });
@@ -336,7 +321,7 @@ bool isFixed(const ConditionalCase& asked) {
 TEST(ConditionalPath, IsTheSameBesideTooManyLinkedMetamodels) {
   RandomRun run(600);
   run.ask(anyCase, [&](const std::string& text, Random& random) {
-    ConditionalCase asked(text);
+    ConditionalCase asked{QuestionText(text)};
     if (random.chance(60)) asked.conditions.direction.reset();
     if (asked.from.empty() || !isFixed(asked)) return;
     CatalogueRepository small{Catalogue(asked.content())};
