@@ -10,6 +10,7 @@
 #include "catalogue/import/import.hpp"
 #include "catalogue/open_catalogue.hpp"
 #include "support/import_folder.hpp"
+#include "support/items.hpp"
 #include "support/random_run.hpp"
 
 namespace test {
@@ -155,46 +156,13 @@ TEST_F(Import, LeavesOutAndListsWhatIsAtFault) {
 
 // A change of a source: bytes, lines, or words that mean something to a reader.
 std::string mutated(std::string text, Random& random) {
-  static const std::vector<std::string> words{"\"\"",
-                                              "null",
-                                              "[]",
-                                              "{}",
-                                              "-1",
-                                              "1e999",
-                                              "99999999999999999999",
-                                              "true",
-                                              "\"1.0.0\"",
-                                              "*",
-                                              "||",
-                                              ">=",
-                                              "&a ",
-                                              "*a",
-                                              "<<: ",
-                                              "---\n",
-                                              "\n",
-                                              "\t",
-                                              "'",
-                                              "\"",
-                                              ",",
-                                              ";",
-                                              "--",
-                                              ".",
-                                              "-",
-                                              "[",
-                                              "{",
-                                              ": ",
-                                              "\xff",
-                                              "\xEF\xBB\xBF",
-                                              "18446744073709551615",
-                                              "0",
-                                              "1.0.0",
-                                              "any of ",
-                                              "~",
-                                              "%",
-                                              std::string(1, '\0'),
-                                              std::string(300, '['),
-                                              std::string(300, '{'),
-                                              std::string(5000, 'a')};
+  static const std::vector<std::string> words = [] {
+    auto all = itemsIn(R"("" null [] {} -1 1e999 99999999999999999999 true "1.0.0" * || >= *a ' ")"
+                       " , ; -- . - [ { \xff \xEF\xBB\xBF 18446744073709551615 0 1.0.0 ~ %");
+    all.insert(all.end(), {"&a ", "<<: ", "---\n", "\n", "\t", ": ", "any of ", "\0"s,
+                           std::string(300, '['), std::string(300, '{'), std::string(5000, 'a')});
+    return all;
+  }();
   for (std::size_t count = random.upTo(4); count > 0; --count) {
     const std::size_t at = random.below(text.size() + 1);
     const std::size_t length = std::min(random.below(12), text.size() - at);
