@@ -59,29 +59,10 @@ class Mutation {
   }
 
   ordered_json strange() {
-    static const ordered_json values[] = {nullptr,
-                                          7,
-                                          0.5,
-                                          true,
-                                          "",
-                                          "A",
-                                          "x",
-                                          "y",
-                                          "1.0",
-                                          "2.0.0",
-                                          "9.9",
-                                          ordered_json::array(),
-                                          ordered_json::object(),
-                                          {"1.0", "3.0"},
-                                          {"2.0", "1.0"},
-                                          {"1.0", "1.0"},
-                                          {"1.0", "x"},
-                                          {1, "2.0"},
-                                          "1.18446744073709551616.0",
-                                          std::string("a\0b", 3),
-                                          "1.0.18446744073709551615",
-                                          ordered_json::array({ordered_json::array(
-                                              {ordered_json::array({ordered_json::object()})})})};
+    static const auto values = ordered_json::parse(R"([
+      null, 7, 0.5, true, "", "A", "x", "y", "1.0", "2.0.0", "9.9", [], {}, ["1.0", "3.0"],
+      ["2.0", "1.0"], ["1.0", "1.0"], ["1.0", "x"], [1, "2.0"], "1.18446744073709551616.0",
+      "a\u0000b", "1.0.18446744073709551615", [[[{}]]]])");
     return random_.oneOf(values);
   }
 
