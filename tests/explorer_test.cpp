@@ -33,12 +33,6 @@ std::size_t occurrencesOf(const std::string& part, const std::string& text) {
   return count;
 }
 
-std::string shownAs(const VersionId& version) {
-  std::ostringstream out;
-  out << version;
-  return out.str();
-}
-
 /// The rows of a page, in which nothing but the page's own elements may begin or end.
 json rowsOf(const std::string& page) {
   EXPECT_EQ(occurrencesOf("<script", page), 2U);
@@ -142,7 +136,7 @@ CatalogueContent hostile(CatalogueContent content, Random& random) {
 void expectVersions(const json& rows, std::size_t number, BrowsableRepository& repository,
                     const std::vector<CatalogueMetamodel>& versions) {
   std::map<std::string, const CatalogueMetamodel*> byText;
-  for (const auto& each : versions) byText[shownAs(each.descriptor.version)] = &each;
+  for (const auto& each : versions) byText[printed(each.descriptor.version)] = &each;
   ASSERT_EQ(rows["versions"][number].size(), byText.size());
   std::optional<Precedence> before;
   for (std::size_t i = 0; i < byText.size(); ++i) {
@@ -175,7 +169,7 @@ void expectVersions(const json& rows, std::size_t number, BrowsableRepository& r
       std::vector<Metamodel> admitted;
       repository.findMetamodels(dependencies[place].name, dependencies[place].range, admitted);
       std::set<std::string> fitting;
-      for (const Metamodel& each : admitted) fitting.insert(shownAs(each.version));
+      for (const Metamodel& each : admitted) fitting.insert(printed(each.version));
       EXPECT_EQ(shown, fitting) << range;
     }
   }
@@ -193,7 +187,7 @@ void expectHops(const json& rows, std::size_t number, BrowsableRepository& repos
   json expected = json::array();
   for (const Hop& hop : hops) {
     const auto target = repository.getMetamodel(hop.name, hop.to);
-    expected.push_back({shownAs(hop.from), shownAs(target->version), hop.expensive});
+    expected.push_back({printed(hop.from), printed(target->version), hop.expensive});
   }
   EXPECT_EQ(shown, expected);
 }
@@ -284,7 +278,7 @@ std::map<std::string, std::tuple<std::string, std::string, bool>> farthest(
     }
     if (reached.empty()) continue;
     const VersionId oldest = versions[*reached.begin()].descriptor.version;
-    std::tuple answer(shownAs(oldest), shownAs(versions[*reached.rbegin()].descriptor.version),
+    std::tuple answer(printed(oldest), printed(versions[*reached.rbegin()].descriptor.version),
                       false);
     for (auto target = reached.rbegin(); std::next(target) != reached.rend(); ++target) {
       const VersionId& wanted = versions[*target].descriptor.version;
@@ -292,7 +286,7 @@ std::map<std::string, std::tuple<std::string, std::string, bool>> farthest(
       const std::string outcome =
           outcomeOf([&] { return repository.findPath(question.from, question.to); });
       if (outcome.find('>') == std::string::npos) continue;
-      answer = {shownAs(oldest), shownAs(wanted), true};
+      answer = {printed(oldest), printed(wanted), true};
       break;
     }
     result[ustring_to_utf8(name)] = answer;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 #include "catalogue/catalogue_repository.hpp"
 #include "catalogue/explanation/loose_ends.hpp"
@@ -79,11 +78,7 @@ using Hops = std::map<std::u16string, std::pair<std::string, std::string>>;
 Hops hopsOf(const BaselineHop& step) {
   Hops hops;
   for (const auto& [name, hop] : step.hops) {
-    std::ostringstream from;
-    std::ostringstream to;
-    from << hop.from;
-    to << hop.to;
-    hops.emplace(name, std::pair(from.str(), to.str()));
+    hops.emplace(name, std::pair(printed(hop.from), printed(hop.to)));
   }
   return hops;
 }
