@@ -233,7 +233,7 @@ std::set<std::string> unusable(const std::vector<Finding>& findings,
 
 /// Whether a version that is selected links another one of its own name: the path finder lets the
 /// other one stand back if names before have been taken.
-bool linksOwnName(VersionRepository& repository, const Selection& selected) {
+bool anySelectedLinksOwnName(VersionRepository& repository, const Selection& selected) {
   return std::any_of(selected.begin(), selected.end(), [&](const auto& entry) {
     const auto& linked = repository.getLinkedMetamodels(entry.first, entry.second);
     return std::any_of(linked.begin(), linked.end(), [&](const auto& variant) {
@@ -289,7 +289,7 @@ TEST(Check, SaysOfVersionsAndSelectionsWhatLinkingThemSays) {
     const Selection from = selection(selected);
     bool isConsistent = free.canBeHeld({from.begin(), from.end()});
     for (const auto& entry : from) isConsistent = isConsistent && free.canBeHeld({entry});
-    if (isConsistent && linksOwnName(repository, from)) return;
+    if (isConsistent && anySelectedLinksOwnName(repository, from)) return;
     ASSERT_EQ(isInconsistent, !isConsistent) << document << all;
   });
   run.expectPercentages({{"sound", 9}, {"clashing", 3}, {"unmet", 1}});

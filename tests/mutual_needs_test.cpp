@@ -83,17 +83,11 @@ class MutualNeeds : public StoreFolder {
   static std::string answer(VersionRepository& repository, const QuestionText& question) {
     return outcomeOf([&] {
       Path path = repository.findPath(selection(question.from), selection(question.to));
-      if (path && !linksOwnName(*path)) expectLegal(repository, *path);
+      const auto standsBack = [](const BaselineHop& step) { return linksOwnName(step.to); };
+      if (path && std::none_of(path->begin(), path->end(), standsBack)) {
+        expectLegal(repository, *path);
+      }
       return path;
-    });
-  }
-
-  /// Whether some version brings another one of its own name, which then stands back.
-  static bool linksOwnName(const std::vector<BaselineHop>& path) {
-    return std::any_of(path.begin(), path.end(), [](const BaselineHop& step) {
-      return std::any_of(
-          step.to.metamodels.begin(), step.to.metamodels.end(),
-          [](const auto& held) { return held.second->linkedMetamodels.contains(held.first); });
     });
   }
 };

@@ -10,6 +10,7 @@
 #include "catalogue/model/conflicting_dependencies.hpp"
 #include "catalogue/utf16.hpp"
 #include "platform/text.hpp"
+#include "support/legal_path.hpp"
 #include "support/random_question.hpp"
 #include "support/store_folder.hpp"
 #include "support/test_question.hpp"
@@ -81,12 +82,6 @@ Hops hopsOf(const BaselineHop& step) {
     hops.emplace(name, std::pair(printed(hop.from), printed(hop.to)));
   }
   return hops;
-}
-
-bool linksOwnName(const VersionBaseline& baseline) {
-  return std::any_of(baseline.metamodels.begin(), baseline.metamodels.end(), [](const auto& entry) {
-    return entry.second->linkedMetamodels.contains(entry.first);
-  });
 }
 
 TEST(StepsOut, AgreeWithEnumerationOnRandomCatalogues) {

@@ -59,4 +59,10 @@ std::uint64_t weightOf(const VersionRepository& repository, const std::vector<Ba
   return weight;
 }
 
+bool linksOwnName(const VersionBaseline& baseline) {
+  return std::any_of(baseline.metamodels.begin(), baseline.metamodels.end(), [](const auto& held) {
+    return held.second->linkedMetamodels.contains(held.first);
+  });
+}
+
 }  // namespace test

@@ -14,4 +14,7 @@ void expectLegal(VersionRepository& repository, const std::vector<BaselineHop>& 
 /// What all its steps weigh together.
 std::uint64_t weightOf(const VersionRepository& repository, const std::vector<BaselineHop>& path);
 
+/// Whether some version brings another one of its own name, which then stands back.
+bool linksOwnName(const VersionBaseline& baseline);
+
 }  // namespace test
