@@ -10,22 +10,11 @@ namespace {
 class EvopathBrowse : public EvopathProgram {
  protected:
   EvopathBrowse() {
-    write("small.json", R"({
-      "metamodels": [
-        {"name": "A", "version": "2.0.0", "dependencies": [{"name": "C", "range": ["1.0.0", "3.0.0"]}]},
-        {"name": "A", "version": "1.0.0", "dependencies": [{"name": "C", "range": "1.0.0"}]},
-        {"name": "C", "version": "1.0.0", "dependencies": []},
-        {"name": "C", "version": "2.0.0", "dependencies": []},
-        {"name": "D", "version": "1.0.0", "dependencies": []},
-        {"name": "D", "version": "2.0.0", "dependencies": []},
-        {"name": "D", "version": "3.0.0", "dependencies": [{"name": "Z", "range": "none"}]},
-        {"name": "Z", "version": "spring", "semver": "1.5.0", "dependencies": []}],
-      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true},
-               {"name": "C", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-               {"name": "D", "from": "2.0.0", "to": "1.0.0", "expensive": false},
-               {"name": "D", "from": "2.0.0", "to": "3.0.0", "expensive": false},
-               {"name": "D", "from": "1.0.0", "to": "2.0.0", "expensive": false}],
-      "question": {"from": {"A": "1.0.0"}, "to": {"A": "2.0.0"}}})");
+    auto content =
+        contentOf(TestRepository("A2:C[1,3) A1:C1 C1 C2 D1 D2 D3:Znone Zspring~1.5 "
+                                 "A1>2! C1>2 D2>1 D2>3 D1>2"));
+    content.question = {selection("A1"), selection("A2")};
+    make("small", content, false);
   }
 
   void expect(const std::string& arguments, const std::string& output, int status = 0) {
@@ -134,9 +123,7 @@ TEST_F(EvopathBrowse, ShowsARangeOfTheLargestPatchAsTheOneVersionThatItIs) {
 }
 
 TEST_F(EvopathBrowse, ShowsHopsByTheEquivalentOfATextVersionAtThatVersion) {
-  write("named.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
-                            {"name": "A", "version": "spring", "semver": "2.0.0", "dependencies": []}],
-                          "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
+  make("named", contentOf(TestRepository("A1 Aspring~2 A1>2!")), false);
   expect("show named.json A=spring",
          "A\n  spring = 2.0.0\n    from     1.0.0  expensive\n    linked   alone\n");
   const auto graph = run("graph named.json --format mermaid").second;

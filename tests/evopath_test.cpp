@@ -12,16 +12,7 @@ using namespace std::string_literals;
 class Evopath : public EvopathProgram {
  protected:
   Evopath() {
-    write("small.json", R"({
-      "metamodels": [
-        {"name": "A", "version": "1.0.0", "dependencies": []},
-        {"name": "A", "version": "2.0.0", "dependencies": []},
-        {"name": "B", "version": "1.0.0", "dependencies": [{"name": "A", "range": "1.0.0"}]},
-        {"name": "B", "version": "2.0.0", "dependencies": [{"name": "A", "range": "2.0.0"},
-                                                           {"name": "C", "range": "spring"}]},
-        {"name": "C", "version": "spring", "dependencies": []}],
-      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-               {"name": "B", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
+    make("small", contentOf(TestRepository("A1..2 B1:A1 B2:A2+Cspring Cspring B1>2!")), false);
   }
 };
 
@@ -63,15 +54,10 @@ TEST_F(Evopath, PrintsJsonForPrograms) {
 }
 
 TEST_F(Evopath, AsksUnderConditions) {
-  write("way.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
-        {"name": "A", "version": "1.1.0-rc.1", "dependencies": []},
-        {"name": "A", "version": "1.1.0", "dependencies": []},
-        {"name": "A", "version": "2.0.0", "dependencies": []},
-        {"name": "A", "version": "3.0.0", "dependencies": []}],
-      "hops": [{"name": "A", "from": "1.0.0", "to": "1.1.0-rc.1", "expensive": false},
-               {"name": "A", "from": "1.0.0", "to": "1.1.0", "expensive": false},
-               {"name": "A", "from": "1.1.0-rc.1", "to": "2.0.0", "expensive": false},
-               {"name": "A", "from": "1.1.0", "to": "2.0.0", "expensive": true}]})");
+  make("way",
+       contentOf(TestRepository("A1 A1.1.0-rc.1 A1.1 A2 A3 "
+                                "A1>1.1.0-rc.1 A1>1.1 A1.1.0-rc.1>2 A1.1>2!")),
+       false);
   const std::string ask = "path way.json --from A=1.0.0 --to ";
   const std::string start = "Start\n  A  1.0.0\n";
   const std::string first = start + "Step 1, weight 2\n  A  1.0.0      -> 1.1.0-rc.1\n";
@@ -107,14 +93,7 @@ TEST_F(Evopath, AsksUnderConditions) {
 }
 
 TEST_F(Evopath, AnswersForASourceThatCannotBeLinked) {
-  write("blocked.json", R"({"metamodels": [{"name": "C", "version": "9.0.0", "dependencies": []},
-        {"name": "B", "version": "2.0.0", "dependencies": []},
-        {"name": "B", "version": "3.0.0",
-         "dependencies": [{"name": "C", "range": ["1.0.0", "2.0.0"]}]},
-        {"name": "A", "version": "1.0.0",
-         "dependencies": [{"name": "B", "range": ["2.0.0", "4.0.0"]}]},
-        {"name": "A", "version": "2.0.0", "dependencies": []}],
-      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})");
+  make("blocked", contentOf(TestRepository("C9 B2 B3:C[1,2) A1:B[2,4) A2 A1>2")), false);
   const std::string ask = "path blocked.json --from A=1.0.0 --to A=2.0.0 --direction forward";
   EXPECT_EQ(run(ask + " 2>&1"),
             std::pair(1, std::string("No path: what it is to start from cannot be linked.\n")));
@@ -141,11 +120,7 @@ TEST_F(Evopath, ShowsItsReasoningOnStandardError) {
 }
 
 TEST_F(Evopath, ChecksCatalogues) {
-  write("doubtful.json", R"({"metamodels": [
-      {"name": "A", "version": "1.0", "dependencies": [{"name": "B", "range": ["2.0", "3.0"]}]},
-      {"name": "A", "version": "2.0", "dependencies": []},
-      {"name": "B", "version": "1.0", "dependencies": [{"name": "B", "range": ["2.0", "2.0"]}]}],
-    "hops": []})");
+  make("doubtful", contentOf(TestRepository("A1:B[2,3) A2 B1:B[2,2)")), false);
   const std::string note =
       "note no-hops: metamodels without hops\n"
       "  /metamodels/0  none of the 2 versions of \"A\" has a hop\n";

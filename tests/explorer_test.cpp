@@ -360,9 +360,7 @@ TEST(Explorer, TellsVersionsApartThatAreWrittenAlike) {
 using ExplorerCommand = EvopathProgram;
 
 TEST_F(ExplorerCommand, WritesThePageAndTellsWhatIsWrong) {
-  write("c.json", R"({"metamodels": [{"name": "A", "version": "1.0.0", "dependencies": []},
-                                     {"name": "A", "version": "2.0.0", "dependencies": []}],
-                      "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
+  make("c", contentOf(TestRepository("A1 A2 A1>2!")), false);
   write("q.jsonl",
         "{\"from\": {\"A\": \"1.0\"}, \"to\": {\"A\": \"2.0.0\"}}\n\n"
         "{\"from\": {\"A\": \"1.0.0\"}, \"to\": {\"<A>\": \"2.0.0\"}}\nno question\n");

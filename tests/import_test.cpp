@@ -160,10 +160,7 @@ shape,1.0.0,3.0.0,cheap
 
 TEST_F(Import, CountsAHopOnceHoweverOftenItStands) {
   writeFiles({{"a.csv", "name,version\nx,1.0.0\n"}});
-  write("c.json", R"({"metamodels": [{"name": "y", "version": "1.0.0", "dependencies": []},
-                                     {"name": "y", "version": "2.0.0", "dependencies": []}],
-    "hops": [{"name": "y", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-             {"name": "y", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})");
+  make("c", contentOf(TestRepository("y1..2 y1>2")), false);
   for (const char* changed :
        {"Added 1 version of a metamodel and 0 hops.\n", "Nothing has changed.\n"}) {
     EXPECT_EQ(run("import --from table in/a.csv c.json --update 2>&1").second,

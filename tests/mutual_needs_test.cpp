@@ -167,17 +167,7 @@ TEST_F(MutualNeeds, KeepNothingFromBeingRemovedWhereTheyAreOptional) {
 using MutualNeedsShown = EvopathProgram;
 
 TEST_F(MutualNeedsShown, InPathsTiesAndDetails) {
-  write("c.json", R"({"metamodels": [
-    {"name": "A", "version": "1.0.0", "dependencies": [{"name": "B", "range": "1.0.0"}]},
-    {"name": "A", "version": "2.0.0", "dependencies": [{"name": "B", "range": "2.0.0"}]},
-    {"name": "B", "version": "1.0.0", "dependencies": [{"name": "A", "range": "1.0.0"}]},
-    {"name": "B", "version": "2.0.0", "dependencies": [{"name": "A", "range": "2.0.0"},
-      {"name": "C", "range": "2.0.0", "optional": true}]},
-    {"name": "C", "version": "1.0.0", "dependencies": []},
-    {"name": "C", "version": "2.0.0", "dependencies": []}],
-    "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-      {"name": "B", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-      {"name": "C", "from": "1.0.0", "to": "2.0.0", "expensive": false}]})");
+  make("c", contentOf(TestRepository("A1:B1 A2:B2 B1:A1 B2:A2+%C2 C1 C2 A1>2 B1>2 C1>2")), false);
   const std::string path = run("path c.json --from A=1.0.0,B=1.0.0,C=1.0.0 --to A=2.0.0").second;
   for (const char* part :
        {"A 2.0.0 needs B 2.0.0, not 1.0.0", "B 2.0.0 needs C 2.0.0, not 1.0.0"}) {

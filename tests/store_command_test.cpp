@@ -109,14 +109,7 @@ TEST_F(StoreCommand, SaysWhatItDoesAndWhatIsWrong) {
 }
 
 TEST_F(StoreCommand, ChangesRowsWholeOrNotAtAll) {
-  write("c.json", R"({"metamodels": [
-    {"name": "A", "version": "1.0.0", "dependencies": []},
-    {"name": "A", "version": "spring", "semver": "2.0.0", "dependencies": []},
-    {"name": "A", "version": "autumn", "semver": "3.0.0", "dependencies": []},
-    {"name": "B", "version": "1.0.0", "dependencies": [{"name": "A", "range": "1.0.0"}]}],
-    "hops": [{"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": false},
-             {"name": "A", "from": "1.0.0", "to": "2.0.0", "expensive": true}]})");
-  ASSERT_EQ(run("import c.json x.store").first, 0);
+  make("x", contentOf(TestRepository("A1 Aspring~2 Aautumn~3 B1:A1 A1>2 A1>2!")));
   const auto change = [&](const std::string& rows, const std::string& options = "") {
     write("change.json", rows);
     return run("change x.store change.json" + options + " 2>&1");
